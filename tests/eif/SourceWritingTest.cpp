@@ -1,0 +1,240 @@
+#include <gtest/gtest.h>
+
+#include "tests/eif/TextSection.h"
+#include "tests/support/MemoryFiles.h"
+#include "tests/support/TestPlatform.h"
+
+namespace velkrund::tests {
+namespace {
+
+class SourceWriting : public testing::Test {
+ protected:
+  TTextSectionRegistered Registered;
+  TTestPlatform Platform;
+};
+
+TEST_F(SourceWriting, BytesOfBothEncodingsInOneSource) {
+  TMemorySource Source;
+  Source.Open();
+  TTextSection Section;
+  Section.Parameter = {{"TableName", "Заказ"}};
+  Section.Lines = {"ж"};
+  Source.SetDefaultEncoding(TKvEncoding::Utf8);
+  Source.ExportObject(Section, "U");
+  Source.SetDefaultEncoding(TKvEncoding::Ansi);
+  Source.ExportObject(Section, "A");
+  Platform.WorkSettings.WorkAs17Version = true;
+  Source.ExportObject(Section, "A");
+  const std::string Expected =
+      "\xEF\xBB\xBF\r\n[SECTION]\r\nEncoding = UTF8\r\nName = U\r\nType = Text\r\nVersion = 100\r\nTableName = "
+      "Заказ\r\n[DATA]"
+      "\r\nж\r\n[END]\r\n"
+      "[SECTION]\r\nEncoding = ANSI\r\nName = A\r\nType = Text\r\nVersion = 100\r\nTableName = "
+      "\xC7\xE0\xEA\xE0\xE7\r\n[DATA]"
+      "\r\n\xE6\r\n[END]\r\n"
+      "[SECTION]\r\nName = A\r\nType = Text\r\nVersion = 100\r\nTableName = "
+      "\xC7\xE0\xEA\xE0\xE7\r\n[DATA]\r\n\xE6\r\n[END]\r\n";
+  EXPECT_EQ(Source.Bytes(), Expected);
+
+  TMemorySource Again(Source.Bytes());
+  Again.Open();
+  ASSERT_EQ(Again.Sections().Count(), 3);
+  for (int Index = 0; Index < 3; ++Index) {
+    const TEISection &Read = Again.Sections()[Index], &Written = Source.Sections()[Index];
+    EXPECT_EQ(Read.Position, Written.Position);
+    EXPECT_EQ(Read.DataPosition, Written.DataPosition);
+    EXPECT_EQ(Read.DataSize, Written.DataSize);
+    EXPECT_EQ(Read.ParamValue("tablename"), "Заказ");
+    TTextSection Body;
+    Body.SectionNumber = Index;
+    Again.ImportObject(Body);
+    EXPECT_EQ(Body.Lines, Section.Lines);
+  }
+}
+
+TEST_F(SourceWriting, FailedExportsLeaveNothing) {
+  TMemorySource Source;
+  Source.SetDefaultEncoding(TKvEncoding::Utf8);
+  Source.Open();
+  TTextSection Good;
+  Good.Lines = {"x"};
+  struct {
+    const char* What;
+    const char* Name;
+    std::vector<std::pair<std::string, std::string>> Parameter;
+    std::function<void(TEIStream&)> OnExport;
+  } Cases[] = {
+      {"error of the section", "n", {}, [](TEIStream&) { throw EEIError("no"); }},
+      {"cancelled", "n", {}, [](TEIStream&) { throw EAbort("no"); }},
+      {"no name", "", {}, {}},
+      {"name with a line end", "a\r\nb", {}, {}},
+      {"name with a blank at the end", "a ", {}, {}},
+      {"parameter twice", "n", {{"P", "1"}, {"p", "2"}}, {}},
+      {"parameter that would be trimmed", "n", {{"P", " 1"}}, {}},
+  };
+  for (const bool Empty : {true, false}) {
+    if (!Empty) Source.ExportObject(Good, "good");
+    const std::string Before = Source.Bytes();
+    for (auto& Case : Cases) {
+      TTextSection Section;
+      Section.Parameter = Case.Parameter;
+      Section.OnExport = Case.OnExport;
+      Section.Lines = {"some", "lines"};
+      EXPECT_ANY_THROW(Source.ExportObject(Section, Case.Name)) << Case.What;
+      EXPECT_EQ(Source.Bytes(), Before) << Case.What;
+      EXPECT_EQ(Source.Sections().Count(), Empty ? 0 : 1) << Case.What;
+    }
+  }
+  Source.ExportObject(Good, "good");
+  EXPECT_EQ(Source.Sections().Count(), 2);
+}
+
+TEST_F(SourceWriting, LostCharactersAreCountedOrRefused) {
+  TTextSection Section;
+  Section.Lines = {"a日b"};
+  TMemorySource Source;
+  Source.Open();
+  Source.ExportObject(Section, "n");
+  EXPECT_NE(Source.Bytes().find("a?b"), std::string::npos);
+  EXPECT_EQ(Source.Losses().Unrepresentable, 1);
+  const std::string Before = Source.Bytes();
+  Platform.WorkSettings.StrictText = true;
+  EXPECT_THROW(Source.ExportObject(Section, "m"), EEIError);
+  EXPECT_EQ(Source.Bytes(), Before);
+
+  const std::string Broken =
+      "[SECTION]\r\nEncoding=UTF8\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n\xFF\r\n[END]\r\n";
+  TMemorySource Reader(Broken);
+  Reader.Open();
+  EXPECT_THROW(Reader.ImportObject(*Reader.CreateEIObject(0)), EEIError);
+  Platform.WorkSettings.StrictText = false;
+  TTextSection Read;
+  Reader.ImportObject(Read);
+  EXPECT_EQ(Read.Lines, std::vector<std::string>{"\xEF\xBF\xBD"});
+  EXPECT_EQ(Reader.Losses().Malformed, 2) << "of the refused attempt and of this one";
+}
+
+// Every selection of four sections with text around them, against a naive cut of the whole text.
+TEST_F(SourceWriting, DeletionsKeepTheRestByteForByte) {
+  const std::string Lead[] = {"\xEF\xBB\xBF\r\n; first\r\n", "\r\n", "between [SECTION]\r\n [SECTION]\r\n", ""};
+  std::vector<std::string> Sections;
+  for (const char* Body : {"", "[SECTION]\r\nx\r\n", "long line\r\n", "y\r\n"})
+    Sections.push_back("[SECTION]\r\nName=" + std::to_string(Sections.size()) +
+                       "\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n" + Body + "[END]  \r\n");
+  Sections[2].insert(Sections[2].find("long"), std::string(600'000, 'z'));
+  std::string All;
+  for (std::size_t Index = 0; Index < Sections.size(); ++Index) All += Lead[Index] + Sections[Index];
+  All += "after the last";
+
+  for (unsigned Mask = 0; Mask < 16; ++Mask) {
+    TMemorySource Source(All);
+    Source.Open();
+    TStringList List;
+    std::string Expected;
+    std::vector<int> Kept;
+    for (int Index = 3; Index >= 0; --Index)
+      if (Mask >> Index & 1) List.Add(std::to_string(Index));
+    for (std::size_t Index = 0; Index < 4; ++Index) {
+      Expected += Lead[Index];
+      if (!(Mask >> Index & 1)) Expected += Sections[Index], Kept.push_back(static_cast<int>(Index));
+    }
+    if (!(Mask & 8)) Expected += "after the last";
+    Source.DeleteSections(List);
+    ASSERT_EQ(Source.Bytes(), Expected) << Mask;
+    EXPECT_EQ(Source.ReadLnCnt(), -1);
+    TMemorySource Again(Source.Bytes());
+    Again.Open();
+    ASSERT_EQ(Again.Sections().Count(), static_cast<int>(Kept.size()));
+    for (int Index = 0; Index < Again.Sections().Count(); ++Index) {
+      EXPECT_EQ(Source.Sections()[Index].Name(), std::to_string(Kept[static_cast<std::size_t>(Index)]));
+      EXPECT_EQ(Source.Sections()[Index].Position, Again.Sections()[Index].Position);
+      EXPECT_EQ(Source.Sections()[Index].DataPosition, Again.Sections()[Index].DataPosition);
+    }
+    if (List.Count() == 1) {
+      TMemorySource Single(All);
+      Single.Open();
+      Single.DeleteSection(std::stoi(List[0]));
+      EXPECT_EQ(Single.Bytes(), Expected) << Mask;
+    }
+  }
+  TMemorySource Source(All);
+  Source.Open();
+  for (const char* Bad : {"x", "4", "-1", ""}) EXPECT_ANY_THROW(Source.DeleteSections({Bad})) << Bad;
+  EXPECT_ANY_THROW(Source.DeleteSections({"1", "x"}));
+  EXPECT_EQ(Source.Bytes(), All);
+}
+
+TEST_F(SourceWriting, FilesFailCleanlyAtEveryWrite) {
+  TMemoryFiles Files;
+  TTextSection Section;
+  Section.Lines.assign(20'000, std::string(60, 'x'));  // more than one buffer
+  {
+    TEIFile File(Files);
+    File.SetFileName("f.eif");
+    File.CreateFile();
+    File.Open();
+    File.ExportObject(Section, "first");
+    const std::string Before = Files.Get("f.eif");
+    Files.Faults.Capacity = static_cast<std::int64_t>(Before.size()) + 500'000;
+    EXPECT_THROW(File.ExportObject(Section, "second"), EWriteError);
+    EXPECT_EQ(Files.Get("f.eif"), Before);
+    EXPECT_EQ(File.Sections().Count(), 1);
+    Files.Faults.Capacity = -1;
+    File.ExportObject(Section, "third");
+    File.Sync();
+  }
+  TEIFile Again(Files);
+  Again.SetReadonly(true);
+  Again.SetFileName("f.eif");
+  Again.Open();
+  ASSERT_EQ(Again.Sections().Count(), 2);
+  EXPECT_EQ(Again.Sections()[1].Name(), "third");
+  TEIFile Missing(Files);
+  Missing.SetFileName("missing.eif");
+  try {
+    Missing.Open();
+    FAIL();
+  } catch (const EEIError& Error) {
+    EXPECT_NE(std::string(Error.what()).find("; FileName: missing.eif; Line: -1 OwnerException: \r\nEFOpenError: "),
+              std::string::npos)
+        << Error.what();
+  }
+}
+
+class TMemoryField : public TField {
+ public:
+  TMemoryField() : TField("F", TKvKind::Bytes) {}
+  const TKvVariant& Value() override { return BufferedValue(); }
+};
+
+TEST_F(SourceWriting, BlobFieldsAreWrittenByExportsOnly) {
+  TMemoryField Field;
+  TTextSection Section;
+  Section.Lines = {"x"};
+  TEIBlobField Detached;
+  Detached.Open();
+  Detached.ExportObject(Section, "n");
+  EXPECT_EQ(Detached.Sections().Count(), 0);
+  {
+    TEIBlobField Blob;
+    Blob.SetBlobField(&Field);
+    Blob.Open();
+    Blob.ExportObject(Section, "a");
+    Blob.ExportObject(Section, "b");
+  }
+  const std::string Stored(Field.Value().AsText());
+  TEIBlobField Blob;
+  Blob.SetBlobField(&Field);
+  Blob.Open();
+  ASSERT_EQ(Blob.Sections().Count(), 2);
+  Blob.DeleteSection(0);
+  EXPECT_EQ(Field.Value().AsText(), Stored);
+  TTextSection Read;
+  Blob.ImportObject(Read);
+  EXPECT_EQ(Read.Lines, Section.Lines);
+  Blob.ExportObject(Section, "c");
+  EXPECT_NE(Field.Value().AsText(), Stored);
+}
+
+}  // namespace
+}  // namespace velkrund::tests

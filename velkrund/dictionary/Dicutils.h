@@ -1,0 +1,5 @@
+#pragma once
+
+#include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/TableDataOperations.h"

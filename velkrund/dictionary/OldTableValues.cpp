@@ -1,0 +1,197 @@
+// Value texts of version 100.
+
+#include <limits>
+
+#include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/TextEscapes.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::int64_t MinInteger = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t MaxInteger = std::numeric_limits<std::int32_t>::max();
+constexpr TDateTime DayZero{-25'569 * MicrosecondsPerDay};  // 1899-12-30
+
+template <typename T>
+void AppendBounded(std::string& Text, T Value) {
+  if (std::cmp_less(Value, MinInteger) || std::cmp_greater(Value, MaxInteger))
+    throw EDicUtilError(Format("Can not export table data. Field value %s is out of bounds %d and %d.",
+                               std::to_string(Value), MinInteger, MaxInteger));
+  AppendInteger(Text, static_cast<std::int64_t>(Value));
+}
+
+TDateTime TimeOnDayZero(std::int64_t TimeOfDay) { return {DayZero.Microseconds + TimeOfDay}; }
+
+// A day number read into a column of dates; false when it is no such value.
+bool SetDayNumber(TKvVariant& Value, TKvKind Column, double Number) {
+  const auto Moment = DayNumberToDateTime(Number);
+  if (!Moment) return false;
+  const std::int64_t OfDay = (Moment->Microseconds - DayZero.Microseconds) % MicrosecondsPerDay;
+  switch (Column) {
+    case TKvKind::DateTime:
+      return Value.SetDateTime(*Moment), true;
+    case TKvKind::SysDate:
+      return OfDay == 0 && (Value.SetSysDate(*Moment), true);
+    case TKvKind::SysTime:
+      return Moment->Microseconds - DayZero.Microseconds == OfDay && OfDay >= 0 && (Value.SetSysTime(OfDay), true);
+    default:
+      return false;
+  }
+}
+
+// A number has no kind of its own here: it goes to that of the column. Returns the error text, empty on success.
+std::string ReadNumber(std::string_view Text, TField& Field) {
+  const TKvKind Column = Field.Kind();
+  TKvVariant& Value = Field.Buffer();
+  if (Column == TKvKind::Currency)
+    if (const auto Amount = StrToCurrency(Text)) return Value.SetCurrency(*Amount), std::string();
+  if (const auto Integer = StrToInt32(Text)) return Value.SetInteger(*Integer, TKvKind::Integer), std::string();
+  std::size_t ErrorPosition = 0;
+  const auto Real = StrToReal(Text, ErrorPosition);
+  if (!Real) return Format("Error at position: %d", ErrorPosition);
+  if (!SetDayNumber(Value, Column, *Real)) Value.SetReal(*Real);
+  return {};
+}
+
+/// Turns a quoted text into bytes of the code page, in place.
+class TOldTextReader {
+ public:
+  TOldTextReader(std::span<char> Text, const TCodePage& Page) : FText(Text), FPage(Page) {}
+
+  /// The error text; empty on success, when Bytes holds the result.
+  std::string Read();
+  std::string_view Bytes() const { return {FText.data(), FLength}; }
+  std::int64_t Lost() const { return FLost; }
+
+ private:
+  void Put(unsigned char Byte) { FText[FLength++] = static_cast<char>(Byte); }
+  std::string ReadEscape();
+  std::string ReadCharacter();
+
+  std::span<char> FText;
+  const TCodePage& FPage;
+  std::size_t FAt = 1;        // byte to read next
+  std::size_t FPosition = 2;  // the same in characters, from 1
+  std::size_t FLength = 0;
+  std::int64_t FLost = 0;
+};
+
+std::string TOldTextReader::Read() {
+  if (FText.size() < 2 || FText.back() != '\'') return "String closing quote not founded";
+  while (FAt < FText.size() - 1) {
+    std::string Error = FText[FAt] == '#' ? ReadEscape() : ReadCharacter();
+    if (!Error.empty()) return Error;
+  }
+  return {};
+}
+
+std::string TOldTextReader::ReadEscape() {
+  const std::string_view Behind(FText.data() + FAt + 1, FText.size() - FAt - 1);
+  const std::size_t DigitBytes = Utf16Prefix(Behind, 2);
+  if (DigitBytes == Behind.size()) return Format("Uncorrect symbol code on position:%d", FPosition);
+  const auto Byte = HexToUnsigned(Behind.substr(0, DigitBytes));
+  if (!Byte || DigitBytes != 2) return Format("Uncorrect symbol code on position:%d", FPosition + 2);
+  Put(static_cast<unsigned char>(*Byte));
+  FAt += 3;
+  FPosition += 3;
+  return {};
+}
+
+std::string TOldTextReader::ReadCharacter() {
+  const auto First = static_cast<unsigned char>(FText[FAt]);
+  if (First < 0x20 || First == '|')
+    return Format("Uncorrect string symbol №%d symbol code:%d", FPosition, static_cast<int>(First));
+  if (First < 0x80) {
+    Put(First);
+    ++FAt;
+    ++FPosition;
+    return {};
+  }
+  const char32_t Code = NextCodePoint({FText.data(), FText.size()}, FAt);
+  const auto Byte = FPage.FromUnicode(Code);
+  if (!Byte) ++FLost;
+  Put(Byte.value_or('?'));
+  FPosition += Code > 0xFFFF ? 2 : 1;
+  return {};
+}
+
+}  // namespace
+
+void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
+  const TKvVariant& Value = Field.Value();
+  const TCodePage& Page = *WorkSettings().AnsiCodePage;
+  switch (Value.Kind()) {
+    case TKvKind::Null:
+      Text += "NULL";
+      return;
+    case TKvKind::Byte:
+    case TKvKind::SmallInt:
+    case TKvKind::Word:
+    case TKvKind::Integer:
+    case TKvKind::LongWord:
+    case TKvKind::Int64:
+      return AppendBounded(Text, Value.AsInteger());
+    case TKvKind::UInt64:
+      return AppendBounded(Text, Value.AsUnsigned());
+    case TKvKind::Double:
+    case TKvKind::Extended:
+      return AppendReal(Text, Value.AsReal());
+    case TKvKind::SysDate:
+    case TKvKind::DateTime:
+      return AppendReal(Text, DateTimeToDayNumber(Value.AsDateTime()));
+    case TKvKind::SysTime:
+      return AppendReal(Text, DateTimeToDayNumber(TimeOnDayZero(Value.AsTimeOfDay())));
+    case TKvKind::Currency:
+      return AppendCurrency(Text, Value.AsCurrency());
+    case TKvKind::Boolean:
+    case TKvKind::WordBool:
+      Text += Value.AsBoolean() ? "TRUE" : "FALSE";
+      return;
+    case TKvKind::Char:
+    case TKvKind::String:
+      Text += '\'';
+      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Field, Lost, 0);
+      Text += '\'';
+      return;
+    case TKvKind::AnsiChar:
+    case TKvKind::AnsiString:
+    case TKvKind::Bytes:
+      Text += '\'';
+      AppendOldEscapedBytes(Text, Value.AsText(), Page);
+      Text += '\'';
+      return;
+  }
+  throw EDicUtilError(
+      Format("Can not export table data. Field value is of unknown type (VarType:%d)", static_cast<int>(Value.Kind())));
+}
+
+void TEIOldTableData::StringToField(std::span<char> Text, TField& Field) {
+  const std::string_view View(Text.data(), Text.size());
+  std::string Error;
+  if (View.front() == '\'') {
+    TOldTextReader Reader(Text, *WorkSettings().AnsiCodePage);
+    Error = Reader.Read();
+    if (Error.empty()) {
+      if (Reader.Lost()) TextLost(Field, Reader.Lost(), 0);
+      return Field.Buffer().BorrowText(Reader.Bytes(), TKvKind::AnsiString);
+    }
+  } else if (SameAsciiWord(View, "NULL")) {
+    return Field.Buffer().SetNull();
+  } else if (SameAsciiWord(View, "TRUE") || SameAsciiWord(View, "FALSE")) {
+    return Field.Buffer().SetBoolean(View.size() == 4);
+  } else {
+    Error = ReadNumber(View, Field);
+    if (Error.empty()) return;
+  }
+  Unparseable(Field, Format("Can not import table data. Invalid record data structure. Field value is incorrect "
+                            "(Field:'%s';Error:'%s')",
+                            Field.Name(), Error));
+}
+
+}  // namespace velkrund

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "velkrund/eif/EIStream.h"
+
+namespace velkrund {
+
+/// UTF-16 units of record text on one physical line; it keeps lines readable by tools with fixed buffers.
+inline constexpr std::size_t MaxRecordPiece = 99990;
+/// What stands before every field name and record.
+inline constexpr std::string_view Indentation = "  ";
+inline constexpr char ContinuationMark = '@';
+
+/// Writes Line, which is Indentation and a record text, as one line or as several pieces.
+void WriteRecordLines(TEIStream& Stream, std::string_view Line);
+
+}  // namespace velkrund

@@ -1,0 +1,68 @@
+#include "velkrund/dictionary/TableData.h"
+
+#include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/eif/Section.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr const char* TableDataType = "TableData";
+constexpr const char* TableNameParameter = "TableName";
+
+template <typename TSection>
+std::unique_ptr<TEIObject> Make() {
+  return std::make_unique<TSection>();
+}
+
+}  // namespace
+
+constinit const TEIObjectDescriptor TEICommonTableData::Descriptor{"TEICommonTableData",    nullptr, TableDataType, -1,
+                                                                   TSectionRole::TableData, nullptr, nullptr};
+constinit const TEIObjectDescriptor TEITableData::Descriptor{
+    "TEITableData",     &TEICommonTableData::Descriptor, TableDataType, 200, TSectionRole::TableData, nullptr,
+    &Make<TEITableData>};
+constinit const TEIObjectDescriptor TEIOldTableData::Descriptor{
+    "TEIOldTableData", &TEICommonTableData::Descriptor, TableDataType, 100, TSectionRole::TableData,
+    nullptr,           &Make<TEIOldTableData>};
+
+TEICommonTableData::TEICommonTableData() : StrictValues(WorkSettings().StrictValues) {}
+
+void TEICommonTableData::FillParameters(TEISectionParameters& Parameters) {
+  Parameters.AddParam(TableNameParameter, TableName);
+}
+
+void TEICommonTableData::Initialize(const TEISection& Section) { TableName = Section.ParamValue(TableNameParameter); }
+
+TTable& TEICommonTableData::TakeTable(std::unique_ptr<TTable>& Owned, std::string_view Purpose) {
+  if (Table) return *Table;
+  Owned = BaseMng().GetUserTable(TableName, DatabaseName, true);
+  if (!Owned)
+    throw EDicUtilError(Format("Can not %s table data. Error opening table (TableName:'%s')", Purpose, TableName));
+  return *Owned;
+}
+
+void TEICommonTableData::TextLost(const TField& Field, std::int64_t Unrepresentable, std::int64_t Malformed) {
+  if (FLosses) {
+    FLosses->Unrepresentable += Unrepresentable;
+    FLosses->Malformed += Malformed;
+  }
+  if (!WorkSettings().StrictText) return;
+  const std::string Place = Format("(Field:'%s';Record:%d)", Field.Name(), Report->RowCount + 1);
+  if (Malformed)
+    throw EDicUtilError(
+        Format("A text is not valid UTF-8 %s. Allow losses to keep it with replacement characters", Place));
+  throw EDicUtilError(
+      Format("A text has characters that code page %d lacks %s. Use version 200 in UTF-8, or allow losses",
+             WorkSettings().AnsiCodePage->Number(), Place));
+}
+
+void TEICommonTableData::Unparseable(TField& Field, const std::string& Message) {
+  if (StrictValues) throw EDicUtilError(Message);
+  Field.Buffer().SetNull();
+  ++Report->NullsMade;
+}
+
+}  // namespace velkrund

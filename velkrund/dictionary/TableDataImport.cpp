@@ -1,0 +1,164 @@
+#include <algorithm>
+#include <cstring>
+
+#include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::string_view Prefix = "Can not import table data. ";
+
+[[noreturn]] void ImportError(const std::string& What) { throw EDicUtilError(std::string(Prefix) + What); }
+
+/// A transaction that is rolled back unless it was committed.
+class TImportTransaction {
+ public:
+  explicit TImportTransaction(const std::string& DatabaseName) : FDatabaseName(DatabaseName) {
+    BaseMng().StartTransaction(FDatabaseName, TIsolationLevel::RepeatableRead);
+  }
+  TImportTransaction(const TImportTransaction&) = delete;
+  TImportTransaction& operator=(const TImportTransaction&) = delete;
+  ~TImportTransaction() {
+    if (FEnded) return;
+    try {
+      BaseMng().RollbackTransaction(FDatabaseName);
+    } catch (const std::exception& Error) {
+      // The error on its way out is the one to tell; a connection that cannot roll back has lost the transaction
+      // anyway.
+      BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Format("Can not roll back: %s", Error.what()));
+    }
+  }
+  void Commit() {
+    FEnded = true;
+    BaseMng().CommitTransaction(FDatabaseName);
+  }
+
+ private:
+  const std::string& FDatabaseName;
+  bool FEnded = false;
+};
+
+std::span<char> TrimInPlace(std::span<char> Text) {
+  const std::string_view All(Text.data(), Text.size());
+  const std::string_view Kept = Trim(All);
+  return Text.subspan(static_cast<std::size_t>(Kept.data() - All.data()), Kept.size());
+}
+
+}  // namespace
+
+struct TEICommonTableData::TImportField {
+  std::string Name;
+  TField* Target;  // null: the value is passed over
+};
+
+std::string_view TEICommonTableData::NextLine(TEIStream& Stream) {
+  ShowProgress(Stream.Position(), Stream.Size(), TableName);
+  return Trim(Stream.Readln());
+}
+
+bool TEICommonTableData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines) {
+  while (Stream.Position() < Stream.Size()) {
+    const std::string_view Line = NextLine(Stream);
+    if (Line == Marker) return true;
+    if (Lines) Lines->emplace_back(Line);
+  }
+  return false;
+}
+
+std::vector<std::string> TEICommonTableData::ReadFieldNames(TEIStream& Stream) {
+  std::vector<std::string> Names;
+  if (!ReadUntil(Stream, "[FIELDS]", nullptr)) ImportError("Fields section not found");
+  if (!ReadUntil(Stream, "[RECORDS]", &Names)) ImportError("Records section not found");
+  return Names;
+}
+
+std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(TTable& Target,
+                                                                                const std::vector<std::string>& Names) {
+  std::vector<TImportField> Columns;
+  for (const std::string& Name : Names) {
+    TField* Field = Target.FindField(Name);
+    const bool Wanted = Selected(Name);
+    if (!Field && Wanted) {
+      if (!SkipMissingFields) ImportError(Format("Import field '%s' is missing", Name));
+      Report->SkippedFields.push_back(Name);
+    }
+    Columns.push_back({Name, Wanted ? Field : nullptr});
+  }
+  return Columns;
+}
+
+void TEICommonTableData::ImportData(TEIStream& Stream) {
+  *Report = {};
+  FStopped = false;
+  FLosses = &Stream.Losses();
+  const std::vector<std::string> Names = ReadFieldNames(Stream);
+  std::unique_ptr<TTable> Owned;
+  TTable& Target = TakeTable(Owned, "import");
+  const std::vector<TImportField> Columns = ResolveFields(Target, Names);
+  TImportTransaction Transaction(DatabaseName);
+  if (const auto* SQLTable = dynamic_cast<const TODBCTable*>(&Target); SQLTable && !Append)
+    BaseMng().ExecuteSQL("DELETE FROM " + SQLTable->SQLName(), DatabaseName);
+  Target.SetCanRecreateAutoSequence(true);
+  Target.BeginAppend();
+  ImportRecords(Target, Columns, Stream);
+  if (FStopped) return;
+  Target.EndAppend();
+  Transaction.Commit();
+}
+
+void TEICommonTableData::ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
+  while (Stream.Position() < Stream.Size()) {
+    Target.ClearData();
+    ReadRecord(Stream);
+    RecordToFields(Columns, Stream);
+    Target.AppendRecord();
+    ++Report->RowCount;
+    if (IsCanceled()) {
+      FStopped = true;
+      return;
+    }
+  }
+}
+
+// Puts the pieces of the next record together, without its brackets.
+void TEICommonTableData::ReadRecord(TEIStream& Stream) {
+  FRecord = NextLine(Stream);
+  if (FRecord.size() < 2 || FRecord.front() != '<') RecordError("'<' is missing", Stream);
+  while (!FRecord.empty() && FRecord.back() == ContinuationMark) {
+    if (Stream.Position() >= Stream.Size()) RecordError("Unexpected end of data section", Stream);
+    const std::string_view Piece = NextLine(Stream);
+    if (Piece.empty() || Piece.front() != ContinuationMark) RecordError("'@' is missing", Stream);
+    FRecord.pop_back();
+    FRecord += Piece.substr(1);
+  }
+  if (FRecord.size() < 2 || FRecord.back() != '>') RecordError("'>' is missing", Stream);
+}
+
+void TEICommonTableData::RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream) {
+  char* At = FRecord.data() + 1;
+  char* const End = FRecord.data() + FRecord.size() - 1;
+  for (const TImportField& Column : Columns) {
+    char* const Start = std::min(At, End);
+    const auto Left = static_cast<std::size_t>(End - Start);
+    char* Stop = Left ? static_cast<char*>(std::memchr(Start, '|', Left)) : nullptr;
+    if (!Stop) Stop = End;
+    At = Stop + 1;
+    const std::span<char> Value = TrimInPlace({Start, Stop});
+    if (Value.empty())
+      ImportError(Format("Invalid record data structure. Field value is missing (Position:%d;Field:'%s')",
+                         Stream.Position(), Column.Name));
+    if (Column.Target) StringToField(Value, *Column.Target);
+  }
+}
+
+void TEICommonTableData::RecordError(std::string_view What, TEIStream& Stream) const {
+  ImportError(Format("Invalid record data structure. %s (Position:%d)", What, Stream.Position()));
+}
+
+}  // namespace velkrund

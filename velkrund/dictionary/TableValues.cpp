@@ -1,0 +1,151 @@
+// Value texts of version 200.
+
+#include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/TextEscapes.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+std::size_t HexDigit(char Digit) {
+  if (Digit >= '0' && Digit <= '9') return static_cast<std::size_t>(Digit - '0');
+  if (Digit >= 'A' && Digit <= 'F') return static_cast<std::size_t>(Digit - 'A' + 10);
+  if (Digit >= 'a' && Digit <= 'f') return static_cast<std::size_t>(Digit - 'a' + 10);
+  return 16;
+}
+
+void ReadText(std::span<char> Text, TKvVariant& Value) {
+  const std::span<char> Inside = Text.subspan(1, Text.size() - 2);
+  std::string BadDigits;
+  const std::size_t Length = UnescapeInPlace(Inside, BadDigits);
+  if (!BadDigits.empty())
+    throw EDicUtilError(Format("Error importing table data. Invalid character (#$%s) in string constant.", BadDigits));
+  Value.BorrowText({Inside.data(), Length});
+}
+
+void ReadBytes(std::span<char> Digits, TKvVariant& Value) {
+  if (Digits.size() % 2 != 0) throw EDicUtilError("Error importing table data. Incorrect binary value");
+  char* Out = Digits.data();
+  for (std::size_t At = 0; At < Digits.size(); At += 2) {
+    const std::size_t High = HexDigit(Digits[At]), Low = HexDigit(Digits[At + 1]);
+    if ((High | Low) > 15)
+      throw EConvertError(Format("'$%s' is not a valid integer value", std::string_view(&Digits[At], 2)));
+    *Out++ = static_cast<char>(High << 4 | Low);
+  }
+  Value.BorrowText({Digits.data(), Digits.size() / 2}, TKvKind::Bytes);
+}
+
+void ReadCurrency(std::string_view Text, TKvVariant& Value) {
+  const auto Amount = StrToCurrency(Text);
+  if (!Amount) throw EConvertError(Format("'%s' is not a valid currency value", Text));
+  Value.SetCurrency(*Amount);
+}
+
+// Numbers and dates; false when the text is neither.
+bool ReadPlain(std::string_view Text, TKvVariant& Value) {
+  if (const auto Integer = StrToInt64(Text)) return Value.SetInteger(*Integer), true;
+  if (const auto Unsigned = StrToUInt64(Text)) return Value.SetUnsigned(*Unsigned), true;
+  if (const auto Real = StrToReal(Text)) return Value.SetReal(*Real), true;
+  if (const auto Date = StrToSysDate(Text)) return Value.SetSysDate(*Date), true;
+  if (const auto Time = StrToSysTime(Text)) return Value.SetSysTime(*Time), true;
+  if (const auto Moment = SysStrToDateTime(Text)) return Value.SetDateTime(*Moment), true;
+  return false;
+}
+
+bool ReadWord(std::string_view Text, TKvVariant& Value) {
+  if (SameAsciiWord(Text, "NULL")) return Value.SetNull(), true;
+  if (SameAsciiWord(Text, "TRUE")) return Value.SetBoolean(true), true;
+  if (SameAsciiWord(Text, "FALSE")) return Value.SetBoolean(false), true;
+  return false;
+}
+
+}  // namespace
+
+void TEITableData::FieldToString(TField& Field, std::string& Text) {
+  const TKvVariant& Value = Field.Value();
+  switch (Value.Kind()) {
+    case TKvKind::Null:
+      Text += "NULL";
+      return;
+    case TKvKind::Byte:
+    case TKvKind::SmallInt:
+    case TKvKind::Word:
+    case TKvKind::Integer:
+    case TKvKind::LongWord:
+    case TKvKind::Int64:
+      return AppendInteger(Text, Value.AsInteger());
+    case TKvKind::UInt64:
+      return AppendUnsigned(Text, Value.AsUnsigned());
+    case TKvKind::Double:
+    case TKvKind::Extended:
+      return AppendReal(Text, Value.AsReal());
+    case TKvKind::Boolean:
+    case TKvKind::WordBool:
+      Text += Value.AsBoolean() ? "TRUE" : "FALSE";
+      return;
+    case TKvKind::SysDate:
+    case TKvKind::SysTime:
+    case TKvKind::DateTime:
+      return Value.AppendAsText(Text);
+    case TKvKind::Currency:
+      Text += '$';
+      return AppendCurrency(Text, Value.AsCurrency());
+    case TKvKind::Bytes:
+      ReserveFor(Text, 2 * Value.AsText().size());
+      Text += "0x";
+      return AppendHex(Text, Value.AsText());
+    case TKvKind::AnsiChar:
+    case TKvKind::AnsiString:
+    case TKvKind::Char:
+    case TKvKind::String:
+      return TextToString(Field, Value, Text);
+  }
+  throw EDicUtilError(
+      Format("Can not exporttable data. Field value is of unknown type (VarType:%d)", static_cast<int>(Value.Kind())));
+}
+
+void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, std::string& Text) {
+  std::string_view Source = Value.AsText();
+  std::string Decoded;
+  if (Value.Kind() == TKvKind::AnsiChar || Value.Kind() == TKvKind::AnsiString) {
+    WorkSettings().AnsiCodePage->Decode(Source, Decoded);
+    Source = Decoded;
+  }
+  Text += '\'';
+  const std::size_t Start = Text.size();
+  if (const std::int64_t Malformed = AppendEscaped(Text, Source)) TextLost(Field, 0, Malformed);
+  if (WritesAnsi()) CheckRepresentable(Field, std::string_view(Text).substr(Start));
+  Text += '\'';
+}
+
+// The stream would replace what the code page lacks; here field and record can still be named.
+void TEITableData::CheckRepresentable(const TField& Field, std::string_view Text) {
+  if (!WorkSettings().StrictText) return;
+  std::string Bytes;
+  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Field, Lost, 0);
+}
+
+void TEITableData::StringToField(std::span<char> Text, TField& Field) {
+  const std::string_view View(Text.data(), Text.size());
+  TKvVariant& Value = Field.Buffer();
+  const char First = View.front();
+  if (First == '\'') {
+    if (View.size() >= 2 && View.back() == '\'') return ReadText(Text, Value);
+  } else if (View.starts_with("0x")) {
+    return ReadBytes(Text.subspan(2), Value);
+  } else if (First == '$') {
+    return ReadCurrency(View.substr(1), Value);
+  } else if (ReadWord(View, Value) || ReadPlain(View, Value)) {
+    return;
+  }
+  Unparseable(Field, Format("Can not import table data. Invalid record data structure. Field value is incorrect "
+                            "(Field:'%s'); Value: %s",
+                            Field.Name(), View));
+}
+
+}  // namespace velkrund

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velkrund/platform/ormtools/ClassRef.h"
+#include "velkrund/platform/ormtools/ParamsList.h"
+
+namespace velkrund {
+
+class TEIObject;
+class TEISection;
+class TEISectionParameters;
+class TEIStream;
+
+/// Progress of a job: Current of Total, and the name of what is being worked on (valid during the call).
+using TProgressCallback = std::function<void(std::int32_t Current, std::int32_t Total, std::string_view ObjectName)>;
+/// Polled by long jobs; true asks them to stop.
+using TCancelCallback = std::function<bool()>;
+
+/// What a section's content means to those who import whole files.
+enum class TSectionRole { Structure, TableData, Other };
+
+/// The static facts of a section class. AcceptVersion may be null: then only Version itself is accepted.
+struct TEIObjectDescriptor {
+  const char* Name;
+  const TEIObjectDescriptor* Parent;
+  const char* TypeName;
+  int Version;
+  TSectionRole Role;
+  bool (*AcceptVersion)(int Version);
+  std::unique_ptr<TEIObject> (*Factory)();
+};
+
+/// A section class as a value.
+class TEIObjectClass : public TClassRef<TEIObjectDescriptor> {
+ public:
+  using TClassRef::TClassRef;
+
+  /// The text of the "Type" header line; empty for no class.
+  std::string_view TypeName() const { return Descriptor() ? Descriptor()->TypeName : std::string_view(); }
+  int Version() const { return Descriptor() ? Descriptor()->Version : -1; }
+  TSectionRole Role() const { return Descriptor() ? Descriptor()->Role : TSectionRole::Other; }
+  /// Whether the class reads bodies of that version.
+  bool AcceptVersion(int Version) const;
+  /// A new object; raises EAccessViolation for no class and for an abstract one.
+  std::unique_ptr<TEIObject> Create() const;
+};
+
+/// Anything that can be written to, or read from, an export/import source: it describes itself in header parameters and
+/// writes and reads its body as lines. Used by one thread at a time, for one export or import.
+class TEIObject {
+ public:
+  TEIObject() = default;
+  TEIObject(const TEIObject&) = delete;
+  TEIObject& operator=(const TEIObject&) = delete;
+  virtual ~TEIObject() = default;
+
+  /// Writes the body lines.
+  virtual void ExportData(TEIStream& Stream) = 0;
+  /// Reads the body lines up to the end of the bounded stream.
+  virtual void ImportData(TEIStream& Stream) = 0;
+  /// Settings, and answers given for all, on their way from one section object to the next.
+  virtual void SaveProperties(TKvParamsList& Properties) const;
+  virtual void LoadProperties(const TKvParamsList& Properties);
+  /// Takes name, version and parameters from a parsed header, before an import.
+  virtual void Initialize(const TEISection& Section) = 0;
+  /// Adds the header lines beyond name, type and version, before an export.
+  virtual void FillParameters(TEISectionParameters& Parameters) = 0;
+  virtual TEIObjectClass ClassType() const = 0;
+
+  std::string_view TypeName() const { return ClassType().TypeName(); }
+  int Version() const { return ClassType().Version(); }
+  bool AcceptVersion(int Version) const { return ClassType().AcceptVersion(Version); }
+
+  /// Reports to OnProgress. A Total beyond 32 bits is reported in millionths.
+  void ShowProgress(std::int64_t Current, std::int64_t Total, std::string_view ObjectName) const;
+  /// What OnCancel answers; false without one. Polled between records.
+  bool IsCanceled() const { return OnCancel && OnCancel(); }
+  /// Whether the last import ended early, and undone, because it was cancelled.
+  bool Stopped() const { return FStopped; }
+
+  int SectionNumber = 0;  // index of the section to import in its source
+  TProgressCallback OnProgress;
+  TCancelCallback OnCancel;
+  std::string DatabaseName;
+
+ protected:
+  bool FStopped = false;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,160 @@
+#include "velkrund/eif/EISource.h"
+
+#include "velkrund/eif/EIStream.h"
+#include "velkrund/eif/TextChecks.h"
+#include "velkrund/eif/TypeList.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+
+// A header is read back trimmed and line by line: what would not come back as it was must not be written.
+void CheckHeaderValue(std::string_view Name, std::string_view Value) {
+  if (Trim(Value) != Value || Value.find('\r') != std::string_view::npos)
+    throw EEIError(
+        Format("A section header can not hold the %s '%s': it has blanks or control characters at an end, or a "
+               "line end inside",
+               Name, Value));
+}
+
+}  // namespace
+
+TEISource::TEISource() : FCodec(*WorkSettings().AnsiCodePage) {}
+
+TEISource::~TEISource() = default;
+
+std::string_view TEISource::RightTrim(std::string_view Text) { return TrimRightBlanks(Text); }
+
+std::string_view TEISource::ReadRaw() {
+  const std::string_view Line = ReadRawLine(Stream(), FSpill);
+  if (FReadLnCnt >= 0) ++FReadLnCnt;
+  return Line;
+}
+
+std::string_view TEISource::ReadlnString(TKvEncoding Encoding) {
+  const std::string_view Raw = ReadRaw();
+  const std::int64_t Before = FLosses.Malformed;
+  const std::string_view Line = FCodec.Decode(Raw, Encoding, FLosses);
+  if (FLosses.Malformed != Before) CheckTextRead(Stream().Position());
+  return Line;
+}
+
+void TEISource::WritelnString(std::string_view Text, TKvEncoding Encoding) {
+  const std::int64_t Before = FLosses.Unrepresentable;
+  const std::string_view Bytes = FCodec.Encode(Text, Encoding, FLosses);
+  if (FLosses.Unrepresentable != Before) CheckTextWritten(Text, Stream().Position());
+  if (!Bytes.empty()) Stream().Write(Bytes);
+  Stream().Write(LineEnd);
+}
+
+void TEISource::Open() {
+  try {
+    InternalOpen();
+    FReadLnCnt = 0;
+    while (FindSectionStart()) ReadSection();
+  } catch (const std::exception& Error) {
+    Decorate(Error, FReadLnCnt);
+  }
+}
+
+void TEISource::Decorate(const std::exception& Error, std::int64_t Line) const {
+  std::string Message = Error.what();
+  if (const auto FileName = ErrorFileName()) Message += Format("; FileName: %s", *FileName);
+  Message += Format("; Line: %d OwnerException: ", Line);
+  Message += LineEnd;
+  Message += Kv_FullExceptionInfo(Error);
+  std::throw_with_nested(EEIError(Message));
+}
+
+void TEISource::ExportObject(TEIObject& Object, const std::string& Name) {
+  TStream& Target = Stream();
+  const std::int64_t RollbackPoint = Target.Seek(0, TSeekOrigin::End);
+  const int SectionsBefore = FSections.Count();
+  try {
+    if (RollbackPoint == 0 && FDefaultEncoding == TKvEncoding::Utf8) {
+      Target.Write(ByteOrderMark);
+      Target.Write(LineEnd);
+    }
+    WritelnString("[SECTION]", TKvEncoding::Utf8);
+    WriteSection(Object, Name, FSections.AddSection());
+    WritelnString("[END]", FDefaultEncoding);
+    Target.Flush();
+  } catch (...) {
+    if (FSections.Count() > SectionsBefore) FSections.DeleteSection(SectionsBefore);
+    try {
+      Target.SetSize(RollbackPoint);
+      Target.SetPosition(RollbackPoint);
+    } catch (const std::exception& Error) {
+      // The first error is the one to tell; that the file could not be cut back is for the trace.
+      BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error,
+                           Format("Can not cut an unfinished section off at %d: %s", RollbackPoint, Error.what()));
+    }
+    throw;
+  }
+}
+
+void TEISource::WriteSection(TEIObject& Object, const std::string& Name, TEISection& Section) {
+  const TKvEncoding Encoding = FDefaultEncoding;
+  Section.Position = Stream().Position();
+  Section.FEncoding = Encoding;
+  if (Encoding == TKvEncoding::Utf8)
+    WritelnString("Encoding = UTF8", Encoding);
+  else if (!WorkSettings().WorkAs17Version)
+    WritelnString("Encoding = ANSI", Encoding);
+  if (Name.empty()) throw EEIError("Can not export a section without a name");
+  WriteHeaderLine("Name", Name, Encoding);
+  Section.FName = Name;
+  WriteHeaderLine("Type", Object.TypeName(), Encoding);
+  WriteHeaderLine("Version", Format("%d", Object.Version()), Encoding);
+  Section.FVersion = Object.Version();
+  Section.ObjectClass = EITypeList().Find(Object.TypeName(), Object.Version());
+  Object.FillParameters(Section.FParameters);
+  for (int Index = 0; Index < Section.ParamCount(); ++Index)
+    WriteHeaderLine(Section.ParamName(Index), Section.FParameters.ParamValues(Index), Encoding);
+  WritelnString("[DATA]", Encoding);
+  Section.DataPosition = Stream().Position();
+  TEIStream Body(Stream(), -1, &FLosses);
+  Body.SetEncoding(Encoding);
+  Object.ExportData(Body);
+  Section.DataSize = Stream().Position() - Section.DataPosition;
+}
+
+void TEISource::WriteHeaderLine(std::string_view Name, std::string_view Value, TKvEncoding Encoding) {
+  CheckHeaderValue(Name, Value);
+  std::string Line(Name);
+  Line += " = ";
+  Line += Value;
+  WritelnString(Line, Encoding);
+}
+
+void TEISource::ImportObject(TEIObject& Object) {
+  const TEISection& Section = FSections.Sections(Object.SectionNumber);
+  Stream().SetPosition(Section.DataPosition);
+  TEIStream Body(Stream(), Section.DataSize, &FLosses);
+  Body.SetReadLnCnt(0);
+  Body.SetEncoding(Section.FEncoding);
+  try {
+    Object.ImportData(Body);
+  } catch (const EAbort&) {
+    throw;
+  } catch (const EQuestionUnanswered&) {
+    throw;
+  } catch (const std::exception& Error) {
+    Decorate(Error, Section.DataLinePosition + Body.ReadLnCnt());
+  }
+}
+
+std::unique_ptr<TEIObject> TEISource::CreateEIObject(int Index) {
+  const TEISection& Section = FSections.Sections(Index);
+  std::unique_ptr<TEIObject> Object = Section.ObjectClass.Create();
+  Object->SectionNumber = Index;
+  Object->Initialize(Section);
+  return Object;
+}
+
+}  // namespace velkrund

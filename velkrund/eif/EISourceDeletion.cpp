@@ -1,0 +1,94 @@
+// How TEISource cuts sections out of its stream: every cut is found first, then what lies between the cuts moves down.
+
+#include <memory>
+#include <vector>
+
+#include "velkrund/eif/EISource.h"
+#include "velkrund/eif/TypeList.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::size_t MoveBlock = 256 * 1024;
+
+}  // namespace
+
+void TEISource::DeleteSection(int Index) {
+  FReadLnCnt = -1;
+  FSections.Sections(Index);  // refuses an index outside the list
+  std::vector<bool> Marks(static_cast<std::size_t>(FSections.Count()));
+  Marks[static_cast<std::size_t>(Index)] = true;
+  DeleteMarked(Marks);
+}
+
+void TEISource::DeleteSections(TStringList List) {
+  FReadLnCnt = -1;
+  List.CustomSort(CompareIntStringList);
+  std::vector<bool> Marks(static_cast<std::size_t>(FSections.Count()));
+  for (int At = 0; At < List.Count(); ++At) {
+    CompareIntStringList(List, At, At);  // a list of one entry was not compared yet
+    const int Index = *StrToInt32(List[At]);
+    FSections.Sections(Index);
+    Marks[static_cast<std::size_t>(Index)] = true;
+  }
+  if (List.Count() > 0) DeleteMarked(Marks);
+}
+
+// The position behind the section's "[END]" line.
+std::int64_t TEISource::EndOfSection(const TEISection& Section) {
+  Stream().SetPosition(Section.DataPosition + Section.DataSize);
+  while (!Stream().Peek().empty())
+    if (RightTrim(ReadRaw()) == "[END]") break;
+  return Stream().Position();
+}
+
+void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
+  struct TCut {
+    std::int64_t Start, End;
+  };
+  std::vector<TCut> Cuts;
+  std::vector<std::int64_t> Shifts(Marks.size());
+  std::int64_t Shift = 0;
+  const std::int64_t OldSize = Stream().Size();
+  for (int Index = 0; Index < FSections.Count(); ++Index) {
+    Shifts[static_cast<std::size_t>(Index)] = Shift;
+    if (!Marks[static_cast<std::size_t>(Index)]) continue;
+    Stream().SetPosition(Index == 0 ? 0 : EndOfSection(FSections[Index - 1]));
+    std::int64_t Start = Stream().Position();
+    while (RightTrim(ReadRaw()) != "[SECTION]") Start = Stream().Position();
+    const bool Last = Index == FSections.Count() - 1;
+    const std::int64_t End = Last ? OldSize : EndOfSection(FSections[Index]);
+    Cuts.push_back({Start, End});
+    Shift += End - Start;
+  }
+  std::int64_t WriteAt = Cuts.front().Start;
+  for (std::size_t Index = 0; Index < Cuts.size(); ++Index)
+    MoveDown(WriteAt, Cuts[Index].End, Index + 1 < Cuts.size() ? Cuts[Index + 1].Start : OldSize);
+  Stream().SetSize(WriteAt);
+  Stream().SetPosition(WriteAt);
+  Stream().Flush();
+  for (int Index = 0; Index < FSections.Count(); ++Index) {
+    FSections[Index].Position -= Shifts[static_cast<std::size_t>(Index)];
+    FSections[Index].DataPosition -= Shifts[static_cast<std::size_t>(Index)];
+  }
+  FSections.DeleteMarked(Marks);
+}
+
+// Moves the bytes From .. To down to WriteAt, and WriteAt behind them.
+void TEISource::MoveDown(std::int64_t& WriteAt, std::int64_t From, std::int64_t To) {
+  const auto Block = std::make_unique<char[]>(MoveBlock);
+  while (From < To) {
+    Stream().SetPosition(From);
+    const auto Wanted = static_cast<std::size_t>(std::min<std::int64_t>(To - From, MoveBlock));
+    const std::size_t Count = Stream().Read(Block.get(), Wanted);
+    if (Count == 0) return;
+    From += static_cast<std::int64_t>(Count);
+    Stream().SetPosition(WriteAt);
+    Stream().Write({Block.get(), Count});
+    WriteAt += static_cast<std::int64_t>(Count);
+  }
+}
+
+}  // namespace velkrund

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "velkrund/platform/ormtools/LineReader.h"
+#include "velkrund/platform/ormtools/Streams.h"
+
+namespace velkrund {
+
+/// A view onto a source's stream, through which a section object writes or reads its body in the section's encoding:
+/// unbounded and writable while a section is exported, bounded to one body and read-only while it is imported. Position
+/// 0 is where the underlying stream stood when the view was made. Lives for one export or import.
+class TEIStream final : public TStream {
+ public:
+  /// Stream: borrowed. Size: bytes of the view, -1 for an unbounded one. Losses: borrowed, may be null; counts what the
+  /// encoding could not carry.
+  explicit TEIStream(TStream& Stream, std::int64_t Size = -1, TTextLosses* Losses = nullptr);
+
+  /// The next line as UTF-8, valid until the next operation on the view. At the end of a bounded view an empty text, as
+  /// for an empty line: the end is told by position and size. Where the application is strict about text, a malformed
+  /// line raises EEIError.
+  std::string_view Readln();
+  /// Writes a UTF-8 text as one line, ended by carriage return and line feed. Where the application is strict about
+  /// text, a character that the encoding lacks raises EEIError.
+  void Writeln(std::string_view Text);
+
+  std::size_t Read(char* Buffer, std::size_t Count) override;
+  /// EEIError "Can not change EIStream data in readonly mode" on a bounded view; SetSize likewise.
+  void Write(std::string_view Data) override;
+  /// In a bounded view an offset from the end counts backwards, and a target beyond the view moves to the end of the
+  /// whole underlying stream; a target before the view moves to its start. Readers of old files rely on each of the
+  /// three.
+  std::int64_t Seek(std::int64_t Offset, TSeekOrigin Origin) override;
+  std::int64_t Size() override;
+  /// EEIError "Invalid EIWriter data size" when negative. The underlying stream gets Size minus the view's origin.
+  void SetSize(std::int64_t Size) override;
+  std::string_view Peek() override;
+  void Flush() override { FStream.Flush(); }
+
+  bool GetReadOnly() const { return FDataSize >= 0; }
+  void CheckReadOnly() const;
+
+  TKvEncoding Encoding() const { return FEncoding; }
+  void SetEncoding(TKvEncoding Encoding) { FEncoding = Encoding; }
+  /// Lines read by Readln; -1 when they are not counted.
+  std::int64_t ReadLnCnt() const { return FReadLnCnt; }
+  void SetReadLnCnt(std::int64_t Count) { FReadLnCnt = Count; }
+  TTextLosses& Losses() { return *FLosses; }
+
+ private:
+  std::int64_t Rest();
+
+  TStream& FStream;  // borrowed
+  std::int64_t FOrigin;
+  std::int64_t FDataSize;
+  std::int64_t FReadLnCnt = -1;
+  TKvEncoding FEncoding = TKvEncoding::Ansi;
+  TLineCodec FCodec;
+  std::string FSpill;
+  TTextLosses FOwnLosses;
+  TTextLosses* FLosses;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,34 @@
+#include "velkrund/operations/ImportExport.h"
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+
+int TImportUtilOperation::Execute() {
+  if (!FSource) throw EAccessViolation("Access violation: the source of an import operation is not assigned");
+  const std::unique_ptr<TEIObject> Object = FSource->CreateEIObject(FSectionNumber);
+  InitEIObject(*Object);
+  Object->OnProgress = FOnShowProgress;
+  Object->OnCancel = [this] { return IsCanceled(); };
+  if (!FSource) throw Exception("Propetry Source must be assigned for import util operation");
+  FSource->ImportObject(*Object);
+  return Object->Stopped() ? 0 : 1;
+}
+
+int TExportUtilOperation::Execute() {
+  const std::unique_ptr<TEIObject> Object = CreateEIObject();
+  Object->OnProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ShowProgress(Current, Total, Name);
+  };
+  Object->OnCancel = [this] { return IsCanceled(); };
+  if (!FTarget) throw Exception("Propetry Target must be assigned for export util operation");
+  FTarget->SetDefaultEncoding(FReleaseVersion == TExportReleaseVersion::rv20 ? FEncoding : TKvEncoding::Ansi);
+  try {
+    FTarget->ExportObject(*Object, FSectionName);
+  } catch (const EAbort&) {
+    return 0;
+  }
+  return 1;
+}
+
+}  // namespace velkrund

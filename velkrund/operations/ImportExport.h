@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/UtilOperation.h"
+
+namespace velkrund {
+
+/// The release whose readers a file must suit. Only rv20 files may hold UTF-8 sections.
+enum class TExportReleaseVersion : int { rv17 = 0, rv20 = 1 };
+
+/// Imports one section of an opened source. Subclasses set up the object made from the section. A cancelled import has
+/// undone its work and gives 0.
+class TImportUtilOperation : public TDatabaseUtilOperation {
+ public:
+  int Execute() override;
+
+  TEIFile* FSource = nullptr;  // borrowed, opened; the caller closes it
+  int FSectionNumber = 0;
+
+ protected:
+  /// Hands the operation's settings to the object.
+  virtual void InitEIObject(TEIObject& Object) = 0;
+};
+
+/// Appends one section to a target. Subclasses make the object to be written. A cancelled export leaves no section and
+/// gives 0.
+class TExportUtilOperation : public TDatabaseUtilOperation {
+ public:
+  int Execute() override;
+
+  TEIFile* FTarget = nullptr;  // borrowed, opened; the caller closes it
+  std::string FSectionName;
+  TExportReleaseVersion FReleaseVersion = TExportReleaseVersion::rv20;
+  TKvEncoding FEncoding = TKvEncoding::Utf8;  // ignored for rv17, which is always ANSI
+
+ protected:
+  virtual std::unique_ptr<TEIObject> CreateEIObject() = 0;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,22 @@
+#include "velkrund/operations/MessageBoxHook.h"
+
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+TUtilOperationsMessageBox InstalledHook;
+
+}  // namespace
+
+void SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook) { InstalledHook = std::move(Hook); }
+
+int uoMessageBox(TWindowHandle Window, std::u16string_view Text, std::u16string_view Caption, std::uint32_t Flags,
+                 std::int32_t Extra1, std::int32_t Extra2) {
+  if (InstalledHook) return InstalledHook(Window, Text, Caption, Flags, Extra1, Extra2);
+  return MessageBoxes().MessageBox(Window, FromUtf16(Text), FromUtf16(Caption), Flags);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,129 @@
+#include "velkrund/operations/Properties.h"
+
+#include "velkrund/operations/OperationErrors.h"
+#include "velkrund/operations/UtilOperationInterface.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+const TProperty& PropertyOf(const TUtilOperationInterface& Object, std::string_view Name) {
+  const TInterfaceClass Class = Object.ClassType();
+  if (const TProperty* Property = Class.Properties().Find(Name)) return *Property;
+  throw EPropertyError(Format("%s has no property '%s'", Class.Name(), Name));
+}
+
+bool HoldsType(const TPropertyValue& Value, TPropertyType Type) {
+  switch (Type) {
+    case TPropertyType::Boolean:
+      return std::holds_alternative<bool>(Value);
+    case TPropertyType::Integer:
+    case TPropertyType::Enumeration:
+      return std::holds_alternative<std::int64_t>(Value);
+    case TPropertyType::String:
+      return std::holds_alternative<std::string>(Value);
+    case TPropertyType::StringList:
+      return std::holds_alternative<std::vector<std::string>>(Value);
+    case TPropertyType::PairList:
+      return std::holds_alternative<TStringPairs>(Value);
+    case TPropertyType::Object:
+      return std::holds_alternative<void*>(Value);
+  }
+  return false;
+}
+
+bool InRange(const TProperty& Property, const TPropertyValue& Value) {
+  if (Property.Type == TPropertyType::Enumeration) {
+    const std::int64_t Ordinal = std::get<std::int64_t>(Value);
+    return Ordinal >= 0 && Ordinal < static_cast<std::int64_t>(Property.EnumNames.size());
+  }
+  if (Property.Type == TPropertyType::Integer) return std::in_range<std::int32_t>(std::get<std::int64_t>(Value));
+  return true;
+}
+
+std::vector<std::string> SplitList(std::string_view Text) {
+  std::vector<std::string> Items;
+  while (!Text.empty()) {
+    const std::size_t Comma = Text.find(',');
+    Items.emplace_back(Trim(Text.substr(0, Comma)));
+    Text = Comma == std::string_view::npos ? std::string_view() : Text.substr(Comma + 1);
+  }
+  return Items;
+}
+
+TStringPairs SplitPairs(std::string_view Text) {
+  TStringPairs Pairs;
+  for (const std::string& Item : SplitList(Text)) {
+    const std::size_t Equals = Item.find('=');
+    Pairs.emplace_back(
+        Trim(std::string_view(Item).substr(0, Equals)),
+        Equals == std::string::npos ? std::string_view() : Trim(std::string_view(Item).substr(Equals + 1)));
+  }
+  return Pairs;
+}
+
+std::optional<TPropertyValue> ParseValue(const TProperty& Property, std::string_view Text) {
+  switch (Property.Type) {
+    case TPropertyType::Boolean:
+      if (SameText(Text, "true") || Text == "1") return true;
+      if (SameText(Text, "false") || Text == "0") return false;
+      return std::nullopt;
+    case TPropertyType::Enumeration:
+      for (std::size_t Ordinal = 0; Ordinal < Property.EnumNames.size(); ++Ordinal)
+        if (SameText(Property.EnumNames[Ordinal], Text)) return static_cast<std::int64_t>(Ordinal);
+      [[fallthrough]];
+    case TPropertyType::Integer:
+      if (const auto Number = StrToInt64(Text)) return *Number;
+      return std::nullopt;
+    case TPropertyType::String:
+      return std::string(Text);
+    case TPropertyType::StringList:
+      return SplitList(Text);
+    case TPropertyType::PairList:
+      return SplitPairs(Text);
+    case TPropertyType::Object:
+      break;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+const TProperty* TPropertyTable::Find(std::string_view Name) const {
+  for (const TPropertyTable* Table = this; Table; Table = Table->Parent)
+    for (const TProperty& Property : Table->Own)
+      if (SameText(Property.Name, Name)) return &Property;
+  return nullptr;
+}
+
+std::vector<const TProperty*> TPropertyTable::All() const {
+  std::vector<const TProperty*> Properties;
+  if (Parent) Properties = Parent->All();
+  for (const TProperty& Property : Own) Properties.push_back(&Property);
+  return Properties;
+}
+
+TPropertyValue GetProperty(const TUtilOperationInterface& Object, std::string_view Name) {
+  return PropertyOf(Object, Name).Get(Object);
+}
+
+void SetProperty(TUtilOperationInterface& Object, std::string_view Name, const TPropertyValue& Value) {
+  const TProperty& Property = PropertyOf(Object, Name);
+  if (!Property.Set) throw EPropertyError(Format("Property '%s' is read-only", Property.Name));
+  if (!HoldsType(Value, Property.Type)) throw EPropertyError(Format("Property '%s' takes another type", Property.Name));
+  if (!InRange(Property, Value))
+    throw EPropertyError(Format("The value of property '%s' is out of range", Property.Name));
+  Property.Set(Object, Value);
+}
+
+void SetPropertyText(TUtilOperationInterface& Object, std::string_view Name, std::string_view Text) {
+  const TProperty& Property = PropertyOf(Object, Name);
+  const auto Value = ParseValue(Property, Text);
+  if (!Value) throw EPropertyError(Format("'%s' is no value for property '%s'", Text, Property.Name));
+  SetProperty(Object, Property.Name, *Value);
+}
+
+}  // namespace velkrund

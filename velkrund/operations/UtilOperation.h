@@ -1,0 +1,70 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velkrund/eif/EIObject.h"
+#include "velkrund/platform/ormtools/ClassRef.h"
+
+namespace velkrund {
+
+class TUtilOperation;
+
+struct TUtilOperationDescriptor {
+  const char* Name;
+  const TUtilOperationDescriptor* Parent;
+  std::unique_ptr<TUtilOperation> (*Factory)();
+};
+
+/// An operation class as a value.
+class TUtilOperationClass : public TClassRef<TUtilOperationDescriptor> {
+ public:
+  using TClassRef::TClassRef;
+  /// Raises EAccessViolation for no class.
+  std::unique_ptr<TUtilOperation> Create() const;
+};
+
+/// One administrative job: its settings are public members, Execute does the work. Reports progress and is cancelled by
+/// polling. An operation that runs another as a step becomes its Owner, so that cancelling the outer one stops the
+/// inner. Runs on one thread; SetCanceled may come from another.
+class TUtilOperation {
+ public:
+  TUtilOperation() = default;
+  TUtilOperation(const TUtilOperation&) = delete;
+  TUtilOperation& operator=(const TUtilOperation&) = delete;
+  virtual ~TUtilOperation() = default;
+
+  /// Does the job; non-zero is success, 0 cancelled. Failures are errors. May run more than once.
+  virtual int Execute() = 0;
+
+  /// Once set, the flag stays set until it is set to false.
+  void SetCanceled(bool Value) { FCanceled = Value; }
+  /// This operation's own flag or, while that is not set, what FOnGetCancel answers.
+  bool GetCanceled() const;
+  /// The same for this operation and all its owners. Polled between objects and records.
+  bool IsCanceled() const;
+  void ShowProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName) const;
+
+  TCancelCallback FOnGetCancel;
+  TProgressCallback FOnShowProgress;
+  TUtilOperation* Owner = nullptr;  // borrowed; null for a top-level operation
+
+ private:
+  std::atomic<bool> FCanceled = false;
+};
+
+/// An operation on one database.
+class TDatabaseUtilOperation : public TUtilOperation {
+ public:
+  std::string DatabaseName;
+};
+
+/// An operation from one database into another.
+class TCopyDatabaseUtilOperation : public TDatabaseUtilOperation {
+ public:
+  std::string TargetDatabaseName;
+};
+
+}  // namespace velkrund

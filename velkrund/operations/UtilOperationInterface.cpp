@@ -1,0 +1,129 @@
+#include "velkrund/operations/UtilOperationInterface.h"
+
+#include "velkrund/operations/PropertyAccess.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+using TBase = TUtilOperationInterface;
+using TCopy = TCopyDatabaseUtilOperationInterface;
+
+constexpr TProperty BaseProperties[] = {
+    StringProperty<TBase, &TBase::DatabaseName, &TBase::SetDatabaseName>("DatabaseName", "database to work on"),
+    BooleanProperty<TBase, &TBase::ShowProgress, &TBase::SetShowProgress>("ShowProgress", "whether progress is shown"),
+    ReadOnlyString<TBase, &TBase::LastError>("LastError", "class and message of the last failure, empty after success"),
+};
+
+constexpr TProperty CopyProperties[] = {
+    StringProperty<TCopy, &TCopy::TargetDatabaseName, &TCopy::SetTargetDatabaseName>("TargetDatabaseName",
+                                                                                     "database that receives the copy"),
+};
+
+TProgressRunner InstalledRunner;
+
+}  // namespace
+
+constinit const TPropertyTable TBase::PropertyTable{nullptr, BaseProperties};
+constinit const TInterfaceDescriptor TBase::Descriptor{"TUtilOperationInterface", nullptr, &TBase::PropertyTable,
+                                                       nullptr};
+
+constinit const TPropertyTable TCopy::PropertyTable{&TBase::PropertyTable, CopyProperties};
+constinit const TInterfaceDescriptor TCopy::Descriptor{"TCopyDatabaseUtilOperationInterface", &TBase::Descriptor,
+                                                       &TCopy::PropertyTable, nullptr};
+
+std::unique_ptr<TUtilOperationInterface> TInterfaceClass::Create(TRBaseManager* Manager) const {
+  if (!Descriptor() || !Descriptor()->Factory)
+    throw EAccessViolation("No interface object can be made: no class is given");
+  return Descriptor()->Factory(Manager);
+}
+
+TUtilOperationInterface::TUtilOperationInterface(TUtilOperationClass Class, TRBaseManager* Manager)
+    : FClass(Class), FParent(Class.Create()), FRBaseMng(Manager) {
+  FParent->FOnGetCancel = [this] { return GetCanceled(); };
+}
+
+TUtilOperationInterface::~TUtilOperationInterface() = default;
+
+int TUtilOperationInterface::Execute() {
+  FLastError.clear();
+  try {
+    return ExecuteInternal();
+  } catch (const std::exception& Error) {
+    FLastError = ExceptionClassName(Error) + ":" + Error.what();
+  }
+  return 0;
+}
+
+int TUtilOperationInterface::ExecuteInternal() {
+  if (FRBaseMng) {
+    if (FShowProgress)
+      FParent->FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+        DoShowProgress(Current, Total, Name);
+      };
+    return FParent->Execute();
+  }
+  if (!BLLModule.empty()) {
+    if (FShowProgress) {
+      FParent->FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+        BLLShowProgress(Current, Total, Name);
+      };
+      FParent->FOnGetCancel = [this] { return BLLCancel(); };
+    }
+    return FParent->Execute();
+  }
+  if (!FShowProgress) return FParent->Execute();
+  ExecuteUtilOperation(*FParent, {});
+  return 1;
+}
+
+std::string TUtilOperationInterface::DatabaseName() const {
+  const auto* Operation = dynamic_cast<const TDatabaseUtilOperation*>(FParent.get());
+  return Operation ? Operation->DatabaseName : std::string();
+}
+
+void TUtilOperationInterface::SetDatabaseName(const std::string& Name) {
+  if (auto* Operation = dynamic_cast<TDatabaseUtilOperation*>(FParent.get())) Operation->DatabaseName = Name;
+}
+
+bool TUtilOperationInterface::GetCanceled() const { return FRBaseMng && FRBaseMng->GetCanceled(); }
+
+void TUtilOperationInterface::DoShowProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName) {
+  if (FRBaseMng) FRBaseMng->UpdateOperationProgress(ObjectName, Total ? static_cast<double>(Current) / Total : 0.0);
+}
+
+std::string TCopyDatabaseUtilOperationInterface::TargetDatabaseName() const {
+  const auto* Operation = dynamic_cast<const TCopyDatabaseUtilOperation*>(&this->Operation());
+  return Operation ? Operation->TargetDatabaseName : std::string();
+}
+
+void TCopyDatabaseUtilOperationInterface::SetTargetDatabaseName(const std::string& Name) {
+  if (auto* Operation = dynamic_cast<TCopyDatabaseUtilOperation*>(&this->Operation()))
+    Operation->TargetDatabaseName = Name;
+}
+
+TInterfaceClass TInterfaceClassList::Find(std::string_view Name) const {
+  for (const TInterfaceClass& Class : FList)
+    if (SameText(Class.Name(), Name)) return Class;
+  return {};
+}
+
+TInterfaceClassList& InterfaceClasses() {
+  static TInterfaceClassList List;
+  return List;
+}
+
+void SetProgressRunner(TProgressRunner Runner) { InstalledRunner = std::move(Runner); }
+
+void ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title) {
+  if (InstalledRunner)
+    InstalledRunner(Operation, Title);
+  else
+    Operation.Execute();
+}
+
+}  // namespace velkrund

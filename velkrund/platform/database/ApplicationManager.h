@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velkrund/platform/database/Tables.h"
+#include "velkrund/platform/ormtools/CodePage.h"
+#include "velkrund/platform/ormtools/FileSystem.h"
+
+namespace velkrund {
+
+/// The platform's isolation levels, by ordinal.
+enum class TIsolationLevel : int { ReadUncommitted = 0, ReadCommitted = 1, RepeatableRead = 2, Serializable = 3 };
+
+/// Trace levels: smaller is more important.
+enum class TTraceLevel : int { Error = 1, Info = 2, Detail = 3 };
+
+/// Settings of the application that the module obeys. Constant during a run.
+struct TSettings {
+  /// The single-byte code page of ANSI sections and 8-bit values; never null, not owned.
+  const TCodePage* AnsiCodePage = &TCodePage::Default();
+  /// A field value that cannot be parsed is an error; otherwise it becomes NULL.
+  bool StrictValues = true;
+  /// Characters that the code page cannot hold, and malformed UTF-8, are errors; otherwise they are replaced and
+  /// counted.
+  bool StrictText = false;
+  /// Write ANSI section headers without their "Encoding" line, as releases before it did.
+  bool WorkAs17Version = false;
+};
+
+/// The platform's centre: tables, transactions, statements, texts and the trace. Databases are named; an empty name is
+/// the application's default database. Errors of databases are EDatabaseError.
+class TApplicationManager {
+ public:
+  virtual ~TApplicationManager() = default;
+
+  /// Opens a user table, ignoring case but preferring the exact name; null when the database has none of that name. The
+  /// caller owns it and frees it before the database is closed. A database that cannot be reached is an error.
+  virtual std::unique_ptr<TTable> GetUserTable(const std::string& TableName, const std::string& DatabaseName,
+                                               bool ReadWrite) = 0;
+
+  /// Transactions of one database count: only the outermost start and end reach the engine, and an inner roll back
+  /// dooms the outer one, whose commit then rolls back and raises EDatabaseError.
+  virtual void StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) = 0;
+  virtual void CommitTransaction(const std::string& DatabaseName) = 0;
+  virtual void RollbackTransaction(const std::string& DatabaseName) = 0;
+
+  /// Executes one statement without a result set and returns the number of rows that it changed. "DELETE * FROM" is
+  /// accepted as a spelling of "DELETE FROM".
+  virtual std::int64_t ExecuteSQL(const std::string& Statement, const std::string& DatabaseName) = 0;
+
+  virtual const TSettings& Settings() const = 0;
+  virtual TFileSystem& Files() = 0;
+
+  /// The text of a message key in the user's language; without one its English text, then the key itself. Never touches
+  /// a connection.
+  virtual std::string LString(std::string_view Key) const = 0;
+  /// A line for the platform's trace. Never raises.
+  virtual void WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept = 0;
+  /// Presents an error that nobody else can handle. Never raises.
+  virtual void ReportError(const std::exception& Error) noexcept = 0;
+};
+
+/// The name under which the module writes its trace lines.
+inline constexpr std::string_view TraceSubsystem = "Velkrund";
+
+}  // namespace velkrund

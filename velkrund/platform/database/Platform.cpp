@@ -1,0 +1,34 @@
+#include "velkrund/platform/database/Platform.h"
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+namespace {
+
+constinit TPlatform Installed;
+
+template <typename TService>
+TService& Required(TService* Service, const char* Name) {
+  if (!Service) throw EAccessViolation(std::string("No ") + Name + " is installed");
+  return *Service;
+}
+
+}  // namespace
+
+TPlatform InstallPlatform(const TPlatform& Platform) {
+  const TPlatform Before = Installed;
+  Installed = Platform;
+  return Before;
+}
+
+TApplicationManager& BaseMng() { return Required(Installed.ApplicationManager, "application manager"); }
+TExtCallFactory& ExtCalls() { return Required(Installed.ExtCalls, "caller of script functions"); }
+TMessageBoxService& MessageBoxes() { return Required(Installed.MessageBox, "message box service"); }
+
+const TSettings& WorkSettings() {
+  if (const TApplicationManager* Manager = Installed.ApplicationManager) return Manager->Settings();
+  static const TSettings Defaults;
+  return Defaults;
+}
+
+}  // namespace velkrund

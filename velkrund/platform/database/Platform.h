@@ -1,0 +1,39 @@
+#pragma once
+
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/extcalls/ExtCall.h"
+#include "velkrund/platform/lctrls/MessageBox.h"
+
+namespace velkrund {
+
+/// The platform that the module runs on. All borrowed; they outlive every use of the module. Missing parts are null.
+struct TPlatform {
+  TApplicationManager* ApplicationManager = nullptr;
+  TExtCallFactory* ExtCalls = nullptr;
+  TMessageBoxService* MessageBox = nullptr;
+};
+
+/// Installs a platform for the whole process and returns the one before. To be called while no operation runs.
+TPlatform InstallPlatform(const TPlatform& Platform);
+
+/// Installs a platform for the guard's lifetime, then the one before again.
+class TPlatformGuard {
+ public:
+  explicit TPlatformGuard(const TPlatform& Platform) : FBefore(InstallPlatform(Platform)) {}
+  TPlatformGuard(const TPlatformGuard&) = delete;
+  TPlatformGuard& operator=(const TPlatformGuard&) = delete;
+  ~TPlatformGuard() { InstallPlatform(FBefore); }
+
+ private:
+  TPlatform FBefore;
+};
+
+// The installed services. Each raises EAccessViolation that names what is missing.
+TApplicationManager& BaseMng();
+TExtCallFactory& ExtCalls();
+TMessageBoxService& MessageBoxes();
+
+/// The installed application's settings; the defaults when no application manager is installed.
+const TSettings& WorkSettings();
+
+}  // namespace velkrund

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "velkrund/platform/ormtools/Records.h"
+
+namespace velkrund {
+
+/// A table of a platform database: rows to walk forward, and a bulk way in. Freed by whoever asked for it. Operations
+/// raise EDatabaseError. Used by one thread at a time.
+class TTable {
+ public:
+  TTable() = default;
+  TTable(const TTable&) = delete;
+  TTable& operator=(const TTable&) = delete;
+  virtual ~TTable() = default;
+
+  /// The physical name, in the case in which the database has it.
+  virtual const std::string& TableName() const = 0;
+  virtual TRecord& Record() = 0;
+
+  virtual std::int64_t RecordCount() = 0;
+  /// Opens the walk at the first row in the table's own order; false when there is none.
+  virtual bool First() = 0;
+  /// The next row; false when there is none, and the walk is then closed.
+  virtual bool Next() = 0;
+
+  /// Whether an append of given keys moves the table's automatic numbering behind the highest one, where the engine
+  /// does not do so by itself.
+  virtual void SetCanRecreateAutoSequence(bool Value) = 0;
+  /// Bulk append: between begin and end the record buffer is added once per AppendRecord, by the engine's fastest way.
+  /// Fields not assigned get the column's default. An error names the record (counted from 1) and, where known, the
+  /// column. A table that is freed between the two drops what was not yet handed to the engine.
+  virtual void BeginAppend() = 0;
+  virtual void AppendRecord() = 0;
+  virtual void EndAppend() = 0;
+
+  TField* FindField(std::string_view Name) { return Record().FindField(Name); }
+  TField& FieldByName(std::string_view Name) { return Record().FieldByName(Name); }
+  void ClearData() { Record().ClearData(); }
+};
+
+/// A table of an SQL engine, which can be emptied by a statement.
+class TODBCTable : public TTable {
+ public:
+  /// The name as it stands in the engine's SQL, quoted and with its schema where needed.
+  virtual std::string SQLName() const = 0;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,158 @@
+#include "velkrund/platform/ormtools/Dates.h"
+
+#include <cmath>
+
+#include "velkrund/platform/ormtools/Numbers.h"
+
+namespace velkrund {
+namespace {
+
+constexpr std::int64_t MicrosecondsPerSecond = 1'000'000;
+constexpr std::int64_t DayNumberEpoch = -25'569;  // 1899-12-30, in days since 1970-01-01
+
+struct TCivil {
+  std::int64_t Year;
+  std::int64_t Month;
+  std::int64_t Day;
+};
+
+constexpr std::int64_t FloorDiv(std::int64_t A, std::int64_t B) { return A / B - (A % B < 0 ? 1 : 0); }
+
+// Days since 1970 to the calendar and back, by years that begin in March and eras of 400 years (146097 days).
+
+constexpr TCivil CivilFromDays(std::int64_t Days) {
+  const std::int64_t Shifted = Days + 719'468;
+  const std::int64_t Era = FloorDiv(Shifted, 146'097);
+  const std::int64_t DayOfEra = Shifted - Era * 146'097;
+  const std::int64_t YearOfEra = (DayOfEra - DayOfEra / 1460 + DayOfEra / 36'524 - DayOfEra / 146'096) / 365;
+  const std::int64_t DayOfYear = DayOfEra - (365 * YearOfEra + YearOfEra / 4 - YearOfEra / 100);
+  const std::int64_t MarchMonth = (5 * DayOfYear + 2) / 153;
+  const std::int64_t Month = MarchMonth < 10 ? MarchMonth + 3 : MarchMonth - 9;
+  return {YearOfEra + Era * 400 + (Month <= 2 ? 1 : 0), Month, DayOfYear - (153 * MarchMonth + 2) / 5 + 1};
+}
+
+constexpr std::int64_t DaysFromCivil(const TCivil& Date) {
+  const std::int64_t Year = Date.Year - (Date.Month <= 2 ? 1 : 0);
+  const std::int64_t Era = FloorDiv(Year, 400);
+  const std::int64_t YearOfEra = Year - Era * 400;
+  const std::int64_t MarchMonth = Date.Month > 2 ? Date.Month - 3 : Date.Month + 9;
+  const std::int64_t DayOfYear = (153 * MarchMonth + 2) / 5 + Date.Day - 1;
+  return Era * 146'097 + YearOfEra * 365 + YearOfEra / 4 - YearOfEra / 100 + DayOfYear - 719'468;
+}
+
+constexpr bool IsLeap(std::int64_t Year) { return Year % 4 == 0 && (Year % 100 != 0 || Year % 400 == 0); }
+
+constexpr std::int64_t DaysInMonth(std::int64_t Year, std::int64_t Month) {
+  if (Month == 2) return IsLeap(Year) ? 29 : 28;
+  return Month == 4 || Month == 6 || Month == 9 || Month == 11 ? 30 : 31;
+}
+
+/// Writes Value with exactly Count digits at To.
+void PutDigits(char* To, std::int64_t Value, int Count) {
+  for (int Index = Count - 1; Index >= 0; --Index, Value /= 10) To[Index] = static_cast<char>('0' + Value % 10);
+}
+
+/// The number that Count digits at From form; -1 when one of them is none.
+std::int64_t TakeDigits(std::string_view Text, std::size_t From, std::size_t Count) {
+  std::int64_t Value = 0;
+  for (std::size_t Index = From; Index < From + Count; ++Index) {
+    if (Text[Index] < '0' || Text[Index] > '9') return -1;
+    Value = Value * 10 + (Text[Index] - '0');
+  }
+  return Value;
+}
+
+}  // namespace
+
+void AppendSysDate(std::string& Out, TDateTime Value) {
+  const TCivil Date = CivilFromDays(FloorDiv(Value.Microseconds, MicrosecondsPerDay));
+  char Buffer[] = "YYYY-MM-DD";
+  if (Date.Year >= 0 && Date.Year <= 9999) {
+    PutDigits(Buffer, Date.Year, 4);
+    PutDigits(Buffer + 5, Date.Month, 2);
+    PutDigits(Buffer + 8, Date.Day, 2);
+    Out.append(Buffer, 10);
+    return;
+  }
+  // No date that the type covers; readable all the same, and no reader takes it for one.
+  AppendInteger(Out, Date.Year);
+  PutDigits(Buffer + 5, Date.Month, 2);
+  PutDigits(Buffer + 8, Date.Day, 2);
+  Out.append(Buffer + 4, 6);
+}
+
+void AppendSysTime(std::string& Out, std::int64_t TimeOfDay) {
+  TimeOfDay -= FloorDiv(TimeOfDay, MicrosecondsPerDay) * MicrosecondsPerDay;
+  const std::int64_t Seconds = TimeOfDay / MicrosecondsPerSecond;
+  const std::int64_t Fraction = TimeOfDay % MicrosecondsPerSecond;
+  char Buffer[] = "HH:MM:SS.zzzzzz";
+  PutDigits(Buffer, Seconds / 3600, 2);
+  PutDigits(Buffer + 3, Seconds / 60 % 60, 2);
+  PutDigits(Buffer + 6, Seconds % 60, 2);
+  PutDigits(Buffer + 9, Fraction, 6);
+  Out.append(Buffer, Fraction == 0 ? 8 : Fraction % 1000 == 0 ? 12 : 15);
+}
+
+void AppendSysDateTime(std::string& Out, TDateTime Value) {
+  AppendSysDate(Out, Value);
+  Out += ' ';
+  AppendSysTime(Out, Value.Microseconds - FloorDiv(Value.Microseconds, MicrosecondsPerDay) * MicrosecondsPerDay);
+}
+
+std::string DateTimeToSysStr(TDateTime Value) {
+  std::string Out;
+  AppendSysDateTime(Out, Value);
+  return Out;
+}
+
+std::optional<TDateTime> StrToSysDate(std::string_view Text) {
+  if (Text.size() != 10 || Text[4] != '-' || Text[7] != '-') return std::nullopt;
+  const TCivil Date{TakeDigits(Text, 0, 4), TakeDigits(Text, 5, 2), TakeDigits(Text, 8, 2)};
+  if (Date.Year < 1 || Date.Month < 1 || Date.Month > 12) return std::nullopt;
+  if (Date.Day < 1 || Date.Day > DaysInMonth(Date.Year, Date.Month)) return std::nullopt;
+  return TDateTime{DaysFromCivil(Date) * MicrosecondsPerDay};
+}
+
+std::optional<std::int64_t> StrToSysTime(std::string_view Text) {
+  if (Text.size() < 8 || Text[2] != ':' || Text[5] != ':') return std::nullopt;
+  const std::int64_t Hour = TakeDigits(Text, 0, 2);
+  const std::int64_t Minute = TakeDigits(Text, 3, 2);
+  const std::int64_t Second = TakeDigits(Text, 6, 2);
+  if (Hour < 0 || Hour > 23 || Minute < 0 || Minute > 59 || Second < 0 || Second > 59) return std::nullopt;
+  std::int64_t Fraction = 0;
+  if (Text.size() > 8) {
+    const std::size_t Digits = Text.size() - 9;
+    if (Text[8] != '.' || Digits < 1 || Digits > 6) return std::nullopt;
+    Fraction = TakeDigits(Text, 9, Digits);
+    if (Fraction < 0) return std::nullopt;
+    for (std::size_t Place = Digits; Place < 6; ++Place) Fraction *= 10;
+  }
+  return ((Hour * 60 + Minute) * 60 + Second) * MicrosecondsPerSecond + Fraction;
+}
+
+std::optional<TDateTime> SysStrToDateTime(std::string_view Text) {
+  if (Text.size() < 19 || Text[10] != ' ') return std::nullopt;
+  const std::optional<TDateTime> Date = StrToSysDate(Text.substr(0, 10));
+  const std::optional<std::int64_t> Time = StrToSysTime(Text.substr(11));
+  if (!Date || !Time) return std::nullopt;
+  return TDateTime{Date->Microseconds + *Time};
+}
+
+double DateTimeToDayNumber(TDateTime Value) {
+  const std::int64_t Days = FloorDiv(Value.Microseconds, MicrosecondsPerDay);
+  const double Fraction = static_cast<double>(Value.Microseconds - Days * MicrosecondsPerDay) / MicrosecondsPerDay;
+  const auto Number = static_cast<double>(Days - DayNumberEpoch);
+  return Number < 0 ? Number - Fraction : Number + Fraction;
+}
+
+std::optional<TDateTime> DayNumberToDateTime(double DayNumber) {
+  if (!(std::abs(DayNumber) < 1e7)) return std::nullopt;
+  const double Whole = std::trunc(DayNumber);
+  const std::int64_t Days = static_cast<std::int64_t>(Whole) + DayNumberEpoch;
+  const std::int64_t Time = std::llround(std::abs(DayNumber - Whole) * MicrosecondsPerDay);
+  const TDateTime Result{Days * MicrosecondsPerDay + Time};
+  if (Result < MinDateTime || Result > MaxDateTime) return std::nullopt;
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+namespace velkrund {
+
+/// The general error: a message for people, and the name of its class for logs and scripts. Every error that the module
+/// raises derives from it. Messages are UTF-8.
+class Exception : public std::runtime_error {
+ public:
+  explicit Exception(const std::string& Message) : std::runtime_error(Message) {}
+  virtual const char* ClassName() const noexcept { return "Exception"; }
+};
+
+/// Defines an error class that adds only a name to its base.
+#define VELKRUND_EXCEPTION(Name, Base)                                \
+  class Name : public Base {                                          \
+   public:                                                            \
+    using Base::Base;                                                 \
+    const char* ClassName() const noexcept override { return #Name; } \
+  }
+
+/// A text that is no number, date or amount where one was needed.
+VELKRUND_EXCEPTION(EConvertError, Exception);
+/// Something that had to be set is not; raised instead of following an empty reference.
+VELKRUND_EXCEPTION(EAccessViolation, Exception);
+/// The user's wish to stop, on its way out. Passes through every handler that goes on with the next item.
+VELKRUND_EXCEPTION(EAbort, Exception);
+/// A question that nobody can answer; the message names the option that would. Passes through every handler that goes
+/// on with the next item.
+VELKRUND_EXCEPTION(EQuestionUnanswered, Exception);
+/// An index outside a list.
+VELKRUND_EXCEPTION(EListError, Exception);
+/// A failed stream operation; the classes below say which.
+VELKRUND_EXCEPTION(EStreamError, Exception);
+/// A file that cannot be opened: missing, no rights, in use.
+VELKRUND_EXCEPTION(EFOpenError, EStreamError);
+/// A file that cannot be created.
+VELKRUND_EXCEPTION(EFCreateError, EStreamError);
+VELKRUND_EXCEPTION(EReadError, EStreamError);
+/// A failed write, size change or sync, a full disk included.
+VELKRUND_EXCEPTION(EWriteError, EStreamError);
+/// An error of a database or its driver.
+VELKRUND_EXCEPTION(EDatabaseError, Exception);
+
+/// The class name of Error; that of a foreign error is the type's own.
+std::string ExceptionClassName(const std::exception& Error);
+
+/// Class name, ": " and message of Error, then one such line (carriage return + line feed between them) for every
+/// nested cause, outermost first.
+std::string Kv_FullExceptionInfo(const std::exception& Error);
+
+}  // namespace velkrund

@@ -58,6 +58,9 @@ class TMemoryFiles::TOpenFile final : public TFile {
     const std::lock_guard Lock(FFiles.FLock);
     RefuseUnlessWritable();
     if (IsDue(FFiles.Faults.FailSetSize)) throw EWriteError(FPath + ": cannot set the size: Input/output error");
+    const std::int64_t Added = Size - static_cast<std::int64_t>(FContent->Data.size());
+    if (Added > 0 && FFiles.Faults.Capacity >= 0 && FFiles.TotalSize() + Added > FFiles.Faults.Capacity)
+      throw EWriteError(FPath + ": cannot set the size: No space left on device");
     FContent->Data.resize(static_cast<std::size_t>(Size));
   }
 

@@ -129,7 +129,7 @@ std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits) {
   while (In < End) {
     const std::string_view Rest(In + 1, static_cast<std::size_t>(End - In - 1));
     const std::string_view Digits = Rest.substr(0, Utf16Prefix(Rest, EscapeDigits));
-    if (Digits.size() < EscapeDigits && Utf16Length(Rest) < EscapeDigits) break;
+    if (Digits.size() == Rest.size() && Utf16Length(Digits) < EscapeDigits) break;
     const auto Unit = HexToUnsigned(Digits);
     if (!Unit || Digits.size() != EscapeDigits) {
       BadDigits = Digits;

@@ -160,22 +160,19 @@ std::int64_t TBufferedStream::Size() {
 void TBufferedStream::SetSize(std::int64_t Size) {
   TFile& Target = File();
   if (Size < 0) throw EWriteError("A stream cannot have a negative size: " + FFileName);
-  const std::int64_t BufferEnd = FBufferStart + static_cast<std::int64_t>(FUsed);
   if (Size > FSize) {
-    // The bytes not yet written lie before the new part.
-    if (FWriting) Flush();
     Target.SetSize(Size);
     FSize = Size;
     return;
   }
   if (Size < FBufferStart) {
     MoveBuffer(Size);
-  } else if (Size < BufferEnd) {
+  } else if (Size < FBufferStart + static_cast<std::int64_t>(FUsed)) {
     FUsed = static_cast<std::size_t>(Size - FBufferStart);
     FAt = std::min(FAt, FUsed);
   }
   FSize = Size;
-  // What is left in the buffer is still to come; the file may be shorter than the new size until then.
+  // The file is shorter than the new size while the bytes before it are in the buffer; there may be no room for more.
   if (Target.Size() > Size) Target.SetSize(Size);
 }
 

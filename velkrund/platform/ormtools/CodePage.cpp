@@ -20,11 +20,7 @@ const std::vector<TCodePage>& BuiltInPages() {
   return Pages;
 }
 
-std::size_t NonAsciiPrefix(std::string_view Bytes) {
-  std::size_t Length = 0;
-  while (Length < Bytes.size() && static_cast<unsigned char>(Bytes[Length]) >= 0x80) ++Length;
-  return Length;
-}
+constexpr std::size_t PieceSize = 256;  // bytes that are converted on the stack before they are appended
 
 }  // namespace
 
@@ -42,14 +38,13 @@ const TCodePage& TCodePage::Default() {
 TCodePage::TCodePage(int Number, const std::array<char16_t, 128>& Upper) : FNumber(Number) {
   for (std::size_t Byte = 0; Byte < 256; ++Byte) {
     const bool Defined = Byte >= 0x80 && Upper[Byte - 0x80] != 0;
-    FToUnicode[Byte] = Defined ? Upper[Byte - 0x80] : static_cast<char16_t>(Byte);
-  }
-  for (std::size_t Byte = 0x80; Byte < 256; ++Byte) {
-    const char16_t Code = FToUnicode[Byte];
+    const char16_t Code = Defined ? Upper[Byte - 0x80] : static_cast<char16_t>(Byte);
+    FToUnicode[Byte] = Code;
     std::string Utf8;
     AppendUtf8(Utf8, Code);
-    std::copy(Utf8.begin(), Utf8.end(), FUtf8[Byte - 0x80].begin());
-    FUtf8Length[Byte - 0x80] = static_cast<std::uint8_t>(Utf8.size());
+    std::copy(Utf8.begin(), Utf8.end(), FForward[Byte].Utf8);
+    FForward[Byte].Length = static_cast<std::uint8_t>(Utf8.size());
+    if (Byte < 0x80) continue;
     if (Code >= FNear.size())
       FFar[FFarCount++] = {Code, static_cast<unsigned char>(Byte)};
     else if (FNear[Code] == 0)
@@ -74,41 +69,40 @@ std::optional<unsigned char> TCodePage::FromUnicode(char32_t Code) const {
 }
 
 void TCodePage::Decode(std::string_view Bytes, std::string& Out) const {
-  char Piece[3 * 128];
+  const std::size_t Ascii = AsciiPrefix(Bytes);
+  Out += Bytes.substr(0, Ascii);
+  Bytes.remove_prefix(Ascii);
   while (!Bytes.empty()) {
-    const std::size_t Ascii = AsciiPrefix(Bytes);
-    Out += Bytes.substr(0, Ascii);
-    Bytes.remove_prefix(Ascii);
-    const std::size_t Run = NonAsciiPrefix(Bytes.substr(0, 128));
+    char Piece[3 * PieceSize];
     char* To = Piece;
-    for (std::size_t Index = 0; Index < Run; ++Index) {
-      const auto Upper = static_cast<unsigned char>(Bytes[Index]) - std::size_t{0x80};
-      // Three bytes always: a fixed length is quicker than the right one, and the next character overwrites the rest.
-      std::memcpy(To, FUtf8[Upper].data(), 3);
-      To += FUtf8Length[Upper];
+    const std::string_view From = Bytes.substr(0, PieceSize);
+    for (const char Byte : From) {
+      const TForward& Character = FForward[static_cast<unsigned char>(Byte)];
+      // Always three bytes: a fixed length is quicker than the right one, and the next character overwrites the rest.
+      std::memcpy(To, Character.Utf8, sizeof Character.Utf8);
+      To += Character.Length;
     }
     Out.append(Piece, To);
-    Bytes.remove_prefix(Run);
+    Bytes.remove_prefix(From.size());
   }
 }
 
 std::int64_t TCodePage::Encode(std::string_view Text, std::string& Out) const {
   std::int64_t Replaced = 0;
-  char Piece[256];
-  std::size_t Filled = 0;
-  std::size_t At = 0;
+  std::size_t At = AsciiPrefix(Text);
+  Out += Text.substr(0, At);
   while (At < Text.size()) {
-    const std::size_t Ascii = AsciiPrefix(Text.substr(At));
-    Out += Text.substr(At, Ascii);
-    At += Ascii;
-    for (Filled = 0; At < Text.size() && Filled < sizeof Piece && static_cast<unsigned char>(Text[At]) >= 0x80;
-         ++Filled) {
-      unsigned char Byte = ByteOf(NextCodePoint(Text, At));
-      if (Byte == 0) {
-        Byte = '?';
-        ++Replaced;
+    char Piece[PieceSize];
+    std::size_t Filled = 0;
+    for (; At < Text.size() && Filled < PieceSize; ++Filled) {
+      Piece[Filled] = Text[At];
+      if (static_cast<unsigned char>(Text[At]) < 0x80) {
+        ++At;
+        continue;
       }
-      Piece[Filled] = static_cast<char>(Byte);
+      const unsigned char Byte = ByteOf(NextCodePoint(Text, At));
+      Piece[Filled] = Byte != 0 ? static_cast<char>(Byte) : '?';
+      Replaced += Byte == 0;
     }
     Out.append(Piece, Filled);
   }

@@ -28,12 +28,16 @@ class TCodePage {
   /// The byte of a character; nothing when the page has none.
   std::optional<unsigned char> FromUnicode(char32_t Code) const;
 
-  /// Appends the UTF-8 form of Bytes. Runs of ASCII are copied whole.
+  /// Appends the UTF-8 form of Bytes.
   void Decode(std::string_view Bytes, std::string& Out) const;
   /// Appends the bytes of a UTF-8 text; returns how many characters were replaced by '?'.
   std::int64_t Encode(std::string_view Text, std::string& Out) const;
 
  private:
+  struct TForward {
+    char Utf8[3];
+    std::uint8_t Length;
+  };
   struct TBackward {
     char16_t Code;
     unsigned char Byte;
@@ -44,8 +48,7 @@ class TCodePage {
 
   int FNumber;
   std::array<char16_t, 256> FToUnicode{};
-  std::array<std::array<char, 3>, 128> FUtf8{};  // of the bytes 0x80 .. 0xFF
-  std::array<std::uint8_t, 128> FUtf8Length{};
+  std::array<TForward, 256> FForward{};
   // Back: by index where the alphabets are, by search beyond them.
   std::array<unsigned char, 0x700> FNear{};
   std::array<TBackward, 128> FFar{};  // sorted by code

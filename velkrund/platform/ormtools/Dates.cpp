@@ -1,8 +1,7 @@
 #include "velkrund/platform/ormtools/Dates.h"
 
+#include <charconv>
 #include <cmath>
-
-#include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
 namespace {
@@ -17,6 +16,11 @@ struct TCivil {
 };
 
 constexpr std::int64_t FloorDiv(std::int64_t A, std::int64_t B) { return A / B - (A % B < 0 ? 1 : 0); }
+constexpr std::int64_t DayOf(std::int64_t Microseconds) { return FloorDiv(Microseconds, MicrosecondsPerDay); }
+constexpr std::int64_t TimeOf(std::int64_t Microseconds) {
+  const std::int64_t Rest = Microseconds % MicrosecondsPerDay;
+  return Rest < 0 ? Rest + MicrosecondsPerDay : Rest;
+}
 
 // Days since 1970 to the calendar and back, by years that begin in March and eras of 400 years (146097 days).
 
@@ -47,9 +51,41 @@ constexpr std::int64_t DaysInMonth(std::int64_t Year, std::int64_t Month) {
   return Month == 4 || Month == 6 || Month == 9 || Month == 11 ? 30 : 31;
 }
 
-/// Writes Value with exactly Count digits at To.
-void PutDigits(char* To, std::int64_t Value, int Count) {
-  for (int Index = Count - 1; Index >= 0; --Index, Value /= 10) To[Index] = static_cast<char>('0' + Value % 10);
+/// Writes Value with exactly Count digits at To; returns the place behind them.
+template <int Count>
+char* PutDigits(char* To, std::int64_t Value) {
+  auto Rest = static_cast<std::uint32_t>(Value);
+  for (int Index = Count - 1; Index >= 0; --Index, Rest /= 10) To[Index] = static_cast<char>('0' + Rest % 10);
+  return To + Count;
+}
+
+constexpr std::size_t DateSize = 24;  // a year beyond the range included
+constexpr std::size_t TimeSize = 15;
+
+char* PutDate(char* To, std::int64_t Days) {
+  const TCivil Date = CivilFromDays(Days);
+  // Other years lie beyond what the type covers; their text is readable all the same, and no reader takes it.
+  if (Date.Year >= 0 && Date.Year <= 9999)
+    To = PutDigits<4>(To, Date.Year);
+  else
+    To = std::to_chars(To, To + DateSize, Date.Year).ptr;
+  *To++ = '-';
+  To = PutDigits<2>(To, Date.Month);
+  *To++ = '-';
+  return PutDigits<2>(To, Date.Day);
+}
+
+char* PutTime(char* To, std::int64_t TimeOfDay) {
+  const auto Seconds = static_cast<std::int32_t>(TimeOfDay / MicrosecondsPerSecond);
+  const auto Fraction = static_cast<std::int32_t>(TimeOfDay % MicrosecondsPerSecond);
+  To = PutDigits<2>(To, Seconds / 3600);
+  *To++ = ':';
+  To = PutDigits<2>(To, Seconds / 60 % 60);
+  *To++ = ':';
+  To = PutDigits<2>(To, Seconds % 60);
+  if (Fraction == 0) return To;
+  *To++ = '.';
+  return Fraction % 1000 == 0 ? PutDigits<3>(To, Fraction / 1000) : PutDigits<6>(To, Fraction);
 }
 
 /// The number that Count digits at From form; -1 when one of them is none.
@@ -65,38 +101,20 @@ std::int64_t TakeDigits(std::string_view Text, std::size_t From, std::size_t Cou
 }  // namespace
 
 void AppendSysDate(std::string& Out, TDateTime Value) {
-  const TCivil Date = CivilFromDays(FloorDiv(Value.Microseconds, MicrosecondsPerDay));
-  char Buffer[] = "YYYY-MM-DD";
-  if (Date.Year >= 0 && Date.Year <= 9999) {
-    PutDigits(Buffer, Date.Year, 4);
-    PutDigits(Buffer + 5, Date.Month, 2);
-    PutDigits(Buffer + 8, Date.Day, 2);
-    Out.append(Buffer, 10);
-    return;
-  }
-  // No date that the type covers; readable all the same, and no reader takes it for one.
-  AppendInteger(Out, Date.Year);
-  PutDigits(Buffer + 5, Date.Month, 2);
-  PutDigits(Buffer + 8, Date.Day, 2);
-  Out.append(Buffer + 4, 6);
+  char Buffer[DateSize];
+  Out.append(Buffer, PutDate(Buffer, DayOf(Value.Microseconds)));
 }
 
 void AppendSysTime(std::string& Out, std::int64_t TimeOfDay) {
-  TimeOfDay -= FloorDiv(TimeOfDay, MicrosecondsPerDay) * MicrosecondsPerDay;
-  const std::int64_t Seconds = TimeOfDay / MicrosecondsPerSecond;
-  const std::int64_t Fraction = TimeOfDay % MicrosecondsPerSecond;
-  char Buffer[] = "HH:MM:SS.zzzzzz";
-  PutDigits(Buffer, Seconds / 3600, 2);
-  PutDigits(Buffer + 3, Seconds / 60 % 60, 2);
-  PutDigits(Buffer + 6, Seconds % 60, 2);
-  PutDigits(Buffer + 9, Fraction, 6);
-  Out.append(Buffer, Fraction == 0 ? 8 : Fraction % 1000 == 0 ? 12 : 15);
+  char Buffer[TimeSize];
+  Out.append(Buffer, PutTime(Buffer, TimeOf(TimeOfDay)));
 }
 
 void AppendSysDateTime(std::string& Out, TDateTime Value) {
-  AppendSysDate(Out, Value);
-  Out += ' ';
-  AppendSysTime(Out, Value.Microseconds - FloorDiv(Value.Microseconds, MicrosecondsPerDay) * MicrosecondsPerDay);
+  char Buffer[DateSize + 1 + TimeSize];
+  char* To = PutDate(Buffer, DayOf(Value.Microseconds));
+  *To++ = ' ';
+  Out.append(Buffer, PutTime(To, TimeOf(Value.Microseconds)));
 }
 
 std::string DateTimeToSysStr(TDateTime Value) {
@@ -139,9 +157,8 @@ std::optional<TDateTime> SysStrToDateTime(std::string_view Text) {
 }
 
 double DateTimeToDayNumber(TDateTime Value) {
-  const std::int64_t Days = FloorDiv(Value.Microseconds, MicrosecondsPerDay);
-  const double Fraction = static_cast<double>(Value.Microseconds - Days * MicrosecondsPerDay) / MicrosecondsPerDay;
-  const auto Number = static_cast<double>(Days - DayNumberEpoch);
+  const auto Number = static_cast<double>(DayOf(Value.Microseconds) - DayNumberEpoch);
+  const double Fraction = static_cast<double>(TimeOf(Value.Microseconds)) / MicrosecondsPerDay;
   return Number < 0 ? Number - Fraction : Number + Fraction;
 }
 
@@ -150,9 +167,9 @@ std::optional<TDateTime> DayNumberToDateTime(double DayNumber) {
   const double Whole = std::trunc(DayNumber);
   const std::int64_t Days = static_cast<std::int64_t>(Whole) + DayNumberEpoch;
   const std::int64_t Time = std::llround(std::abs(DayNumber - Whole) * MicrosecondsPerDay);
-  const TDateTime Result{Days * MicrosecondsPerDay + Time};
-  if (Result < MinDateTime || Result > MaxDateTime) return std::nullopt;
-  return Result;
+  const std::int64_t Result = Days * MicrosecondsPerDay + Time;
+  if (Result < MinDateTime.Microseconds || Result > MaxDateTime.Microseconds) return std::nullopt;
+  return TDateTime{Result};
 }
 
 }  // namespace velkrund

@@ -10,6 +10,16 @@ constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
 
 unsigned char ByteAt(std::string_view Text, std::size_t Position) { return static_cast<unsigned char>(Text[Position]); }
 
+constexpr std::size_t WordSize = 8;
+
+/// Whether eight bytes of ASCII start at Position.
+bool IsAsciiWord(std::string_view Text, std::size_t Position) {
+  if (Text.size() - Position < WordSize) return false;
+  std::uint64_t Word = 0;
+  std::memcpy(&Word, Text.data() + Position, WordSize);
+  return (Word & 0x8080808080808080) == 0;
+}
+
 /// A character's bytes, or of a malformed sequence those that one U+FFFD stands for.
 struct TSequence {
   std::size_t Length;
@@ -42,12 +52,8 @@ char32_t Decode(std::string_view Text, std::size_t Position, std::size_t Length)
 }  // namespace
 
 std::size_t AsciiPrefix(std::string_view Text) {
-  constexpr std::uint64_t HighBits = 0x8080808080808080;
   std::size_t At = 0;
-  for (std::uint64_t Word = 0; At + sizeof Word <= Text.size(); At += sizeof Word) {
-    std::memcpy(&Word, Text.data() + At, sizeof Word);
-    if ((Word & HighBits) != 0) break;
-  }
+  while (IsAsciiWord(Text, At)) At += WordSize;
   while (At < Text.size() && ByteAt(Text, At) < 0x80) ++At;
   return At;
 }
@@ -125,16 +131,20 @@ void AppendUtf16Unit(std::string& Out, char16_t Unit) {
 
 std::size_t FindMalformedUtf8(std::string_view Text) {
   std::size_t At = 0;
-  while (true) {
-    At += AsciiPrefix(Text.substr(At));
-    // Texts that are not ASCII have runs of longer characters; the word-wise look-ahead waits for the next ASCII one.
+  while (At < Text.size()) {
+    if (IsAsciiWord(Text, At)) {
+      At += WordSize;
+      continue;
+    }
+    // Some of the next eight bytes are not ASCII: on behind the first run of those, where looking ahead pays again.
+    while (At < Text.size() && ByteAt(Text, At) < 0x80) ++At;
     while (At < Text.size() && ByteAt(Text, At) >= 0x80) {
       const TSequence Sequence = SequenceAt(Text, At);
       if (!Sequence.WellFormed) return At;
       At += Sequence.Length;
     }
-    if (At >= Text.size()) return std::string_view::npos;
   }
+  return std::string_view::npos;
 }
 
 std::int64_t RepairUtf8(std::string& Text, std::size_t From) {

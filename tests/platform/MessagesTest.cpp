@@ -1,0 +1,94 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund::tests {
+namespace {
+
+TEST(Format, FillsPlaceholdersInOrder) {
+  const std::string Name = "N%s";
+  const std::pair<std::string, const char*> Rows[] = {
+      {Format("OT:%d;ON:'%s'", 12, Name), "OT:12;ON:'N%s'"},
+      {Format("%s and %s", "text", std::string_view("view")), "text and view"},
+      {Format("%d %s", std::int64_t{-9'000'000'000}, 7u), "-9000000000 7"},
+      {Format("100%% of %d", 5), "100% of 5"},
+      {Format("%s %s %d", 1), "1 %s %d"},
+      {Format("surplus", 1, "x"), "surplus"},
+      {Format("%x %", "a"), "%x %"},
+      {Format("%%s%s", "a"), "%sa"},
+      {Format(""), ""},
+  };
+  for (const auto& [Result, Expected] : Rows) EXPECT_EQ(Result, Expected);
+}
+
+/// Throws errors innermost first, each around the one before, and describes what comes out.
+std::string Describe(const std::vector<std::function<void()>>& Throwers) {
+  std::exception_ptr Current;
+  for (const auto& Thrower : Throwers) {
+    try {
+      if (!Current) Thrower();
+      try {
+        std::rethrow_exception(Current);
+      } catch (...) {
+        Thrower();
+      }
+    } catch (...) {
+      Current = std::current_exception();
+    }
+  }
+  try {
+    std::rethrow_exception(Current);
+  } catch (const std::exception& Error) {
+    return Kv_FullExceptionInfo(Error);
+  }
+}
+
+TEST(Exceptions, DescribesTheWholeChainOfCauses) {
+  const auto Disk = [] { throw EWriteError("disk full"); };
+  const auto Foreign = [] { throw std::out_of_range("index"); };
+  const auto Number = [] { throw 5; };
+  const auto ForeignAround = [] { std::throw_with_nested(std::logic_error("around")); };
+  const auto Around = [] { std::throw_with_nested(EDatabaseError("row 3")); };
+  const auto Plain = [] { throw EAbort("stop"); };
+  EXPECT_EQ(Describe({Disk}), "EWriteError: disk full");
+  EXPECT_EQ(Describe({Foreign}), "std::out_of_range: index");
+  EXPECT_EQ(Describe({Disk, ForeignAround, Around}),
+            "EDatabaseError: row 3\r\nstd::logic_error: around\r\nEWriteError: disk full");
+  EXPECT_EQ(Describe({Number, Around}), "EDatabaseError: row 3\r\nunknown: an error that is not a std::exception");
+  EXPECT_EQ(Describe({Disk, Plain}), "EAbort: stop");
+  EXPECT_EQ(Describe({Around}), "EDatabaseError: row 3");
+}
+
+TEST(Platform, NamesWhatIsNotInstalledAndRestoresWhatWas) {
+  class TNobody final : public TMessageBoxService {
+   public:
+    int MessageBox(TWindowHandle, std::string_view, std::string_view, std::uint32_t) override { return IDNO; }
+  };
+  TNobody Outer;
+  TNobody Inner;
+  EXPECT_THROW(MessageBoxes(), EAccessViolation);
+  {
+    const TPlatformGuard OuterGuard({nullptr, nullptr, &Outer});
+    {
+      const TPlatformGuard InnerGuard({nullptr, nullptr, &Inner});
+      EXPECT_EQ(&MessageBoxes(), &Inner);
+    }
+    EXPECT_EQ(&MessageBoxes(), &Outer);
+    EXPECT_THROW(ExtCalls(), EAccessViolation);
+    try {
+      BaseMng();
+      FAIL();
+    } catch (const EAccessViolation& Error) {
+      EXPECT_STREQ(Error.what(), "No application manager is installed");
+    }
+  }
+  EXPECT_THROW(MessageBoxes(), EAccessViolation);
+  EXPECT_EQ(WorkSettings().AnsiCodePage->Number(), 1251);
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -181,18 +181,6 @@ TEST(Record, FindsTheExactNameBeforeASimilarOne) {
   }
 }
 
-TEST(Record, TellsAssignedNullFromNothingAssigned) {
-  TMemoryRecord Record{"A", "B"};
-  Record.Fields(0).SetValue({});
-  EXPECT_TRUE(Record.Fields(0).Assigned());
-  EXPECT_FALSE(Record.Fields(1).Assigned());
-  Record.Fields(1).SetData("bytes");
-  EXPECT_EQ(Record.Fields(1).BufferedValue().Kind(), TKvKind::Bytes);
-  Record.ClearData();
-  EXPECT_FALSE(Record.Fields(0).Assigned() || Record.Fields(1).Assigned());
-  EXPECT_TRUE(Record.Fields(1).BufferedValue().IsNull());
-}
-
 TEST(Record, ReadsBlocksOfBytes) {
   TMemoryField Field("F");
   EXPECT_EQ(Field.GetDataSize(), 0);

@@ -1,0 +1,187 @@
+#include "standalone/databases/Configuration.h"
+
+#include <toml++/toml.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+
+#include "standalone/drivers/DatabaseUrl.h"
+#include "velkrund/platform/ormtools/CodePage.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+constexpr std::string_view FileNameInFolder = "velkrund.toml";
+
+std::string Environment(const std::string& Name) {
+  const char* Value = std::getenv(Name.c_str());
+  return Value ? Value : "";
+}
+
+/// Walks the file's tables; every key has to be known.
+class TConfigurationReader {
+ public:
+  TConfigurationReader(const std::string& FileName, TConfiguration& Result) : FFileName(FileName), FResult(Result) {}
+
+  void Read(const toml::table& Root) {
+    ReadTable(Root, "",
+              {{"default_database", [&](const TEntry& E) { FResult.DefaultDatabase = Text(E); }},
+               {"code_page", [&](const TEntry& E) { FResult.CodePage = CodePage(E); }},
+               {"strict_values", [&](const TEntry& E) { FResult.StrictValues = Boolean(E); }},
+               {"strict_text", [&](const TEntry& E) { FResult.StrictText = Boolean(E); }},
+               {"work_as_17_version", [&](const TEntry& E) { FResult.WorkAs17Version = Boolean(E); }},
+               {"language", [&](const TEntry& E) { FResult.Language = Text(E); }},
+               {"busy_seconds", [&](const TEntry& E) { FResult.BusyTime = Seconds(E); }},
+               {"trace", [&](const TEntry& E) { ReadTrace(E); }},
+               {"database", [&](const TEntry& E) { ReadDatabases(E); }}});
+  }
+
+ private:
+  struct TEntry {
+    std::string Key;  // with the tables that it stands in
+    const toml::node& Node;
+  };
+  struct TKnownKey {
+    std::string_view Name;
+    std::function<void(const TEntry&)> Read;
+  };
+
+  [[noreturn]] void Raise(const TEntry& Entry, const std::string& Why) const {
+    throw EConfigurationError(
+        Format("%s, line %d, key '%s': %s", FFileName, Entry.Node.source().begin.line, Entry.Key, Why));
+  }
+
+  void ReadTable(const toml::table& Table, const std::string& Prefix, const std::vector<TKnownKey>& Known) const {
+    for (const auto& [Key, Node] : Table) {
+      const std::string_view Name = Key.str();
+      const TEntry Entry{Prefix + std::string(Name), Node};
+      const auto Same = [Name](const TKnownKey& Candidate) { return Candidate.Name == Name; };
+      const auto Found = std::find_if(Known.begin(), Known.end(), Same);
+      if (Found == Known.end()) Raise(Entry, "the key is unknown");
+      Found->Read(Entry);
+    }
+  }
+
+  const toml::table& Table(const TEntry& Entry) const {
+    const toml::table* Result = Entry.Node.as_table();
+    if (!Result) Raise(Entry, "a table is needed");
+    return *Result;
+  }
+
+  std::string Text(const TEntry& Entry) const {
+    const auto* Value = Entry.Node.as_string();
+    if (!Value) Raise(Entry, "a text is needed");
+    return Value->get();
+  }
+
+  bool Boolean(const TEntry& Entry) const {
+    const auto* Value = Entry.Node.as_boolean();
+    if (!Value) Raise(Entry, "true or false is needed");
+    return Value->get();
+  }
+
+  int CodePage(const TEntry& Entry) const {
+    const auto* Value = Entry.Node.as_integer();
+    const std::int64_t Number = Value && Value->get() > 0 && Value->get() < 100'000 ? Value->get() : 0;
+    if (!TCodePage::Find(static_cast<int>(Number))) Raise(Entry, "a code page of 1250 .. 1258 is needed");
+    return static_cast<int>(Number);
+  }
+
+  std::chrono::milliseconds Seconds(const TEntry& Entry) const {
+    constexpr double Most = 86'400;
+    const std::optional<double> Value = Entry.Node.is_number() ? Entry.Node.value<double>() : std::nullopt;
+    if (!Value || !(*Value >= 0 && *Value <= Most)) Raise(Entry, "a number of seconds of 0 .. 86400 is needed");
+    return std::chrono::milliseconds(static_cast<std::int64_t>(*Value * 1000));
+  }
+
+  void ReadTrace(const TEntry& Trace) {
+    ReadTable(Table(Trace), "trace.",
+              {{"level", [&](const TEntry& E) { FResult.TraceLevel = TraceLevel(E); }},
+               {"file", [&](const TEntry& E) { FResult.TraceFile = InFolder(Text(E)); }}});
+  }
+
+  TTraceLevelSetting TraceLevel(const TEntry& Entry) const {
+    constexpr std::array<std::string_view, 4> Names = {"off", "error", "info", "detail"};
+    const auto Found = std::find(Names.begin(), Names.end(), Text(Entry));
+    if (Found == Names.end()) Raise(Entry, "off, error, info or detail is needed");
+    return static_cast<TTraceLevelSetting>(Found - Names.begin());
+  }
+
+  void ReadDatabases(const TEntry& Databases) {
+    for (const auto& [Key, Node] : Table(Databases)) {
+      const TEntry Entry{"database." + std::string(Key.str()), Node};
+      TDatabaseEntry& Database = FResult.Databases[std::string(Key.str())];
+      ReadTable(Table(Entry), Entry.Key + ".", {{"url", [&](const TEntry& E) { Database.Url = Url(E); }}});
+      if (Database.Url.empty()) Raise(Entry, "the key 'url' is missing");
+    }
+  }
+
+  std::string Url(const TEntry& Entry) const {
+    std::string Result = WithVariables(Entry, Text(Entry));
+    if (!ParseDatabaseUrl(Result))
+      Raise(Entry, Format("'%s' is no database address (SCHEME:...)", WithoutSecrets(Result)));
+    return Result;
+  }
+
+  std::string WithVariables(const TEntry& Entry, std::string Text) const {
+    for (std::size_t At = 0; (At = Text.find("${", At)) != std::string::npos;) {
+      const std::size_t End = Text.find('}', At);
+      if (End == std::string::npos) Raise(Entry, "'${' without '}'");
+      const std::string Name = Text.substr(At + 2, End - At - 2);
+      if (!std::getenv(Name.c_str())) Raise(Entry, Format("the environment variable %s is not set", Name));
+      const std::string Value = Environment(Name);
+      Text.replace(At, End + 1 - At, Value);
+      At += Value.size();
+    }
+    return Text;
+  }
+
+  std::string InFolder(const std::string& Name) const {
+    return (std::filesystem::path(FResult.Folder) / Name).string();
+  }
+
+  const std::string& FFileName;
+  TConfiguration& FResult;
+};
+
+}  // namespace
+
+std::optional<std::string> FindConfiguration(const std::string& Given) {
+  if (!Given.empty()) return Given;
+  if (std::string Named = Environment("VELKRUND_CONFIG"); !Named.empty()) return Named;
+  std::vector<std::filesystem::path> Candidates = {FileNameInFolder};
+  const std::string Home = Environment("HOME");
+  if (const std::string Folder = Environment("XDG_CONFIG_HOME"); !Folder.empty())
+    Candidates.push_back(std::filesystem::path(Folder) / "velkrund" / FileNameInFolder);
+  else if (!Home.empty())
+    Candidates.push_back(std::filesystem::path(Home) / ".config" / "velkrund" / FileNameInFolder);
+  std::error_code Ignored;
+  for (const auto& Candidate : Candidates)
+    if (std::filesystem::exists(Candidate, Ignored)) return Candidate.string();
+  return std::nullopt;
+}
+
+TConfiguration LoadConfiguration(const std::string& FileName) {
+  TConfiguration Result;
+  Result.FileName = FileName;
+  std::error_code Error;
+  if (!std::filesystem::is_regular_file(FileName, Error))
+    throw EConfigurationError(Format("Can not read the configuration '%s': it is no file", FileName));
+  Result.Folder = std::filesystem::absolute(FileName).parent_path().string();
+  try {
+    TConfigurationReader(FileName, Result).Read(toml::parse_file(FileName));
+  } catch (const toml::parse_error& Failure) {
+    throw EConfigurationError(Format("%s, line %d: %s", FileName, Failure.source().begin.line, Failure.description()));
+  }
+  return Result;
+}
+
+TConfiguration FindAndLoadConfiguration(const std::string& Given) {
+  const std::optional<std::string> FileName = FindConfiguration(Given);
+  return FileName ? LoadConfiguration(*FileName) : TConfiguration{};
+}
+
+}  // namespace velkrund

@@ -1,0 +1,111 @@
+#include "standalone/databases/Databases.h"
+
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+TDatabases::TDatabases(const TConfiguration& Configuration, TDriverRegistry Drivers, TTraceFunction Trace)
+    : FConfiguration(Configuration),
+      FDrivers(std::move(Drivers)),
+      FTrace(std::move(Trace)),
+      FDefaultDatabase(Configuration.DefaultDatabase),
+      FBusyTime(Configuration.BusyTime) {}
+
+TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
+  if (Name.empty() && FDefaultDatabase.empty())
+    throw EDatabaseError("No database is named, and there is no default database");
+  const std::string& Meant = Name.empty() ? FDefaultDatabase : Name;
+  TConnectOptions Options;
+  Options.CreateMissing = FCreateMissing;
+  Options.BusyTime = FBusyTime;
+  std::string Address = Meant;
+  if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
+    Address = Entry->second.Url;
+    Options.BaseFolder = FConfiguration.Folder;
+  }
+  std::optional<TDatabaseUrl> Url = ParseDatabaseUrl(Address);
+  if (!Url)
+    throw EDatabaseError(Format("The database '%s' is not in %s, and it is no address (SCHEME:...)", Meant,
+                                FConfiguration.FileName.empty() ? "the configuration" : FConfiguration.FileName));
+  const TDriver* Driver = FDrivers.Find(Url->Scheme);
+  if (!Driver)
+    throw EDatabaseError(Format("The database '%s' has the unknown scheme '%s'; known are: %s", WithoutSecrets(Meant),
+                                Url->Scheme, FDrivers.Schemes()));
+  std::string Identity = Url->Scheme + ":" + Driver->Identity(*Url, Options);
+  return {Driver, std::move(*Url), std::move(Options), std::move(Identity)};
+}
+
+TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
+  const std::string& Meant = Name.empty() ? FDefaultDatabase : Name;
+  if (const auto Known = FNames.find(Meant); Known != FNames.end()) return *Known->second;
+  const TAddress Address = Resolve(Name);
+  auto Found = FOpen.find(Address.Identity);
+  if (Found == FOpen.end()) {
+    FTrace(Format("Connecting to %s", WithoutSecrets(Address.Url.Text())));
+    TDatabase Opened;
+    Opened.Connection = Address.Driver->Connect(Address.Url, Address.Options);
+    Found = FOpen.emplace(Address.Identity, std::move(Opened)).first;
+  }
+  FNames.emplace(Meant, &Found->second);
+  return Found->second;
+}
+
+TConnection& TDatabases::Connection(const std::string& Name) { return *Database(Name).Connection; }
+
+void TDatabases::StartTransaction(const std::string& Name, TIsolationLevel Level) {
+  TDatabase& Target = Database(Name);
+  if (Target.Depth == 0) {
+    FTrace("Starting a transaction");
+    Target.Connection->Begin(Level);
+    Target.Doomed = false;
+  }
+  ++Target.Depth;
+}
+
+TDatabases::TDatabase& TDatabases::InTransaction(const std::string& Name, std::string_view What) {
+  TDatabase& Target = Database(Name);
+  if (Target.Depth == 0) throw EDatabaseError(Format("Can not %s: no transaction has been started", What));
+  --Target.Depth;
+  return Target;
+}
+
+void TDatabases::CommitTransaction(const std::string& Name) {
+  TDatabase& Target = InTransaction(Name, "commit the transaction");
+  if (Target.Depth > 0) return;
+  if (Target.Doomed) {
+    FTrace("Rolling the transaction back: an inner one was rolled back");
+    Target.Connection->Rollback();
+    throw EDatabaseError("The transaction was rolled back instead of committed: one inside it was rolled back");
+  }
+  FTrace("Committing the transaction");
+  try {
+    Target.Connection->Commit();
+  } catch (...) {
+    Target.Connection->Rollback();
+    throw;
+  }
+}
+
+void TDatabases::RollbackTransaction(const std::string& Name) {
+  TDatabase& Target = InTransaction(Name, "roll the transaction back");
+  if (Target.Depth > 0) {
+    Target.Doomed = true;
+    return;
+  }
+  FTrace("Rolling the transaction back");
+  Target.Connection->Rollback();
+}
+
+bool TDatabases::IsSameDatabase(const std::string& A, const std::string& B) const {
+  return Resolve(A).Identity == Resolve(B).Identity;
+}
+
+void TDatabases::Close(const std::string& Name) {
+  const std::string Identity = Resolve(Name).Identity;
+  const auto Found = FOpen.find(Identity);
+  if (Found == FOpen.end()) return;
+  std::erase_if(FNames, [&](const auto& Known) { return Known.second == &Found->second; });
+  FOpen.erase(Found);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "standalone/databases/Configuration.h"
+#include "standalone/drivers/Driver.h"
+
+namespace velkrund {
+
+/// The databases of an application: names of the configuration, or URLs, to connections. One connection per database,
+/// however it is spelt; made when first needed and kept. Counts nested transactions. Used by one thread at a time.
+class TDatabases {
+ public:
+  /// Called with a line for the trace: connections, transactions.
+  using TTraceFunction = std::function<void(const std::string& Line)>;
+
+  TDatabases(const TConfiguration& Configuration, TDriverRegistry Drivers, TTraceFunction Trace);
+  TDatabases(const TDatabases&) = delete;
+  TDatabases& operator=(const TDatabases&) = delete;
+
+  /// Name: of the configuration, else a URL; empty: the default database. Raises EDatabaseError.
+  TConnection& Connection(const std::string& Name);
+
+  /// Only the outermost start and end reach the engine. An inner roll back dooms the outer transaction: its commit then
+  /// rolls back and raises. A commit that fails rolls back as well.
+  void StartTransaction(const std::string& Name, TIsolationLevel Level);
+  void CommitTransaction(const std::string& Name);
+  void RollbackTransaction(const std::string& Name);
+
+  void SetDefaultDatabase(std::string Name) { FDefaultDatabase = std::move(Name); }
+  const std::string& DefaultDatabase() const { return FDefaultDatabase; }
+  /// Databases that are connected to from now on are made when they do not exist.
+  void SetCreateMissing(bool Value) { FCreateMissing = Value; }
+  void SetBusyTime(std::chrono::milliseconds Value) { FBusyTime = Value; }
+
+  /// Whether two names mean the same database.
+  bool IsSameDatabase(const std::string& A, const std::string& B) const;
+  /// Frees the connection, rolling an open transaction back. Its tables must be freed before.
+  void Close(const std::string& Name);
+
+ private:
+  struct TDatabase {
+    std::unique_ptr<TConnection> Connection;
+    int Depth = 0;        // transactions started and not ended
+    bool Doomed = false;  // an inner one was rolled back
+  };
+  struct TAddress {
+    const TDriver* Driver;
+    TDatabaseUrl Url;
+    TConnectOptions Options;
+    std::string Identity;
+  };
+
+  TAddress Resolve(const std::string& Name) const;
+  TDatabase& Database(const std::string& Name);
+  TDatabase& InTransaction(const std::string& Name, std::string_view What);
+
+  TConfiguration FConfiguration;
+  TDriverRegistry FDrivers;
+  TTraceFunction FTrace;
+  std::string FDefaultDatabase;
+  bool FCreateMissing = false;
+  std::chrono::milliseconds FBusyTime;
+  std::map<std::string, TDatabase> FOpen;                 // by identity
+  std::map<std::string, TDatabase*, std::less<>> FNames;  // the names under which they were asked for
+};
+
+}  // namespace velkrund

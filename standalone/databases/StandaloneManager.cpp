@@ -1,0 +1,132 @@
+#include "standalone/databases/StandaloneManager.h"
+
+#include <iostream>
+
+#include "standalone/drivers/sqlite/SQLiteDriver.h"
+#include "standalone/tables/DriverTable.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+namespace {
+
+constexpr std::string_view DatabaseSubsystem = "Databases";
+
+TDriverRegistry AllDrivers() {
+  TDriverRegistry Result;
+  Result.Add(std::make_unique<TSQLiteDriver>());
+  return Result;
+}
+
+TSettings SettingsOf(const TConfiguration& Configuration) {
+  TSettings Result;
+  if (const TCodePage* CodePage = TCodePage::Find(Configuration.CodePage)) Result.AnsiCodePage = CodePage;
+  Result.StrictValues = Configuration.StrictValues;
+  Result.StrictText = Configuration.StrictText;
+  Result.WorkAs17Version = Configuration.WorkAs17Version;
+  return Result;
+}
+
+/// Takes the next word, between bytes up to 0x20, off the front of Text.
+std::string_view TakeWord(std::string_view& Text) {
+  const auto IsBlank = [](char C) { return static_cast<unsigned char>(C) <= 0x20; };
+  std::size_t Start = 0;
+  while (Start < Text.size() && IsBlank(Text[Start])) ++Start;
+  std::size_t End = Start;
+  while (End < Text.size() && !IsBlank(Text[End])) ++End;
+  const std::string_view Word = Text.substr(Start, End - Start);
+  Text.remove_prefix(End);
+  return Word;
+}
+
+/// "DELETE * FROM", which some engines write, as all engines write it.
+std::string WithPlainDelete(const std::string& Statement) {
+  std::string_view Rest = Statement;
+  if (SameAsciiWord(TakeWord(Rest), "DELETE") && TakeWord(Rest) == "*") {
+    const std::string_view FromHere = Rest;
+    if (SameAsciiWord(TakeWord(Rest), "FROM")) return "DELETE" + std::string(FromHere);
+  }
+  return Statement;
+}
+
+}  // namespace
+
+TStandaloneManager::TStandaloneManager(const TConfiguration& Configuration)
+    : FConfiguration(Configuration),
+      FSettings(SettingsOf(Configuration)),
+      FTrace(Configuration.TraceLevel, Configuration.TraceFile),
+      FDatabases(Configuration, AllDrivers(),
+                 [this](const std::string& Line) { FTrace.Write(DatabaseSubsystem, TTraceLevel::Detail, Line); }) {}
+
+TStandaloneManager::~TStandaloneManager() = default;
+
+std::unique_ptr<TTable> TStandaloneManager::GetUserTable(const std::string& TableName, const std::string& DatabaseName,
+                                                         bool ReadWrite) {
+  TConnection& Connection = FDatabases.Connection(DatabaseName);
+  const std::optional<TTableInfo> Info = Connection.FindTable(TableName);
+  if (!Info) return nullptr;
+  return std::make_unique<TDriverTable>(Connection, *Info, ReadWrite);
+}
+
+void TStandaloneManager::StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) {
+  FDatabases.StartTransaction(DatabaseName, Level);
+}
+
+void TStandaloneManager::CommitTransaction(const std::string& DatabaseName) {
+  FDatabases.CommitTransaction(DatabaseName);
+}
+
+void TStandaloneManager::RollbackTransaction(const std::string& DatabaseName) {
+  FDatabases.RollbackTransaction(DatabaseName);
+}
+
+std::int64_t TStandaloneManager::ExecuteSQL(const std::string& Statement, const std::string& DatabaseName) {
+  FTrace.Write(DatabaseSubsystem, TTraceLevel::Detail, Statement);
+  return FDatabases.Connection(DatabaseName).Execute(WithPlainDelete(Statement));
+}
+
+std::string TStandaloneManager::LString(std::string_view Key) const {
+  std::optional<std::string> Text;
+  if (FLookUpText) Text = FLookUpText(Key);
+  return Text ? std::move(*Text) : std::string(Key);
+}
+
+void TStandaloneManager::WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept {
+  FTrace.Write(Subsystem, Level, Text);
+}
+
+void TStandaloneManager::ReportError(const std::exception& Error) noexcept {
+  try {
+    const std::string Text = Kv_FullExceptionInfo(Error);
+    FTrace.Write(DatabaseSubsystem, TTraceLevel::Error, Text);
+    if (FReportError)
+      FReportError(Error);
+    else
+      std::cerr << Text << std::endl;
+  } catch (...) {
+    // There is nobody left to tell.
+  }
+}
+
+std::vector<TTableInfo> TStandaloneManager::Tables(const std::string& DatabaseName) {
+  return FDatabases.Connection(DatabaseName).Tables();
+}
+
+TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) {
+  TConnection& Connection = FDatabases.Connection(DatabaseName);
+  TDatabaseInfo Result;
+  Result.Engine = Connection.EngineName();
+  Result.EngineVersion = Connection.EngineVersion();
+  Result.ReadOnly = Connection.Capabilities().ReadOnly;
+  for (const TTableInfo& Table : Connection.Tables()) {
+    TDatabaseInfo::TTableSize Size{Table, std::nullopt, std::nullopt};
+    if (Table.Kind == TTableKind::Table) {
+      Size.Rows = Connection.RowCount(Table);
+      Size.Bytes = Connection.TableBytes(Table);
+    }
+    Result.Tables.push_back(std::move(Size));
+  }
+  return Result;
+}
+
+}  // namespace velkrund

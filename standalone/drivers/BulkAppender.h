@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "velkrund/platform/ormtools/Variant.h"
+
+namespace velkrund {
+
+struct TAppendOptions {
+  /// The number that error messages give to the first record.
+  std::int64_t FirstRecord = 1;
+  /// Automatic numbering is moved behind the highest key, where the engine does not do so by itself.
+  bool CanRecreateAutoSequence = false;
+};
+
+/// The engine's fastest way to add rows to one table. Errors (EDatabaseError) name the table, the record and, where
+/// known, the column. Freed before Finish: what was not yet handed to the engine is dropped.
+class TBulkAppender {
+ public:
+  TBulkAppender() = default;
+  TBulkAppender(const TBulkAppender&) = delete;
+  TBulkAppender& operator=(const TBulkAppender&) = delete;
+  virtual ~TBulkAppender() = default;
+
+  /// One value per column that the appender was opened with, in that order. The values and the bytes that they borrow
+  /// are needed until the call returns.
+  virtual void Append(std::span<const TKvVariant* const> Row) = 0;
+  /// Hands over what is still held back; nothing can be appended afterwards.
+  virtual void Finish() = 0;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standalone/drivers/BulkAppender.h"
+#include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/Schema.h"
+#include "velkrund/platform/database/ApplicationManager.h"
+
+namespace velkrund {
+
+/// What an engine, reached by one connection, can do. Whoever depends on one of these asks here; no operation of a
+/// driver answers "not implemented".
+struct TCapabilities {
+  bool ReadOnly = false;             // nothing can be written through this connection
+  bool TransactionalSchema = false;  // CREATE, ALTER and DROP are undone by a roll back
+  bool MixedKinds = false;           // a cell may be of another kind than its column
+  bool NotANumber = false;           // floating columns hold NaN
+  bool NulInText = false;            // texts hold the character U+0000
+  bool TableSizes = false;           // TableBytes has answers
+};
+
+/// One connection to one database. Used by one thread at a time; cursors and appenders are freed before it. Raises
+/// EDatabaseError with what failed, the engine's own words and code, and the statement where it helps.
+class TConnection {
+ public:
+  TConnection() = default;
+  TConnection(const TConnection&) = delete;
+  TConnection& operator=(const TConnection&) = delete;
+  virtual ~TConnection() = default;
+
+  virtual const TCapabilities& Capabilities() const = 0;
+  virtual std::string EngineName() const = 0;
+  virtual std::string EngineVersion() const = 0;
+
+  /// Transactions do not nest here. A failed Commit leaves the transaction open.
+  virtual void Begin(TIsolationLevel Level) = 0;
+  virtual void Commit() = 0;
+  /// No error when the engine has already rolled back by itself.
+  virtual void Rollback() = 0;
+
+  /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
+  /// places that the engine's SQL marks for them, in order.
+  virtual std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
+
+  /// The user's tables and views by name; neither the engine's own nor the platform's.
+  virtual std::vector<TTableInfo> Tables() = 0;
+  /// The table of that name, the exact one first, else the first that differs in case only.
+  virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
+  virtual TTableDescription Describe(const TTableInfo& Table) = 0;
+  virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
+  /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
+  virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
+
+  /// A name as it stands in SQL.
+  virtual std::string QuoteName(std::string_view Name) const = 0;
+  /// A table's quoted name, with its schema where needed.
+  virtual std::string SQLName(const TTableInfo& Table) const = 0;
+
+  /// Columns: indexes into the description's columns, in any order. Rows come in the table's own order.
+  virtual std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) = 0;
+  /// Columns that are not named get their default; generated ones must not be named. An error when Table takes no rows.
+  virtual std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
+                                                      const TAppendOptions& Options) = 0;
+};
+
+/// Names that begin so are the platform's own catalogue tables, which are no user tables.
+inline constexpr std::string_view CataloguePrefix = "velkrund_";
+
+}  // namespace velkrund

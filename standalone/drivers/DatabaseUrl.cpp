@@ -1,0 +1,62 @@
+#include "standalone/drivers/DatabaseUrl.h"
+
+#include <algorithm>
+
+namespace velkrund {
+namespace {
+
+bool IsLetter(char C) { return (C >= 'a' && C <= 'z') || (C >= 'A' && C <= 'Z'); }
+
+bool IsSchemeCharacter(char C) { return IsLetter(C) || (C >= '0' && C <= '9') || C == '+' || C == '-' || C == '.'; }
+
+char ToLower(char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; }
+
+std::string ToLower(std::string_view Text) {
+  std::string Result(Text);
+  std::transform(Result.begin(), Result.end(), Result.begin(), [](char C) { return ToLower(C); });
+  return Result;
+}
+
+constexpr std::string_view Mask = "***";
+
+void MaskUserInfo(std::string& Text) {
+  const std::size_t Slashes = Text.find("://");
+  if (Slashes == std::string::npos) return;
+  const std::size_t Start = Slashes + 3;
+  const std::size_t End = std::min(Text.find_first_of("/?", Start), Text.size());
+  // A password may hold "@" itself; the last one ends it.
+  const std::size_t At = Text.substr(0, End).rfind('@');
+  if (At == std::string::npos || At < Start) return;
+  const std::size_t Colon = Text.find(':', Start);
+  if (Colon < At) Text.replace(Colon + 1, At - Colon - 1, Mask);
+}
+
+void MaskParameter(std::string& Text, std::string_view Name) {
+  for (std::size_t At = 0; (At = ToLower(Text).find(Name, At)) != std::string::npos;) {
+    const std::size_t Start = At + Name.size();
+    At = Start + 1;
+    const bool Braced = Start < Text.size() && Text[Start] == '{';
+    const std::size_t End = std::min(Braced ? Text.find('}', Start) : Text.find_first_of("&; ", Start), Text.size());
+    Text.replace(Start, End - Start + (Braced && End < Text.size() ? 1 : 0), Mask);
+  }
+}
+
+}  // namespace
+
+std::optional<TDatabaseUrl> ParseDatabaseUrl(std::string_view Text) {
+  const std::size_t Colon = Text.find(':');
+  if (Colon == std::string_view::npos || Colon < 2) return std::nullopt;
+  const std::string_view Scheme = Text.substr(0, Colon);
+  if (!IsLetter(Scheme[0]) || !std::all_of(Scheme.begin(), Scheme.end(), IsSchemeCharacter)) return std::nullopt;
+  return TDatabaseUrl{ToLower(Scheme), std::string(Text.substr(Colon + 1))};
+}
+
+std::string WithoutSecrets(std::string_view Text) {
+  std::string Result(Text);
+  MaskUserInfo(Result);
+  MaskParameter(Result, "password=");
+  MaskParameter(Result, "pwd=");
+  return Result;
+}
+
+}  // namespace velkrund

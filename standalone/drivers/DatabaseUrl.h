@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velkrund {
+
+/// A database's address: the scheme names the driver, the rest is the driver's own business.
+struct TDatabaseUrl {
+  std::string Scheme;  // lower case
+  std::string Rest;    // what follows the colon, untouched: percent signs stay
+
+  std::string Text() const { return Scheme + ":" + Rest; }
+};
+
+/// Cuts "scheme:rest". Nothing when Text has no scheme: two or more ASCII letters, digits, "+", "-" or ".", a letter
+/// first.
+std::optional<TDatabaseUrl> ParseDatabaseUrl(std::string_view Text);
+
+/// Text with every password in it replaced by "***", for messages: what stands between "user:" and "@" behind "://",
+/// and the values of "password=" and "pwd=".
+std::string WithoutSecrets(std::string_view Text);
+
+}  // namespace velkrund

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standalone/drivers/Connection.h"
+#include "standalone/drivers/DatabaseUrl.h"
+
+namespace velkrund {
+
+struct TConnectOptions {
+  /// A database that does not exist is made, where the engine can; otherwise it is an error.
+  bool CreateMissing = false;
+  /// How long to wait for a database that another program keeps busy.
+  std::chrono::milliseconds BusyTime{10'000};
+  /// What relative file names in a URL are relative to; empty: the current folder.
+  std::string BaseFolder = {};
+};
+
+/// The way to one kind of engine. Stateless; safe to call from several threads.
+class TDriver {
+ public:
+  TDriver() = default;
+  TDriver(const TDriver&) = delete;
+  TDriver& operator=(const TDriver&) = delete;
+  virtual ~TDriver() = default;
+
+  virtual std::string_view Scheme() const = 0;
+  /// A text that is the same for all URLs of one database.
+  virtual std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const = 0;
+  /// Raises EDatabaseError when the database cannot be reached; messages show no password.
+  virtual std::unique_ptr<TConnection> Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const = 0;
+};
+
+/// The drivers by scheme.
+class TDriverRegistry {
+ public:
+  /// A driver of the same scheme takes the place of the one before.
+  void Add(std::unique_ptr<TDriver> Driver);
+  /// Null when there is none of that scheme.
+  const TDriver* Find(std::string_view Scheme) const;
+  /// The known schemes, separated by ", ".
+  std::string Schemes() const;
+
+ private:
+  std::vector<std::unique_ptr<TDriver>> FDrivers;
+};
+
+}  // namespace velkrund

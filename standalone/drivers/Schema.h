@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "velkrund/platform/ormtools/Variant.h"
+
+namespace velkrund {
+
+enum class TTableKind {
+  Table,
+  View,
+  Foreign,  // rows that another program or an extension keeps: virtual and foreign tables
+};
+
+/// A table as the list of tables shows it.
+struct TTableInfo {
+  std::string Name;    // in the case in which the database has it
+  std::string Schema;  // empty where the engine has no schemas, and for its usual one
+  TTableKind Kind = TTableKind::Table;
+};
+
+struct TColumnInfo {
+  std::string Name;
+  std::string DeclaredType;      // as it was declared; empty when it was not
+  TKvKind Kind = TKvKind::Null;  // what the declared type stands for; Null when it says nothing
+  bool Nullable = true;
+  bool Generated = false;  // computed by the engine: read, never written
+  int KeyPosition = 0;     // place in the primary key, from 1; 0: no part of it
+};
+
+struct TTableDescription {
+  TTableInfo Table;
+  std::vector<TColumnInfo> Columns;  // in physical order
+};
+
+}  // namespace velkrund

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+
+#include "standalone/drivers/sqlite/SQLiteTypes.h"
+#include "velkrund/platform/ormtools/CodePage.h"
+#include "velkrund/platform/ormtools/Variant.h"
+
+struct sqlite3_stmt;
+
+namespace velkrund {
+
+/// Puts values into one place of a prepared statement so that the engine stores exactly them: what its conversions
+/// would change is refused. Bytes are lent, not copied: value and binder live until the statement has been reset.
+class TSQLiteBinder {
+ public:
+  struct TColumn {
+    TAffinity Affinity = TAffinity::None;
+    bool HoldsBytes = false;   // 8-bit texts stay bytes
+    bool IsRowNumber = false;  // the engine would put a number of its own in the place of NULL
+    bool Wide = false;         // texts are stored as UTF-16
+  };
+  /// Nothing: bound. Otherwise why the value can not be stored.
+  using TRefusal = const char*;
+
+  /// Place: 1 for the first. CodePage: of 8-bit texts; outlives the binder.
+  TSQLiteBinder(sqlite3_stmt* Statement, int Place, const TColumn& Column, const TCodePage& CodePage)
+      : FStatement(Statement), FCodePage(&CodePage), FPlace(Place), FColumn(Column) {}
+
+  TRefusal Bind(const TKvVariant& Value);
+
+ private:
+  TRefusal BindInteger(std::int64_t Value);
+  TRefusal BindUnsigned(std::uint64_t Value);
+  TRefusal BindReal(double Value);
+  TRefusal BindCurrency(TCurrency Value);
+  TRefusal BindText(std::string_view Text);
+  TRefusal LendText(std::string_view Text);  // which no conversion would change
+  TRefusal BindBytes(std::string_view Bytes);
+  TRefusal BindAnsi(std::string_view Bytes);
+  TRefusal BindNumberText(std::string_view Text);
+  TRefusal Result(int Code);
+
+  sqlite3_stmt* FStatement;
+  const TCodePage* FCodePage;
+  int FPlace;
+  TColumn FColumn;
+  std::string FScratch;  // texts made here, lent to the engine
+};
+
+}  // namespace velkrund

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+
+#include "standalone/drivers/Driver.h"
+
+struct sqlite3;
+
+namespace velkrund {
+
+/// A connection without mutexes: used by one thread at a time.
+class TSQLiteConnection final : public TConnection {
+ public:
+  /// Path: absolute, or ":memory:".
+  TSQLiteConnection(const std::string& Path, const TConnectOptions& Options);
+
+  const TCapabilities& Capabilities() const override { return FCapabilities; }
+  std::string EngineName() const override { return "SQLite"; }
+  std::string EngineVersion() const override;
+
+  void Begin(TIsolationLevel Level) override;
+  void Commit() override;
+  void Rollback() override;
+  std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+
+  std::vector<TTableInfo> Tables() override;
+  std::optional<TTableInfo> FindTable(std::string_view Name) override;
+  TTableDescription Describe(const TTableInfo& Table) override;
+  std::int64_t RowCount(const TTableInfo& Table) override;
+  std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
+
+  std::string QuoteName(std::string_view Name) const override;
+  std::string SQLName(const TTableInfo& Table) const override { return QuoteName(Table.Name); }
+
+  std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) override;
+  std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
+                                              const TAppendOptions& Options) override;
+
+ private:
+  struct TClose {
+    void operator()(sqlite3* Database) const;
+  };
+
+  void CheckReadable(const std::string& Path);
+  int RowNumberColumn(const TTableDescription& Table, bool WithoutRowId);
+
+  std::unique_ptr<sqlite3, TClose> FDatabase;
+  TCapabilities FCapabilities;
+  bool FWide = false;  // the database's encoding is UTF-16
+};
+
+}  // namespace velkrund

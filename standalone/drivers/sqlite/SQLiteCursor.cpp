@@ -1,0 +1,122 @@
+#include "standalone/drivers/sqlite/SQLiteCursor.h"
+
+#include <sqlite3.h>
+
+#include <optional>
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+std::string SelectText(const TTableDescription& Table, std::span<const int> Columns) {
+  std::string Text = "SELECT ";
+  // Without the alias the engine would take a quoted name that has vanished for a text between quotes.
+  for (const int Column : Columns)
+    Text += "T." + QuoteSQLiteName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
+  if (Columns.empty()) Text += "NULL, ";
+  Text.resize(Text.size() - 2);
+  Text += " FROM main." + QuoteSQLiteName(Table.Table.Name) + " AS T";
+  // An index that holds all columns would be walked in its own order.
+  if (Table.Table.Kind == TTableKind::Table) Text += " NOT INDEXED";
+  return Text;
+}
+
+/// A date or time text takes its kind when it is the system text of what it says.
+bool SetDateKind(std::string_view Text, TKvKind Leading, std::string& Scratch, TKvVariant& Value) {
+  constexpr std::size_t DateSize = 10;
+  constexpr std::size_t TimeSize = 8;
+  constexpr std::size_t DateTimeSize = DateSize + 1 + TimeSize;
+  std::size_t PlainSize = DateSize;
+  Scratch.clear();
+  if (Leading == TKvKind::SysDate) {
+    const std::optional<TDateTime> Date = StrToSysDate(Text);
+    if (!Date) return false;
+    Value.SetSysDate(*Date);
+  } else if (Leading == TKvKind::SysTime) {
+    const std::optional<std::int64_t> Time = StrToSysTime(Text);
+    if (!Time) return false;
+    PlainSize = TimeSize;
+    Value.SetSysTime(*Time);
+    if (Text.size() != PlainSize) AppendSysTime(Scratch, *Time);
+  } else {
+    const std::optional<TDateTime> DateTime = SysStrToDateTime(Text);
+    if (!DateTime) return false;
+    PlainSize = DateTimeSize;
+    Value.SetDateTime(*DateTime);
+    if (Text.size() != PlainSize) AppendSysDateTime(Scratch, *DateTime);
+  }
+  // Without a fraction there is one way to write it; with one, "12:00:00.50" and "12:00:00.500" are the same time.
+  return Text.size() == PlainSize || Text == Scratch;
+}
+
+}  // namespace
+
+TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, bool Wide)
+    : FStatement(Database, SelectText(Table, Columns), Format("Can not read table '%s'", Table.Table.Name),
+                 TSQLiteStatement::TUse::Often),
+      FWide(Wide) {
+  FKinds.reserve(Columns.size());
+  for (const int Column : Columns) FKinds.push_back(Table.Columns[static_cast<std::size_t>(Column)].Kind);
+}
+
+void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
+  // The connection has no mutex, so that the cell itself may be asked: one look-up instead of one per question.
+  sqlite3_value* Cell = sqlite3_column_value(FStatement.Handle(), Column);
+  const TKvKind Leading = FKinds[static_cast<std::size_t>(Column)];
+  switch (sqlite3_value_type(Cell)) {
+    case SQLITE_INTEGER: {
+      const std::int64_t Integer = sqlite3_value_int64(Cell);
+      if (Leading == TKvKind::Boolean && (Integer == 0 || Integer == 1))
+        Value.SetBoolean(Integer == 1);
+      else
+        Value.SetInteger(Integer);
+      break;
+    }
+    case SQLITE_FLOAT: {
+      const double Real = sqlite3_value_double(Cell);
+      if (Leading == TKvKind::Currency) {
+        if (const std::optional<TCurrency> Amount = RealToCurrency(Real)) {
+          Value.SetCurrency(*Amount);
+          break;
+        }
+      }
+      Value.SetReal(Real);
+      break;
+    }
+    case SQLITE_TEXT:
+      ReadText(Cell, Leading, Value);
+      break;
+    case SQLITE_BLOB: {
+      const void* Bytes = sqlite3_value_blob(Cell);
+      const int Size = sqlite3_value_bytes(Cell);
+      if (!Bytes && Size > 0) throw EDatabaseError("Can not read a value: out of memory");
+      Value.BorrowText({static_cast<const char*>(Bytes), static_cast<std::size_t>(Size)}, TKvKind::Bytes);
+      break;
+    }
+    default:
+      Value.SetNull();
+      break;
+  }
+}
+
+void TSQLiteCursor::ReadText(sqlite3_value* Cell, TKvKind Leading, TKvVariant& Value) {
+  // Asked for as bytes the engine lends its page; as text it would copy to add a final zero.
+  const void* Bytes = FWide ? static_cast<const void*>(sqlite3_value_text(Cell)) : sqlite3_value_blob(Cell);
+  const int Size = sqlite3_value_bytes(Cell);
+  if (!Bytes && Size > 0) throw EDatabaseError("Can not read a value: out of memory");
+  const std::string_view Text(static_cast<const char*>(Bytes), static_cast<std::size_t>(Size));
+  switch (Leading) {
+    case TKvKind::SysDate:
+    case TKvKind::SysTime:
+    case TKvKind::DateTime:
+      if (SetDateKind(Text, Leading, FScratch, Value)) return;
+      break;
+    default:
+      break;
+  }
+  Value.BorrowText(Text);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,79 @@
+#include "standalone/drivers/sqlite/SQLiteStatement.h"
+
+#include <sqlite3.h>
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+namespace {
+
+constexpr std::size_t MaxStatementInMessage = 300;
+
+std::string_view Hint(int Code) {
+  switch (Code & 0xFF) {
+    case SQLITE_BUSY:
+      return "; another program is using the database";
+    case SQLITE_READONLY:
+      return "; its file or folder can not be written";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view Statement) {
+  const int Code = sqlite3_extended_errcode(Database);
+  std::string Message = Format("%s: %s (SQLite error %d)%s", What, sqlite3_errmsg(Database), Code, Hint(Code));
+  if (!Statement.empty()) {
+    const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));
+    Message += Format("; statement: %s%s", Shown, Shown.size() < Statement.size() ? "..." : "");
+  }
+  throw EDatabaseError(Message);
+}
+
+std::string QuoteSQLiteName(std::string_view Name) {
+  std::string Result = "\"";
+  for (const char C : Name) {
+    if (C == '"') Result += '"';
+    Result += C;
+  }
+  return Result += '"';
+}
+
+TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use)
+    : FDatabase(Database), FWhat(std::move(What)) {
+  const char* Rest = nullptr;
+  const unsigned Flags = Use == TUse::Often ? SQLITE_PREPARE_PERSISTENT : 0;
+  if (sqlite3_prepare_v3(Database, Text.data(), static_cast<int>(Text.size()), Flags, &FHandle, &Rest) != SQLITE_OK)
+    RaiseSQLiteError(Database, FWhat, Text);
+  FRest = Text.substr(static_cast<std::size_t>(Rest - Text.data()));
+}
+
+TSQLiteStatement::~TSQLiteStatement() { sqlite3_finalize(FHandle); }
+
+TSQLiteStatement& TSQLiteStatement::BindText(int Place, std::string_view Text) {
+  if (sqlite3_bind_text64(FHandle, Place, Text.empty() ? "" : Text.data(), Text.size(), SQLITE_TRANSIENT,
+                          SQLITE_UTF8) != SQLITE_OK)
+    RaiseSQLiteError(FDatabase, FWhat);
+  return *this;
+}
+
+bool TSQLiteStatement::Step() {
+  const int Code = sqlite3_step(FHandle);
+  if (Code == SQLITE_ROW) return true;
+  if (Code != SQLITE_DONE) RaiseSQLiteError(FDatabase, FWhat, sqlite3_sql(FHandle));
+  return false;
+}
+
+std::int64_t TSQLiteStatement::Integer(int Column) const { return sqlite3_column_int64(FHandle, Column); }
+
+std::string TSQLiteStatement::Text(int Column) const {
+  const unsigned char* Bytes = sqlite3_column_text(FHandle, Column);
+  const int Size = sqlite3_column_bytes(FHandle, Column);
+  return Bytes ? std::string(reinterpret_cast<const char*>(Bytes), static_cast<std::size_t>(Size)) : std::string();
+}
+
+}  // namespace velkrund

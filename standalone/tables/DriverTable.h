@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "standalone/drivers/Connection.h"
+#include "velkrund/platform/database/Tables.h"
+
+namespace velkrund {
+
+/// A table of a database that a driver reaches. What the walk and the append need is resolved once: a row costs one
+/// step of the engine, a value one decoding, and only if it is asked for.
+class TDriverTable final : public TODBCTable {
+ public:
+  /// Connection: borrowed; outlives the table. ReadWrite false: appending is an error.
+  TDriverTable(TConnection& Connection, const TTableInfo& Table, bool ReadWrite);
+  ~TDriverTable() override;
+
+  const std::string& TableName() const override { return FDescription.Table.Name; }
+  std::string SQLName() const override { return FConnection.SQLName(FDescription.Table); }
+  TRecord& Record() override;
+
+  std::int64_t RecordCount() override { return FConnection.RowCount(FDescription.Table); }
+  bool First() override;
+  bool Next() override;
+
+  void SetCanRecreateAutoSequence(bool Value) override { FAppendOptions.CanRecreateAutoSequence = Value; }
+  void BeginAppend() override;
+  void AppendRecord() override;
+  void EndAppend() override;
+
+  const TTableDescription& Description() const { return FDescription; }
+
+ private:
+  class TDriverField;
+  class TDriverRecord;
+
+  bool AssignedAsBefore() const;
+  void OpenAppender();
+
+  TConnection& FConnection;
+  TTableDescription FDescription;
+  bool FReadWrite;
+  std::unique_ptr<TDriverRecord> FRecord;
+
+  std::unique_ptr<TCursor> FCursor;  // open between First and the end of the walk
+  std::int64_t FRow = 0;             // counts rows over all walks; tells a field that its value is of an earlier one
+
+  bool FAppending = false;
+  TAppendOptions FAppendOptions;
+  std::unique_ptr<TBulkAppender> FAppender;  // made at the first record, when it is known what is assigned
+  std::vector<char> FAssigned;               // per field: part of the appender's columns
+  std::vector<const TKvVariant*> FValues;    // the buffers of these fields
+};
+
+}  // namespace velkrund

@@ -1,0 +1,111 @@
+#include "standalone/databases/Configuration.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/standalone/Support.h"
+
+namespace velkrund::tests {
+namespace {
+
+using testing::HasSubstr;
+
+/// Sets a variable of the environment, and how it was before again.
+class TVariable {
+ public:
+  TVariable(const char* Name, const std::string& Value) : FName(Name) {
+    if (const char* Before = std::getenv(Name)) FBefore = Before;
+    setenv(Name, Value.c_str(), 1);
+  }
+  TVariable(const TVariable&) = delete;
+  TVariable& operator=(const TVariable&) = delete;
+  ~TVariable() { FBefore ? setenv(FName, FBefore->c_str(), 1) : unsetenv(FName); }
+
+ private:
+  const char* FName;
+  std::optional<std::string> FBefore;
+};
+
+TEST(ConfigurationTest, ReadsEveryKey) {
+  TTemporaryFolder Folder;
+  const TVariable Password("VELKRUND_TEST_PASSWORD", "a}b${c");
+  const TConfiguration Read = LoadConfiguration(Folder.Write("velkrund.toml", R"(
+default_database = "shop"
+code_page = 1250
+strict_values = false
+strict_text = true
+work_as_17_version = true
+language = "ru"
+busy_seconds = 0.5
+trace = { level = "info", file = "t.log" }
+[database.shop]
+url = "sqlite:shop.db"
+[database."имя"]
+url = "postgresql://u:${VELKRUND_TEST_PASSWORD}@h"
+)"));
+  EXPECT_EQ(Read.DefaultDatabase, "shop");
+  EXPECT_EQ(Read.CodePage, 1250);
+  EXPECT_FALSE(Read.StrictValues);
+  EXPECT_TRUE(Read.StrictText);
+  EXPECT_TRUE(Read.WorkAs17Version);
+  EXPECT_EQ(Read.Language, "ru");
+  EXPECT_EQ(Read.BusyTime, std::chrono::milliseconds(500));
+  EXPECT_EQ(Read.TraceLevel, TTraceLevelSetting::Info);
+  EXPECT_EQ(Read.TraceFile, Folder / "t.log");
+  EXPECT_EQ(Read.Databases.at("shop").Url, "sqlite:shop.db");
+  EXPECT_EQ(Read.Databases.at("имя").Url, "postgresql://u:a}b${c@h");
+}
+
+TEST(ConfigurationTest, SaysFileLineAndKeyOfWhatIsWrong) {
+  struct TCase {
+    const char* Content;
+    const char* Error;  // behind the file's name
+  };
+  const TCase Cases[] = {
+      {"\ndefault_databse = 'x'", ", line 2, key 'default_databse': the key is unknown"},
+      {"default_database = 5", ", line 1, key 'default_database': a text is needed"},
+      {"strict_values = 'yes'", ", line 1, key 'strict_values': true or false is needed"},
+      {"code_page = 1200", ", line 1, key 'code_page': a code page of 1250 .. 1258 is needed"},
+      {"busy_seconds = -1", ", line 1, key 'busy_seconds': a number of seconds of 0 .. 86400 is needed"},
+      {"busy_seconds = nan", ", line 1, key 'busy_seconds': a number of seconds of 0 .. 86400 is needed"},
+      {"trace = 'info'", ", line 1, key 'trace': a table is needed"},
+      {"[trace]\nlevel = 'loud'", ", line 2, key 'trace.level': off, error, info or detail is needed"},
+      {"[database]\nshop = 'sqlite:x'", ", line 2, key 'database.shop': a table is needed"},
+      {"[database.shop]", ", line 1, key 'database.shop': the key 'url' is missing"},
+      {"[database.shop]\nurl = 'shop.db'",
+       ", line 2, key 'database.shop.url': 'shop.db' is no database address (SCHEME:...)"},
+      {"[database.shop]\nurl = 'pg://${VELKRUND_TEST_UNSET}@h'",
+       ", line 2, key 'database.shop.url': the environment variable VELKRUND_TEST_UNSET is not set"},
+      {"[database.shop]\nurl = 'sqlite:x'\npasword = 'x'", ", line 3, key 'database.shop.pasword': the key is unknown"},
+      {"strict_values = true\nstrict_values = ", ", line 2: "},
+  };
+  TTemporaryFolder Folder;
+  for (const TCase& Case : Cases) {
+    const std::string Path = Folder.Write("velkrund.toml", Case.Content);
+    EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Path); }), HasSubstr("EConfigurationError: " + Path + Case.Error));
+  }
+  EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Folder / "none.toml"); }), HasSubstr("it is no file"));
+}
+
+TEST(ConfigurationTest, IsLookedForFromTheNearestPlaceOn) {
+  TTemporaryFolder Folder;
+  std::filesystem::create_directories(Folder / "user/velkrund");
+  std::filesystem::create_directories(Folder / "work");
+  const std::filesystem::path Before = std::filesystem::current_path();
+  std::filesystem::current_path(Folder / "work");
+  {
+    const TVariable User("XDG_CONFIG_HOME", Folder / "user");
+    const TVariable Unset("VELKRUND_CONFIG", "");
+    EXPECT_EQ(FindConfiguration(), std::nullopt);
+    Folder.Write("user/velkrund/velkrund.toml", "");
+    EXPECT_EQ(FindConfiguration(), Folder / "user/velkrund/velkrund.toml");
+    Folder.Write("work/velkrund.toml", "");
+    EXPECT_EQ(FindConfiguration(), "velkrund.toml");
+    const TVariable Named("VELKRUND_CONFIG", "named.toml");
+    EXPECT_EQ(FindConfiguration(), "named.toml");
+    EXPECT_EQ(FindConfiguration("given.toml"), "given.toml");
+  }
+  std::filesystem::current_path(Before);
+}
+
+}  // namespace
+}  // namespace velkrund::tests

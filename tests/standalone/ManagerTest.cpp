@@ -1,0 +1,185 @@
+#include <gmock/gmock.h>
+
+#include "standalone/databases/StandaloneManager.h"
+#include "standalone/drivers/DatabaseUrl.h"
+#include "standalone/tables/MemoryTable.h"
+#include "tests/standalone/Support.h"
+
+namespace velkrund::tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class ManagerTest : public testing::Test {
+ protected:
+  ManagerTest() {
+    Manager.Databases().SetCreateMissing(true);
+    Manager.Databases().SetDefaultDatabase("shop");
+    Manager.ExecuteSQL("CREATE TABLE T (N INTEGER)", "");
+  }
+
+  TConfiguration Configured() const {
+    TConfiguration Result;
+    Result.FileName = "velkrund.toml";
+    Result.Folder = Folder / "";
+    Result.Databases["shop"] = {"sqlite:shop.db"};
+    Result.Databases["secret"] = {"postgresql://me:pa@ss@host/db"};
+    Result.TraceLevel = TTraceLevelSetting::Detail;
+    Result.TraceFile = Folder / "trace.log";
+    return Result;
+  }
+  std::int64_t Insert(int Number) {
+    return Manager.ExecuteSQL("INSERT INTO T VALUES (" + std::to_string(Number) + ")", "shop");
+  }
+  std::int64_t Count() { return Manager.GetUserTable("t", "shop", false)->RecordCount(); }
+
+  TTemporaryFolder Folder;
+  TStandaloneManager Manager{Configured()};
+};
+
+TEST_F(ManagerTest, TransactionsCountAndAnInnerRollBackDoomsTheOuter) {
+  constexpr TIsolationLevel Level = TIsolationLevel::RepeatableRead;
+  Manager.StartTransaction("shop", Level);
+  Insert(1);
+  Manager.StartTransaction("", Level);
+  Insert(2);
+  Manager.CommitTransaction("sqlite:" + Folder / "./shop.db");
+  Manager.RollbackTransaction("shop");
+  EXPECT_EQ(Count(), 0) << "the inner commit reached the engine";
+
+  Manager.StartTransaction("shop", Level);
+  Insert(1);
+  Manager.StartTransaction("shop", Level);
+  Manager.RollbackTransaction("shop");
+  EXPECT_EQ(Count(), 1) << "the inner roll back reached the engine";
+  EXPECT_THAT(ErrorOf([&] { Manager.CommitTransaction("shop"); }), HasSubstr("rolled back instead of committed"));
+  EXPECT_EQ(Count(), 0);
+
+  Manager.StartTransaction("shop", Level);
+  Insert(3);
+  Manager.CommitTransaction("shop");
+  EXPECT_EQ(Count(), 1) << "the doom outlived its transaction";
+  for (const auto End : {&TStandaloneManager::CommitTransaction, &TStandaloneManager::RollbackTransaction})
+    EXPECT_THAT(ErrorOf([&] { (Manager.*End)("shop"); }), HasSubstr("no transaction has been started"));
+}
+
+TEST_F(ManagerTest, ACommitThatFailsRollsBack) {
+  Manager.ExecuteSQL("PRAGMA foreign_keys = ON", "shop");
+  Manager.ExecuteSQL("CREATE TABLE P (K INTEGER PRIMARY KEY)", "shop");
+  Manager.ExecuteSQL("CREATE TABLE C (K INTEGER REFERENCES P DEFERRABLE INITIALLY DEFERRED)", "shop");
+  Manager.StartTransaction("shop", TIsolationLevel::RepeatableRead);
+  Manager.ExecuteSQL("INSERT INTO C VALUES (1)", "shop");
+  EXPECT_THAT(ErrorOf([&] { Manager.CommitTransaction("shop"); }), HasSubstr("FOREIGN KEY constraint failed"));
+  EXPECT_EQ(Manager.GetUserTable("C", "shop", false)->RecordCount(), 0);
+  Manager.StartTransaction("shop", TIsolationLevel::RepeatableRead);
+  Manager.RollbackTransaction("shop");
+}
+
+TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
+  struct TCase {
+    std::string Name;
+    std::string Error;
+  };
+  const TCase Cases[] = {
+      {"", "no error"},
+      {"shop", "no error"},
+      {"SQLITE:" + Folder / "shop.db", "no error"},
+      {"Shop", "EDatabaseError: The database 'Shop' is not in velkrund.toml, and it is no address (SCHEME:...)"},
+      {"secret", "EDatabaseError: The database 'secret' has the unknown scheme 'postgresql'; known are: sqlite"},
+      {"odbc:DSN=x;PWD=geheim",
+       "EDatabaseError: The database 'odbc:DSN=x;PWD=***' has the unknown scheme 'odbc'; known are: sqlite"},
+  };
+  for (const TCase& Case : Cases) EXPECT_EQ(ErrorOf([&] { Manager.GetUserTable("T", Case.Name, true); }), Case.Error);
+  EXPECT_TRUE(Manager.Databases().IsSameDatabase("shop", "sqlite:" + Folder / "x/../shop.db"));
+  EXPECT_FALSE(Manager.Databases().IsSameDatabase("shop", "sqlite:" + Folder / "other.db"));
+  Manager.Databases().SetDefaultDatabase("");
+  EXPECT_EQ(ErrorOf([&] { Manager.Tables(""); }),
+            "EDatabaseError: No database is named, and there is no default database");
+}
+
+TEST_F(ManagerTest, DeleteIsAcceptedInBothSpellings) {
+  for (const char* Statement : {"DELETE FROM T", "delete  *\r\n from T", " DELETE * FROM \"T\" WHERE N > 0"}) {
+    Insert(1), Insert(2);
+    EXPECT_EQ(Manager.ExecuteSQL(Statement, "shop"), 2) << Statement;
+  }
+  EXPECT_THAT(ErrorOf([&] { Manager.ExecuteSQL("DELETE * T", "shop"); }), HasSubstr("syntax error"));
+}
+
+TEST_F(ManagerTest, TablesThatAreNotThereAreNull) {
+  EXPECT_EQ(Manager.GetUserTable("NONE", "shop", true), nullptr);
+  EXPECT_EQ(Manager.GetUserTable("sqlite_schema", "shop", true), nullptr);
+  auto Table = Manager.GetUserTable("T", "shop", false);
+  EXPECT_NE(dynamic_cast<TODBCTable*>(Table.get()), nullptr);
+  EXPECT_THAT(ErrorOf([&] { Table->BeginAppend(); }), HasSubstr("open for reading only"));
+  EXPECT_THAT(ErrorOf([&] { Table->FieldByName("N").Value(); }), HasSubstr("stands on no row"));
+}
+
+TEST_F(ManagerTest, InfoTextsAndTrace) {
+  Insert(5);
+  Manager.ExecuteSQL("CREATE VIEW V AS SELECT N FROM T", "shop");
+  const TDatabaseInfo Info = Manager.DatabaseInfo("shop");
+  EXPECT_EQ(Info.Engine, "SQLite");
+  ASSERT_EQ(Info.Tables.size(), 2U);
+  EXPECT_EQ(Info.Tables[0].Rows, 1);
+  EXPECT_GT(Info.Tables[0].Bytes.value(), 0);
+  EXPECT_EQ(Info.Tables[1].Rows, std::nullopt);
+
+  EXPECT_EQ(Manager.LString("M_KEY"), "M_KEY");
+  Manager.SetLookUpText([](std::string_view Key) { return std::optional("[" + std::string(Key) + "]"); });
+  EXPECT_EQ(Manager.LString("M_KEY"), "[M_KEY]");
+
+  Manager.WriteTrace("Velkrund", TTraceLevel::Info, "100% {done}");
+  EXPECT_THAT(Folder.Read("trace.log"), HasSubstr(" info Velkrund: 100% {done}\n"));
+  EXPECT_THAT(Folder.Read("trace.log"), HasSubstr(" debug Databases: INSERT INTO T VALUES (5)\n"));
+}
+
+TEST(DatabaseUrlTest, AddressesAreCutAndSecretsMasked) {
+  struct TCase {
+    std::string Text;
+    std::string Cut;  // "scheme rest"; empty: no address
+    std::string Shown;
+  };
+  const TCase Cases[] = {
+      {"sqlite:a%20b.db", "sqlite a%20b.db", "sqlite:a%20b.db"},
+      {"SQLite::memory:", "sqlite :memory:", "SQLite::memory:"},
+      {"c:/data", "", "c:/data"},
+      {"shop", "", "shop"},
+      {"my shop:x", "", "my shop:x"},
+      {"postgresql://u:p@q@h:5/d?a=b@c", "postgresql //u:p@q@h:5/d?a=b@c", "postgresql://u:***@h:5/d?a=b@c"},
+      {"postgresql://u@h/d", "postgresql //u@h/d", "postgresql://u@h/d"},
+      {"postgresql://h/d?password=x&user=u", "postgresql //h/d?password=x&user=u",
+       "postgresql://h/d?password=***&user=u"},
+      {"odbc:Pwd={a;b};UID=u", "odbc Pwd={a;b};UID=u", "odbc:Pwd=***;UID=u"},
+      {"sqlite:/a//u:b@c", "sqlite /a//u:b@c", "sqlite:/a//u:b@c"},
+  };
+  for (const TCase& Case : Cases) {
+    SCOPED_TRACE(Case.Text);
+    const std::optional<TDatabaseUrl> Url = ParseDatabaseUrl(Case.Text);
+    EXPECT_EQ(Url ? Url->Scheme + " " + Url->Rest : "", Case.Cut);
+    EXPECT_EQ(WithoutSecrets(Case.Text), Case.Shown);
+  }
+}
+
+TEST(MemoryTableTest, WhatIsAppendedIsWalkedAndNothingBeforeTheEnd) {
+  TMemoryTable Table("M", {{"A", TKvKind::Int64}, {"B", TKvKind::String}});
+  EXPECT_FALSE(Table.First());
+  for (const bool Ended : {false, true}) {
+    Table.BeginAppend();
+    for (int I = 1; I <= 2; ++I) {
+      Table.ClearData();
+      Table.FieldByName("a").Buffer().SetInteger(I);
+      Table.AppendRecord();
+    }
+    if (Ended) Table.EndAppend();
+    EXPECT_EQ(Table.RecordCount(), Ended ? 2 : 0);
+  }
+  std::vector<std::string> Walked;
+  for (bool Found = Table.First(); Found; Found = Table.Next())
+    Walked.push_back(Shown(Table.FieldByName("A").Value()) + "|" + Shown(Table.FieldByName("B").Value()));
+  EXPECT_THAT(Walked, ElementsAre("18 1|0 ", "18 2|0 "));
+  EXPECT_THAT(ErrorOf([&] { Table.FieldByName("A").Value(); }), HasSubstr("stands on no row"));
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+namespace velkrund::tests {
+
+/// A folder of its own, gone with the object.
+class TTemporaryFolder {
+ public:
+  TTemporaryFolder() {
+    std::string Pattern = (std::filesystem::temp_directory_path() / "velkrund-XXXXXX").string();
+    if (!mkdtemp(Pattern.data())) throw std::runtime_error("no temporary folder");
+    FPath = Pattern;
+  }
+  TTemporaryFolder(const TTemporaryFolder&) = delete;
+  TTemporaryFolder& operator=(const TTemporaryFolder&) = delete;
+  ~TTemporaryFolder() {
+    std::error_code Ignored;
+    std::filesystem::remove_all(FPath, Ignored);
+  }
+
+  std::string operator/(const std::string& Name) const { return (FPath / Name).string(); }
+
+  std::string Write(const std::string& Name, const std::string& Content) const {
+    std::ofstream(*this / Name, std::ios::binary) << Content;
+    return *this / Name;
+  }
+  std::string Read(const std::string& Name) const {
+    std::ifstream File(*this / Name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(File), {}};
+  }
+
+ private:
+  std::filesystem::path FPath;
+};
+
+}  // namespace velkrund::tests

@@ -1,0 +1,15 @@
+#include "hosts/cli/Commands.h"
+
+namespace velkrund {
+
+TCommands AllCommands() {
+  TCommands Result;
+  Result.push_back(MakeExportTable());
+  Result.push_back(MakeImportTable());
+  Result.push_back(MakeFileList());
+  Result.push_back(MakeFileRemove());
+  Result.push_back(MakeDatabaseInfo());
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "hosts/cli/Commands.h"
+
+namespace velkrund {
+
+/// The program's help: all commands. Verb: only those of that verb; empty: all.
+std::string ProgramHelp(const TCommands& Commands, std::string_view Verb = {});
+/// One command's help: purpose, usage, options by group, examples.
+std::string CommandHelp(const TCommand& Command, const std::vector<TOptionGroup>& Options);
+
+}  // namespace velkrund

@@ -1,0 +1,230 @@
+#include <algorithm>
+#include <optional>
+
+#include "hosts/cli/Batch.h"
+#include "hosts/cli/Commands.h"
+#include "hosts/cli/InputFile.h"
+#include "hosts/cli/Sections.h"
+#include "hosts/cli/Session.h"
+#include "hosts/cli/Texts.h"
+#include "velkrund/dictionary/TableDataOperations.h"
+#include "velkrund/eif/EIErrors.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+const TCommandTexts ImportTableTexts = {
+    "import",
+    "table",
+    "loads table data sections of an export/import file into tables",
+    "-d DB -i FILE [-t TABLE] [--section NAME|INDEX] [--replace|--append]",
+    "Without --section every table data section of the file is loaded, each into the table that it names. A table is "
+    "loaded in one transaction: after an error, or when the import is cancelled, it is as it was before.\n\n"
+    "A table that has rows already needs --replace or --append. At a terminal it is asked about, elsewhere it is an "
+    "error, before anything is changed.",
+    {{"import table -d sqlite:shop.db -i orders.eif --replace", "every table of the file, emptied first"},
+     {"import table -d sqlite:shop.db -i shop.eif --section ORDERS -t ORDERS_OLD --append",
+      "one section into a table of another name"},
+     {"zcat shop.eif.gz | velkrund import table -d shop -i - --replace", "through a pipe"}}};
+
+enum class TRowsThere { Ask, Replace, Append };
+
+struct TStep {
+  int Index = 0;
+  std::string Table;
+  std::int64_t Rows = 0;  // that are there; counted only where it matters
+  bool Append = false;
+  bool LeaveOut = false;
+};
+
+class TImportTable final : public TCommand {
+ public:
+  const TCommandTexts& Texts() const override { return ImportTableTexts; }
+  std::vector<TOptionGroup> Options() override;
+  TApplicationOptions ApplicationOptions() const override;
+  bool ReadsStandardInput() const override { return FInput == "-"; }
+  int Run(TSession& Session) override;
+
+ private:
+  std::vector<TStep> Steps(const TSession& Session, TInputFile& Input, TReport& Report) const;
+  std::vector<int> Chosen(TInputFile& Input, TReport& Report) const;
+  void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
+  void Settle(const TSession& Session, std::vector<TStep>& Steps) const;
+  void Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps,
+              std::vector<TReportItem>& Items) const;
+  TRowsThere RowsThere() const;
+
+  std::string FInput, FTable;
+  std::vector<std::string> FSections, FFields;
+  bool FReplace = false, FAppend = false, FLenient = false, FCreate = false, FSkipMissing = true;
+};
+
+std::vector<TOptionGroup> TImportTable::Options() {
+  return {
+      {"Options",
+       {Shared.DatabaseOption(), Required(Text("-i,--input", "FILE", "the file to read; - is standard input", FInput)),
+        Text("-t,--table", "TABLE", "the table to load (default: the one that the section names)", FTable),
+        List("--section", "NAME|INDEX", "the section to load; a number is an index as file list shows it", FSections),
+        NotWith(Switch("--replace", "delete the rows that are there first", FReplace), {"--append"}),
+        Switch("--append", "keep the rows that are there", FAppend),
+        CommaList("--fields", "A,B", "only these fields", FFields),
+        Choice<bool>("--missing-fields",
+                     "fields of the file that the table lacks: pass over them, the report names them, or refuse the "
+                     "section (default: skip)",
+                     {{"skip", true}, {"error", false}}, FSkipMissing),
+        Switch("--lenient",
+               "values that can not be read become NULL, the report counts them. Without it they are an error",
+               FLenient),
+        Switch("--create", "make the database when it does not exist", FCreate), Shared.AllowLossOption(),
+        Shared.OnErrorOption()}},
+      Shared.General()};
+}
+
+TApplicationOptions TImportTable::ApplicationOptions() const {
+  TApplicationOptions Result = TCommand::ApplicationOptions();
+  Result.Lenient = FLenient;
+  Result.CreateDatabases = FCreate;
+  return Result;
+}
+
+TRowsThere TImportTable::RowsThere() const {
+  if (FReplace) return TRowsThere::Replace;
+  return FAppend ? TRowsThere::Append : TRowsThere::Ask;
+}
+
+/// The sections to load. What else the file holds is named in the report.
+std::vector<int> TImportTable::Chosen(TInputFile& Input, TReport& Report) const {
+  const TEISectionList& Sections = Input.File().Sections();
+  std::vector<int> Result;
+  for (const std::string& Text : FSections) {
+    const int Index = TheSection(Sections, Text, Input.Name());
+    if (!IsTableData(Sections[Index]))
+      throw EEIError(Format("In '%s' %s holds no table data", Input.Name(), SectionText(Sections, Index)));
+    if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
+  }
+  for (int Index = 0; FSections.empty() && Index < Sections.Count(); ++Index) {
+    if (IsTableData(Sections[Index]))
+      Result.push_back(Index);
+    else
+      Report.Notes.push_back("left out, being no table data: " + SectionText(Sections, Index));
+  }
+  if (Result.empty()) throw EEIError(Format("'%s' holds no table data section", Input.Name()));
+  if (Result.size() > 1 && !FTable.empty())
+    throw EUsage(
+        Format("--table names one table, but %d sections are to be loaded: choose one with --section", Result.size()));
+  return Result;
+}
+
+/// What would go wrong in silence: fields that nobody has.
+void TImportTable::CheckFields(TInputFile& Input, int Index, TTable& Table) const {
+  const std::optional<std::vector<std::string>> Names = FieldsOf(Input.File(), Index);
+  if (!Names) return;  // the import says what is wrong with the body
+  const TEISectionList& Sections = Input.File().Sections();
+  const auto InFile = [&](const std::string& Field) {
+    return std::any_of(Names->begin(), Names->end(), [&](const std::string& Name) { return SameText(Name, Field); });
+  };
+  for (const std::string& Field : FFields)
+    if (!InFile(Field))
+      throw EEIError(
+          Format("There is no field '%s' in %s: it has %s", Field, SectionText(Sections, Index), Joined(*Names)));
+  const std::vector<std::string>& Wanted = FFields.empty() ? *Names : FFields;
+  const auto InTable = [&](const std::string& Field) { return Table.FindField(Field) != nullptr; };
+  if (std::none_of(Wanted.begin(), Wanted.end(), InTable))
+    throw EEIError(Format("The table '%s' has none of the fields of %s: %s", Table.TableName(),
+                          SectionText(Sections, Index), Joined(Wanted)));
+}
+
+/// The sections with their tables. What is certain to fail ends the run before anything is changed.
+std::vector<TStep> TImportTable::Steps(const TSession& Session, TInputFile& Input, TReport& Report) const {
+  const TEISectionList& Sections = Input.File().Sections();
+  const TRowsThere Rows = RowsThere();
+  std::vector<TStep> Result;
+  for (const int Index : Chosen(Input, Report)) {
+    const std::string Name = FTable.empty() ? TableOf(Sections[Index]) : FTable;
+    const std::unique_ptr<TTable> Table = Session.Manager().GetUserTable(Name, Session.Database(), true);
+    if (!Table)
+      throw EDatabaseError(Format("There is no table '%s' in the database %s; it is wanted for %s", Name,
+                                  Report.Database, SectionText(Sections, Index)));
+    CheckFields(Input, Index, *Table);
+    TStep Step{Index, Table->TableName()};
+    // Of several sections for one table the later ones join the first one's rows.
+    const auto Same = [&](const TStep& Earlier) { return Earlier.Table == Step.Table; };
+    const bool Joins = std::any_of(Result.begin(), Result.end(), Same);
+    if (Rows == TRowsThere::Ask && !Joins) Step.Rows = Table->RecordCount();
+    Step.Append = Rows != TRowsThere::Replace || Joins;
+    Result.push_back(std::move(Step));
+  }
+  return Result;
+}
+
+/// Decides about rows that are there, before anything is changed.
+void TImportTable::Settle(const TSession& Session, std::vector<TStep>& Steps) const {
+  const std::string Options = "--replace to delete them first, or --append to keep them";
+  const auto RowsText = [](const TStep& Step) {
+    return Format("Table '%s' has %s", Step.Table, Counted(Step.Rows, "row"));
+  };
+  std::vector<std::string> Met;
+  for (const TStep& Step : Steps)
+    if (Step.Rows > 0) Met.push_back(RowsText(Step));
+  if (!Met.empty() && !Session.Answers.CanAsk()) Session.Answers.Ask({Joined(Met) + ".", {}, Options});
+  TRepeatedQuestion Question(Session.Answers);
+  for (TStep& Step : Steps) {
+    if (Step.Rows == 0) continue;
+    const TAnswer Answer =
+        Question.Ask({Format("%s. Delete them and put the file's in their place?", RowsText(Step)),
+                      {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Append, TAnswer::Cancel},
+                      Options});
+    Step.Append = Answer != TAnswer::Yes;
+    Step.LeaveOut = Answer == TAnswer::No;
+  }
+}
+
+void TImportTable::Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps,
+                          std::vector<TReportItem>& Items) const {
+  TUOImportTableDataInterface Interface;
+  Interface.SetDatabaseName(Session.Database());
+  Interface.SetSource(&Input.File());
+  Interface.SetFields(FFields);
+  Interface.SetSkipMissingFields(FSkipMissing);
+  TBatch Batch(Session, Input.File());
+  for (std::size_t I = 0; I < Steps.size(); ++I) {
+    const TStep& Step = Steps[I];
+    if (Step.LeaveOut) continue;
+    const std::int64_t Bytes = Input.File().Sections()[Step.Index].DataSize;
+    Interface.SetSectionNumber(Step.Index);
+    Interface.SetTableName(Step.Table);
+    Interface.SetAppend(Step.Append);
+    const bool More = std::any_of(Steps.begin() + static_cast<std::ptrdiff_t>(I) + 1, Steps.end(),
+                                  [](const TStep& Later) { return !Later.LeaveOut; });
+    const bool GoOn = Batch.Run(Items[I], Interface, {"bytes", Bytes}, More);
+    Items[I].Counts = static_cast<const TUOImportTableData&>(Interface.Operation()).Report;
+    Items[I].Bytes = Bytes;
+    if (!GoOn) break;
+  }
+}
+
+int TImportTable::Run(TSession& Session) {
+  TReport Report{"import table", "imported", Session.Application.DatabaseText(Session.Database()), FInput};
+  TInputFile Input(Session, FInput);
+  Input.Open();
+  if (Input.File().Losses().Any()) Report.Notes.emplace_back("warning: section headers hold malformed characters");
+  std::vector<TStep> Plan = Steps(Session, Input, Report);
+  Settle(Session, Plan);
+  for (const TStep& Step : Plan) {
+    Report.Items.push_back({Input.File().Sections()[Step.Index].Name(), Step.Table});
+    if (!Step.LeaveOut) continue;
+    Report.Items.back().State = TItemState::LeftOut;
+    Report.Items.back().Note = Format("the table keeps its %s", Counted(Step.Rows, "row"));
+  }
+  Import(Session, Input, Plan, Report.Items);
+  return Finish(Session, Report);
+}
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakeImportTable() { return std::make_unique<TImportTable>(); }
+
+}  // namespace velkrund

@@ -1,0 +1,68 @@
+#include "hosts/cli/InputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "hosts/cli/Interrupt.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+void FillFromPath(TSpool& Spool, const std::string& Path) {
+  const int Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (Descriptor < 0) {
+    if (TInterrupt::Requested()) throw EAbort("Cancelled while waiting for a pipe");
+    throw EFOpenError(Format("Can not open file '%s': %s", Path, std::generic_category().message(errno)));
+  }
+  try {
+    Spool.FillFrom(Descriptor, Path, &TInterrupt::Requested);
+  } catch (...) {
+    close(Descriptor);
+    throw;
+  }
+  close(Descriptor);
+}
+
+}  // namespace
+
+bool IsPipe(const std::string& Name) {
+  struct stat Status;
+  return Name == "-" || (stat(Name.c_str(), &Status) == 0 && !S_ISREG(Status.st_mode) && !S_ISDIR(Status.st_mode));
+}
+
+void OpenPlainly(TEIFile& File) {
+  try {
+    File.Open();
+  } catch (const std::nested_exception& Decorated) {
+    try {
+      Decorated.rethrow_nested();
+    } catch (const EFOpenError&) {
+      throw;
+    } catch (const std::exception&) {
+      // Told with all that is known about the place, below.
+    }
+    throw;
+  }
+}
+
+TInputFile::TInputFile(const TSession& Session, const std::string& Name) : FName(Name) {
+  if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(Session.Files());
+  FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : Session.Files());
+  FFile->SetFileName(Name == "-" ? "standard input" : Name);
+  FFile->SetReadonly(true);
+}
+
+void TInputFile::Open() {
+  if (FSpool && FName == "-") FSpool->FillFrom(STDIN_FILENO, "standard input", &TInterrupt::Requested);
+  if (FSpool && FName != "-") FillFromPath(*FSpool, FName);
+  OpenPlainly(*FFile);
+}
+
+}  // namespace velkrund

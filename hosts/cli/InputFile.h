@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "hosts/cli/Session.h"
+#include "hosts/common/Spool.h"
+#include "velkrund/eif/EIFile.h"
+
+namespace velkrund {
+
+/// "-", or a path that leads to a pipe or a device: nothing that can be read or written at a position.
+bool IsPipe(const std::string& Name);
+
+/// Opens the file. That it can not be opened at all is told by the plain error, without the story of its content.
+void OpenPlainly(TEIFile& File);
+
+/// An export/import file to read from, without a lock. What comes through a pipe is kept in a temporary file.
+class TInputFile {
+ public:
+  /// Name: a path, or "-" for standard input.
+  TInputFile(const TSession& Session, const std::string& Name);
+  /// Reads the headers. Of a faulty file those before the fault are there when the error comes.
+  void Open();
+  TEIFile& File() { return *FFile; }
+  /// For messages.
+  const std::string& Name() const { return FFile->FileName(); }
+
+ private:
+  std::string FName;
+  std::unique_ptr<TSpool> FSpool;  // null: a file of its own
+  std::unique_ptr<TEIFile> FFile;
+};
+
+}  // namespace velkrund

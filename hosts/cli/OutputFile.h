@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hosts/cli/Session.h"
+#include "hosts/common/Spool.h"
+#include "velkrund/eif/EIFile.h"
+
+namespace velkrund {
+
+/// An export/import file to add sections to: one that exists, locked against other writers, or a new one, or a pipe.
+/// What was written is safe after Finish. A file that was made here and got no section is removed again.
+class TOutputFile {
+ public:
+  /// Opens the file or makes it. Name: a path, or "-" for standard output. A file that is there and is no export/import
+  /// file is refused.
+  TOutputFile(const TSession& Session, const std::string& Name);
+  TOutputFile(const TOutputFile&) = delete;
+  TOutputFile& operator=(const TOutputFile&) = delete;
+  ~TOutputFile();
+
+  TEIFile& File() { return *FFile; }
+  /// For messages.
+  const std::string& Name() const { return FFile->FileName(); }
+  /// Takes the sections with these indexes out again and hands everything to the disk, or to the pipe. Nothing can be
+  /// added afterwards. Canceled: raises EAbort; what was added stays, and so do the sections.
+  void Finish(const std::vector<int>& Replaced, const TSpool::TCanceled& Canceled);
+
+ private:
+  void OpenFile();
+  void RefuseForeignFile();
+  /// An editor may have taken the last line end away; a section must not begin on that line.
+  void EndLastLine();
+
+  const TSession& FSession;
+  std::string FName;
+  bool FCreated = false;
+  std::unique_ptr<TSpool> FSpool;  // null: a file of its own
+  std::unique_ptr<TEIFile> FFile;
+};
+
+}  // namespace velkrund

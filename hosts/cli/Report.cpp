@@ -1,0 +1,128 @@
+#include "hosts/cli/Report.h"
+
+#include <algorithm>
+
+#include "hosts/cli/ExitCodes.h"
+#include "hosts/cli/Texts.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+const char* StateText(TItemState State) {
+  switch (State) {
+    case TItemState::Done:
+      return "done";
+    case TItemState::LeftOut:
+      return "left out";
+    case TItemState::Failed:
+      return "failed";
+    case TItemState::Cancelled:
+      return "cancelled";
+    case TItemState::NotReached:
+      break;
+  }
+  return "not reached";
+}
+
+std::string AmountText(std::int64_t Rows, std::int64_t Bytes, double Seconds) {
+  return Format("%s, %s, %s", Counted(Rows, "row"), ByteText(static_cast<double>(Bytes)), DurationText(Seconds));
+}
+
+/// What a person has to know about a section that is otherwise done.
+std::vector<std::string> Warnings(const TReportItem& Item) {
+  std::vector<std::string> Result;
+  if (Item.Counts.NullsMade > 0)
+    Result.push_back(Counted(Item.Counts.NullsMade, "value") + " could not be read and became NULL");
+  if (Item.Losses.Unrepresentable > 0)
+    Result.push_back(Counted(Item.Losses.Unrepresentable, "character") + " lost: the code page does not have them");
+  if (Item.Losses.Malformed > 0)
+    Result.push_back(Counted(Item.Losses.Malformed, "malformed character") + " replaced by U+FFFD");
+  if (!Item.Counts.SkippedFields.empty())
+    Result.push_back("the table lacks these fields, which were left out: " + Joined(Item.Counts.SkippedFields));
+  return Result;
+}
+
+TJson ItemJson(const TReportItem& Item) {
+  TJson Result;
+  Result["section"] = Item.Section;
+  Result["table"] = Item.Table;
+  Result["state"] = StateText(Item.State);
+  if (!Item.Note.empty()) Result[Item.State == TItemState::Failed ? "error" : "note"] = Item.Note;
+  if (Item.State != TItemState::Done) return Result;
+  Result["rows"] = Item.Counts.RowCount;
+  Result["bytes"] = Item.Bytes;
+  Result["seconds"] = Item.Seconds;
+  Result["nullsMade"] = Item.Counts.NullsMade;
+  Result["charactersLost"] = Item.Losses.Unrepresentable;
+  Result["malformedCharacters"] = Item.Losses.Malformed;
+  Result["skippedFields"] = Item.Counts.SkippedFields;
+  return Result;
+}
+
+struct TTotals {
+  std::int64_t Sections = 0, Rows = 0, Bytes = 0;
+  double Seconds = 0;
+};
+
+TTotals Totals(const std::vector<TReportItem>& Items) {
+  TTotals Result;
+  for (const TReportItem& Item : Items) {
+    if (Item.State != TItemState::Done) continue;
+    ++Result.Sections;
+    Result.Rows += Item.Counts.RowCount;
+    Result.Bytes += Item.Bytes;
+    Result.Seconds += Item.Seconds;
+  }
+  return Result;
+}
+
+}  // namespace
+
+int TReport::ExitCode() const {
+  const auto Any = [this](TItemState State) {
+    return std::any_of(Items.begin(), Items.end(), [=](const TReportItem& Item) { return Item.State == State; });
+  };
+  if (!Error.empty() || Any(TItemState::Failed)) return ExitFailed;
+  return !Cancelled.empty() || Any(TItemState::Cancelled) ? ExitCancelled : ExitDone;
+}
+
+std::string TReport::Text() const {
+  std::string Result;
+  for (const TReportItem& Item : Items) {
+    const bool IsDone = Item.State == TItemState::Done;
+    Result +=
+        Format("%s table %s, section '%s'", IsDone ? Done.c_str() : StateText(Item.State), Item.Table, Item.Section);
+    if (IsDone) Result += ": " + AmountText(Item.Counts.RowCount, Item.Bytes, Item.Seconds);
+    if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
+    Result += "\n";
+    if (IsDone)
+      for (const std::string& Warning : Warnings(Item)) Result += "  warning: " + Warning + "\n";
+  }
+  if (!Cancelled.empty()) Result += Cancelled + "\n";
+  for (const std::string& Note : Notes) Result += Note + "\n";
+  const TTotals All = Totals(Items);
+  if (All.Sections > 1)
+    Result += Format("in all %s: %s\n", Counted(All.Sections, "section"), AmountText(All.Rows, All.Bytes, All.Seconds));
+  return Result;
+}
+
+TJson TReport::Json() const {
+  const TTotals All = Totals(Items);
+  TJson Result;
+  Result["command"] = Command;
+  Result["database"] = Database;
+  Result["file"] = File;
+  Result["exitCode"] = ExitCode();
+  Result["sections"] = TJson::array();
+  for (const TReportItem& Item : Items) Result["sections"].push_back(ItemJson(Item));
+  Result["notes"] = Notes;
+  if (!Error.empty()) Result["error"] = Error;
+  Result["rows"] = All.Rows;
+  Result["bytes"] = All.Bytes;
+  Result["seconds"] = All.Seconds;
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "hosts/cli/Json.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/ormtools/LineReader.h"
+
+namespace velkrund {
+
+enum class TItemState {
+  Done,
+  LeftOut,  // because of an answer, given by option or by a person
+  Failed,
+  Cancelled,
+  NotReached,  // the run ended before
+};
+
+/// What became of one section.
+struct TReportItem {
+  std::string Section = {};
+  std::string Table = {};
+  TItemState State = TItemState::NotReached;
+  std::string Note = {};   // why it was left out, or the error
+  std::int64_t Bytes = 0;  // of the section's body
+  double Seconds = 0;
+  TTableDataReport Counts = {};
+  TTextLosses Losses = {};
+};
+
+/// The end report of a run over sections: lines for people, a document for programs, and the exit code.
+struct TReport {
+  std::string Command;  // "export table"
+  std::string Done;     // "exported"
+  std::string Database, File;
+  std::vector<TReportItem> Items = {};
+  std::vector<std::string> Notes = {};  // about the run as a whole
+  std::string Error = {};               // what ended the run besides the items
+  std::string Cancelled = {};           // the same
+
+  int ExitCode() const;
+  std::string Text() const;
+  TJson Json() const;
+};
+
+}  // namespace velkrund

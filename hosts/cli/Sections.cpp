@@ -1,0 +1,77 @@
+#include "hosts/cli/Sections.h"
+
+#include <algorithm>
+
+#include "hosts/cli/Texts.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr int ShownInMessages = 20;
+
+/// What a file holds, for messages.
+std::string ContentText(const TEISectionList& Sections) {
+  if (Sections.Count() == 0) return "it holds no section";
+  std::vector<std::string> Texts;
+  for (int Index = 0; Index < std::min(Sections.Count(), ShownInMessages); ++Index)
+    Texts.push_back(SectionText(Sections, Index));
+  const int More = Sections.Count() - ShownInMessages;
+  return "it holds " + Joined(Texts) + (More > 0 ? Format(" and %d more", More) : "");
+}
+
+}  // namespace
+
+bool IsTableData(const TEISection& Section) { return Section.ObjectClass.Role() == TSectionRole::TableData; }
+
+std::string SectionText(const TEISectionList& Sections, int Index) {
+  const TEISection& Section = Sections[Index];
+  return Format("section %d '%s' (%s)", Index, Section.Name(), Section.TypeName());
+}
+
+std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string& Name) {
+  std::vector<int> Result;
+  for (int Index = 0; Index < Sections.Count(); ++Index)
+    if (SameText(Sections[Index].Name(), Name)) Result.push_back(Index);
+  return Result;
+}
+
+int TheSection(const TEISectionList& Sections, const std::string& Text, const std::string& FileName) {
+  const bool IsNumber = std::all_of(Text.begin(), Text.end(), [](char C) { return C >= '0' && C <= '9'; });
+  if (IsNumber) {
+    const std::optional<std::int32_t> Index = StrToInt32(Text);
+    if (Index && *Index < Sections.Count()) return *Index;
+    throw EEIError(Format("'%s' has no section with the index %s: %s", FileName, Text, ContentText(Sections)));
+  }
+  const std::vector<int> Found = SectionsNamed(Sections, Text);
+  if (Found.size() == 1) return Found.front();
+  if (Found.empty()) throw EEIError(Format("'%s' has no section '%s': %s", FileName, Text, ContentText(Sections)));
+  std::vector<std::string> Texts;
+  for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
+  throw EEIError(Format("'%s' has several sections of that name, choose by index: %s", FileName, Joined(Texts)));
+}
+
+std::string TableOf(const TEISection& Section) {
+  const int Index = Section.FParameters.IndexOf("TableName");
+  return Index < 0 ? std::string() : Section.FParameters.ParamValues(Index);
+}
+
+std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {
+  const TEISection& Section = Source.Sections()[Index];
+  std::vector<std::string> Result;
+  bool InFields = false;
+  Source.Stream().SetPosition(Section.DataPosition);
+  while (Source.Stream().Position() < Section.DataPosition + Section.DataSize) {
+    const std::string_view Line = Trim(Source.ReadlnString(Section.Encoding()));
+    if (InFields && Line == "[RECORDS]") return Result;
+    if (InFields) Result.emplace_back(Line);
+    InFields = InFields || Line == "[FIELDS]";
+  }
+  return std::nullopt;
+}
+
+}  // namespace velkrund

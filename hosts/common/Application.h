@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "standalone/databases/StandaloneManager.h"
+#include "velkrund/platform/database/Platform.h"
+
+namespace velkrund {
+
+/// What a host decides about the platform that it starts.
+struct TApplicationOptions {
+  std::string ConfigFile;        // empty: looked for in the usual places
+  bool Trace = false;            // trace everything, whatever the configuration says
+  bool StrictText = true;        // characters that an encoding can not hold are errors
+  bool Lenient = false;          // values that can not be parsed become NULL, whatever the configuration says
+  bool CreateDatabases = false;  // databases that do not exist are made
+};
+
+/// A running host: reads the configuration, builds the stand-alone platform from it, installs it, and starts the
+/// module. There is one at a time; with its end the platform is taken away again.
+class TApplication {
+ public:
+  /// MessageBoxes: borrowed; answers the questions of operations. Raises EConfigurationError.
+  TApplication(const TApplicationOptions& Options, TMessageBoxService& MessageBoxes);
+
+  TStandaloneManager& Manager() { return FManager; }
+  /// What people may see of a database: its name, and the address behind it, without passwords.
+  std::string DatabaseText(const std::string& Name) const;
+
+ private:
+  TStandaloneManager FManager;
+  TPlatformGuard FPlatform;
+};
+
+/// The version of this build, such as "1.2.3".
+std::string_view VelkrundVersion();
+
+}  // namespace velkrund

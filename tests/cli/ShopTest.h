@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tests/cli/CommandTest.h"
+
+namespace velkrund::tests {
+
+/// A folder with shop.db: A with three rows, B with two, and with empty.db: the same tables without rows.
+class TShopTest : public TCommandTest {
+ protected:
+  static constexpr const char* Tables =
+      "CREATE TABLE A (ID INTEGER PRIMARY KEY, NAME TEXT, PRICE DECIMAL(12,2), BIN BLOB, AT TIMESTAMP);"
+      "CREATE TABLE B (ID INTEGER PRIMARY KEY, X REAL);";
+
+  TShopTest() {
+    Query("shop.db", std::string(Tables) +
+                         "INSERT INTO A VALUES (1, 'Smith|Sons #1', 12.5, x'0A00FF', '2024-02-29 23:59:59'),"
+                         "  (2, char(10, 9) || 'Анна', -0.01, x'', NULL), (3, '', NULL, NULL, '1999-12-31 00:00:00.5');"
+                         "INSERT INTO B VALUES (1, 0.1), (2, 1e300);");
+    Query("empty.db", Tables);
+  }
+
+  /// Every cell with its type and its bytes.
+  std::string Exact(const std::string& Database, const std::string& Table) const {
+    return Query(Database, Table == "A"
+                               ? "SELECT typeof(ID), ID, typeof(NAME), hex(NAME), typeof(PRICE), quote(PRICE), "
+                                 "quote(BIN), quote(AT) FROM A ORDER BY ID"
+                               : "SELECT ID, typeof(X), quote(X) FROM B ORDER BY ID");
+  }
+  std::string Counts(const std::string& Database) const {
+    return Query(Database, "SELECT (SELECT count(*) FROM A), (SELECT count(*) FROM B)");
+  }
+};
+
+}  // namespace velkrund::tests

@@ -1,0 +1,74 @@
+#include "tests/cli/CommandTest.h"
+
+namespace velkrund::tests {
+namespace {
+
+using TUsageTest = TCommandTest;
+using testing::Test;
+
+struct TWrongLine {
+  TArguments Arguments;
+  std::string Says;
+};
+
+TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
+  const TWrongLine Lines[] = {
+      {{}, "export, import, file, database"},
+      {{"exprot", "table"}, "did you mean 'export'?"},
+      {{"export"}, "say what to do: table"},
+      {{"export", "tabel"}, "did you mean 'table'?"},
+      {{"export", "table", "--tabel", "A"}, "did you mean '--table'?"},
+      {{"export", "table", "--zzzzzz"}, "'--zzzzzz' is not understood"},
+      {{"export", "table", "-t", "A"}, "--output is required"},
+      {{"export", "table", "-o", "F"}, "--table NAME or --all"},
+      {{"export", "table", "-o", "F", "-t"}, "--table takes exactly one value"},
+      {{"export", "table", "-o", "F", "-o", "G", "--all"}, "--output takes exactly one value"},
+      {{"export", "table", "-o", "F", "--all", "-t", "A"}, "--table and --all contradict"},
+      {{"export", "table", "-o", "F", "-t", "A", "--add", "--overwrite", "no"}, "--add and --overwrite contradict"},
+      {{"export", "table", "-o", "F", "-t", "A", "--overwrite", "maybe"}, "--overwrite takes ask|yes|no, not 'maybe'"},
+      {{"export", "table", "-o", "F", "-t", "A", "--encoding", "utf8", "--release", "rv17"}, "--release rv17"},
+      {{"export", "table", "-o", "F", "-t", "A", "-t", "B", "--section", "S"}, "--section names one section"},
+      {{"export", "table", "-o", "F", "--all", "--fields", "A"}, "--fields names fields of one table"},
+      {{"export", "table", "-o", "-", "--all", "--json", "-d", "sqlite:x"}, "--json"},
+      {{"export", "table", "-o", "F", "-t", "A"}, "--database is missing"},
+      {{"export", "table", "-o", "F", "-t", "A", "-d", "shop.db"}, "sqlite:shop.db"},
+      {{"export", "table", "-o", "F", "-t", ""}, "--table needs a value"},
+      {{"import", "table", "-i", "F", "--replace", "--append"}, "--replace and --append contradict"},
+      {{"file", "list"}, "FILE is required"},
+      {{"file", "remove", "F"}, "INDEX or --name"},
+      {{"file", "remove", "F", "-1"}, "'-1' is no index"},
+      {{"file", "remove", "F", "ORDERS"}, "'ORDERS' is no index"},
+      {{"file", "remove", "-", "0"}, "is a pipe"},
+  };
+  Write("shop.db", "");
+  for (const auto& [Arguments, Says] : Lines) {
+    const TOutcome Outcome = Run(Arguments);
+    EXPECT_EQ(Outcome.ExitCode, 2) << Joined(Arguments);
+    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(Arguments) << "\n" << Outcome.Errors;
+    EXPECT_EQ(Outcome.Errors.find("velkrund: "), 0U) << Outcome.Errors;
+    EXPECT_EQ(Outcome.Output, "") << Joined(Arguments);
+  }
+  EXPECT_EQ(Files(), TArguments{"shop.db"});
+}
+
+TEST_F(TUsageTest, HelpAndVersionGoToStandardOutput) {
+  const TWrongLine Lines[] = {
+      {{"--help"}, "export table        saves"},
+      {{"file", "--help"}, "file remove"},
+      {{"export", "table", "--help"}, "--overwrite ask|yes|no"},
+      {{"import", "table", "-h"}, "--missing-fields skip|error"},
+      {{"file", "list", "-h"}, "file list orders.eif"},
+      {{"file", "remove", "-h"}, "--name NAME"},
+      {{"database", "info", "-h"}, "Examples:"},
+      {{"--version"}, "velkrund "},
+  };
+  for (const auto& [Arguments, Says] : Lines) {
+    const TOutcome Outcome = Run(Arguments);
+    EXPECT_EQ(Outcome.ExitCode, 0) << Joined(Arguments);
+    EXPECT_NE(Outcome.Output.find(Says), std::string::npos) << Joined(Arguments) << "\n" << Outcome.Output;
+    EXPECT_EQ(Outcome.Errors, "") << Joined(Arguments);
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -40,7 +40,6 @@ void TOutputFile::OpenFile() {
   try {
     OpenPlainly(*FFile);
     RefuseForeignFile();
-    EndLastLine();
   } catch (...) {
     if (FCreated) FSession.Files().Remove(FName);
     throw;
@@ -57,17 +56,6 @@ void TOutputFile::RefuseForeignFile() {
   Text = Trim(Text);
   if (!Text.empty() && Text.front() != CommentMark)
     throw EFOpenError(Format("File '%s' is there already and is no export/import file: nothing is added to it", FName));
-}
-
-void TOutputFile::EndLastLine() {
-  TStream& Stream = FFile->Stream();
-  if (Stream.Size() == 0) return;
-  char Last = 0;
-  Stream.Seek(-1, TSeekOrigin::End);
-  Stream.Read(&Last, 1);
-  if (Last == '\r' || Last == '\n') return;
-  Stream.Write("\r\n");
-  Stream.Flush();
 }
 
 TOutputFile::~TOutputFile() {

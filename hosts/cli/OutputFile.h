@@ -31,8 +31,6 @@ class TOutputFile {
  private:
   void OpenFile();
   void RefuseForeignFile();
-  /// An editor may have taken the last line end away; a section must not begin on that line.
-  void EndLastLine();
 
   const TSession& FSession;
   std::string FName;

@@ -62,16 +62,14 @@ std::string TableOf(const TEISection& Section) {
 
 std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {
   const TEISection& Section = Source.Sections()[Index];
-  std::vector<std::string> Result;
-  bool InFields = false;
   Source.Stream().SetPosition(Section.DataPosition);
-  while (Source.Stream().Position() < Section.DataPosition + Section.DataSize) {
-    const std::string_view Line = Trim(Source.ReadlnString(Section.Encoding()));
-    if (InFields && Line == "[RECORDS]") return Result;
-    if (InFields) Result.emplace_back(Line);
-    InFields = InFields || Line == "[FIELDS]";
+  TEIStream Body(Source.Stream(), Section.DataSize);
+  Body.SetEncoding(Section.Encoding());
+  try {
+    return dynamic_cast<TEICommonTableData&>(*Source.CreateEIObject(Index)).ReadFieldNames(Body);
+  } catch (const Exception&) {
+    return std::nullopt;
   }
-  return std::nullopt;
 }
 
 }  // namespace velkrund

@@ -89,6 +89,24 @@ TEST_F(SourceWriting, FailedExportsLeaveNothing) {
   EXPECT_EQ(Source.Sections().Count(), 2);
 }
 
+TEST_F(SourceWriting, AppendedSectionsBeginTheirOwnLine) {
+  const std::string Whole = "[SECTION]\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n[END]";
+  const struct {
+    std::string End, Expected;
+  } Cases[] = {
+      {"", "\r\n"}, {"\r", "\r"}, {"\r\n", "\r\n"}, {"\r\n; note\n", "\r\n; note\n\r\n"}, {"\r\nx", "\r\nx\r\n"}};
+  TTextSection Section;
+  for (const auto& Case : Cases) {
+    TMemorySource Source(Whole + Case.End);
+    Source.Open();
+    Source.ExportObject(Section, "b");
+    EXPECT_TRUE(Source.Bytes().starts_with(Whole + Case.Expected + "[SECTION]\r\n")) << Source.Bytes();
+    TMemorySource Again(Source.Bytes());
+    Again.Open();
+    EXPECT_EQ(Again.Sections().Count(), 2);
+  }
+}
+
 TEST_F(SourceWriting, LostCharactersAreCountedOrRefused) {
   TTextSection Section;
   Section.Lines = {"a日b"};

@@ -55,6 +55,11 @@ url = "postgresql://u:${VELKRUND_TEST_PASSWORD}@h"
   EXPECT_EQ(Read.Databases.at("имя").Url, "postgresql://u:a}b${c@h");
 }
 
+TEST(ConfigurationTest, ReadsTheExampleThatIsShipped) {
+  const TConfiguration Read = LoadConfiguration(VELKRUND_SOURCE_DIR "/examples/velkrund.toml");
+  EXPECT_EQ(Read.Databases.at(Read.DefaultDatabase).Url, "sqlite:shop.db");
+}
+
 TEST(ConfigurationTest, SaysFileLineAndKeyOfWhatIsWrong) {
   struct TCase {
     const char* Content;

@@ -47,6 +47,9 @@ class TEICommonTableData : public TEIObject {
   /// In one transaction; cancelled or failed, the table is as it was before. Cancelled: Stopped() is true.
   void ImportData(TEIStream& Stream) override;
 
+  /// Reads a body up to its records; returns the names of its fields in their order. For a look into a file.
+  std::vector<std::string> ReadFieldNames(TEIStream& Stream);
+
   /// Appends the text of the field's value in the current row.
   virtual void FieldToString(TField& Field, std::string& Text) = 0;
   /// Reads a value text, never empty, into the field's place in the record buffer. The text is decoded in place: its
@@ -78,7 +81,6 @@ class TEICommonTableData : public TEIObject {
   TTable& TakeTable(std::unique_ptr<TTable>& Owned, std::string_view Purpose);
   TStringList ExportedNames(TTable& Source) const;
   void ExportRecords(TTable& Source, const std::vector<TField*>& Columns, TEIStream& Stream);
-  std::vector<std::string> ReadFieldNames(TEIStream& Stream);
   std::string_view NextLine(TEIStream& Stream);
   bool ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines);
   std::vector<TImportField> ResolveFields(TTable& Target, const std::vector<std::string>& Names);

@@ -1,5 +1,7 @@
 #include "velkrund/eif/EISource.h"
 
+#include <algorithm>
+
 #include "velkrund/eif/EIStream.h"
 #include "velkrund/eif/TextChecks.h"
 #include "velkrund/eif/TypeList.h"
@@ -20,6 +22,17 @@ void CheckHeaderValue(std::string_view Name, std::string_view Value) {
         Format("A section header can not hold the %s '%s': it has blanks or control characters at an end, or a "
                "line end inside",
                Name, Value));
+}
+
+// Editors like to drop the end of the last line, or to write a line feed alone, which ends no line: what is appended
+// would become a part of that line.
+bool EndsWithLineEnd(TStream& Stream, std::int64_t Size) {
+  char Last[2] = {'\r', '\r'};
+  const auto Count = static_cast<std::size_t>(std::min<std::int64_t>(Size, sizeof Last));
+  Stream.SetPosition(Size - static_cast<std::int64_t>(Count));
+  Stream.Read(Last + sizeof Last - Count, Count);
+  Stream.SetPosition(Size);
+  return Last[1] == '\r' || (Last[0] == '\r' && Last[1] == '\n');
 }
 
 }  // namespace
@@ -78,6 +91,8 @@ void TEISource::ExportObject(TEIObject& Object, const std::string& Name) {
   try {
     if (RollbackPoint == 0 && FDefaultEncoding == TKvEncoding::Utf8) {
       Target.Write(ByteOrderMark);
+      Target.Write(LineEnd);
+    } else if (!EndsWithLineEnd(Target, RollbackPoint)) {
       Target.Write(LineEnd);
     }
     WritelnString("[SECTION]", TKvEncoding::Utf8);

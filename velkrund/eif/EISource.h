@@ -46,7 +46,7 @@ class TEISource {
   void Open();
   /// Makes a new, empty store.
   virtual void CreateFile() = 0;
-  /// Appends one section. A failure, EAbort included, leaves stream and Sections as they were.
+  /// Appends one section, on a line of its own. A failure, EAbort included, leaves stream and Sections as they were.
   virtual void ExportObject(TEIObject& Object, const std::string& Name);
   /// Gives the object the body of the section that its SectionNumber names.
   virtual void ImportObject(TEIObject& Object);

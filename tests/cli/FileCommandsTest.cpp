@@ -67,7 +67,7 @@ TEST_F(TFileCommandsTest, AKilledRemovalLeavesTheOldFileOrTheNewOne) {
   const std::string Big = Section("Big", std::string(6'000'000, 'x')), Small = Section("Small", "y");
   Write("before", Small + Big);
   bool Old = false, New = false;
-  for (int Milliseconds = 0; Milliseconds < 1000 && !New; Milliseconds += 2) {
+  for (int Milliseconds = 0; Milliseconds < 20'000 && !New; Milliseconds += 1 + Milliseconds / 8) {
     std::filesystem::copy_file(Path("before"), Path("F"), std::filesystem::copy_options::overwrite_existing);
     const pid_t Process = Start({"file", "remove", "F", "0"});
     std::this_thread::sleep_for(std::chrono::milliseconds(Milliseconds));
@@ -100,6 +100,23 @@ TEST_F(TFileCommandsTest, ListShowsHeadersAndWhatComesBeforeAFault) {
   EXPECT_EQ(Second["parameters"]["TableName"], "T");
   EXPECT_EQ(Read("F").substr(Second["dataPosition"], Second["size"]), "\r\n");
   EXPECT_NE(Json["error"].get<std::string>().find("Line: "), std::string::npos);
+}
+
+// Both encodings in one file, with text between the sections: listed as they are, and removed around each other.
+TEST_F(TFileCommandsTest, MixedEncodingsAreListedAndRemoved) {
+  const std::string Mark = "\xEF\xBB\xBF\r\n; first\r\n", Between = "\r\n; between\r\n";
+  const std::string Ansi = Section("\xC6\xF3\xEA", "\xFF"), Last = Section("C", "");
+  std::string Utf8 = Section("Жук", "я");
+  Utf8.insert(Utf8.find("Name"), "Encoding = UTF8\r\n");
+  Write("F", Mark + Utf8 + Between + Ansi + Between + Last);
+  const auto Json = RunJson({"file", "list", "F"});
+  ASSERT_EQ(Json["sections"].size(), 3U);
+  for (const auto& [Index, Encoding] : {std::pair(0, "utf8"), std::pair(1, "ansi")}) {
+    EXPECT_EQ(Json["sections"][static_cast<std::size_t>(Index)]["name"], "Жук");
+    EXPECT_EQ(Json["sections"][static_cast<std::size_t>(Index)]["encoding"], Encoding);
+  }
+  EXPECT_EQ(Run({"file", "remove", "F", "0", "2"}).ExitCode, 0);
+  EXPECT_EQ(Read("F"), Mark + Between + Ansi + Between);
 }
 
 }  // namespace

@@ -10,9 +10,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <thread>
 
 namespace velkrund::tests {
@@ -38,17 +36,12 @@ std::string Joined(const TArguments& Arguments) {
   return Result;
 }
 
-TCommandTest::TCommandTest() {
-  std::string Folder = testing::TempDir() + "velkrund-cli-XXXXXX";
-  if (mkdtemp(Folder.data())) FFolder = Folder;
-  std::filesystem::create_directory(FFolder + "/.captured");
-}
-
-TCommandTest::~TCommandTest() { std::filesystem::remove_all(FFolder); }
+TCommandTest::TCommandTest() { std::filesystem::create_directory(Path(".captured")); }
 
 void TCommandTest::Become(const TArguments& Arguments) const {
-  if (chdir(FFolder.c_str()) != 0) _exit(126);
-  setenv("HOME", FFolder.c_str(), 1);
+  const std::string Home = Path("");
+  if (chdir(Home.c_str()) != 0) _exit(126);
+  setenv("HOME", Home.c_str(), 1);
   setenv("TERM", "xterm", 1);
   unsetenv("XDG_CONFIG_HOME");
   unsetenv("VELKRUND_CONFIG");
@@ -118,22 +111,11 @@ nlohmann::json TCommandTest::RunJson(TArguments Arguments) {
   return nlohmann::json::parse(Outcome.Output, nullptr, false);
 }
 
-std::string TCommandTest::Read(const std::string& Name) const {
-  std::ifstream File(Path(Name), std::ios::binary);
-  std::ostringstream Content;
-  Content << File.rdbuf();
-  return Content.str();
-}
-
-void TCommandTest::Write(const std::string& Name, const std::string& Content) const {
-  std::ofstream(Path(Name), std::ios::binary) << Content;
-}
-
 bool TCommandTest::Exists(const std::string& Name) const { return std::filesystem::exists(Path(Name)); }
 
 std::vector<std::string> TCommandTest::Files() const {
   std::vector<std::string> Result;
-  for (const auto& Entry : std::filesystem::directory_iterator(FFolder))
+  for (const auto& Entry : std::filesystem::directory_iterator(Path("")))
     if (Entry.path().filename() != ".captured") Result.push_back(Entry.path().filename());
   std::sort(Result.begin(), Result.end());
   return Result;

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/TemporaryFolder.h"
+
 namespace velkrund::tests {
 
 using TArguments = std::vector<std::string>;
@@ -21,7 +23,6 @@ struct TOutcome {
 class TCommandTest : public testing::Test {
  protected:
   TCommandTest();
-  ~TCommandTest() override;
 
   TOutcome Run(const TArguments& Arguments, const std::string& Input = {});
   /// Without waiting: for signals. Finish waits and collects.
@@ -34,9 +35,9 @@ class TCommandTest : public testing::Test {
   /// A line of the shell, with the command as $V.
   TOutcome Shell(const std::string& Line);
 
-  std::string Path(const std::string& Name) const { return FFolder + "/" + Name; }
-  std::string Read(const std::string& Name) const;
-  void Write(const std::string& Name, const std::string& Content) const;
+  std::string Path(const std::string& Name) const { return FFolder / Name; }
+  std::string Read(const std::string& Name) const { return FFolder.Read(Name); }
+  void Write(const std::string& Name, const std::string& Content) const { FFolder.Write(Name, Content); }
   bool Exists(const std::string& Name) const;
   std::vector<std::string> Files() const;
   /// Every row of the query, cells separated by "|", rows by line feeds.
@@ -48,7 +49,7 @@ class TCommandTest : public testing::Test {
  private:
   [[noreturn]] void Become(const TArguments& Arguments) const;
 
-  std::string FFolder;
+  TTemporaryFolder FFolder;
 };
 
 /// For failure messages.

@@ -55,7 +55,7 @@ class TExportTable final : public TCommand {
   const std::string& SectionName(const TStep& Step) const { return FSection.empty() ? Step.Table : FSection; }
   void Settle(const TSession& Session, TOutputFile& Output, std::vector<TStep>& Steps) const;
   std::vector<int> Export(const TSession& Session, TOutputFile& Output, const std::vector<TStep>& Steps,
-                          std::vector<TReportItem>& Items) const;
+                          TReport& Report) const;
 
   std::vector<std::string> FTables, FFields;
   bool FAll = false, FAdd = false;
@@ -149,7 +149,7 @@ void TExportTable::Settle(const TSession& Session, TOutputFile& Output, std::vec
 
 /// Adds the sections. Returns the indexes of those that they take the place of.
 std::vector<int> TExportTable::Export(const TSession& Session, TOutputFile& Output, const std::vector<TStep>& Steps,
-                                      std::vector<TReportItem>& Items) const {
+                                      TReport& Report) const {
   TUOExportTableDataInterface Interface;
   Interface.SetDatabaseName(Session.Database());
   Interface.SetTarget(&Output.File());
@@ -157,7 +157,8 @@ std::vector<int> TExportTable::Export(const TSession& Session, TOutputFile& Outp
   Interface.SetReleaseVersion(FRelease);
   Interface.SetEncoding(
       FEncoding.value_or(FRelease == TExportReleaseVersion::rv20 ? TKvEncoding::Utf8 : TKvEncoding::Ansi));
-  TBatch Batch(Session, Output.File());
+  TBatch Batch(Session, Output.File(), Report);
+  std::vector<TReportItem>& Items = Report.Items;
   std::vector<int> Replaced;
   for (std::size_t I = 0; I < Steps.size(); ++I) {
     const TStep& Step = Steps[I];
@@ -189,7 +190,7 @@ int TExportTable::Run(TSession& Session) {
     Report.Items.back().State = TItemState::LeftOut;
     Report.Items.back().Note = "the section is already there";
   }
-  const std::vector<int> Replaced = Export(Session, Output, Plan, Report.Items);
+  const std::vector<int> Replaced = Export(Session, Output, Plan, Report);
   // A wish to stop that came before has been obeyed; what is finished is put right now.
   const bool Stopped = TInterrupt::Requested();
   try {

@@ -6,6 +6,7 @@
 #include "hosts/cli/InputFile.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/TableTargets.h"
 #include "hosts/cli/Texts.h"
 #include "velkrund/dictionary/TableDataOperations.h"
 #include "velkrund/eif/EIErrors.h"
@@ -28,16 +29,11 @@ const TCommandTexts ImportTableTexts = {
     {{"import table -d sqlite:shop.db -i orders.eif --replace", "every table of the file, emptied first"},
      {"import table -d sqlite:shop.db -i shop.eif --section ORDERS -t ORDERS_OLD --append",
       "one section into a table of another name"},
-     {"zcat shop.eif.gz | velkrund import table -d shop -i - --replace", "through a pipe"}}};
-
-enum class TRowsThere { Ask, Replace, Append };
+     {"import table -d shop -i - --replace < shop.eif", "from standard input"}}};
 
 struct TStep {
   int Index = 0;
-  std::string Table;
-  std::int64_t Rows = 0;  // that are there; counted only where it matters
-  bool Append = false;
-  bool LeaveOut = false;
+  std::size_t Target = 0;
 };
 
 class TImportTable final : public TCommand {
@@ -49,50 +45,33 @@ class TImportTable final : public TCommand {
   int Run(TSession& Session) override;
 
  private:
-  std::vector<TStep> Steps(const TSession& Session, TInputFile& Input, TReport& Report) const;
+  std::vector<TStep> Steps(const TSession& Session, TInputFile& Input, TReport& Report, TTableTargets& Targets) const;
   std::vector<int> Chosen(TInputFile& Input, TReport& Report) const;
   void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
-  void Settle(const TSession& Session, std::vector<TStep>& Steps) const;
-  void Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps,
-              std::vector<TReportItem>& Items) const;
-  TRowsThere RowsThere() const;
+  void Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps, TTableTargets& Targets,
+              TReport& Report) const;
 
   std::string FInput, FTable;
   std::vector<std::string> FSections, FFields;
-  bool FReplace = false, FAppend = false, FLenient = false, FCreate = false, FSkipMissing = true;
+  TTableOptions FTables;
 };
 
 std::vector<TOptionGroup> TImportTable::Options() {
-  return {
-      {"Options",
-       {Shared.DatabaseOption(), Required(Text("-i,--input", "FILE", "the file to read; - is standard input", FInput)),
-        Text("-t,--table", "TABLE", "the table to load (default: the one that the section names)", FTable),
-        List("--section", "NAME|INDEX", "the section to load; a number is an index as file list shows it", FSections),
-        NotWith(Switch("--replace", "delete the rows that are there first", FReplace), {"--append"}),
-        Switch("--append", "keep the rows that are there", FAppend),
-        CommaList("--fields", "A,B", "only these fields", FFields),
-        Choice<bool>("--missing-fields",
-                     "fields of the file that the table lacks: pass over them, the report names them, or refuse the "
-                     "section (default: skip)",
-                     {{"skip", true}, {"error", false}}, FSkipMissing),
-        Switch("--lenient",
-               "values that can not be read become NULL, the report counts them. Without it they are an error",
-               FLenient),
-        Switch("--create", "make the database when it does not exist", FCreate), Shared.AllowLossOption(),
-        Shared.OnErrorOption()}},
-      Shared.General()};
+  std::vector<TOption> Own = {
+      Shared.DatabaseOption(), Required(Text("-i,--input", "FILE", "the file to read; - is standard input", FInput)),
+      Text("-t,--table", "TABLE", "the table to load (default: the one that the section names)", FTable),
+      List("--section", "NAME|INDEX", "the section to load; a number is an index as file list shows it", FSections),
+      CommaList("--fields", "A,B", "only these fields", FFields)};
+  for (TOption& Option : FTables.Options()) Own.push_back(std::move(Option));
+  Own.push_back(Shared.AllowLossOption());
+  Own.push_back(Shared.OnErrorOption());
+  return {{"Options", Own}, Shared.General()};
 }
 
 TApplicationOptions TImportTable::ApplicationOptions() const {
   TApplicationOptions Result = TCommand::ApplicationOptions();
-  Result.Lenient = FLenient;
-  Result.CreateDatabases = FCreate;
+  FTables.ApplyTo(Result);
   return Result;
-}
-
-TRowsThere TImportTable::RowsThere() const {
-  if (FReplace) return TRowsThere::Replace;
-  return FAppend ? TRowsThere::Append : TRowsThere::Ask;
 }
 
 /// The sections to load. What else the file holds is named in the report.
@@ -138,9 +117,9 @@ void TImportTable::CheckFields(TInputFile& Input, int Index, TTable& Table) cons
 }
 
 /// The sections with their tables. What is certain to fail ends the run before anything is changed.
-std::vector<TStep> TImportTable::Steps(const TSession& Session, TInputFile& Input, TReport& Report) const {
+std::vector<TStep> TImportTable::Steps(const TSession& Session, TInputFile& Input, TReport& Report,
+                                       TTableTargets& Targets) const {
   const TEISectionList& Sections = Input.File().Sections();
-  const TRowsThere Rows = RowsThere();
   std::vector<TStep> Result;
   for (const int Index : Chosen(Input, Report)) {
     const std::string Name = FTable.empty() ? TableOf(Sections[Index]) : FTable;
@@ -149,59 +128,34 @@ std::vector<TStep> TImportTable::Steps(const TSession& Session, TInputFile& Inpu
       throw EDatabaseError(Format("There is no table '%s' in the database %s; it is wanted for %s", Name,
                                   Report.Database, SectionText(Sections, Index)));
     CheckFields(Input, Index, *Table);
-    TStep Step{Index, Table->TableName()};
-    // Of several sections for one table the later ones join the first one's rows.
-    const auto Same = [&](const TStep& Earlier) { return Earlier.Table == Step.Table; };
-    const bool Joins = std::any_of(Result.begin(), Result.end(), Same);
-    if (Rows == TRowsThere::Ask && !Joins) Step.Rows = Table->RecordCount();
-    Step.Append = Rows != TRowsThere::Replace || Joins;
-    Result.push_back(std::move(Step));
+    Result.push_back({Index, Targets.Add(*Table)});
   }
   return Result;
 }
 
-/// Decides about rows that are there, before anything is changed.
-void TImportTable::Settle(const TSession& Session, std::vector<TStep>& Steps) const {
-  const std::string Options = "--replace to delete them first, or --append to keep them";
-  const auto RowsText = [](const TStep& Step) {
-    return Format("Table '%s' has %s", Step.Table, Counted(Step.Rows, "row"));
-  };
-  std::vector<std::string> Met;
-  for (const TStep& Step : Steps)
-    if (Step.Rows > 0) Met.push_back(RowsText(Step));
-  if (!Met.empty() && !Session.Answers.CanAsk()) Session.Answers.Ask({Joined(Met) + ".", {}, Options});
-  TRepeatedQuestion Question(Session.Answers);
-  for (TStep& Step : Steps) {
-    if (Step.Rows == 0) continue;
-    const TAnswer Answer =
-        Question.Ask({Format("%s. Delete them and put the file's in their place?", RowsText(Step)),
-                      {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Append, TAnswer::Cancel},
-                      Options});
-    Step.Append = Answer != TAnswer::Yes;
-    Step.LeaveOut = Answer == TAnswer::No;
-  }
-}
-
 void TImportTable::Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps,
-                          std::vector<TReportItem>& Items) const {
+                          TTableTargets& Targets, TReport& Report) const {
   TUOImportTableDataInterface Interface;
   Interface.SetDatabaseName(Session.Database());
   Interface.SetSource(&Input.File());
   Interface.SetFields(FFields);
-  Interface.SetSkipMissingFields(FSkipMissing);
-  TBatch Batch(Session, Input.File());
+  Interface.SetSkipMissingFields(FTables.SkipMissing);
+  TBatch Batch(Session, Input.File(), Report);
+  std::vector<TReportItem>& Items = Report.Items;
   for (std::size_t I = 0; I < Steps.size(); ++I) {
     const TStep& Step = Steps[I];
-    if (Step.LeaveOut) continue;
+    const TTableTarget& Target = Targets[Step.Target];
+    if (Target.LeaveOut) continue;
     const std::int64_t Bytes = Input.File().Sections()[Step.Index].DataSize;
     Interface.SetSectionNumber(Step.Index);
-    Interface.SetTableName(Step.Table);
-    Interface.SetAppend(Step.Append);
+    Interface.SetTableName(Target.Table);
+    Interface.SetAppend(Targets.Appends(Step.Target));
     const bool More = std::any_of(Steps.begin() + static_cast<std::ptrdiff_t>(I) + 1, Steps.end(),
-                                  [](const TStep& Later) { return !Later.LeaveOut; });
+                                  [&](const TStep& Later) { return !Targets[Later.Target].LeaveOut; });
     const bool GoOn = Batch.Run(Items[I], Interface, {"bytes", Bytes}, More);
     Items[I].Counts = static_cast<const TUOImportTableData&>(Interface.Operation()).Report;
     Items[I].Bytes = Bytes;
+    if (Items[I].State == TItemState::Done) Targets.SetLoaded(Step.Target);
     if (!GoOn) break;
   }
 }
@@ -211,15 +165,17 @@ int TImportTable::Run(TSession& Session) {
   TInputFile Input(Session, FInput);
   Input.Open();
   if (Input.File().Losses().Any()) Report.Notes.emplace_back("warning: section headers hold malformed characters");
-  std::vector<TStep> Plan = Steps(Session, Input, Report);
-  Settle(Session, Plan);
+  TTableTargets Targets(FTables);
+  const std::vector<TStep> Plan = Steps(Session, Input, Report, Targets);
+  Targets.Settle(Session);
   for (const TStep& Step : Plan) {
-    Report.Items.push_back({Input.File().Sections()[Step.Index].Name(), Step.Table});
-    if (!Step.LeaveOut) continue;
+    const TTableTarget& Target = Targets[Step.Target];
+    Report.Items.push_back({Input.File().Sections()[Step.Index].Name(), Target.Table});
+    if (!Target.LeaveOut) continue;
     Report.Items.back().State = TItemState::LeftOut;
-    Report.Items.back().Note = Format("the table keeps its %s", Counted(Step.Rows, "row"));
+    Report.Items.back().Note = Target.Note();
   }
-  Import(Session, Input, Plan, Report.Items);
+  Import(Session, Input, Plan, Targets, Report);
   return Finish(Session, Report);
 }
 

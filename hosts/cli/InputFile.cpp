@@ -52,9 +52,11 @@ void OpenPlainly(TEIFile& File) {
   }
 }
 
-TInputFile::TInputFile(const TSession& Session, const std::string& Name) : FName(Name) {
-  if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(Session.Files());
-  FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : Session.Files());
+TInputFile::TInputFile(const TSession& Session, const std::string& Name)
+    : FName(Name),
+      FSpool(IsPipe(Name) ? std::make_unique<TSpool>(Session.Files()) : nullptr),
+      FFiles(FSpool ? *FSpool : Session.Files()),
+      FFile(std::make_unique<TEIFile>(FFiles)) {
   FFile->SetFileName(Name == "-" ? "standard input" : Name);
   FFile->SetReadonly(true);
 }

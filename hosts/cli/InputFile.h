@@ -23,12 +23,15 @@ class TInputFile {
   /// Reads the headers. Of a faulty file those before the fault are there when the error comes.
   void Open();
   TEIFile& File() { return *FFile; }
+  /// Where the file can be opened again under Name().
+  TFileSystem& Files() const { return FFiles; }
   /// For messages.
   const std::string& Name() const { return FFile->FileName(); }
 
  private:
   std::string FName;
   std::unique_ptr<TSpool> FSpool;  // null: a file of its own
+  TFileSystem& FFiles;
   std::unique_ptr<TEIFile> FFile;
 };
 

@@ -26,6 +26,13 @@ const char* StateText(TItemState State) {
   return "not reached";
 }
 
+std::string ItemText(const TReportItem& Item) {
+  if (Item.Section.empty()) return "file '" + Item.File + "'";
+  std::string Result = Item.Table.empty() ? "" : "table " + Item.Table + ", ";
+  Result += "section '" + Item.Section + "'";
+  return Item.File.empty() ? Result : Result + " of '" + Item.File + "'";
+}
+
 std::string AmountText(std::int64_t Rows, std::int64_t Bytes, double Seconds) {
   return Format("%s, %s, %s", Counted(Rows, "row"), ByteText(static_cast<double>(Bytes)), DurationText(Seconds));
 }
@@ -46,8 +53,9 @@ std::vector<std::string> Warnings(const TReportItem& Item) {
 
 TJson ItemJson(const TReportItem& Item) {
   TJson Result;
+  if (!Item.File.empty()) Result["file"] = Item.File;
   Result["section"] = Item.Section;
-  Result["table"] = Item.Table;
+  if (!Item.Table.empty()) Result["table"] = Item.Table;
   Result["state"] = StateText(Item.State);
   if (!Item.Note.empty()) Result[Item.State == TItemState::Failed ? "error" : "note"] = Item.Note;
   if (Item.State != TItemState::Done) return Result;
@@ -84,16 +92,16 @@ int TReport::ExitCode() const {
   const auto Any = [this](TItemState State) {
     return std::any_of(Items.begin(), Items.end(), [=](const TReportItem& Item) { return Item.State == State; });
   };
-  if (!Error.empty() || Any(TItemState::Failed)) return ExitFailed;
-  return !Cancelled.empty() || Any(TItemState::Cancelled) ? ExitCancelled : ExitDone;
+  if (!Error.empty()) return ExitFailed;
+  if (!Cancelled.empty() || Any(TItemState::Cancelled)) return ExitCancelled;
+  return Any(TItemState::Failed) ? ExitFailed : ExitDone;
 }
 
 std::string TReport::Text() const {
   std::string Result;
   for (const TReportItem& Item : Items) {
     const bool IsDone = Item.State == TItemState::Done;
-    Result +=
-        Format("%s table %s, section '%s'", IsDone ? Done.c_str() : StateText(Item.State), Item.Table, Item.Section);
+    Result += Format("%s %s", IsDone ? Done : StateText(Item.State), ItemText(Item));
     if (IsDone) Result += ": " + AmountText(Item.Counts.RowCount, Item.Bytes, Item.Seconds);
     if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
     Result += "\n";

@@ -20,8 +20,9 @@ enum class TItemState {
 
 /// What became of one section.
 struct TReportItem {
-  std::string Section = {};
-  std::string Table = {};
+  std::string Section = {};  // empty: the file as a whole
+  std::string Table = {};    // empty: the section is for something else
+  std::string File = {};     // empty: the run's only one
   TItemState State = TItemState::NotReached;
   std::string Note = {};   // why it was left out, or the error
   std::int64_t Bytes = 0;  // of the section's body

@@ -14,17 +14,6 @@ class TImportTableTest : public TShopTest {
     Result.insert(Result.end(), More.begin(), More.end());
     return Result;
   }
-
-  /// A version 200 section with the fields and records given.
-  static std::string Section(const std::string& Name, const TArguments& Fields, const TArguments& Records) {
-    std::string Result = "[SECTION]\r\nEncoding = UTF8\r\nName = " + Name +
-                         "\r\nType = TableData\r\nVersion = 200\r\n" + "TableName = " + Name +
-                         "\r\n[DATA]\r\n [FIELDS]\r\n";
-    for (const std::string& Field : Fields) Result += "  " + Field + "\r\n";
-    Result += " [RECORDS]\r\n";
-    for (const std::string& Record : Records) Result += "  <" + Record + ">\r\n";
-    return Result + "[END]\r\n";
-  }
 };
 
 TEST_F(TImportTableTest, OptionsDecideWhatArrives) {

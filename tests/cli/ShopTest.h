@@ -29,6 +29,17 @@ class TShopTest : public TCommandTest {
   std::string Counts(const std::string& Database) const {
     return Query(Database, "SELECT (SELECT count(*) FROM A), (SELECT count(*) FROM B)");
   }
+
+  /// A version 200 section with the fields and records given.
+  static std::string Section(const std::string& Name, const TArguments& Fields, const TArguments& Records) {
+    std::string Result = "[SECTION]\r\nEncoding = UTF8\r\nName = " + Name +
+                         "\r\nType = TableData\r\nVersion = 200\r\n" + "TableName = " + Name +
+                         "\r\n[DATA]\r\n [FIELDS]\r\n";
+    for (const std::string& Field : Fields) Result += "  " + Field + "\r\n";
+    Result += " [RECORDS]\r\n";
+    for (const std::string& Record : Records) Result += "  <" + Record + ">\r\n";
+    return Result + "[END]\r\n";
+  }
 };
 
 }  // namespace velkrund::tests

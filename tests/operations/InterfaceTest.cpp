@@ -178,13 +178,11 @@ TEST(Interface, ProgressWindowRunsTheOperationWhenThereIsOne) {
 }
 
 TEST(MessageBox, HookGetsAllSixArguments) {
-  class TBox : public TMessageBoxService {
+  class TBox : public TWindowSystem {
    public:
-    int MessageBox(TWindowHandle, std::string_view Text, std::string_view Caption, std::uint32_t Flags) override {
-      return Text == "вопрос" && Caption == "c" && Flags == MB_YESNO ? IDYES : IDCANCEL;
-    }
+    int ShowModal(TForm& Form) override { return Form.Message() == "вопрос" && Form.Caption == "c" ? IDYES : IDCANCEL; }
   } Box;
-  EXPECT_THROW(uoMessageBox(0, u"q", u"", MB_YESNO, 0, 0), EAccessViolation) << "nobody is there to answer";
+  EXPECT_THROW(uoMessageBox(0, u"q", u"", MB_YESNO, 0, 0), EQuestionUnanswered) << "nobody is there to answer";
   TPlatformGuard Guard(TPlatform{nullptr, nullptr, &Box});
   EXPECT_EQ(uoMessageBox(0, u"вопрос", u"c", MB_YESNO, 6, 7), IDYES);
   SetUtilOperationsMessageBox([](TWindowHandle Window, std::u16string_view Text, std::u16string_view,

@@ -21,6 +21,10 @@ using TProgressCallback = std::function<void(std::int32_t Current, std::int32_t 
 /// Polled by long jobs; true asks them to stop.
 using TCancelCallback = std::function<bool()>;
 
+/// Hands 64-bit progress to a callback, if there is one. A Total beyond 32 bits is reported in millionths.
+void ReportProgress(const TProgressCallback& OnProgress, std::int64_t Current, std::int64_t Total,
+                    std::string_view ObjectName);
+
 /// What a section's content means to those who import whole files.
 enum class TSectionRole { Structure, TableData, Other };
 
@@ -76,8 +80,10 @@ class TEIObject {
   int Version() const { return ClassType().Version(); }
   bool AcceptVersion(int Version) const { return ClassType().AcceptVersion(Version); }
 
-  /// Reports to OnProgress. A Total beyond 32 bits is reported in millionths.
-  void ShowProgress(std::int64_t Current, std::int64_t Total, std::string_view ObjectName) const;
+  /// ReportProgress to OnProgress.
+  void ShowProgress(std::int64_t Current, std::int64_t Total, std::string_view ObjectName) const {
+    ReportProgress(OnProgress, Current, Total, ObjectName);
+  }
   /// What OnCancel answers; false without one. Polled between records.
   bool IsCanceled() const { return OnCancel && OnCancel(); }
   /// Whether the last import ended early, and undone, because it was cancelled.

@@ -3,12 +3,16 @@
 #include <mutex>
 
 #include "velkrund/dictionary/Registration.h"
+#include "velkrund/operations/Registration.h"
 
 namespace velkrund {
 
 void StartModule() {
   static std::once_flag Started;
-  std::call_once(Started, RegisterDictionaryClasses);
+  std::call_once(Started, [] {
+    RegisterOperationClasses();
+    RegisterDictionaryClasses();
+  });
 }
 
 }  // namespace velkrund

@@ -1,6 +1,6 @@
 #include "velkrund/operations/MessageBoxHook.h"
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
@@ -15,8 +15,10 @@ void SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook) { InstalledHook
 
 int uoMessageBox(TWindowHandle Window, std::u16string_view Text, std::u16string_view Caption, std::uint32_t Flags,
                  std::int32_t Extra1, std::int32_t Extra2) {
-  if (InstalledHook) return InstalledHook(Window, Text, Caption, Flags, Extra1, Extra2);
-  return MessageBoxes().MessageBox(Window, FromUtf16(Text), FromUtf16(Caption), Flags);
+  if (!InstalledHook) return ShowMessageBox(FromUtf16(Text), FromUtf16(Caption), Flags);
+  int Result = 0;
+  Synchronize([&] { Result = InstalledHook(Window, Text, Caption, Flags, Extra1, Extra2); });
+  return Result;
 }
 
 }  // namespace velkrund

@@ -17,8 +17,9 @@ using TUtilOperationsMessageBox =
 void SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook);
 
 /// Asks a question that has no question object, with texts already in the user's language, and returns the answer's
-/// code (platform/lctrls/MessageBox.h has flags and codes). A hook gets all six arguments unchanged; what Extra1 and
-/// Extra2 mean is between the asking operation and the hook. Raises EQuestionUnanswered when nobody can answer.
+/// code (platform/lctrls/MessageBox.h has flags and codes). Asked on the main thread, whatever thread calls. A hook
+/// gets all six arguments unchanged; what Extra1 and Extra2 mean is between the asking operation and the hook. Raises
+/// EQuestionUnanswered when nobody can answer.
 int uoMessageBox(TWindowHandle Window, std::u16string_view Text, std::u16string_view Caption, std::uint32_t Flags,
                  std::int32_t Extra1, std::int32_t Extra2);
 

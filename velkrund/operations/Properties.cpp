@@ -54,15 +54,20 @@ std::vector<std::string> SplitList(std::string_view Text) {
   return Items;
 }
 
-TStringPairs SplitPairs(std::string_view Text) {
+TStringPairs PairsOf(const std::vector<std::string>& Items) {
   TStringPairs Pairs;
-  for (const std::string& Item : SplitList(Text)) {
+  for (const std::string& Item : Items) {
     const std::size_t Equals = Item.find('=');
     Pairs.emplace_back(
         Trim(std::string_view(Item).substr(0, Equals)),
         Equals == std::string::npos ? std::string_view() : Trim(std::string_view(Item).substr(Equals + 1)));
   }
   return Pairs;
+}
+
+void AppendItem(std::string& List, const std::string& Item) {
+  if (!List.empty()) List += ',';
+  List += Item;
 }
 
 std::optional<TPropertyValue> ParseValue(const TProperty& Property, std::string_view Text) {
@@ -83,7 +88,7 @@ std::optional<TPropertyValue> ParseValue(const TProperty& Property, std::string_
     case TPropertyType::StringList:
       return SplitList(Text);
     case TPropertyType::PairList:
-      return SplitPairs(Text);
+      return PairsOf(SplitList(Text));
     case TPropertyType::Object:
       break;
   }
@@ -124,6 +129,43 @@ void SetPropertyText(TUtilOperationInterface& Object, std::string_view Name, std
   const auto Value = ParseValue(Property, Text);
   if (!Value) throw EPropertyError(Format("'%s' is no value for property '%s'", Text, Property.Name));
   SetProperty(Object, Property.Name, *Value);
+}
+
+std::string GetPropertyText(const TUtilOperationInterface& Object, std::string_view Name) {
+  const TProperty& Property = PropertyOf(Object, Name);
+  const TPropertyValue Value = Property.Get(Object);
+  std::string Text;
+  switch (Property.Type) {
+    case TPropertyType::Boolean:
+      return std::get<bool>(Value) ? "true" : "false";
+    case TPropertyType::Enumeration:
+      return std::string(Property.EnumNames[static_cast<std::size_t>(std::get<std::int64_t>(Value))]);
+    case TPropertyType::Integer:
+      AppendInteger(Text, std::get<std::int64_t>(Value));
+      return Text;
+    case TPropertyType::String:
+      return std::get<std::string>(Value);
+    case TPropertyType::StringList:
+      for (const std::string& Item : std::get<std::vector<std::string>>(Value)) AppendItem(Text, Item);
+      return Text;
+    case TPropertyType::PairList:
+      for (const auto& [First, Second] : std::get<TStringPairs>(Value)) {
+        AppendItem(Text, First);
+        Text += '=';
+        Text += Second;
+      }
+      return Text;
+    case TPropertyType::Object:
+      break;
+  }
+  throw EPropertyError(Format("Property '%s' is an object, which has no text", Property.Name));
+}
+
+void SetPropertyItems(TUtilOperationInterface& Object, std::string_view Name, const std::vector<std::string>& Items) {
+  if (PropertyOf(Object, Name).Type == TPropertyType::PairList)
+    SetProperty(Object, Name, PairsOf(Items));
+  else
+    SetProperty(Object, Name, Items);
 }
 
 }  // namespace velkrund

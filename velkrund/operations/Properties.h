@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <variant>
 #include <vector>
 
@@ -27,6 +28,7 @@ struct TProperty {
   void (*Set)(TUtilOperationInterface& Object, const TPropertyValue& Value);  // null: read-only
   std::string_view Help;
   std::span<const std::string_view> EnumNames = {};  // names by ordinal, for enumerations
+  const std::type_info* ObjectType = nullptr;        // class of the object, for objects
 };
 
 /// The properties of an interface class: its own, then those of its parents.
@@ -47,5 +49,9 @@ void SetProperty(TUtilOperationInterface& Object, std::string_view Name, const T
 /// Writes from a text, as scripts and commands have it: true/false, a decimal integer, an enumeration's name or
 /// ordinal, list entries separated by commas, pairs as a=b. Not for objects.
 void SetPropertyText(TUtilOperationInterface& Object, std::string_view Name, std::string_view Text);
+/// The text that SetPropertyText takes. Not for objects.
+std::string GetPropertyText(const TUtilOperationInterface& Object, std::string_view Name);
+/// Writes a list from its entries, which may hold commas; pairs as a=b. For lists only.
+void SetPropertyItems(TUtilOperationInterface& Object, std::string_view Name, const std::vector<std::string>& Items);
 
 }  // namespace velkrund

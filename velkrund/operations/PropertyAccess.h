@@ -68,6 +68,15 @@ constexpr TProperty ReadOnlyString(std::string_view Name, std::string_view Help)
           nullptr, Help};
 }
 
+template <typename TClass, auto Getter>
+constexpr TProperty ReadOnlyInteger(std::string_view Name, std::string_view Help) {
+  return {Name, TPropertyType::Integer,
+          [](const TUtilOperationInterface& Object) -> TPropertyValue {
+            return static_cast<std::int64_t>(property_access::Read<TClass, Getter>(Object));
+          },
+          nullptr, Help};
+}
+
 template <typename TClass, typename TEnum, auto Getter, auto Setter>
 constexpr TProperty EnumProperty(std::string_view Name, std::string_view Help,
                                  std::span<const std::string_view> EnumNames) {
@@ -97,14 +106,17 @@ constexpr TProperty StringListProperty(std::string_view Name, std::string_view H
 
 template <typename TClass, typename TObject, auto Getter, auto Setter>
 constexpr TProperty ObjectProperty(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::Object,
+  return {Name,
+          TPropertyType::Object,
           [](const TUtilOperationInterface& Object) -> TPropertyValue {
             return static_cast<void*>(property_access::Read<TClass, Getter>(Object));
           },
           [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
             property_access::Write<TClass, Setter>(Object, static_cast<TObject*>(std::get<void*>(Value)));
           },
-          Help};
+          Help,
+          {},
+          &typeid(TObject)};
 }
 
 }  // namespace velkrund

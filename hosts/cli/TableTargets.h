@@ -1,0 +1,55 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "hosts/cli/Session.h"
+#include "velkrund/platform/database/Tables.h"
+
+namespace velkrund {
+
+/// What commands that load tables let one say about them.
+struct TTableOptions {
+  bool Replace = false, Append = false, Lenient = false, Create = false, SkipMissing = true;
+
+  std::vector<TOption> Options();
+  void ApplyTo(TApplicationOptions& Application) const;
+};
+
+/// A table that a section is to be loaded into.
+struct TTableTarget {
+  std::string Table;      // the physical name
+  std::int64_t Rows = 0;  // that are there; counted only where it matters
+  bool Append = false;    // keep them
+  bool LeaveOut = false;
+
+  /// Why it is left out.
+  std::string Note() const;
+};
+
+/// The targets of a run. Of several for one table the later ones join the rows that were loaded, or are left out
+/// together.
+class TTableTargets {
+ public:
+  /// Options: borrowed.
+  explicit TTableTargets(const TTableOptions& Options) : FOptions(Options) {}
+
+  /// The number of the target, from 0.
+  std::size_t Add(TTable& Table);
+  const TTableTarget& operator[](std::size_t Number) const { return FTargets[Number]; }
+  /// Whether the rows that are in its table now are to be kept.
+  bool Appends(std::size_t Number) const;
+  /// The target was loaded.
+  void SetLoaded(std::size_t Number) { FLoaded.insert(FTargets[Number].Table); }
+  /// Decides about rows that are there, before anything is changed: by option, else by asking. Raises
+  /// EQuestionUnanswered that names all tables at stake when nobody can be asked, and EAbort on Cancel.
+  void Settle(const TSession& Session);
+
+ private:
+  const TTableOptions& FOptions;
+  std::vector<TTableTarget> FTargets;
+  std::set<std::string> FLoaded;  // tables
+};
+
+}  // namespace velkrund

@@ -1,0 +1,127 @@
+#include "tests/cli/ShopTest.h"
+
+namespace velkrund::tests {
+namespace {
+
+/// Sections that can be loaded (A with 1 row, B with 2) and sections that fail at a record, in several files.
+class TImportFileTest : public TShopTest {
+ protected:
+  TImportFileTest() {
+    const std::string A = Section("A", {"ID"}, {"1"}), B = Section("B", {"ID"}, {"1", "2"});
+    const std::string FaultyA = Section("A", {"ID"}, {"5", "5"}), FaultyB = Section("B", {"ID"}, {"7", ""});
+    Write("good.eif", A + B);
+    Write("faulty.eif", FaultyA + B + FaultyB + Section("A", {"ID"}, {"2"}));
+    Write("more.eif", Section("A", {"ID"}, {"3"}));
+    Write("head.eif", A + "[SECTION]\r\nName = X\r\nType = Strange\r\nVersion = 1\r\n[DATA]\r\n[END]\r\n");
+    Write("lost.eif", Section("NONE", {"ID"}, {"1"}) + B);
+    Write("bytes.eif", Section("A", {"ID", "NAME"}, {"1|'x\xFFy'"}) + B);
+  }
+
+  TArguments Import(const TArguments& More) const {
+    TArguments Result = {"import", "file", "-d", "sqlite:empty.db"};
+    Result.insert(Result.end(), More.begin(), More.end());
+    return Result;
+  }
+};
+
+TEST_F(TImportFileTest, OptionsDecideWhatArrives) {
+  struct TCase {
+    std::string Before;  // statement for empty.db
+    TArguments Options;
+    int ExitCode;
+    std::string Counts;  // rows of A and B afterwards
+    std::string Says;
+  };
+  const std::string OneRowEach = "INSERT INTO A(ID) VALUES (100); INSERT INTO B(ID) VALUES (100);";
+  const std::string Unanswered = "There is no terminal to ask whether to go on: give --on-error continue or";
+  const TCase Cases[] = {
+      {"", {"-i", "good.eif"}, 0, "1|2", "in all 2 sections: 3 rows"},
+      {"", {"-i", "good.eif", "-i", "more.eif"}, 0, "2|2", "imported table A, section 'A' of 'more.eif': 1 row"},
+      {"", {"-i", "good.eif", "-i", "good.eif"}, 2, "0|0", "--input names 'good.eif' twice"},
+      {OneRowEach, {"-i", "good.eif"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
+      {OneRowEach, {"-i", "good.eif", "--replace"}, 0, "1|2", "imported table B"},
+      {OneRowEach, {"-i", "good.eif", "--append"}, 0, "2|3", "imported table B"},
+      // After a failure nothing of its section stays, and an earlier table keeps what it had.
+      {"", {"-i", "faulty.eif"}, 1, "0|0", Unanswered},
+      {"", {"-i", "faulty.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
+      {"", {"-i", "faulty.eif", "--yes"}, 1, "0|0", Unanswered},
+      {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "stop"}, 1, "1|1", "not reached table B"},
+      {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "continue"}, 1, "1|2", "failed table A"},
+      {"", {"-i", "faulty.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "2|2", "in all 3 sections: 4 rows"},
+      {"", {"-i", "head.eif"}, 1, "0|0", "Section type is not registered (Type:'Strange'"},
+      {"", {"-i", "head.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
+      {"", {"-i", "head.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "1|0", "failed file 'head.eif'"},
+      {"", {"-i", "none.eif", "-i", "more.eif", "--on-error", "stop"}, 1, "0|0", "No such file"},
+      {"", {"-i", "lost.eif", "--on-error", "continue"}, 1, "0|2", "Error opening table (TableName:'NONE')"},
+      {"", {"-i", "bytes.eif", "--on-error", "continue"}, 1, "0|2", "failed table A"},
+      {"", {"-i", "bytes.eif", "--allow-loss"}, 0, "1|2", "1 malformed character replaced"},
+  };
+  for (const auto& [Before, Options, ExitCode, Expected, Says] : Cases) {
+    Query("empty.db", "DELETE FROM A; DELETE FROM B; " + Before);
+    const TOutcome Outcome = Run(Import(Options));
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Joined(Options) << "\n" << Outcome.Errors;
+    EXPECT_EQ(Counts("empty.db"), Expected) << Joined(Options) << "\n" << Outcome.Errors;
+    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(Options) << "\n" << Outcome.Errors;
+  }
+}
+
+TEST_F(TImportFileTest, TheReportCountsWhatBecameOfEverySection) {
+  const auto Report = nlohmann::json::parse(
+      Run(Import({"-i", "faulty.eif", "-i", "none.eif", "-i", "more.eif", "--on-error", "continue", "--json"})).Output,
+      nullptr, false);
+  std::string States;
+  for (const auto& Item : Report["sections"])
+    States += Item["file"].get<std::string>() + " " + Item["section"].get<std::string>() + " " +
+              Item["state"].get<std::string>() + " " + (Item.contains("rows") ? Item["rows"].dump() : "-") + "\n";
+  EXPECT_EQ(States,
+            "faulty.eif A failed -\nfaulty.eif B done 2\nfaulty.eif B failed -\nfaulty.eif A done 1\n"
+            "more.eif A done 1\nnone.eif  failed -\n");
+  EXPECT_EQ(Report["exitCode"], 1);
+  EXPECT_EQ(Report["rows"], 4);
+  EXPECT_NE(Report["sections"][0]["error"].get<std::string>().find("UNIQUE constraint failed: A.ID"),
+            std::string::npos);
+}
+
+TEST_F(TImportFileTest, ThroughPipes) {
+  EXPECT_EQ(Shell("cat good.eif | $V import file -d sqlite:empty.db -i more.eif -i -").ExitCode, 0);
+  EXPECT_EQ(Counts("empty.db"), "2|2");
+}
+
+TEST_F(TImportFileTest, KeysAnswerWhetherToGoOn) {
+  struct TCase {
+    TArguments Files;
+    std::string Keys;
+    int ExitCode;
+    std::string Counts;
+  };
+  const TCase Cases[] = {
+      {{"-i", "faulty.eif"}, "y\ny\n", 1, "1|2"},
+      {{"-i", "faulty.eif"}, "A\n", 1, "1|2"},
+      {{"-i", "faulty.eif"}, "n\n", 1, "0|0"},
+      {{"-i", "faulty.eif"}, "y\nn\n", 1, "0|2"},
+      {{"-i", "faulty.eif"}, "c\n", 3, "0|0"},
+      {{"-i", "faulty.eif"}, "\x03", 3, "0|0"},
+      {{"-i", "faulty.eif"}, "y\n\x04", 3, "0|2"},
+      {{"-i", "head.eif", "-i", "faulty.eif", "-i", "more.eif"}, "y\nall\n", 1, "2|2"},
+      {{"-i", "head.eif", "-i", "faulty.eif"}, "n\n", 1, "0|0"},
+  };
+  for (const auto& [Files, Keys, ExitCode, Expected] : Cases) {
+    Query("empty.db", "DELETE FROM A; DELETE FROM B");
+    const TOutcome Outcome = RunOnTerminal(Import(Files), "[y]es [n]o [A]ll [c]ancel ? ", Keys);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Keys << Outcome.Output;
+    EXPECT_EQ(Counts("empty.db"), Expected) << Keys << Outcome.Output;
+    EXPECT_NE(Outcome.Output.find("Go on with the import?"), std::string::npos) << Outcome.Output;
+  }
+}
+
+TEST_F(TImportFileTest, KeysDecideAboutRowsThatAreThere) {
+  for (const auto& [Keys, Expected] :
+       std::map<std::string, std::string>{{"n\np\n", "1|3"}, {"p\ny\n", "2|2"}, {"A\n", "1|2"}, {"y\nc\n", "1|1"}}) {
+    Query("empty.db", "DELETE FROM A; DELETE FROM B; INSERT INTO A(ID) VALUES (100); INSERT INTO B(ID) VALUES (100);");
+    const TOutcome Outcome = RunOnTerminal(Import({"-i", "good.eif"}), "Table 'A' has 1 row.", Keys);
+    EXPECT_EQ(Counts("empty.db"), Expected) << Keys << Outcome.Output;
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -1,0 +1,191 @@
+#include "velkrund/operations/ImportFile.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+struct TStructure {
+  int Type;
+  std::string Name;
+  const TEISection* Section;
+};
+
+TMissingTableHook InstalledMissingTableHook;
+
+bool EndsEverything(const std::exception& Error) {
+  return dynamic_cast<const EAbort*>(&Error) || dynamic_cast<const EQuestionUnanswered*>(&Error);
+}
+
+int ObjectTypeOf(const TEISection& Section) {
+  const std::string& Text = Section.ParamValue("ObjectType");
+  if (const auto Number = StrToInt32(Text)) return *Number;
+  throw EConvertError(Format("'%s' is not a valid integer value (section '%s', ObjectType)", Text, Section.Name()));
+}
+
+void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName) {
+  constexpr std::string_view TableNameParameter = "TableName";
+  if (!InstalledMissingTableHook) return;
+  if (InstalledMissingTableHook(Section, DatabaseName) != TMissingTable::Declined) return;
+  const bool NamesTable = Section.FParameters.IndexOf(TableNameParameter) >= 0;
+  throw Exception(
+      Format("Creation of table '%s' cancelled", NamesTable ? Section.ParamValue(TableNameParameter) : Section.Name()));
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TUOImportFile::Descriptor{
+    "TUOImportFile", nullptr, []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TUOImportFile>(); }};
+
+void SetMissingTableHook(TMissingTableHook Hook) { InstalledMissingTableHook = std::move(Hook); }
+
+int TUOImportFile::Execute() {
+  if (FCrypted)
+    throw Exception(
+        "Encrypted files are not supported yet. Decrypt the file first, and import the decrypted one with IsCrypted "
+        "off");
+  FStopping = false;
+  try {
+    return ImportAll();
+  } catch (const EAbort&) {
+    return 0;
+  }
+}
+
+int TUOImportFile::ImportAll() {
+  TUORecreateContainer Container;
+  SetUpContainer(Container);
+  const std::unique_ptr<TEIFile> File = OpenFile(FFileName, Container);
+  BeginPass(BytesOf(*File, TPart::Structures) + BytesOf(*File, TPart::Tables));
+  if (!ImportSections(*File, TPart::Structures) || !fCreateDBStructures) return 0;
+  if (!ImportSections(*File, TPart::Tables)) return 0;
+  EndPass();
+  return Container.Execute();
+}
+
+void TUOImportFile::SetUpContainer(TUORecreateContainer& Container) {
+  Container.Owner = this;
+  Container.DatabaseName = DatabaseName;
+  Container.ContinueOnError = ContinueOnError;
+  Container.FOnShowProgress = FOnShowProgress;
+}
+
+std::unique_ptr<TEIFile> TUOImportFile::OpenFile(const std::string& FileName, TUORecreateContainer& Container) {
+  try {
+    auto File = std::make_unique<TEIFile>(FileSystem ? *FileSystem : BaseMng().Files());
+    File->SetReadonly(true);
+    File->SetFileName(FileName);
+    File->Open();
+    std::vector<TStructure> Structures;
+    for (int Index = 0; Index < File->Sections().Count(); ++Index) {
+      const TEISection& Section = File->Sections()[Index];
+      if (Section.ObjectClass.Role() == TSectionRole::Structure)
+        Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
+    }
+    for (const TStructure& Structure : Structures) Container.Add(Structure.Type, Structure.Name, Structure.Section);
+    return File;
+  } catch (const std::exception& Error) {
+    if (Observer) Observer->FileFailed(FileName, Error);
+    throw;
+  }
+}
+
+std::int64_t TUOImportFile::BytesOf(const TEIFile& File, TPart Part) {
+  std::int64_t Bytes = 0;
+  for (int Index = 0; Index < File.Sections().Count(); ++Index)
+    if (const TEISection& Section = File.Sections()[Index]; PartOf(Section) == Part) Bytes += Section.DataSize;
+  return Bytes;
+}
+
+bool TUOImportFile::ImportSections(TEIFile& File, TPart Part) {
+  for (int Index = 0; Index < File.Sections().Count() && !Stopping(); ++Index)
+    if (PartOf(File.Sections()[Index]) == Part) ImportSection(File, Index);
+  return !Stopping();
+}
+
+void TUOImportFile::ImportSection(TEIFile& File, int Index) {
+  const TEISection& Section = File.Sections()[Index];
+  CurrentObjectName = Section.Name();
+  ShowPosition(CurrentProgress, CurrentObjectName);
+  CurrentTotal = Section.DataSize;
+  std::unique_ptr<TEIObject> Object;
+  bool LeftOut = false;
+  try {
+    Object = MakeObject(File, Index);
+    LeftOut = Observer && !Observer->BeginSection(File, Section, *Object);
+    if (!LeftOut) {
+      if (PartOf(Section) == TPart::Tables) MakeMissingTable(Section, DatabaseName);
+      File.ImportObject(*Object);
+      Object->SaveProperties(FEIObjectProperties);
+    }
+  } catch (const std::exception& Error) {
+    if (Observer) Observer->EndSection(File, Section, Object.get(), &Error);
+    if (EndsEverything(Error)) throw;
+    ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName);
+    return;
+  }
+  FStopping = FStopping || Object->Stopped();
+  CurrentProgress += CurrentTotal;
+  if (Observer && !LeftOut) Observer->EndSection(File, Section, Object.get(), nullptr);
+}
+
+std::unique_ptr<TEIObject> TUOImportFile::MakeObject(TEIFile& File, int Index) {
+  std::unique_ptr<TEIObject> Object = File.CreateEIObject(Index);
+  Object->LoadProperties(FEIObjectProperties);
+  Object->DatabaseName = DatabaseName;
+  Object->OnCancel = [this] { return IsCanceled(); };
+  Object->OnProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ChildProgress(Current, Total, Name);
+  };
+  return Object;
+}
+
+void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name) {
+  const std::string Report = Format(BaseMng().LString(Key), Name) + "\r\n" + Error.what();
+  BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Report);
+  if (!ContinueOnError) throw;
+  const std::string Question = Report + "\r\n" + BaseMng().LString("M_Velkrund_DSPUtils_ContinueImport");
+  int Answer = IDNO;
+  std::optional<std::string> Unanswered;
+  try {
+    Answer = uoMessageBox(0, ToUtf16(Question), {}, MB_YESNO, IDYES, IDNO);
+  } catch (const EQuestionUnanswered& Reason) {
+    Unanswered = Reason.what();
+  }
+  if (Answer != IDNO) return;
+  ContinueOnError = false;  // asked once is enough, for this operation and for those around it
+  if (Unanswered) throw EUnansweredError(Error, *Unanswered);
+  throw;
+}
+
+void TUOImportFile::BeginPass(std::int64_t Total) {
+  CurrentProgress = FShown = 0;
+  TotalProgress = Total;
+}
+
+void TUOImportFile::EndPass() {
+  if (TotalProgress > 0) ShowPosition(TotalProgress, CurrentObjectName);
+}
+
+void TUOImportFile::ChildProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName) {
+  const double Share = Total > 0 ? std::clamp(static_cast<double>(Current) / Total, 0.0, 1.0) : 0.0;
+  ShowPosition(CurrentProgress + static_cast<std::int64_t>(Share * static_cast<double>(CurrentTotal)), ObjectName);
+}
+
+// A failed section counts for nothing, so that the next one begins where it began; what was shown stays.
+void TUOImportFile::ShowPosition(std::int64_t Position, std::string_view ObjectName) {
+  FShown = std::max(FShown, Position);
+  ReportProgress(FOnShowProgress, FShown, TotalProgress, ObjectName);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,133 @@
+#include "velkrund/operations/RecreateContainer.h"
+
+#include "velkrund/eif/Section.h"
+#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::size_t MaxNamesLength = 500;
+constexpr std::string_view StartValueParameter = "StartValue";
+
+/// 0 when the section names none.
+std::int64_t StartValueOf(const TEISection& Section) {
+  if (Section.FParameters.IndexOf(StartValueParameter) < 0) return 0;
+  return StrToInt64(Section.ParamValue(StartValueParameter)).value_or(0);
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TUORecreateContainer::Descriptor{
+    "TUORecreateContainer", nullptr,
+    []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TUORecreateContainer>(); }};
+
+std::unique_ptr<TRecreateOperation> TRecreateOperationList::Create(int ObjectType) const {
+  const auto Found = FFactories.find(ObjectType);
+  return Found == FFactories.end() ? nullptr : Found->second();
+}
+
+TRecreateOperationList& RecreateOperations() {
+  static TRecreateOperationList List;
+  return List;
+}
+
+TRecreateOperation* TUORecreateContainer::Add(int ObjectType, const std::string& Name, const TEISection* Section) {
+  if (!OurObjectType(ObjectType)) return nullptr;
+  std::unique_ptr<TRecreateOperation> Operation = RecreateOperations().Create(ObjectType);
+  if (!Operation) return nullptr;
+  Operation->Owner = this;
+  Operation->ObjectName = Name;
+  Operation->DatabaseName = DatabaseName;
+  if (ObjectType == GeneratorType && Section)
+    if (const std::int64_t StartValue = StartValueOf(*Section); StartValue > 0) Operation->SetStartValue(StartValue);
+  FEntries.push_back({Name, ObjectType, std::move(Operation)});
+  return FEntries.back().Operation.get();
+}
+
+void TUORecreateContainer::Clear() {
+  FEntries.clear();
+  FCreated = 0;
+  FLastError.clear();
+}
+
+TRecreateOperation* TUORecreateContainer::Items(int Index) const {
+  return Index >= 0 && Index < Count() ? FEntries[static_cast<std::size_t>(Index)].Operation.get() : nullptr;
+}
+
+int TUORecreateContainer::GetObjectType(int Index) const {
+  return Index >= 0 && Index < Count() ? FEntries[static_cast<std::size_t>(Index)].ObjectType : -1;
+}
+
+std::string TUORecreateContainer::GatherObjectsNames() const {
+  std::string Names;
+  for (const TEntry& Entry : FEntries) {
+    if (Entry.Name.empty()) continue;
+    Names += Entry.Name + ";";
+    if (Names.size() > MaxNamesLength && Utf16Length(Names) > MaxNamesLength) return Names + " more...";
+  }
+  return Names;
+}
+
+int TUORecreateContainer::Execute() {
+  try {
+    RunPass(true);
+    RunPass(false);
+    if (FCreated < Count()) ReportNotCreated();
+  } catch (const EAbort&) {
+    return 0;
+  }
+  return 1;
+}
+
+void TUORecreateContainer::RunPass(bool GeneratorsAndViewsOnly) {
+  TSweep Sweep;
+  do Sweep = RunSweep(GeneratorsAndViewsOnly);
+  while (Sweep.Created && Sweep.Failed);
+}
+
+TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndViewsOnly) {
+  TSweep Sweep;
+  for (TEntry& Entry : FEntries) {
+    if (IsCanceled()) return {};
+    if (Entry.Name.empty()) continue;
+    if (GeneratorsAndViewsOnly && Entry.ObjectType != GeneratorType && Entry.ObjectType != ViewType) continue;
+    Create(Entry, Sweep);
+  }
+  return Sweep;
+}
+
+void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
+  try {
+    if (!Entry.Operation->Execute()) return;  // declined or cancelled: neither made nor failed
+  } catch (const EAbort&) {
+    throw;
+  } catch (const EQuestionUnanswered&) {
+    throw;
+  } catch (const std::exception& Error) {
+    FLastError = Format(BaseMng().LString("M_Test_ComUtils_ErrorOnCreateDBStructure"), Entry.Name);
+    FLastError += "\r\n";
+    FLastError += Error.what();
+    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Info, FLastError);
+    Sweep.Failed = true;
+    return;
+  }
+  Sweep.Created = true;
+  ShowProgress(++FCreated, Count(), Entry.Name);
+  Entry.Name.clear();
+}
+
+void TUORecreateContainer::ReportNotCreated() {
+  const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_NotCreated_ObjectsInfo") + "\r\n" +
+                             GatherObjectsNames() + "\r\nLast Error: " + FLastError;
+  BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Report);
+  if (!ContinueOnError) throw Exception(Report);
+  uoMessageBox(0, ToUtf16(Report), {}, MB_OK | MB_ICONINFORMATION, 0, 0);
+}
+
+}  // namespace velkrund

@@ -6,8 +6,11 @@ TCommands AllCommands() {
   TCommands Result;
   Result.push_back(MakeExportTable());
   Result.push_back(MakeImportTable());
+  Result.push_back(MakeImportFile());
   Result.push_back(MakeFileList());
+  Result.push_back(MakeFileCheck());
   Result.push_back(MakeFileRemove());
+  Result.push_back(MakeFileRepair());
   Result.push_back(MakeDatabaseInfo());
   return Result;
 }

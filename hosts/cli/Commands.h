@@ -15,8 +15,11 @@ TCommands AllCommands();
 // One file each.
 std::unique_ptr<TCommand> MakeExportTable();
 std::unique_ptr<TCommand> MakeImportTable();
+std::unique_ptr<TCommand> MakeImportFile();
 std::unique_ptr<TCommand> MakeFileList();
+std::unique_ptr<TCommand> MakeFileCheck();
 std::unique_ptr<TCommand> MakeFileRemove();
+std::unique_ptr<TCommand> MakeFileRepair();
 std::unique_ptr<TCommand> MakeDatabaseInfo();
 
 }  // namespace velkrund

@@ -65,6 +65,8 @@ class TEISource {
   TKvEncoding DefaultEncoding() const { return FDefaultEncoding; }
   /// The encoding of sections to be written.
   void SetDefaultEncoding(TKvEncoding Encoding) { FDefaultEncoding = Encoding; }
+  /// Where the "[SECTION]" line of the section begins that Open could not read through, a byte offset; -1: none.
+  std::int64_t UnreadPosition() const { return FUnreadPosition; }
   /// Lines read by ReadlnString since Open began; -1 while lines are not counted.
   std::int64_t ReadLnCnt() const { return FReadLnCnt; }
   /// Characters lost to encodings so far.
@@ -99,6 +101,7 @@ class TEISource {
   void MoveDown(std::int64_t& WriteAt, std::int64_t From, std::int64_t To);
 
   std::int64_t FReadLnCnt = -1;
+  std::int64_t FUnreadPosition = -1;
   TKvEncoding FDefaultEncoding = TKvEncoding::Ansi;
   TEISectionList FSections;
   TTextLosses FLosses;

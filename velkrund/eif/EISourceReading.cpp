@@ -24,8 +24,12 @@ void TEISource::StructureError(std::string_view What, std::string_view Detail) {
 // Marker lines are ASCII in every encoding, so they are looked for without decoding what lies between them.
 bool TEISource::FindSectionStart() {
   TStream& Source = Stream();
-  while (!Source.Peek().empty())
-    if (RightTrim(ReadRaw()) == "[SECTION]") return true;
+  while (!Source.Peek().empty()) {
+    const std::int64_t LineStart = Source.Position();
+    if (RightTrim(ReadRaw()) != "[SECTION]") continue;
+    FUnreadPosition = LineStart;
+    return true;
+  }
   return false;
 }
 
@@ -40,6 +44,7 @@ void TEISource::ReadSection() {
     Section.DataPosition = Stream().Position();
     Section.DataLinePosition = FReadLnCnt;
     if (!SkipBody(Section)) StructureError("Section end not found");
+    FUnreadPosition = -1;
   } catch (...) {
     FSections.DeleteSection(FSections.Count() - 1);
     throw;

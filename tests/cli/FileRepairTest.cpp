@@ -1,0 +1,191 @@
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <set>
+#include <thread>
+
+#include "tests/cli/CommandTest.h"
+
+namespace velkrund::tests {
+namespace {
+
+class TFileRepairTest : public TCommandTest {
+ protected:
+  TOutcome Repair() { return Run({"file", "repair", "F"}); }
+
+  /// A file of three sections, as the command writes it.
+  std::string Exported(const TArguments& Options) {
+    if (!Exists("a.db"))
+      Query("a.db",
+            "CREATE TABLE A(V); CREATE TABLE B(V); CREATE TABLE C(V); INSERT INTO A VALUES('я'), (1); INSERT "
+            "INTO C VALUES(x'0D0A')");
+    TArguments Export = {"export", "table", "-d", "sqlite:a.db", "--all", "-o", "new.eif"};
+    Export.insert(Export.end(), Options.begin(), Options.end());
+    EXPECT_EQ(Run(Export).ExitCode, 0);
+    const std::string Result = Read("new.eif");
+    unlink(Path("new.eif").c_str());
+    return Result;
+  }
+};
+
+/// Where a file that was cut to Length has to end: before what was not finished.
+std::size_t FinishedPart(const std::string& Content, std::size_t Length) {
+  if (Content.starts_with("\xEF\xBB\xBF") && Length < 3) return 0;
+  for (std::size_t At = 0; (At = Content.find("[SECTION]", At)) < Length;) {
+    const std::size_t End = Content.find("[END]", At) + 5;
+    if (Length < End) return At == Length ? Length : At;
+    At = End;
+  }
+  return Length;
+}
+
+TEST_F(TFileRepairTest, EveryTruncationKeepsTheFinishedSections) {
+  for (const TArguments& Options : {TArguments{}, {"--release", "rv17"}}) {
+    const std::string Content = Exported(Options);
+    ASSERT_EQ(FinishedPart(Content, Content.size()), Content.size());
+    std::set<std::string> Results;
+    for (std::size_t Length = 0; Length < Content.size(); ++Length) {
+      Write("F", Content.substr(0, Length));
+      const TOutcome Outcome = Repair();
+      ASSERT_EQ(Outcome.ExitCode, 0) << Length << Outcome.Errors;
+      const std::size_t Kept = FinishedPart(Content, Length);
+      ASSERT_EQ(Read("F"), Content.substr(0, Kept)) << Length;
+      ASSERT_EQ(Exists("F.cut"), Kept < Length) << Length;
+      if (Kept < Length) {
+        ASSERT_EQ(Read("F.cut"), Content.substr(Kept, Length - Kept)) << Length;
+        unlink(Path("F.cut").c_str());
+      }
+      Results.insert(Read("F"));
+    }
+    EXPECT_GT(Results.size(), 6U);
+    for (const std::string& Result : Results) {
+      Write("F", Result);
+      EXPECT_NE(Repair().Errors.find("nothing to repair: 'F' has "), std::string::npos) << Result;
+      EXPECT_EQ(Read("F"), Result);
+      EXPECT_EQ(Run({"export", "table", "-d", "sqlite:a.db", "-t", "C", "-o", "F", "--add"}).ExitCode, 0) << Result;
+      EXPECT_TRUE(Read("F").starts_with(Result));
+      const auto Check = RunJson({"file", "check", "F"});
+      EXPECT_EQ(Check["files"][0]["sections"].back()["rows"], 1) << Result;
+    }
+  }
+}
+
+TEST_F(TFileRepairTest, OnlyWhatNeverEndedIsCut) {
+  const std::string Broken = "[SECTION]\r\nVersion = x\r\n", Block(256 * 1024 - Broken.size() - 4, '.');
+  const std::string Good =
+      "[SECTION]\r\nName = G\r\nType = TableData\r\nVersion = 200\r\nTableName = T\r\n[DATA]\r\n[END]\r\n";
+  const struct {
+    std::string Tail;
+    bool IsCut;
+  } Cases[] = {
+      {Broken, true},
+      {Broken + " [END]\r\n[END]x\r\n\n[END]\r\n[ END]\r\n[SECTION ]\r\n[section]\r\n[END", true},
+      {Broken + "[SECTION].[END]\r\nA\n[END]\r\n[SECTION]\n", true},
+      {Broken + Block + "[END\r\n]", true},
+      {Broken + "[END]", false},
+      {Broken + "[END]  \r\n", false},
+      {Broken + "A\r[END]\rB", false},
+      {Broken + "[SECTION]\r\n", false},
+      {Broken + "[SECTION]    ", false},
+      {Broken + Block + "\r\n[END]\r\n", false},
+      {Broken + Block + "...\r\n[END]\r\n", false},
+      {Broken + Block + "\r\n[END]" + std::string(300'000, ' '), false},
+  };
+  for (const auto& Case : Cases) {
+    Write("F", Good + Case.Tail);
+    const TOutcome Outcome = Repair();
+    EXPECT_EQ(Outcome.ExitCode, Case.IsCut ? 0 : 1) << Case.Tail.substr(0, 99);
+    EXPECT_EQ(Read("F"), Case.IsCut ? Good : Good + Case.Tail);
+    EXPECT_EQ(Read("F.cut"), Case.IsCut ? Case.Tail : "");
+    EXPECT_NE(Outcome.Errors.find("Version is not numeric value (Position:108).; FileName: F; Line: 9 "),
+              std::string::npos)
+        << Outcome.Errors;
+    EXPECT_EQ(Outcome.Errors.find("cutting can not mend it; nothing was changed") == std::string::npos, Case.IsCut);
+    unlink(Path("F.cut").c_str());
+  }
+  for (const char* Sound : {"", "; a comment\r\n", "no [SEC", "\n[SEC", "[SECTION]x\r\n[SECTIOM"}) {
+    Write("F", Sound);
+    EXPECT_EQ(Repair().Errors, "nothing to repair: 'F' has 0 sections\n") << Sound;
+    EXPECT_EQ(Read("F"), Sound);
+  }
+  EXPECT_EQ(Files(), TArguments{"F"});
+}
+
+TEST_F(TFileRepairTest, NothingIsOverwrittenAndRightsStay) {
+  const std::string Tail = "[SECTION]\r\nName = secret\r\n";
+  Write("F.cut", "mine");
+  Write("F", "; kept\r\n" + Tail);
+  chmod(Path("F").c_str(), 0660);
+  const auto Json = RunJson({"file", "repair", "F"});
+  EXPECT_EQ(Json["cutFile"], "F.cut-2");
+  EXPECT_EQ(Json["position"], 8);
+  EXPECT_EQ(Json["bytesCut"], Tail.size());
+  EXPECT_EQ(Json["sectionsLeft"], 0);
+  EXPECT_EQ(Read("F.cut"), "mine");
+  EXPECT_EQ(Read("F.cut-2"), Tail);
+  struct stat Status = {};
+  stat(Path("F.cut-2").c_str(), &Status);
+  EXPECT_EQ(Status.st_mode & 07777, 0660U);
+}
+
+TEST_F(TFileRepairTest, WhatCanNotBeDoneLeavesAllAsItWas) {
+  const std::string Content = "[SECTION]\r\n" + std::string(100'000, 'x');
+  Write("F", Content);
+  mkdir(Path("folder").c_str(), 0700);
+  // A file size limit stands in for a full disk.
+  const TOutcome Full = Shell("trap '' XFSZ; ulimit -f 8; $V file repair F");
+  EXPECT_EQ(Full.ExitCode, 1);
+  EXPECT_NE(Full.Errors.find("Can not write file 'F.cut': File too large"), std::string::npos) << Full.Errors;
+
+  const int Writer = open(Path("F").c_str(), O_RDWR);
+  struct flock Lock = {};
+  Lock.l_type = F_WRLCK;
+  ASSERT_EQ(fcntl(Writer, F_OFD_SETLK, &Lock), 0);
+  const struct {
+    const char* File;
+    int ExitCode;
+    const char* Error;
+  } Cases[] = {{"F", 1, "Can not open file 'F': it is in use by another program"},
+               {"none", 1, "Can not open file 'none': No such file or directory"},
+               {"folder", 1, "Can not open file 'folder': Is a directory"},
+               {"-", 2, "'-' is a pipe: there is nothing to cut off"}};
+  for (const auto& Case : Cases) {
+    const TOutcome Outcome = Run({"file", "repair", Case.File});
+    EXPECT_EQ(Outcome.ExitCode, Case.ExitCode) << Case.File;
+    EXPECT_NE(Outcome.Errors.find(Case.Error), std::string::npos) << Outcome.Errors;
+  }
+  close(Writer);
+  EXPECT_EQ(Read("F"), Content);
+  EXPECT_EQ(Files(), (TArguments{"F", "folder"}));
+}
+
+// Stopped at any moment: by a wish that is polled the file is as before, by force nothing is lost.
+TEST_F(TFileRepairTest, AStoppedRepairLosesNothing) {
+  const std::string Kept = "; kept\r\n", Tail = "[SECTION]\r\n" + std::string(4'000'000, 'x');
+  for (const int Signal : {SIGINT, SIGKILL}) {
+    bool Stopped = false, Done = false;
+    for (int Milliseconds = 0; Milliseconds < 20'000 && !Done; Milliseconds += 1 + Milliseconds / 8) {
+      Write("F", Kept + Tail);
+      const pid_t Process = Start({"file", "repair", "F"});
+      std::this_thread::sleep_for(std::chrono::milliseconds(Milliseconds));
+      kill(Process, Signal);
+      const int ExitCode = Finish(Process).ExitCode;
+      const std::string Left = Read("F"), Cut = Read("F.cut");
+      Done = Left == Kept && Cut == Tail;
+      Stopped = Stopped || !Done;
+      ASSERT_TRUE(Done || Left == Kept + Tail) << Milliseconds << " ms: " << Left.size() << " bytes";
+      if (Signal == SIGINT && !Done) {
+        EXPECT_TRUE(ExitCode == 3 || ExitCode == 128 + SIGINT) << ExitCode;
+        EXPECT_FALSE(Exists("F.cut"));
+      }
+      unlink(Path("F.cut").c_str());
+    }
+    EXPECT_TRUE(Stopped && Done);
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

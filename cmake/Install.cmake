@@ -21,10 +21,25 @@ if(TARGET hosts-cli)
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
              OUTPUT_VARIABLE LibrariesFromPrograms)
   set_target_properties(hosts-cli PROPERTIES INSTALL_RPATH "$ORIGIN/${LibrariesFromPrograms}")
+
+  # What the command tells about itself: its manual page, and the scripts that make shells complete its lines.
+  set(CommandTexts)
+  function(velkrund_command_text Options Folder Name)
+    set(Output "${PROJECT_BINARY_DIR}/share/${Folder}/${Name}")
+    cmake_path(GET Output PARENT_PATH Directory)
+    file(MAKE_DIRECTORY "${Directory}")
+    add_custom_command(OUTPUT "${Output}" COMMAND hosts-cli ${Options} > "${Output}" DEPENDS hosts-cli
+                       COMMENT "Writing ${Name}")
+    install(FILES "${Output}" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/${Folder}")
+    set(CommandTexts ${CommandTexts} "${Output}" PARENT_SCOPE)
+  endfunction()
+  velkrund_command_text("--manual" man/man1 velkrund.1)
+  velkrund_command_text("--completion;bash" bash-completion/completions velkrund)
+  velkrund_command_text("--completion;zsh" zsh/site-functions _velkrund)
+  velkrund_command_text("--completion;fish" fish/vendor_completions.d velkrund.fish)
+  add_custom_target(command-texts ALL DEPENDS ${CommandTexts})
 endif()
-if(EXISTS "${PROJECT_SOURCE_DIR}/texts")
-  install(DIRECTORY texts/ DESTINATION "${CMAKE_INSTALL_DATADIR}/velkrund/texts")
-endif()
+install(FILES texts/velkrund.eif DESTINATION "${CMAKE_INSTALL_DATADIR}/velkrund/texts")
 
 configure_package_config_file(cmake/VelkrundConfig.cmake.in "${PROJECT_BINARY_DIR}/VelkrundConfig.cmake"
                               INSTALL_DESTINATION "${PackageDirectory}")

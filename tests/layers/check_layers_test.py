@@ -24,6 +24,7 @@ CLEAN = {
     "hosts/cli/Main.cpp": '#include <CLI/CLI.hpp>\n#include "velkrund/eif/EISource.h"\n',
     "tests/eif/EISourceTest.cpp": '#include <gtest/gtest.h>\n#include "velkrund/eif/EISource.h"\n',
     "velkrund/eif/Longest.cpp": "//\n" * 500,
+    "examples/export.c": "#include <stdio.h>\n",
 }
 
 # The planted file, its text, and where and what the checker has to report.
@@ -42,7 +43,7 @@ VIOLATIONS = [
      "velkrund/eif may not use velkrund/dictionary"),
     ("POSIX in the module", "velkrund/eif/Bad.cpp", "#include <unistd.h>\n", 1,
      "velkrund/ uses the C++ standard library alone"),
-    ("C header in the module", "velkrund/eif/Bad.cpp", "#include <string.h>\n", 1,
+    ("C header in the module", "velkrund/eif/Bad.cpp", "#include <stdint.h>\n", 1,
      "velkrund/ uses the C++ standard library alone"),
     ("POSIX without the mark", "standalone/tables/Bad.cpp", "#include <sys/stat.h>\n", 1, '"system" mark'),
     ("third party in the module", "velkrund/platform/database/Bad.cpp", "#include <sqlite3.h>\n", 1,
@@ -61,7 +62,9 @@ VIOLATIONS = [
     ("undeclared subfolder", "velkrund/platform/misc/Bad.h", "#pragma once\n", 1, "not in cmake/layers.json"),
     ("over-long source", "velkrund/eif/Bad.cpp", "//\n" * 501, 501, "501 lines"),
     ("over-long test", "tests/eif/BadTest.cpp", "//\n" * 501, 501, "501 lines"),
+    ("over-long example", "examples/bad.c", "//\n" * 501, 501, "501 lines"),
     ("unbuilt suffix", "velkrund/eif/Bad.hpp", "#pragma once\n", 1, "nothing builds or checks"),
+    ("C in the module", "velkrund/eif/Bad.c", "\n", 1, "nothing builds or checks"),
 ]
 
 

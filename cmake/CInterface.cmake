@@ -1,0 +1,52 @@
+# libvelkrund-c: everything in one shared library, of which only the C functions of velkrund/module/Velkrund.h are seen.
+# Made of the objects that hosts/common needs, so that it depends on nothing of ours, however the other libraries are
+# built.
+
+if(NOT VELKRUND_BUILD_STANDALONE)
+  return()
+endif()
+
+velkrund_json_list(Layers layers hosts/common uses)
+set(Objects)
+set(AllPackages)
+foreach(Layer IN LISTS Layers ITEMS hosts/common)
+  string(REPLACE "/" "-" Name "${Layer}")
+  if(TARGET ${Name}-objects)
+    list(APPEND Objects $<TARGET_OBJECTS:${Name}-objects>)
+    velkrund_layer_packages(Packages "${Layer}")
+    list(APPEND AllPackages ${Packages})
+  endif()
+endforeach()
+list(REMOVE_DUPLICATES AllPackages)
+
+set(Exports "${PROJECT_SOURCE_DIR}/cmake/velkrund-c.map")
+add_library(velkrund-c SHARED ${Objects})
+set_target_properties(velkrund-c PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS "${Exports}" VERSION ${PROJECT_VERSION}
+                      SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+target_link_libraries(velkrund-c PRIVATE ${AllPackages} Threads::Threads)
+target_link_options(velkrund-c PRIVATE "LINKER:--version-script=${Exports}")
+target_include_directories(velkrund-c INTERFACE "${PROJECT_SOURCE_DIR}")
+velkrund_link_time_optimization(velkrund-c)
+
+# Relative, so that an installed copy can be moved.
+set(Prefix "${CMAKE_INSTALL_PREFIX}")
+cmake_path(RELATIVE_PATH Prefix BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+           OUTPUT_VARIABLE VELKRUND_PREFIX_FROM_PC)
+configure_file(cmake/velkrund-c.pc.in velkrund-c.pc @ONLY)
+install(TARGETS velkrund-c)
+install(FILES "${PROJECT_BINARY_DIR}/velkrund-c.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+# The examples in C, which the tests run.
+if(NOT VELKRUND_BUILD_TESTS)
+  return()
+endif()
+file(GLOB Examples CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/examples/*.c")
+foreach(Example IN LISTS Examples)
+  cmake_path(GET Example STEM Name)
+  add_executable(example-${Name} "${Example}")
+  set_target_properties(example-${Name} PROPERTIES OUTPUT_NAME ${Name} C_STANDARD 99 C_STANDARD_REQUIRED ON
+                        C_EXTENSIONS OFF RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/examples")
+  target_compile_options(example-${Name} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+                         $<$<BOOL:${VELKRUND_WERROR}>:-Werror>)
+  target_link_libraries(example-${Name} PRIVATE velkrund-c)
+endforeach()

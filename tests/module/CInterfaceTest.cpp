@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+
+#include <functional>
+
+#include "tests/support/TemporaryFolder.h"
+#include "velkrund/module/Velkrund.h"
+
+namespace velkrund::tests {
+namespace {
+
+constexpr const char* ImportFiles = "TUOImportFilesInterface";
+constexpr const char* ImportTable = "TUOImportTableDataInterface";
+
+std::u16string Asked;
+std::int32_t HookAnswer = 0;
+
+/// A database with a table of three rows, and a configuration that names it.
+class CInterface : public testing::Test {
+ protected:
+  CInterface() {
+    Folder.Write("velkrund.toml", "[database.shop]\nurl = \"sqlite:shop.db\"\n");
+    SQL("shop.db", "CREATE TABLE T (ID INTEGER, NAME TEXT); INSERT INTO T VALUES (1, 'a'), (2, 'b'), (3, NULL);");
+    SQL("copy.db", "CREATE TABLE C (ID INTEGER, NAME TEXT); INSERT INTO C VALUES (9, 'kept');");
+  }
+
+  /// The rows of a query's single column, one a line.
+  std::string SQL(const std::string& File, const std::string& Statements) const {
+    sqlite3* Database = nullptr;
+    std::string Rows;
+    EXPECT_EQ(sqlite3_open((Folder / File).c_str(), &Database), SQLITE_OK);
+    const auto Take = [](void* Out, int, char** Values, char**) {
+      *static_cast<std::string*>(Out) += std::string(Values[0] ? Values[0] : "NULL") + "\n";
+      return 0;
+    };
+    EXPECT_EQ(sqlite3_exec(Database, Statements.c_str(), Take, &Rows, nullptr), SQLITE_OK) << sqlite3_errmsg(Database);
+    sqlite3_close(Database);
+    return Rows;
+  }
+
+  /// Runs the example in the folder; its messages are left in Messages.
+  int Example(const std::string& Arguments) {
+    const std::string Command = "cd '" + Folder / "" + "' && '" VELKRUND_EXAMPLE "' " + Arguments + " > out 2> err";
+    const int Status = std::system(Command.c_str());
+    Messages = Folder.Read("err");
+    return WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
+  }
+
+  std::string Get(VelkrundOperation* Operation, const char* Name, std::size_t Size = 100) {
+    std::string Text(Size, '#');
+    const std::size_t Needed = VelkrundGetProperty(Operation, Name, Text.data(), Size);
+    return std::to_string(Needed) + ":" + Text.c_str();
+  }
+
+  TTemporaryFolder Folder;
+  std::string Messages;
+};
+
+TEST_F(CInterface, ExampleExportsImportsAndCancels) {
+  constexpr const char* Rows = "SELECT ID || ',' || ifnull(NAME, 'NULL') FROM C ORDER BY ID";
+  EXPECT_EQ(Example("--cancel shop T t.eif sqlite:copy.db C"), 3) << Messages;
+  EXPECT_NE(Messages.find(" 50 of 100  import  \n"), std::string::npos) << Messages;
+  EXPECT_TRUE(Messages.ends_with("Cancelled\n")) << Messages;
+  EXPECT_NE(Folder.Read("t.eif").find("[DATA]\r\n [FIELDS]\r\n  ID\r\n  NAME\r\n [RECORDS]\r\n  <1|'a'>\r\n"),
+            std::string::npos);
+  EXPECT_EQ(SQL("copy.db", Rows), "9,kept\n") << "a cancelled import changes nothing";
+  EXPECT_EQ(Example("shop T t.eif sqlite:copy.db C"), 0) << Messages;
+  EXPECT_EQ(SQL("copy.db", Rows), "1,a\n2,b\n3,NULL\n");
+  EXPECT_EQ(Folder.Read("out"), "t.eif: section 'T', TableData, version 200\n");
+
+  const struct {
+    const char* Arguments;
+    int ExitCode;
+    const char* Message;
+  } Cases[] = {
+      {"shop NOPE t.eif", 1, "EDicUtilError:Can not export table data. Error opening table (TableName:'NOPE')"},
+      {"--config none.toml shop T t.eif", 1, "EConfigurationError:Can not read the configuration 'none.toml'"},
+      {"sqlite:none.db T t.eif", 1, "EDatabaseError:The database file"},
+      {"shop T no/such/t.eif", 1, "EFCreateError:Can not create file 'no/such/t.eif'"},
+      {"shop T", 2, "export_table [--config FILE]"},
+  };
+  for (const auto& Case : Cases) {
+    EXPECT_EQ(Example(Case.Arguments), Case.ExitCode) << Case.Arguments;
+    EXPECT_NE(Messages.find(Case.Message), std::string::npos) << Messages;
+  }
+}
+
+/// The same process with a platform of its own.
+class CPlatform : public CInterface {
+ protected:
+  CPlatform() { EXPECT_TRUE(VelkrundInstallPlatform((Folder / "velkrund.toml").c_str())) << VelkrundLastError(); }
+  ~CPlatform() override {
+    EXPECT_TRUE(VelkrundSetMessageBox(nullptr));
+    EXPECT_TRUE(VelkrundRemovePlatform()) << VelkrundLastError();
+  }
+};
+
+TEST_F(CPlatform, FailuresAreTexts) {
+  VelkrundOperation* Import = VelkrundCreateOperation(ImportTable, nullptr);
+  VelkrundOperation* Export = VelkrundCreateOperation("tuoEXPORTtabledatainterface", nullptr);
+  ASSERT_TRUE(Import && Export) << VelkrundLastError();
+  VelkrundFile* File = VelkrundOpenFile((Folder / "new.eif").c_str(), VELKRUND_CREATE);
+  ASSERT_TRUE(File) << VelkrundLastError();
+  VelkrundSectionInfo Section;
+  VelkrundPropertyInfo Property;
+  const struct {
+    std::function<std::int64_t()> Call;
+    const char* Error;
+    std::int64_t Failure = 0;
+  } Cases[] = {
+      {[&] { return VelkrundCreateOperation("TNone", nullptr) != nullptr; },
+       "EPropertyError:There is no operation class 'TNone'"},
+      {[&] { return VelkrundCreateOperation(nullptr, nullptr) != nullptr; },
+       "EAccessViolation:The argument ClassName is NULL"},
+      {[&] { return VelkrundSetProperty(Import, "Nope", "1"); },
+       "EPropertyError:TUOImportTableDataInterface has no property 'Nope'"},
+      {[&] { return VelkrundSetProperty(Import, "Append", "maybe"); },
+       "EPropertyError:'maybe' is no value for property 'Append'"},
+      {[&] { return VelkrundSetProperty(Import, "LastError", "x"); },
+       "EPropertyError:Property 'LastError' is read-only"},
+      {[&] { return VelkrundSetProperty(nullptr, "Append", "1"); }, "EAccessViolation:The argument Operation is NULL"},
+      {[&] { return VelkrundSetFile(Export, "Table", File); }, "EPropertyError:Property 'Table' takes no file"},
+      {[&] { return VelkrundSetFile(Export, "Nope", File); },
+       "EPropertyError:TUOExportTableDataInterface has no property 'Nope'"},
+      {[&] { return static_cast<std::int64_t>(VelkrundGetProperty(Import, "Source", nullptr, 0)); },
+       "EPropertyError:Property 'Source' is an object, which has no text"},
+      {[&] { return VelkrundSetList(Import, "TableName", nullptr, 0); },
+       "EPropertyError:Property 'TableName' takes another type"},
+      {[&] { return VelkrundDescribeProperty(ImportTable, 999, &Property); },
+       "EListError:Property 999 is out of bounds"},
+      {[&] { return VelkrundDescribeSection(File, 0, &Section); }, "EListError:"},
+      {[&] { return VelkrundSectionCount(nullptr); }, "EAccessViolation:The argument File is NULL", -1},
+      {[&] { return VelkrundOpenFile("nowhere.eif", VELKRUND_READ) != nullptr; }, "EEIError:"},
+      {[&] { return VelkrundExecute(Import); }, "EAccessViolation:Access violation: the source"},
+      {[&] { return VelkrundInstallPlatform(nullptr); }, "Exception:A platform is installed already"},
+      {[&] { return VelkrundRemovePlatform(); },
+       "Exception:The platform is in use: 3 operations or files have to be destroyed or closed first"},
+  };
+  for (const auto& Case : Cases) {
+    EXPECT_EQ(Case.Call(), Case.Failure) << Case.Error;
+    EXPECT_TRUE(std::string_view(VelkrundLastError()).starts_with(Case.Error)) << VelkrundLastError();
+  }
+  EXPECT_EQ(VelkrundSectionCount(File), 0);
+  EXPECT_STREQ(VelkrundLastError(), "");
+  EXPECT_TRUE(VelkrundSetFile(Export, "Target", File));
+  EXPECT_TRUE(VelkrundCloseFile(File));
+  EXPECT_TRUE(VelkrundSetProperty(Export, "DatabaseName", "shop") && VelkrundSetProperty(Export, "TableName", "T") &&
+              VelkrundSetProperty(Export, "SectionName", "S"));
+  EXPECT_TRUE(VelkrundExecute(Export)) << "a file stays usable while an operation has it: " << VelkrundLastError();
+  EXPECT_TRUE(VelkrundDestroyOperation(Import) && VelkrundDestroyOperation(Export));
+}
+
+TEST_F(CPlatform, PropertiesAreListedAndTravelAsTexts) {
+  std::string Types;
+  for (std::int32_t Class = 0; Class < VelkrundClassCount(); ++Class) {
+    if (std::string_view(VelkrundClassName(Class)) != "TUOExportTableDataInterface") continue;
+    for (std::int32_t Index = 0; Index < VelkrundPropertyCount(VelkrundClassName(Class)); ++Index) {
+      VelkrundPropertyInfo Info;
+      ASSERT_TRUE(VelkrundDescribeProperty(VelkrundClassName(Class), Index, &Info));
+      EXPECT_STRNE(Info.Help, "") << Info.Name;
+      Types += Info.Name + std::string(":") + std::to_string(Info.Type) + (Info.ReadOnly ? "r" : "") + Info.Choices;
+      Types += ' ';
+    }
+  }
+  EXPECT_EQ(Types,
+            "DatabaseName:2 ShowProgress:0 LastError:2r Target:6 SectionName:2 ReleaseVersion:3rv17,rv20 "
+            "Encoding:3ansi,utf8 TableName:2 Table:6 Fields:4 ");
+
+  VelkrundOperation* Export = VelkrundCreateOperation("TUOExportTableDataInterface", nullptr);
+  const char* const Names[] = {"A,B", "C"};
+  EXPECT_TRUE(VelkrundSetProperty(Export, "ShowProgress", "1") && VelkrundSetProperty(Export, "Encoding", "0") &&
+              VelkrundSetProperty(Export, "tablename", "имя") && VelkrundSetList(Export, "Fields", Names, 2));
+  EXPECT_EQ(Get(Export, "ShowProgress") + Get(Export, "Encoding") + Get(Export, "TableName") + Get(Export, "Fields"),
+            "5:true5:ansi7:имя6:A,B,C");
+  EXPECT_EQ(Get(Export, "Fields", 3), "6:A,");
+  EXPECT_TRUE(VelkrundDestroyOperation(Export));
+}
+
+TEST_F(CPlatform, MessageBoxHookAnswers) {
+  VelkrundSetMessageBox(
+      [](std::uintptr_t, const VelkrundChar* Text, const VelkrundChar*, std::uint32_t, std::int32_t, std::int32_t) {
+        Asked = Text;
+        return HookAnswer;
+      });
+  const std::string FileName = Folder.Write(
+      "a,b.eif",
+      "[SECTION]\rName=s\rType=TableData\rVersion=200\rTableName=NOPE\r[DATA]\r[FIELDS]\r[RECORDS]\r[END]\r");
+  const struct {
+    std::int32_t Answer, Result;
+    const char* Error;
+  } Cases[] = {{6, 1, ""}, {7, 0, "EEIError:Can not import table data"}, {0, 0, "EEIError:Can not import table data"}};
+  for (const auto& Case : Cases) {
+    VelkrundOperation* Import = VelkrundCreateOperation(ImportFiles, nullptr);
+    const char* const Files[] = {FileName.c_str()};
+    ASSERT_TRUE(VelkrundSetProperty(Import, "DatabaseName", "shop") && VelkrundSetList(Import, "Files", Files, 1));
+    HookAnswer = Case.Answer, Asked.clear();
+    EXPECT_EQ(VelkrundExecute(Import), Case.Result);
+    EXPECT_TRUE(std::string_view(VelkrundLastError()).starts_with(Case.Error)) << VelkrundLastError();
+    EXPECT_EQ(std::string_view(VelkrundLastError()).find("Nobody can be asked") != std::string_view::npos,
+              Case.Answer == 0);
+    EXPECT_NE(Asked.find(u"(TableName:'NOPE')"), std::u16string::npos);
+    EXPECT_TRUE(VelkrundDestroyOperation(Import));
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

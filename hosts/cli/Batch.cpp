@@ -46,16 +46,16 @@ void TBatch::Execute(TReportItem& Item, TUtilOperationInterface& Interface, cons
 }
 
 bool TBatch::GoOn() {
-  if (FSession.Shared.OnError == TOnError::Continue || FGoOnAlways) return true;
-  if (FSession.Shared.OnError == TOnError::Stop) return false;
-  if (!FSession.Answers.CanAsk()) {
+  if (FErrors.OnError() == TOnError::Ask && !FErrors.Asks()) {
     FSession.Console.Message("velkrund: stopped there; with --on-error continue the others are done all the same");
     return false;
   }
-  const TAnswer Answer = FSession.Answers.Ask(
-      {"Go on with the next one?", {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::Cancel}, "--on-error"});
-  FGoOnAlways = Answer == TAnswer::All;
-  return Answer == TAnswer::Yes || FGoOnAlways;
+  try {
+    return FErrors.GoOn("Go on with the next one?");
+  } catch (const EAbort& Abort) {
+    FReport.Cancelled = Abort.what();
+    return false;
+  }
 }
 
 int Finish(const TSession& Session, const TReport& Report, bool ResultOnOutput) {

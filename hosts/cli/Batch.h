@@ -4,6 +4,7 @@
 
 #include "hosts/cli/Report.h"
 #include "hosts/cli/Session.h"
+#include "hosts/common/ErrorPolicy.h"
 #include "velkrund/eif/EISource.h"
 #include "velkrund/operations/UtilOperationInterface.h"
 
@@ -13,8 +14,9 @@ namespace velkrund {
 /// writes their errors, and decides after a failure whether to go on.
 class TBatch {
  public:
-  /// Source: whose losses are to be counted, borrowed.
-  TBatch(const TSession& Session, const TEISource& Source) : FSession(Session), FSource(Source) {}
+  /// Source: whose losses are to be counted. Report: of the run, where a cancel at a question is entered. Borrowed.
+  TBatch(const TSession& Session, const TEISource& Source, TReport& Report)
+      : FSession(Session), FSource(Source), FReport(Report), FErrors(Session.Shared.OnError, Session.Answers) {}
 
   /// What the progress counts, in the plural, and how many there are; -1: the operation says so itself.
   struct TAmount {
@@ -32,7 +34,8 @@ class TBatch {
 
   const TSession& FSession;
   const TEISource& FSource;
-  bool FGoOnAlways = false;
+  TReport& FReport;
+  TErrorPolicy FErrors;
 };
 
 /// Prints a run's end report, and its document where one was asked for. Returns the exit code.

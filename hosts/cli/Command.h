@@ -55,4 +55,10 @@ class TCommand {
   TSharedOptions Shared;
 };
 
+/// A command and the options that it declared: what texts about it are made from.
+struct TDeclaredCommand {
+  const TCommand* Command;
+  std::vector<TOptionGroup> Groups;
+};
+
 }  // namespace velkrund

@@ -5,7 +5,9 @@
 #include <map>
 #include <numeric>
 
+#include "hosts/cli/Completion.h"
 #include "hosts/cli/Help.h"
+#include "hosts/cli/ManualPage.h"
 #include "hosts/cli/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -21,7 +23,7 @@ struct TParsedOption {
 struct TParsedCommand {
   TCommand* Command;
   CLI::App* Parser;  // owned by the application
-  std::vector<TOptionGroup> Groups;
+  TDeclaredCommand Declared;
   std::vector<TParsedOption> Options;
 };
 
@@ -31,6 +33,13 @@ class TParser {
   explicit TParser(const TCommands& Commands) : FCommands(Commands), FApplication("", "velkrund") {
     FApplication.require_subcommand(1)->allow_extras();
     FApplication.set_version_flag("--version", Format("velkrund %s\n", VelkrundVersion()));
+    FApplication.add_flag_callback("--manual", [this] { Print(ManualPage(Declared())); });
+    FApplication.add_option("--completion", [this](const CLI::results_t& Values) {
+      if (!IsCompletedShell(Values.back()))
+        Refuse(Format("--completion takes %s, not '%s'", CompletedShells, Values.back()));
+      Print(Completion(Declared(), Values.back()));
+      return true;
+    });
     for (const auto& Command : Commands) Add(*Command);
   }
 
@@ -41,13 +50,15 @@ class TParser {
       return {nullptr, Help()};
     } catch (const CLI::CallForVersion& Version) {
       return {nullptr, Version.what()};
+    } catch (const CLI::Success&) {
+      return {nullptr, FText};
     } catch (const CLI::ParseError& Error) {
       RefuseExtras();
-      if (!ReachedCommand()) Refuse("say what to do: " + Joined(Words()));
       const std::string Message = Error.what();
       // The parser's own words for a value that is missing, or given twice, are none for people.
       if (dynamic_cast<const CLI::ArgumentMismatch*>(&Error))
         Refuse(Message.substr(0, Message.find(':')) + " takes exactly one value");
+      if (!ReachedCommand()) Refuse("say what to do: " + Joined(Words()));
       Refuse(Message);
     }
     RefuseExtras();
@@ -60,8 +71,8 @@ class TParser {
     CLI::App*& Verb = FVerbs[std::string(Texts.Verb)];
     if (!Verb) Verb = FApplication.add_subcommand(std::string(Texts.Verb))->require_subcommand(1)->allow_extras();
     CLI::App* Parser = Verb->add_subcommand(std::string(Texts.Object))->allow_extras();
-    TParsedCommand Parsed{&Command, Parser, Command.Options(), {}};
-    for (const TOptionGroup& Group : Parsed.Groups)
+    TParsedCommand Parsed{&Command, Parser, {&Command, Command.Options()}, {}};
+    for (const TOptionGroup& Group : Parsed.Declared.Groups)
       for (const TOption& Option : Group.Options) Parsed.Options.push_back({Option, AddOption(*Parser, Option)});
     FParsed.push_back(std::move(Parsed));
   }
@@ -83,6 +94,18 @@ class TParser {
     return Result;
   }
 
+  /// Ends the parsing: the text is what was asked for.
+  [[noreturn]] void Print(std::string Text) {
+    FText = std::move(Text);
+    throw CLI::Success();
+  }
+
+  std::vector<TDeclaredCommand> Declared() const {
+    std::vector<TDeclaredCommand> Result;
+    for (const TParsedCommand& Parsed : FParsed) Result.push_back(Parsed.Declared);
+    return Result;
+  }
+
   /// The deepest of the program, its verbs and their objects that the line got to.
   const CLI::App& Reached() const {
     const CLI::App* Result = &FApplication;
@@ -97,7 +120,7 @@ class TParser {
   }
 
   std::string Help() const {
-    if (const TParsedCommand* Parsed = ReachedCommand()) return CommandHelp(*Parsed->Command, Parsed->Groups);
+    if (const TParsedCommand* Parsed = ReachedCommand()) return CommandHelp(*Parsed->Command, Parsed->Declared.Groups);
     return ProgramHelp(FCommands, &Reached() == &FApplication ? "" : Reached().get_name());
   }
 
@@ -165,6 +188,7 @@ class TParser {
   CLI::App FApplication;
   std::map<std::string, CLI::App*> FVerbs;
   std::vector<TParsedCommand> FParsed;
+  std::string FText;
 };
 
 /// How many letters have to be changed, added, dropped or swapped with their neighbour.

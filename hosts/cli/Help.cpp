@@ -11,7 +11,7 @@ constexpr int Width = 100;
 constexpr int NamesWidth = 30;
 
 std::string Padded(std::string Text, int Columns) {
-  Text.append(static_cast<std::size_t>(std::max(Columns - TextWidth(Text), 0)), ' ');
+  Text.append(static_cast<std::size_t>(std::max(Columns - DisplayWidth(Text), 0)), ' ');
   return Text;
 }
 
@@ -22,7 +22,7 @@ std::string OptionHelp(const TOption& Option) {
   for (const char C : Option.Names) Names += C == ',' ? ", " : std::string(1, C);
   if (!Option.IsSwitch() && !Option.IsArgument()) Names += " " + Option.Value;
   std::string Result = Padded(Names, NamesWidth);
-  if (TextWidth(Names) >= NamesWidth) Result += "\n" + std::string(NamesWidth, ' ');
+  if (DisplayWidth(Names) >= NamesWidth) Result += "\n" + std::string(NamesWidth, ' ');
   Result += Wrapped(Option.Help, NamesWidth, Width);
   if (Option.Repeatable && !Option.IsArgument()) Result += " (can be repeated)";
   return Result + "\n";
@@ -31,16 +31,17 @@ std::string OptionHelp(const TOption& Option) {
 }  // namespace
 
 std::string ProgramHelp(const TCommands& Commands, std::string_view Verb) {
-  std::string Result =
-      "velkrund moves database objects between databases and export/import files.\n\n"
-      "Usage: velkrund " +
-      (Verb.empty() ? std::string("VERB") : std::string(Verb)) + " OBJECT [options]\n\nCommands:\n";
+  std::string Result = Format("velkrund %s.\n\nUsage: velkrund ", ProgramSummary) +
+                       (Verb.empty() ? std::string("VERB") : std::string(Verb)) + " OBJECT [options]\n\nCommands:\n";
   for (const auto& Command : Commands) {
     const TCommandTexts& Texts = Command->Texts();
     if (!Verb.empty() && Texts.Verb != Verb) continue;
     Result += "  " + Padded(Format("%s %s", Texts.Verb, Texts.Object), 20) + std::string(Texts.Summary) + "\n";
   }
-  Result += "\nvelkrund VERB OBJECT --help tells all about a command; velkrund --version the version.\n";
+  Result +=
+      "\nvelkrund VERB OBJECT --help tells all about a command; velkrund --version the version.\n"
+      "velkrund --manual prints the manual page, velkrund --completion bash|zsh|fish what makes a shell complete\n"
+      "command lines.\n";
   return Result;
 }
 

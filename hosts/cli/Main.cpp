@@ -2,8 +2,9 @@
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/Json.h"
+#include "hosts/cli/PersonAtTerminal.h"
 #include "hosts/cli/Session.h"
-#include "hosts/cli/TerminalAnswers.h"
+#include "standalone/windows/scripted/ScriptedWindows.h"
 
 namespace velkrund {
 
@@ -18,11 +19,14 @@ std::string ErrorText(const std::exception& Error) {
 int RunCommand(TCommand& Command, TConsole& Console) {
   if (Command.WritesStandardOutput() && Command.Shared.Json)
     throw EUsage("--json and the file can not both go to standard output");
-  const std::unique_ptr<TAnswers> Answers = FindAnswers(Console, Command.ReadsStandardInput());
-  TAnswersMessageBox MessageBoxes(*Answers, Command.Shared.Yes);
-  TApplication Application(Command.ApplicationOptions(), MessageBoxes);
+  const std::unique_ptr<TWindowSystem> Person = FindPerson(Console, Command.ReadsStandardInput());
+  TUnattendedWindows Nobody([&](std::string_view Text) { Console.Message(Text); });
+  TScriptedWindows Windows(Person ? Person.get() : &Nobody);
+  if (Command.Shared.Yes) Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
+  TApplication Application(Command.ApplicationOptions(), &Windows);
   TProgress Progress(Console, Command.Shared.Progress);
-  TSession Session{Console, Application, *Answers, Progress, Command.Shared};
+  TAnswers Answers(Person != nullptr);
+  TSession Session{Console, Application, Answers, Progress, Command.Shared};
   return Command.Run(Session);
 }
 

@@ -5,7 +5,6 @@
 
 #include "hosts/cli/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
@@ -24,13 +23,15 @@ TProgress::TProgress(TConsole& Console, TProgressStyle Style) : FConsole(Console
 }
 
 void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t Total) {
-  FName = Printable(Name);
+  SetName(Name);
   FUnit = std::move(Unit);
   FTotal = Total;
   FCount = -1;
   FStart = TClock::now();
   FNext = FStart + FInterval;
 }
+
+void TProgress::SetName(const std::string& Name) { FName = Printable(Name); }
 
 void TProgress::Show(std::int32_t Current, std::int32_t Total) {
   if (FStyle == TProgressStyle::None || Total <= 0) return;
@@ -63,15 +64,15 @@ std::string TProgress::Line(double Fraction, double Seconds) const {
 
 std::string TProgress::Bar(double Fraction, const std::string& Rest) const {
   const int Width = FConsole.Width() - 1;
-  std::string Result = FName.substr(0, Utf16Prefix(FName, static_cast<std::size_t>(std::max(Width / 3, 1)))) + "  ";
-  const int Room = std::min(Width - TextWidth(Result) - TextWidth(Rest) - 4, LongestBar);
+  std::string Result = std::string(CutToWidth(FName, std::max(Width / 3, 1))) + "  ";
+  const int Room = std::min(Width - DisplayWidth(Result) - DisplayWidth(Rest) - 4, LongestBar);
   if (Room >= ShortestBar) {
     const int Done = static_cast<int>(Fraction * Room);
     Result += "[" + std::string(static_cast<std::size_t>(Done), '#') +
               std::string(static_cast<std::size_t>(Room - Done), '.') + "]  ";
   }
   Result += Rest;
-  return Result.substr(0, Utf16Prefix(Result, static_cast<std::size_t>(std::max(Width, 1))));
+  return std::string(CutToWidth(Result, Width));
 }
 
 }  // namespace velkrund

@@ -18,6 +18,8 @@ class TProgress {
 
   /// What is counted, in the plural: "rows". Total: of these; -1: what Show says. Name: of what is worked on.
   void Begin(const std::string& Name, std::string Unit, std::int64_t Total);
+  /// The work has come to something else.
+  void SetName(const std::string& Name);
   /// Total may be scaled: only the proportion counts where Begin knew the total.
   void Show(std::int32_t Current, std::int32_t Total);
   /// Takes the bar away.

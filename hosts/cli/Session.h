@@ -3,8 +3,8 @@
 #include "hosts/cli/Console.h"
 #include "hosts/cli/Progress.h"
 #include "hosts/cli/SharedOptions.h"
-#include "hosts/common/Answers.h"
 #include "hosts/common/Application.h"
+#include "hosts/common/Questions.h"
 
 namespace velkrund {
 

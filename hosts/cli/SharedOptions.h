@@ -4,12 +4,12 @@
 
 #include "hosts/cli/Option.h"
 #include "hosts/common/Application.h"
+#include "hosts/common/ErrorPolicy.h"
 
 namespace velkrund {
 
 enum class TProgressStyle { Auto, Bar, Plain, None };
 enum class TOverwrite { Ask, Yes, No };
-enum class TOnError { Ask, Continue, Stop };
 
 /// Options that mean the same in every command that has them, in groups that commands put together.
 struct TSharedOptions {

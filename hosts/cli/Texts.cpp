@@ -29,32 +29,7 @@ std::string InUnits(double Value, const std::vector<std::string_view>& Units) {
   return Decimals(Value, Unit > 0 && Value < 9.95 ? 1 : 0) + std::string(Units[Unit]);
 }
 
-bool IsControl(char32_t Code) { return (Code < 0x20 && Code != '\n' && Code != '\t') || (Code >= 0x7F && Code < 0xA0); }
-
-void AppendVisible(std::string& Out, std::string_view Bytes) {
-  for (const char Byte : Bytes) {
-    Out += "\\x";
-    AppendHex(Out, {&Byte, 1});
-  }
-}
-
 }  // namespace
-
-std::string Printable(std::string_view Text) {
-  std::string Result;
-  for (std::size_t At = 0; At < Text.size();) {
-    const std::size_t Start = At;
-    const char32_t Code = NextCodePoint(Text, At);
-    const std::string_view Bytes = Text.substr(Start, At - Start);
-    if (Code == '\r' && At < Text.size() && Text[At] == '\n') continue;
-    const bool Malformed = Code == 0xFFFD && Bytes != "\xEF\xBF\xBD";
-    if (Malformed || IsControl(Code))
-      AppendVisible(Result, Bytes);
-    else
-      Result += Bytes;
-  }
-  return Result;
-}
 
 std::string Counted(std::int64_t Count, std::string_view Noun) {
   return Format("%d %s%s", Count, Noun, Count == 1 ? "" : "s");
@@ -79,12 +54,6 @@ std::string DurationText(double Seconds) {
   return Seconds < 10 ? Decimals(Seconds, 2) + " s" : ClockText(std::llround(Seconds));
 }
 
-int TextWidth(std::string_view Text) {
-  int Result = 0;
-  for (std::size_t At = 0; At < Text.size(); ++Result) NextCodePoint(Text, At);
-  return Result;
-}
-
 std::string Wrapped(std::string_view Text, int Indent, int Width) {
   const std::string Margin = "\n" + std::string(static_cast<std::size_t>(Indent), ' ');
   std::string Result;
@@ -98,7 +67,7 @@ std::string Wrapped(std::string_view Text, int Indent, int Width) {
     }
     const std::size_t End = std::min(Text.find_first_of(" \n", At), Text.size());
     const std::string_view Word = Text.substr(At, End - At);
-    const int Length = TextWidth(Word);
+    const int Length = DisplayWidth(Word);
     if (Column > Indent && Column + 1 + Length > Width) {
       Result += Margin;
       Column = Indent;
@@ -123,12 +92,12 @@ std::string Joined(const std::vector<std::string>& Items) {
 std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned) {
   std::vector<int> Widths(RightAligned.size());
   for (const auto& Row : Rows)
-    for (std::size_t I = 0; I < Row.size(); ++I) Widths[I] = std::max(Widths[I], TextWidth(Row[I]));
+    for (std::size_t I = 0; I < Row.size(); ++I) Widths[I] = std::max(Widths[I], DisplayWidth(Row[I]));
   std::string Result;
   for (const auto& Row : Rows) {
     std::string Line;
     for (std::size_t I = 0; I < Row.size(); ++I) {
-      const std::string Padding(static_cast<std::size_t>(Widths[I] - TextWidth(Row[I])), ' ');
+      const std::string Padding(static_cast<std::size_t>(Widths[I] - DisplayWidth(Row[I])), ' ');
       if (I > 0) Line += "  ";
       Line += RightAligned[I] ? Padding + Row[I] : Row[I] + Padding;
     }

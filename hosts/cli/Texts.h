@@ -5,11 +5,9 @@
 #include <string_view>
 #include <vector>
 
-namespace velkrund {
+#include "standalone/windows/terminal/TerminalText.h"
 
-/// Text with line ends as one line feed, and other control characters and malformed bytes visible ("\x1B"), so that
-/// what came out of a file can not take a terminal over.
-std::string Printable(std::string_view Text);
+namespace velkrund {
 
 /// "1 row", "2 rows".
 std::string Counted(std::int64_t Count, std::string_view Noun);
@@ -22,8 +20,6 @@ std::string ClockText(std::int64_t Seconds);
 /// The same, and below ten seconds "250 ms", "2.50 s".
 std::string DurationText(double Seconds);
 
-/// Number of characters, not bytes.
-int TextWidth(std::string_view Text);
 /// Paragraphs, broken at blanks to lines of at most Width characters, each begun with Indent blanks but the first.
 std::string Wrapped(std::string_view Text, int Indent, int Width);
 /// The items with ", " between them.

@@ -1,5 +1,6 @@
 #include "hosts/common/Application.h"
 
+#include "hosts/common/DefaultTexts.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/module/Module.h"
 
@@ -15,18 +16,21 @@ TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
   return Result;
 }
 
-TPlatform PlatformOf(TStandaloneManager& Manager, TMessageBoxService& MessageBoxes) {
+TPlatform PlatformOf(TStandaloneManager& Manager, TWindowSystem* Windows) {
   TPlatform Result;
   Result.ApplicationManager = &Manager;
-  Result.MessageBox = &MessageBoxes;
+  Result.Windows = Windows;
   return Result;
 }
 
 }  // namespace
 
-TApplication::TApplication(const TApplicationOptions& Options, TMessageBoxService& MessageBoxes)
-    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, MessageBoxes)) {
+TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Windows)
+    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, Windows)) {
   FManager.Databases().SetCreateMissing(Options.CreateDatabases);
+  FManager.SetLookUpText([Language = TextLanguage(FManager.Configuration().Language)](std::string_view Key) {
+    return TDefaultTexts::Own().Find(Key, Language);
+  });
   StartModule();
 }
 

@@ -21,8 +21,8 @@ struct TApplicationOptions {
 /// module. There is one at a time; with its end the platform is taken away again.
 class TApplication {
  public:
-  /// MessageBoxes: borrowed; answers the questions of operations. Raises EConfigurationError.
-  TApplication(const TApplicationOptions& Options, TMessageBoxService& MessageBoxes);
+  /// Windows: borrowed; asks the questions of operations. Null: questions are errors. Raises EConfigurationError.
+  explicit TApplication(const TApplicationOptions& Options, TWindowSystem* Windows = nullptr);
 
   TStandaloneManager& Manager() { return FManager; }
   /// What people may see of a database: its name, and the address behind it, without passwords.

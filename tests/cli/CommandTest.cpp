@@ -43,6 +43,7 @@ void TCommandTest::Become(const TArguments& Arguments) const {
   if (chdir(Home.c_str()) != 0) _exit(126);
   setenv("HOME", Home.c_str(), 1);
   setenv("TERM", "xterm", 1);
+  setenv("LC_ALL", "C", 1);
   unsetenv("XDG_CONFIG_HOME");
   unsetenv("VELKRUND_CONFIG");
   std::vector<char*> Words;

@@ -57,11 +57,17 @@ TEST_F(TTerminalTest, RowsAreThereQuestion) {
 
 TEST_F(TTerminalTest, GoOnQuestion) {
   Query("shop.db", "UPDATE A SET NAME = '東京'");
-  for (const auto& [Keys, Made] : {std::pair{"y\n", true}, std::pair{"n\n", false}}) {
+  struct TCase {
+    std::string Keys;
+    bool Made;
+    int ExitCode;
+  };
+  for (const auto& [Keys, Made, ExitCode] : {TCase{"y\n", true, 1}, TCase{"n\n", false, 1}, TCase{"c\n", false, 3}}) {
     const TOutcome Outcome = RunOnTerminal(
         {"export", "table", "-d", "sqlite:shop.db", "--all", "-o", "F", "--encoding", "ansi"}, "Go on", Keys);
-    EXPECT_EQ(Outcome.ExitCode, 1) << Outcome.Output;
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Outcome.Output;
     EXPECT_EQ(Exists("F"), Made) << Outcome.Output;
+    EXPECT_NE(Outcome.Output.find("failed table A"), std::string::npos) << Outcome.Output;
     unlink(Path("F").c_str());
   }
 }

@@ -64,20 +64,20 @@ TEST(Exceptions, DescribesTheWholeChainOfCauses) {
 }
 
 TEST(Platform, NamesWhatIsNotInstalledAndRestoresWhatWas) {
-  class TNobody final : public TMessageBoxService {
+  class TNone final : public TWindowSystem {
    public:
-    int MessageBox(TWindowHandle, std::string_view, std::string_view, std::uint32_t) override { return IDNO; }
+    int ShowModal(TForm&) override { return mrNone; }
   };
-  TNobody Outer;
-  TNobody Inner;
-  EXPECT_THROW(MessageBoxes(), EAccessViolation);
+  TNone Outer;
+  TNone Inner;
+  EXPECT_EQ(&Windows(), &NobodyAtTheScreen());
   {
     const TPlatformGuard OuterGuard({nullptr, nullptr, &Outer});
     {
       const TPlatformGuard InnerGuard({nullptr, nullptr, &Inner});
-      EXPECT_EQ(&MessageBoxes(), &Inner);
+      EXPECT_EQ(&Windows(), &Inner);
     }
-    EXPECT_EQ(&MessageBoxes(), &Outer);
+    EXPECT_EQ(&Windows(), &Outer);
     EXPECT_THROW(ExtCalls(), EAccessViolation);
     try {
       BaseMng();
@@ -86,7 +86,7 @@ TEST(Platform, NamesWhatIsNotInstalledAndRestoresWhatWas) {
       EXPECT_STREQ(Error.what(), "No application manager is installed");
     }
   }
-  EXPECT_THROW(MessageBoxes(), EAccessViolation);
+  EXPECT_EQ(&Windows(), &NobodyAtTheScreen());
   EXPECT_EQ(WorkSettings().AnsiCodePage->Number(), 1251);
 }
 

@@ -23,7 +23,8 @@ TPlatform InstallPlatform(const TPlatform& Platform) {
 
 TApplicationManager& BaseMng() { return Required(Installed.ApplicationManager, "application manager"); }
 TExtCallFactory& ExtCalls() { return Required(Installed.ExtCalls, "caller of script functions"); }
-TMessageBoxService& MessageBoxes() { return Required(Installed.MessageBox, "message box service"); }
+
+TWindowSystem& Windows() { return Installed.Windows ? *Installed.Windows : NobodyAtTheScreen(); }
 
 const TSettings& WorkSettings() {
   if (const TApplicationManager* Manager = Installed.ApplicationManager) return Manager->Settings();

@@ -2,7 +2,7 @@
 
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/extcalls/ExtCall.h"
-#include "velkrund/platform/lctrls/MessageBox.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 
 namespace velkrund {
 
@@ -10,7 +10,7 @@ namespace velkrund {
 struct TPlatform {
   TApplicationManager* ApplicationManager = nullptr;
   TExtCallFactory* ExtCalls = nullptr;
-  TMessageBoxService* MessageBox = nullptr;
+  TWindowSystem* Windows = nullptr;
 };
 
 /// Installs a platform for the whole process and returns the one before. To be called while no operation runs.
@@ -31,7 +31,9 @@ class TPlatformGuard {
 // The installed services. Each raises EAccessViolation that names what is missing.
 TApplicationManager& BaseMng();
 TExtCallFactory& ExtCalls();
-TMessageBoxService& MessageBoxes();
+
+/// The installed window system; without one NobodyAtTheScreen.
+TWindowSystem& Windows();
 
 /// The installed application's settings; the defaults when no application manager is installed.
 const TSettings& WorkSettings();

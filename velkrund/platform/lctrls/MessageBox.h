@@ -1,7 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
+
+#include "velkrund/platform/lctrls/Form.h"
 
 namespace velkrund {
 
@@ -9,21 +14,33 @@ namespace velkrund {
 using TWindowHandle = std::uintptr_t;
 
 // Flags and answers of message boxes; the numbers are those of the desktop systems' own message box.
+inline constexpr std::uint32_t MB_OK = 0;
 inline constexpr std::uint32_t MB_YESNOCANCEL = 3;
 inline constexpr std::uint32_t MB_YESNO = 4;
 inline constexpr std::uint32_t MB_ICONQUESTION = 0x20;
 inline constexpr std::uint32_t MB_ICONWARNING = 0x30;
-inline constexpr int IDCANCEL = 2;
-inline constexpr int IDYES = 6;
-inline constexpr int IDNO = 7;
+inline constexpr std::uint32_t MB_ICONINFORMATION = 0x40;
+inline constexpr int IDOK = mrOk;
+inline constexpr int IDCANCEL = mrCancel;
+inline constexpr int IDYES = mrYes;
+inline constexpr int IDNO = mrNo;
 
-/// Shows a question and returns the answer's code. Without anybody to answer it raises EQuestionUnanswered that names
-/// the question; it never guesses.
-class TMessageBoxService {
+/// A message with the buttons that its flags name.
+class TMessageBoxForm final : public TForm {
  public:
-  virtual ~TMessageBoxService() = default;
-  virtual int MessageBox(TWindowHandle Window, std::string_view Text, std::string_view Caption,
-                         std::uint32_t Flags) = 0;
+  TMessageBoxForm(std::string_view Text, std::string_view WindowCaption, std::uint32_t Flags);
+  const char* ClassName() const override { return "TMessageBoxForm"; }
+
+ private:
+  void AddButton(const char* Name, const char* CaptionKey, int ModalResult);
+
+  TLImage FImage;
+  TLLabel FTextLabel{*this, "TextLabel"};
+  std::vector<std::unique_ptr<TLButton>> FButtons;
 };
+
+/// Shows a message box on the main thread and returns the answer's code. Without anybody to answer a question it raises
+/// EQuestionUnanswered that names it; it never guesses. May be called from any thread.
+int ShowMessageBox(std::string_view Text, std::string_view Caption, std::uint32_t Flags);
 
 }  // namespace velkrund

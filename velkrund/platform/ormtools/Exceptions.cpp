@@ -43,6 +43,9 @@ void AppendInfo(std::string& Out, const std::exception& Error) {
 
 }  // namespace
 
+EUnansweredError::EUnansweredError(const std::exception& Original, const std::string& WhyUnanswered)
+    : Exception(std::string(Original.what()) + "\r\n" + WhyUnanswered), FClassName(ExceptionClassName(Original)) {}
+
 std::string ExceptionClassName(const std::exception& Error) {
   if (const auto* Own = dynamic_cast<const Exception*>(&Error)) return Own->ClassName();
   std::string Name = TypeName(typeid(Error));

@@ -45,6 +45,18 @@ VELKRUND_EXCEPTION(EWriteError, EStreamError);
 /// An error of a database or its driver.
 VELKRUND_EXCEPTION(EDatabaseError, Exception);
 
+/// An error after which a person should have been asked whether to go on, and nobody could be: its message, then that
+/// of the question. It goes by the name of the original error, which is nested inside. To be made while the original is
+/// being handled.
+class EUnansweredError : public Exception, public std::nested_exception {
+ public:
+  EUnansweredError(const std::exception& Original, const std::string& WhyUnanswered);
+  const char* ClassName() const noexcept override { return FClassName.c_str(); }
+
+ private:
+  std::string FClassName;
+};
+
 /// The class name of Error; that of a foreign error is the type's own.
 std::string ExceptionClassName(const std::exception& Error);
 

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <memory>
+
+#include "hosts/cli/Console.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
+
+namespace velkrund {
+
+/// The person who can be asked: at the terminal where questions are seen and answers come from; null when there is
+/// none. InputIsData: standard input is not for answers; the controlling terminal is asked instead, if there is one.
+/// Console: borrowed.
+std::unique_ptr<TWindowSystem> FindPerson(TConsole& Console, bool InputIsData);
+
+}  // namespace velkrund

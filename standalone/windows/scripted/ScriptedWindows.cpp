@@ -1,0 +1,50 @@
+#include "standalone/windows/scripted/ScriptedWindows.h"
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+template <typename TControl>
+TControl& Named(const TForm& Form, const std::string& Name) {
+  for (TControl* Control : Form.VisibleControls<TControl>())
+    if (Control->Name() == Name) return *Control;
+  throw Exception(Format("%s has no '%s' to answer the question: %s", Form.ClassName(), Name, Form.Message()));
+}
+
+}  // namespace
+
+int TScriptedWindows::ShowModal(TForm& Form) {
+  // A message is no question: it uses no answer up.
+  if (Form.IsQuestion()) {
+    if (const auto Standing = FAlways.find(Form.ClassName()); Standing != FAlways.end())
+      return AnswerWith(Form, Standing->second);
+    if (!FOnce.empty()) {
+      const TScriptedAnswer Answer = std::move(FOnce.front());
+      FOnce.pop_front();
+      return AnswerWith(Form, Answer);
+    }
+  }
+  return (FNext ? *FNext : NobodyAtTheScreen()).ShowModal(Form);
+}
+
+int TScriptedWindows::AnswerWith(TForm& Form, const TScriptedAnswer& Answer) {
+  for (const std::string& Name : Answer.Checked) Named<TLCheckBox>(Form, Name).Checked = true;
+  if (Answer.Button.empty())
+    Form.RequestClose();
+  else
+    Form.Click(Named<TLButton>(Form, Answer.Button));
+  FAnswered.push_back(Form.Message());
+  return Form.ModalResult();
+}
+
+void TScriptedWindows::Synchronize(const std::function<void()>& Action) {
+  if (FNext)
+    FNext->Synchronize(Action);
+  else
+    TWindowSystem::Synchronize(Action);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,96 @@
+#include "standalone/windows/terminal/Choices.h"
+
+#include <algorithm>
+
+#include "standalone/windows/terminal/TerminalText.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr char MnemonicMark = '&';
+constexpr const char* CancelKey = "ST_CANCEL";
+
+std::string_view CharacterAt(std::string_view Text, std::size_t At) {
+  std::size_t Next = At;
+  NextCodePoint(Text, Next);
+  return Text.substr(At, Next - At);
+}
+
+bool IsLetter(std::string_view Character) {
+  return Character.size() > 1 || (Character >= "a" && Character <= "z") || (Character >= "0" && Character <= "9");
+}
+
+}  // namespace
+
+TChoices::TChoices(const TForm& Form) {
+  bool CanCancel = false;
+  for (TLButton* Button : Form.VisibleControls<TLButton>()) {
+    Add({Button, nullptr, {}, {}}, Button->Caption());
+    CanCancel = CanCancel || Button->CaptionKey() == CancelKey;
+  }
+  for (TLCheckBox* CheckBox : Form.VisibleControls<TLCheckBox>()) Add({nullptr, CheckBox, {}, {}}, CheckBox->Caption());
+  if (!CanCancel) Add({}, BaseMng().LString(CancelKey));
+}
+
+bool TChoices::Taken(std::string_view Letter) const {
+  return std::any_of(FChoices.begin(), FChoices.end(), [&](const TChoice& Other) { return Other.Letter == Letter; });
+}
+
+/// The marked letter when it is free, else the first free one of the caption, else a number.
+void TChoices::Add(TChoice Choice, std::string_view Caption) {
+  std::string Lower = LowerCase(Printable(Caption));
+  const std::size_t Mark = Lower.find(MnemonicMark);
+  if (Mark != std::string::npos) Lower.erase(Mark, 1);
+  Choice.At = std::string::npos;
+  const auto Take = [&](std::size_t At) {
+    const std::string_view Letter = CharacterAt(Lower, At);
+    if (!IsLetter(Letter) || Taken(Letter)) return false;
+    Choice.At = At;
+    Choice.Letter = Letter;
+    return true;
+  };
+  bool Found = Mark < Lower.size() && Take(Mark);
+  for (std::size_t At = 0; !Found && At < Lower.size(); At += CharacterAt(Lower, At).size()) Found = Take(At);
+  if (!Found) Choice.Letter = std::to_string(FChoices.size() + 1);
+  Choice.Caption = std::move(Lower);
+  FChoices.push_back(std::move(Choice));
+}
+
+std::string TChoices::Line() const {
+  std::string Result;
+  for (const TChoice& Choice : FChoices) {
+    const bool ForAll = Choice.Button && Choice.Button->ForAll;
+    const std::string Marked = "[" + (ForAll ? UpperCase(Choice.Letter) : Choice.Letter) + "]";
+    std::string Shown = Choice.Caption;
+    if (Choice.At == std::string::npos)
+      Shown = Marked + Shown;
+    else
+      Shown.replace(Choice.At, Choice.Letter.size(), Marked);
+    if (Choice.CheckBox) Shown = (Choice.CheckBox->Checked ? "(x) " : "( ) ") + Shown;
+    Result += " " + Shown;
+  }
+  return Result;
+}
+
+std::string TChoices::Hints() const {
+  std::string Result;
+  for (const TChoice& Choice : FChoices) {
+    const TLCaptioned* Control = Choice.Button;
+    if (Choice.CheckBox) Control = Choice.CheckBox;
+    const std::string Hint = Control ? Control->Hint() : std::string();
+    if (!Hint.empty()) Result += "  " + Choice.Caption + ": " + Printable(Hint) + "\n";
+  }
+  return Result;
+}
+
+const TChoices::TChoice* TChoices::Find(std::string_view Typed) const {
+  const std::string Lower = LowerCase(Typed);
+  for (const TChoice& Choice : FChoices)
+    if (Choice.Letter == Lower || Choice.Caption == Lower) return &Choice;
+  return nullptr;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,83 @@
+#include "standalone/windows/terminal/Terminal.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+#include "standalone/windows/terminal/TerminalText.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr int UsualWidth = 80;
+
+bool CanTakeLinesBack(int Output) {
+  const char* Kind = std::getenv("TERM");
+  return isatty(Output) && Kind && std::string_view(Kind) != "dumb" && *Kind;
+}
+
+}  // namespace
+
+TTerminal::TTerminal(int Output) : FOutput(Output), FTerminal(CanTakeLinesBack(Output)) {}
+
+void TTerminal::Write(std::string_view Text) noexcept {
+  while (!Text.empty()) {
+    const ssize_t Put = write(FOutput, Text.data(), Text.size());
+    if (Put < 0 && errno != EINTR) return;
+    if (Put > 0) Text.remove_prefix(static_cast<std::size_t>(Put));
+  }
+}
+
+void TTerminal::Message(std::string_view Text) noexcept {
+  try {
+    HideStatus();
+    std::string Lines = Printable(Text);
+    if (!Lines.ends_with('\n')) Lines += '\n';
+    Write(Lines);
+    ResumeStatus();
+  } catch (...) {
+    Write("velkrund: out of memory\n");
+  }
+}
+
+void TTerminal::Status(std::string_view Line) noexcept {
+  try {
+    FStatus = Line;
+  } catch (...) {
+    FStatus.clear();
+  }
+  ResumeStatus();
+}
+
+void TTerminal::ResumeStatus() noexcept {
+  if (FStatus.empty()) return;
+  Write("\r");
+  Write(FStatus);
+  Write("\x1b[K");
+  FStatusShown = true;
+}
+
+void TTerminal::HideStatus() noexcept {
+  if (FStatusShown) Write("\r\x1b[K");
+  FStatusShown = false;
+}
+
+void TTerminal::ClearStatus() noexcept {
+  HideStatus();
+  FStatus.clear();
+}
+
+void TTerminal::Prompt(std::string_view Text) noexcept {
+  HideStatus();
+  Write(Text);
+}
+
+int TTerminal::Width() const {
+  struct winsize Size = {};
+  return ioctl(FOutput, TIOCGWINSZ, &Size) == 0 && Size.ws_col > 0 ? Size.ws_col : UsualWidth;
+}
+
+}  // namespace velkrund

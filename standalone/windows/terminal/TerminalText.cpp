@@ -1,0 +1,80 @@
+#include "standalone/windows/terminal/TerminalText.h"
+
+#include <locale.h>
+#include <wchar.h>
+
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+bool IsControl(char32_t Code) { return (Code < 0x20 && Code != '\n' && Code != '\t') || (Code >= 0x7F && Code < 0xA0); }
+
+void AppendVisible(std::string& Out, std::string_view Bytes) {
+  for (const char Byte : Bytes) {
+    Out += "\\x";
+    AppendHex(Out, {&Byte, 1});
+  }
+}
+
+/// The C library's widths, in a locale that knows all characters whatever the process uses.
+class TUnicodeLocale {
+ public:
+  TUnicodeLocale() : FBefore(uselocale(Unicode())) {}
+  TUnicodeLocale(const TUnicodeLocale&) = delete;
+  TUnicodeLocale& operator=(const TUnicodeLocale&) = delete;
+  ~TUnicodeLocale() { uselocale(FBefore); }
+
+ private:
+  static locale_t Unicode() {
+    static const locale_t Made = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return Made;  // null leaves the locale as it is
+  }
+
+  locale_t FBefore;
+};
+
+int WidthOf(char32_t Code) {
+  const int Width = wcwidth(static_cast<wchar_t>(Code));
+  return Width < 0 ? 1 : Width;  // unknown to the library: most likely newer than it
+}
+
+}  // namespace
+
+std::string Printable(std::string_view Text) {
+  std::string Result;
+  for (std::size_t At = 0; At < Text.size();) {
+    const std::size_t Start = At;
+    const char32_t Code = NextCodePoint(Text, At);
+    const std::string_view Bytes = Text.substr(Start, At - Start);
+    if (Code == '\r' && At < Text.size() && Text[At] == '\n') continue;
+    const bool Malformed = Code == 0xFFFD && Bytes != "\xEF\xBF\xBD";
+    if (Malformed || IsControl(Code))
+      AppendVisible(Result, Bytes);
+    else
+      Result += Bytes;
+  }
+  return Result;
+}
+
+int DisplayWidth(std::string_view Text) {
+  const TUnicodeLocale Locale;
+  int Result = 0;
+  for (std::size_t At = 0; At < Text.size();) Result += WidthOf(NextCodePoint(Text, At));
+  return Result;
+}
+
+std::string_view CutToWidth(std::string_view Text, int Columns) {
+  const TUnicodeLocale Locale;
+  int Width = 0;
+  for (std::size_t At = 0; At < Text.size();) {
+    const std::size_t Start = At;
+    Width += WidthOf(NextCodePoint(Text, At));
+    if (Width > Columns) return Text.substr(0, Start);
+  }
+  return Text;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velkrund {
+
+/// Text with line ends as one line feed, and other control characters and malformed bytes visible ("\x1B"), so that
+/// what came out of a file can not take a terminal over.
+std::string Printable(std::string_view Text);
+
+/// How many columns of a terminal the text takes: two for wide characters, none for those that combine with the one
+/// before. For text without control characters.
+int DisplayWidth(std::string_view Text);
+/// The longest beginning that takes at most Columns, characters and what combines with them kept together.
+std::string_view CutToWidth(std::string_view Text, int Columns);
+
+}  // namespace velkrund

@@ -1,0 +1,136 @@
+#include "standalone/windows/terminal/TerminalWindows.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+
+#include "standalone/windows/terminal/Choices.h"
+#include "standalone/windows/terminal/TerminalText.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr int PollMilliseconds = 50;
+
+[[noreturn]] void GiveUp() { throw EAbort("Cancelled at a question"); }
+
+/// The same terminal under a descriptor of our own that never blocks: Ctrl-C throws away what was typed, also between
+/// hearing of it and reading it, and whoever shares the original expects it to block.
+int OpenAgain(int Input) {
+  const int Own = open(("/dev/fd/" + std::to_string(Input)).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  // Somebody else's terminal can be used, but not opened.
+  return Own >= 0 ? Own : fcntl(Input, F_DUPFD_CLOEXEC, 0);
+}
+
+/// Tells the terminal that characters have several bytes, so that its erase key takes away whole ones.
+class TWholeCharacters {
+ public:
+  explicit TWholeCharacters(int Input) : FInput(Input), FKnown(tcgetattr(Input, &FBefore) == 0) {
+    if (!FKnown) return;
+    struct termios Changed = FBefore;
+    Changed.c_iflag |= IUTF8;
+    tcsetattr(FInput, TCSANOW, &Changed);
+  }
+  TWholeCharacters(const TWholeCharacters&) = delete;
+  TWholeCharacters& operator=(const TWholeCharacters&) = delete;
+  ~TWholeCharacters() {
+    if (FKnown) tcsetattr(FInput, TCSANOW, &FBefore);
+  }
+
+ private:
+  int FInput;
+  struct termios FBefore;
+  bool FKnown;
+};
+
+std::string_view NextWord(std::string_view& Line) {
+  Line = Trim(Line);
+  const std::size_t Length = std::min(Line.find(' '), Line.size());
+  const std::string_view Word = Line.substr(0, Length);
+  Line.remove_prefix(Length);
+  return Word;
+}
+
+/// Presses and changes what was typed; false when something is not understood.
+bool Press(TForm& Form, const TChoices& Choices, std::string_view Typed) {
+  const TChoices::TChoice* Choice = Choices.Find(Trim(Typed));
+  if (!Choice) {
+    const std::string_view Word = NextWord(Typed);
+    if (Typed.empty() || !(Choice = Choices.Find(Word))) return false;
+  } else {
+    Typed = {};
+  }
+  if (Choice->CheckBox)
+    Choice->CheckBox->Checked = !Choice->CheckBox->Checked;
+  else if (Choice->Button)
+    Form.Click(*Choice->Button);
+  else
+    GiveUp();
+  return Trim(Typed).empty() || Form.ModalResult() != mrNone || Press(Form, Choices, Typed);
+}
+
+}  // namespace
+
+TTerminalWindows::TTerminalWindows(TTerminal& Terminal, int Input, TCanceled Canceled)
+    : FTerminal(Terminal), FInput(OpenAgain(Input)), FCanceled(std::move(Canceled)) {}
+
+TTerminalWindows::~TTerminalWindows() { close(FInput); }
+
+int TTerminalWindows::ShowModal(TForm& Form) {
+  if (Form.IsQuestion()) {
+    const TMainThreadQueue::TLoop Loop(FQueue);
+    Ask(Form);
+    FTerminal.ResumeStatus();
+    return Form.ModalResult();
+  }
+  FTerminal.Message(Form.Message());
+  for (TLButton* Button : Form.VisibleControls<TLButton>()) Form.Click(*Button);
+  if (Form.ModalResult() == mrNone) Form.RequestClose();
+  return Form.ModalResult();
+}
+
+void TTerminalWindows::Ask(TForm& Form) {
+  const TWholeCharacters WholeCharacters(FInput);
+  std::string Heading = Form.Caption == BaseMng().LString("ST_CONFIRMATION") ? std::string() : Form.Caption;
+  if (!Heading.empty()) Heading += '\n';
+  FTerminal.Prompt(Printable(Heading + Form.Message()) + "\n");
+  while (Form.ModalResult() == mrNone) {
+    const TChoices Choices(Form);
+    FTerminal.Prompt(" " + Choices.Line() + " ? ");
+    std::string Line;
+    if (!ReadLine(Line)) {
+      FTerminal.Prompt("\n");
+      GiveUp();
+    }
+    if (Trim(Line) == "?")
+      FTerminal.Prompt(Choices.Hints());
+    else
+      Press(Form, Choices, Line);
+  }
+}
+
+bool TTerminalWindows::ReadLine(std::string& Line) {
+  while (!FCanceled || !FCanceled()) {
+    FQueue.Pump();
+    struct pollfd Poll = {FInput, POLLIN, 0};
+    if (poll(&Poll, 1, PollMilliseconds) <= 0) continue;
+    char Byte;
+    const ssize_t Got = read(FInput, &Byte, 1);
+    if (Got < 0 && (errno == EAGAIN || errno == EINTR)) continue;
+    if (Got <= 0) return false;
+    if (Byte == '\n') return true;
+    Line += Byte;
+  }
+  return false;
+}
+
+}  // namespace velkrund

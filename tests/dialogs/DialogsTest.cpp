@@ -1,0 +1,72 @@
+#include "standalone/windows/scripted/ScriptedWindows.h"
+#include "tests/dialogs/DialogFixture.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund::tests {
+namespace {
+
+TEST(Dialogs, EveryButtonHasItsCode) {
+  TDialogPlatform Platform;
+  for (const TDialogCase& Case : DialogCases()) {
+    TScriptedWindows Windows;
+    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    Windows.AnswerNext({Case.Button, Case.Ticked()});
+    EXPECT_EQ(Case.Ask(), Case.Answer) << Case.Name << " " << Case.Button;
+    EXPECT_EQ(Windows.Answered(), std::vector<std::string>{"Объект 東京?"});
+  }
+}
+
+TEST(Dialogs, ClosedWithoutAButton) {
+  TDialogPlatform Platform;
+  const std::map<std::string, std::string> Answers = {{"yes/no", "2"},    {"yes/no/cancel", "2"}, {"structure", "0"},
+                                                      {"object", "2"},    {"series", "2"},        {"box", "2"},
+                                                      {"box/cancel", "2"}};
+  for (const TDialogCase& Case : DialogCases()) {
+    TScriptedWindows Windows;
+    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    Windows.AnswerNext({"", Case.Ticked()});
+    std::string Answer = Answers.at(Case.Name);
+    // What the box says counts without a button too, except where the buttons collect the answer.
+    if (Case.CheckBox == "ForAllOperationsCheckBox") Answer += " for all";
+    EXPECT_EQ(Case.Ask(), Answer) << Case.Name;
+  }
+}
+
+TEST(Dialogs, NobodyToAskIsAnErrorThatNamesTheQuestion) {
+  TDialogPlatform Platform;
+  for (const TDialogCase& Case : DialogCases()) {
+    try {
+      Case.Ask();
+      ADD_FAILURE() << Case.Name << " was answered by nobody";
+    } catch (const EQuestionUnanswered& Error) {
+      EXPECT_STREQ(Error.what(), "Nobody can be asked, no window system is installed: Объект 東京?");
+    }
+  }
+  EXPECT_EQ(ShowMessageBox("done", "", MB_OK | MB_ICONINFORMATION), IDOK);
+  EXPECT_EQ(Platform.Log, std::vector<std::string>{"done"});
+}
+
+TEST(Dialogs, ScriptsAnswerInOrderAndOnlyWhatIsOffered) {
+  TDialogPlatform Platform;
+  TScriptedWindows Last, Windows(&Last);
+  const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+  Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
+  Windows.AnswerNext({"YesButton", {}});
+  Windows.AnswerNext({"NoButton", {}});
+  Last.AnswerNext({"YesForAllButton", {}});
+  EXPECT_EQ(YesNoConfirmation("first"), 6);
+  EXPECT_EQ(ShowMessageBox("box", "", MB_YESNO), 6);
+  EXPECT_EQ(YesNoConfirmation("second"), 7);
+  EXPECT_EQ(YesNoConfirmation("third"), 14) << "the next window system is asked";
+  EXPECT_THROW(YesNoConfirmation("fourth"), EQuestionUnanswered);
+  Windows.AnswerNext({"CancelButton", {}});
+  try {
+    YesNoConfirmation("fifth");
+    FAIL() << "an invisible button was pressed";
+  } catch (const Exception& Error) {
+    EXPECT_STREQ(Error.what(), "TYesNoConfirmationForm has no 'CancelButton' to answer the question: fifth");
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -1,0 +1,184 @@
+#include <poll.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <map>
+#include <set>
+#include <thread>
+
+#include "standalone/windows/terminal/TerminalText.h"
+#include "standalone/windows/terminal/TerminalWindows.h"
+#include "tests/dialogs/DialogFixture.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund::tests {
+namespace {
+
+constexpr int PatienceMilliseconds = 10'000;
+
+/// A pseudo-terminal with a person who types ahead.
+class TTerminalDialogs : public testing::Test {
+ protected:
+  TTerminalDialogs() {
+    EXPECT_EQ(openpty(&FPerson, &FProgram, nullptr, nullptr, nullptr), 0);
+    // The kernel shows what is typed whenever it finds the time, between any two words of ours.
+    struct termios Mode;
+    tcgetattr(FProgram, &Mode);
+    Mode.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    tcsetattr(FProgram, TCSANOW, &Mode);
+    setenv("TERM", "xterm", 1);
+  }
+  ~TTerminalDialogs() override {
+    close(FPerson);
+    close(FProgram);
+  }
+
+  /// What asking gives while the person types Keys; the error's class name when it ends in one.
+  std::string Answer(const std::function<std::string()>& Ask, const std::string& Keys) {
+    TTerminal Terminal(FProgram);
+    TTerminalWindows Windows(Terminal, FProgram, [this] { return Canceled; });
+    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    EXPECT_EQ(write(FPerson, Keys.data(), Keys.size()), static_cast<ssize_t>(Keys.size()));
+    try {
+      return Ask();
+    } catch (const Exception& Error) {
+      return Error.ClassName();
+    }
+  }
+
+  /// What was shown since it was last looked at, which takes the kernel a moment: at least what is Expected.
+  std::string Seen(std::string_view Expected) {
+    std::string Result;
+    char Block[4096];
+    struct pollfd Poll = {FPerson, POLLIN, 0};
+    while (Result.find(Expected) == std::string::npos && poll(&Poll, 1, PatienceMilliseconds) > 0)
+      if (const ssize_t Got = read(FPerson, Block, sizeof Block); Got > 0)
+        Result.append(Block, static_cast<std::size_t>(Got));
+    return Result;
+  }
+
+  TDialogPlatform Platform;
+  bool Canceled = false;
+  int FPerson = -1, FProgram = -1;
+};
+
+TEST_F(TTerminalDialogs, KeysPressEveryButton) {
+  for (const TDialogCase& Case : DialogCases()) {
+    EXPECT_EQ(Answer(Case.Ask, Case.Keys), Case.Answer) << Case.Name << " " << Case.Keys;
+    EXPECT_NE(Seen("Объект 東京?").find("Объект 東京?"), std::string::npos);
+  }
+}
+
+TEST_F(TTerminalDialogs, CancelAndTheEndOfInputGiveTheJobUp) {
+  const std::set<std::string> HaveCancel = {"yes/no/cancel", "series", "box/cancel"};
+  for (const TDialogCase& Case : DialogCases()) {
+    EXPECT_EQ(Answer(Case.Ask, "\x04"), "EAbort") << Case.Name;
+    EXPECT_EQ(Answer(Case.Ask, "c\n"), HaveCancel.contains(Case.Name) ? "2" : "EAbort") << Case.Name;
+    Canceled = true;
+    EXPECT_EQ(Answer(Case.Ask, ""), "EAbort") << Case.Name;
+    Canceled = false;
+  }
+}
+
+TEST_F(TTerminalDialogs, QuestionsLookLikeThis) {
+  struct TCase {
+    std::function<std::string()> Ask;
+    std::string Keys;
+    std::string Shown;
+  };
+  const std::string Unknown = "what\n", Hints = "?\n";
+  bool ForAll = false;
+  const auto YesNo = [] { return std::to_string(YesNoConfirmation("Replace\x1B[2J 'Имя'?")); };
+  const auto Structure = [&] { return std::to_string(static_cast<int>(DSPConfirmation("There is X.", ForAll))); };
+  const auto Object = [] { return std::to_string(ShowOverwriteEIObjectWindow("There is X.", "Export of X")); };
+  const TCase Cases[] = {
+      {YesNo, "y\n", "Replace\\x1B[2J 'Имя'?\r\n  [y]es [n]o [A]ll n[O]ne [c]ancel ? "},
+      {YesNo, Unknown + "y\n",
+       "Replace\\x1B[2J 'Имя'?\r\n  [y]es [n]o [A]ll n[O]ne [c]ancel ?   [y]es [n]o [A]ll n[O]ne [c]ancel ? "},
+      {YesNo, Hints + "y\n",
+       "Replace\\x1B[2J 'Имя'?\r\n  [y]es [n]o [A]ll n[O]ne [c]ancel ?   all: Overwrite the others too\r\n"
+       "  none: C_Catalox_YesNoConfirmationForm_NoForAllButton_H\r\n  [y]es [n]o [A]ll n[O]ne [c]ancel ? "},
+      {Structure, "f\nu\n",
+       "There is X.\r\n  [s]kip [r]eplace [u]pdate ( ) [f]or all structures [c]ancel ? "
+       "  [s]kip [r]eplace [u]pdate (x) [f]or all structures [c]ancel ? "},
+      {Object, "s\n", "Export of X\r\nThere is X.\r\n  [o]verwrite [a]ppend [s]kip [c]ancel ? "},
+  };
+  for (const TCase& Case : Cases) {
+    Answer(Case.Ask, Case.Keys);
+    EXPECT_EQ(Seen(Case.Shown), Case.Shown);
+  }
+}
+
+TEST_F(TTerminalDialogs, LettersStayApartInEveryLanguage) {
+  Platform.Texts["ST_YES"] = "&Да";
+  Platform.Texts["ST_NO"] = "&Нет";
+  Platform.Texts["ST_YESTOALL"] = "&Для всех";  // taken by yes
+  Platform.Texts["ST_NOTOALL"] = "Ни для одного";
+  Platform.Texts["ST_CANCEL"] = "東京";
+  const auto YesNo = [] { return std::to_string(YesNoConfirmation("?")); };
+  for (const auto& [Keys, Expected] : std::map<std::string, std::string>{
+           {"Д\n", "6"}, {"нет\n", "7"}, {"л\n", "14"}, {"ни для одного\n", "13"}, {"東\n", "EAbort"}})
+    EXPECT_EQ(Answer(YesNo, Keys), Expected) << Keys;
+  const std::string Line = "[д]а [н]ет д[Л]я всех н[И] для одного [東]京 ? ";
+  EXPECT_NE(Seen(Line).find(Line), std::string::npos);
+}
+
+TEST_F(TTerminalDialogs, StatusLineComesBack) {
+  TTerminal Terminal(FProgram);
+  const std::string Status = "\r50 %\x1b[K", Away = "\r\x1b[K";
+  Terminal.Status("50 %");
+  EXPECT_EQ(Seen(Status), Status);
+  Terminal.Message("a message");
+  EXPECT_EQ(Seen(Status), Away + "a message\r\n" + Status);
+  TTerminalWindows Windows(Terminal, FProgram, {});
+  const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+  EXPECT_EQ(write(FPerson, "y\n", 2), 2);
+  YesNoConfirmation("?");
+  const std::string Shown = Seen(Status);
+  EXPECT_TRUE(Shown.starts_with(Away + "?\r\n")) << Shown;
+  EXPECT_TRUE(Shown.ends_with(Status)) << Shown;
+  Terminal.ClearStatus();
+  Terminal.Message("end");
+  EXPECT_EQ(Seen("end\r\n"), Away + "end\r\n");
+}
+
+TEST_F(TTerminalDialogs, AQuestionOfAWorkerIsAskedWhileAnotherOneWaits) {
+  std::thread Worker;
+  const auto Ask = [&] {
+    Worker = std::thread([&] {
+      std::string Inner;
+      Synchronize([&] { Inner = std::to_string(YesNoConfirmation("inner?")); });
+      EXPECT_EQ(Inner, "7");
+      EXPECT_EQ(write(FPerson, "a\n", 2), 2);
+    });
+    return std::to_string(YesNoConfirmation("outer?"));
+  };
+  std::thread Person([&] {
+    EXPECT_NE(Seen("inner?").find("inner?"), std::string::npos);
+    EXPECT_EQ(write(FPerson, "n\n", 2), 2);
+  });
+  EXPECT_EQ(Answer(Ask, ""), "14");
+  Worker.join();
+  Person.join();
+}
+
+TEST(TerminalText, WidthsCountColumns) {
+  struct TCase {
+    std::string Text;
+    int Width;
+    std::string InThree;  // what fits into three columns
+  };
+  const TCase Cases[] = {
+      {"abcd", 4, "abc"}, {"Имя", 3, "Имя"},
+      {"東京", 4, "東"},  {"e\u0301e\u0301e\u0301e\u0301", 4, "e\u0301e\u0301e\u0301"},
+      {"a東b", 4, "a東"}, {"", 0, ""},
+  };
+  for (const TCase& Case : Cases) {
+    EXPECT_EQ(DisplayWidth(Case.Text), Case.Width) << Case.Text;
+    EXPECT_EQ(CutToWidth(Case.Text, 3), Case.InThree) << Case.Text;
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

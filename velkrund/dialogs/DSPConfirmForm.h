@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string_view>
+
+#include "velkrund/platform/lctrls/Form.h"
+
+namespace velkrund {
+
+/// What becomes of a structure that exists already. The numbers are kept in settings: they stay.
+enum class TDSPImportOverwriteOptions : int { ioSkip = 0, ioReplace = 1, ioDifference = 2 };
+
+/// A structure exists already: skip it, replace it, or add what is missing.
+class TDSPConfirmForm final : public TForm {
+ public:
+  TDSPConfirmForm();
+  const char* ClassName() const override { return "TDSPConfirmForm"; }
+
+  TLLabel AskLabel{*this, "AskLabel"};
+  TLButton SkipButton{*this, "SkipButton", "ST_SKIP"};
+  TLButton RewriteButton{*this, "RewriteButton", "ST_REWRITE"};
+  TLButton UpdateButton{*this, "UpdateButton", "ST_UPDATE"};
+  TLCheckBox ForAllLCheckBox{*this, "ForAllLCheckBox", "C_Velkrund_DSPConfirmForm_ForAllLCheckBox_L"};
+
+  // The answer: stays at its beginning when the window is closed without a button.
+  bool ForAll = false;
+  TDSPImportOverwriteOptions Res = TDSPImportOverwriteOptions::ioSkip;
+
+ private:
+  void AnswerWith(TLButton& Button, TDSPImportOverwriteOptions Answer);
+};
+
+/// To be called on the main thread. ForAll: whether the answer holds for all the rest.
+TDSPImportOverwriteOptions DSPConfirmation(std::string_view Message, bool& ForAll);
+
+}  // namespace velkrund

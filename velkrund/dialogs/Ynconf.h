@@ -1,0 +1,6 @@
+#pragma once
+
+#include "velkrund/dialogs/DSPConfirmForm.h"
+#include "velkrund/dialogs/OverwriteAskExForm.h"
+#include "velkrund/dialogs/OverwriteEIObjectForm.h"
+#include "velkrund/dialogs/YesNoConfirmationForm.h"

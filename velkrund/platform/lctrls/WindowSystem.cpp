@@ -1,0 +1,39 @@
+#include "velkrund/platform/lctrls/WindowSystem.h"
+
+#include <mutex>
+
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+class TNobody final : public TWindowSystem {
+ public:
+  int ShowModal(TForm& Form) override {
+    if (Form.IsQuestion())
+      throw EQuestionUnanswered(Format("Nobody can be asked, no window system is installed: %s", Form.Message()));
+    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Info, Form.Message());
+    return mrOk;
+  }
+};
+
+}  // namespace
+
+void TWindowSystem::Synchronize(const std::function<void()>& Action) {
+  // Recursive: an action may ask, and what answers may synchronise again.
+  static std::recursive_mutex OneAtATime;
+  const std::lock_guard Lock(OneAtATime);
+  Action();
+}
+
+TWindowSystem& NobodyAtTheScreen() {
+  static TNobody Nobody;
+  return Nobody;
+}
+
+void Synchronize(const std::function<void()>& Action) { Windows().Synchronize(Action); }
+
+}  // namespace velkrund

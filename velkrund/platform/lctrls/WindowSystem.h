@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+
+#include "velkrund/platform/lctrls/Form.h"
+
+namespace velkrund {
+
+/// Whoever shows forms: a terminal, a desktop, a list of prepared answers, or nobody. Thin: it draws what a form holds
+/// and feeds presses and ticks to it.
+class TWindowSystem {
+ public:
+  virtual ~TWindowSystem() = default;
+  /// Shows the form until it is closed; returns its ModalResult. Called on the main thread. Raises EQuestionUnanswered
+  /// when nobody can answer, and EAbort when the person wants the whole job to end.
+  virtual int ShowModal(TForm& Form) = 0;
+  /// Runs Action on the main thread and returns when it is done; its errors come back. Systems with a loop of their own
+  /// hand it over to that loop; this one runs it in place, one at a time.
+  virtual void Synchronize(const std::function<void()>& Action);
+};
+
+/// What is there while no window system is installed: a question raises EQuestionUnanswered, a mere message goes to the
+/// trace.
+TWindowSystem& NobodyAtTheScreen();
+
+/// Runs Action on the main thread and waits for it: at once when called there. To be used by worker threads for
+/// whatever asks the user. Errors of Action come back to the caller.
+void Synchronize(const std::function<void()>& Action);
+
+}  // namespace velkrund

@@ -11,7 +11,7 @@ namespace {
 TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
   TConfiguration Result = FindAndLoadConfiguration(Options.ConfigFile);
   if (Options.Trace) Result.TraceLevel = TTraceLevelSetting::Detail;
-  Result.StrictText = Options.StrictText;
+  Result.StrictText = Options.StrictText.value_or(Result.StrictText);
   if (Options.Lenient) Result.StrictValues = false;
   return Result;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,11 +11,11 @@ namespace velkrund {
 
 /// What a host decides about the platform that it starts.
 struct TApplicationOptions {
-  std::string ConfigFile;        // empty: looked for in the usual places
-  bool Trace = false;            // trace everything, whatever the configuration says
-  bool StrictText = true;        // characters that an encoding can not hold are errors
-  bool Lenient = false;          // values that can not be parsed become NULL, whatever the configuration says
-  bool CreateDatabases = false;  // databases that do not exist are made
+  std::string ConfigFile;               // empty: looked for in the usual places
+  bool Trace = false;                   // trace everything, whatever the configuration says
+  std::optional<bool> StrictText = {};  // characters that can not be kept are errors; nothing: as configured
+  bool Lenient = false;                 // values that can not be parsed become NULL, whatever the configuration says
+  bool CreateDatabases = false;         // databases that do not exist are made
 };
 
 /// A running host: reads the configuration, builds the stand-alone platform from it, installs it, and starts the

@@ -17,52 +17,36 @@ class TImportFileTest : public TShopTest {
     Write("bytes.eif", Section("A", {"ID", "NAME"}, {"1|'x\xFFy'"}) + B);
   }
 
-  TArguments Import(const TArguments& More) const {
-    TArguments Result = {"import", "file", "-d", "sqlite:empty.db"};
-    Result.insert(Result.end(), More.begin(), More.end());
-    return Result;
-  }
+  TArguments Import(const TArguments& More) const { return ImportInto("file", More); }
 };
 
 TEST_F(TImportFileTest, OptionsDecideWhatArrives) {
-  struct TCase {
-    std::string Before;  // statement for empty.db
-    TArguments Options;
-    int ExitCode;
-    std::string Counts;  // rows of A and B afterwards
-    std::string Says;
-  };
   const std::string OneRowEach = "INSERT INTO A(ID) VALUES (100); INSERT INTO B(ID) VALUES (100);";
   const std::string Unanswered = "There is no terminal to ask whether to go on: give --on-error continue or";
-  const TCase Cases[] = {
-      {"", {"-i", "good.eif"}, 0, "1|2", "in all 2 sections: 3 rows"},
-      {"", {"-i", "good.eif", "-i", "more.eif"}, 0, "2|2", "imported table A, section 'A' of 'more.eif': 1 row"},
-      {"", {"-i", "good.eif", "-i", "good.eif"}, 2, "0|0", "--input names 'good.eif' twice"},
-      {OneRowEach, {"-i", "good.eif"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
-      {OneRowEach, {"-i", "good.eif", "--replace"}, 0, "1|2", "imported table B"},
-      {OneRowEach, {"-i", "good.eif", "--append"}, 0, "2|3", "imported table B"},
-      // After a failure nothing of its section stays, and an earlier table keeps what it had.
-      {"", {"-i", "faulty.eif"}, 1, "0|0", Unanswered},
-      {"", {"-i", "faulty.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
-      {"", {"-i", "faulty.eif", "--yes"}, 1, "0|0", Unanswered},
-      {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "stop"}, 1, "1|1", "not reached table B"},
-      {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "continue"}, 1, "1|2", "failed table A"},
-      {"", {"-i", "faulty.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "2|2", "in all 3 sections: 4 rows"},
-      {"", {"-i", "head.eif"}, 1, "0|0", "Section type is not registered (Type:'Strange'"},
-      {"", {"-i", "head.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
-      {"", {"-i", "head.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "1|0", "failed file 'head.eif'"},
-      {"", {"-i", "none.eif", "-i", "more.eif", "--on-error", "stop"}, 1, "0|0", "No such file"},
-      {"", {"-i", "lost.eif", "--on-error", "continue"}, 1, "0|2", "Error opening table (TableName:'NONE')"},
-      {"", {"-i", "bytes.eif", "--on-error", "continue"}, 1, "0|2", "failed table A"},
-      {"", {"-i", "bytes.eif", "--allow-loss"}, 0, "1|2", "1 malformed character replaced"},
-  };
-  for (const auto& [Before, Options, ExitCode, Expected, Says] : Cases) {
-    Query("empty.db", "DELETE FROM A; DELETE FROM B; " + Before);
-    const TOutcome Outcome = Run(Import(Options));
-    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Joined(Options) << "\n" << Outcome.Errors;
-    EXPECT_EQ(Counts("empty.db"), Expected) << Joined(Options) << "\n" << Outcome.Errors;
-    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(Options) << "\n" << Outcome.Errors;
-  }
+  CheckImports(
+      "file",
+      {
+          {"", {"-i", "good.eif"}, 0, "1|2", "in all 2 sections: 3 rows"},
+          {"", {"-i", "good.eif", "-i", "more.eif"}, 0, "2|2", "imported table A, section 'A' of 'more.eif': 1 row"},
+          {"", {"-i", "good.eif", "-i", "good.eif"}, 2, "0|0", "--input names 'good.eif' twice"},
+          {OneRowEach, {"-i", "good.eif"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
+          {OneRowEach, {"-i", "good.eif", "--replace"}, 0, "1|2", "imported table B"},
+          {OneRowEach, {"-i", "good.eif", "--append"}, 0, "2|3", "imported table B"},
+          // After a failure nothing of its section stays, and an earlier table keeps what it had.
+          {"", {"-i", "faulty.eif"}, 1, "0|0", Unanswered},
+          {"", {"-i", "faulty.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
+          {"", {"-i", "faulty.eif", "--yes"}, 1, "0|0", Unanswered},
+          {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "stop"}, 1, "1|1", "not reached table B"},
+          {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "continue"}, 1, "1|2", "failed table A"},
+          {"", {"-i", "faulty.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "2|2", "in all 3 sections: 4 rows"},
+          {"", {"-i", "head.eif"}, 1, "0|0", "Section type is not registered (Type:'Strange'"},
+          {"", {"-i", "head.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
+          {"", {"-i", "head.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "1|0", "failed file 'head.eif'"},
+          {"", {"-i", "none.eif", "-i", "more.eif", "--on-error", "stop"}, 1, "0|0", "No such file"},
+          {"", {"-i", "lost.eif", "--on-error", "continue"}, 1, "0|2", "Error opening table (TableName:'NONE')"},
+          {"", {"-i", "bytes.eif", "--on-error", "continue"}, 1, "0|2", "failed table A"},
+          {"", {"-i", "bytes.eif", "--allow-loss"}, 0, "1|2", "1 malformed character replaced"},
+      });
 }
 
 TEST_F(TImportFileTest, TheReportCountsWhatBecameOfEverySection) {

@@ -9,11 +9,7 @@ class TImportTableTest : public TShopTest {
  protected:
   TImportTableTest() { RunJson({"export", "table", "-d", "sqlite:shop.db", "--all", "-o", "F"}); }
 
-  TArguments Import(const TArguments& More) const {
-    TArguments Result = {"import", "table", "-d", "sqlite:empty.db"};
-    Result.insert(Result.end(), More.begin(), More.end());
-    return Result;
-  }
+  TArguments Import(const TArguments& More) const { return ImportInto("table", More); }
 };
 
 TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
@@ -24,55 +20,42 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
   Write("lost.eif", Section("NONE", {"ID"}, {"1"}));
   Write("bad.eif", Section("A", {"ID"}, {"1"}) + Section("B", {"ID"}, {"1", "1"}) + Section("A", {"ID"}, {"2"}));
   Write("broken.eif", Section("A", {"ID"}, {"1"}) + Section("B", {"ID", "X"}, {"1|0.5", "2"}));
-  struct TCase {
-    std::string Before;  // statement for empty.db
-    TArguments Options;
-    int ExitCode;
-    std::string Counts;  // rows of A and B afterwards
-    std::string Says;
-  };
   const std::string OneRowEach = "INSERT INTO A(ID) VALUES (100); INSERT INTO B(ID) VALUES (100);";
-  const TCase Cases[] = {
-      {"", {"-i", "F"}, 0, "3|2", "in all 2 sections: 5 rows"},
-      {OneRowEach, {"-i", "F", "--replace"}, 0, "3|2", "imported table B"},
-      {OneRowEach, {"-i", "F", "--append"}, 0, "4|3", "imported table B"},
-      {OneRowEach, {"-i", "F"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
-      {OneRowEach, {"-i", "F", "--yes"}, 1, "1|1", "--append"},
-      {"INSERT INTO B(ID) VALUES (7), (8);", {"-i", "F"}, 1, "0|2", "Table 'B' has 2 rows"},
-      {"", {"-i", "F", "--section", "b"}, 0, "0|2", "section 'B'"},
-      {"", {"-i", "F", "--section", "0"}, 0, "3|0", "section 'A'"},
-      {"", {"-i", "F", "--section", "1", "--section", "A"}, 0, "3|2", "in all 2"},
-      {"", {"-i", "F", "--section", "C"}, 1, "0|0", "has no section 'C': it holds section 0 'A' (TableData)"},
-      {"", {"-i", "F", "--section", "2"}, 1, "0|0", "no section with the index 2"},
-      {"", {"-i", "F", "-t", "B"}, 2, "0|0", "choose one with --section"},
-      {"", {"-i", "F", "-t", "b", "--section", "A", "--fields", "id"}, 0, "0|3", "table B"},
-      {"", {"-i", "F", "--section", "A", "--fields", "ID,WRONG"}, 1, "0|0", "no field 'WRONG'"},
-      {"", {"-i", "lost.eif"}, 1, "0|0", "no table 'NONE'"},
-      {"", {"-i", "lost.eif", "-t", "A"}, 0, "1|0", "imported table A"},
-      {"", {"-i", "typo.eif"}, 1, "0|0", "Value: abc; FileName: typo.eif; Line: 12"},
-      {"", {"-i", "typo.eif", "--lenient"}, 0, "0|2", "1 value could not be read and became NULL"},
-      {"", {"-i", "more.eif"}, 0, "0|2", "were left out: EXTRA"},
-      {"", {"-i", "more.eif", "--missing-fields", "skip"}, 0, "0|2", "EXTRA"},
-      {"", {"-i", "more.eif", "--missing-fields", "error"}, 1, "0|0", "Import field 'EXTRA' is missing"},
-      {"", {"-i", "alien.eif"}, 1, "0|0", "has none of the fields"},
-      // Sections of one table add up; only the first empties it.
-      {"INSERT INTO B(ID) VALUES (1);", {"-i", "twice.eif", "--replace"}, 0, "1|2", "in all 3"},
-      {"", {"-i", "twice.eif"}, 0, "1|2", "in all 3"},
-      {"", {"-i", "twice.eif", "--section", "B"}, 1, "0|0", "several sections of that name"},
-      // Of several sections one fails: it leaves nothing, and what follows depends.
-      {"", {"-i", "bad.eif"}, 1, "1|0", "--on-error continue"},
-      {"", {"-i", "bad.eif", "--on-error", "stop"}, 1, "1|0", "not reached table A"},
-      {"", {"-i", "bad.eif", "--on-error", "continue"}, 1, "2|0", "failed table B"},
-      {OneRowEach, {"-i", "broken.eif", "--replace"}, 1, "1|1", "Field value is missing"},
-  };
-  for (const auto& [Before, Options, ExitCode, Expected, Says] : Cases) {
-    Query("empty.db", "DELETE FROM A; DELETE FROM B; " + Before);
-    const TOutcome Outcome = Run(Import(Options));
-    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Joined(Options) << "\n" << Outcome.Errors;
-    EXPECT_EQ(Counts("empty.db"), Expected) << Joined(Options);
-    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(Options) << "\n" << Outcome.Errors;
-    EXPECT_EQ(Outcome.Output, "") << Joined(Options);
-  }
+  CheckImports(
+      "table",
+      {
+          {"", {"-i", "F"}, 0, "3|2", "in all 2 sections: 5 rows"},
+          {OneRowEach, {"-i", "F", "--replace"}, 0, "3|2", "imported table B"},
+          {OneRowEach, {"-i", "F", "--append"}, 0, "4|3", "imported table B"},
+          {OneRowEach, {"-i", "F"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
+          {OneRowEach, {"-i", "F", "--yes"}, 1, "1|1", "--append"},
+          {"INSERT INTO B(ID) VALUES (7), (8);", {"-i", "F"}, 1, "0|2", "Table 'B' has 2 rows"},
+          {"", {"-i", "F", "--section", "b"}, 0, "0|2", "section 'B'"},
+          {"", {"-i", "F", "--section", "0"}, 0, "3|0", "section 'A'"},
+          {"", {"-i", "F", "--section", "1", "--section", "A"}, 0, "3|2", "in all 2"},
+          {"", {"-i", "F", "--section", "C"}, 1, "0|0", "has no section 'C': it holds section 0 'A' (TableData)"},
+          {"", {"-i", "F", "--section", "2"}, 1, "0|0", "no section with the index 2"},
+          {"", {"-i", "F", "-t", "B"}, 2, "0|0", "choose one with --section"},
+          {"", {"-i", "F", "-t", "b", "--section", "A", "--fields", "id"}, 0, "0|3", "table B"},
+          {"", {"-i", "F", "--section", "A", "--fields", "ID,WRONG"}, 1, "0|0", "no field 'WRONG'"},
+          {"", {"-i", "lost.eif"}, 1, "0|0", "no table 'NONE'"},
+          {"", {"-i", "lost.eif", "-t", "A"}, 0, "1|0", "imported table A"},
+          {"", {"-i", "typo.eif"}, 1, "0|0", "Value: abc; FileName: typo.eif; Line: 12"},
+          {"", {"-i", "typo.eif", "--lenient"}, 0, "0|2", "1 value could not be read and became NULL"},
+          {"", {"-i", "more.eif"}, 0, "0|2", "were left out: EXTRA"},
+          {"", {"-i", "more.eif", "--missing-fields", "skip"}, 0, "0|2", "EXTRA"},
+          {"", {"-i", "more.eif", "--missing-fields", "error"}, 1, "0|0", "Import field 'EXTRA' is missing"},
+          {"", {"-i", "alien.eif"}, 1, "0|0", "has none of the fields"},
+          // Sections of one table add up; only the first empties it.
+          {"INSERT INTO B(ID) VALUES (1);", {"-i", "twice.eif", "--replace"}, 0, "1|2", "in all 3"},
+          {"", {"-i", "twice.eif"}, 0, "1|2", "in all 3"},
+          {"", {"-i", "twice.eif", "--section", "B"}, 1, "0|0", "several sections of that name"},
+          // Of several sections one fails: it leaves nothing, and what follows depends.
+          {"", {"-i", "bad.eif"}, 1, "1|0", "--on-error continue"},
+          {"", {"-i", "bad.eif", "--on-error", "stop"}, 1, "1|0", "not reached table A"},
+          {"", {"-i", "bad.eif", "--on-error", "continue"}, 1, "2|0", "failed table B"},
+          {OneRowEach, {"-i", "broken.eif", "--replace"}, 1, "1|1", "Field value is missing"},
+      });
 }
 
 TEST_F(TImportTableTest, MalformedTextIsAnErrorUnlessAllowed) {

@@ -30,6 +30,31 @@ class TShopTest : public TCommandTest {
     return Query(Database, "SELECT (SELECT count(*) FROM A), (SELECT count(*) FROM B)");
   }
 
+  /// The command line that imports into empty.db.
+  static TArguments ImportInto(const std::string& Object, const TArguments& More) {
+    TArguments Result = {"import", Object, "-d", "sqlite:empty.db"};
+    Result.insert(Result.end(), More.begin(), More.end());
+    return Result;
+  }
+
+  struct TImportCase {
+    std::string Before;  // statement for empty.db
+    TArguments Options;
+    int ExitCode;
+    std::string Counts;  // rows of A and B afterwards
+    std::string Says;
+  };
+  void CheckImports(const std::string& Object, const std::vector<TImportCase>& Cases) {
+    for (const auto& [Before, Options, ExitCode, Expected, Says] : Cases) {
+      Query("empty.db", "DELETE FROM A; DELETE FROM B; " + Before);
+      const TOutcome Outcome = Run(ImportInto(Object, Options));
+      EXPECT_EQ(Outcome.ExitCode, ExitCode) << Joined(Options) << "\n" << Outcome.Errors;
+      EXPECT_EQ(Counts("empty.db"), Expected) << Joined(Options) << "\n" << Outcome.Errors;
+      EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(Options) << "\n" << Outcome.Errors;
+      EXPECT_EQ(Outcome.Output, "") << Joined(Options);
+    }
+  }
+
   /// A version 200 section with the fields and records given.
   static std::string Section(const std::string& Name, const TArguments& Fields, const TArguments& Records) {
     std::string Result = "[SECTION]\r\nEncoding = UTF8\r\nName = " + Name +

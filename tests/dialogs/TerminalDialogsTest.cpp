@@ -117,8 +117,14 @@ TEST_F(TTerminalDialogs, LettersStayApartInEveryLanguage) {
   Platform.Texts["ST_NOTOALL"] = "Ни для одного";
   Platform.Texts["ST_CANCEL"] = "東京";
   const auto YesNo = [] { return std::to_string(YesNoConfirmation("?")); };
-  for (const auto& [Keys, Expected] : std::map<std::string, std::string>{
-           {"Д\n", "6"}, {"нет\n", "7"}, {"л\n", "14"}, {"ни для одного\n", "13"}, {"東\n", "EAbort"}})
+  for (const auto& [Keys, Expected] : std::map<std::string, std::string>{{"Д\n", "6"},
+                                                                         {"нет\n", "7"},
+                                                                         {"л\n", "14"},
+                                                                         {"ни для одного\n", "13"},
+                                                                         {"東\n", "EAbort"},
+                                                                         {"y\n", "6"},
+                                                                         {"no\n", "7"},
+                                                                         {"c\n", "EAbort"}})
     EXPECT_EQ(Answer(YesNo, Keys), Expected) << Keys;
   const std::string Line = "[д]а [н]ет д[Л]я всех н[И] для одного [東]京 ? ";
   EXPECT_NE(Seen(Line).find(Line), std::string::npos);

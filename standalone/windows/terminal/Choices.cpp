@@ -19,6 +19,10 @@ std::string_view CharacterAt(std::string_view Text, std::size_t At) {
   return Text.substr(At, Next - At);
 }
 
+std::string_view NameOf(const TChoices::TChoice& Choice) {
+  return Choice.Button ? Choice.Button->Name() : std::string_view("CancelButton");
+}
+
 bool IsLetter(std::string_view Character) {
   return Character.size() > 1 || (Character >= "a" && Character <= "z") || (Character >= "0" && Character <= "9");
 }
@@ -90,6 +94,9 @@ const TChoices::TChoice* TChoices::Find(std::string_view Typed) const {
   const std::string Lower = LowerCase(Typed);
   for (const TChoice& Choice : FChoices)
     if (Choice.Letter == Lower || Choice.Caption == Lower) return &Choice;
+  // Whoever has a Latin keyboard under another language: the beginning of the button's name.
+  for (const TChoice& Choice : FChoices)
+    if (!Choice.CheckBox && !Lower.empty() && LowerCase(NameOf(Choice)).starts_with(Lower)) return &Choice;
   return nullptr;
 }
 

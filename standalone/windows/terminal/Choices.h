@@ -25,7 +25,8 @@ class TChoices {
   std::string Line() const;
   /// The hints of those that have one, a line each.
   std::string Hints() const;
-  /// The one whose letter or caption Typed is, in any case; null when there is none.
+  /// The one whose letter or caption Typed is, else the first whose component's name begins with it, in any case; null
+  /// when there is none.
   const TChoice* Find(std::string_view Typed) const;
 
  private:

@@ -70,10 +70,10 @@ std::string TChoices::Line() const {
     const std::string Marked = "[" + (ForAll ? UpperCase(Choice.Letter) : Choice.Letter) + "]";
     std::string Shown = Choice.Caption;
     if (Choice.At == std::string::npos)
-      Shown = Marked + Shown;
+      Shown.insert(0, Marked);
     else
       Shown.replace(Choice.At, Choice.Letter.size(), Marked);
-    if (Choice.CheckBox) Shown = (Choice.CheckBox->Checked ? "(x) " : "( ) ") + Shown;
+    if (Choice.CheckBox) Shown.insert(0, Choice.CheckBox->Checked ? "(x) " : "( ) ");
     Result += " " + Shown;
   }
   return Result;

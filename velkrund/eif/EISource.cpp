@@ -69,7 +69,11 @@ void TEISource::Open() {
   try {
     InternalOpen();
     FReadLnCnt = 0;
-    while (FindSectionStart()) ReadSection();
+    for (std::int64_t Start = 0; FindMarkerLine("[SECTION]", Start);) {
+      FUnreadPosition = Start;
+      ReadSection();
+      FUnreadPosition = -1;
+    }
   } catch (const std::exception& Error) {
     Decorate(Error, FReadLnCnt);
   }

@@ -89,8 +89,7 @@ class TEISource {
   void ReadHeader(TEISection& Section, std::string& TypeName);
   void ReadHeaderLine(TEISection& Section, std::string& TypeName, std::string_view Line);
   void CheckHeader(TEISection& Section, const std::string& TypeName);
-  bool FindSectionStart();
-  bool SkipBody(TEISection& Section);
+  bool FindMarkerLine(std::string_view Marker, std::int64_t& LineStart);
   std::string_view ReadRaw();
   [[noreturn]] void StructureError(std::string_view What, std::string_view Detail = {});
   [[noreturn]] void Decorate(const std::exception& Error, std::int64_t Line) const;

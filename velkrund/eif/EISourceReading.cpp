@@ -1,5 +1,6 @@
 // How TEISource finds its sections: the reading side of the layout that EISource.h draws.
 
+#include "velkrund/eif/BodySkipper.h"
 #include "velkrund/eif/EISource.h"
 #include "velkrund/eif/TypeList.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -22,15 +23,24 @@ void TEISource::StructureError(std::string_view What, std::string_view Detail) {
 }
 
 // Marker lines are ASCII in every encoding, so they are looked for without decoding what lies between them.
-bool TEISource::FindSectionStart() {
-  TStream& Source = Stream();
-  while (!Source.Peek().empty()) {
-    const std::int64_t LineStart = Source.Position();
-    if (RightTrim(ReadRaw()) != "[SECTION]") continue;
-    FUnreadPosition = LineStart;
-    return true;
+bool TEISource::FindMarkerLine(std::string_view Marker, std::int64_t& LineStart) {
+  TBodySkipper Skipper(Stream());
+  const std::int64_t LinesBefore = FReadLnCnt;
+  std::int64_t Examined = 0;
+  bool Found = false;
+  const auto CountLines = [&] { FReadLnCnt = LinesBefore + Examined + Skipper.Lines(); };
+  try {
+    while (!Found && Skipper.NextBracketLine()) {
+      LineStart = Stream().Position();
+      Found = RightTrim(ReadRaw()) == Marker;
+      ++Examined;
+    }
+  } catch (...) {
+    CountLines();
+    throw;
   }
-  return false;
+  CountLines();
+  return Found;
 }
 
 void TEISource::ReadSection() {
@@ -43,8 +53,9 @@ void TEISource::ReadSection() {
     CheckHeader(Section, TypeName);
     Section.DataPosition = Stream().Position();
     Section.DataLinePosition = FReadLnCnt;
-    if (!SkipBody(Section)) StructureError("Section end not found");
-    FUnreadPosition = -1;
+    std::int64_t EndLineStart = 0;
+    if (!FindMarkerLine("[END]", EndLineStart)) StructureError("Section end not found");
+    Section.DataSize = EndLineStart - Section.DataPosition;
   } catch (...) {
     FSections.DeleteSection(FSections.Count() - 1);
     throw;
@@ -87,18 +98,6 @@ void TEISource::CheckHeader(TEISection& Section, const std::string& TypeName) {
   if (TypeName.empty()) StructureError("Section type not found");
   Section.ObjectClass = EITypeList().Find(TypeName, Section.FVersion);
   if (!Section.ObjectClass) StructureError("Section type is not registered", Format("Type:'%s';", TypeName));
-}
-
-bool TEISource::SkipBody(TEISection& Section) {
-  TStream& Source = Stream();
-  std::int64_t LineStart = Section.DataPosition;
-  while (!Source.Peek().empty()) {
-    Section.DataSize = LineStart - Section.DataPosition;
-    const std::string_view Line = ReadRaw();
-    if (Line.starts_with("[END]") && RightTrim(Line) == "[END]") return true;
-    LineStart = Source.Position();
-  }
-  return false;
 }
 
 }  // namespace velkrund

@@ -26,7 +26,7 @@ int TEISectionParameters::IndexOf(std::string_view Name) const {
 }
 
 void TEISectionParameters::AddParam(std::string_view Name, std::string_view Value) {
-  if (IndexOf(Name) >= 0) throw EEIError(Format("Parameter '%s' is already exist", Name));
+  if (!FNames.insert(LowerCase(Name)).second) throw EEIError(Format("Parameter '%s' is already exist", Name));
   FList.emplace_back(Name, Value);
 }
 
@@ -43,7 +43,8 @@ void TEISectionParameters::SetValues(std::string_view Name, std::string Value) {
 }
 
 void TEISectionParameters::DeleteParam(int Index) {
-  FList.erase(FList.begin() + static_cast<std::ptrdiff_t>(Checked(Index)));
+  FNames.erase(LowerCase(ParamNames(Index)));
+  FList.erase(FList.begin() + static_cast<std::ptrdiff_t>(Index));
 }
 
 }  // namespace velkrund

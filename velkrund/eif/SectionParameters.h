@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -26,12 +27,14 @@ class TEISectionParameters {
   const std::string& Values(std::string_view Name) const;
   void SetValues(std::string_view Name, std::string Value);
   void DeleteParam(int Index);
-  void Clear() { FList.clear(); }
+  void Clear() { FList.clear(), FNames.clear(); }
 
  private:
   std::size_t Checked(int Index) const;
 
   std::vector<std::pair<std::string, std::string>> FList;
+  // In lower case: a header whose "[DATA]" line is damaged takes a whole body in, which must not take ever longer.
+  std::unordered_set<std::string> FNames;
 };
 
 }  // namespace velkrund

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -26,6 +27,8 @@ class TFuzzPlatform final : public TApplicationManager {
   void WriteTrace(std::string_view, TTraceLevel, std::string_view) noexcept override {}
   void ReportError(const std::exception&) noexcept override {}
 
+  TSettings& ChangeSettings() { return FSettings; }
+
  private:
   TSettings FSettings;
   TPlatformGuard FGuard;
@@ -34,6 +37,16 @@ class TFuzzPlatform final : public TApplicationManager {
 /// Stops the run with a finding.
 inline void Require(bool Condition) {
   if (!Condition) std::abort();
+}
+
+/// A failure has to be one of the module's own errors, down to its first cause: any other is a finding.
+inline void RequireOwn(const std::exception& Error) {
+  Require(dynamic_cast<const Exception*>(&Error) != nullptr);
+  try {
+    std::rethrow_if_nested(Error);
+  } catch (const std::exception& Cause) {
+    RequireOwn(Cause);
+  }
 }
 
 }  // namespace velkrund

@@ -33,7 +33,8 @@ void ReadBodies(TEISource& Source) {
       const auto Object = Source.CreateEIObject(Index);
       dynamic_cast<TEICommonTableData&>(*Object).Table = &Table;
       Source.ImportObject(*Object);
-    } catch (const Exception&) {
+    } catch (const Exception& Error) {
+      RequireOwn(Error);
       Require(Table.RecordCount() == 0);
     }
   }
@@ -63,7 +64,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
   bool Whole = true;
   try {
     Source.Open();
-  } catch (const EEIError&) {
+  } catch (const EEIError& Error) {
+    RequireOwn(Error);
     Whole = false;
   }
   ReadBodies(Source);

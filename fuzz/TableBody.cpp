@@ -45,12 +45,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     Section = std::make_unique<TEITableData>();
   const TKvEncoding Encoding = Data[0] & 2 ? TKvEncoding::Ansi : TKvEncoding::Utf8;
   Section->StrictValues = (Data[0] & 4) != 0;
+  std::unique_ptr<TMemoryTable> Table;
   try {
-    const auto Table = Import(*Section, {reinterpret_cast<const char*>(Data) + 1, Size - 1}, Encoding);
-    const std::string Written = Export(*Section, *Table, Encoding);
-    const auto Again = Import(*Section, Written, Encoding);
-    Require(Export(*Section, *Again, Encoding) == Written);
+    Table = Import(*Section, {reinterpret_cast<const char*>(Data) + 1, Size - 1}, Encoding);
   } catch (const Exception&) {
+    return 0;
   }
+  const std::string Written = Export(*Section, *Table, Encoding);
+  const auto Again = Import(*Section, Written, Encoding);
+  Require(Export(*Section, *Again, Encoding) == Written);
   return 0;
 }

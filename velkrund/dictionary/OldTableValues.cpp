@@ -55,6 +55,9 @@ std::string ReadNumber(std::string_view Text, TField& Field) {
   std::size_t ErrorPosition = 0;
   const auto Real = StrToReal(Text, ErrorPosition);
   if (!Real) return Format("Error at position: %d", ErrorPosition);
+  // An amount with an exponent; an amount has no negative zero.
+  if (Column == TKvKind::Currency)
+    if (const auto Amount = RealToCurrency(*Real + 0.0)) return Value.SetCurrency(*Amount), std::string();
   if (!SetDayNumber(Value, Column, *Real)) Value.SetReal(*Real);
   return {};
 }

@@ -157,9 +157,12 @@ std::optional<TDateTime> SysStrToDateTime(std::string_view Text) {
 }
 
 double DateTimeToDayNumber(TDateTime Value) {
-  const auto Number = static_cast<double>(DayOf(Value.Microseconds) - DayNumberEpoch);
+  const auto Day = static_cast<double>(DayOf(Value.Microseconds) - DayNumberEpoch);
   const double Fraction = static_cast<double>(TimeOf(Value.Microseconds)) / MicrosecondsPerDay;
-  return Number < 0 ? Number - Fraction : Number + Fraction;
+  const double Number = Day < 0 ? Day - Fraction : Day + Fraction;
+  // Far from the epoch the last microseconds of a day round to the next whole number: the day behind it, or below zero
+  // even the one before it.
+  return std::trunc(Number) == Day ? Number : std::nextafter(Number, 0.0);
 }
 
 std::optional<TDateTime> DayNumberToDateTime(double DayNumber) {

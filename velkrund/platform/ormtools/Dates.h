@@ -35,7 +35,8 @@ std::optional<TDateTime> SysStrToDateTime(std::string_view Text);
 
 /// Day numbers count days from 1899-12-30; the time is the fraction, which before that day still counts forward from
 /// midnight (-1.25 is 1899-12-29 06:00): the OLE Automation rule. Rounded to the microsecond; nothing outside the
-/// range.
+/// range. A double tells microseconds apart within 65535 days; a moment beyond them is off by one step of the double
+/// (at most 40 microseconds) and stays on its day.
 double DateTimeToDayNumber(TDateTime Value);
 std::optional<TDateTime> DayNumberToDateTime(double DayNumber);
 

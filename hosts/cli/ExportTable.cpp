@@ -4,10 +4,10 @@
 #include "hosts/cli/Batch.h"
 #include "hosts/cli/Commands.h"
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/OutputFile.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/Texts.h"
+#include "hosts/common/OutputFile.h"
 #include "velkrund/dictionary/TableDataOperations.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -182,7 +182,8 @@ std::vector<int> TExportTable::Export(const TSession& Session, TOutputFile& Outp
 int TExportTable::Run(TSession& Session) {
   TReport Report{"export table", "exported", Session.Application.DatabaseText(Session.Database()), FOutput};
   std::vector<TStep> Plan = Steps(Session, Report);
-  TOutputFile Output(Session, FOutput);
+  TOutputFile Output(Session.Files(), FOutput,
+                     [&](const std::string& Text) { Session.Console.Message("velkrund: " + Text); });
   Settle(Session, Output, Plan);
   for (const TStep& Step : Plan) {
     Report.Items.push_back({SectionName(Step), Step.Table});

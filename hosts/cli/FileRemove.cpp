@@ -3,13 +3,13 @@
 
 #include "hosts/cli/Commands.h"
 #include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/InputFile.h"
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/Json.h"
-#include "hosts/cli/SectionRemoval.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/Texts.h"
+#include "hosts/common/FileOpening.h"
+#include "hosts/common/SectionRemoval.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -22,8 +22,9 @@ const TCommandTexts FileRemoveTexts = {
     "takes sections out of an export/import file",
     "FILE (INDEX... | --name NAME...)",
     "Everything else in the file stays as it is, byte for byte. The work is done on a copy in the same folder, which "
-    "then "
-    "takes the file's place: whatever happens, the old file is there or the new one. Indexes are those of file list.",
+    "then takes the file's place: whatever happens, the old file is there or the new one. A run that is killed can "
+    "leave "
+    "the copy, FILE.velkrund-new; the next one that writes the file removes it. Indexes are those of file list.",
     {{"file remove orders.eif 0 3", "the first section and the fourth"},
      {"file remove orders.eif --name ORDERS", "by name; several of that name need --yes"}}};
 

@@ -1,11 +1,11 @@
 #include "hosts/cli/Commands.h"
 #include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/InputFile.h"
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/Json.h"
-#include "hosts/cli/SectionRepair.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/Texts.h"
+#include "hosts/common/FileOpening.h"
+#include "hosts/common/SectionRepair.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -1,13 +1,13 @@
 #include "hosts/cli/InputFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
 
 #include "hosts/cli/Interrupt.h"
+#include "hosts/common/FileOpening.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -31,26 +31,6 @@ void FillFromPath(TSpool& Spool, const std::string& Path) {
 }
 
 }  // namespace
-
-bool IsPipe(const std::string& Name) {
-  struct stat Status;
-  return Name == "-" || (stat(Name.c_str(), &Status) == 0 && !S_ISREG(Status.st_mode) && !S_ISDIR(Status.st_mode));
-}
-
-void OpenPlainly(TEIFile& File) {
-  try {
-    File.Open();
-  } catch (const std::nested_exception& Decorated) {
-    try {
-      Decorated.rethrow_nested();
-    } catch (const EFOpenError&) {
-      throw;
-    } catch (const std::exception&) {
-      // Told with all that is known about the place, below.
-    }
-    throw;
-  }
-}
 
 TInputFile::TInputFile(const TSession& Session, const std::string& Name)
     : FName(Name),

@@ -9,12 +9,6 @@
 
 namespace velkrund {
 
-/// "-", or a path that leads to a pipe or a device: nothing that can be read or written at a position.
-bool IsPipe(const std::string& Name);
-
-/// Opens the file. That it can not be opened at all is told by the plain error, without the story of its content.
-void OpenPlainly(TEIFile& File);
-
 /// An export/import file to read from, without a lock. What comes through a pipe is kept in a temporary file.
 class TInputFile {
  public:

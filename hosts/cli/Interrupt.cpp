@@ -26,7 +26,9 @@ TInterrupt::TInterrupt() {
     sigaction(Signals[I], nullptr, &FBefore[I]);
     struct sigaction Action = {};
     sigemptyset(&Action.sa_mask);
-    Action.sa_handler = Signals[I] == SIGPIPE ? SIG_IGN : &OnSignal;  // no SA_RESTART: what waits looks at the flag
+    // A write that fails with an error says all that these two can say, and it can be rolled back.
+    const bool OfWriting = Signals[I] == SIGPIPE || Signals[I] == SIGXFSZ;
+    Action.sa_handler = OfWriting ? SIG_IGN : &OnSignal;  // no SA_RESTART: what waits looks at the flag
     // The others are wished by somebody even where a shell has them ignored for what it runs in the background.
     if (Signals[I] == SIGHUP && FBefore[I].sa_handler == SIG_IGN) continue;
     sigaction(Signals[I], &Action, nullptr);

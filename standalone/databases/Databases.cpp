@@ -81,7 +81,12 @@ void TDatabases::CommitTransaction(const std::string& Name) {
   try {
     Target.Connection->Commit();
   } catch (...) {
-    Target.Connection->Rollback();
+    try {
+      Target.Connection->Rollback();
+    } catch (const std::exception& Error) {
+      // The error on its way out is the one to tell.
+      FTrace(Format("Can not roll back: %s", Error.what()));
+    }
     throw;
   }
 }

@@ -1,10 +1,5 @@
-#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <chrono>
-#include <filesystem>
-#include <thread>
 
 #include "tests/cli/CommandTest.h"
 
@@ -61,24 +56,6 @@ TEST_F(TFileCommandsTest, RemoveLeavesEveryOtherByte) {
   struct stat Status = {};
   lstat(Path("link").c_str(), &Status);
   EXPECT_TRUE(S_ISLNK(Status.st_mode));
-}
-
-TEST_F(TFileCommandsTest, AKilledRemovalLeavesTheOldFileOrTheNewOne) {
-  const std::string Big = Section("Big", std::string(6'000'000, 'x')), Small = Section("Small", "y");
-  Write("before", Small + Big);
-  bool Old = false, New = false;
-  for (int Milliseconds = 0; Milliseconds < 20'000 && !New; Milliseconds += 1 + Milliseconds / 8) {
-    std::filesystem::copy_file(Path("before"), Path("F"), std::filesystem::copy_options::overwrite_existing);
-    const pid_t Process = Start({"file", "remove", "F", "0"});
-    std::this_thread::sleep_for(std::chrono::milliseconds(Milliseconds));
-    kill(Process, SIGKILL);
-    Finish(Process);
-    const std::string Left = Read("F");
-    Old = Old || Left == Small + Big;
-    New = Left == Big;
-    ASSERT_TRUE(New || Left == Small + Big) << Milliseconds << " ms: " << Left.size() << " bytes";
-  }
-  EXPECT_TRUE(Old && New);
 }
 
 TEST_F(TFileCommandsTest, ListShowsHeadersAndWhatComesBeforeAFault) {

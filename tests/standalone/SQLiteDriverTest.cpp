@@ -359,7 +359,8 @@ TEST_F(SQLiteDriverTest, ABusyDatabaseIsWaitedForThenReported) {
   First->Begin(TIsolationLevel::RepeatableRead);
   const auto Start = std::chrono::steady_clock::now();
   EXPECT_THAT(ErrorOf([&] { Second->Begin(TIsolationLevel::RepeatableRead); }),
-              StartsWith("EDatabaseError: Can not start a transaction: database is locked (SQLite error 5); another "
+              StartsWith("EDatabaseError: Can not start a transaction in the database '" + Path +
+                         "': database is locked (SQLite error 5); another "
                          "program is using the database"));
   EXPECT_GE(std::chrono::steady_clock::now() - Start, std::chrono::milliseconds(50));
   First->Commit();

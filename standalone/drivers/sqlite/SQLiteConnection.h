@@ -8,11 +8,13 @@ struct sqlite3;
 
 namespace velkrund {
 
-/// A connection without mutexes: used by one thread at a time.
+/// A connection without mutexes: used by one thread at a time. A database file that it makes and in which nothing is
+/// made is gone with it.
 class TSQLiteConnection final : public TConnection {
  public:
   /// Path: absolute, or ":memory:".
   TSQLiteConnection(const std::string& Path, const TConnectOptions& Options);
+  ~TSQLiteConnection() override;
 
   const TCapabilities& Capabilities() const override { return FCapabilities; }
   std::string EngineName() const override { return "SQLite"; }
@@ -41,9 +43,15 @@ class TSQLiteConnection final : public TConnection {
     void operator()(sqlite3* Database) const;
   };
 
-  void CheckReadable(const std::string& Path);
+  void CheckReadable();
+  void CheckNotMoved();
+  void RemoveUnused() noexcept;
+  /// How a message about the whole database begins.
+  std::string About(std::string_view Failed) const;
   int RowNumberColumn(const TTableDescription& Table, bool WithoutRowId);
 
+  std::string FPath;
+  bool FIsNew = false;  // the file was not there before
   std::unique_ptr<sqlite3, TClose> FDatabase;
   TCapabilities FCapabilities;
   bool FWide = false;  // the database's encoding is UTF-16

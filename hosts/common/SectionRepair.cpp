@@ -1,12 +1,11 @@
-#include "hosts/cli/SectionRepair.h"
-
-#include <sys/stat.h>
+#include "hosts/common/SectionRepair.h"
 
 #include <algorithm>
 #include <array>
 #include <memory>
 
-#include "hosts/cli/InputFile.h"
+#include "hosts/common/FileBeside.h"
+#include "hosts/common/FileOpening.h"
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -129,63 +128,59 @@ std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled
   return UnfinishedMarker(File.Stream());
 }
 
-/// New files get the rights of another one for this object's lifetime.
-class TRightsOf {
- public:
-  explicit TRightsOf(const std::string& Path) {
-    struct stat Status;
-    const mode_t Rights = stat(Path.c_str(), &Status) == 0 ? Status.st_mode : 0600;
-    FBefore = umask(~Rights & 0777);
+/// Whether a file holds exactly the bytes of the other from Position on.
+bool HoldsTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::int64_t Position,
+               const std::function<bool()>& Canceled) {
+  if (IsPipe(Name)) return false;
+  std::unique_ptr<TFile> Held;
+  try {
+    Held = Files.Open(Name, TFileMode::Read);
+  } catch (const EFOpenError&) {
+    return false;  // not ours then
   }
-  TRightsOf(const TRightsOf&) = delete;
-  TRightsOf& operator=(const TRightsOf&) = delete;
-  ~TRightsOf() { umask(FBefore); }
+  if (Held->Size() != File.Stream().Size() - Position) return false;
+  std::string Same(BlockSize, '\0');
+  std::int64_t At = 0;
+  bool Result = true;
+  ForEachBlock(File.Stream(), Position, Canceled, [&](std::string_view Block) {
+    Result = Result && std::string_view(Same.data(), Held->ReadAt(At, Same.data(), Block.size())) == Block;
+    At += static_cast<std::int64_t>(Block.size());
+  });
+  return Result;
+}
 
- private:
-  mode_t FBefore;
-};
-
-/// The new file for what is cut off; removed again unless it was kept.
-class TCutFile {
- public:
-  TCutFile(TFileSystem& Files, const std::string& Original) : FFiles(Files) {
-    const TRightsOf Rights(Original);
-    for (int Number = 1; !FFile; ++Number) {
-      FPath = Original + ".cut" + (Number > 1 ? "-" + std::to_string(Number) : "");
-      if (!FFiles.Exists(FPath)) TryToCreate();
-    }
+void RemoveQuietly(TFileSystem& Files, const std::string& Name) {
+  try {
+    Files.Remove(Name);
+  } catch (const std::exception& Error) {
+    // The error on its way out is the one to tell.
+    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Error.what());
   }
-  TCutFile(const TCutFile&) = delete;
-  TCutFile& operator=(const TCutFile&) = delete;
-  ~TCutFile() {
-    FFile.reset();
-    if (FKept) return;
-    try {
-      FFiles.Remove(FPath);
-    } catch (const std::exception& Error) {
-      // The error on its way out is the one to tell.
-      BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Error.what());
-    }
-  }
+}
 
-  const std::string& Path() const { return FPath; }
-  TFile& File() { return *FFile; }
-  void Keep() { FKept = true; }
+/// FILE.cut, FILE.cut-2 ...: the first that is free, or that holds the bytes from Position on already: a repair that
+/// was killed before it shortened the file has left them there.
+std::string CutName(TFileSystem& Files, TEIFile& File, std::int64_t Position, const std::function<bool()>& Canceled) {
+  const std::string First = File.FileName() + ".cut";
+  std::string Name = First;
+  for (int Number = 2; Files.Exists(Name) && !HoldsTail(Files, Name, File, Position, Canceled); ++Number)
+    Name = Format("%s-%d", First, Number);
+  return Name;
+}
 
- private:
-  void TryToCreate() {
-    try {
-      FFile = FFiles.Open(FPath, TFileMode::CreateNew);
-    } catch (const EFCreateError&) {
-      if (!FFiles.Exists(FPath)) throw;  // otherwise somebody else was quicker
-    }
-  }
-
-  TFileSystem& FFiles;
-  std::string FPath;
-  std::unique_ptr<TFile> FFile;
-  bool FKept = false;
-};
+/// Puts the bytes from Position on into a file of that name, safely on the disk.
+void SaveTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::int64_t Position,
+              const std::function<bool()>& Canceled) {
+  TFileBeside Beside(Files, File.FileName());
+  const std::unique_ptr<TFile> Tail = Files.Open(Beside.Path(), TFileMode::ReadWrite);
+  std::int64_t Written = 0;
+  ForEachBlock(File.Stream(), Position, Canceled, [&](std::string_view Block) {
+    Tail->WriteAt(Written, Block);
+    Written += static_cast<std::int64_t>(Block.size());
+  });
+  Tail->Sync();
+  Beside.PutAt(Name);
+}
 
 }  // namespace
 
@@ -195,21 +190,24 @@ TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std
   TSectionRepair Result;
   Result.Position = OpenAndFindCut(File, Canceled, Result.Fault);
   Result.SectionsLeft = File.Sections().Count();
+  RemoveLeftBeside(Files, Path);
   if (Result.Position < 0) return Result;
-  TCutFile Cut(Files, Path);
-  ForEachBlock(File.Stream(), Result.Position, Canceled, [&](std::string_view Block) {
-    Cut.File().WriteAt(Result.Bytes, Block);
-    Result.Bytes += static_cast<std::int64_t>(Block.size());
-  });
-  Cut.File().Sync();
-  File.Stream().SetSize(Result.Position);
-  Cut.Keep();
+  Result.Bytes = File.Stream().Size() - Result.Position;
+  const std::string CutFile = CutName(Files, File, Result.Position, Canceled);
+  const bool IsThere = Files.Exists(CutFile);
+  if (!IsThere) SaveTail(Files, CutFile, File, Result.Position, Canceled);
+  try {
+    File.Stream().SetSize(Result.Position);
+  } catch (...) {
+    if (!IsThere) RemoveQuietly(Files, CutFile);
+    throw;
+  }
   try {
     File.Sync();
   } catch (const EStreamError& Error) {
-    throw EWriteError(Format("%s; what was cut off is in '%s'", Error.what(), Cut.Path()));
+    throw EWriteError(Format("%s; what was cut off is in '%s'", Error.what(), CutFile));
   }
-  Result.CutFile = Cut.Path();
+  Result.CutFile = CutFile;
   return Result;
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "hosts/cli/Session.h"
 #include "hosts/common/Spool.h"
 #include "velkrund/eif/EIFile.h"
 
@@ -14,9 +14,12 @@ namespace velkrund {
 /// What was written is safe after Finish. A file that was made here and got no section is removed again.
 class TOutputFile {
  public:
+  /// Told of what can not be put right any more.
+  using TComplain = std::function<void(const std::string& Text)>;
+
   /// Opens the file or makes it. Name: a path, or "-" for standard output. A file that is there and is no export/import
-  /// file is refused.
-  TOutputFile(const TSession& Session, const std::string& Name);
+  /// file is refused. Files: borrowed.
+  TOutputFile(TFileSystem& Files, const std::string& Name, TComplain Complain);
   TOutputFile(const TOutputFile&) = delete;
   TOutputFile& operator=(const TOutputFile&) = delete;
   ~TOutputFile();
@@ -31,8 +34,10 @@ class TOutputFile {
  private:
   void OpenFile();
   void RefuseForeignFile();
+  void RemoveUnlessUsed();
 
-  const TSession& FSession;
+  TFileSystem& FFiles;
+  TComplain FComplain;
   std::string FName;
   bool FCreated = false;
   std::unique_ptr<TSpool> FSpool;  // null: a file of its own

@@ -21,7 +21,7 @@ struct TSectionRepair {
 /// beginning of one that is too short to be known as such (a piece of the "[SECTION]" line, or of the byte-order mark
 /// in an otherwise empty file), which no reader minds but which later sections would stand behind. What is cut off goes
 /// into a new file beside it, FILE.cut or FILE.cut-2 and so on, with the same rights; it is on the disk before the file
-/// is shortened.
+/// is shortened. One that holds the very same already, from a repair that was killed in between, is used again.
 ///
 /// The file is locked against other writers meanwhile. A fault of any other kind, one with a "[SECTION]" or "[END]"
 /// line behind it above all, is an EEIError with its text. Canceled: true raises EAbort. After an error the file is as

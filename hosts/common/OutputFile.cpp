@@ -1,4 +1,4 @@
-#include "hosts/cli/OutputFile.h"
+#include "hosts/common/OutputFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -6,8 +6,9 @@
 #include <cerrno>
 #include <system_error>
 
-#include "hosts/cli/InputFile.h"
-#include "hosts/cli/SectionRemoval.h"
+#include "hosts/common/FileBeside.h"
+#include "hosts/common/FileOpening.h"
+#include "hosts/common/SectionRemoval.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -21,9 +22,10 @@ constexpr char CommentMark = ';';
 
 }  // namespace
 
-TOutputFile::TOutputFile(const TSession& Session, const std::string& Name) : FSession(Session), FName(Name) {
-  if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(Session.Files());
-  FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : Session.Files());
+TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, TComplain Complain)
+    : FFiles(Files), FComplain(std::move(Complain)), FName(Name) {
+  if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(FFiles);
+  FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : FFiles);
   FFile->SetFileName(Name == "-" ? "standard output" : Name);
   if (FSpool)
     FFile->Open();
@@ -33,16 +35,30 @@ TOutputFile::TOutputFile(const TSession& Session, const std::string& Name) : FSe
 
 void TOutputFile::OpenFile() {
   // Made under the condition that it does not exist: another program may be making it at the same time.
-  if (!FSession.Files().Exists(FName)) {
-    FSession.Files().Open(FName, TFileMode::CreateNew)->Sync();
-    FCreated = true;
-  }
+  std::unique_ptr<TFile> Made;
+  if (!FFiles.Exists(FName)) Made = FFiles.Open(FName, TFileMode::CreateNew);
+  FCreated = Made != nullptr;
   try {
+    if (Made) Made->Sync();
+    Made.reset();
     OpenPlainly(*FFile);
     RefuseForeignFile();
+    RemoveLeftBeside(FFiles, FName);
   } catch (...) {
-    if (FCreated) FSession.Files().Remove(FName);
+    Made.reset();
+    FFile.reset();
+    if (FCreated) RemoveUnlessUsed();
     throw;
+  }
+}
+
+/// Another program may have found the file meanwhile, and be writing into it, or be done already.
+void TOutputFile::RemoveUnlessUsed() {
+  try {
+    const std::unique_ptr<TFile> Locked = FFiles.Open(FName, TFileMode::ReadWrite);
+    if (Locked->Size() == 0) FFiles.Remove(FName);
+  } catch (const std::exception& Error) {
+    FComplain(Format("an empty file may be left: %s", Error.what()));
   }
 }
 
@@ -61,15 +77,15 @@ void TOutputFile::RefuseForeignFile() {
 TOutputFile::~TOutputFile() {
   if (!FCreated || FFile->Sections().Count() > 0) return;
   try {
-    FSession.Files().Remove(FName);
+    FFiles.Remove(FName);  // still locked
   } catch (const std::exception& Error) {
-    FSession.Console.Message(Format("velkrund: an empty file is left: %s", Error.what()));
+    FComplain(Format("an empty file is left: %s", Error.what()));
   }
 }
 
 void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCanceled& Canceled) {
   FFile->Sync();
-  if (!Replaced.empty()) RemoveSections(FSession.Files(), *FFile, Replaced, Canceled);
+  if (!Replaced.empty()) RemoveSections(FFiles, *FFile, Replaced, Canceled);
   if (!FSpool || FFile->Sections().Count() == 0) return;
   if (FName == "-") {
     FSpool->DrainTo(STDOUT_FILENO, "standard output", Canceled);

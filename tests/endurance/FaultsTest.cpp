@@ -1,0 +1,317 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <set>
+
+#include "hosts/common/OutputFile.h"
+#include "hosts/common/SectionRemoval.h"
+#include "hosts/common/SectionRepair.h"
+#include "tests/endurance/Faults.h"
+#include "tests/roundtrip/RoundTrip.h"
+#include "velkrund/operations/ImportFileInterfaces.h"
+
+namespace velkrund::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder with a.db, which has rows, b.db, which has others, and F with the sections A and B.
+struct TScene {
+  TTemporaryFolder Folder;
+  std::string Database(const char* Name) const { return "sqlite:" + Folder / Name; }
+  std::string F() const { return Folder / "F"; }
+
+  /// What is there: every file by name, and its content; of databases the rows.
+  std::string State() const {
+    std::vector<std::string> Parts;
+    for (const auto& Entry : fs::directory_iterator(Folder / "")) {
+      const std::string Name = Entry.path().filename();
+      if (Name == "a.db") continue;  // nobody writes it
+      Parts.push_back(Name + "\n" + (Name == "b.db" ? Rows(Name) : Folder.Read(Name)));
+    }
+    std::sort(Parts.begin(), Parts.end());
+    std::string Result;
+    for (const std::string& Part : Parts) Result += Part + "\n----\n";
+    return Result;
+  }
+  std::string Rows(const std::string& Name) const {
+    TRawDatabase Database(Folder / Name);
+    return Database.Cells("PRAGMA integrity_check") + Database.Cells("SELECT ID, typeof(V), length(V) FROM A") + "\n" +
+           Database.Cells("SELECT * FROM B");
+  }
+};
+
+std::string ErrorOf(const std::function<void()>& Work) {
+  try {
+    Work();
+  } catch (const std::exception& Error) {
+    return ExceptionClassName(Error) + ":" + Error.what();
+  }
+  return {};
+}
+
+std::string ExportA(TFileSystem& Files, const TScene& Scene, const std::vector<int>& Replaced) {
+  std::string Error = ErrorOf([&] {
+    TOutputFile Output(Files, Scene.F(), [](const std::string&) {});
+    TUOExportTableDataInterface Operation;
+    Operation.SetTarget(&Output.File());
+    Operation.SetDatabaseName(Scene.Database("a.db"));
+    Operation.SetTableName("A");
+    Operation.SetSectionName("A");
+    if (!Operation.Execute()) throw Exception(Operation.LastError());
+    Output.Finish(Replaced, {});
+  });
+  return Error;
+}
+
+std::string ImportA(TFileSystem& Files, const TScene& Scene) {
+  return ErrorOf([&] {
+    TEIFile File(Files);
+    File.SetFileName(Scene.F());
+    File.SetReadonly(true);
+    File.Open();
+    TUOImportTableDataInterface Operation;
+    Operation.SetSource(&File);
+    Operation.SetDatabaseName(Scene.Database("b.db"));
+    if (!Operation.Execute()) throw Exception(Operation.LastError());
+  });
+}
+
+std::string ImportAll(TFileSystem& Files, const TScene& Scene) {
+  TUOImportFilesInterface Operation;
+  Operation.SetDatabaseName(Scene.Database("b.db"));
+  Operation.SetFiles({Scene.F()});
+  Operation.SetContinueOnError(false);
+  static_cast<TUOImportFiles&>(Operation.Operation()).FileSystem = &Files;
+  return Operation.Execute() ? std::string() : "!" + Operation.LastError();
+}
+
+std::string RemoveA(TFileSystem& Files, const TScene& Scene) {
+  return ErrorOf([&] {
+    TEIFile File(Files);
+    File.SetFileName(Scene.F());
+    File.Open();
+    RemoveSections(Files, File, {0}, {});
+  });
+}
+
+std::string Repair(TFileSystem& Files, const TScene& Scene) {
+  return ErrorOf([&] { RepairFile(Files, Scene.F(), {}); });
+}
+
+struct TJob {
+  const char* Name;
+  std::function<void(const TScene&)> Prepare;
+  std::function<std::string(TFileSystem&, const TScene&)> Run;
+  /// Whether a state between the one before and the one after is one of whole parts.
+  std::function<bool(const TScene&)> IsPartlyDone = [](const TScene&) { return false; };
+};
+
+class TFaultsTest : public testing::Test {
+ protected:
+  TFaultsTest() {
+    MakeEngineFaulty();
+    const std::string Big = std::to_string(150'000);
+    TRawDatabase(FTemplate.Folder / "a.db")
+        .Run(
+            "CREATE TABLE A(ID INTEGER PRIMARY KEY, V); CREATE TABLE B(V UNIQUE);"
+            "INSERT INTO A VALUES(1, 'one'), (2, hex(zeroblob(" +
+            Big + "))), (3, x'00FF'); INSERT INTO B VALUES('b'), (2.5)");
+    TRawDatabase(FTemplate.Folder / "b.db")
+        .Run(
+            "CREATE TABLE A(ID INTEGER PRIMARY KEY, V); CREATE TABLE B(V UNIQUE);"
+            "INSERT INTO A VALUES(7, hex(zeroblob(20000))), (8, NULL); INSERT INTO B VALUES('old')");
+    TRealPlatform Platform;
+    TOutputFile Output(Platform.Manager.Files(), FTemplate.F(), {});
+    for (const char* Table : {"A", "B"}) {
+      TUOExportTableDataInterface Operation;
+      Operation.SetTarget(&Output.File());
+      Operation.SetDatabaseName(FTemplate.Database("a.db"));
+      Operation.SetTableName(Table);
+      Operation.SetSectionName(Table);
+      EXPECT_EQ(Operation.Execute(), 1) << Operation.LastError();
+    }
+    Output.Finish({}, {});
+    FContent = FTemplate.Folder.Read("F");
+  }
+
+  void Prepare(const TJob& Job, const TScene& Scene) const {
+    fs::copy(FTemplate.Folder / "", Scene.Folder / "", fs::copy_options::recursive);
+    if (Job.Prepare) Job.Prepare(Scene);
+  }
+
+  std::string Run(const TJob& Job, const TScene& Scene) const {
+    TRealPlatform Platform;
+    TFaultyFiles Files(Platform.Manager.Files());
+    return Job.Run(Files, Scene);
+  }
+
+  /// One run with the fault. False: it was not met.
+  bool CheckFault(const TJob& Job, TOperation Operation, int Number, bool Lasting) const {
+    const TScene Scene;
+    Prepare(Job, Scene);
+    TFault::Due() = {Operation, Number, Lasting};
+    const std::string Error = Run(Job, Scene);
+    const bool Met = TFault::Due().Met;
+    TFault::Due() = {};
+    const std::string State = Scene.State();
+    const std::string Label = std::string(Job.Name) + ", operation " + std::to_string(static_cast<int>(Operation)) +
+                              " number " + std::to_string(Number) + (Lasting ? " and on: " : ": ") + Error;
+    if (Error.empty()) {
+      EXPECT_TRUE(FAfter == State || Operation == TOperation::FileRemove) << Label;
+    } else {
+      EXPECT_TRUE(Met) << Label;
+      const bool NamesPlace = Error.find(Scene.Folder / "") != std::string::npos ||
+                              Error.find("'A'") != std::string::npos || Error.find("\"A\"") != std::string::npos ||
+                              Error.find("'B'") != std::string::npos || Error.find("\"B\"") != std::string::npos;
+      const bool NamesReason = Error.find("Injected") != std::string::npos ||
+                               Error.find("SQLite error") != std::string::npos ||
+                               Error.find("out of memory") != std::string::npos;
+      EXPECT_TRUE(NamesPlace && NamesReason) << Label;
+      // What is left when nothing can be undone or removed any more is dealt with by the next run, below.
+      const bool CanNotRemove = Operation == TOperation::FileRemove || Operation == TOperation::EngineDelete;
+      EXPECT_TRUE(State == FBefore || State == FAfter || Job.IsPartlyDone(Scene) || Lasting || CanNotRemove) << Label;
+      EXPECT_TRUE(FRows.contains(Scene.Rows("b.db")) || Job.IsPartlyDone(Scene)) << Label;
+    }
+    if (State == FAfter) return Met;
+    if (Lasting) {
+      TRealPlatform Platform;
+      if (fs::exists(Scene.F())) RepairFile(Platform.Manager.Files(), Scene.F(), {});
+      if (std::string(Job.Name) != "repair") fs::remove(Scene.F() + ".cut");
+    }
+    const bool Started = Job.IsPartlyDone(Scene);
+    const std::string Again = Run(Job, Scene);
+    EXPECT_TRUE(Scene.State() == FAfter || Started) << Label << "\nand again: " << Again;
+    return Met;
+  }
+
+  /// Every fault of every operation.
+  void Check(const TJob& Job) {
+    const TScene Scene;
+    Prepare(Job, Scene);
+    FBefore = Scene.State();
+    FRows = {Scene.Rows("b.db")};
+    ASSERT_EQ(Run(Job, Scene), "") << Job.Name;
+    FAfter = Scene.State();
+    FRows.insert(Scene.Rows("b.db"));
+    ASSERT_NE(FBefore, FAfter) << Job.Name;
+    int Faults = 0;
+    for (int Operation = 0; Operation <= static_cast<int>(TOperation::EngineMemory); ++Operation)
+      for (const bool Lasting : {false, true}) {
+        const auto Kind = static_cast<TOperation>(Operation);
+        const bool IsAny = Kind == TOperation::AnyOfFiles || Kind == TOperation::AnyOfEngine;
+        if (IsAny && !Lasting) continue;
+        // There are many allocations, and they are much alike.
+        const bool All = Kind != TOperation::EngineMemory || std::getenv("VELKRUND_EVERY_FAULT");
+        for (int Number = 1; !HasFailure() && CheckFault(Job, Kind, Number, Lasting);
+             Number += All ? 1 : 1 + Number / 4)
+          ++Faults;
+      }
+    EXPECT_GT(Faults, 10) << Job.Name;
+    std::cout << Job.Name << ": " << Faults << " faults" << std::endl;
+  }
+
+  TScene FTemplate;
+  std::string FContent;  // of its F
+
+ private:
+  std::string FBefore, FAfter;
+  std::set<std::string> FRows;  // of b.db, before and after
+};
+
+TEST_F(TFaultsTest, ExportLeavesTheFileOrTheFinishedSection) {
+  const std::string& Before = FContent;
+  Check({"export",
+         {},
+         [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {}); },
+         [&](const TScene& Scene) {
+           return Scene.Folder.Read("F") != Before && !fs::exists(Scene.F() + ".cut") &&
+                  Scene.Folder.Read("F").ends_with("[END]\r\n");
+         }});
+}
+
+TEST_F(TFaultsTest, ExportIntoANewFileLeavesNoneOrAll) {
+  Check({"export new", [](const TScene& Scene) { fs::remove(Scene.F()); },
+         [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {}); }});
+}
+
+TEST_F(TFaultsTest, ReplacingExportLeavesOldOrNewOrBoth) {
+  Check({"replace",
+         {},
+         [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {0}); },
+         [&](const TScene& Scene) {
+           return Scene.Folder.Read("F").starts_with(FContent + "[SECTION]") &&
+                  Scene.Folder.Read("F").ends_with("[END]\r\n");
+         }});
+}
+
+TEST_F(TFaultsTest, ImportLeavesTheTable) { Check({"import", {}, &ImportA}); }
+
+TEST_F(TFaultsTest, FileImportLeavesWholeSections) {
+  std::string First;
+  {
+    const TScene Scene;
+    Prepare({}, Scene);
+    EXPECT_EQ(Run({"", {}, &ImportA}, Scene), "");
+    First = Scene.Rows("b.db");
+  }
+  Check({"import file", {}, &ImportAll, [=](const TScene& Scene) { return Scene.Rows("b.db") == First; }});
+}
+
+TEST_F(TFaultsTest, RemovalLeavesTheOldFileOrTheNewOne) { Check({"remove", {}, &RemoveA}); }
+
+TEST_F(TFaultsTest, RepairLeavesAllBytes) {
+  Check({"repair",
+         [&](const TScene& Scene) {
+           Scene.Folder.Write("F", FContent.substr(0, FContent.size() - 9) + std::string(300'000, 'x'));
+         },
+         &Repair});
+}
+
+// What went into it would be gone with the file.
+TEST_F(TFaultsTest, ADatabaseWhoseFileIsGoneIsNotWrittenTo) {
+  TRealPlatform Platform;
+  const std::string Database = FTemplate.Database("b.db");
+  ASSERT_TRUE(Platform.Manager.GetUserTable("A", Database, true));
+  fs::remove(FTemplate.Folder / "b.db");
+  EXPECT_NE(ErrorOf([&] {
+              Platform.Manager.StartTransaction(Database, TIsolationLevel::RepeatableRead);
+            }).find("b.db': its file was removed or replaced"),
+            std::string::npos);
+}
+
+// Grown after its headers were read: nobody wants to wait for a hole to be searched.
+TEST_F(TFaultsTest, AFailedAppendToAHugeFileKeepsAllOfIt) {
+  constexpr std::int64_t Huge = 5'000'000'000;
+  TRealPlatform Platform;
+  TFaultyFiles Files(Platform.Manager.Files());
+  TEIFile File(Files);
+  File.SetFileName(FTemplate.F());
+  File.Open();
+  ASSERT_EQ(File.Sections().Count(), 2);
+  File.Stream().SetSize(Huge);
+  File.Stream().SetPosition(Huge);
+  File.Stream().Write("\r\n" + FContent.substr(5));
+  File.Stream().Flush();
+  const auto Size = static_cast<std::int64_t>(fs::file_size(FTemplate.F()));
+  ASSERT_GT(Size, Huge);
+  TFault::Due() = {TOperation::FileWrite, 1};
+  TUOExportTableDataInterface Operation;
+  Operation.SetTarget(&File);
+  Operation.SetDatabaseName(FTemplate.Database("a.db"));
+  Operation.SetTableName("A");
+  Operation.SetSectionName("A");
+  EXPECT_EQ(Operation.Execute(), 0);
+  EXPECT_NE(Operation.LastError().find("Can not write file '" + FTemplate.F()), std::string::npos);
+  EXPECT_TRUE(TFault::Due().Met);
+  EXPECT_EQ(static_cast<std::int64_t>(fs::file_size(FTemplate.F())), Size);
+  EXPECT_EQ(Operation.Execute(), 1);
+  EXPECT_GT(File.Sections()[2].Position, Size);
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -1,5 +1,3 @@
-#include <signal.h>
-
 #include "tests/cli/ShopTest.h"
 
 namespace velkrund::tests {
@@ -143,20 +141,6 @@ TEST_F(TFileCheckTest, LossesAreCountedWhereTheyAreAllowed) {
   Write("velkrund.toml", "strict_values = false\n");
   Write("G", std::string(Header) + New + Fields + "<2|x>\r\n" + End);
   EXPECT_EQ(Run({"file", "check", "G"}).ExitCode, 1);
-}
-
-TEST_F(TFileCheckTest, AnInterruptEndsIt) {
-  const std::string Section = std::string(Header) + Old + Fields;
-  std::string Rows;
-  while (Rows.size() < 40'000'000) Rows += "<1|2>\r\n";
-  Write("small", Section + End);
-  Write("big", Section + Rows + End);
-  const pid_t Process = Start({"file", "check", "small", "big", "small"});
-  EXPECT_TRUE(WaitUntil([&] { return !Read(".captured/out").empty(); }));
-  kill(Process, SIGINT);
-  const TOutcome Outcome = Finish(Process);
-  EXPECT_EQ(Outcome.ExitCode, 3) << Outcome.Errors;
-  EXPECT_TRUE(Outcome.Errors.ends_with("0 faults; cancelled\n")) << Outcome.Errors;
 }
 
 }  // namespace

@@ -1,10 +1,6 @@
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <chrono>
-#include <thread>
 
 #include "tests/cli/CommandTest.h"
 
@@ -141,26 +137,6 @@ TEST_F(TFileRepairTest, WhatCanNotBeDoneLeavesAllAsItWas) {
   close(Writer);
   EXPECT_EQ(Read("F"), Content);
   EXPECT_EQ(Files(), (TArguments{"F", "folder"}));
-}
-
-// Stopped by a wish, which is polled: as before or done.
-TEST_F(TFileRepairTest, AStoppedRepairLosesNothing) {
-  const std::string Kept = "; kept\r\n", Tail = "[SECTION]\r\n" + std::string(4'000'000, 'x');
-  bool Stopped = false, Done = false;
-  for (int Milliseconds = 0; Milliseconds < 20'000 && !Done; Milliseconds += 1 + Milliseconds / 8) {
-    Write("F", Kept + Tail);
-    const pid_t Process = Start({"file", "repair", "F"});
-    std::this_thread::sleep_for(std::chrono::milliseconds(Milliseconds));
-    kill(Process, SIGINT);
-    const int ExitCode = Finish(Process).ExitCode;
-    Done = Read("F") == Kept && Read("F.cut") == Tail;
-    if (Done) break;
-    Stopped = true;
-    ASSERT_EQ(Read("F"), Kept + Tail) << Milliseconds << " ms";
-    EXPECT_TRUE(ExitCode == 3 || ExitCode == 128 + SIGINT) << ExitCode;
-    EXPECT_EQ(Files(), TArguments{"F"});
-  }
-  EXPECT_TRUE(Stopped && Done);
 }
 
 }  // namespace

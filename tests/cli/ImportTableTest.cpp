@@ -1,5 +1,3 @@
-#include <sqlite3.h>
-
 #include "tests/cli/ShopTest.h"
 
 namespace velkrund::tests {
@@ -75,19 +73,9 @@ TEST_F(TImportTableTest, DatabasesOfTheConfiguration) {
   EXPECT_EQ(Report["database"], "mirror (sqlite:empty.db)");
   EXPECT_EQ(Counts("empty.db"), "0|2");
 
-  // Another program holds the database: an error after the time configured, and nothing changed.
-  sqlite3* Busy = nullptr;
-  sqlite3_open(Path("empty.db").c_str(), &Busy);
-  sqlite3_exec(Busy, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-  EXPECT_NE(Run({"import", "table", "-d", "mirror", "-i", "G", "--replace"}).Errors.find("locked"), std::string::npos);
-  sqlite3_close(Busy);
-  EXPECT_EQ(Counts("empty.db"), "0|2");
-
   // Missing databases are made only where it is said.
   EXPECT_EQ(Run({"import", "table", "-d", "sqlite:new.db", "-i", "G"}).ExitCode, 1);
   EXPECT_FALSE(Exists("new.db"));
-  const TOutcome Created = Run({"import", "table", "-d", "sqlite:new.db", "-i", "G", "--create"});
-  EXPECT_NE(Created.Errors.find("no table 'B'"), std::string::npos) << Created.Errors;
 }
 
 TEST_F(TImportTableTest, DatabaseInfo) {

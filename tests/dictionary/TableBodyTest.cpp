@@ -94,44 +94,6 @@ TEST_F(TableBody, ImportForgivesWhatPeopleChange) {
       << "a table that is no SQL table is not emptied";
 }
 
-TEST_F(TableBody, EveryFaultHasItsTextAndLeavesTheTable) {
-  const std::string Head = "[FIELDS]\rA\rB\r[RECORDS]\r<1|2>\r";  // 29 bytes
-  const std::string Record = "EDicUtilError: Can not import table data. Invalid record data structure. ";
-  const struct {
-    std::string Body;
-    std::string Error;
-    bool Rollback;
-  } Cases[] = {
-      {"", "EDicUtilError: Can not import table data. Fields section not found", false},
-      {"[RECORDS]\r", "EDicUtilError: Can not import table data. Fields section not found", false},
-      {"[FIELDS]\rA\r", "EDicUtilError: Can not import table data. Records section not found", false},
-      {Head + "\r", Record + "'<' is missing (Position:30)", true},
-      {Head + "<\r", Record + "'<' is missing (Position:31)", true},
-      {Head + "1|2>\r", Record + "'<' is missing (Position:34)", true},
-      {Head + "<1|2\r", Record + "'>' is missing (Position:34)", true},
-      {Head + "<1|2@", Record + "Unexpected end of data section (Position:34)", true},
-      {Head + "<1|2@\r3>\r", Record + "'@' is missing (Position:38)", true},
-      {Head + "<1|2@\r\r", Record + "'@' is missing (Position:36)", true},
-      {Head + "<@\r@\r", Record + "'>' is missing (Position:34)", true},
-      {Head + "<1|>\r", Record + "Field value is missing (Position:34;Field:'B')", true},
-      {Head + "<1>\r", Record + "Field value is missing (Position:33;Field:'B')", true},
-      {Head + "<|2>\r", Record + "Field value is missing (Position:34;Field:'A')", true},
-      {Head + "<>\r", Record + "Field value is missing (Position:32;Field:'A')", true},
-      {Head + "<1|x>\r", Record + "Field value is incorrect (Field:'B'); Value: x", true},
-  };
-  for (const auto& Case : Cases) {
-    TMemoryTable Table("T", {{"A", TKvKind::Int64}, {"B", TKvKind::Int64}});
-    AppendRow(Table, {Integer(7), Integer(8)});
-    const auto Before = Rows(Table);
-    Platform.Log.clear();
-    TEITableData Section;
-    EXPECT_EQ(ErrorOf([&] { Import(Section, Table, Case.Body); }), Case.Error) << Case.Body;
-    EXPECT_EQ(Rows(Table), Before);
-    EXPECT_EQ(Platform.Log,
-              Case.Rollback ? (std::vector<std::string>{"start", "rollback"}) : std::vector<std::string>{});
-  }
-}
-
 TEST_F(TableBody, MissingFieldsAreAnErrorWhereAsked) {
   const char* Body = "[FIELDS]\rA\rX\rY\r[RECORDS]\r<1|2|3>\r";
   const struct {

@@ -4,36 +4,15 @@
 
 #include <random>
 
+#include "tests/support/ChoppedStream.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 
 namespace velkrund::tests {
 namespace {
 
-/// A stream that shows its bytes a few at a time.
-class TPiecewise final : public TStream {
- public:
-  TPiecewise(std::string Bytes, std::size_t Piece) : FBytes(std::move(Bytes)), FPiece(Piece) {}
-  std::size_t Read(char*, std::size_t) override { return 0; }
-  void Write(std::string_view) override {}
-  std::int64_t Seek(std::int64_t Offset, TSeekOrigin Origin) override {
-    return FAt = SeekTarget(Offset, Origin, FAt, Size());
-  }
-  std::int64_t Size() override { return static_cast<std::int64_t>(FBytes.size()); }
-  void SetSize(std::int64_t) override {}
-  std::string_view Peek() override {
-    const auto At = static_cast<std::size_t>(FAt);
-    return std::string_view(FBytes).substr(At, FPiece - At % FPiece);
-  }
-
- private:
-  std::string FBytes;
-  std::size_t FPiece;
-  std::int64_t FAt = 0;
-};
-
 /// Where lines begin that begin with a bracket, and how many lines there are, read one by one.
 std::string ByLines(const std::string& Bytes, std::size_t Piece) {
-  TPiecewise Stream(Bytes, Piece);
+  TChoppedStream Stream(Bytes, Piece);
   std::string Result, Spill;
   int Lines = 0;
   for (; !Stream.Peek().empty(); ++Lines) {
@@ -44,7 +23,7 @@ std::string ByLines(const std::string& Bytes, std::size_t Piece) {
 }
 
 std::string BySkipping(const std::string& Bytes, std::size_t Piece) {
-  TPiecewise Stream(Bytes, Piece);
+  TChoppedStream Stream(Bytes, Piece);
   TBodySkipper Skipper(Stream);
   std::string Result, Spill;
   std::int64_t Lines = 0;

@@ -182,43 +182,6 @@ TEST_F(SourceWriting, DeletionsKeepTheRestByteForByte) {
   EXPECT_EQ(Source.Bytes(), All);
 }
 
-TEST_F(SourceWriting, FilesFailCleanlyAtEveryWrite) {
-  TMemoryFiles Files;
-  TTextSection Section;
-  Section.Lines.assign(20'000, std::string(60, 'x'));  // more than one buffer
-  {
-    TEIFile File(Files);
-    File.SetFileName("f.eif");
-    File.CreateFile();
-    File.Open();
-    File.ExportObject(Section, "first");
-    const std::string Before = Files.Get("f.eif");
-    Files.Faults.Capacity = static_cast<std::int64_t>(Before.size()) + 500'000;
-    EXPECT_THROW(File.ExportObject(Section, "second"), EWriteError);
-    EXPECT_EQ(Files.Get("f.eif"), Before);
-    EXPECT_EQ(File.Sections().Count(), 1);
-    Files.Faults.Capacity = -1;
-    File.ExportObject(Section, "third");
-    File.Sync();
-  }
-  TEIFile Again(Files);
-  Again.SetReadonly(true);
-  Again.SetFileName("f.eif");
-  Again.Open();
-  ASSERT_EQ(Again.Sections().Count(), 2);
-  EXPECT_EQ(Again.Sections()[1].Name(), "third");
-  TEIFile Missing(Files);
-  Missing.SetFileName("missing.eif");
-  try {
-    Missing.Open();
-    FAIL();
-  } catch (const EEIError& Error) {
-    EXPECT_NE(std::string(Error.what()).find("; FileName: missing.eif; Line: -1 OwnerException: \r\nEFOpenError: "),
-              std::string::npos)
-        << Error.what();
-  }
-}
-
 class TMemoryField : public TField {
  public:
   TMemoryField() : TField("F", TKvKind::Bytes) {}

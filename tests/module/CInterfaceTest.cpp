@@ -103,7 +103,6 @@ TEST_F(CPlatform, FailuresAreTexts) {
   VelkrundFile* File = VelkrundOpenFile((Folder / "new.eif").c_str(), VELKRUND_CREATE);
   ASSERT_TRUE(File) << VelkrundLastError();
   VelkrundSectionInfo Section;
-  VelkrundPropertyInfo Property;
   const struct {
     std::function<std::int64_t()> Call;
     const char* Error;
@@ -111,24 +110,17 @@ TEST_F(CPlatform, FailuresAreTexts) {
   } Cases[] = {
       {[&] { return VelkrundCreateOperation("TNone", nullptr) != nullptr; },
        "EPropertyError:There is no operation class 'TNone'"},
-      {[&] { return VelkrundCreateOperation(nullptr, nullptr) != nullptr; },
-       "EAccessViolation:The argument ClassName is NULL"},
       {[&] { return VelkrundSetProperty(Import, "Nope", "1"); },
        "EPropertyError:TUOImportTableDataInterface has no property 'Nope'"},
       {[&] { return VelkrundSetProperty(Import, "Append", "maybe"); },
        "EPropertyError:'maybe' is no value for property 'Append'"},
       {[&] { return VelkrundSetProperty(Import, "LastError", "x"); },
        "EPropertyError:Property 'LastError' is read-only"},
-      {[&] { return VelkrundSetProperty(nullptr, "Append", "1"); }, "EAccessViolation:The argument Operation is NULL"},
       {[&] { return VelkrundSetFile(Export, "Table", File); }, "EPropertyError:Property 'Table' takes no file"},
-      {[&] { return VelkrundSetFile(Export, "Nope", File); },
-       "EPropertyError:TUOExportTableDataInterface has no property 'Nope'"},
       {[&] { return static_cast<std::int64_t>(VelkrundGetProperty(Import, "Source", nullptr, 0)); },
        "EPropertyError:Property 'Source' is an object, which has no text"},
       {[&] { return VelkrundSetList(Import, "TableName", nullptr, 0); },
        "EPropertyError:Property 'TableName' takes another type"},
-      {[&] { return VelkrundDescribeProperty(ImportTable, 999, &Property); },
-       "EListError:Property 999 is out of bounds"},
       {[&] { return VelkrundDescribeSection(File, 0, &Section); }, "EListError:"},
       {[&] { return VelkrundSectionCount(nullptr); }, "EAccessViolation:The argument File is NULL", -1},
       {[&] { return VelkrundOpenFile("nowhere.eif", VELKRUND_READ) != nullptr; }, "EEIError:"},

@@ -157,30 +157,6 @@ TEST(BufferedStream, LosesNothingWhenWritesAndReadsFail) {
   EXPECT_TRUE(Files.Get("file") == Pair.Data());
 }
 
-TEST(BufferedStream, AFullDiskIsRolledBackWithoutTryingAgain) {
-  for (const std::int64_t Capacity : {5000, 5002, 400'000}) {
-    for (const std::size_t Piece : {1000u, 100'000u, 300'000u}) {
-      TMemoryFiles Files;
-      TOpenStream Open(Files);
-      Open.Stream.Write(std::string(5000, 'k'));
-      Open.Stream.Flush();
-      Files.Faults.Capacity = Capacity;
-      Open.Stream.Write("kept");
-      const auto Fill = [&] {
-        for (int Index = 0; Index < 1000; ++Index) Open.Stream.Write(std::string(Piece, 'x'));
-      };
-      EXPECT_THROW(Fill(), EWriteError);
-      const int Writes = Files.Counts.Writes;
-      Open.Stream.SetSize(5004);
-      EXPECT_EQ(Files.Counts.Writes, Writes);
-      EXPECT_EQ(Open.Stream.Seek(0, TSeekOrigin::End), 5004);
-      Files.Faults = {};
-      Open.Stream.Sync();
-      EXPECT_EQ(Files.GetSynced("file"), std::string(5000, 'k') + "kept") << Capacity << " " << Piece;
-    }
-  }
-}
-
 TEST(BufferedStream, ReadsLittleWhenHoppingAndMuchWhenScanning) {
   TMemoryFiles Files;
   Files.Put("file", std::string(10'000'000, 'x'));

@@ -5,10 +5,8 @@
 #include <bit>
 #include <clocale>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <locale>
-#include <random>
 
 #include "velkrund/platform/ormtools/Currency.h"
 
@@ -70,19 +68,6 @@ TEST(Numbers, SaysWhereAFaultyRealBreaks) {
     std::size_t Position = 0;
     EXPECT_FALSE(StrToReal(Text, Position)) << Text;
     EXPECT_EQ(Position, Break + 1) << Text;
-  }
-}
-
-TEST(Numbers, CarriesRealsOfAllSizesToTheLastBit) {
-  std::mt19937_64 Random(11);
-  std::string Text;
-  for (int Round = 0; Round < 100'000; ++Round) {
-    const double Value = std::bit_cast<double>(Random());
-    if (!std::isfinite(Value)) continue;
-    Text.clear();
-    AppendReal(Text, Value);
-    ASSERT_EQ(Bits(StrToReal(Text).value()), Bits(Value)) << Text;
-    ASSERT_EQ(Bits(std::strtod(Text.c_str(), nullptr)), Bits(Value)) << Text;
   }
 }
 
@@ -160,20 +145,7 @@ TEST(Currency, ReadsAmounts) {
     EXPECT_FALSE(StrToCurrency(Bad)) << Bad;
 }
 
-TEST(Currency, CarriesAmountsThroughTextsAndExactDoubles) {
-  std::mt19937_64 Random(13);
-  for (int Round = 0; Round < 100'000; ++Round) {
-    const TCurrency Value{static_cast<std::int64_t>(Random()) >> Random() % 64};
-    ASSERT_EQ(StrToCurrency(CurrencyToStr(Value)), Value);
-    const double Real = CurrencyToReal(Value);
-    ASSERT_EQ(Bits(Real), Bits(std::strtod(CurrencyToStr(Value).c_str(), nullptr))) << CurrencyToStr(Value);
-    const std::optional<TCurrency> Back = RealToCurrency(Real);
-    // At both ends the nearest double lies outside the range.
-    if (std::abs(Real) < 922337203685477.5) {
-      ASSERT_TRUE(Back) << CurrencyToStr(Value);
-      ASSERT_EQ(Bits(CurrencyToReal(*Back)), Bits(Real));
-    }
-  }
+TEST(Currency, RefusesWhatIsNoExactAmount) {
   for (const double Bad : {0.00001, 1.23456, -0.0, 1e15, -1e15, 922337203685477.75, Infinity, -Infinity, std::nan("")})
     EXPECT_FALSE(RealToCurrency(Bad)) << Bad;
 }

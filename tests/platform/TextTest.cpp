@@ -4,7 +4,6 @@
 
 #include <clocale>
 #include <cwctype>
-#include <random>
 
 namespace velkrund::tests {
 namespace {
@@ -99,21 +98,6 @@ TEST(Text, JoinsSurrogateHalvesThatMeet) {
     for (const char16_t Unit : Row.Units) AppendUtf16Unit(Text, Unit);
     EXPECT_EQ(Text, Row.Utf8);
     EXPECT_EQ(ToUtf16(Row.Utf8), Row.Units);
-  }
-}
-
-TEST(Text, RepairedNoiseIsWellFormedAndAsLongAsItsUtf16) {
-  std::mt19937 Random(3);
-  constexpr std::string_view Leads = "\x41\x80\xBF\xC2\xE0\xE2\xED\xF0\xF4\xA0\x9F\x90";
-  for (int Round = 0; Round < 20'000; ++Round) {
-    std::string Text;
-    for (std::size_t Length = Random() % 24; Text.size() < Length;) Text += Leads[Random() % Leads.size()];
-    ASSERT_EQ(Utf16Length(Text), ToUtf16(Text).size());
-    std::string Repaired = Text;
-    const std::int64_t Count = RepairUtf8(Repaired);
-    ASSERT_EQ(FindMalformedUtf8(Repaired), std::string_view::npos);
-    ASSERT_EQ(Count == 0, FindMalformedUtf8(Text) == std::string_view::npos);
-    ASSERT_EQ(Utf16Length(Repaired), Utf16Length(Text));
   }
 }
 

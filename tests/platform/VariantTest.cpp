@@ -136,19 +136,6 @@ TEST(Variant, SaysEveryKindAsTextAndEqualsItsCopyAlone) {
   }
 }
 
-TEST(Variant, ForgetsBytesThatWereLentToItWithTheKind) {
-  TKvVariant Value;
-  {
-    const std::string Lender(100, 'l');
-    Value.BorrowText(Lender);
-  }
-  Value.SetInteger(3);
-  EXPECT_EQ(Value.AsText(), "");
-  TKvVariant Copy(Value);
-  TKvVariant Moved(std::move(Value));
-  EXPECT_EQ(Copy.AsInteger() + Moved.AsInteger(), 6);
-}
-
 class TMemoryField final : public TField {
  public:
   explicit TMemoryField(std::string Name) : TField(std::move(Name), TKvKind::Null) {}

@@ -64,18 +64,6 @@ TEST_F(ManagerTest, TransactionsCountAndAnInnerRollBackDoomsTheOuter) {
     EXPECT_THAT(ErrorOf([&] { (Manager.*End)("shop"); }), HasSubstr("no transaction has been started"));
 }
 
-TEST_F(ManagerTest, ACommitThatFailsRollsBack) {
-  Manager.ExecuteSQL("PRAGMA foreign_keys = ON", "shop");
-  Manager.ExecuteSQL("CREATE TABLE P (K INTEGER PRIMARY KEY)", "shop");
-  Manager.ExecuteSQL("CREATE TABLE C (K INTEGER REFERENCES P DEFERRABLE INITIALLY DEFERRED)", "shop");
-  Manager.StartTransaction("shop", TIsolationLevel::RepeatableRead);
-  Manager.ExecuteSQL("INSERT INTO C VALUES (1)", "shop");
-  EXPECT_THAT(ErrorOf([&] { Manager.CommitTransaction("shop"); }), HasSubstr("FOREIGN KEY constraint failed"));
-  EXPECT_EQ(Manager.GetUserTable("C", "shop", false)->RecordCount(), 0);
-  Manager.StartTransaction("shop", TIsolationLevel::RepeatableRead);
-  Manager.RollbackTransaction("shop");
-}
-
 TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
   struct TCase {
     std::string Name;

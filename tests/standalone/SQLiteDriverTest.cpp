@@ -351,23 +351,6 @@ TEST_F(SQLiteDriverTest, AFileWithoutWriteRightsIsReadAndNotWritten) {
   EXPECT_EQ(Refused, "EDatabaseError: Can not append to table 'T': the database is opened for reading only");
 }
 
-TEST_F(SQLiteDriverTest, ABusyDatabaseIsWaitedForThenReported) {
-  const std::string Path = Folder / "busy.db";
-  auto First = Connect(Path);
-  First->Execute("CREATE TABLE T (C)");
-  auto Second = Connect(Path, {.BusyTime = std::chrono::milliseconds(50)});
-  First->Begin(TIsolationLevel::RepeatableRead);
-  const auto Start = std::chrono::steady_clock::now();
-  EXPECT_THAT(ErrorOf([&] { Second->Begin(TIsolationLevel::RepeatableRead); }),
-              StartsWith("EDatabaseError: Can not start a transaction in the database '" + Path +
-                         "': database is locked (SQLite error 5); another "
-                         "program is using the database"));
-  EXPECT_GE(std::chrono::steady_clock::now() - Start, std::chrono::milliseconds(50));
-  First->Commit();
-  Second->Begin(TIsolationLevel::RepeatableRead);
-  Second->Rollback();
-}
-
 TEST_F(SQLiteDriverTest, ARolledBackStatementOfTheEngineEndsTheTransaction) {
   Run("CREATE TABLE T (C UNIQUE)");
   Run("INSERT INTO T VALUES (1)");

@@ -40,7 +40,6 @@ TEST(DefaultTexts, FoundByKeyInAnyCaseInTheLanguageElseInEnglish) {
       {"M_A_Both", "French", "a ' = A\xF0\x9F\x98\x80"},
       {"M_A_Only", "Russian", "b"},
       {"M_A_Only", "English", std::nullopt},
-      {"M_A_None", "English", std::nullopt},
       {"M_A_Last", "Russian", "z"},
       {"Last", "English", std::nullopt},
   };
@@ -52,15 +51,10 @@ TEST(DefaultTexts, AFileThatIsNotAsItHasToBeIsRefusedByLine) {
     const char *From, *To, *Says;
   } Rows[] = {
       {"UTF8", "ANSI", "Line 9: the section's Encoding has to be UTF8"},
-      {"SectionID = M_A", "SectionID", "Line 9: the section's SectionID is missing"},
-      {" [LANGUAGES]", "", "Line 10: [LANGUAGES] is missing"},
-      {"  Both:\n", "", "Line 14: a text without a name"},
-      {"= ''", "''", "Line 16: '=' is missing"},
       {"= ''", "= 'a@", "Line 16: lines continued with '@' are not supported here"},
       {"#0041", "#00G1", "Line 15: '#' has to be followed by four hexadecimal digits"},
       {"a ' =", "a \xFF", "Line 15: malformed UTF-8"},
       {"   Russian = ''", "   French = ''", "Line 16: the language 'French' is not listed"},
-      {"   Russian = ''", "   ENGLISH = ''", "Line 16: a second text in the language 'ENGLISH' for the same key"},
       {"  None:", "  oNLY:\n   Russian = 'c'", "Line 20: a second text in the language 'Russian' for the same key"},
       {"\n[END]", "\nEND", "Line 37: two blanks have to stand at its beginning"},
       {"='z'\n[END]", "='z'", "Line 36: the file ends within a section"},

@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "tests/support/ChoppedStream.h"
-#include "tests/support/MemoryFiles.h"
-#include "velkrund/platform/ormtools/BufferedStream.h"
 
 namespace velkrund::tests {
 namespace {
@@ -49,23 +45,6 @@ TEST(LineReader, EveryShortTextInEveryBlockSize) {
         ASSERT_NO_FATAL_FAILURE(CompareWithNaive(Stream, Data));
       }
     }
-  }
-}
-
-TEST(LineReader, LongLinesAcrossTheBlocksOfAGrowingBuffer) {
-  std::mt19937 Random(7);
-  std::string Data;
-  for (int Line = 0; Line < 400; ++Line) {
-    Data.append(Random() % (Line % 20 == 0 ? 300'000 : 3000), static_cast<char>('a' + Line % 26));
-    Data += Line % 3 == 0 ? "\r" : "\r\n";
-  }
-  TMemoryFiles Files;
-  Files.Put("lines", Data);
-  for (const std::size_t BufferSize : {1u, 7u, 1024u}) {
-    TBufferedStream Stream(Files, BufferSize);
-    Stream.SetFileName("lines");
-    Stream.Open(TFileMode::Read);
-    ASSERT_NO_FATAL_FAILURE(CompareWithNaive(Stream, Data));
   }
 }
 

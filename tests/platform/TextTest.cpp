@@ -56,22 +56,6 @@ TEST(Text, FindsMalformedBytesAtEveryOffsetOfTheWordScan) {
   }
 }
 
-TEST(Text, CarriesEveryCodePointToUtf8AndUtf16AndBack) {
-  for (char32_t Code = 0; Code <= 0x10FFFF; ++Code) {
-    std::string Text;
-    AppendUtf8(Text, Code);
-    std::size_t At = 0;
-    ASSERT_EQ(NextCodePoint(Text, At), Code);
-    ASSERT_EQ(At, Text.size());
-    ASSERT_EQ(FindMalformedUtf8(Text), std::string_view::npos);
-    ASSERT_EQ(Utf16Length(Text), Code < 0x10000 ? 1u : 2u);
-    ASSERT_EQ(FromUtf16(ToUtf16(Text)), Text);
-  }
-  std::string Beyond;
-  AppendUtf8(Beyond, 0x110000);
-  EXPECT_EQ(Beyond, "\xEF\xBF\xBD");
-}
-
 TEST(Text, CountsAndCutsInUtf16Units) {
   const std::string_view Text = "a\xD0\x96\xF0\x9F\x98\x80z\xED\xA0\x80";  // 1 + 1 + 2 + 1 + 1 units
   EXPECT_EQ(Utf16Length(Text), 6u);

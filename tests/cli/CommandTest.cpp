@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <thread>
 
@@ -26,6 +27,18 @@ void Redirect(const std::string& File, int Flags, int Descriptor) {
   const int Opened = open(File.c_str(), Flags, 0600);
   if (Opened < 0 || dup2(Opened, Descriptor) < 0) _exit(126);
   close(Opened);
+}
+
+/// Nobody types before a program has come to listen. The thread sanitizer's runtime loses now and then a signal that
+/// comes while the program is still on its way there.
+void WaitUntilAsleep(pid_t Process) {
+  for (int Tries = 0; Tries < SilenceMilliseconds; ++Tries) {
+    std::ifstream Stat("/proc/" + std::to_string(Process) + "/stat");
+    std::string Number, Name, State;
+    Stat >> Number >> Name >> State;
+    if (State == "S") return;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 }  // namespace
@@ -94,6 +107,7 @@ TOutcome TCommandTest::RunOnTerminal(const TArguments& Arguments, const std::str
   for (ssize_t Got; poll(&Poll, 1, SilenceMilliseconds) > 0 && (Got = read(Terminal, Block, sizeof Block)) > 0;) {
     Result.Output.append(Block, static_cast<std::size_t>(Got));
     if (Typed || Result.Output.find(Prompt) == std::string::npos) continue;
+    WaitUntilAsleep(Process);
     Typed = write(Terminal, Keys.data(), Keys.size()) == static_cast<ssize_t>(Keys.size());
   }
   if (Poll.revents == 0) kill(Process, SIGKILL);  // it waits for something that nobody types

@@ -96,6 +96,7 @@ class TEISource {
   void WriteSection(TEIObject& Object, const std::string& Name, TEISection& Section);
   void WriteHeaderLine(std::string_view Name, std::string_view Value, TKvEncoding Encoding);
   void DeleteMarked(const std::vector<bool>& Marks);
+  bool WouldJoinLineEnd(std::int64_t LastKept, std::int64_t NextKept);
   std::int64_t EndOfSection(const TEISection& Section);
   void MoveDown(std::int64_t& WriteAt, std::int64_t From, std::int64_t To);
 

@@ -44,13 +44,23 @@ std::int64_t TEISource::EndOfSection(const TEISection& Section) {
   return Stream().Position();
 }
 
+// A lone CR ends a line, a LF alone does not: brought together by a cut they would be one line end, and the line that
+// began with the LF would be read as another.
+bool TEISource::WouldJoinLineEnd(std::int64_t LastKept, std::int64_t NextKept) {
+  const auto Byte = [this](std::int64_t Position) {
+    Stream().SetPosition(Position);
+    return Stream().Peek().empty() ? '\0' : Stream().Peek().front();
+  };
+  return LastKept >= 0 && Byte(LastKept) == '\r' && Byte(NextKept) == '\n';
+}
+
 void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
   struct TCut {
     std::int64_t Start, End;
   };
   std::vector<TCut> Cuts;
   std::vector<std::int64_t> Shifts(Marks.size());
-  std::int64_t Shift = 0;
+  std::int64_t Shift = 0, LastKept = -1;
   const std::int64_t OldSize = Stream().Size();
   for (int Index = 0; Index < FSections.Count(); ++Index) {
     Shifts[static_cast<std::size_t>(Index)] = Shift;
@@ -59,7 +69,9 @@ void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
     std::int64_t Start = Stream().Position();
     while (RightTrim(ReadRaw()) != "[SECTION]") Start = Stream().Position();
     const bool Last = Index == FSections.Count() - 1;
-    const std::int64_t End = Last ? OldSize : EndOfSection(FSections[Index]);
+    std::int64_t End = Last ? OldSize : EndOfSection(FSections[Index]);
+    if (Cuts.empty() || Cuts.back().End < Start) LastKept = Start - 1;
+    if (WouldJoinLineEnd(LastKept, End)) --End;  // the section's own LF stays
     Cuts.push_back({Start, End});
     Shift += End - Start;
   }

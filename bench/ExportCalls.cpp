@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 
+#include "hosts/common/Glances.h"
 #include "standalone/databases/StandaloneManager.h"
 #include "velkrund/dictionary/Dicutils.h"
 #include "velkrund/eif/Eifiles.h"
@@ -16,7 +17,7 @@ namespace velkrund::bench {
 
 namespace {
 
-using TClock = std::chrono::steady_clock;
+using TClock = TGlances::TClock;
 
 std::atomic<bool> StopWished = false;
 
@@ -46,6 +47,7 @@ void Export(benchmark::State& State, const std::string& Database, const std::str
   TUOExportTableData Operation;
   Operation.FOnGetCancel = [] { return StopWished.load(std::memory_order_relaxed); };
   TClock::time_point Next = TClock::now() + std::chrono::hours(1);
+  TGlances Glances;
   std::int64_t Rows = 0, Shown = 0;
   for (auto _ : State) {
     TEITableData Section;
@@ -54,7 +56,8 @@ void Export(benchmark::State& State, const std::string& Database, const std::str
     if (WithCalls) {
       Section.OnCancel = [&] { return Operation.IsCanceled(); };
       Section.OnProgress = [&](std::int32_t, std::int32_t, std::string_view) {
-        Shown += TClock::now() >= Next ? 1 : 0;
+        TClock::time_point Now;
+        if (Glances.Due(Now) && Now >= Next) ++Shown;
       };
     }
     TNowhere Nowhere;

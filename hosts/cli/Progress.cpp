@@ -29,14 +29,15 @@ void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t To
   FCount = -1;
   FStart = TClock::now();
   FNext = FStart + FInterval;
+  FGlances.Begin(FStart);
 }
 
 void TProgress::SetName(const std::string& Name) { FName = Printable(Name); }
 
 void TProgress::Show(std::int32_t Current, std::int32_t Total) {
   if (FStyle == TProgressStyle::None || Total <= 0) return;
-  const TClock::time_point Now = TClock::now();
-  if (Now < FNext) return;
+  TClock::time_point Now;
+  if (!FGlances.Due(Now) || Now < FNext) return;
   FNext = Now + FInterval;
   const double Fraction = std::clamp(static_cast<double>(Current) / Total, 0.0, 1.0);
   FCount = FTotal < 0 ? Current : std::llround(Fraction * static_cast<double>(FTotal));

@@ -6,11 +6,12 @@
 
 #include "hosts/cli/Console.h"
 #include "hosts/cli/SharedOptions.h"
+#include "hosts/common/Glances.h"
 
 namespace velkrund {
 
 /// How far a run has come, for people: a bar with rate and time left that is drawn over and over on a terminal, or
-/// lines. Told of every row, it looks at the clock and shows something a few times a second.
+/// lines. Told of every row, it shows something a few times a second.
 class TProgress {
  public:
   /// Console: borrowed. Auto: a bar on a terminal, nothing elsewhere.
@@ -26,7 +27,7 @@ class TProgress {
   void End();
 
  private:
-  using TClock = std::chrono::steady_clock;
+  using TClock = TGlances::TClock;
 
   std::string Line(double Fraction, double Seconds) const;
   std::string Bar(double Fraction, const std::string& Rest) const;
@@ -37,6 +38,7 @@ class TProgress {
   std::string FName, FUnit;
   std::int64_t FTotal = -1, FCount = -1;
   TClock::time_point FStart, FNext;
+  TGlances FGlances;
 };
 
 }  // namespace velkrund

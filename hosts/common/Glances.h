@@ -30,7 +30,7 @@ class TGlances {
 
  private:
   static constexpr TClock::duration Quick = std::chrono::milliseconds(1);
-  static constexpr int MostSkipped = 63;
+  static constexpr int MostSkipped = 15;
 
   TClock::time_point FLast;
   int FSkip = 0, FLeft = 0;

@@ -36,7 +36,7 @@ void WaitUntilAsleep(pid_t Process) {
     std::ifstream Stat("/proc/" + std::to_string(Process) + "/stat");
     std::string Number, Name, State;
     Stat >> Number >> Name >> State;
-    if (State == "S") return;
+    if (State != "R" && State != "D") return;  // asleep, or at its end
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 }

@@ -118,7 +118,33 @@ TEST_F(TSharingTest, ADatabaseThatWasMadeForNothingIsRemoved) {
   EXPECT_TRUE(Exists("mine.db"));
 }
 
-// The limit of a file's size stands in for a full disk, without the shell's help.
+// On a real file system, small enough to be filled, that nobody but the job sees.
+TEST_F(TSharingTest, AFullDiskIsAnErrorAndLeavesAllAsItWas) {
+  const std::string OnSmallDisk = "export V; unshare -rm sh -c 'mkdir -p disk; mount -t tmpfs -o size=360k none disk";
+  if (Shell(OnSmallDisk + "'").ExitCode != 0) GTEST_SKIP() << "no right to mount a small file system";
+  Write("F", Section("X", {"ID"}, {std::string(130'000, '1')}) + Section("Y", {"ID"}, {"2"}));
+  Write("BROKEN", "[SECTION]\r\n" + std::string(130'000, 'x'));
+  Query("shop.db", "INSERT INTO A (NAME) VALUES (hex(zeroblob(200000)))");
+  Write("BIG", Section("A", {"ID", "NAME"}, {"7|'" + std::string(200'000, 'x') + "'"}));
+  const struct {
+    const char* Job;
+    const char* Error;
+  } Cases[] = {{"export table -d sqlite:../shop.db -t A -o F", "'F': No space left on device"},
+               {"file remove F --name Y", "F.velkrund-new': No space left on device"},
+               {"file repair BROKEN", "BROKEN.velkrund-new': No space left on device"},
+               {"import table -d sqlite:empty.db -i ../BIG --replace", "database or disk is full"}};
+  for (const auto& Case : Cases) {
+    SCOPED_TRACE(Case.Job);
+    const TOutcome Outcome =
+        Shell(OnSmallDisk + " && cp F BROKEN empty.db disk && cd disk && { $V " + Case.Job +
+              "; Code=$?; cmp F ../F && cmp BROKEN ../BROKEN && cmp empty.db ../empty.db && ls; exit $Code; }'");
+    EXPECT_EQ(Outcome.ExitCode, 1);
+    EXPECT_NE(Outcome.Errors.find(Case.Error), std::string::npos) << Outcome.Errors;
+    EXPECT_EQ(Outcome.Output, "BROKEN\nF\nempty.db\n");
+  }
+}
+
+// A limit of a file's size comes as a signal first, which the shell here does not take away.
 TEST_F(TSharingTest, ASizeLimitIsAnErrorAndLeavesTheFileAsItWas) {
   const std::string Before = Section("X", {"ID"}, {std::string(30'000, '1')}) + Section("Y", {"ID"}, {"2"});
   Query("shop.db", "INSERT INTO A (NAME) VALUES (hex(zeroblob(40000)))");

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <random>
 
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
@@ -273,7 +274,7 @@ TEST_F(SQLiteDriverTest, NoRowIsDroppedWithoutAWord) {
     TDriverTable Table = Open("S");
     Table.BeginAppend();
     Key(Table.Record().Fields(0).Buffer());
-    EXPECT_THAT(ErrorOf([&] { Table.AppendRecord(); }), HasSubstr("UNIQUE constraint failed: S.C"));
+    EXPECT_THAT(ErrorOf([&] { Table.AppendRecord(), Table.EndAppend(); }), HasSubstr("UNIQUE constraint failed: S.C"));
     Connection->Commit();
     EXPECT_EQ(Table.RecordCount(), 1);
   }
@@ -288,6 +289,65 @@ TEST_F(SQLiteDriverTest, NoRowIsDroppedWithoutAWord) {
             "EDatabaseError: Can not append record 2 to table 'T': a trigger of the table has ignored it");
 }
 
+// Many rows go to the engine at once; what is wrong with one of them is told as if it had come alone.
+TEST_F(SQLiteDriverTest, ARowAmongManyIsBlamedByItsNumber) {
+  constexpr int Rows = 150;
+  const struct {
+    const char* Fault;
+    const char* Error;
+    void (*Spoil)(TField& Key, TField& Value);
+  } Faults[] = {
+      {"unique", "UNIQUE constraint failed: T.K", [](TField& Key, TField&) { Key.Buffer().SetInteger(-1); }},
+      {"missing", "NOT NULL constraint failed: T.V", [](TField&, TField& Value) { Value.Buffer().SetNull(); }},
+      {"refused", "column 'V': the engine has no NaN", [](TField&, TField& V) { V.Buffer().SetReal(std::nan("")); }},
+      {"check", "CHECK constraint failed", [](TField&, TField& Value) { Value.Buffer().SetText("wrong"); }},
+  };
+  Run("CREATE TABLE T (K INTEGER UNIQUE, V NOT NULL CHECK (V <> 'wrong'))");
+  Run("INSERT INTO T VALUES (-1, 'there')");
+  for (const auto& Fault : Faults) {
+    for (const int Bad : {1, 63, 64, 65, 100, Rows}) {
+      SCOPED_TRACE(std::string(Fault.Fault) + " in record " + std::to_string(Bad));
+      TDriverTable Table = Open("T");
+      Connection->Begin(TIsolationLevel::RepeatableRead);
+      const std::string Error = ErrorOf([&] {
+        Table.BeginAppend();
+        for (int Row = 1; Row <= Rows; ++Row) {
+          Table.ClearData();
+          Table.FieldByName("K").Buffer().SetInteger(Row);
+          Table.FieldByName("V").Buffer().SetText("good");
+          if (Row == Bad) Fault.Spoil(Table.FieldByName("K"), Table.FieldByName("V"));
+          Table.AppendRecord();
+        }
+        Table.EndAppend();
+      });
+      EXPECT_THAT(Error, HasSubstr("record " + std::to_string(Bad) + " to table 'T'"));
+      EXPECT_THAT(Error, HasSubstr(Fault.Error));
+      Connection->Rollback();
+      EXPECT_EQ(Table.RecordCount(), 1);
+    }
+  }
+}
+
+TEST_F(SQLiteDriverTest, SmallAndLargeRowsKeepTheirOrder) {
+  Run("CREATE TABLE T (N INTEGER, V TEXT)");
+  TDriverTable Table = Open("T");
+  Connection->Begin(TIsolationLevel::RepeatableRead);
+  Table.BeginAppend();
+  std::string Text;
+  for (int Row = 1; Row <= 500; ++Row) {
+    Table.ClearData();
+    Text.assign(Row % 90 == 0 ? 100'000U : static_cast<std::size_t>(Row), static_cast<char>('a' + Row % 26));
+    Table.FieldByName("N").Buffer().SetInteger(Row);
+    Table.FieldByName("V").Buffer().BorrowText(Text);
+    Table.AppendRecord();
+  }
+  Table.EndAppend();
+  Connection->Commit();
+  Run("DELETE FROM T WHERE N = rowid AND length(V) = iif(N % 90, N, 100000) AND "
+      "replace(V, char(97 + N % 26), '') = ''");
+  EXPECT_EQ(Table.RecordCount(), 0);
+}
+
 TEST_F(SQLiteDriverTest, WideDatabasesHoldTheSameTexts) {
   auto Wide = Connect(Folder / "wide.db");
   Wide->Execute("PRAGMA encoding = 'UTF-16le'");
@@ -299,7 +359,7 @@ TEST_F(SQLiteDriverTest, WideDatabasesHoldTheSameTexts) {
   Table.FieldByName("C").Buffer().SetText(std::string_view("東\0京", 7));
   Table.AppendRecord();
   Table.FieldByName("C").Buffer().SetText("\xED\xA0\x80");
-  EXPECT_THAT(ErrorOf([&] { Table.AppendRecord(); }),
+  EXPECT_THAT(ErrorOf([&] { Table.AppendRecord(), Table.EndAppend(); }),
               HasSubstr("record 2 to table 'T', column 'C': the text has characters that UTF-16 can not hold"));
   const std::string Nul(1, '\0');
   EXPECT_THAT(Rows(*Wide, "T"), ElementsAre("10 имя 🌸" + Nul + "b|14 2024-02-29", "10 東" + Nul + "京|0 "));

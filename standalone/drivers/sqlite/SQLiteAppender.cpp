@@ -2,6 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -14,11 +17,17 @@ constexpr std::int64_t AppendCacheSize = -8'192;
 
 std::string What(const std::string& TableName) { return Format("Can not append to table '%s'", TableName); }
 
-std::string InsertText(const TTableDescription& Table, std::span<const int> Columns) {
+/// What one statement of several rows takes: beyond, the cost of a statement no longer shows.
+constexpr std::size_t MostPlaces = 128;
+constexpr std::size_t MostRows = 64;
+/// Bytes of texts in a row that is copied to be held back.
+constexpr std::size_t MostHeldBytes = 4'096;
+
+std::string InsertText(const TTableDescription& Table, std::span<const int> Columns, std::size_t Rows) {
   // ABORT, so that no conflict clause of the table drops or replaces rows without a word.
   std::string Text = "INSERT OR ABORT INTO main." + QuoteSQLiteName(Table.Table.Name);
   if (Columns.empty()) return Text + " DEFAULT VALUES";
-  std::string Places;
+  std::string Places = "(";
   Text += " (";
   for (const int Column : Columns) {
     Text += QuoteSQLiteName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
@@ -26,7 +35,10 @@ std::string InsertText(const TTableDescription& Table, std::span<const int> Colu
   }
   Text.resize(Text.size() - 2);
   Places.resize(Places.size() - 2);
-  return Text + ") VALUES (" + Places + ")";
+  Places += ")";
+  Text += ") VALUES " + Places;
+  for (std::size_t Row = 1; Row < Rows; ++Row) Text += ", " + Places;
+  return Text;
 }
 
 }  // namespace
@@ -35,21 +47,10 @@ TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Tab
                                  const TAppendOptions& Options, const TTraits& Traits)
     : FDatabase(Database),
       FTableName(Table.Table.Name),
-      FStatement(Database, InsertText(Table, Columns), What(FTableName), TSQLiteStatement::TUse::Often),
+      FOne(Database, Table, Columns, Traits, 1),
       FRecord(Options.FirstRecord) {
-  FBinders.reserve(Columns.size());
-  FNames.reserve(Columns.size());
-  int Place = 0;
-  for (const int Index : Columns) {
-    const TColumnInfo& Column = Table.Columns[static_cast<std::size_t>(Index)];
-    FBinders.emplace_back(FStatement.Handle(), ++Place,
-                          TSQLiteBinder::TColumn{.Affinity = AffinityOf(Column.DeclaredType, Traits.Strict),
-                                                 .HoldsBytes = Column.Kind == TKvKind::Bytes,
-                                                 .IsRowNumber = Index == Traits.RowNumberColumn,
-                                                 .Wide = Traits.Wide},
-                          *WorkSettings().AnsiCodePage);
-    FNames.push_back(Column.Name);
-  }
+  for (const int Index : Columns) FNames.push_back(Table.Columns[static_cast<std::size_t>(Index)].Name);
+  if (!Traits.OneByOne) PrepareMany(Table, Columns, Traits);
   TSQLiteStatement CacheSize(Database, "PRAGMA main.cache_size", What(FTableName));
   if (CacheSize.Step() && CacheSize.Integer(0) < 0 && CacheSize.Integer(0) > AppendCacheSize) {
     FCacheSizeBefore = CacheSize.Integer(0);
@@ -61,17 +62,95 @@ TSQLiteAppender::~TSQLiteAppender() {
   if (FCacheSizeBefore) SetCacheSize(*FCacheSizeBefore);
 }
 
+TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+                                  const TTraits& Traits, std::size_t Rows)
+    : Statement(Database, InsertText(Table, Columns, Rows), What(Table.Table.Name), TSQLiteStatement::TUse::Often) {
+  Binders.reserve(Columns.size() * Rows);
+  int Place = 0;
+  for (std::size_t Row = 0; Row < Rows; ++Row) {
+    for (const int Index : Columns) {
+      const TColumnInfo& Column = Table.Columns[static_cast<std::size_t>(Index)];
+      Binders.emplace_back(Statement.Handle(), ++Place,
+                           TSQLiteBinder::TColumn{.Affinity = AffinityOf(Column.DeclaredType, Traits.Strict),
+                                                  .HoldsBytes = Column.Kind == TKvKind::Bytes,
+                                                  .IsRowNumber = Index == Traits.RowNumberColumn,
+                                                  .Wide = Traits.Wide},
+                           *WorkSettings().AnsiCodePage);
+    }
+  }
+}
+
+void TSQLiteAppender::PrepareMany(const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits) {
+  const std::size_t Rows = Columns.empty() ? 1 : std::min(MostRows, MostPlaces / Columns.size());
+  if (Rows < 2) return;
+  FMany.emplace(FDatabase, Table, Columns, Traits, Rows);
+  FHeld.resize(Rows * Columns.size());
+  FHeldPlaces.reserve(FHeld.size());
+  for (const TKvVariant& Value : FHeld) FHeldPlaces.push_back(&Value);
+}
+
 void TSQLiteAppender::SetCacheSize(std::int64_t Size) {
   // Speed only; a refusal changes nothing that matters.
   sqlite3_exec(FDatabase, Format("PRAGMA main.cache_size=%d", Size).c_str(), nullptr, nullptr, nullptr);
 }
 
 void TSQLiteAppender::Append(std::span<const TKvVariant* const> Row) {
-  for (std::size_t I = 0; I < FBinders.size(); ++I)
-    if (const TSQLiteBinder::TRefusal Refusal = FBinders[I].Bind(*Row[I])) RaiseRefused(I, Refusal);
-  sqlite3_stmt* Handle = FStatement.Handle();
-  if (sqlite3_step(Handle) != SQLITE_DONE) RaiseEngineError();
-  sqlite3_reset(Handle);
+  if (!IsHeldBack(Row)) {
+    InsertHeldOneByOne();
+    return InsertOne(Row);
+  }
+  Hold(Row);
+  if (FHeldCount == FHeld.size()) InsertHeld();
+}
+
+bool TSQLiteAppender::IsHeldBack(TRow Row) const {
+  if (!FMany) return false;
+  std::size_t Bytes = 0;
+  for (const TKvVariant* Value : Row) Bytes += Value->AsText().size();
+  return Bytes <= MostHeldBytes;
+}
+
+void TSQLiteAppender::Hold(TRow Row) {
+  for (const TKvVariant* Value : Row) FHeld[FHeldCount++] = *Value;
+}
+
+void TSQLiteAppender::InsertHeld() {
+  if (!BindHeld()) return InsertHeldOneByOne();
+  const bool Alone = sqlite3_get_autocommit(FDatabase) != 0;
+  const int Code = sqlite3_step(FMany->Statement.Handle()) & 0xFF;
+  if (Code != SQLITE_DONE) {
+    // Where a row was at fault, the engine has undone the statement and nothing else, and meets it again. After a
+    // failure of another kind the transaction may be gone: rows sent now would stay for good.
+    const bool FaultOfARow = Code == SQLITE_CONSTRAINT || Code == SQLITE_MISMATCH || Code == SQLITE_TOOBIG;
+    if (!FaultOfARow || Alone != (sqlite3_get_autocommit(FDatabase) != 0)) RaiseEngineError(*FMany, HeldText());
+    sqlite3_reset(FMany->Statement.Handle());
+    return InsertHeldOneByOne();
+  }
+  sqlite3_reset(FMany->Statement.Handle());
+  const std::size_t Rows = FHeldCount / FNames.size();
+  if (static_cast<std::size_t>(sqlite3_changes(FDatabase)) != Rows)
+    throw EDatabaseError(HeldText() + ": the engine has ignored some of them");
+  FRecord += static_cast<std::int64_t>(Rows);
+  FHeldCount = 0;
+}
+
+/// False: a value can not be stored.
+bool TSQLiteAppender::BindHeld() {
+  for (std::size_t I = 0; I < FHeldCount; ++I)
+    if (FMany->Binders[I].Bind(FHeld[I])) return false;
+  return true;
+}
+
+void TSQLiteAppender::InsertHeldOneByOne() {
+  const TRow All = TRow(FHeldPlaces).first(std::exchange(FHeldCount, 0));
+  for (std::size_t At = 0; At < All.size(); At += FNames.size()) InsertOne(All.subspan(At, FNames.size()));
+}
+
+void TSQLiteAppender::InsertOne(TRow Row) {
+  for (std::size_t I = 0; I < Row.size(); ++I)
+    if (const TSQLiteBinder::TRefusal Refusal = FOne.Binders[I].Bind(*Row[I])) RaiseRefused(I, Refusal);
+  if (sqlite3_step(FOne.Statement.Handle()) != SQLITE_DONE) RaiseEngineError(FOne, RecordText());
+  sqlite3_reset(FOne.Statement.Handle());
   // A trigger can drop the row; nobody would miss it until it is needed.
   if (sqlite3_changes(FDatabase) != 1) throw EDatabaseError(RecordText() + ": a trigger of the table has ignored it");
   ++FRecord;
@@ -81,15 +160,20 @@ std::string TSQLiteAppender::RecordText() const {
   return Format("Can not append record %d to table '%s'", FRecord, FTableName);
 }
 
+std::string TSQLiteAppender::HeldText() const {
+  const auto Last = FRecord + static_cast<std::int64_t>(FHeldCount / FNames.size()) - 1;
+  return Format("Can not append records %d to %d to table '%s'", FRecord, Last, FTableName);
+}
+
 void TSQLiteAppender::RaiseRefused(std::size_t Place, std::string_view Reason) const {
   throw EDatabaseError(Format("%s, column '%s': %s", RecordText(), FNames[Place], Reason));
 }
 
-void TSQLiteAppender::RaiseEngineError() const {
+void TSQLiteAppender::RaiseEngineError(const TInsert& Insert, const std::string& What) const {
   try {
-    RaiseSQLiteError(FDatabase, RecordText());
+    RaiseSQLiteError(FDatabase, What);
   } catch (...) {
-    sqlite3_reset(FStatement.Handle());
+    sqlite3_reset(Insert.Statement.Handle());
     throw;
   }
 }

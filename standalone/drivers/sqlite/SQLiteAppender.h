@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,9 @@
 
 namespace velkrund {
 
-/// One prepared insert. Each row reaches the engine at once, inside the caller's transaction.
+/// Prepared inserts inside the caller's transaction. Small rows are held back until one statement takes several of
+/// them, which costs the engine a fraction of a statement each; when that one fails, the rows go one by one to find the
+/// record to blame.
 class TSQLiteAppender final : public TBulkAppender {
  public:
   /// What the engine knows about the table beyond its description.
@@ -19,6 +22,7 @@ class TSQLiteAppender final : public TBulkAppender {
     bool Strict = false;
     bool Wide = false;         // the database's encoding is UTF-16
     int RowNumberColumn = -1;  // index of the column that stands for the row number; -1: none
+    bool OneByOne = false;     // what a row does can depend on the statement that it is part of
   };
 
   TSQLiteAppender(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
@@ -26,21 +30,41 @@ class TSQLiteAppender final : public TBulkAppender {
   ~TSQLiteAppender() override;
 
   void Append(std::span<const TKvVariant* const> Row) override;
-  void Finish() override {}
+  void Finish() override { InsertHeldOneByOne(); }
 
  private:
+  using TRow = std::span<const TKvVariant* const>;
+  /// One statement that inserts a fixed number of rows.
+  struct TInsert {
+    TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits,
+            std::size_t Rows);
+    TSQLiteStatement Statement;
+    std::vector<TSQLiteBinder> Binders;  // one per place, row by row
+  };
+
+  void PrepareMany(const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits);
+  bool IsHeldBack(TRow Row) const;
+  void Hold(TRow Row);
+  void InsertHeld();
+  bool BindHeld();
+  void InsertHeldOneByOne();
+  void InsertOne(TRow Row);
   [[noreturn]] void RaiseRefused(std::size_t Place, std::string_view Reason) const;
-  [[noreturn]] void RaiseEngineError() const;
+  [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What) const;
   std::string RecordText() const;
+  std::string HeldText() const;
   void SetCacheSize(std::int64_t Size);
 
   sqlite3* FDatabase;
   std::string FTableName;
   std::optional<std::int64_t> FCacheSizeBefore;
-  TSQLiteStatement FStatement;
-  std::vector<TSQLiteBinder> FBinders;  // one per place of the statement
+  TInsert FOne;
+  std::optional<TInsert> FMany;                // nothing: every row goes by itself
+  std::vector<TKvVariant> FHeld;               // room for the rows of FMany
+  std::vector<const TKvVariant*> FHeldPlaces;  // to FHeld's values
+  std::size_t FHeldCount = 0;                  // values in FHeld
   std::vector<std::string> FNames;
-  std::int64_t FRecord;  // number of the next record
+  std::int64_t FRecord;  // number of the next record that reaches the engine
 };
 
 }  // namespace velkrund

@@ -49,6 +49,7 @@ class TSQLiteConnection final : public TConnection {
   /// How a message about the whole database begins.
   std::string About(std::string_view Failed) const;
   int RowNumberColumn(const TTableDescription& Table, bool WithoutRowId);
+  bool RowsDependOnStatement(const std::string& Table);
 
   std::string FPath;
   bool FIsNew = false;  // the file was not there before

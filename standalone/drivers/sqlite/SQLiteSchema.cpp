@@ -109,7 +109,19 @@ std::unique_ptr<TBulkAppender> TSQLiteConnection::OpenAppender(const TTableDescr
   if (!Info.BindText(1, Table.Table.Name).Step()) throw EDatabaseError(What + ": the table does not exist");
   Traits.Strict = Info.Integer(0) != 0;
   Traits.RowNumberColumn = RowNumberColumn(Table, Info.Integer(1) != 0);
+  Traits.OneByOne = Table.Table.Kind != TTableKind::Table || RowsDependOnStatement(Table.Table.Name);
   return std::make_unique<TSQLiteAppender>(FDatabase.get(), Table, Columns, Options, Traits);
+}
+
+/// A trigger can drop single rows, and a reference to a row of the same table is checked when the statement ends.
+bool TSQLiteConnection::RowsDependOnStatement(const std::string& Table) {
+  TSQLiteStatement Found(
+      FDatabase.get(),
+      "SELECT 1 FROM pragma_foreign_keys WHERE foreign_keys UNION ALL "
+      "SELECT 1 FROM main.sqlite_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1) UNION ALL "
+      "SELECT 1 FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)",
+      Format("Can not append to table '%s'", Table));
+  return Found.BindText(1, Table).Step();
 }
 
 /// A single key column declared as INTEGER is the row number itself, unless the key needed an index of its own.

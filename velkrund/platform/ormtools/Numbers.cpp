@@ -1,7 +1,6 @@
 #include "velkrund/platform/ormtools/Numbers.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -33,15 +32,8 @@ std::optional<TNumber> ParseSigned(std::string_view Text) {
   return ParseWhole<TNumber>(Text, 10);
 }
 
-constexpr std::array<char, 512> HexPairs = [] {
-  constexpr char Digits[] = "0123456789ABCDEF";
-  std::array<char, 512> Pairs{};
-  for (std::size_t Byte = 0; Byte < 256; ++Byte) {
-    Pairs[2 * Byte] = Digits[Byte / 16];
-    Pairs[2 * Byte + 1] = Digits[Byte % 16];
-  }
-  return Pairs;
-}();
+/// Plain arithmetic: compilers turn a loop of it into vector instructions, which a table would forbid.
+constexpr char HexDigit(unsigned Value) { return static_cast<char>(Value + (Value > 9 ? 'A' - 10U : '0')); }
 
 /// A walk over the text of a real, to say where it stops being one and to size what a double cannot hold.
 class TRealScanner {
@@ -201,9 +193,10 @@ void AppendHex(std::string& Out, std::string_view Bytes) {
   Out.resize(Start + 2 * Bytes.size());
   char* To = Out.data() + Start;
   for (const char Byte : Bytes) {
-    const char* Pair = &HexPairs[std::size_t{2} * static_cast<unsigned char>(Byte)];
-    *To++ = Pair[0];
-    *To++ = Pair[1];
+    const auto Value = static_cast<unsigned char>(Byte);
+    To[0] = HexDigit(Value / 16U);
+    To[1] = HexDigit(Value % 16U);
+    To += 2;
   }
 }
 

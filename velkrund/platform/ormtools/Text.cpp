@@ -74,6 +74,11 @@ std::size_t Utf16Prefix(std::string_view Text, std::size_t Units) {
   if (Text.size() <= Units) return Text.size();
   std::size_t At = 0;
   while (At < Text.size() && Units > 0) {
+    if (Units >= WordSize && IsAsciiWord(Text, At)) {
+      At += WordSize;
+      Units -= WordSize;
+      continue;
+    }
     const TSequence Sequence = SequenceAt(Text, At);
     const std::size_t Needed = Sequence.WellFormed && Sequence.Length == 4 ? 2 : 1;
     if (Needed > Units) break;

@@ -34,11 +34,11 @@ def medians(usages):
     return Usage(*(statistics.median(values) for values in zip(*usages)))
 
 
-def in_turn(ours, theirs, runs):
-    """Runs both in turn after one warm-up each; returns the medians of both and of their processor time ratios."""
+def in_turn(ours, theirs, runs, time_of=lambda usage: usage.cpu):
+    """Runs both in turn after one warm-up each; returns the medians of both and of the ratios of their times."""
     ours(), theirs()
     pairs = [(ours(), theirs()) for _ in range(runs)]
-    ratio = statistics.median(mine.cpu / other.cpu for mine, other in pairs)
+    ratio = statistics.median(time_of(mine) / time_of(other) for mine, other in pairs)
     return medians([pair[0] for pair in pairs]), medians([pair[1] for pair in pairs]), ratio
 
 

@@ -37,8 +37,7 @@ TJson NumberJson(const std::optional<std::int64_t>& Number) { return Number ? TJ
 std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::vector<std::vector<std::string>> Rows = {{"TABLE", "KIND", "ROWS", "SIZE"}};
   for (const auto& [Table, Count, Bytes] : Info.Tables)
-    Rows.push_back({Printable(Table.Schema.empty() ? Table.Name : Table.Schema + "." + Table.Name),
-                    KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
+    Rows.push_back({Printable(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
   return Format("database  %s\nengine    %s %s\naccess    %s\n\n", Name, Info.Engine, Info.EngineVersion,
                 Info.ReadOnly ? "read only" : "read and write") +
          (Info.Tables.empty() ? "no tables\n" : ColumnsText(Rows, {false, false, true, true}));
@@ -53,7 +52,7 @@ TJson JsonOf(const std::string& Name, const TDatabaseInfo& Info) {
   Result["tables"] = TJson::array();
   for (const auto& [Table, Count, Bytes] : Info.Tables) {
     TJson Entry;
-    Entry["name"] = Table.Name;
+    Entry["name"] = FullName(Table);
     if (!Table.Schema.empty()) Entry["schema"] = Table.Schema;
     Entry["kind"] = KindText(Table.Kind);
     Entry["rows"] = NumberJson(Count);

@@ -100,7 +100,7 @@ void TExportTable::CheckOptions() {
 std::vector<std::string> TExportTable::AllTables(const TSession& Session, TReport& Report) const {
   std::vector<std::string> Result, LeftOut;
   for (const TTableInfo& Table : Session.Manager().Tables(Session.Database()))
-    (Table.Kind == TTableKind::Table ? Result : LeftOut).push_back(Table.Name);
+    (Table.Kind == TTableKind::Table ? Result : LeftOut).push_back(FullName(Table));
   if (!LeftOut.empty())
     Report.Notes.push_back("left out, being views or tables that the engine does not keep: " + Joined(LeftOut));
   return Result;

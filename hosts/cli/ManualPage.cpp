@@ -38,6 +38,9 @@ constexpr std::string_view ConfigurationExample =
     "[database.shop]\n"
     "url = \"sqlite:shop.db\"\n"
     "\n"
+    "[database.office]\n"
+    "url = \"postgresql://clerk@db.example/office?sslmode=verify-full\"\n"
+    "\n"
     "[trace]\n"
     "level = \"info\"\n"
     "file = \"velkrund.log\"\n";
@@ -49,6 +52,8 @@ constexpr TMeaning Environment[] = {
     {"LC_ALL, LC_MESSAGES, LANG",
      "The language of questions, unless the configuration sets it: the first of them that is not empty counts. Russian "
      "when it begins with \"ru\", English otherwise."},
+    {"PGHOST, PGPORT, PGUSER, PGPASSFILE, PGSERVICE ...",
+     "What the address of a PostgreSQL database leaves open, as for that engine's own tools."},
     {"TERM", "Whether the terminal can show a progress bar."},
 };
 

@@ -4,8 +4,8 @@ namespace velkrund {
 
 TOption TSharedOptions::DatabaseOption() {
   return Text("-d,--database", "DB",
-              "the database: a name of the configuration, or an address such as sqlite:shop.db; without it the "
-              "configuration's default database",
+              "the database: a name of the configuration, or an address such as sqlite:shop.db or "
+              "postgresql://user@host/shop; without it the configuration's default database",
               Database);
 }
 

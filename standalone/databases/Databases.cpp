@@ -31,7 +31,7 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   if (!Driver)
     throw EDatabaseError(Format("The database '%s' has the unknown scheme '%s'; known are: %s", WithoutSecrets(Meant),
                                 Url->Scheme, FDrivers.Schemes()));
-  std::string Identity = Url->Scheme + ":" + Driver->Identity(*Url, Options);
+  std::string Identity = std::string(Driver->Scheme()) + ":" + Driver->Identity(*Url, Options);
   return {Driver, std::move(*Url), std::move(Options), std::move(Identity)};
 }
 

@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
 #include "standalone/tables/DriverTable.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -15,6 +16,7 @@ constexpr std::string_view DatabaseSubsystem = "Databases";
 TDriverRegistry AllDrivers() {
   TDriverRegistry Result;
   Result.Add(std::make_unique<TSQLiteDriver>());
+  Result.Add(std::make_unique<TPostgreSQLDriver>());
   return Result;
 }
 

@@ -24,8 +24,8 @@ class TBulkAppender {
   virtual ~TBulkAppender() = default;
 
   /// One value per column that the appender was opened with, in that order. The values and the bytes that they borrow
-  /// are needed until the call returns. The row may be held back: then its error shows at a later call, and until Finish
-  /// other statements do not see it.
+  /// are needed until the call returns. The row may be held back: then its error shows at a later call, and until
+  /// Finish other statements do not see it.
   virtual void Append(std::span<const TKvVariant* const> Row) = 0;
   /// Hands over what is still held back; nothing can be appended afterwards.
   virtual void Finish() = 0;

@@ -22,6 +22,7 @@ struct TCapabilities {
   bool TransactionalSchema = false;  // CREATE, ALTER and DROP are undone by a roll back
   bool MixedKinds = false;           // a cell may be of another kind than its column
   bool NotANumber = false;           // floating columns hold NaN
+  bool NegativeZero = false;         // floating columns tell -0.0 from 0.0
   bool NulInText = false;            // texts hold the character U+0000
   bool TableSizes = false;           // TableBytes has answers
 };
@@ -39,10 +40,11 @@ class TConnection {
   virtual std::string EngineName() const = 0;
   virtual std::string EngineVersion() const = 0;
 
-  /// Transactions do not nest here. A failed Commit leaves the transaction open.
+  /// Transactions do not nest here. After a failed Commit the caller rolls back; some engines have done so by then.
   virtual void Begin(TIsolationLevel Level) = 0;
   virtual void Commit() = 0;
-  /// No error when the engine has already rolled back by itself.
+  /// No error when the engine has already rolled back by itself, or the connection is lost, and the transaction with
+  /// it.
   virtual void Rollback() = 0;
 
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
@@ -51,7 +53,8 @@ class TConnection {
 
   /// The user's tables and views by name; neither the engine's own nor the platform's.
   virtual std::vector<TTableInfo> Tables() = 0;
-  /// The table of that name, the exact one first, else the first that differs in case only.
+  /// The table of that name (FullName), the exact one first, else the first that differs in case only. Two tables with
+  /// exactly that name are an error.
   virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
   virtual TTableDescription Describe(const TTableInfo& Table) = 0;
   virtual std::int64_t RowCount(const TTableInfo& Table) = 0;

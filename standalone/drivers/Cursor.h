@@ -5,7 +5,8 @@
 namespace velkrund {
 
 /// Rows of a table, one after the other, as the engine delivers them; memory does not grow with their number. Begins
-/// before the first row. Other tables of the same connection can be written while it is open. Raises EDatabaseError.
+/// before the first row. Inside a transaction other tables of the same connection can be written while it is open;
+/// outside, an engine may refuse every other statement until the last row or the cursor's end. Raises EDatabaseError.
 class TCursor {
  public:
   TCursor() = default;

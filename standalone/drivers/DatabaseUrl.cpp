@@ -31,13 +31,28 @@ void MaskUserInfo(std::string& Text) {
   if (Colon < At) Text.replace(Colon + 1, At - Colon - 1, Mask);
 }
 
+std::size_t SkipBlanks(std::string_view Text, std::size_t At) {
+  return std::min(Text.find_first_not_of(' ', At), Text.size());
+}
+
+/// Where the value that starts there ends. Braces or apostrophes may hold it together, a backslash keeps what follows
+/// it from ending it.
+std::size_t EndOfValue(std::string_view Text, std::size_t Start) {
+  const char First = Start < Text.size() ? Text[Start] : ' ';
+  if (First == '{') return std::min(Text.find('}', Start), Text.size() - 1) + 1;
+  const std::string_view Enders = First == '\'' ? "'" : "&; ";
+  std::size_t At = First == '\'' ? Start + 1 : Start;
+  while (At < Text.size() && Enders.find(Text[At]) == std::string_view::npos) At += Text[At] == '\\' ? 2U : 1U;
+  return std::min(First == '\'' ? At + 1 : At, Text.size());
+}
+
 void MaskParameter(std::string& Text, std::string_view Name) {
   for (std::size_t At = 0; (At = ToLower(Text).find(Name, At)) != std::string::npos;) {
-    const std::size_t Start = At + Name.size();
-    At = Start + 1;
-    const bool Braced = Start < Text.size() && Text[Start] == '{';
-    const std::size_t End = std::min(Braced ? Text.find('}', Start) : Text.find_first_of("&; ", Start), Text.size());
-    Text.replace(Start, End - Start + (Braced && End < Text.size() ? 1 : 0), Mask);
+    At = SkipBlanks(Text, At + Name.size());
+    if (At == Text.size() || Text[At] != '=') continue;
+    const std::size_t Start = SkipBlanks(Text, At + 1);
+    Text.replace(Start, EndOfValue(Text, Start) - Start, Mask);
+    At = Start + Mask.size();
   }
 }
 
@@ -54,8 +69,8 @@ std::optional<TDatabaseUrl> ParseDatabaseUrl(std::string_view Text) {
 std::string WithoutSecrets(std::string_view Text) {
   std::string Result(Text);
   MaskUserInfo(Result);
-  MaskParameter(Result, "password=");
-  MaskParameter(Result, "pwd=");
+  MaskParameter(Result, "password");
+  MaskParameter(Result, "pwd");
   return Result;
 }
 

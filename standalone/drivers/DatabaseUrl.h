@@ -19,7 +19,7 @@ struct TDatabaseUrl {
 std::optional<TDatabaseUrl> ParseDatabaseUrl(std::string_view Text);
 
 /// Text with every password in it replaced by "***", for messages: what stands between "user:" and "@" behind "://",
-/// and the values of "password=" and "pwd=".
+/// and the values of "password" and "pwd", held together by braces or apostrophes or not.
 std::string WithoutSecrets(std::string_view Text);
 
 }  // namespace velkrund

@@ -12,7 +12,7 @@ void TDriverRegistry::Add(std::unique_ptr<TDriver> Driver) {
 
 const TDriver* TDriverRegistry::Find(std::string_view Scheme) const {
   for (const auto& Driver : FDrivers)
-    if (Driver->Scheme() == Scheme) return Driver.get();
+    if (Driver->Accepts(Scheme)) return Driver.get();
   return nullptr;
 }
 

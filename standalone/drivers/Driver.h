@@ -29,6 +29,8 @@ class TDriver {
   virtual ~TDriver() = default;
 
   virtual std::string_view Scheme() const = 0;
+  /// Whether addresses of that scheme are this driver's; some engines go by more than one.
+  virtual bool Accepts(std::string_view Scheme) const { return Scheme == this->Scheme(); }
   /// A text that is the same for all URLs of one database.
   virtual std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const = 0;
   /// Raises EDatabaseError when the database cannot be reached; messages show no password.

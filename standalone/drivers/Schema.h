@@ -18,7 +18,13 @@ struct TTableInfo {
   std::string Name;    // in the case in which the database has it
   std::string Schema;  // empty where the engine has no schemas, and for its usual one
   TTableKind Kind = TTableKind::Table;
+  bool HasHeirs = false;  // other tables inherit from it; their rows are none of its own
 };
+
+/// The name by which people and files know a table.
+inline std::string FullName(const TTableInfo& Table) {
+  return Table.Schema.empty() ? Table.Name : Table.Schema + "." + Table.Name;
+}
 
 struct TColumnInfo {
   std::string Name;

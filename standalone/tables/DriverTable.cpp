@@ -50,6 +50,7 @@ class TDriverTable::TDriverRecord final : public TRecord {
 TDriverTable::TDriverTable(TConnection& Connection, const TTableInfo& Table, bool ReadWrite)
     : FConnection(Connection),
       FDescription(Connection.Describe(Table)),
+      FName(FullName(Table)),
       FReadWrite(ReadWrite),
       FRecord(std::make_unique<TDriverRecord>(*this)) {}
 

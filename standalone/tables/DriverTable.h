@@ -18,7 +18,7 @@ class TDriverTable final : public TODBCTable {
   TDriverTable(TConnection& Connection, const TTableInfo& Table, bool ReadWrite);
   ~TDriverTable() override;
 
-  const std::string& TableName() const override { return FDescription.Table.Name; }
+  const std::string& TableName() const override { return FName; }
   std::string SQLName() const override { return FConnection.SQLName(FDescription.Table); }
   TRecord& Record() override;
 
@@ -42,6 +42,7 @@ class TDriverTable final : public TODBCTable {
 
   TConnection& FConnection;
   TTableDescription FDescription;
+  std::string FName;
   bool FReadWrite;
   std::unique_ptr<TDriverRecord> FRecord;
 

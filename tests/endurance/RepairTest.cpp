@@ -21,11 +21,12 @@ std::size_t FinishedPart(const std::string& Content, std::size_t Length) {
 
 TEST(Repair, EveryTruncationKeepsTheFinishedSections) {
   TTemporaryFolder Folder;
-  TRawDatabase(Folder / "a.db").Run("CREATE TABLE A(V); INSERT INTO A VALUES('я'), (1), (x'0D0A')");
+  const TTestDatabase Database = SQLiteDatabase(Folder / "a.db");
+  Database.Run("CREATE TABLE A(V); INSERT INTO A VALUES('я'), (1), (x'0D0A')");
   TRealPlatform Platform;
   TFileSystem& Files = Platform.Manager.Files();
   for (const auto Release : {TExportReleaseVersion::rv20, TExportReleaseVersion::rv17}) {
-    ASSERT_EQ(Platform.Export(Folder / "a.db", "A", Folder / "new", Release), "");
+    ASSERT_EQ(Platform.Export(Database, "A", Folder / "new", Release), "");
     const std::string First = Folder.Read("new"), Content = First + First.substr(First.find("[SECTION]"));
     ASSERT_EQ(FinishedPart(Content, Content.size()), Content.size());
     for (std::size_t Length = 0; Length < Content.size(); ++Length) {

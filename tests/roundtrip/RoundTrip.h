@@ -3,6 +3,8 @@
 #include <sqlite3.h>
 
 #include <cstring>
+#include <functional>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -10,6 +12,7 @@
 
 #include "standalone/databases/StandaloneManager.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/postgresql/PostgreSQLDatabase.h"
 #include "velkrund/dictionary/Dicutils.h"
 #include "velkrund/eif/Eifiles.h"
 #include "velkrund/module/Module.h"
@@ -70,6 +73,25 @@ class TRawDatabase {
   sqlite3* FHandle = nullptr;
 };
 
+/// A database of either engine, and what it holds past the code under test.
+struct TTestDatabase {
+  std::string Url;
+  std::function<void(const std::string& Statements)> Run;
+  std::function<std::string(const std::string& Query)> Cells;
+};
+
+inline TTestDatabase SQLiteDatabase(const std::string& Path) {
+  const auto Raw = std::make_shared<TRawDatabase>(Path);
+  return {"sqlite:" + Path, [Raw](const std::string& Statements) { Raw->Run(Statements); },
+          [Raw](const std::string& Query) { return Raw->Cells(Query); }};
+}
+
+inline TTestDatabase PostgreSQLDatabase(const std::string& ServerUrl = {}) {
+  const auto Raw = std::make_shared<TPostgreSQLDatabase>(ServerUrl);
+  return {Raw->Url(), [Raw](const std::string& Statements) { Raw->Run(Statements); },
+          [Raw](const std::string& Query) { return Raw->Rows(Query); }};
+}
+
 /// The module on the real platform, strict as the command is.
 class TRealPlatform {
  public:
@@ -79,7 +101,7 @@ class TRealPlatform {
   }
 
   /// Exports into a new file; the error text, empty on success.
-  std::string Export(const std::string& Database, const std::string& Table, const std::string& Path,
+  std::string Export(const TTestDatabase& Database, const std::string& Table, const std::string& Path,
                      TExportReleaseVersion Release = TExportReleaseVersion::rv20) {
     TEIFile File;
     File.SetFileName(Path);
@@ -87,7 +109,7 @@ class TRealPlatform {
     File.Open();
     TUOExportTableDataInterface Operation;
     Operation.SetTarget(&File);
-    Operation.SetDatabaseName("sqlite:" + Database);
+    Operation.SetDatabaseName(Database.Url);
     Operation.SetTableName(Table);
     Operation.SetSectionName("rows");
     Operation.SetReleaseVersion(Release);
@@ -96,14 +118,14 @@ class TRealPlatform {
   }
 
   /// Imports the first section; the error text, empty on success.
-  std::string Import(const std::string& Database, const std::string& Path) {
+  std::string Import(const TTestDatabase& Database, const std::string& Path) {
     TEIFile File;
     File.SetFileName(Path);
     File.SetReadonly(true);
     File.Open();
     TUOImportTableDataInterface Operation;
     Operation.SetSource(&File);
-    Operation.SetDatabaseName("sqlite:" + Database);
+    Operation.SetDatabaseName(Database.Url);
     const int Result = Operation.Execute();
     return Result ? std::string() : Operation.LastError();
   }

@@ -10,18 +10,14 @@ class SQLiteRoundTrip : public testing::Test {
  protected:
   void Check(const std::string& Schema, const std::string& Rows, TExportReleaseVersion Release) {
     TTemporaryFolder Folder;
-    {
-      TRawDatabase Source(Folder / "a.db"), Copy(Folder / "b.db");
-      Source.Run(Schema + ";" + Rows);
-      Copy.Run(Schema);
-    }
+    const TTestDatabase Source = SQLiteDatabase(Folder / "a.db"), Copy = SQLiteDatabase(Folder / "b.db");
+    Source.Run(Schema + ";" + Rows);
+    Copy.Run(Schema);
     TRealPlatform Platform;
-    ASSERT_EQ(Platform.Export(Folder / "a.db", "T", Folder / "1.eif", Release), "");
-    ASSERT_EQ(Platform.Import(Folder / "b.db", Folder / "1.eif"), "") << Folder.Read("1.eif");
-    EXPECT_EQ(TRawDatabase(Folder / "b.db").Cells("SELECT * FROM T"),
-              TRawDatabase(Folder / "a.db").Cells("SELECT * FROM T"))
-        << Folder.Read("1.eif");
-    ASSERT_EQ(Platform.Export(Folder / "b.db", "T", Folder / "2.eif", Release), "");
+    ASSERT_EQ(Platform.Export(Source, "T", Folder / "1.eif", Release), "");
+    ASSERT_EQ(Platform.Import(Copy, Folder / "1.eif"), "") << Folder.Read("1.eif");
+    EXPECT_EQ(Copy.Cells("SELECT * FROM T"), Source.Cells("SELECT * FROM T")) << Folder.Read("1.eif");
+    ASSERT_EQ(Platform.Export(Copy, "T", Folder / "2.eif", Release), "");
     EXPECT_EQ(Folder.Read("2.eif"), Folder.Read("1.eif"));
   }
 };
@@ -152,6 +148,16 @@ TEST_F(SQLiteRoundTrip, TablesOfAllShapes) {
     SCOPED_TRACE(Case.Schema);
     Check(Case.Schema, Case.Rows, TExportReleaseVersion::rv20);
   }
+}
+
+TEST_F(SQLiteRoundTrip, MalformedTextOfATableFailsTheExportAndLeavesTheFile) {
+  TTemporaryFolder Folder;
+  const TTestDatabase Database = SQLiteDatabase(Folder / "a.db");
+  Database.Run("CREATE TABLE BAD(V TEXT); INSERT INTO BAD VALUES('ok'),(CAST(x'C328' AS TEXT))");
+  TRealPlatform Platform;
+  const std::string Error = Platform.Export(Database, "BAD", Folder / "f.eif");
+  EXPECT_TRUE(Error.starts_with("EDicUtilError:A text is not valid UTF-8 (Field:'V';Record:2).")) << Error;
+  EXPECT_EQ(Folder.Read("f.eif"), "");
 }
 
 TEST_F(SQLiteRoundTrip, LongRecordsInBothVersions) {

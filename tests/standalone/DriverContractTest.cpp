@@ -7,9 +7,11 @@
 #include <limits>
 #include <map>
 
+#include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
 #include "standalone/tables/DriverTable.h"
 #include "tests/standalone/Support.h"
+#include "tests/support/postgresql/PostgreSQLDatabase.h"
 
 namespace velkrund::tests {
 namespace {
@@ -17,13 +19,21 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
+struct TConnected {
+  std::shared_ptr<void> Database;  // what has to live as long as the connection
+  std::unique_ptr<TConnection> Connection;
+};
+
 struct TEngine {
   std::string Name;
-  std::function<std::unique_ptr<TConnection>(const TTemporaryFolder&)> Connect;
+  std::function<TConnected(const TTemporaryFolder&)> Connect;
   std::map<TKvKind, std::string> Types;        // words of CREATE TABLE
   std::map<std::string, std::string> ReadsAs;  // Shown of what was written: Shown of what comes back
   std::string GeneratedColumn;                 // declares G as A + 1
+  std::string Parameters;                      // the marks of two
 };
+
+void PrintTo(const TEngine& Engine, std::ostream* Out) { *Out << Engine.Name; }
 
 const std::vector<TEngine>& Engines() {
   static const std::vector<TEngine> Result = {
@@ -32,7 +42,7 @@ const std::vector<TEngine>& Engines() {
            [](const TTemporaryFolder& Folder) {
              auto Opened = TSQLiteDriver().Connect({"sqlite", Folder / "contract.db"}, {.CreateMissing = true});
              Opened->Execute("PRAGMA synchronous = OFF");
-             return Opened;
+             return TConnected{nullptr, std::move(Opened)};
            },
        .Types = {{TKvKind::Int64, "BIGINT"},
                  {TKvKind::Double, "DOUBLE PRECISION"},
@@ -45,7 +55,26 @@ const std::vector<TEngine>& Engines() {
                  {TKvKind::DateTime, "TIMESTAMP"}},
        // Whole amounts are stored as integers.
        .ReadsAs = {{"20 -7", "18 -7"}, {"20 0", "18 0"}},
-       .GeneratedColumn = "G INTEGER AS (A + 1)"},
+       .GeneratedColumn = "G BIGINT AS (A + 1)",
+       .Parameters = "?, ?"},
+      {.Name = "postgresql",
+       .Connect =
+           [](const TTemporaryFolder&) {
+             auto Database = std::make_shared<TPostgreSQLDatabase>();
+             return TConnected{Database, TPostgreSQLDriver().Connect(*ParseDatabaseUrl(Database->Url()), {})};
+           },
+       .Types = {{TKvKind::Int64, "BIGINT"},
+                 {TKvKind::Double, "DOUBLE PRECISION"},
+                 {TKvKind::Currency, "DECIMAL(18,4)"},
+                 {TKvKind::Boolean, "BOOLEAN"},
+                 {TKvKind::String, "VARCHAR(200)"},
+                 {TKvKind::Bytes, "BYTEA"},
+                 {TKvKind::SysDate, "DATE"},
+                 {TKvKind::SysTime, "TIME"},
+                 {TKvKind::DateTime, "TIMESTAMP"}},
+       .ReadsAs = {},
+       .GeneratedColumn = "G BIGINT GENERATED ALWAYS AS (A + 1) STORED",
+       .Parameters = "$1, $2"},
   };
   return Result;
 }
@@ -57,7 +86,8 @@ class DriverContractTest : public testing::TestWithParam<TEngine> {
   TDriverTable Open(const std::string& Name) { return {*Connection, Connection->FindTable(Name).value(), true}; }
 
   TTemporaryFolder Folder;
-  std::unique_ptr<TConnection> Connection = GetParam().Connect(Folder);
+  TConnected Connected = GetParam().Connect(Folder);
+  TConnection* const Connection = Connected.Connection.get();
 };
 
 INSTANTIATE_TEST_SUITE_P(Engines, DriverContractTest, testing::ValuesIn(Engines()),
@@ -121,7 +151,7 @@ TEST_P(DriverContractTest, EveryValueComesBack) {
 
 TEST_P(DriverContractTest, WhatTheEngineLacksIsRefusedWhatItHasComesBack) {
   const TCapabilities& Can = Connection->Capabilities();
-  Run("CREATE TABLE T (R " + Type(TKvKind::Double) + ", S " + Type(TKvKind::String) + ")");
+  Run(R"(CREATE TABLE "T" ("R" )" + Type(TKvKind::Double) + R"(, "S" )" + Type(TKvKind::String) + ")");
   struct TCase {
     std::string Column;
     TKvVariant Value;
@@ -129,12 +159,13 @@ TEST_P(DriverContractTest, WhatTheEngineLacksIsRefusedWhatItHasComesBack) {
   };
   const TCase Cases[] = {
       {"R", Made([](TKvVariant& V) { V.SetReal(std::nan("")); }), Can.NotANumber},
+      {"R", Made([](TKvVariant& V) { V.SetReal(-0.0); }), Can.NegativeZero},
       {"S", Made([](TKvVariant& V) { V.SetText(std::string_view("a\0b", 3)); }), Can.NulInText},
       {"S", Made([](TKvVariant& V) { V.SetBytes("b"); }), Can.MixedKinds},
   };
   for (const TCase& Case : Cases) {
     SCOPED_TRACE(Shown(Case.Value));
-    Run("DELETE FROM T");
+    Run("DELETE FROM \"T\"");
     TDriverTable Table = Open("T");
     const std::string Error = ErrorOf([&] {
       Table.BeginAppend();
@@ -148,7 +179,7 @@ TEST_P(DriverContractTest, WhatTheEngineLacksIsRefusedWhatItHasComesBack) {
     }
     EXPECT_EQ(Error, "no error");
     ASSERT_TRUE(Table.First());
-    EXPECT_TRUE(Table.FieldByName(Case.Column).Value() == Case.Value);
+    EXPECT_EQ(Shown(Table.FieldByName(Case.Column).Value()), Shown(Case.Value));
   }
 }
 
@@ -179,6 +210,50 @@ TEST_P(DriverContractTest, ATableIsReadWhileAnotherIsWrittenAndCommitted) {
   EXPECT_EQ(Target.FieldByName("N").Value().AsInteger(), 1);
 }
 
+TEST_P(DriverContractTest, TwoTablesAreFilledInTurn) {
+  Run("CREATE TABLE A (N BIGINT)");
+  Run("CREATE TABLE B (N BIGINT)");
+  TDriverTable Tables[] = {Open("A"), Open("B")};
+  Connection->Begin(TIsolationLevel::RepeatableRead);
+  for (TDriverTable& Table : Tables) Table.BeginAppend();
+  for (int I = 0; I < 100; ++I)
+    for (TDriverTable& Table : Tables) {
+      Table.FieldByName("N").Buffer().SetInteger(I);
+      Table.AppendRecord();
+    }
+  for (TDriverTable& Table : Tables) Table.EndAppend();
+  Connection->Commit();
+  for (TDriverTable& Table : Tables) EXPECT_EQ(Table.RecordCount(), 100);
+}
+
+TEST_P(DriverContractTest, WhatIsLeftHalfWayLeavesTheConnectionInOrder) {
+  Run("CREATE TABLE T (N BIGINT, S VARCHAR(1000))");
+  const TTableDescription Table = Connection->Describe(*Connection->FindTable("T"));
+  const int Columns[] = {0, 1};
+  const TKvVariant Number = Made([](TKvVariant& V) { V.SetInteger(1); });
+  const TKvVariant Text = Made([](TKvVariant& V) { V.SetText(std::string(1000, 'x')); });
+  const TKvVariant* const Row[] = {&Number, &Text};
+  Connection->Begin(TIsolationLevel::RepeatableRead);
+  const auto Appender = Connection->OpenAppender(Table, Columns, {});
+  for (int I = 0; I < 10'000; ++I) Appender->Append(Row);
+  Appender->Finish();
+  Connection->Commit();
+  for (const bool InTransaction : {false, true}) {
+    if (InTransaction) Connection->Begin(TIsolationLevel::RepeatableRead);
+    TKvVariant Value;
+    {
+      const auto Cursor = Connection->OpenCursor(Table, Columns);
+      ASSERT_TRUE(Cursor->Next());
+      Cursor->Read(0, Value);
+      EXPECT_TRUE(Value == Number);
+    }
+    EXPECT_EQ(Connection->RowCount(Table.Table), 10'000);
+    Connection->OpenAppender(Table, Columns, {})->Append(Row);
+    EXPECT_EQ(Connection->Execute("UPDATE T SET S = NULL WHERE N = 2"), 0);
+    if (InTransaction) Connection->Rollback();
+  }
+}
+
 TEST_P(DriverContractTest, TransactionsEndAsAsked) {
   Run("CREATE TABLE T (N BIGINT)");
   Connection->Begin(TIsolationLevel::RepeatableRead);
@@ -194,7 +269,7 @@ TEST_P(DriverContractTest, TransactionsEndAsAsked) {
 }
 
 TEST_P(DriverContractTest, UnassignedColumnsGetTheirDefaultAndGeneratedOnesAreOnlyRead) {
-  Run("CREATE TABLE T (A INTEGER DEFAULT 7, B VARCHAR(9) DEFAULT 'none', " + GetParam().GeneratedColumn + ")");
+  Run("CREATE TABLE T (A BIGINT DEFAULT 7, B VARCHAR(9) DEFAULT 'none', " + GetParam().GeneratedColumn + ")");
   TDriverTable Table = Open("T");
   Table.BeginAppend();
   const auto Append = [&](std::initializer_list<std::pair<const char*, int>> Values) {
@@ -218,7 +293,8 @@ TEST_P(DriverContractTest, UnassignedColumnsGetTheirDefaultAndGeneratedOnesAreOn
 }
 
 TEST_P(DriverContractTest, NamesOfEveryKindAreQuoted) {
-  for (const std::string Name : {"select", "a\"b", "x'; DROP TABLE Y; --", "Заказы", " blanks ", "[brackets]", "%s"}) {
+  for (const std::string Name :
+       {"select", "a\"b", "x'; DROP TABLE Y; --", "Заказы", " blanks ", "[brackets]", "%s", "a.b", "tables"}) {
     SCOPED_TRACE(Name);
     Run("CREATE TABLE " + Connection->QuoteName(Name) + " (" + Connection->QuoteName(Name) + " BIGINT)");
     TDriverTable Table = Open(Name);
@@ -245,7 +321,7 @@ TEST_P(DriverContractTest, TablesAreFoundIgnoringCaseExactNameFirst) {
 }
 
 TEST_P(DriverContractTest, AnEngineErrorNamesRecordAndColumnAndIsUndoneByRollingBack) {
-  Run("CREATE TABLE T (A INTEGER NOT NULL PRIMARY KEY, B INTEGER NOT NULL)");
+  Run(R"(CREATE TABLE "T" (A INTEGER NOT NULL PRIMARY KEY, "B" INTEGER NOT NULL))");
   Connection->Begin(TIsolationLevel::RepeatableRead);
   TDriverTable Table = Open("T");
   Table.BeginAppend();
@@ -268,7 +344,7 @@ TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
   Run("CREATE TABLE T (A BIGINT, B VARCHAR(20))");
   const TKvVariant Values[] = {Made([](TKvVariant& V) { V.SetInteger(5); }),
                                Made([](TKvVariant& V) { V.SetText("x'); --"); })};
-  EXPECT_EQ(Connection->Execute("INSERT INTO T VALUES (?, ?)", Values), 1);
+  EXPECT_EQ(Connection->Execute("INSERT INTO T VALUES (" + GetParam().Parameters + ")", Values), 1);
   EXPECT_THAT(Rows(*Connection, "T"), ElementsAre("18 5|10 x'); --"));
   EXPECT_EQ(Connection->Execute("CREATE TABLE U (A BIGINT)"), 0);
   EXPECT_THAT(ErrorOf([&] { Run("DELETE FROM T; DELETE FROM T"); }), HasSubstr("more than one statement"));
@@ -279,7 +355,7 @@ TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
 TEST_P(DriverContractTest, ViewsAreReadAndNotWritten) {
   Run("CREATE TABLE T (A BIGINT)");
   Run("INSERT INTO T VALUES (4)");
-  Run("CREATE VIEW V AS SELECT A FROM T");
+  Run("CREATE VIEW \"V\" AS SELECT A FROM T");
   EXPECT_EQ(Connection->FindTable("v")->Kind, TTableKind::View);
   EXPECT_THAT(Rows(*Connection, "V"), ElementsAre("18 4"));
   EXPECT_EQ(ErrorOf([&] { Open("V").BeginAppend(); }), "EDatabaseError: Can not append to table 'V': it is a view");

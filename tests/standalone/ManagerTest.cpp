@@ -74,9 +74,12 @@ TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
       {"shop", "no error"},
       {"SQLITE:" + Folder / "shop.db", "no error"},
       {"Shop", "EDatabaseError: The database 'Shop' is not in velkrund.toml, and it is no address (SCHEME:...)"},
-      {"secret", "EDatabaseError: The database 'secret' has the unknown scheme 'postgresql'; known are: sqlite"},
+      {"secret",
+       "EDatabaseError: The database address 'postgresql://me:***' can not be read: special characters in a URL have "
+       "to be written as %XX, a value with blanks between apostrophes"},
       {"odbc:DSN=x;PWD=geheim",
-       "EDatabaseError: The database 'odbc:DSN=x;PWD=***' has the unknown scheme 'odbc'; known are: sqlite"},
+       "EDatabaseError: The database 'odbc:DSN=x;PWD=***' has the unknown scheme 'odbc'; known are: sqlite, "
+       "postgresql"},
   };
   for (const TCase& Case : Cases) EXPECT_EQ(ErrorOf([&] { Manager.GetUserTable("T", Case.Name, true); }), Case.Error);
   EXPECT_TRUE(Manager.Databases().IsSameDatabase("shop", "sqlite:" + Folder / "x/../shop.db"));

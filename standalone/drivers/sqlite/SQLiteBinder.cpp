@@ -81,6 +81,7 @@ TSQLiteBinder::TRefusal TSQLiteBinder::BindUnsigned(std::uint64_t Value) {
 
 TSQLiteBinder::TRefusal TSQLiteBinder::BindReal(double Value) {
   if (std::isnan(Value)) return "the engine has no NaN";
+  if (FColumn.Affinity > TAffinity::Text && Value == 0 && std::signbit(Value)) return "it has no negative zero";
   if (FColumn.Affinity != TAffinity::Text) return Result(sqlite3_bind_double(FStatement, FPlace, Value));
   // The engine's own conversion keeps 15 digits only.
   FScratch.clear();

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standalone/drivers/BulkAppender.h"
+#include "standalone/drivers/Schema.h"
+#include "standalone/drivers/postgresql/PostgreSQLEncoder.h"
+#include "standalone/drivers/postgresql/PostgreSQLSession.h"
+
+namespace velkrund {
+
+/// Rows through COPY, in pieces: one ends when it is large, and before every other statement of the connection. The
+/// server tells of most errors at the end of a piece.
+class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStream {
+ public:
+  /// Raises EDatabaseError when the table takes no such rows.
+  TPostgreSQLAppender(TPostgreSQLSession& Session, const TTableDescription& Table, std::span<const int> Columns,
+                      const TAppendOptions& Options);
+  ~TPostgreSQLAppender() override;
+
+  void Append(std::span<const TKvVariant* const> Row) override;
+  void Finish() override;
+
+ private:
+  void GiveWay(std::string_view What) override;
+  void Abandon() noexcept override;
+  void CheckUsable() const;
+  void InsertDefaults();
+  void BeginPiece();
+  void Send();
+  void EndPiece();
+  [[noreturn]] void RaisePiece(const TPostgreSQLResult& Result);
+  [[noreturn]] void Fail(const std::string& Message);
+  std::string Records(std::int64_t First, std::int64_t Last) const;
+
+  TPostgreSQLSession& FSession;
+  std::string FTableName;      // as people know it
+  std::string FTableBareName;  // without the schema
+  std::string FWhat;
+  std::string FTableOid;
+  std::string FStatement;
+  std::vector<std::string> FNames;
+  std::vector<TPostgreSQLEncoder> FEncoders;  // one per column
+  bool FMovesSequences;
+  std::string FRows;           // made and not yet handed to the client library
+  std::size_t FPieceSize = 0;  // bytes handed over
+  std::int64_t FPieceFirst;    // number of the piece's first record
+  std::int64_t FRecord;        // of the next record
+  bool FInPiece = false;       // this holds the connection
+  bool FCopying = false;       // the server has begun the piece
+  std::string FFailure;        // why nothing can be appended any more
+};
+
+}  // namespace velkrund

@@ -1,0 +1,57 @@
+#include "standalone/drivers/postgresql/PostgreSQLConnection.h"
+
+#include "standalone/drivers/postgresql/PostgreSQLAppender.h"
+#include "standalone/drivers/postgresql/PostgreSQLCursor.h"
+#include "standalone/drivers/postgresql/PostgreSQLTypes.h"
+
+namespace velkrund {
+namespace {
+
+std::string_view LevelWords(TIsolationLevel Level) {
+  switch (Level) {
+    case TIsolationLevel::ReadUncommitted:
+      return "READ UNCOMMITTED";
+    case TIsolationLevel::ReadCommitted:
+      return "READ COMMITTED";
+    case TIsolationLevel::RepeatableRead:
+      return "REPEATABLE READ";
+    case TIsolationLevel::Serializable:
+      break;
+  }
+  return "SERIALIZABLE";
+}
+
+}  // namespace
+
+TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
+                                             const TConnectOptions& Options)
+    : FSession(ConnectionInfo, ShownName, Options.BusyTime) {
+  FCapabilities.ReadOnly = FSession.ReadOnly();
+  FCapabilities.TransactionalSchema = true;
+  FCapabilities.NotANumber = true;
+  FCapabilities.NegativeZero = true;
+  FCapabilities.TableSizes = true;
+}
+
+void TPostgreSQLConnection::Begin(TIsolationLevel Level) { FSession.Begin(LevelWords(Level)); }
+
+std::int64_t TPostgreSQLConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
+  return FSession.Execute(Statement, Parameters);
+}
+
+std::string TPostgreSQLConnection::SQLName(const TTableInfo& Table) const {
+  return PostgreSQLName(Table, FSession.CurrentSchema());
+}
+
+std::unique_ptr<TCursor> TPostgreSQLConnection::OpenCursor(const TTableDescription& Table,
+                                                           std::span<const int> Columns) {
+  return OpenPostgreSQLCursor(FSession, Table, Columns);
+}
+
+std::unique_ptr<TBulkAppender> TPostgreSQLConnection::OpenAppender(const TTableDescription& Table,
+                                                                   std::span<const int> Columns,
+                                                                   const TAppendOptions& Options) {
+  return std::make_unique<TPostgreSQLAppender>(FSession, Table, Columns, Options);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/Schema.h"
+#include "standalone/drivers/postgresql/PostgreSQLDecoder.h"
+#include "standalone/drivers/postgresql/PostgreSQLSession.h"
+
+namespace velkrund {
+
+/// What a cursor reads: the question in the engine's language, and how to read the answers.
+struct TPostgreSQLSource {
+  TPostgreSQLSession& Session;
+  std::string What;       // how an error message begins
+  std::string TableName;  // in messages
+  std::string Statement;  // the whole COPY, or the SELECT of a server's cursor
+  std::vector<TPostgreSQLDecoder> Decoders;
+};
+
+/// The rows of a table in the engine's binary format. What is common to both ways of fetching them.
+class TPostgreSQLCursor : public TCursor {
+ public:
+  void Read(int Column, TKvVariant& Value) final;
+
+ protected:
+  struct TCell {
+    const char* Bytes;  // null: NULL
+    int Size;
+  };
+
+  explicit TPostgreSQLCursor(TPostgreSQLSource Source) : FSource(std::move(Source)), FCells(FSource.Decoders.size()) {}
+
+  TPostgreSQLSource FSource;
+  std::vector<TCell> FCells;  // of the current row
+};
+
+/// Outside a transaction: one COPY, which holds the connection until its last row.
+class TPostgreSQLCopyCursor final : public TPostgreSQLCursor, private TPostgreSQLStream {
+ public:
+  explicit TPostgreSQLCopyCursor(TPostgreSQLSource Source);
+  ~TPostgreSQLCopyCursor() override;
+
+  bool Next() override;
+
+ private:
+  void GiveWay(std::string_view What) override;
+  void Abandon() noexcept override;
+  bool Receive();
+  void SkipHeader();
+  void FreeRow();
+  [[noreturn]] void RaiseMalformed();
+
+  char* FRow = nullptr;  // the client library's
+  const char* FAt = nullptr;
+  const char* FEnd = nullptr;
+  bool FOpen = false;
+};
+
+/// Inside a transaction: a cursor of the server, which sends a batch whenever one is used up. Other statements run
+/// between the batches.
+class TPostgreSQLFetchCursor final : public TPostgreSQLCursor {
+ public:
+  explicit TPostgreSQLFetchCursor(TPostgreSQLSource Source);
+  ~TPostgreSQLFetchCursor() override;
+
+  bool Next() override;
+
+ private:
+  void Fetch();
+
+  std::string FName;
+  std::int64_t FTransaction;  // which the server's cursor lives in
+  TPostgreSQLResult FBatch;
+  int FRow = 0;         // next row of the batch
+  int FRowCount = 0;    // of the batch
+  int FBatchSize = 32;  // rows to ask for next
+  bool FEnded = false;
+};
+
+/// Columns: indexes into the description's columns.
+std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
+                                              std::span<const int> Columns);
+
+}  // namespace velkrund

@@ -1,0 +1,100 @@
+#include "standalone/drivers/postgresql/PostgreSQLDriver.h"
+
+#include <libpq-fe.h>
+
+#include <algorithm>
+#include <map>
+
+#include "standalone/drivers/postgresql/PostgreSQLConnection.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+namespace {
+
+using TParameters = std::map<std::string, std::string, std::less<>>;
+
+struct TFreeOptions {
+  void operator()(PQconninfoOption* Options) const { PQconninfoFree(Options); }
+};
+using TOptions = std::unique_ptr<PQconninfoOption, TFreeOptions>;
+
+std::string ShownName(const TDatabaseUrl& Url) { return WithoutSecrets(Url.Text()); }
+
+/// As the client library takes it: an address, a "key=value" text or the name of a database.
+std::string ConnectionInfo(const TDatabaseUrl& Url) {
+  if (Url.Rest.find('\0') != std::string::npos) throw EDatabaseError("A database address holds a character U+0000");
+  return Url.Rest.starts_with("//") ? "postgresql:" + Url.Rest : Url.Rest;
+}
+
+/// Those that have a value.
+TParameters Given(const PQconninfoOption* Options) {
+  TParameters Result;
+  for (; Options && Options->keyword; ++Options)
+    if (Options->val && *Options->val) Result[Options->keyword] = Options->val;
+  return Result;
+}
+
+/// Why tells the place, in words that quote what can not be read: that may be a piece of the password.
+[[noreturn]] void RaiseUnreadable(const TDatabaseUrl& Url, std::string_view Why) {
+  const std::string Shown = ShownName(Url);
+  if (Shown == Url.Text())
+    throw EDatabaseError(Format("The database address '%s' can not be read: %s", Shown, Trim(Why)));
+  throw EDatabaseError(
+      Format("The database address '%s' can not be read: special characters in a URL have to be "
+             "written as %%XX, a value with blanks between apostrophes",
+             std::string_view(Shown).substr(0, Shown.find("***") + 3)));
+}
+
+/// The parameters that the address itself names.
+TParameters ParametersOf(const TDatabaseUrl& Url) {
+  const std::string Info = ConnectionInfo(Url);
+  if (!Info.starts_with("postgresql://") && Info.find('=') == std::string::npos)
+    return Info.empty() ? TParameters() : TParameters{{"dbname", Info}};
+  char* Message = nullptr;
+  const TOptions Options(PQconninfoParse(Info.c_str(), &Message));
+  const std::unique_ptr<char, void (*)(void*)> FreeMessage(Message, PQfreemem);
+  if (!Options) RaiseUnreadable(Url, Message ? Message : "out of memory");
+  TParameters Result = Given(Options.get());
+  // Where a password ends at its own "@", the rest of it would go on as the host's name. Sockets may begin with one.
+  for (const char* const Keyword : {"host", "hostaddr"})
+    if (const auto Host = Result.find(Keyword); Host != Result.end() && Host->second.find('@', 1) != std::string::npos)
+      RaiseUnreadable(Url, "a host's name holds the character '@'");
+  return Result;
+}
+
+}  // namespace
+
+std::string TPostgreSQLDriver::Identity(const TDatabaseUrl& Url, const TConnectOptions& /*Options*/) const {
+  TParameters Parameters = ParametersOf(Url);
+  const TOptions Defaults(PQconndefaults());
+  // A service's values come before those of the environment, so that those say nothing.
+  const TParameters Environment = Given(Defaults.get());
+  const bool HasService = Parameters.contains("service") || Environment.contains("service");
+  if (!HasService)
+    for (const auto& [Keyword, Value] : Environment) Parameters.try_emplace(Keyword, Value);
+  else if (const auto Service = Environment.find("service"); Service != Environment.end())
+    Parameters.try_emplace("service", Service->second);
+  const auto ValueOf = [&](std::string_view Keyword) {
+    const auto Found = Parameters.find(Keyword);
+    return Found == Parameters.end() ? std::string() : Found->second;
+  };
+  std::string Host = ValueOf("host");
+  if (Host.empty()) Host = ValueOf("hostaddr");
+  std::string Name = ValueOf("dbname");
+  if (Name.empty() && !HasService) Name = ValueOf("user");
+  return Format("%s:%s/%s/%s", Host, ValueOf("port"), Name, ValueOf("service"));
+}
+
+std::unique_ptr<TConnection> TPostgreSQLDriver::Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const {
+  ParametersOf(Url);
+  try {
+    return std::make_unique<TPostgreSQLConnection>(ConnectionInfo(Url), ShownName(Url), Options);
+  } catch (const EDatabaseError& Error) {
+    if (!Options.CreateMissing) throw;
+    throw EDatabaseError(Format("%s; databases of a server are not made here, but by CREATE DATABASE", Error.what()));
+  }
+}
+
+}  // namespace velkrund

@@ -1,0 +1,270 @@
+#include "standalone/drivers/postgresql/PostgreSQLEncoder.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "standalone/drivers/postgresql/PostgreSQLChecks.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+
+namespace velkrund {
+namespace {
+
+constexpr const char* WouldBeRounded = "the number would be rounded";
+constexpr const char* FractionLost = "its fraction of a second would be rounded";
+
+/// Whole doubles in the range of 64-bit integers, negative zero apart.
+std::optional<std::int64_t> ExactInteger(double Value) {
+  if (!(Value >= -0x1p63 && Value < 0x1p63) || Value != std::trunc(Value)) return std::nullopt;
+  if (Value == 0 && std::signbit(Value)) return std::nullopt;
+  return static_cast<std::int64_t>(Value);
+}
+
+}  // namespace
+
+TPostgreSQLEncoder::TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money,
+                                       const TCodePage& CodePage)
+    : FType(Column.Type),
+      FMaxCharacters(Column.MaxCharacters),
+      FMaxBytes(Column.MaxBytes),
+      FScale(Column.Scale),
+      FFraction(Column.Fraction),
+      FMoney(Money),
+      FCodePage(&CodePage) {
+  for (std::int64_t Units = Money.MinorUnits; Units > 1; Units /= 10) ++FMoneyScale;
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Append(const TKvVariant& Value, std::string& Out) {
+  switch (Value.Kind()) {
+    case TKvKind::Null:
+      Out += "\\N";
+      return nullptr;
+    case TKvKind::Byte:
+    case TKvKind::SmallInt:
+    case TKvKind::Word:
+    case TKvKind::Integer:
+    case TKvKind::LongWord:
+    case TKvKind::Int64:
+      return PutInteger(Value.AsInteger(), Out);
+    case TKvKind::UInt64:
+      return PutUnsigned(Value.AsUnsigned(), Out);
+    case TKvKind::Double:
+    case TKvKind::Extended:
+      return PutReal(Value.AsReal(), Out);
+    case TKvKind::Char:
+    case TKvKind::String:
+      return PutText(Value.AsText(), Out);
+    case TKvKind::AnsiChar:
+    case TKvKind::AnsiString:
+      return PutAnsi(Value.AsText(), Out);
+    case TKvKind::Bytes:
+      return PutBytes(Value.AsText(), Out);
+    case TKvKind::Boolean:
+    case TKvKind::WordBool:
+      return PutBoolean(Value.AsBoolean(), Out);
+    case TKvKind::Currency:
+      return PutCurrency(Value.AsCurrency(), Out);
+    case TKvKind::SysDate:
+    case TKvKind::SysTime:
+    case TKvKind::DateTime:
+      return PutMoment(Value, Out);
+  }
+  return "its kind is unknown";
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutWhole(std::int64_t Value, std::int64_t Min, std::int64_t Max,
+                                                          std::string& Out) {
+  if (Value < Min || Value > Max) return "the integer is out of the column's range";
+  FHighest = FHasIntegers ? std::max(FHighest, Value) : Value;
+  FLowest = FHasIntegers ? std::min(FLowest, Value) : Value;
+  FHasIntegers = true;
+  AppendInteger(Out, Value);
+  return nullptr;
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutInteger(std::int64_t Value, std::string& Out) {
+  switch (FType) {
+    case TPostgreSQLType::Int2:
+      return PutWhole(Value, std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max(), Out);
+    case TPostgreSQLType::Int4:
+      return PutWhole(Value, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max(), Out);
+    case TPostgreSQLType::Int8:
+      return PutWhole(Value, std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max(), Out);
+    case TPostgreSQLType::Oid:
+      return PutWhole(Value, 0, std::numeric_limits<std::uint32_t>::max(), Out);
+    case TPostgreSQLType::Float4:
+    case TPostgreSQLType::Float8: {
+      const auto Real = static_cast<double>(Value);
+      if (ExactInteger(Real) != Value) return WouldBeRounded;
+      return PutFloat(Real, Out);
+    }
+    case TPostgreSQLType::Boolean:
+      if (Value != 0 && Value != 1) return "of the integers the column holds 0 and 1 only";
+      return PutBoolean(Value == 1, Out);
+    default:
+      FScratch.clear();
+      AppendInteger(FScratch, Value);
+      return PutDecimal(FScratch, Out);
+  }
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutUnsigned(std::uint64_t Value, std::string& Out) {
+  if (Value <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
+    return PutInteger(static_cast<std::int64_t>(Value), Out);
+  switch (FType) {
+    case TPostgreSQLType::Numeric:
+    case TPostgreSQLType::Text:
+      FScratch.clear();
+      AppendUnsigned(FScratch, Value);
+      return PutDecimal(FScratch, Out);
+    default:
+      return "the integer is out of the column's range";
+  }
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutReal(double Value, std::string& Out) {
+  switch (FType) {
+    case TPostgreSQLType::Float4:
+    case TPostgreSQLType::Float8:
+      return PutFloat(Value, Out);
+    case TPostgreSQLType::Int2:
+    case TPostgreSQLType::Int4:
+    case TPostgreSQLType::Int8:
+    case TPostgreSQLType::Oid: {
+      const std::optional<std::int64_t> Integer = ExactInteger(Value);
+      return Integer ? PutInteger(*Integer, Out) : WouldBeRounded;
+    }
+    case TPostgreSQLType::Money: {
+      const std::optional<TCurrency> Amount = RealToCurrency(Value);
+      return Amount ? PutCurrency(*Amount, Out) : WouldBeRounded;
+    }
+    case TPostgreSQLType::Numeric:
+      if (Value == 0 && std::signbit(Value)) return "the column has no negative zero";
+      [[fallthrough]];
+    default:
+      FScratch.clear();
+      AppendReal(FScratch, Value);
+      return PutDecimal(FScratch, Out);
+  }
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutFloat(double Value, std::string& Out) const {
+  if (FType == TPostgreSQLType::Float8 || !std::isfinite(Value)) {
+    AppendReal(Out, Value);
+    return nullptr;
+  }
+  if (std::abs(Value) > static_cast<double>(std::numeric_limits<float>::max()))
+    return "it is beyond the column's range";
+  const auto Single = static_cast<float>(Value);
+  if (static_cast<double>(Single) != Value) return WouldBeRounded;
+  char Digits[32];
+  Out.append(Digits, std::to_chars(std::begin(Digits), std::end(Digits), Single).ptr);
+  return nullptr;
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCurrency(TCurrency Value, std::string& Out) {
+  constexpr std::int64_t Units = 10'000;
+  switch (FType) {
+    case TPostgreSQLType::Float4:
+    case TPostgreSQLType::Float8: {
+      const double Real = CurrencyToReal(Value);
+      return RealToCurrency(Real) == Value ? PutFloat(Real, Out) : WouldBeRounded;
+    }
+    case TPostgreSQLType::Int2:
+    case TPostgreSQLType::Int4:
+    case TPostgreSQLType::Int8:
+    case TPostgreSQLType::Oid:
+      return Value.TenThousandths % Units == 0 ? PutInteger(Value.TenThousandths / Units, Out) : WouldBeRounded;
+    default:
+      FScratch.clear();
+      AppendCurrency(FScratch, Value);
+      return PutDecimal(FScratch, Out);
+  }
+}
+
+/// A number into a column that is neither of integers nor of doubles.
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutDecimal(std::string_view Decimal, std::string& Out) const {
+  switch (FType) {
+    case TPostgreSQLType::Numeric:
+      if (FScale && LastPlace(Decimal) > *FScale) return WouldBeRounded;
+      Out += Decimal;
+      return nullptr;
+    case TPostgreSQLType::Money:
+      return PutMoney(Decimal, Out);
+    case TPostgreSQLType::Text:
+      return PutCharacters(Decimal, Out);
+    default:
+      return "the column holds no numbers";
+  }
+}
+
+/// Decimal: digits, with a point where there are decimals.
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoney(std::string_view Decimal, std::string& Out) const {
+  if (LastPlace(Decimal) > FMoneyScale) return WouldBeRounded;
+  const bool Negative = Decimal.starts_with('-');
+  if (Negative) Decimal.remove_prefix(1);
+  const std::size_t Point = std::min(Decimal.find('.'), Decimal.size());
+  // What stands for a minus differs from one setting to the next; brackets are always understood.
+  if (Negative) Out += '(';
+  Out += Decimal.substr(0, Point);
+  if (Point < Decimal.size() && FMoneyScale > 0) {
+    Out += FMoney.DecimalPoint;
+    Out += Decimal.substr(Point + 1, static_cast<std::size_t>(FMoneyScale));
+  }
+  if (Negative) Out += ')';
+  return nullptr;
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBoolean(bool Value, std::string& Out) const {
+  if (FType == TPostgreSQLType::Text) return PutCharacters(Value ? "TRUE" : "FALSE", Out);
+  if (FType != TPostgreSQLType::Boolean) return "the column holds no booleans";
+  Out += Value ? 't' : 'f';
+  return nullptr;
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutOwnText(const TKvVariant& Value, std::string& Out) {
+  FScratch.clear();
+  Value.AppendAsText(FScratch);
+  return PutCharacters(FScratch, Out);
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoment(const TKvVariant& Value, std::string& Out) {
+  constexpr std::int64_t Powers[] = {1'000'000, 100'000, 10'000, 1'000, 100, 10, 1};
+  const bool IsTime = Value.Kind() == TKvKind::SysTime;
+  const auto WouldRound = [&](std::int64_t Microseconds) {
+    return Microseconds % Powers[std::clamp(FFraction.value_or(6), 0, 6)] != 0;
+  };
+  switch (FType) {
+    case TPostgreSQLType::Text:
+      return PutOwnText(Value, Out);
+    case TPostgreSQLType::Date:
+      if (IsTime) return "a time is no date";
+      if (Value.AsDateTime().Microseconds % MicrosecondsPerDay != 0) return "the column would drop its time";
+      AppendSysDate(Out, Value.AsDateTime());
+      return nullptr;
+    case TPostgreSQLType::Time:
+    case TPostgreSQLType::TimeTz:
+      if (!IsTime) return "a date is no time";
+      if (WouldRound(Value.AsTimeOfDay())) return FractionLost;
+      AppendSysTime(Out, Value.AsTimeOfDay());
+      return nullptr;
+    case TPostgreSQLType::Timestamp:
+    case TPostgreSQLType::TimestampTz:
+      if (IsTime) return "a time is no date";
+      if (WouldRound(Value.AsDateTime().Microseconds)) return FractionLost;
+      AppendSysDateTime(Out, Value.AsDateTime());
+      return nullptr;
+    default:
+      return "the column holds no dates and times";
+  }
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBytes(std::string_view Bytes, std::string& Out) const {
+  if (FType != TPostgreSQLType::Bytes) return "the column holds no bytes";
+  Out += "\\\\x";
+  AppendHex(Out, Bytes);
+  return nullptr;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "standalone/drivers/postgresql/PostgreSQLTypes.h"
+#include "velkrund/platform/ormtools/CodePage.h"
+#include "velkrund/platform/ormtools/Variant.h"
+
+namespace velkrund {
+
+/// Writes the values of one column as COPY reads them in its text format, so that the engine stores exactly them: what
+/// its readers would change is refused.
+class TPostgreSQLEncoder {
+ public:
+  /// Nothing: written. Otherwise why the value can not be stored.
+  using TRefusal = const char*;
+
+  /// CodePage: of 8-bit texts; outlives the encoder.
+  TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money, const TCodePage& CodePage);
+
+  /// Appends Value to Out. After a refusal Out may hold a part of it.
+  TRefusal Append(const TKvVariant& Value, std::string& Out);
+
+  /// The highest and the lowest integer that was written so far; nothing when there was none.
+  std::optional<std::int64_t> Highest() const { return FHasIntegers ? std::optional(FHighest) : std::nullopt; }
+  std::optional<std::int64_t> Lowest() const { return FHasIntegers ? std::optional(FLowest) : std::nullopt; }
+
+ private:
+  TRefusal PutInteger(std::int64_t Value, std::string& Out);
+  TRefusal PutWhole(std::int64_t Value, std::int64_t Min, std::int64_t Max, std::string& Out);
+  TRefusal PutUnsigned(std::uint64_t Value, std::string& Out);
+  TRefusal PutReal(double Value, std::string& Out);
+  TRefusal PutFloat(double Value, std::string& Out) const;
+  TRefusal PutCurrency(TCurrency Value, std::string& Out);
+  TRefusal PutDecimal(std::string_view Decimal, std::string& Out) const;
+  TRefusal PutMoney(std::string_view Decimal, std::string& Out) const;
+  TRefusal PutBoolean(bool Value, std::string& Out) const;
+  TRefusal PutMoment(const TKvVariant& Value, std::string& Out);
+  TRefusal PutText(std::string_view Text, std::string& Out);
+  TRefusal PutNumberText(std::string_view Text, std::string& Out);
+  TRefusal PutMomentText(std::string_view Text, std::string& Out) const;
+  TRefusal PutCharacters(std::string_view Text, std::string& Out) const;
+  TRefusal PutBytes(std::string_view Bytes, std::string& Out) const;
+  TRefusal PutAnsi(std::string_view Bytes, std::string& Out);
+  /// The value's own text, into a column of texts.
+  TRefusal PutOwnText(const TKvVariant& Value, std::string& Out);
+
+  TPostgreSQLType FType;
+  std::optional<int> FMaxCharacters;
+  std::optional<int> FMaxBytes;
+  std::optional<int> FScale;
+  std::optional<int> FFraction;
+  TPostgreSQLMoney FMoney;
+  int FMoneyScale = 0;  // decimals of an amount
+  const TCodePage* FCodePage;
+  bool FHasIntegers = false;
+  std::int64_t FHighest = 0;
+  std::int64_t FLowest = 0;
+  std::string FScratch;
+  std::string FDecoded;  // an 8-bit text
+};
+
+}  // namespace velkrund

@@ -1,0 +1,91 @@
+#include "standalone/drivers/postgresql/PostgreSQLResult.h"
+
+#include <libpq-fe.h>
+
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+namespace {
+
+constexpr std::size_t MaxStatementInMessage = 300;
+
+/// The client library's own messages have several lines.
+std::string OneLine(std::string_view Text) {
+  std::string Result;
+  for (const char C : Trim(Text)) {
+    const bool Blank = C == '\n' || C == '\t' || C == '\r' || C == ' ';
+    if (!Blank)
+      Result += C;
+    else if (!Result.ends_with(' '))
+      Result += ' ';
+  }
+  return Result;
+}
+
+void AppendRemark(std::string& Message, std::string_view Remark) {
+  while (Remark.ends_with('.')) Remark.remove_suffix(1);
+  if (!Remark.empty()) Message += Format("; %s", OneLine(Remark));
+}
+
+}  // namespace
+
+void TPostgreSQLResult::TClear::operator()(pg_result* Result) const { PQclear(Result); }
+
+int TPostgreSQLResult::RowCount() const { return PQntuples(FResult.get()); }
+
+std::string_view TPostgreSQLResult::Text(int Row, int Column) const {
+  return {PQgetvalue(FResult.get(), Row, Column), static_cast<std::size_t>(PQgetlength(FResult.get(), Row, Column))};
+}
+
+std::int64_t TPostgreSQLResult::Integer(int Row, int Column) const { return StrToInt64(Text(Row, Column)).value_or(0); }
+
+std::string_view TPostgreSQLResult::Tag() const { return FResult ? PQcmdStatus(FResult.get()) : ""; }
+
+std::int64_t TPostgreSQLResult::TagCount() const {
+  return FResult ? StrToInt64(PQcmdTuples(FResult.get())).value_or(0) : 0;
+}
+
+bool TPostgreSQLResult::IsError() const {
+  switch (PQresultStatus(FResult.get())) {
+    case PGRES_BAD_RESPONSE:
+    case PGRES_FATAL_ERROR:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::string_view TPostgreSQLResult::Diagnostic(int Field) const {
+  const char* Text = PQresultErrorField(FResult.get(), Field);
+  return Text ? Text : "";
+}
+
+std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection, const TPostgreSQLResult& Result,
+                                std::string_view Statement) {
+  std::string_view Words = Result.Diagnostic(PG_DIAG_MESSAGE_PRIMARY);
+  if (Words.empty()) Words = PQresultErrorMessage(Result.Handle());
+  if (Words.empty()) Words = PQerrorMessage(Connection);
+  std::string Message = Format("%s: %s", What, OneLine(Words));
+  if (const std::string_view Code = Result.Diagnostic(PG_DIAG_SQLSTATE); !Code.empty())
+    Message += Format(" (PostgreSQL error %s)", Code);
+  AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_DETAIL));
+  AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_HINT));
+  if (!Statement.empty()) {
+    const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));
+    Message += Format("; statement: %s%s", Shown, Shown.size() < Statement.size() ? "..." : "");
+  }
+  return Message;
+}
+
+std::string QuotePostgreSQLName(std::string_view Name) {
+  std::string Result = "\"";
+  for (const char C : Name) {
+    if (C == '"') Result += '"';
+    Result += C;
+  }
+  return Result += '"';
+}
+
+}  // namespace velkrund

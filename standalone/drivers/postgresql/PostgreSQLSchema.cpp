@@ -1,0 +1,129 @@
+// The schema half of TPostgreSQLConnection.
+
+#include <algorithm>
+#include <array>
+
+#include "standalone/drivers/postgresql/PostgreSQLConnection.h"
+#include "standalone/drivers/postgresql/PostgreSQLTypes.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+namespace {
+
+/// The tables of users, those of the current schema ($1) first. The engine keeps all schema names that begin with pg_
+/// for itself. $2: the only name to look for, with or without a schema; empty: all.
+constexpr const char* TablesStatement =
+    "SELECT c.relname, n.nspname, c.relkind, c.relhassubclass AND c.relkind IN ('r', 'f'), c.relispartition, "
+    "pg_catalog.array_position(pg_catalog.current_schemas(false), n.nspname) "
+    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+    "WHERE c.relkind IN ('r', 'p', 'f', 'v', 'm') AND n.nspname !~ '^pg_' AND n.nspname <> 'information_schema' "
+    "AND ($2::text = '' OR c.relname = $2::text OR n.nspname || '.' || c.relname = $2::text) "
+    "ORDER BY n.nspname <> $1::text, n.nspname, c.relname";
+
+TTableKind KindOfTable(char Kind) {
+  if (Kind == 'v' || Kind == 'm') return TTableKind::View;
+  return Kind == 'f' ? TTableKind::Foreign : TTableKind::Table;
+}
+
+bool IsCatalogue(std::string_view Name) { return SameText(Name.substr(0, CataloguePrefix.size()), CataloguePrefix); }
+
+}  // namespace
+
+struct TPostgreSQLConnection::TCandidate {
+  TTableInfo Info;
+  std::string Qualified;  // name behind its schema, also where the full name has none
+  bool IsPartition;
+  std::int64_t PathPlace;  // of its schema on the search path, from 1; 0: not on it
+};
+
+std::vector<TPostgreSQLConnection::TCandidate> TPostgreSQLConnection::Candidates(const std::string& What,
+                                                                                 const std::string& Name) {
+  const TPostgreSQLResult Rows =
+      FSession.Query(What, TablesStatement, {FSession.CurrentSchema().c_str(), Name.c_str()});
+  std::vector<TCandidate> Result;
+  for (int Row = 0; Row < Rows.RowCount(); ++Row) {
+    std::string Schema = Rows.Copy(Row, 1);
+    TCandidate Found;
+    Found.Qualified = Schema + "." + Rows.Copy(Row, 0);
+    if (Schema == FSession.CurrentSchema()) Schema.clear();
+    Found.Info = {Rows.Copy(Row, 0), std::move(Schema), KindOfTable(Rows.Text(Row, 2).front()), Rows.Boolean(Row, 3)};
+    Found.IsPartition = Rows.Boolean(Row, 4);
+    Found.PathPlace = Rows.Integer(Row, 5);
+    if (!IsCatalogue(Found.Info.Name)) Result.push_back(std::move(Found));
+  }
+  return Result;
+}
+
+std::vector<TTableInfo> TPostgreSQLConnection::Tables() {
+  std::vector<TTableInfo> Result;
+  for (TCandidate& Found : Candidates("Can not list the tables", {}))
+    if (!Found.IsPartition) Result.push_back(std::move(Found.Info));
+  return Result;
+}
+
+std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name) {
+  if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
+  const std::string What = Format("Can not look for table '%s'", Name);
+  constexpr int NoMatch = 3;
+  const auto Rank = [&](const TCandidate& Candidate, auto Same) {
+    if (Same(FullName(Candidate.Info), Name)) return 0;
+    if (Same(Candidate.Qualified, Name)) return 1;
+    return Candidate.PathPlace > 0 && Same(Candidate.Info.Name, Name) ? 2 : NoMatch;
+  };
+  const auto Best = [&](const std::vector<TCandidate>& All, auto Same) -> const TCandidate* {
+    const auto Key = [&](const TCandidate& Candidate) {
+      return std::array<std::int64_t, 2>{Rank(Candidate, Same), Candidate.PathPlace};
+    };
+    const auto Found =
+        std::min_element(All.begin(), All.end(), [&](const auto& A, const auto& B) { return Key(A) < Key(B); });
+    return Found == All.end() || Rank(*Found, Same) == NoMatch ? nullptr : &*Found;
+  };
+  const auto Exactly = [](std::string_view A, std::string_view B) { return A == B; };
+
+  // The exact name alone first: databases have many tables.
+  std::vector<TCandidate> All = Candidates(What, std::string(Name));
+  if (const TCandidate* Found = Best(All, Exactly)) {
+    for (const TCandidate& Other : All)
+      if (&Other != Found && Rank(*Found, Exactly) == 0 && Rank(Other, Exactly) == 0)
+        throw EDatabaseError(
+            Format("%s: both %s and %s go by that name", What, SQLName(Found->Info), SQLName(Other.Info)));
+    return Found->Info;
+  }
+  All = Candidates(What, {});
+  const TCandidate* Found = Best(All, [](std::string_view A, std::string_view B) { return SameText(A, B); });
+  return Found ? std::optional(Found->Info) : std::nullopt;
+}
+
+TTableDescription TPostgreSQLConnection::Describe(const TTableInfo& Table) {
+  TPostgreSQLTable Known =
+      ReadPostgreSQLTable(FSession, Table, Format("Can not read the columns of table '%s'", FullName(Table)));
+  TTableDescription Result{Table, {}};
+  for (TPostgreSQLColumn& Column : Known.Columns) Result.Columns.push_back(std::move(Column.Info));
+  return Result;
+}
+
+std::int64_t TPostgreSQLConnection::RowCount(const TTableInfo& Table) {
+  return FSession
+      .Query(Format("Can not count the rows of table '%s'", FullName(Table)),
+             "SELECT pg_catalog.count(*) FROM " + SQLName(Table))
+      .Integer(0, 0);
+}
+
+std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& Table) {
+  if (Table.Kind != TTableKind::Table) return std::nullopt;
+  // A partitioned table keeps nothing itself. The function takes the names as a statement would.
+  TTableInfo Whole = Table;
+  Whole.HasHeirs = false;
+  const std::string Name = SQLName(Whole);
+  return FSession
+      .Query(Format("Can not measure table '%s'", FullName(Table)),
+             "SELECT coalesce(sum(pg_catalog.pg_total_relation_size(t.relid)), 0) "
+             "FROM (SELECT $1::text::regclass AS relid UNION SELECT p.relid FROM "
+             "pg_catalog.pg_partition_tree($1::text::regclass) p) t",
+             {Name.c_str()})
+      .Integer(0, 0);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,248 @@
+#include "standalone/drivers/postgresql/PostgreSQLSession.h"
+
+#include <libpq-fe.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "standalone/drivers/postgresql/PostgreSQLParameters.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+/// The first version whose catalogue tells generated columns.
+constexpr int OldestServer = 120'000;
+
+/// Texts that depend on settings get one form; rows come in the table's own order, not in that of a scan that another
+/// session has begun or that several processes share.
+constexpr const char* SetUpStatement =
+    "SELECT pg_catalog.set_config('DateStyle', 'ISO, YMD', false), "
+    "pg_catalog.set_config('IntervalStyle', 'postgres', false), pg_catalog.set_config('TimeZone', 'UTC', false), "
+    "pg_catalog.set_config('extra_float_digits', '3', false), pg_catalog.set_config('bytea_output', 'hex', false), "
+    "pg_catalog.set_config('standard_conforming_strings', 'on', false), "
+    "pg_catalog.set_config('xmloption', 'content', false), pg_catalog.set_config('array_nulls', 'on', false), "
+    "pg_catalog.set_config('synchronize_seqscans', 'off', false), "
+    "pg_catalog.set_config('max_parallel_workers_per_gather', '0', false), "
+    "pg_catalog.set_config('lock_timeout', $1, false), "
+    "pg_catalog.current_schema(), pg_catalog.current_setting('server_version'), "
+    "pg_catalog.current_setting('transaction_read_only') = 'on' OR pg_catalog.pg_is_in_recovery()";
+constexpr int CurrentSchemaColumn = 11;
+constexpr int ServerVersionColumn = 12;
+constexpr int ReadOnlyColumn = 13;
+
+void IgnoreNotice(void* /*Argument*/, const PGresult* /*Notice*/) {}
+
+pg_conn* Connect(const std::string& ConnectionInfo) {
+  const char* const Keywords[] = {"dbname", "client_encoding", "fallback_application_name", nullptr};
+  const char* const Values[] = {ConnectionInfo.c_str(), "UTF8", "velkrund", nullptr};
+  return PQconnectdbParams(Keywords, Values, 1);
+}
+
+/// Whether a statement with this tag tells how many rows it has changed.
+bool CountsChanges(std::string_view Tag) {
+  for (const std::string_view Word : {"INSERT ", "UPDATE ", "DELETE ", "MERGE "})
+    if (Tag.starts_with(Word)) return true;
+  return false;
+}
+
+}  // namespace
+
+void TPostgreSQLSession::TFinish::operator()(pg_conn* Connection) const { PQfinish(Connection); }
+
+TPostgreSQLSession::TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName,
+                                       std::chrono::milliseconds BusyTime)
+    : FShownName(std::move(ShownName)),
+      // For the server 0 means to wait for ever.
+      FLockTimeout(std::to_string(std::clamp<std::chrono::milliseconds::rep>(BusyTime.count(), 1, 1'000'000'000))),
+      FConnection(Connect(ConnectionInfo)) {
+  if (!FConnection) throw EDatabaseError(About("open") + ": out of memory");
+  if (IsLost()) throw EDatabaseError(PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()));
+  PQsetNoticeReceiver(Handle(), IgnoreNotice, nullptr);
+  SetUp();
+}
+
+void TPostgreSQLSession::SetUp() {
+  if (PQserverVersion(Handle()) < OldestServer)
+    throw EDatabaseError(About("open") + ": the server is older than version 12");
+  const TPostgreSQLResult Result = Run(SetUpStatement, {FLockTimeout.c_str()}, TFormat::Text);
+  if (Result.IsError()) Raise(About("open"), Result);
+  FCurrentSchema = Result.Copy(0, CurrentSchemaColumn);
+  const std::string_view Version = Result.Text(0, ServerVersionColumn);
+  FServerVersion = Version.substr(0, Version.find(' '));
+  FReadOnly = Result.Boolean(0, ReadOnlyColumn);
+}
+
+std::string TPostgreSQLSession::About(std::string_view Failed) const {
+  return Format("Can not %s the database '%s'", Failed, FShownName);
+}
+
+bool TPostgreSQLSession::IsLost() const { return PQstatus(Handle()) != CONNECTION_OK; }
+
+void TPostgreSQLSession::Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement) {
+  std::string Message = PostgreSQLErrorText(What, Handle(), Result, Statement);
+  if (IsLost()) {
+    Message += "; the connection is lost";
+    if (FTransactionOpen) Message += ", and the server has undone the transaction";
+  }
+  throw EDatabaseError(Message);
+}
+
+void TPostgreSQLSession::NoteTransaction() {
+  if (IsLost()) return;
+  const PGTransactionStatusType Status = PQtransactionStatus(Handle());
+  if (Status != PQTRANS_IDLE && Status != PQTRANS_INTRANS && Status != PQTRANS_INERROR) return;
+  const bool Open = Status != PQTRANS_IDLE;
+  if (Open && !FTransactionOpen) ++FTransactionNumber;
+  if (!Open) FToClose.clear();
+  FTransactionOpen = Open;
+}
+
+void TPostgreSQLSession::CheckAlive(std::string_view What) {
+  if (!FTransactionOpen && !IsLost()) {
+    // A server that has ended the session while nobody asked has left a word and a closed connection behind it.
+    if (PQconsumeInput(Handle()) == 1 && PQisBusy(Handle()) == 0) PQconsumeInput(Handle());
+  }
+  if (!IsLost()) return;
+  if (FTransactionOpen)
+    throw EDatabaseError(
+        Format("%s: the connection to the database '%s' is lost, and the server has undone the "
+               "transaction",
+               What, FShownName));
+  PQreset(Handle());
+  if (IsLost())
+    throw EDatabaseError(
+        PostgreSQLErrorText(Format("%s: %s again", What, About("open")), Handle(), TPostgreSQLResult()));
+  SetUp();
+}
+
+void TPostgreSQLSession::Prepare(std::string_view What) {
+  if (FStream) FStream->GiveWay(What);
+  CheckAlive(What);
+  for (const std::string& Name : std::exchange(FToClose, {})) {
+    const std::string Statement = "CLOSE " + QuotePostgreSQLName(Name);
+    // In a transaction that has failed the server refuses it; the cursor is gone with the transaction.
+    if (PQtransactionStatus(Handle()) == PQTRANS_INTRANS) Run(Statement, {}, TFormat::Text);
+  }
+}
+
+TPostgreSQLResult TPostgreSQLSession::Run(const std::string& Statement, std::initializer_list<const char*> Parameters,
+                                          TFormat Format) {
+  TPostgreSQLResult Result(PQexecParams(Handle(), Statement.c_str(), static_cast<int>(Parameters.size()), nullptr,
+                                        std::data(Parameters), nullptr, nullptr, Format == TFormat::Binary ? 1 : 0));
+  NoteTransaction();
+  return Result;
+}
+
+TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::string& Statement,
+                                            std::initializer_list<const char*> Parameters, TFormat Format) {
+  Prepare(What);
+  TPostgreSQLResult Result = Run(Statement, Parameters, Format);
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
+  return Result;
+}
+
+std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
+  constexpr std::string_view What = "Can not execute a statement";
+  if (Statement.find('\0') != std::string::npos) throw EDatabaseError(Format("%s: it holds a character U+0000", What));
+  const TPostgreSQLParameters Texts(Parameters);
+  Prepare(What);
+  if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),
+                        Texts.Formats(), 0) == 0)
+    Raise(What, TPostgreSQLResult(), Statement);
+  PQsetSingleRowMode(Handle());
+  const TPostgreSQLResult Result = DropRows(What, Statement);
+  return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
+}
+
+TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std::string& Statement) {
+  TPostgreSQLResult Last;
+  bool IsCopy = false;
+  while (PGresult* Next = PQgetResult(Handle())) {
+    TPostgreSQLResult Result(Next);
+    const ExecStatusType Status = PQresultStatus(Next);
+    if (Status == PGRES_COPY_IN) PQputCopyEnd(Handle(), "not a statement to execute");
+    if (Status == PGRES_COPY_OUT)
+      for (char* Row = nullptr; PQgetCopyData(Handle(), &Row, 0) > 0;) PQfreemem(Row);
+    IsCopy = IsCopy || Status == PGRES_COPY_IN || Status == PGRES_COPY_OUT;
+    if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
+  }
+  NoteTransaction();
+  if (IsCopy && !IsLost())
+    throw EDatabaseError(Format("%s: it copies between the database and its caller; statement: %s", What, Statement));
+  // The one thing that is an error of syntax before the server has looked at a word of it.
+  if (Last.Diagnostic(PG_DIAG_SQLSTATE) == "42601" && Last.Diagnostic(PG_DIAG_STATEMENT_POSITION).empty() &&
+      Last.Diagnostic(PG_DIAG_SOURCE_FUNCTION) == "exec_parse_message")
+    throw EDatabaseError(Format("Can not execute more than one statement at once: %s", Statement));
+  if (!Last.Handle() || Last.IsError()) Raise(What, Last, Statement);
+  if (PQresultStatus(Last.Handle()) == PGRES_EMPTY_QUERY) throw EDatabaseError(Format("%s: it is empty", What));
+  return Last;
+}
+
+void TPostgreSQLSession::Begin(std::string_view Level) {
+  const std::string What = About("start a transaction in");
+  if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
+  Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
+}
+
+void TPostgreSQLSession::Commit() {
+  const std::string What = About("commit the transaction in");
+  if (!FTransactionOpen) throw EDatabaseError(What + ": no transaction is open");
+  Prepare(What);
+  const TPostgreSQLResult Result = Run("COMMIT", {}, TFormat::Text);
+  if (IsLost()) {
+    FTransactionOpen = false;
+    throw EDatabaseError(PostgreSQLErrorText(What, Handle(), Result) +
+                         "; the connection was lost before the server answered: whether the transaction is committed "
+                         "is not known");
+  }
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
+  if (Result.Tag() == "ROLLBACK") throw EDatabaseError(What + ": the server has rolled it back after an error");
+}
+
+void TPostgreSQLSession::Rollback() {
+  if (!FTransactionOpen) return;
+  if (FStream) FStream->Abandon();
+  FToClose.clear();
+  const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text);
+  if (IsLost()) {
+    // The server has rolled back by itself.
+    FTransactionOpen = false;
+    return;
+  }
+  if (!Result.Handle() || Result.IsError()) Raise(About("roll the transaction back in"), Result);
+}
+
+void TPostgreSQLSession::Occupy(TPostgreSQLStream& Stream, std::string_view What) {
+  Prepare(What);
+  FStream = &Stream;
+}
+
+void TPostgreSQLSession::Vacate(const TPostgreSQLStream& Stream) {
+  if (FStream == &Stream) FStream = nullptr;
+}
+
+void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Statement) {
+  const TPostgreSQLResult Result = Run(Statement, {}, TFormat::Text);
+  const ExecStatusType Status = PQresultStatus(Result.Handle());
+  if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, Statement);
+}
+
+TPostgreSQLResult TPostgreSQLSession::Drain() {
+  TPostgreSQLResult Last;
+  while (PGresult* Next = PQgetResult(Handle())) {
+    TPostgreSQLResult Result(Next);
+    // Copying that nobody goes on with would be offered again for ever.
+    if (PQresultStatus(Next) == PGRES_COPY_IN) PQputCopyEnd(Handle(), "dropped");
+    if (PQresultStatus(Next) == PGRES_COPY_OUT)
+      for (char* Row = nullptr; PQgetCopyData(Handle(), &Row, 0) > 0;) PQfreemem(Row);
+    if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
+  }
+  NoteTransaction();
+  return Last;
+}
+
+void TPostgreSQLSession::CloseLater(std::string CursorName) { FToClose.push_back(std::move(CursorName)); }
+
+}  // namespace velkrund

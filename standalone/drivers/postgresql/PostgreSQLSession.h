@@ -1,0 +1,107 @@
+#pragma once
+
+#include <chrono>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standalone/drivers/postgresql/PostgreSQLResult.h"
+#include "velkrund/platform/ormtools/Variant.h"
+
+namespace velkrund {
+
+/// Whoever holds the connection for the data of a COPY, during which the server takes no other statement.
+class TPostgreSQLStream {
+ public:
+  TPostgreSQLStream() = default;
+  TPostgreSQLStream(const TPostgreSQLStream&) = delete;
+  TPostgreSQLStream& operator=(const TPostgreSQLStream&) = delete;
+  virtual ~TPostgreSQLStream() = default;
+
+  /// Another statement is about to run; What begins messages about it. Ends the COPY and vacates the session, or raises
+  /// EDatabaseError.
+  virtual void GiveWay(std::string_view What) = 0;
+  /// The same with the rows dropped, for a roll back.
+  virtual void Abandon() noexcept = 0;
+};
+
+/// One connection to a server, set up so that every value has one text form. Knows the state of its transaction also
+/// when the connection is lost: inside a transaction every further statement is then an error; outside, the next
+/// statement connects anew. Raises EDatabaseError.
+class TPostgreSQLSession {
+ public:
+  /// ConnectionInfo: an address or a "key=value" text, as the client library takes it; empty: all from the environment.
+  /// ShownName: the database in messages, without secrets. BusyTime: how long a statement waits for a lock.
+  TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName, std::chrono::milliseconds BusyTime);
+  TPostgreSQLSession(const TPostgreSQLSession&) = delete;
+  TPostgreSQLSession& operator=(const TPostgreSQLSession&) = delete;
+
+  pg_conn* Handle() const { return FConnection.get(); }
+  const std::string& ServerVersion() const { return FServerVersion; }
+  bool ReadOnly() const { return FReadOnly; }
+  /// The schema in which names without one were looked for first when the connection was made; empty when there is
+  /// none.
+  const std::string& CurrentSchema() const { return FCurrentSchema; }
+
+  void Begin(std::string_view Level);
+  void Commit();
+  void Rollback();
+  bool InTransaction() const { return FTransactionOpen; }
+  /// Tells one transaction from those before and after it.
+  std::int64_t TransactionNumber() const { return FTransactionNumber; }
+
+  /// Executes one statement and returns how many rows it changed; rows that it yields are dropped as they come.
+  std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters);
+
+  enum class TFormat { Text, Binary };
+  /// Executes one statement of the driver's own. What begins an error message. Parameters are texts.
+  TPostgreSQLResult Query(std::string_view What, const std::string& Statement,
+                          std::initializer_list<const char*> Parameters = {}, TFormat Format = TFormat::Text);
+
+  /// Makes whoever holds the connection give way, and Stream the holder.
+  void Occupy(TPostgreSQLStream& Stream, std::string_view What);
+  void Vacate(const TPostgreSQLStream& Stream);
+  /// Starts a COPY for the holder.
+  void StartCopy(std::string_view What, const std::string& Statement);
+  /// Reads what the server has still to say about the last statement; its first error, else its last answer.
+  TPostgreSQLResult Drain();
+
+  std::int64_t NextCursorNumber() { return ++FCursorNumber; }
+  /// Closes a server cursor of the running transaction before the next statement, so that freeing it needs no answer.
+  void CloseLater(std::string CursorName);
+
+  /// Raises what Result says, and what a lost connection means.
+  [[noreturn]] void Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement = {});
+  /// How a message about the whole database begins.
+  std::string About(std::string_view Failed) const;
+
+ private:
+  struct TFinish {
+    void operator()(pg_conn* Connection) const;
+  };
+
+  void SetUp();
+  bool IsLost() const;
+  void Prepare(std::string_view What);
+  void CheckAlive(std::string_view What);
+  TPostgreSQLResult Run(const std::string& Statement, std::initializer_list<const char*> Parameters, TFormat Format);
+  TPostgreSQLResult DropRows(std::string_view What, const std::string& Statement);
+  void NoteTransaction();
+
+  std::string FShownName;
+  std::string FLockTimeout;  // milliseconds
+  std::unique_ptr<pg_conn, TFinish> FConnection;
+  std::string FServerVersion;
+  std::string FCurrentSchema;
+  bool FReadOnly = false;
+  bool FTransactionOpen = false;  // as the server last said; stays when the connection is lost
+  std::int64_t FTransactionNumber = 0;
+  std::int64_t FCursorNumber = 0;
+  TPostgreSQLStream* FStream = nullptr;  // who holds the connection; borrowed
+  std::vector<std::string> FToClose;     // server cursors of the running transaction
+};
+
+}  // namespace velkrund

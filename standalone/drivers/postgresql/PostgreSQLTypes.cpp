@@ -1,0 +1,177 @@
+#include "standalone/drivers/postgresql/PostgreSQLTypes.h"
+
+#include <algorithm>
+
+#include "standalone/drivers/postgresql/PostgreSQLSession.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+// Numbers of the engine's own types; they are the same in every database.
+constexpr std::int64_t CharType = 18;  // one byte: "char"
+constexpr std::int64_t NameType = 19;
+constexpr std::int64_t PaddedCharType = 1042;
+constexpr std::int64_t VarCharType = 1043;
+constexpr std::int64_t IntervalType = 1186;
+
+struct TNumberedType {
+  std::int64_t Oid;
+  TPostgreSQLType Type;
+  TKvKind Kind;
+};
+
+constexpr TNumberedType Types[] = {
+    {16, TPostgreSQLType::Boolean, TKvKind::Boolean},
+    {PostgreSQLBytesType, TPostgreSQLType::Bytes, TKvKind::Bytes},
+    {NameType, TPostgreSQLType::Text, TKvKind::String},
+    {20, TPostgreSQLType::Int8, TKvKind::Int64},
+    {21, TPostgreSQLType::Int2, TKvKind::SmallInt},
+    {23, TPostgreSQLType::Int4, TKvKind::Integer},
+    {25, TPostgreSQLType::Text, TKvKind::String},
+    {26, TPostgreSQLType::Oid, TKvKind::LongWord},
+    {700, TPostgreSQLType::Float4, TKvKind::Double},
+    {701, TPostgreSQLType::Float8, TKvKind::Double},
+    {790, TPostgreSQLType::Money, TKvKind::Currency},
+    {PaddedCharType, TPostgreSQLType::Text, TKvKind::String},
+    {VarCharType, TPostgreSQLType::Text, TKvKind::String},
+    {1082, TPostgreSQLType::Date, TKvKind::SysDate},
+    {1083, TPostgreSQLType::Time, TKvKind::SysTime},
+    {1114, TPostgreSQLType::Timestamp, TKvKind::DateTime},
+    {1184, TPostgreSQLType::TimestampTz, TKvKind::DateTime},
+    {1266, TPostgreSQLType::TimeTz, TKvKind::String},
+    {1700, TPostgreSQLType::Numeric, TKvKind::String},
+};
+
+constexpr int MaxNameBytes = 63;
+constexpr int MaxFraction = 6;
+constexpr int MaxCurrencyScale = 4;
+constexpr int ModifierHeader = 4;  // what the engine adds to lengths and precisions
+
+int ScaleOf(std::int64_t Modifier) {
+  // Eleven bits with a sign.
+  return static_cast<int>((((Modifier - ModifierHeader) & 0x7FF) ^ 0x400) - 0x400);
+}
+
+const TNumberedType* Find(std::int64_t Oid) {
+  const auto Found =
+      std::find_if(std::begin(Types), std::end(Types), [&](const TNumberedType& Known) { return Known.Oid == Oid; });
+  return Found == std::end(Types) ? nullptr : Found;
+}
+
+std::optional<int> FractionOf(std::int64_t Oid, TPostgreSQLType Type, std::int64_t Modifier) {
+  switch (Type) {
+    case TPostgreSQLType::Time:
+    case TPostgreSQLType::TimeTz:
+    case TPostgreSQLType::Timestamp:
+    case TPostgreSQLType::TimestampTz:
+      return Modifier < 0 ? MaxFraction : static_cast<int>(Modifier);
+    case TPostgreSQLType::Numeric:
+      if (Modifier >= ModifierHeader) return std::max(0, ScaleOf(Modifier));
+      return std::nullopt;
+    default:
+      break;
+  }
+  if (Oid == IntervalType)
+    return std::min(MaxFraction, Modifier < 0 ? MaxFraction : static_cast<int>(Modifier & 0xFFFF));
+  return std::nullopt;
+}
+
+/// Element: the type of an array's elements, else 0. Category: pg_type.typcategory.
+void SetType(TPostgreSQLColumn& Column, std::int64_t Oid, std::int64_t Modifier, std::int64_t Element,
+             std::string_view Category) {
+  Column.Info.Kind = TKvKind::String;
+  if (const TNumberedType* Known = Find(Oid)) {
+    Column.Type = Known->Type;
+    Column.Info.Kind = Known->Kind;
+    if (Known->Type != TPostgreSQLType::TimeTz) Column.OutputFunction.clear();
+  } else if (Category == "S" || Oid == CharType) {
+    Column.Type = TPostgreSQLType::Text;
+  }
+  if ((Oid == PaddedCharType || Oid == VarCharType) && Modifier >= ModifierHeader)
+    Column.MaxCharacters = static_cast<int>(Modifier) - ModifierHeader;
+  if (Oid == NameType) Column.MaxBytes = MaxNameBytes;
+  if (Oid == CharType) Column.MaxBytes = 1;
+  if (Column.Type == TPostgreSQLType::Numeric && Modifier >= ModifierHeader) {
+    Column.Scale = ScaleOf(Modifier);
+    if (*Column.Scale <= MaxCurrencyScale) Column.Info.Kind = TKvKind::Currency;
+  }
+  const TNumberedType* Elements = Find(Element);
+  if (Column.Type != TPostgreSQLType::Numeric)
+    Column.Fraction = Element == 0 ? FractionOf(Oid, Column.Type, Modifier)
+                                   : FractionOf(Element, Elements ? Elements->Type : TPostgreSQLType::Other, Modifier);
+}
+
+/// A row per column; one without a name for a table that has none.
+constexpr const char* TableStatement =
+    "SELECT c.oid, c.relkind, a.attname, pg_catalog.format_type(a.atttypid, a.atttypmod), "
+    "NOT (a.attnotnull OR b.typnotnull), a.attgenerated <> '', "
+    "(SELECT pg_catalog.array_position(k.conkey, a.attnum) FROM pg_catalog.pg_constraint k "
+    "WHERE k.conrelid = c.oid AND k.contype = 'p'), "
+    "b.oid, b.modifier, CASE WHEN b.typcategory = 'A' THEN b.typelem ELSE 0 END, b.typcategory, "
+    "pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname) "
+    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+    "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
+    "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
+    "SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, t.typnotnull, t.typcategory, t.typelem, t.typoutput, "
+    "a.atttypmod AS modifier FROM pg_catalog.pg_type t WHERE t.oid = a.atttypid "
+    "UNION ALL SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, d.typnotnull OR t.typnotnull, t.typcategory, "
+    "t.typelem, t.typoutput, d.typtypmod FROM chain d JOIN pg_catalog.pg_type t ON t.oid = d.typbasetype "
+    "WHERE d.typtype = 'd') SELECT * FROM chain WHERE typtype <> 'd') b ON true "
+    "LEFT JOIN pg_catalog.pg_proc p ON p.oid = b.typoutput "
+    "LEFT JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace "
+    "WHERE n.nspname = $1::text AND c.relname = $2::text AND c.relkind IN ('r', 'p', 'f', 'v', 'm') "
+    "ORDER BY a.attnum";
+
+}  // namespace
+
+std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSchema) {
+  return (Table.HasHeirs ? "ONLY " : "") + QuotePostgreSQLName(Table.Schema.empty() ? CurrentSchema : Table.Schema) +
+         "." + QuotePostgreSQLName(Table.Name);
+}
+
+TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What) {
+  const std::string& Schema = Table.Schema.empty() ? Session.CurrentSchema() : Table.Schema;
+  const TPostgreSQLResult Rows = Session.Query(What, TableStatement, {Schema.c_str(), Table.Name.c_str()});
+  if (Rows.RowCount() == 0)
+    throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)));
+  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), {}};
+  for (int Row = 0; Row < Rows.RowCount(); ++Row) {
+    TPostgreSQLColumn Column;
+    Column.Info.Name = Rows.Copy(Row, 2);
+    if (Column.Info.Name.empty()) break;
+    Column.Info.DeclaredType = Rows.Copy(Row, 3);
+    Column.Info.Nullable = Rows.Boolean(Row, 4);
+    Column.Info.Generated = Rows.Boolean(Row, 5);
+    Column.Info.KeyPosition = static_cast<int>(Rows.Integer(Row, 6));
+    Column.OutputFunction = Rows.Copy(Row, 11);
+    SetType(Column, Rows.Integer(Row, 7), Rows.Integer(Row, 8), Rows.Integer(Row, 9), Rows.Text(Row, 10));
+    Result.Columns.push_back(std::move(Column));
+  }
+  return Result;
+}
+
+const TPostgreSQLColumn& ColumnOf(const TPostgreSQLTable& Table, std::string_view Name, const std::string& What) {
+  for (const TPostgreSQLColumn& Column : Table.Columns)
+    if (Column.Info.Name == Name) return Column;
+  throw EDatabaseError(Format("%s: its column '%s' is gone", What, Name));
+}
+
+TPostgreSQLMoney ReadPostgreSQLMoney(TPostgreSQLSession& Session, const std::vector<TPostgreSQLColumn>& Columns) {
+  TPostgreSQLMoney Result;
+  const auto IsMoney = [](const TPostgreSQLColumn& Column) { return Column.Type == TPostgreSQLType::Money; };
+  if (std::none_of(Columns.begin(), Columns.end(), IsMoney)) return Result;
+  const TPostgreSQLResult One = Session.Query("Can not ask how amounts are written",
+                                              "SELECT ('x' || pg_catalog.encode(pg_catalog.cash_send(m), "
+                                              "'hex'))::bit(64)::bigint, pg_catalog.cash_out(m)::text "
+                                              "FROM (SELECT 1::bigint::money AS m) one");
+  Result.MinorUnits = std::max<std::int64_t>(One.Integer(0, 0), 1);
+  // "$1.00", "1,00 EUR": what follows the one unit.
+  const std::string_view Text = One.Text(0, 1);
+  const std::size_t At = Text.find('1');
+  if (Result.MinorUnits > 1 && At + 1 < Text.size()) Result.DecimalPoint = Text[At + 1];
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standalone/drivers/Schema.h"
+
+namespace velkrund {
+
+class TPostgreSQLSession;
+
+/// How the values of a column travel, both ways.
+enum class TPostgreSQLType : std::uint8_t {
+  Int2,
+  Int4,
+  Int8,
+  Oid,  // unsigned, 32 bits
+  Float4,
+  Float8,
+  Numeric,
+  Money,
+  Boolean,
+  Text,
+  Bytes,
+  Date,
+  Time,
+  Timestamp,
+  TimestampTz,
+  TimeTz,
+  Other,  // by the text that the engine writes and reads
+};
+
+/// A column as the engine knows it. What is said of a domain is that of the type below it.
+struct TPostgreSQLColumn {
+  TColumnInfo Info;
+  TPostgreSQLType Type = TPostgreSQLType::Other;
+  std::optional<int> MaxCharacters;  // of char(n), varchar(n)
+  std::optional<int> MaxBytes;       // of the engine's own names
+  std::optional<int> Scale;          // decimals of numeric(p,s); negative: zeros before the point
+  std::optional<int> Fraction;       // decimals of a second, or of elements that have so many
+  std::string OutputFunction;        // quoted name of what makes the text; empty: the value is read as it is
+};
+
+/// A table with what its description leaves out.
+struct TPostgreSQLTable {
+  std::string Oid;  // in decimal
+  char Kind = 'r';  // pg_class.relkind
+  std::vector<TPostgreSQLColumn> Columns;
+
+  bool IsPartitioned() const { return Kind == 'p'; }
+  bool IsMaterializedView() const { return Kind == 'm'; }
+};
+
+/// The table between quotes, with its schema, and ONLY where rows of other tables would come along.
+std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSchema);
+
+/// Reads a table from the catalogue. Raises EDatabaseError when it is not there. What begins messages.
+TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What);
+
+/// The column of that name; raises EDatabaseError when it is gone.
+const TPostgreSQLColumn& ColumnOf(const TPostgreSQLTable& Table, std::string_view Name, const std::string& What);
+
+/// How amounts of type money are written and counted. The server's setting lc_monetary decides.
+struct TPostgreSQLMoney {
+  std::int64_t MinorUnits = 100;  // in one unit: a power of ten
+  char DecimalPoint = '.';
+};
+
+/// The current setting; without asking when no column of Columns is an amount.
+TPostgreSQLMoney ReadPostgreSQLMoney(TPostgreSQLSession& Session, const std::vector<TPostgreSQLColumn>& Columns);
+
+/// The number that stands for bytea among the engine's types.
+inline constexpr unsigned PostgreSQLBytesType = 17;
+
+}  // namespace velkrund

@@ -1,0 +1,93 @@
+#include <signal.h>
+
+#include "tests/cli/ShopTest.h"
+#include "tests/support/postgresql/PostgreSQLDatabase.h"
+
+namespace velkrund::tests {
+namespace {
+
+class TPostgreSQLTest : public TShopTest {
+ protected:
+  /// The address's parts: host, port, name.
+  std::string Part(const std::string& Keyword) {
+    std::string Rows = Database.Rows(Keyword == "port" ? "SELECT inet_server_port()" : "SELECT current_database()");
+    return Rows.substr(0, Rows.find('\n'));
+  }
+
+  TPostgreSQLDatabase Database;
+};
+
+TEST_F(TPostgreSQLTest, TheShopMovesInAndOut) {
+  Database.Run(
+      "CREATE TABLE \"A\" (\"ID\" integer PRIMARY KEY, \"NAME\" text, \"PRICE\" numeric(12,2), \"BIN\" bytea, \"AT\" "
+      "timestamp); CREATE TABLE \"B\" (\"ID\" serial PRIMARY KEY, \"X\" double precision)");
+  Query("shop.db", "UPDATE A SET AT = AT || '00' WHERE ID = 3");  // as every engine writes it
+  RunJson({"export", "table", "-d", "sqlite:shop.db", "--all", "-o", "F"});
+  RunJson({"import", "table", "-d", Database.Url(), "-i", "F"});
+  const TOutcome Again = Run({"import", "table", "-d", Database.Url(), "-i", "F"});
+  EXPECT_EQ(Again.ExitCode, 1);
+  EXPECT_NE(Again.Errors.find("Table 'A' has 3 rows, Table 'B' has 2 rows"), std::string::npos) << Again.Errors;
+
+  // Reached as the engine's own tools reach it: by environment, service file, keywords; and by a name of ours.
+  Write("services",
+        "[shop]\nhost=127.0.0.1\nport=" + Part("port") + "\nuser=postgres\ndbname=" + Part("dbname") + "\n");
+  Write("velkrund.toml", "[database.shop]\nurl = \"" + Database.Url() + "\"\n");
+  const std::string Here = "PGHOST=127.0.0.1 PGUSER=postgres PGPORT=" + Part("port");
+  const std::string Ways[] = {Here + " PGDATABASE=" + Part("dbname") + " $V export table -d postgresql:",
+                              Here + " $V export table -d postgres:" + Part("dbname"),
+                              "PGSERVICEFILE=services $V export table -d postgresql:service=shop",
+                              "PGSERVICEFILE=services $V export table -d 'postgresql://?service=shop'",
+                              "$V export table -d shop"};
+  for (const std::string& Way : Ways) {
+    Query("empty.db", "DELETE FROM A; DELETE FROM B");
+    const TOutcome Out = Shell("rm -f G; " + Way + " --all -o G");
+    EXPECT_EQ(Out.ExitCode, 0) << Way << Out.Errors;
+    EXPECT_EQ(Run(ImportInto("table", {"-i", "G"})).ExitCode, 0);
+    for (const char* Table : {"A", "B"}) EXPECT_EQ(Exact("empty.db", Table), Exact("shop.db", Table));
+  }
+}
+
+TEST_F(TPostgreSQLTest, DatabaseInfoShowsTablesAndNoPassword) {
+  Database.Run(
+      "CREATE SCHEMA \"my own\"; CREATE TABLE \"my own\".t AS SELECT 1; CREATE VIEW v AS SELECT 1;"
+      "CREATE TABLE p (a integer) PARTITION BY LIST (a); CREATE TABLE q PARTITION OF p DEFAULT;"
+      "INSERT INTO p VALUES (1), (2)");
+  std::string Url = Database.Url();
+  Url.replace(Url.find('@'), 1, ":secret@");
+  const auto Info = RunJson({"database", "info", "-d", Url});
+  EXPECT_EQ(Info["engine"], "PostgreSQL");
+  EXPECT_EQ(Info.dump().find("secret"), std::string::npos) << Info.dump();
+  std::string Found;
+  for (const auto& Table : Info["tables"]) Found += Table["name"].get<std::string>() + " " + Table["rows"].dump() + ";";
+  EXPECT_EQ(Found, "p 2;v null;my own.t 1;");
+}
+
+TEST_F(TPostgreSQLTest, AKilledImportLeavesTheTable) {
+  Database.Run("CREATE TABLE t AS SELECT i, repeat('x', 100000) AS s FROM generate_series(1, 60) AS i");
+  RunJson({"export", "table", "-d", Database.Url(), "-t", "t", "-o", "F"});
+  // At the last row the server waits, and looks whether the client is still there: it does not see that behind rows
+  // that it has not read.
+  Database.Run(
+      "DO 'BEGIN EXECUTE format($q$ALTER DATABASE %I SET client_connection_check_interval = 10$q$, "
+      "current_database()); END'");
+  Database.Run(
+      "DELETE FROM t; INSERT INTO t VALUES (7, 'before');"
+      "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS $f$ "
+      "BEGIN PERFORM pg_sleep(60); RETURN NEW; END $f$;"
+      "CREATE TRIGGER g BEFORE INSERT ON t FOR EACH ROW WHEN (NEW.i = 60) EXECUTE FUNCTION f()");
+  const pid_t Process = Start({"import", "table", "-d", Database.Url(), "-i", "F", "--replace"});
+  const auto Sessions = [&](const std::string& Condition) {
+    return Database.Rows(
+        "SELECT count(*) FROM pg_stat_activity WHERE application_name = 'velkrund' AND datname = "
+        "current_database() " +
+        Condition);
+  };
+  EXPECT_TRUE(WaitUntil([&] { return Sessions("AND wait_event = 'PgSleep'") == "1\n"; }));
+  kill(Process, SIGKILL);
+  EXPECT_EQ(Finish(Process).ExitCode, 128 + SIGKILL);
+  EXPECT_TRUE(WaitUntil([&] { return Sessions("") == "0\n"; }));
+  EXPECT_EQ(Database.Rows("SELECT * FROM t"), "7\tbefore\n");
+}
+
+}  // namespace
+}  // namespace velkrund::tests

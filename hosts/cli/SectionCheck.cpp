@@ -56,7 +56,9 @@ void NoteMarkerLine(TStream& Stream, std::vector<std::string>& Notes) {
 }  // namespace
 
 TSectionChecker::TSectionChecker(const TSession& Session)
-    : FSession(Session), FDiscard(Session.Manager()), FGuard(TPlatform{&FDiscard, nullptr, nullptr}) {}
+    : FSession(Session),
+      FDiscard(Session.Manager()),
+      FGuard(TPlatform{&FDiscard, nullptr, nullptr, &FStructures, nullptr}) {}
 
 TSectionCheck TSectionChecker::Check(TEIFile& File, int Index) {
   TSectionCheck Result;

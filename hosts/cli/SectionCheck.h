@@ -8,6 +8,7 @@
 #include "hosts/cli/Report.h"
 #include "hosts/cli/Session.h"
 #include "standalone/discard/DiscardManager.h"
+#include "standalone/discard/DiscardStructures.h"
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/database/Platform.h"
 
@@ -38,6 +39,7 @@ class TSectionChecker {
 
   const TSession& FSession;
   TDiscardManager FDiscard;
+  TDiscardStructures FStructures;
   TPlatformGuard FGuard;
 };
 

@@ -54,6 +54,11 @@ TEST_F(TFileCheckTest, EveryFaultIsToldAsAnImportTellsIt) {
        "Error importing table data. Invalid character (#$00G0) in string constant.", 13},
       {NewRows + "<2|0x0>\r\n" + End, In, "EDicUtilError", "Error importing table data. Incorrect binary value", 13},
       {NewRows + "<2|0x0G>\r\n" + End, In, "EConvertError", "'$0G' is not a valid integer value", 13},
+      {"Type = DSPStructure\r\nEncoding = UTF8\r\nVersion = 200\r\nObjectType = 12\r\nObjectName = A\r\nTableName =\r\n"
+       "ParentObject =\r\nRootNode =\r\n[DATA]\r\n [REMARKS]\r\n  \r\n [TREE]\r\n  a:integer = 1\r\n   b\r\n" +
+           std::string(End),
+       "section 0 'S' (DSPStructure): ", "EDSPUtilError",
+       "Can not import DSP structure. Invalid tree data structure. Invalid level structure (Position:222)", 17},
       {NewRows + "<2|$1.00005>\r\n" + End, In, "EConvertError", "'1.00005' is not a valid currency value", 13},
       {NewRows + "<2|'\xC6\xF3\xEA'>\r\n" + End, In, "EEIError",
        "The text is not valid UTF-8 (Position:58). Allow losses to read it with replacement characters", 13},

@@ -5,6 +5,7 @@
 #include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -15,34 +16,6 @@ namespace {
 constexpr std::string_view Prefix = "Can not import table data. ";
 
 [[noreturn]] void ImportError(const std::string& What) { throw EDicUtilError(std::string(Prefix) + What); }
-
-/// A transaction that is rolled back unless it was committed.
-class TImportTransaction {
- public:
-  explicit TImportTransaction(const std::string& DatabaseName) : FDatabaseName(DatabaseName) {
-    BaseMng().StartTransaction(FDatabaseName, TIsolationLevel::RepeatableRead);
-  }
-  TImportTransaction(const TImportTransaction&) = delete;
-  TImportTransaction& operator=(const TImportTransaction&) = delete;
-  ~TImportTransaction() {
-    if (FEnded) return;
-    try {
-      BaseMng().RollbackTransaction(FDatabaseName);
-    } catch (const std::exception& Error) {
-      // The error on its way out is the one to tell; a connection that cannot roll back has lost the transaction
-      // anyway.
-      BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Format("Can not roll back: %s", Error.what()));
-    }
-  }
-  void Commit() {
-    FEnded = true;
-    BaseMng().CommitTransaction(FDatabaseName);
-  }
-
- private:
-  const std::string& FDatabaseName;
-  bool FEnded = false;
-};
 
 std::span<char> TrimInPlace(std::span<char> Text) {
   const std::string_view All(Text.data(), Text.size());
@@ -101,7 +74,7 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
   std::unique_ptr<TTable> Owned;
   TTable& Target = TakeTable(Owned, "import");
   const std::vector<TImportField> Columns = ResolveFields(Target, Names);
-  TImportTransaction Transaction(DatabaseName);
+  TTransaction Transaction(DatabaseName);
   if (const auto* SQLTable = dynamic_cast<const TODBCTable*>(&Target); SQLTable && !Append)
     BaseMng().ExecuteSQL("DELETE FROM " + SQLTable->SQLName(), DatabaseName);
   Target.SetCanRecreateAutoSequence(true);

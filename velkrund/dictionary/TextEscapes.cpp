@@ -18,17 +18,22 @@ constexpr char HexDigits[] = "0123456789ABCDEF";
 
 enum class TByteClass : std::uint8_t { Plain, Escaped, High };
 
-constexpr std::array<TByteClass, 256> MakeClasses(bool EscapeDelete) {
-  std::array<TByteClass, 256> Classes{};
+using TByteClasses = std::array<TByteClass, 256>;
+
+constexpr TByteClasses MakeClasses(TEscapePlace Place, bool EscapeDelete) {
+  TByteClasses Classes{};
   for (std::size_t Byte = 0; Byte < Classes.size(); ++Byte)
-    Classes[Byte] = Byte < 0x20 || Byte == '#' || Byte == '|' || (EscapeDelete && Byte == 0x7F) ? TByteClass::Escaped
-                    : Byte >= 0x80                                                              ? TByteClass::High
-                                                                                                : TByteClass::Plain;
+    Classes[Byte] =
+        Byte < 0x20 || Byte == '#' || (Byte == '|' && Place == TEscapePlace::Record) || (Byte == 0x7F && EscapeDelete)
+            ? TByteClass::Escaped
+        : Byte >= 0x80 ? TByteClass::High
+                       : TByteClass::Plain;
   return Classes;
 }
 
-constexpr auto Classes = MakeClasses(true);
-constexpr auto OldClasses = MakeClasses(false);
+constexpr TByteClasses Classes[] = {MakeClasses(TEscapePlace::Record, true), MakeClasses(TEscapePlace::Alone, true)};
+constexpr TByteClasses OldClasses[] = {MakeClasses(TEscapePlace::Record, false),
+                                       MakeClasses(TEscapePlace::Alone, false)};
 
 void AppendEscape(std::string& Out, unsigned Code) {
   const char Escape[] = {'#', HexDigits[Code >> 12 & 15], HexDigits[Code >> 8 & 15], HexDigits[Code >> 4 & 15],
@@ -36,13 +41,8 @@ void AppendEscape(std::string& Out, unsigned Code) {
   Out.append(Escape, sizeof Escape);
 }
 
-void AppendOldEscape(std::string& Out, unsigned char Byte) {
-  const char Escape[] = {'#', HexDigits[Byte >> 4], HexDigits[Byte & 15]};
-  Out.append(Escape, sizeof Escape);
-}
-
 // Position of the first byte from At on that is not of class Plain.
-std::size_t PlainEnd(const std::array<TByteClass, 256>& Table, std::string_view Text, std::size_t At) {
+std::size_t PlainEnd(const TByteClasses& Table, std::string_view Text, std::size_t At) {
   while (At < Text.size() && Table[static_cast<unsigned char>(Text[At])] == TByteClass::Plain) ++At;
   return At;
 }
@@ -55,10 +55,10 @@ std::size_t PlainPair(std::string_view Text, std::size_t At) {
   return (Next & 0xC0) == 0x80 && (Lead > 0xC2 || Next >= 0xA0) ? 2 : 0;
 }
 
-std::size_t EscapedSize(std::string_view Text) {
+std::size_t EscapedSize(const TByteClasses& Table, std::string_view Text) {
   std::size_t Size = Text.size();
   for (const char Byte : Text)
-    if (Classes[static_cast<unsigned char>(Byte)] == TByteClass::Escaped) Size += EscapeDigits;
+    if (Table[static_cast<unsigned char>(Byte)] == TByteClass::Escaped) Size += EscapeDigits;
   return Size;
 }
 
@@ -92,12 +92,18 @@ void ReserveFor(std::string& Out, std::size_t Bytes) {
   if (Bytes > LongValue) Out.reserve(Out.size() + Bytes + 16);
 }
 
-std::int64_t AppendEscaped(std::string& Out, std::string_view Text) {
-  if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Text));
+void AppendByteEscape(std::string& Out, unsigned char Byte) {
+  const char Escape[] = {'#', HexDigits[Byte >> 4], HexDigits[Byte & 15]};
+  Out.append(Escape, sizeof Escape);
+}
+
+std::int64_t AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place) {
+  const TByteClasses& Table = Classes[static_cast<int>(Place)];
+  if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Table, Text));
   std::int64_t Malformed = 0;
   std::size_t RunStart = 0, At = 0;
   const auto FlushRun = [&] { Out.append(Text.data() + RunStart, At - RunStart); };
-  while ((At = PlainEnd(Classes, Text, At)) < Text.size()) {
+  while ((At = PlainEnd(Table, Text, At)) < Text.size()) {
     if (const std::size_t Pair = PlainPair(Text, At)) {
       At += Pair;
       continue;
@@ -147,16 +153,17 @@ std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits) {
   return static_cast<std::size_t>(Out - Begin);
 }
 
-std::int64_t AppendOldEscaped(std::string& Out, std::string_view Text, const TCodePage& Page) {
-  if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Text));
+std::int64_t AppendOldEscaped(std::string& Out, std::string_view Text, const TCodePage& Page, TEscapePlace Place) {
+  const TByteClasses& Table = OldClasses[static_cast<int>(Place)];
+  if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Table, Text));
   std::int64_t Lost = 0;
   for (std::size_t At = 0; At < Text.size();) {
     const std::size_t RunStart = At;
-    At = PlainEnd(OldClasses, Text, At);
+    At = PlainEnd(Table, Text, At);
     Out.append(Text, RunStart, At - RunStart);
     if (At == Text.size()) break;
-    if (OldClasses[static_cast<unsigned char>(Text[At])] == TByteClass::Escaped) {
-      AppendOldEscape(Out, static_cast<unsigned char>(Text[At++]));
+    if (Table[static_cast<unsigned char>(Text[At])] == TByteClass::Escaped) {
+      AppendByteEscape(Out, static_cast<unsigned char>(Text[At++]));
       continue;
     }
     const std::size_t Start = At;
@@ -169,12 +176,13 @@ std::int64_t AppendOldEscaped(std::string& Out, std::string_view Text, const TCo
   return Lost;
 }
 
-void AppendOldEscapedBytes(std::string& Out, std::string_view Bytes, const TCodePage& Page) {
+void AppendOldEscapedBytes(std::string& Out, std::string_view Bytes, const TCodePage& Page, TEscapePlace Place) {
+  const TByteClasses& Table = OldClasses[static_cast<int>(Place)];
   for (std::size_t At = 0; At < Bytes.size();) {
     std::size_t Stop = At;
-    while (Stop < Bytes.size() && OldClasses[static_cast<unsigned char>(Bytes[Stop])] != TByteClass::Escaped) ++Stop;
+    while (Stop < Bytes.size() && Table[static_cast<unsigned char>(Bytes[Stop])] != TByteClass::Escaped) ++Stop;
     Page.Decode(Bytes.substr(At, Stop - At), Out);
-    if (Stop < Bytes.size()) AppendOldEscape(Out, static_cast<unsigned char>(Bytes[Stop++]));
+    if (Stop < Bytes.size()) AppendByteEscape(Out, static_cast<unsigned char>(Bytes[Stop++]));
     At = Stop;
   }
 }

@@ -48,6 +48,8 @@ class TEIStream final : public TStream {
   std::int64_t ReadLnCnt() const { return FReadLnCnt; }
   void SetReadLnCnt(std::int64_t Count) { FReadLnCnt = Count; }
   TTextLosses& Losses() { return *FLosses; }
+  /// The position in the underlying stream, for error texts about the place in a file.
+  std::int64_t SourcePosition() { return FStream.Position(); }
 
  private:
   std::int64_t Rest();

@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "velkrund/dictionary/Registration.h"
+#include "velkrund/dsp/Registration.h"
 #include "velkrund/operations/Registration.h"
 
 namespace velkrund {
@@ -12,6 +13,7 @@ void StartModule() {
   std::call_once(Started, [] {
     RegisterOperationClasses();
     RegisterDictionaryClasses();
+    RegisterDSPClasses();
   });
 }
 

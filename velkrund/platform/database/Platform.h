@@ -1,8 +1,10 @@
 #pragma once
 
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/dictionary/Dictionary.h"
 #include "velkrund/platform/extcalls/ExtCall.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 
@@ -11,6 +13,8 @@ struct TPlatform {
   TApplicationManager* ApplicationManager = nullptr;
   TExtCallFactory* ExtCalls = nullptr;
   TWindowSystem* Windows = nullptr;
+  TDSPContainer* DSPContainer = nullptr;
+  TDictionary* Dictionary = nullptr;
 };
 
 /// Installs a platform for the whole process and returns the one before. To be called while no operation runs.
@@ -31,6 +35,8 @@ class TPlatformGuard {
 // The installed services. Each raises EAccessViolation that names what is missing.
 TApplicationManager& BaseMng();
 TExtCallFactory& ExtCalls();
+TDSPContainer& DSPContainer();
+TDictionary& Dictionary();
 
 /// The installed window system; without one NobodyAtTheScreen.
 TWindowSystem& Windows();

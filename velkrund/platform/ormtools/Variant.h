@@ -72,7 +72,10 @@ class TKvVariant {
   void SetReal(double Value, TKvKind Kind = TKvKind::Double) {
     FKind = Kind, FNumber = std::bit_cast<std::int64_t>(Value);
   }
-  void SetBoolean(bool Value, TKvKind Kind = TKvKind::Boolean) { FKind = Kind, FNumber = Value ? 1 : 0; }
+  /// True is 1 as Boolean and -1 as WordBool.
+  void SetBoolean(bool Value, TKvKind Kind = TKvKind::Boolean) {
+    FKind = Kind, FNumber = !Value ? 0 : Kind == TKvKind::WordBool ? -1 : 1;
+  }
   void SetCurrency(TCurrency Value) { FKind = TKvKind::Currency, FNumber = Value.TenThousandths; }
   void SetDateTime(TDateTime Value) { FKind = TKvKind::DateTime, FNumber = Value.Microseconds; }
   /// Value at midnight.

@@ -1,0 +1,332 @@
+#include <gtest/gtest.h>
+
+#include "tests/dsp/DSPFixture.h"
+#include "velkrund/dsp/Registration.h"
+#include "velkrund/eif/Eifiles.h"
+
+namespace velkrund::tests {
+namespace {
+
+using enum TDSPImportOverwriteOptions;
+
+/// Answers the question about a structure that exists.
+class TAnswer final : public TWindowSystem {
+ public:
+  int ShowModal(TForm& Form) override {
+    auto& Asked = dynamic_cast<TDSPConfirmForm&>(Form);
+    Questions.push_back(Asked.AskLabel.Caption);
+    Asked.ForAllLCheckBox.Checked = ForAll;
+    if (Button)
+      Form.Click(Asked.*Button);
+    else
+      Form.RequestClose();
+    return Form.ModalResult();
+  }
+
+  TLButton TDSPConfirmForm::*Button = nullptr;
+  bool ForAll = false;
+  std::vector<std::string> Questions;
+};
+
+class TGenerators final : public TDictionary, public TDicDatabase {
+ public:
+  TDicDatabase& Database(const std::string&) override { return *this; }
+  bool GeneratorExist(const std::string& Name) override { return Name == "GEN"; }
+  std::int64_t GeneratorValue(const std::string&) override { return -42; }
+};
+
+class Structure : public testing::Test {
+ protected:
+  Structure() : FGuard(TPlatform{&Platform, nullptr, &Answer, &Platform.Structures, &Generators}) {}
+  static void SetUpTestSuite() {
+    if (!EITypeList().Find("DSPStructure", 200)) RegisterDSPClasses();
+  }
+  /// The tree lines stored, line ends as "\n".
+  std::string Lines() {
+    const auto Made = Section<TEIDSPStructure>();
+    std::string Text = Export(*Made);
+    std::erase(Text, '\r');
+    return Text.substr(Text.find(" [TREE]\n") + 8);
+  }
+  void Store(std::string_view Lines) {
+    Platform.Structures.Stored.clear();
+    Import(*Section<TEIDSPStructure>(), Body(Lines));
+  }
+
+  TDSPPlatform Platform;
+  TAnswer Answer;
+  TGenerators Generators;
+
+ private:
+  TPlatformGuard FGuard;
+};
+
+TEST_F(Structure, MergingInEveryMode) {
+  const struct {
+    const char *Stored, *Imported;
+    const char* Results[3];  // skip, replace, difference; null: as stored
+  } Cases[] = {
+      // Nodes that are missing.
+      {"  x\n",
+       "  a:byte = 1\n    b\n",
+       {"  a:byte = 1\n    b\n  x\n", "  a:byte = 1\n    b\n  x\n", "  a:byte = 1\n    b\n  x\n"}},
+      {"",
+       "  a\n    b:DELETED\n      c\n",
+       {"  a\n    b:DELETED\n      c\n", "  a\n    b:DELETED\n      c\n", "  a\n"}},
+      {"", "  a:DELETED\n", {"  a:DELETED\n", "  a:DELETED\n", "  a:DELETED\n"}},
+      // A stored value.
+      {"  a:byte = 1\n", "  A:Word = 2\n    b:DELETED\n", {nullptr, "  a:Word = 2\n    b:DELETED\n", "  a:Word = 2\n"}},
+      {"  a:byte = 1\n    x\n", "  a\n    y\n", {nullptr, "  a\n    y\n", "  a\n    y\n"}},
+      {"  a:DELETED\n", "  a:byte = 1\n", {nullptr, "  a:byte = 1\n", "  a:byte = 1\n"}},
+      {"  a:byte = 1\n", "  a:DELETED\n", {nullptr, "  a:DELETED\n", "  a:DELETED\n"}},
+      // None stored, but one imported.
+      {"  a\n    x\n",
+       "  a:byte = 1\n    b:DELETED\n",
+       {nullptr, "  a:byte = 1\n    b:DELETED\n", "  a:byte = 1\n    b:DELETED\n"}},
+      {"  a\n    x\n  b\n", "  a:DELETED\n", {nullptr, "  a:DELETED\n  b\n", "  b\n"}},
+      // None at all.
+      {"  a\n    x:byte = 1\n    y\n      s\n",
+       "  a\n    X:byte = 2\n    y:DELETED\n    z\n",
+       {"  a\n    x:byte = 1\n    y\n      s\n    z\n", "  a\n    x:byte = 2\n    y:DELETED\n    z\n",
+        "  a\n    x:byte = 2\n    z\n"}},
+      // Names that repeat.
+      {"  p\n    a\n    a\n      x\n",
+       "  p\n    a:DELETED\n    A:DELETED\n",
+       {nullptr, "  p\n    a:DELETED\n    a\n      x\n", "  p\n"}},
+      {"  a\n", "  a\n    x\n  a\n    y\n", {"  a\n    x\n    y\n", "  a\n    x\n    y\n", "  a\n    x\n    y\n"}},
+  };
+  for (const auto& Case : Cases)
+    for (const auto Mode : {ioSkip, ioReplace, ioDifference}) {
+      Store(Case.Stored);
+      const auto Made = Section<TEIDSPStructure>();
+      Made->ClearRoot = false;
+      Made->OverwriteOptions = Mode;
+      Import(*Made, Body(Case.Imported));
+      const char* const Result = Case.Results[static_cast<int>(Mode)];
+      EXPECT_EQ(Lines(), Result ? Result : Case.Stored) << Case.Imported << static_cast<int>(Mode);
+    }
+}
+
+TEST_F(Structure, ImportingIntoANode) {
+  const struct {
+    const char *Stored, *RootNode;
+    bool ClearRoot;
+    const char *Imported, *Result;
+  } Cases[] = {
+      {"  x\n", "", true, "  y\n", "  y\n"},
+      {"  x\n", "", false, "  y\n", "  x\n  y\n"},
+      {"  a\n    x\n  b\n", "A", true, "  a\n    y\n", "  a\n    y\n  b\n"},
+      {"  a\n    x\n  b\n", "A", false, "  A:byte = 1\n", "  a:byte = 1\n  b\n"},
+      {"  a\n    x\n  b\n", "a", false, "  a\n    y\n", "  a\n    x\n    y\n  b\n"},
+      {"  b\n", "p\\q", true, "  Q:byte = 1\n    z\n", "  b\n  p\n    Q:byte = 1\n      z\n"},
+      {"  p\n    o\n", "P\\q", false, "  other\n    z\n", "  p\n    o\n    q\n      z\n"},
+  };
+  for (const auto& Case : Cases) {
+    Store(Case.Stored);
+    const auto Made = Section<TEIDSPStructure>();
+    Made->RootNode = Case.RootNode;
+    Made->ClearRoot = Case.ClearRoot;
+    Import(*Made, Body(Case.Imported));
+    EXPECT_EQ(Lines(), Case.Result) << Case.RootNode << Case.Imported;
+  }
+}
+
+TEST_F(Structure, AnswersToTheQuestion) {
+  const struct {
+    TLButton TDSPConfirmForm::*Button;
+    bool ForAll;
+    const char* Result;
+    bool AsksAgain;
+    TDSPImportOverwriteOptions Options;
+    bool ClearRoot;
+  } Cases[] = {
+      {nullptr, true, "  x\n", true, ioSkip, true},
+      {&TDSPConfirmForm::SkipButton, false, "  x\n", true, ioSkip, true},
+      {&TDSPConfirmForm::SkipButton, true, "  x\n", false, ioSkip, true},
+      {&TDSPConfirmForm::RewriteButton, false, "  y\n", true, ioReplace, true},
+      {&TDSPConfirmForm::RewriteButton, true, "  y\n", false, ioReplace, true},
+      {&TDSPConfirmForm::UpdateButton, false, "  x\n  y\n", true, ioDifference, false},
+      {&TDSPConfirmForm::UpdateButton, true, "  x\n  y\n", false, ioDifference, false},
+  };
+  for (const auto& Case : Cases) {
+    Store("  x\n");
+    Answer.Button = Case.Button;
+    Answer.ForAll = Case.ForAll;
+    Answer.Questions.clear();
+    TYesNoCancelAsk Shared;
+    Shared.FAlwaysAsk = true;
+    const auto Made = Section<TEIDSPStructure>();
+    Made->SetOverwriteAsk(Shared);
+    Import(*Made, Body("  y\n"));
+    EXPECT_EQ(Answer.Questions.size(), 1u);
+    EXPECT_EQ(Lines(), Case.Result);
+    EXPECT_EQ(Shared.FYes, Case.Options != ioSkip);
+    EXPECT_EQ(Shared.FAlwaysAsk, Case.AsksAgain);
+    EXPECT_EQ(Made->OverwriteOptions, Case.Options);
+    EXPECT_EQ(Made->ClearRoot, Case.ClearRoot);
+    const auto Next = Section<TEIDSPStructure>();
+    Next->SetOverwriteAsk(Shared);
+    Import(*Next, Body("  y\n"));
+    EXPECT_EQ(Answer.Questions.size(), Case.AsksAgain ? 2u : 1u);
+  }
+}
+
+TEST_F(Structure, AnswersThatAreThereAlready) {
+  const struct {
+    bool Yes, Cancel;
+    const char* Result;
+  } Cases[] = {{true, false, "  y\n"}, {false, false, "  x\n"}, {true, true, "  x\n"}};
+  for (const auto& Case : Cases) {
+    Store("  x\n");
+    const auto Made = Section<TEIDSPStructure>();
+    Made->OverwriteAsk().FYes = Case.Yes;
+    Made->OverwriteAsk().FCancel = Case.Cancel;
+    Import(*Made, Body("  y\n"));
+    EXPECT_EQ(Lines(), Case.Result);
+  }
+  EXPECT_TRUE(Answer.Questions.empty());
+  EXPECT_TRUE(TEIDSPStructure().OverwriteAsk().FAlwaysAsk);
+  EXPECT_FALSE(TEIDSPStructureOld().OverwriteAsk().FAlwaysAsk);
+}
+
+TEST_F(Structure, SettingsTravel) {
+  TKvParamsList List;
+  TEIDSPStructureOld Out;
+  Out.OverwriteAsk().FYes = false;
+  Out.OverwriteAsk().FCancel = true;
+  Out.ClearRoot = false;
+  Out.SaveProperties(List);
+  EXPECT_EQ(List.Pairs(), (std::vector<TKvParamsList::TPair>{{"TEIDSPStructureOld.ClearRoot", "0"},
+                                                             {"TEIDSPStructureOld.OverwriteAsk.AlwaysAsk", "0"},
+                                                             {"TEIDSPStructureOld.OverwriteAsk.Cancel", "-1"},
+                                                             {"TEIDSPStructureOld.OverwriteAsk.Yes", "0"}}));
+  List.Add("TEIDSPStructureOld.OverwriteAsk.AlwaysAsk", "tRUE");
+  List.Add("TEIDSPStructureOld.OverwriteAsk.Cancel", "maybe");
+  TEIDSPStructureOld In;
+  In.LoadProperties(List);
+  EXPECT_FALSE(In.OverwriteAsk().FYes);
+  EXPECT_FALSE(In.OverwriteAsk().FCancel);
+  EXPECT_TRUE(In.OverwriteAsk().FAlwaysAsk);
+  EXPECT_FALSE(In.ClearRoot);
+  TEIDSPStructure Other;
+  Other.LoadProperties(List);
+  EXPECT_TRUE(Other.ClearRoot) << "every class has its own";
+}
+
+TEST_F(Structure, SpecialSaveMode) {
+  Platform.Structures.Special = true;
+  const struct {
+    int Type;
+    TDSPImportOverwriteOptions Options;
+    bool ClearRoot;
+    const char* Call;
+  } Cases[] = {
+      {14, ioReplace, false, "clear 0, list 1"},
+      {14, ioReplace, true, "clear 1, list 0"},
+      {14, ioSkip, false, "clear 0, list 0"},
+      {12, ioReplace, false, "clear 0, list 0"},
+  };
+  for (const auto& Case : Cases) {
+    const auto Made = Section<TEIDSPStructure>(Case.Type);
+    Made->OverwriteOptions = Case.Options;
+    Made->ClearRoot = Case.ClearRoot;
+    Import(*Made, Body("  a\n"));
+    EXPECT_EQ(Platform.Structures.SpecialSave, Case.Call);
+  }
+}
+
+TEST_F(Structure, CancellingLeavesItAlone) {
+  Store("  a\n  b\n");
+  const auto Made = Section<TEIDSPStructure>();
+  int Polls = 0;
+  Made->OnCancel = [&] { return ++Polls == 2; };
+  std::vector<std::string> Seen;
+  Made->OnProgress = [&](std::int32_t, std::int32_t, std::string_view Name) { Seen.emplace_back(Name); };
+  Import(*Made, Body("  x\n  y\n  z\n"));
+  EXPECT_TRUE(Made->Stopped());
+  EXPECT_EQ(Seen, std::vector<std::string>(5, "S"));
+  EXPECT_EQ(Platform.Log.back(), "rollback");
+  EXPECT_EQ(Lines(), "  a\n  b\n");
+  Polls = 0;
+  EXPECT_THROW(Export(*Made), EAbort);
+}
+
+TEST_F(Structure, OperationsOnAFile) {
+  auto& Form = Platform.Structures.Get("Form", 12);
+  Form.Item = {"Form", 12, "CLIENTS", "Parent", "remarks"};
+  Add(Add(Form.Tree, "a"), "b", TDSPValueType::Byte, Int(1, TKvKind::Byte));
+  TEIFile File(Platform.MemoryFiles);
+  File.SetFileName("f.eif");
+  File.CreateFile();
+  File.Open();
+  TUOExportDSPStructureInterface Out;
+  Out.SetTarget(&File);
+  Out.SetSectionName("s");
+  SetPropertyText(Out, "ObjectName", "form");
+  SetPropertyText(Out, "RootNode", "A\\b");
+  EXPECT_EQ(Out.Execute(), 0);
+  EXPECT_EQ(Out.LastError(), "Exception:Error exporting DSP structure. Structure not found (OT:0;ON:'form')");
+  SetPropertyText(Out, "ObjectType", "12");
+  for (const auto Release : {TExportReleaseVersion::rv20, TExportReleaseVersion::rv17}) {
+    Out.SetReleaseVersion(Release);
+    ASSERT_EQ(Out.Execute(), 1) << Out.LastError();
+  }
+  TEIFile Again(Platform.MemoryFiles);
+  Again.SetFileName("f.eif");
+  Again.SetReadonly(true);
+  Again.Open();
+  EXPECT_EQ(Again.Sections()[0].Version(), 200);
+  EXPECT_EQ(Again.Sections()[1].Version(), 100);
+  const auto Parameter = [&](const char* Name) { return Again.Sections()[0].ParamValue(Name); };
+  EXPECT_EQ(Parameter("ObjectType") + Parameter("ObjectName") + Parameter("TableName") + Parameter("ParentObject") +
+                Parameter("RootNode"),
+            "12FormCLIENTSParentA\\b");
+
+  TUOImportDSPStructureInterface In;
+  In.SetSource(&Again);
+  Answer.Button = &TDSPConfirmForm::SkipButton;
+  ASSERT_EQ(In.Execute(), 1) << In.LastError();
+  EXPECT_EQ(Answer.Questions, std::vector<std::string>{"M_Catalox_DODSPStr_StructureAlreadyExistsConfirm"});
+  In.SetSectionNumber(1);
+  SetPropertyText(In, "ObjectName", "Copy");
+  SetPropertyText(In, "ObjectType", "10");
+  SetPropertyText(In, "RootNode", "x\\y");
+  ASSERT_EQ(In.Execute(), 1) << In.LastError();
+  EXPECT_NE(Platform.Structures.Get("Copy", 10).Tree.FindNode("a"), nullptr) << "the section's node, unless told so";
+  EXPECT_EQ(Platform.Structures.Get("Copy", 10).Item.Remarks, "remarks");
+  Platform.Structures.DeleteStructure("Copy", 10);
+  SetPropertyText(In, "UseCustomRootNode", "true");
+  SetPropertyText(In, "ChangeStructureproperties", "false");
+  SetPropertyText(In, "OverwriteOptions", "difference");
+  SetPropertyText(In, "ClearRoot", "false");
+  ASSERT_EQ(In.Execute(), 1) << In.LastError();
+  EXPECT_EQ(Platform.Structures.Get("Copy", 10).Tree.GetNodes(0).GetNodes(0).GetFullName(), "x\\y");
+  EXPECT_EQ(Platform.Structures.Get("Copy", 10).Item.Remarks, "");
+}
+
+TEST_F(Structure, GeneratorsSayWhereTheyStand) {
+  const struct {
+    const char* Name;
+    bool Reads;
+    const char* Expected;
+  } Cases[] = {{"GEN", true, "-42"}, {"GEN", false, "7"}, {"OTHER", true, "7"}};
+  for (const auto& Case : Cases) {
+    TEIDSPGeneratorStructureOld Made;
+    Made.Item.ObjectName = Case.Name;
+    Made.Item.ObjectType = 71;
+    Made.StartValue = "7";
+    Made.ReadStartValue = Case.Reads;
+    TEISection Header;
+    Made.FillParameters(Header.FParameters);
+    TEIDSPGeneratorStructure Read;
+    Read.Initialize(Header);
+    EXPECT_EQ(Read.StartValue, Case.Expected);
+    EXPECT_EQ(Read.Item.ObjectType, 71);
+    Header.FParameters.SetValues("ObjectType", "x");
+    EXPECT_THROW(Read.Initialize(Header), EConvertError);
+  }
+  EXPECT_EQ(TEIDSPGeneratorStructureOld().Version(), 100);
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -1,0 +1,103 @@
+#include "velkrund/dsp/DSPStructure.h"
+
+#include "velkrund/eif/Section.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+template <typename TSection>
+std::unique_ptr<TEIObject> Make() {
+  return std::make_unique<TSection>();
+}
+
+// A word, or a number, of which 0 is false.
+void TakeTruth(const std::optional<std::string>& Text, bool& Setting) {
+  if (!Text) return;
+  if (SameAsciiWord(*Text, "TRUE"))
+    Setting = true;
+  else if (SameAsciiWord(*Text, "FALSE"))
+    Setting = false;
+  else if (const auto Number = StrToReal(*Text))
+    Setting = *Number != 0;
+}
+
+const char* TruthText(bool Setting) { return Setting ? "-1" : "0"; }
+
+}  // namespace
+
+constinit const TEIObjectDescriptor TEIDSPStructureCommon::Descriptor{
+    "TEIDSPStructureCommon", nullptr, DSPStructureType, -1, TSectionRole::Structure, nullptr, nullptr};
+constinit const TEIObjectDescriptor TEIDSPStructure::Descriptor{
+    "TEIDSPStructure",     &TEIDSPStructureCommon::Descriptor, DSPStructureType, 200, TSectionRole::Structure, nullptr,
+    &Make<TEIDSPStructure>};
+constinit const TEIObjectDescriptor TEIDSPStructureOld::Descriptor{
+    "TEIDSPStructureOld",     &TEIDSPStructureCommon::Descriptor,
+    DSPStructureType,         100,
+    TSectionRole::Structure,  nullptr,
+    &Make<TEIDSPStructureOld>};
+
+TEIDSPStructureCommon::TEIDSPStructureCommon() { FOwnAsk->FYes = true; }
+
+std::unique_ptr<TNodeTexts> TEIDSPStructure::NodeTexts() const { return std::make_unique<TCurrentNodeTexts>(); }
+
+std::unique_ptr<TNodeTexts> TEIDSPStructureOld::NodeTexts() const {
+  return std::make_unique<TOldNodeTexts>(*WorkSettings().AnsiCodePage);
+}
+
+void TEIDSPStructureCommon::FillParameters(TEISectionParameters& Parameters) {
+  Parameters.AddParam("ObjectType", Format("%d", Item.ObjectType));
+  Parameters.AddParam("ObjectName", Item.ObjectName);
+  Parameters.AddParam("TableName", Item.TableName);
+  Parameters.AddParam("ParentObject", Item.ParentObject);
+  Parameters.AddParam("RootNode", RootNode);
+}
+
+void TEIDSPStructureCommon::Initialize(const TEISection& Section) {
+  const std::string& Type = Section.ParamValue("ObjectType");
+  const auto ObjectType = StrToInt32(Type);
+  if (!ObjectType) throw EConvertError(Format("'%s' is not a valid integer value", Type));
+  Item.ObjectType = *ObjectType;
+  Item.ObjectName = Section.ParamValue("ObjectName");
+  Item.TableName = Section.ParamValue("TableName");
+  Item.ParentObject = Section.ParamValue("ParentObject");
+  RootNode = Section.ParamValue("RootNode");
+}
+
+std::string TEIDSPStructureCommon::SettingName(const char* Setting) const {
+  return std::string(ClassType().Name()) + Setting;
+}
+
+void TEIDSPStructureCommon::SaveProperties(TKvParamsList& Properties) const {
+  TEIObject::SaveProperties(Properties);
+  Properties.Add(SettingName(".OverwriteAsk.Yes"), TruthText(FOverwriteAsk->FYes));
+  Properties.Add(SettingName(".OverwriteAsk.Cancel"), TruthText(FOverwriteAsk->FCancel));
+  Properties.Add(SettingName(".OverwriteAsk.AlwaysAsk"), TruthText(FOverwriteAsk->FAlwaysAsk));
+  Properties.Add(SettingName(".ClearRoot"), TruthText(ClearRoot));
+}
+
+void TEIDSPStructureCommon::LoadProperties(const TKvParamsList& Properties) {
+  TEIObject::LoadProperties(Properties);
+  TakeTruth(Properties.Find(SettingName(".OverwriteAsk.Yes")), FOverwriteAsk->FYes);
+  TakeTruth(Properties.Find(SettingName(".OverwriteAsk.Cancel")), FOverwriteAsk->FCancel);
+  TakeTruth(Properties.Find(SettingName(".OverwriteAsk.AlwaysAsk")), FOverwriteAsk->FAlwaysAsk);
+  TakeTruth(Properties.Find(SettingName(".ClearRoot")), ClearRoot);
+}
+
+std::string TEIDSPStructureCommon::Identity() const {
+  return Format("OT:%d;ON:'%s'", Item.ObjectType, Item.ObjectName);
+}
+
+std::unique_ptr<TDSPFormManager> TEIDSPStructureCommon::OpenForm() const {
+  auto Manager = DSPContainer().CreateFormManager(DatabaseName);
+  Manager->ObjectType = Item.ObjectType;
+  Manager->ObjectName = Item.ObjectName;
+  return Manager;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "velkrund/dialogs/DSPConfirmForm.h"
+#include "velkrund/dsp/NodeTexts.h"
+#include "velkrund/eif/EIObject.h"
+#include "velkrund/eif/EIStream.h"
+#include "velkrund/operations/AskObjects.h"
+#include "velkrund/platform/structures/DSPContainer.h"
+
+namespace velkrund {
+
+inline constexpr const char* DSPStructureType = "DSPStructure";
+
+/// One stored structure, or a part of one, as a section. The header parameters "ObjectType", "ObjectName", "TableName",
+/// "ParentObject" and "RootNode" say which; the body is
+///
+///    [REMARKS]
+///     Clients of the shop      one line each of the remarks; an empty one when there are none
+///    [TREE]
+///     Caption:string = 'Clients'
+///     Columns                  a node without value
+///       ID:integer = 1         below it
+///
+/// TDSPTreeWriter draws the lines in full, TNodeTexts the names and values, in which the concrete classes differ.
+/// Errors are EDSPUtilError; those of the store (EDSPError) and of number texts (EConvertError) pass through. Used for
+/// one export or one import.
+class TEIDSPStructureCommon : public TEIObject {
+ public:
+  TEIDSPStructureCommon();
+
+  void FillParameters(TEISectionParameters& Parameters) override;
+  void Initialize(const TEISection& Section) override;
+  /// The settings are named after the class: the answers of the question, whether it is asked again, and ClearRoot.
+  void SaveProperties(TKvParamsList& Properties) const override;
+  void LoadProperties(const TKvParamsList& Properties) override;
+  /// Cancelled: EAbort.
+  void ExportData(TEIStream& Stream) override;
+  /// Asks first where the structure exists, if OverwriteAsk says so; left alone, that is no failure. In one
+  /// transaction; cancelled or failed, the structure is as it was before. Cancelled: Stopped() is true.
+  void ImportData(TEIStream& Stream) override;
+
+  /// The question whether an existing structure is overwritten. Yes without asking unless the class says otherwise.
+  TYesNoCancelAsk& OverwriteAsk() const { return *FOverwriteAsk; }
+  /// Takes a question that several sections share, so that an answer for all holds for them. Borrowed; it outlives the
+  /// section.
+  void SetOverwriteAsk(TYesNoCancelAsk& Ask) { FOverwriteAsk = &Ask; }
+
+  TDSPListItem Item;
+  std::string RootNode;                   // full name of the part; empty: the whole tree
+  bool ChangeStructureProperties = true;  // import: store the item's table name, parent object and remarks too
+  bool ClearRoot = true;                  // import: empty the part before the tree is merged into it
+  TDSPImportOverwriteOptions OverwriteOptions = TDSPImportOverwriteOptions::ioReplace;
+
+  static const TEIObjectDescriptor Descriptor;
+
+ protected:
+  virtual std::unique_ptr<TNodeTexts> NodeTexts() const = 0;
+
+ private:
+  enum class TOverwriteAnswer { Yes, No, YesToAll, NoToAll };
+
+  TOverwriteAnswer AskOverwrite();
+  void RecordAnswer(TOverwriteAnswer Answer);
+  bool MayImport();
+  std::string Identity() const;
+  std::unique_ptr<TDSPFormManager> OpenForm() const;
+  std::string SettingName(const char* Setting) const;
+  void WriteRemarks(TEIStream& Stream) const;
+  void ReadRemarks(TEIStream& Stream);
+  std::string_view NextLine(TEIStream& Stream) const;
+  bool ReadTree(TEIStream& Stream, TDSPNode& Tree);
+  void Save(TDSPFormManager& Manager);
+
+  const std::unique_ptr<TYesNoCancelAsk> FOwnAsk = std::make_unique<TYesNoCancelAsk>();
+  TYesNoCancelAsk* FOverwriteAsk = FOwnAsk.get();  // borrowed
+};
+
+/// Version 200. Asks about every structure that exists.
+class TEIDSPStructure : public TEIDSPStructureCommon {
+ public:
+  TEIDSPStructure() { OverwriteAsk().FAlwaysAsk = true; }
+  TEIObjectClass ClassType() const override { return TEIObjectClass(Descriptor); }
+
+  static const TEIObjectDescriptor Descriptor;
+
+ protected:
+  std::unique_ptr<TNodeTexts> NodeTexts() const override;
+};
+
+/// Version 100.
+class TEIDSPStructureOld final : public TEIDSPStructureCommon {
+ public:
+  TEIObjectClass ClassType() const override { return TEIObjectClass(Descriptor); }
+
+  static const TEIObjectDescriptor Descriptor;
+
+ protected:
+  std::unique_ptr<TNodeTexts> NodeTexts() const override;
+};
+
+}  // namespace velkrund

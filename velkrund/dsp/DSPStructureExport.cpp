@@ -1,0 +1,48 @@
+#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/dsp/DSPStructure.h"
+#include "velkrund/dsp/DSPUtilErrors.h"
+#include "velkrund/dsp/TreeWriter.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+// Structures of this type hold the text of a program.
+constexpr int ExecutableProcedure = 73;
+
+}  // namespace
+
+void TEIDSPStructureCommon::WriteRemarks(TEIStream& Stream) const {
+  std::string_view Rest = Item.Remarks;
+  for (bool More = true; More;) {
+    const std::size_t End = Rest.find('\r');
+    More = End != std::string_view::npos;
+    Stream.Writeln(std::string(Indentation).append(Rest.substr(0, End)));
+    if (More) Rest.remove_prefix(End + (Rest.substr(End + 1).starts_with('\n') ? 2 : 1));
+  }
+}
+
+void TEIDSPStructureCommon::ExportData(TEIStream& Stream) {
+  Stream.Writeln(" [REMARKS]");
+  WriteRemarks(Stream);
+  Stream.Writeln(" [TREE]");
+  const auto Manager = OpenForm();
+  // What is not stored would be an empty tree.
+  if (!DSPContainer().Table(DatabaseName).DSPStructureExist(Item.ObjectName, Item.ObjectType) ||
+      !Manager->LoadPureStructure())
+    throw EDSPUtilError(Format("Can not export DSP structure. Error loading DSP form (%s).", Identity()));
+  TDSPNode* const Start = Manager->FindSection(RootNode);
+  if (!Start)
+    throw EDSPUtilError(
+        Format("Can not export DSP structure. Specified node not found (%s;Node:'%s').", Identity(), RootNode));
+  const auto Texts = NodeTexts();
+  TDSPTreeWriter Writer(Stream, *Texts, Item.ObjectType == ExecutableProcedure);
+  Writer.Write(*Start, !RootNode.empty(), [this] {
+    if (IsCanceled()) throw EAbort("Export of a structure is cancelled");
+  });
+}
+
+}  // namespace velkrund

@@ -1,0 +1,104 @@
+#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/dsp/DSPStructure.h"
+#include "velkrund/dsp/DSPUtilErrors.h"
+#include "velkrund/dsp/TreeMerge.h"
+#include "velkrund/dsp/TreeReader.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+// Structures of this type are told what became of their parts when they are replaced without being emptied.
+constexpr int ReportingType = 14;
+
+}  // namespace
+
+std::string_view TEIDSPStructureCommon::NextLine(TEIStream& Stream) const {
+  ShowProgress(Stream.Position(), Stream.Size(), Item.ObjectName);
+  return Stream.Readln();
+}
+
+void TEIDSPStructureCommon::ReadRemarks(TEIStream& Stream) {
+  const auto AtEnd = [&Stream] { return Stream.Position() >= Stream.Size(); };
+  do {
+    if (AtEnd()) throw EDSPUtilError("Can not import DSP structure. Remarks section not found");
+  } while (!NextLine(Stream).starts_with(" [REMARKS]"));
+  std::string Remarks;
+  for (bool First = true;; First = false) {
+    if (AtEnd()) throw EDSPUtilError("Can not import DSPStructure. Tree section not found");
+    const std::string_view Line = NextLine(Stream);
+    if (Line.starts_with(" [TREE]")) break;
+    if (!Line.starts_with(Indentation))
+      throw EDSPUtilError(Format("Can not import DSP structure. Remarks section contains invalid data (Position:%d).",
+                                 Stream.SourcePosition()));
+    if (!First) Remarks += "\r\n";
+    Remarks += Line.substr(Indentation.size());
+  }
+  Item.Remarks = std::move(Remarks);
+}
+
+TEIDSPStructureCommon::TOverwriteAnswer TEIDSPStructureCommon::AskOverwrite() {
+  bool ForAll = false;
+  OverwriteOptions = DSPConfirmation(
+      Format(BaseMng().LString("M_Catalox_DODSPStr_StructureAlreadyExistsConfirm"), Item.ObjectName, Item.ObjectType),
+      ForAll);
+  // What is only to be added to has to be there.
+  ClearRoot = OverwriteOptions != TDSPImportOverwriteOptions::ioDifference;
+  if (OverwriteOptions == TDSPImportOverwriteOptions::ioSkip)
+    return ForAll ? TOverwriteAnswer::NoToAll : TOverwriteAnswer::No;
+  return ForAll ? TOverwriteAnswer::YesToAll : TOverwriteAnswer::Yes;
+}
+
+void TEIDSPStructureCommon::RecordAnswer(TOverwriteAnswer Answer) {
+  FOverwriteAsk->FYes = Answer == TOverwriteAnswer::Yes || Answer == TOverwriteAnswer::YesToAll;
+  if (Answer == TOverwriteAnswer::YesToAll || Answer == TOverwriteAnswer::NoToAll) FOverwriteAsk->FAlwaysAsk = false;
+}
+
+bool TEIDSPStructureCommon::MayImport() {
+  if (!DSPContainer().Table(DatabaseName).DSPStructureExist(Item.ObjectName, Item.ObjectType)) return true;
+  if (FOverwriteAsk->FAlwaysAsk) Synchronize([this] { RecordAnswer(AskOverwrite()); });
+  return FOverwriteAsk->FYes && !FOverwriteAsk->FCancel;
+}
+
+bool TEIDSPStructureCommon::ReadTree(TEIStream& Stream, TDSPNode& Tree) {
+  const auto Texts = NodeTexts();
+  TDSPTreeReader Reader(Stream, *Texts);
+  return Reader.Read(Tree, RootNode, [&] {
+    ShowProgress(Stream.Position(), Stream.Size(), Item.ObjectName);
+    return !IsCanceled();
+  });
+}
+
+void TEIDSPStructureCommon::Save(TDSPFormManager& Manager) {
+  TStringList Report;
+  const bool Reports =
+      Item.ObjectType == ReportingType && OverwriteOptions == TDSPImportOverwriteOptions::ioReplace && !ClearRoot;
+  const bool Saved = Manager.SpecialSaveMode() ? Manager.SavePureStructureEx(ClearRoot, Reports ? &Report : nullptr)
+                                               : Manager.SavePureStructure();
+  if (!Saved) throw EDSPUtilError(Format("Can not import DSP structure. Error saving DSP form (%s).", Identity()));
+}
+
+void TEIDSPStructureCommon::ImportData(TEIStream& Stream) {
+  FStopped = false;
+  ReadRemarks(Stream);
+  if (!MayImport()) return;
+  TTransaction Transaction(DatabaseName);
+  const auto Manager = OpenForm();
+  if (!Manager->LoadPureStructure())
+    throw EDSPUtilError(Format("Can not import DSP structure. Error loading DSP form (%s).", Identity()));
+  TDSPNode Tree;
+  if (!ReadTree(Stream, Tree)) {
+    FStopped = true;
+    return;
+  }
+  MergeTree(*Manager, Tree, {OverwriteOptions, RootNode, ClearRoot});
+  // The properties wait until the tree could be read, so that no store is left with half of the import.
+  if (ChangeStructureProperties) DSPContainer().Table(DatabaseName).ChangeStructureProperties(Item);
+  Save(*Manager);
+  Transaction.Commit();
+}
+
+}  // namespace velkrund

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <string>
+
+#include "velkrund/dsp/DSPStructure.h"
+#include "velkrund/operations/ImportExportInterfaces.h"
+
+namespace velkrund {
+
+/// Loads a structure section into the structures of a database.
+class TUOImportDSPStructure : public TImportUtilOperation {
+ public:
+  TUOImportDSPStructure();
+
+  std::string ObjectName;                 // empty: the structure that the section names
+  int ObjectType = 0;                     // 0: the type that the section names
+  std::string RootNode;                   // full name of the node to import into
+  bool UseCustomRootNode = false;         // RootNode holds, otherwise the section's
+  bool ClearRoot = true;                  // what is stored there goes first
+  bool ChangeStructureproperties = true;  // table name, parent object and remarks are stored too
+  TDSPImportOverwriteOptions OverwriteOptions = TDSPImportOverwriteOptions::ioReplace;
+  TYesNoCancelAsk OverwriteAsk;  // whether a structure that exists is overwritten; asked about unless told otherwise
+
+  static const TUtilOperationDescriptor Descriptor;
+
+ protected:
+  void InitEIObject(TEIObject& Object) override;
+};
+
+/// Saves a structure, or a part of one, as a section: version 200 for rv20, 100 for rv17.
+class TUOExportDSPStructure : public TExportUtilOperation {
+ public:
+  std::string ObjectName;
+  int ObjectType = 0;
+  std::string RootNode;  // full name of the part; empty: all
+
+  static const TUtilOperationDescriptor Descriptor;
+
+ protected:
+  std::unique_ptr<TEIObject> CreateEIObject() override;
+};
+
+class TUOImportDSPStructureInterface : public TImportUtilOperationInterface {
+ public:
+  explicit TUOImportDSPStructureInterface(TRBaseManager* Manager = nullptr);
+  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
+
+  const std::string& ObjectName() const { return Import().ObjectName; }
+  void SetObjectName(const std::string& Name) { Import().ObjectName = Name; }
+  int ObjectType() const { return Import().ObjectType; }
+  void SetObjectType(int Type) { Import().ObjectType = Type; }
+  const std::string& RootNode() const { return Import().RootNode; }
+  void SetRootNode(const std::string& FullName) { Import().RootNode = FullName; }
+  bool UseCustomRootNode() const { return Import().UseCustomRootNode; }
+  void SetUseCustomRootNode(bool Value) { Import().UseCustomRootNode = Value; }
+  bool ClearRoot() const { return Import().ClearRoot; }
+  void SetClearRoot(bool Value) { Import().ClearRoot = Value; }
+  bool ChangeStructureproperties() const { return Import().ChangeStructureproperties; }
+  void SetChangeStructureproperties(bool Value) { Import().ChangeStructureproperties = Value; }
+  TDSPImportOverwriteOptions OverwriteOptions() const { return Import().OverwriteOptions; }
+  void SetOverwriteOptions(TDSPImportOverwriteOptions Options) { Import().OverwriteOptions = Options; }
+
+  static const TPropertyTable PropertyTable;
+  static const TInterfaceDescriptor Descriptor;
+
+ private:
+  TUOImportDSPStructure& Import() const { return static_cast<TUOImportDSPStructure&>(Operation()); }
+};
+
+class TUOExportDSPStructureInterface : public TExportUtilOperationInterface {
+ public:
+  explicit TUOExportDSPStructureInterface(TRBaseManager* Manager = nullptr);
+  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
+
+  const std::string& ObjectName() const { return Export().ObjectName; }
+  void SetObjectName(const std::string& Name) { Export().ObjectName = Name; }
+  int ObjectType() const { return Export().ObjectType; }
+  void SetObjectType(int Type) { Export().ObjectType = Type; }
+  const std::string& RootNode() const { return Export().RootNode; }
+  void SetRootNode(const std::string& FullName) { Export().RootNode = FullName; }
+
+  static const TPropertyTable PropertyTable;
+  static const TInterfaceDescriptor Descriptor;
+
+ private:
+  TUOExportDSPStructure& Export() const { return static_cast<TUOExportDSPStructure&>(Operation()); }
+};
+
+}  // namespace velkrund

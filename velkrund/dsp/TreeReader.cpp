@@ -1,0 +1,88 @@
+#include "velkrund/dsp/TreeReader.h"
+
+#include <algorithm>
+
+#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/dsp/DSPUtilErrors.h"
+#include "velkrund/dsp/NodeNames.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+void TDSPTreeReader::LineError(std::string_view What) {
+  throw EDSPUtilError(Format("Can not import DSP structure. Invalid tree data structure. %s (Position:%d)", What,
+                             FStream.SourcePosition()));
+}
+
+bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, const std::function<bool()>& OnLine) {
+  FPath.clear();
+  const std::string_view RootName = RootNode.substr(RootNode.rfind(DSPNameSeparator) + 1);
+  while (!AtEnd()) {
+    if (OnLine && !OnLine()) return false;
+    ReadLine(NextLine(), Tree, RootName);
+  }
+  // Without its node the tree would become one without a name.
+  if (!RootName.empty() && FPath.empty()) LineError("Unexpected end of tree section");
+  return true;
+}
+
+std::string_view TDSPTreeReader::NextLine() {
+  const std::string_view Line = FStream.Readln();
+  if (!Line.ends_with(ContinuationMark)) return Line;
+  JoinPieces(Line);
+  return FJoined;
+}
+
+void TDSPTreeReader::JoinPieces(std::string_view Line) {
+  FJoined = Line;
+  for (bool More = true; More;) {
+    FJoined.pop_back();
+    if (AtEnd()) LineError("Unexpected end of tree section");
+    std::string_view Piece = FStream.Readln();
+    if (!Piece.starts_with(ContinuationMark)) LineError("'@' is missing");
+    Piece.remove_prefix(1);
+    FJoined += Piece;
+    More = Piece.ends_with(ContinuationMark);
+  }
+}
+
+void TDSPTreeReader::ReadLine(std::string_view Line, TDSPNode& Tree, std::string_view RootName) {
+  if (!Line.starts_with(Indentation)) LineError("Starting spaces is missing");
+  const std::size_t Colon = Line.find(':');
+  TDSPNode& Node = PlaceOf(Line.substr(0, Colon), Tree, RootName);
+  if (Colon != std::string_view::npos) ReadTypeAndValue(Line.substr(Colon + 1), Node);
+}
+
+// Makes the node that an indented name stands for, where it belongs.
+TDSPNode& TDSPTreeReader::PlaceOf(std::string_view Indented, TDSPNode& Tree, std::string_view RootName) {
+  const std::size_t Blanks = std::min(Indented.find_first_not_of(' '), Indented.size());
+  const std::size_t Depth = Blanks / Indentation.size() - 1;
+  const bool OneTop = !RootName.empty();
+  if (Blanks % Indentation.size() != 0 || Depth > FPath.size() || (OneTop && Depth == 0 && !FPath.empty()))
+    LineError("Invalid level structure");
+  ReadNodeName(Indented.substr(Blanks), FName);
+  if (FName.empty()) LineError("Empty name of node");
+  FPath.resize(Depth);
+  if (OneTop && Depth == 0) {
+    // It takes the place of the node that is asked for; the file may know better how that is spelt.
+    Tree.SetName(SameText(FName, RootName) ? std::string_view(FName) : RootName);
+    FPath.push_back(&Tree);
+  } else {
+    FPath.push_back(&(Depth == 0 ? Tree : *FPath.back()).AddNode(FName));
+  }
+  return *FPath.back();
+}
+
+void TDSPTreeReader::ReadTypeAndValue(std::string_view Text, TDSPNode& Node) {
+  const std::size_t Equals = Text.find('=');
+  const std::string_view Word = Trim(Text.substr(0, Equals));
+  const std::string_view Value = Equals == std::string_view::npos ? std::string_view() : Trim(Text.substr(Equals + 1));
+  const auto Type = FTexts.FindType(Word);
+  if (!Type) throw EDSPUtilError(Format("Can not import DSP structure. Invalid node type:'%s'.", Word));
+  TTextLosses Lost;
+  FTexts.ReadValue(Node, *Type, Value, Lost);
+  if (Lost.Any()) ReportLosses(FStream.Losses(), Lost, Node);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velkrund/dsp/NodeTexts.h"
+#include "velkrund/eif/EIStream.h"
+
+namespace velkrund {
+
+/// Reads the lines that TDSPTreeWriter writes. Errors are EDSPUtilError; those about the lines name the position in the
+/// source, behind the line. For one tree.
+class TDSPTreeReader {
+ public:
+  /// All borrowed. Stream: bounded, at the first line of the tree.
+  TDSPTreeReader(TEIStream& Stream, const TNodeTexts& Texts) : FStream(Stream), FTexts(Texts) {}
+
+  /// Reads to the end of the stream into Tree, which is empty. RootNode: the full name of the node that the first line
+  /// stands for, and which Tree becomes, under the last of its names; empty: the top nodes become Tree's children.
+  /// OnLine: called for every line of the file; false ends the reading, and Read returns false.
+  bool Read(TDSPNode& Tree, std::string_view RootNode, const std::function<bool()>& OnLine = {});
+
+ private:
+  bool AtEnd() { return FStream.Position() >= FStream.Size(); }
+  std::string_view NextLine();
+  void JoinPieces(std::string_view Line);
+  void ReadLine(std::string_view Line, TDSPNode& Tree, std::string_view RootName);
+  TDSPNode& PlaceOf(std::string_view Indented, TDSPNode& Tree, std::string_view RootName);
+  void ReadTypeAndValue(std::string_view Text, TDSPNode& Node);
+  [[noreturn]] void LineError(std::string_view What);
+
+  TEIStream& FStream;
+  const TNodeTexts& FTexts;
+  std::string FJoined;
+  std::string FName;
+  std::vector<TDSPNode*> FPath;  // the last node read and those above it, by depth
+};
+
+}  // namespace velkrund

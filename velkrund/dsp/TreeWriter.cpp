@@ -1,0 +1,79 @@
+#include "velkrund/dsp/TreeWriter.h"
+
+#include <vector>
+
+#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/DSPErrors.h"
+
+namespace velkrund {
+
+namespace {
+
+// Bytes of the next piece of a line. A break begins a piece, so it is looked for behind the first character.
+std::size_t PieceSize(std::string_view Rest, std::string_view Break) {
+  const std::size_t Whole = Rest.size() <= MaxRecordPiece ? Rest.size() : Utf16Prefix(Rest, MaxRecordPiece);
+  if (Break.empty()) return Whole;
+  const std::size_t Place = Rest.substr(0, Whole + Break.size() - 1).find(Break, 1);
+  return Place == std::string_view::npos ? Whole : Place;
+}
+
+}  // namespace
+
+TDSPTreeWriter::TDSPTreeWriter(TEIStream& Stream, const TNodeTexts& Texts, bool CutsAtBreaks)
+    : FStream(Stream), FTexts(Texts), FCutsAtBreaks(CutsAtBreaks) {}
+
+void TDSPTreeWriter::Write(TDSPNode& Start, bool WithStart, const std::function<void()>& OnNode) {
+  struct TLevel {
+    TDSPNode* Node;
+    int Next;  // child to be written
+  };
+  const auto Begin = [&](TDSPNode& Node, std::size_t Depth) {
+    if (OnNode) OnNode();
+    WriteNode(Node, Depth);
+  };
+  std::vector<TLevel> Levels{{&Start, 0}};
+  Start.Sort();
+  if (WithStart) Begin(Start, 0);
+  while (!Levels.empty()) {
+    TLevel& Level = Levels.back();
+    if (Level.Next == Level.Node->GetCount()) {
+      Levels.pop_back();
+      continue;
+    }
+    TDSPNode& Node = Level.Node->GetNodes(Level.Next++);
+    Begin(Node, Levels.size() - (WithStart ? 0 : 1));
+    if (Node.GetCount() == 0) continue;
+    Node.Sort();
+    Levels.push_back({&Node, 0});
+  }
+}
+
+void TDSPTreeWriter::WriteNode(const TDSPNode& Node, std::size_t Depth) {
+  const TDSPValueType Type = Node.ValueType();
+  TTextLosses Lost;
+  FLine.assign(Indentation.size() * (Depth + 1), ' ');
+  FTexts.AppendName(FLine, Node.Name(), Lost);
+  if (Type != TDSPValueType::None) {
+    FLine += ':';
+    FLine += FTexts.TypeWord(Type);
+    if (Type != TDSPValueType::Deleted) {
+      FLine += " = ";
+      FTexts.AppendValue(FLine, Node, Lost);
+    }
+  } else if (FLine.back() == ContinuationMark) {
+    // The mark at the end would continue the line: an empty type behind it says the same as none.
+    if (!FTexts.HasEmptyWord()) throw EDSPError("Invalid name of node for export: " + Node.Name());
+    FLine += ':';
+  }
+  if (Lost.Any()) ReportLosses(FStream.Losses(), Lost, Node);
+  WriteLine(FCutsAtBreaks ? FTexts.LineBreak(Type) : std::string_view());
+}
+
+void TDSPTreeWriter::WriteLine(std::string_view Break) {
+  // A text has at most as many units as bytes, so that counting is only due for the long ones.
+  if (Break.empty() && FLine.size() <= MaxRecordPiece) return FStream.Writeln(FLine);
+  WritePieces(FStream, {}, FLine, [Break](std::string_view Rest) { return PieceSize(Rest, Break); });
+}
+
+}  // namespace velkrund

@@ -49,4 +49,8 @@ foreach(Example IN LISTS Examples)
   target_compile_options(example-${Name} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                          $<$<BOOL:${VELKRUND_WERROR}>:-Werror>)
   target_link_libraries(example-${Name} PRIVATE velkrund-c)
+  if(VELKRUND_SANITIZE)
+    # The library's checks of C++ need a part of the runtime that is linked into C++ programs alone.
+    set_target_properties(example-${Name} PROPERTIES LINKER_LANGUAGE CXX)
+  endif()
 endforeach()

@@ -6,17 +6,14 @@
 #include <random>
 
 #include "tests/dictionary/TableFixture.h"
+#include "tests/support/Sanitizer.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund::tests {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int Rounds = 100'000;
-#else
-constexpr int Rounds = 1'000'000;
-#endif
+constexpr int Rounds = ChecksAddresses ? 50'000 : 1'000'000;
 constexpr std::uint64_t Seed = 20240229;
 
 using TRandom = std::mt19937_64;

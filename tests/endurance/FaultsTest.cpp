@@ -17,12 +17,6 @@
 namespace velkrund::tests {
 namespace {
 
-#if defined(__SANITIZE_THREAD__)
-constexpr bool LooksForRaces = true;  // of which one thread alone has none: a few faults of each kind are enough
-#else
-constexpr bool LooksForRaces = false;
-#endif
-
 namespace fs = std::filesystem;
 
 /// A folder with a.db, which has rows, b.db, which has others, and F with the sections A and B.
@@ -212,7 +206,7 @@ class TFaultsTest : public testing::Test {
         const bool IsAny = Kind == TOperation::AnyOfFiles || Kind == TOperation::AnyOfEngine;
         if (IsAny && !Lasting) continue;
         // There are many allocations, and they are much alike.
-        const bool All = !LooksForRaces && (Kind != TOperation::EngineMemory || std::getenv("VELKRUND_EVERY_FAULT"));
+        const bool All = Kind != TOperation::EngineMemory || std::getenv("VELKRUND_EVERY_FAULT");
         for (int Number = 1; !HasFailure() && CheckFault(Job, Kind, Number, Lasting);
              Number += All ? 1 : 1 + Number / 4)
           ++Faults;

@@ -16,9 +16,10 @@ TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
   return Result;
 }
 
-TPlatform PlatformOf(TStandaloneManager& Manager, TWindowSystem* Windows) {
+TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, TWindowSystem* Windows) {
   TPlatform Result;
   Result.ApplicationManager = &Manager;
+  Result.DSPContainer = &Structures;
   Result.Windows = Windows;
   return Result;
 }
@@ -26,7 +27,7 @@ TPlatform PlatformOf(TStandaloneManager& Manager, TWindowSystem* Windows) {
 }  // namespace
 
 TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Windows)
-    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, Windows)) {
+    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, FStructures, Windows)) {
   FManager.Databases().SetCreateMissing(Options.CreateDatabases);
   FManager.SetLookUpText([Language = TextLanguage(FManager.Configuration().Language)](std::string_view Key) {
     return TDefaultTexts::Own().Find(Key, Language);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/structures/StructureStore.h"
 #include "velkrund/platform/database/Platform.h"
 
 namespace velkrund {
@@ -31,6 +32,7 @@ class TApplication {
 
  private:
   TStandaloneManager FManager;
+  TStructureStore FStructures{FManager.Databases()};
   TPlatformGuard FPlatform;
 };
 

@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "standalone/catalogue/Catalogue.h"
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
 #include "standalone/tables/DriverTable.h"
@@ -120,6 +121,7 @@ TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) 
   Result.Engine = Connection.EngineName();
   Result.EngineVersion = Connection.EngineVersion();
   Result.ReadOnly = Connection.Capabilities().ReadOnly;
+  Result.CatalogueVersion = TCatalogue(Connection).Version();
   for (const TTableInfo& Table : Connection.Tables()) {
     TDatabaseInfo::TTableSize Size{Table, std::nullopt, std::nullopt};
     if (Table.Kind == TTableKind::Table) {

@@ -25,6 +25,7 @@ struct TDatabaseInfo {
   std::string Engine;
   std::string EngineVersion;
   bool ReadOnly = false;
+  std::optional<std::int64_t> CatalogueVersion;  // nothing when the platform keeps nothing of its own there
   std::vector<TTableSize> Tables;
 };
 

@@ -50,6 +50,9 @@ class TConnection {
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
   /// places that the engine's SQL marks for them, in order.
   virtual std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
+  /// Executes one statement and returns the rows that it yields, whose cells are integers, texts, bytes or NULL. For
+  /// answers that fit into memory, where the engine may keep them whole.
+  virtual std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
 
   /// The user's tables and views by name; neither the engine's own nor the platform's.
   virtual std::vector<TTableInfo> Tables() = 0;
@@ -61,6 +64,13 @@ class TConnection {
   /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
   virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
 
+  /// Whether there is a catalogue table of that name, which begins with CataloguePrefix.
+  virtual bool HasCatalogueTable(const std::string& Name) = 0;
+
+  /// What marks the place of a parameter in SQL. Number: from 1.
+  virtual std::string ParameterMark(int Number) const = 0;
+  /// The type of a column that holds every value of a kind. Kind: Int64, String or Bytes.
+  virtual std::string ColumnType(TKvKind Kind) const = 0;
   /// A name as it stands in SQL.
   virtual std::string QuoteName(std::string_view Name) const = 0;
   /// A table's quoted name, with its schema where needed.

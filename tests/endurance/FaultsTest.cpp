@@ -12,6 +12,7 @@
 #include "hosts/common/SectionRepair.h"
 #include "tests/endurance/Faults.h"
 #include "tests/roundtrip/RoundTrip.h"
+#include "velkrund/dsp/Dsputils.h"
 #include "velkrund/operations/ImportFileInterfaces.h"
 
 namespace velkrund::tests {
@@ -19,11 +20,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A folder with a.db, which has rows, b.db, which has others, and F with the sections A and B.
+/// A folder with a.db, which has rows, b.db, which has others, F with the sections A and B, and S with a structure.
 struct TScene {
   TTemporaryFolder Folder;
   std::string Database(const char* Name) const { return "sqlite:" + Folder / Name; }
   std::string F() const { return Folder / "F"; }
+  std::string S() const { return Folder / "S"; }
 
   /// What is there: every file by name, and its content; of databases the rows.
   std::string State() const {
@@ -40,8 +42,10 @@ struct TScene {
   }
   std::string Rows(const std::string& Name) const {
     TRawDatabase Database(Folder / Name);
+    const std::string Catalogue = Database.Cells("SELECT name FROM sqlite_schema WHERE name LIKE 'velkrund%'");
     return Database.Cells("PRAGMA integrity_check") + Database.Cells("SELECT ID, typeof(V), length(V) FROM A") + "\n" +
-           Database.Cells("SELECT * FROM B");
+           Database.Cells("SELECT * FROM B") + Catalogue +
+           (Catalogue.empty() ? "" : Database.Cells("SELECT * FROM velkrund_structures"));
   }
 };
 
@@ -68,17 +72,26 @@ std::string ExportA(TFileSystem& Files, const TScene& Scene, const std::vector<i
   return Error;
 }
 
-std::string ImportA(TFileSystem& Files, const TScene& Scene) {
+template <typename TInterface>
+std::string ImportFirst(TFileSystem& Files, const TScene& Scene, const std::string& FileName) {
   return ErrorOf([&] {
     TEIFile File(Files);
-    File.SetFileName(Scene.F());
+    File.SetFileName(FileName);
     File.SetReadonly(true);
     File.Open();
-    TUOImportTableDataInterface Operation;
+    TInterface Operation;
     Operation.SetSource(&File);
     Operation.SetDatabaseName(Scene.Database("b.db"));
     if (!Operation.Execute()) throw Exception(Operation.LastError());
   });
+}
+
+std::string ImportA(TFileSystem& Files, const TScene& Scene) {
+  return ImportFirst<TUOImportTableDataInterface>(Files, Scene, Scene.F());
+}
+
+std::string ImportStructure(TFileSystem& Files, const TScene& Scene) {
+  return ImportFirst<TUOImportDSPStructureInterface>(Files, Scene, Scene.S());
 }
 
 std::string ImportAll(TFileSystem& Files, const TScene& Scene) {
@@ -137,6 +150,11 @@ class TFaultsTest : public testing::Test {
     }
     Output.Finish({}, {});
     FContent = FTemplate.Folder.Read("F");
+    FTemplate.Folder.Write("S",
+                           "[SECTION]\r\nName = S\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = 12\r\n"
+                           "ObjectName = S\r\nTableName = A\r\nParentObject = \r\nRootNode = \r\n[DATA]\r\n"
+                           " [REMARKS]\r\n  \r\n [TREE]\r\n  a:integer = 1\r\n  b:string = '" +
+                               std::string(20'000, 'x') + "'\r\n[END]\r\n");
   }
 
   void Prepare(const TJob& Job, const TScene& Scene) const {
@@ -167,7 +185,8 @@ class TFaultsTest : public testing::Test {
       EXPECT_TRUE(Met) << Label;
       const bool NamesPlace = Error.find(Scene.Folder / "") != std::string::npos ||
                               Error.find("'A'") != std::string::npos || Error.find("\"A\"") != std::string::npos ||
-                              Error.find("'B'") != std::string::npos || Error.find("\"B\"") != std::string::npos;
+                              Error.find("velkrund_") != std::string::npos || Error.find("'B'") != std::string::npos ||
+                              Error.find("\"B\"") != std::string::npos;
       const bool NamesReason = Error.find("Injected") != std::string::npos ||
                                Error.find("SQLite error") != std::string::npos ||
                                Error.find("out of memory") != std::string::npos;
@@ -250,6 +269,9 @@ TEST_F(TFaultsTest, ReplacingExportLeavesOldOrNewOrBoth) {
 }
 
 TEST_F(TFaultsTest, ImportLeavesTheTable) { Check({"import", {}, &ImportA}); }
+
+// Which makes the catalogue.
+TEST_F(TFaultsTest, StructureImportLeavesTheStore) { Check({"import structure", {}, &ImportStructure}); }
 
 TEST_F(TFaultsTest, FileImportLeavesWholeSections) {
   std::string First;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/structures/StructureStore.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
 #include "velkrund/dictionary/Dicutils.h"
@@ -95,7 +96,7 @@ inline TTestDatabase PostgreSQLDatabase(const std::string& ServerUrl = {}) {
 /// The module on the real platform, strict as the command is.
 class TRealPlatform {
  public:
-  TRealPlatform() : Manager(TConfiguration()), FGuard(TPlatform{&Manager, nullptr, nullptr}) {
+  TRealPlatform() : Manager(TConfiguration()), FGuard(TPlatform{&Manager, nullptr, nullptr, &FStructures, nullptr}) {
     StartModule();
     Manager.ChangeSettings().StrictText = true;
   }
@@ -133,6 +134,7 @@ class TRealPlatform {
   TStandaloneManager Manager;
 
  private:
+  TStructureStore FStructures{Manager.Databases()};
   TPlatformGuard FGuard;
 };
 

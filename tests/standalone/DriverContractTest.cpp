@@ -30,7 +30,6 @@ struct TEngine {
   std::map<TKvKind, std::string> Types;        // words of CREATE TABLE
   std::map<std::string, std::string> ReadsAs;  // Shown of what was written: Shown of what comes back
   std::string GeneratedColumn;                 // declares G as A + 1
-  std::string Parameters;                      // the marks of two
 };
 
 void PrintTo(const TEngine& Engine, std::ostream* Out) { *Out << Engine.Name; }
@@ -55,8 +54,7 @@ const std::vector<TEngine>& Engines() {
                  {TKvKind::DateTime, "TIMESTAMP"}},
        // Whole amounts are stored as integers.
        .ReadsAs = {{"20 -7", "18 -7"}, {"20 0", "18 0"}},
-       .GeneratedColumn = "G BIGINT AS (A + 1)",
-       .Parameters = "?, ?"},
+       .GeneratedColumn = "G BIGINT AS (A + 1)"},
       {.Name = "postgresql",
        .Connect =
            [](const TTemporaryFolder&) {
@@ -73,8 +71,7 @@ const std::vector<TEngine>& Engines() {
                  {TKvKind::SysTime, "TIME"},
                  {TKvKind::DateTime, "TIMESTAMP"}},
        .ReadsAs = {},
-       .GeneratedColumn = "G BIGINT GENERATED ALWAYS AS (A + 1) STORED",
-       .Parameters = "$1, $2"},
+       .GeneratedColumn = "G BIGINT GENERATED ALWAYS AS (A + 1) STORED"},
   };
   return Result;
 }
@@ -344,12 +341,46 @@ TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
   Run("CREATE TABLE T (A BIGINT, B VARCHAR(20))");
   const TKvVariant Values[] = {Made([](TKvVariant& V) { V.SetInteger(5); }),
                                Made([](TKvVariant& V) { V.SetText("x'); --"); })};
-  EXPECT_EQ(Connection->Execute("INSERT INTO T VALUES (" + GetParam().Parameters + ")", Values), 1);
+  const std::string Marks = Connection->ParameterMark(1) + ", " + Connection->ParameterMark(2);
+  EXPECT_EQ(Connection->Execute("INSERT INTO T VALUES (" + Marks + ")", Values), 1);
   EXPECT_THAT(Rows(*Connection, "T"), ElementsAre("18 5|10 x'); --"));
   EXPECT_EQ(Connection->Execute("CREATE TABLE U (A BIGINT)"), 0);
   EXPECT_THAT(ErrorOf([&] { Run("DELETE FROM T; DELETE FROM T"); }), HasSubstr("more than one statement"));
   EXPECT_THAT(ErrorOf([&] { Run("DELETE FROM NOWHERE"); }), HasSubstr("statement: DELETE FROM NOWHERE"));
   EXPECT_EQ(Rows(*Connection, "T").size(), 1U);
+}
+
+TEST_P(DriverContractTest, CatalogueTablesAreAskedButNotSeen) {
+  EXPECT_FALSE(Connection->HasCatalogueTable("velkrund_t"));
+  Run("CREATE TABLE velkrund_t (n " + Connection->ColumnType(TKvKind::Int64) + ", t " +
+      Connection->ColumnType(TKvKind::String) + ", b " + Connection->ColumnType(TKvKind::Bytes) + ")");
+  const TKvVariant Values[] = {Made([](TKvVariant& V) { V.SetInteger(INT64_MIN); }),
+                               Made([](TKvVariant& V) { V.SetText("Ж'"); }),
+                               Made([](TKvVariant& V) { V.SetBytes(std::string_view("\0\xFF", 2)); })};
+  const auto Mark = [&](int Number) { return Connection->ParameterMark(Number); };
+  // The marks carry numbers, so that their order is free.
+  Connection->Execute("INSERT INTO velkrund_t (b, t, n) VALUES (" + Mark(3) + ", " + Mark(2) + ", " + Mark(1) + ")",
+                      Values);
+  Connection->Execute("INSERT INTO velkrund_t VALUES (1, NULL, NULL)");
+  EXPECT_TRUE(Connection->HasCatalogueTable("velkrund_t"));
+  EXPECT_FALSE(Connection->FindTable("velkrund_t"));
+  EXPECT_THAT(Connection->Tables(), testing::IsEmpty());
+
+  const std::string Question = "SELECT n, t, b FROM velkrund_t WHERE n = ";
+  const auto Found = Connection->Query(Question + Mark(1), std::span(Values).first(1));
+  ASSERT_TRUE(Found->Next());
+  TKvVariant Cell;
+  for (int Column = 0; Column < 3; ++Column) {
+    Found->Read(Column, Cell);
+    EXPECT_TRUE(Cell == Values[Column]) << Shown(Cell);
+  }
+  EXPECT_FALSE(Found->Next());
+  const auto Nulls = Connection->Query(Question + "1");
+  ASSERT_TRUE(Nulls->Next());
+  Nulls->Read(2, Cell);
+  EXPECT_TRUE(Cell.IsNull());
+  EXPECT_FALSE(Connection->Query(Question + "2")->Next());
+  EXPECT_THAT(ErrorOf([&] { Connection->Query("SELECT 1 FROM nowhere")->Next(); }), HasSubstr("FROM nowhere"));
 }
 
 TEST_P(DriverContractTest, ViewsAreReadAndNotWritten) {

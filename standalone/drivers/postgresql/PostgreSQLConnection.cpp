@@ -39,6 +39,11 @@ std::int64_t TPostgreSQLConnection::Execute(const std::string& Statement, std::s
   return FSession.Execute(Statement, Parameters);
 }
 
+std::unique_ptr<TCursor> TPostgreSQLConnection::Query(const std::string& Statement,
+                                                      std::span<const TKvVariant> Parameters) {
+  return std::make_unique<TPostgreSQLQueryCursor>(FSession, Statement, Parameters);
+}
+
 std::string TPostgreSQLConnection::SQLName(const TTableInfo& Table) const {
   return PostgreSQLName(Table, FSession.CurrentSchema());
 }

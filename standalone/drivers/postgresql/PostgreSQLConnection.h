@@ -21,6 +21,7 @@ class TPostgreSQLConnection final : public TConnection {
   void Commit() override { FSession.Commit(); }
   void Rollback() override { FSession.Rollback(); }
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 
   std::vector<TTableInfo> Tables() override;
   /// A name is a table's full name, else its name behind its schema, else the name of a table on the search path.
@@ -30,6 +31,10 @@ class TPostgreSQLConnection final : public TConnection {
   std::int64_t RowCount(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 
+  bool HasCatalogueTable(const std::string& Name) override;
+
+  std::string ParameterMark(int Number) const override { return "$" + std::to_string(Number); }
+  std::string ColumnType(TKvKind Kind) const override;
   std::string QuoteName(std::string_view Name) const override { return QuotePostgreSQLName(Name); }
   std::string SQLName(const TTableInfo& Table) const override;
 

@@ -81,6 +81,21 @@ class TPostgreSQLFetchCursor final : public TPostgreSQLCursor {
   bool FEnded = false;
 };
 
+/// All rows of one statement, held in memory.
+class TPostgreSQLQueryCursor final : public TCursor {
+ public:
+  TPostgreSQLQueryCursor(TPostgreSQLSession& Session, const std::string& Statement,
+                         std::span<const TKvVariant> Parameters);
+
+  bool Next() override { return ++FRow < FRows.RowCount(); }
+  void Read(int Column, TKvVariant& Value) override;
+
+ private:
+  TPostgreSQLResult FRows;
+  std::vector<TPostgreSQLDecoder> FDecoders;
+  int FRow = -1;
+};
+
 /// Columns: indexes into the description's columns.
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
                                               std::span<const int> Columns);

@@ -126,4 +126,17 @@ std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& 
       .Integer(0, 0);
 }
 
+bool TPostgreSQLConnection::HasCatalogueTable(const std::string& Name) {
+  const std::string Quoted = QuoteName(Name);
+  return FSession
+      .Query(Format("Can not look for table '%s'", Name), "SELECT pg_catalog.to_regclass($1::text) IS NOT NULL",
+             {Quoted.c_str()})
+      .Boolean(0, 0);
+}
+
+std::string TPostgreSQLConnection::ColumnType(TKvKind Kind) const {
+  if (Kind == TKvKind::Bytes) return "bytea";
+  return Kind == TKvKind::String ? "text" : "bigint";
+}
+
 }  // namespace velkrund

@@ -156,6 +156,17 @@ std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span
   return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
 }
 
+TPostgreSQLResult TPostgreSQLSession::Ask(const std::string& Statement, std::span<const TKvVariant> Parameters) {
+  constexpr std::string_view What = "Can not execute a statement";
+  const TPostgreSQLParameters Texts(Parameters);
+  Prepare(What);
+  TPostgreSQLResult Result(PQexecParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(),
+                                        Texts.Lengths(), Texts.Formats(), 1));
+  NoteTransaction();
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result, Statement);
+  return Result;
+}
+
 TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std::string& Statement) {
   TPostgreSQLResult Last;
   bool IsCopy = false;

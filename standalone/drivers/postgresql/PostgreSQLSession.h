@@ -56,6 +56,9 @@ class TPostgreSQLSession {
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped as they come.
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters);
 
+  /// Executes one statement and returns its rows in the binary format.
+  TPostgreSQLResult Ask(const std::string& Statement, std::span<const TKvVariant> Parameters);
+
   enum class TFormat { Text, Binary };
   /// Executes one statement of the driver's own. What begins an error message. Parameters are texts.
   TPostgreSQLResult Query(std::string_view What, const std::string& Statement,

@@ -126,6 +126,12 @@ constexpr const char* TableStatement =
 
 }  // namespace
 
+TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid) {
+  TPostgreSQLColumn Result;
+  SetType(Result, Oid, -1, 0, {});
+  return Result;
+}
+
 std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSchema) {
   return (Table.HasHeirs ? "ONLY " : "") + QuotePostgreSQLName(Table.Schema.empty() ? CurrentSchema : Table.Schema) +
          "." + QuotePostgreSQLName(Table.Name);

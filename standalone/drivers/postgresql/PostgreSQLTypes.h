@@ -60,6 +60,9 @@ std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSc
 /// Reads a table from the catalogue. Raises EDatabaseError when it is not there. What begins messages.
 TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What);
 
+/// A column of a statement's own answer, of a type without a modifier.
+TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid);
+
 /// The column of that name; raises EDatabaseError when it is gone.
 const TPostgreSQLColumn& ColumnOf(const TPostgreSQLTable& Table, std::string_view Name, const std::string& What);
 

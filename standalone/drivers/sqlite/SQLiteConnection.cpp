@@ -5,11 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "standalone/drivers/sqlite/SQLiteAppender.h"
-#include "standalone/drivers/sqlite/SQLiteBinder.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -21,17 +18,6 @@ constexpr std::string_view InMemory = ":memory:";
 void Run(sqlite3* Database, std::string_view Statement, std::string What) {
   TSQLiteStatement Prepared(Database, Statement, std::move(What));
   while (Prepared.Step()) {
-  }
-}
-
-void BindParameters(const TSQLiteStatement& Statement, std::vector<TSQLiteBinder>& Binders,
-                    std::span<const TKvVariant> Values, bool Wide) {
-  Binders.reserve(Values.size());
-  for (const TKvVariant& Value : Values) {
-    const int Place = static_cast<int>(Binders.size()) + 1;
-    Binders.emplace_back(Statement.Handle(), Place, TSQLiteBinder::TColumn{.Wide = Wide}, *WorkSettings().AnsiCodePage);
-    if (const TSQLiteBinder::TRefusal Refusal = Binders.back().Bind(Value))
-      throw EDatabaseError(Format("Can not execute a statement, parameter %d: %s", Place, Refusal));
   }
 }
 
@@ -128,27 +114,6 @@ void TSQLiteConnection::Commit() {
 void TSQLiteConnection::Rollback() {
   if (sqlite3_get_autocommit(FDatabase.get()) == 0)
     Run(FDatabase.get(), "ROLLBACK", About("roll the transaction back in"));
-}
-
-std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
-  const TSQLiteStatement::TUse Use = TSQLiteStatement::TUse::Once;
-  TSQLiteStatement Prepared(FDatabase.get(), Statement, "Can not execute a statement", Use);
-  if (!Prepared.Handle()) throw EDatabaseError("Can not execute a statement: it is empty");
-  for (std::string_view Rest = Prepared.Rest(); !Rest.empty();) {
-    const TSQLiteStatement Next(FDatabase.get(), Rest, "Can not execute a statement", Use);
-    if (Next.Handle()) throw EDatabaseError(Format("Can not execute more than one statement at once: %s", Statement));
-    Rest = Next.Rest();
-  }
-  if (sqlite3_bind_parameter_count(Prepared.Handle()) != static_cast<int>(Parameters.size()))
-    throw EDatabaseError(Format("Can not execute a statement: it takes %d parameters, not %d; statement: %s",
-                                sqlite3_bind_parameter_count(Prepared.Handle()), Parameters.size(), Statement));
-  std::vector<TSQLiteBinder> Binders;
-  BindParameters(Prepared, Binders, Parameters, FWide);
-  const std::int64_t Before = sqlite3_total_changes(FDatabase.get());
-  while (Prepared.Step()) {
-  }
-  // The engine keeps the last count through statements that change no rows.
-  return sqlite3_total_changes(FDatabase.get()) == Before ? 0 : sqlite3_changes64(FDatabase.get());
 }
 
 std::string TSQLiteConnection::QuoteName(std::string_view Name) const { return QuoteSQLiteName(Name); }

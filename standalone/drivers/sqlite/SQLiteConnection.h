@@ -24,6 +24,7 @@ class TSQLiteConnection final : public TConnection {
   void Commit() override;
   void Rollback() override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 
   std::vector<TTableInfo> Tables() override;
   std::optional<TTableInfo> FindTable(std::string_view Name) override;
@@ -31,6 +32,10 @@ class TSQLiteConnection final : public TConnection {
   std::int64_t RowCount(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 
+  bool HasCatalogueTable(const std::string& Name) override;
+
+  std::string ParameterMark(int Number) const override { return "?" + std::to_string(Number); }
+  std::string ColumnType(TKvKind Kind) const override;
   std::string QuoteName(std::string_view Name) const override;
   std::string SQLName(const TTableInfo& Table) const override { return QuoteName(Table.Name); }
 

@@ -51,7 +51,32 @@ bool SetDateKind(std::string_view Text, TKvKind Leading, std::string& Scratch, T
   return Text.size() == PlainSize || Text == Scratch;
 }
 
+std::string_view BytesOf(const void* Bytes, int Size) {
+  if (!Bytes && Size > 0) throw EDatabaseError("Can not read a value: out of memory");
+  return {static_cast<const char*>(Bytes), static_cast<std::size_t>(Size)};
+}
+
 }  // namespace
+
+void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value) {
+  switch (sqlite3_value_type(Cell)) {
+    case SQLITE_INTEGER:
+      return Value.SetInteger(sqlite3_value_int64(Cell));
+    case SQLITE_FLOAT:
+      return Value.SetReal(sqlite3_value_double(Cell));
+    case SQLITE_TEXT: {
+      // Asked for as bytes the engine lends its page; as text it would copy to add a final zero.
+      const void* Text = Wide ? static_cast<const void*>(sqlite3_value_text(Cell)) : sqlite3_value_blob(Cell);
+      return Value.BorrowText(BytesOf(Text, sqlite3_value_bytes(Cell)));
+    }
+    case SQLITE_BLOB: {
+      const void* Bytes = sqlite3_value_blob(Cell);
+      return Value.BorrowText(BytesOf(Bytes, sqlite3_value_bytes(Cell)), TKvKind::Bytes);
+    }
+    default:
+      return Value.SetNull();
+  }
+}
 
 TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, bool Wide)
     : FStatement(Database, SelectText(Table, Columns), Format("Can not read table '%s'", Table.Table.Name),
@@ -64,59 +89,24 @@ TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, 
 void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
   // The connection has no mutex, so that the cell itself may be asked: one look-up instead of one per question.
   sqlite3_value* Cell = sqlite3_column_value(FStatement.Handle(), Column);
-  const TKvKind Leading = FKinds[static_cast<std::size_t>(Column)];
-  switch (sqlite3_value_type(Cell)) {
-    case SQLITE_INTEGER: {
-      const std::int64_t Integer = sqlite3_value_int64(Cell);
-      if (Leading == TKvKind::Boolean && (Integer == 0 || Integer == 1))
-        Value.SetBoolean(Integer == 1);
-      else
-        Value.SetInteger(Integer);
+  ReadSQLiteCell(Cell, FWide, Value);
+  switch (const TKvKind Leading = FKinds[static_cast<std::size_t>(Column)]) {
+    case TKvKind::Boolean:
+      if (Value.Kind() == TKvKind::Int64 && (Value.AsInteger() == 0 || Value.AsInteger() == 1))
+        Value.SetBoolean(Value.AsInteger() == 1);
       break;
-    }
-    case SQLITE_FLOAT: {
-      const double Real = sqlite3_value_double(Cell);
-      if (Leading == TKvKind::Currency) {
-        if (const std::optional<TCurrency> Amount = RealToCurrency(Real)) {
-          Value.SetCurrency(*Amount);
-          break;
-        }
-      }
-      Value.SetReal(Real);
+    case TKvKind::Currency:
+      if (Value.Kind() == TKvKind::Double)
+        if (const std::optional<TCurrency> Amount = RealToCurrency(Value.AsReal())) Value.SetCurrency(*Amount);
       break;
-    }
-    case SQLITE_TEXT:
-      ReadText(Cell, Leading, Value);
-      break;
-    case SQLITE_BLOB: {
-      const void* Bytes = sqlite3_value_blob(Cell);
-      const int Size = sqlite3_value_bytes(Cell);
-      if (!Bytes && Size > 0) throw EDatabaseError("Can not read a value: out of memory");
-      Value.BorrowText({static_cast<const char*>(Bytes), static_cast<std::size_t>(Size)}, TKvKind::Bytes);
-      break;
-    }
-    default:
-      Value.SetNull();
-      break;
-  }
-}
-
-void TSQLiteCursor::ReadText(sqlite3_value* Cell, TKvKind Leading, TKvVariant& Value) {
-  // Asked for as bytes the engine lends its page; as text it would copy to add a final zero.
-  const void* Bytes = FWide ? static_cast<const void*>(sqlite3_value_text(Cell)) : sqlite3_value_blob(Cell);
-  const int Size = sqlite3_value_bytes(Cell);
-  if (!Bytes && Size > 0) throw EDatabaseError("Can not read a value: out of memory");
-  const std::string_view Text(static_cast<const char*>(Bytes), static_cast<std::size_t>(Size));
-  switch (Leading) {
     case TKvKind::SysDate:
     case TKvKind::SysTime:
     case TKvKind::DateTime:
-      if (SetDateKind(Text, Leading, FScratch, Value)) return;
+      if (Value.Kind() == TKvKind::String) SetDateKind(Value.AsText(), Leading, FScratch, Value);
       break;
     default:
       break;
   }
-  Value.BorrowText(Text);
 }
 
 }  // namespace velkrund

@@ -11,19 +11,21 @@ struct sqlite3_value;
 
 namespace velkrund {
 
+/// Reads a cell by its own storage class. Texts and bytes are borrowed from the engine. Wide: the database's encoding
+/// is UTF-16, so that texts have to be converted before they can be lent.
+void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value);
+
 /// The declared type of a column leads: a cell takes that kind when converting it back gives the stored bytes.
 /// Otherwise it keeps the kind of its own storage class.
 class TSQLiteCursor final : public TCursor {
  public:
-  /// Wide: the database's encoding is UTF-16, so that texts have to be converted before they can be lent.
+  /// Wide: as for ReadSQLiteCell.
   TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, bool Wide);
 
   bool Next() override { return FStatement.Step(); }
   void Read(int Column, TKvVariant& Value) override;
 
  private:
-  void ReadText(sqlite3_value* Cell, TKvKind Leading, TKvVariant& Value);
-
   TSQLiteStatement FStatement;
   std::vector<TKvKind> FKinds;  // declared, of the asked-for columns
   std::string FScratch;

@@ -97,6 +97,17 @@ std::optional<std::int64_t> TSQLiteConnection::TableBytes(const TTableInfo& Tabl
   return Bytes.Integer(0);
 }
 
+bool TSQLiteConnection::HasCatalogueTable(const std::string& Name) {
+  TSQLiteStatement Found(FDatabase.get(), "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1",
+                         Format("Can not look for table '%s'", Name));
+  return Found.BindText(1, Name).Step();
+}
+
+std::string TSQLiteConnection::ColumnType(TKvKind Kind) const {
+  if (Kind == TKvKind::Bytes) return "BLOB";
+  return Kind == TKvKind::String ? "TEXT" : "INTEGER";
+}
+
 std::unique_ptr<TBulkAppender> TSQLiteConnection::OpenAppender(const TTableDescription& Table,
                                                                std::span<const int> Columns,
                                                                const TAppendOptions& Options) {

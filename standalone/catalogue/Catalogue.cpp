@@ -1,0 +1,68 @@
+#include "standalone/catalogue/Catalogue.h"
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+/// Grows with every change of a catalogue table that older programs would misread.
+constexpr std::int64_t CurrentVersion = 1;
+
+const TCatalogueTable& VersionTable() {
+  static const TCatalogueTable Table{"velkrund_catalogue", {{"version", TKvKind::Int64, false}}, "version"};
+  return Table;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> TCatalogue::Version() {
+  if (!FConnection.HasCatalogueTable(VersionTable().Name)) return std::nullopt;
+  const auto Rows = FConnection.Query(Format("SELECT version FROM %s", VersionTable().Name));
+  if (!Rows->Next()) return std::nullopt;
+  TKvVariant Version;
+  Rows->Read(0, Version);
+  return Version.AsInteger();
+}
+
+void TCatalogue::CheckVersion() {
+  const std::optional<std::int64_t> Found = Version();
+  if (!Found) throw EDatabaseError(Format("The table %s of the database has lost its row", VersionTable().Name));
+  if (*Found != CurrentVersion)
+    throw EDatabaseError(
+        Format("The tables velkrund_... of the database have the layout %d, which another version of this program has "
+               "made; this one knows the layout %d alone",
+               *Found, CurrentVersion));
+}
+
+bool TCatalogue::Has(const TCatalogueTable& Table) {
+  if (!FConnection.HasCatalogueTable(Table.Name)) return false;
+  CheckVersion();
+  return true;
+}
+
+void TCatalogue::Make(const TCatalogueTable& Table) {
+  if (Has(Table)) return;
+  if (FConnection.HasCatalogueTable(VersionTable().Name)) {
+    CheckVersion();
+  } else {
+    Create(VersionTable());
+    TKvVariant Version;
+    Version.SetInteger(CurrentVersion);
+    FConnection.Execute(
+        Format("INSERT INTO %s (version) VALUES (%s)", VersionTable().Name, FConnection.ParameterMark(1)),
+        {&Version, 1});
+  }
+  Create(Table);
+}
+
+void TCatalogue::Create(const TCatalogueTable& Table) {
+  std::string Statement = Format("CREATE TABLE %s (", Table.Name);
+  for (const TCatalogueTable::TColumn& Column : Table.Columns)
+    Statement +=
+        Format("%s %s%s, ", Column.Name, FConnection.ColumnType(Column.Kind), Column.Nullable ? "" : " NOT NULL");
+  FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
+}
+
+}  // namespace velkrund

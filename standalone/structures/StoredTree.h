@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "velkrund/platform/structures/DSPNode.h"
+
+namespace velkrund {
+
+/// Appends a tree as the bytes in which databases keep it:
+///
+///     "VKTR"      4 bytes
+///     version     1 byte: 1
+///     node        the root, and behind each node its children, one after the other, each followed by its own
+///     checksum    CRC-32 of all before, 4 bytes, the lowest first
+///
+/// A node is its name, its type (1 byte), its value and the number of its children. Numbers are unsigned, seven bits a
+/// byte from the lowest on, the eighth bit set in all but the last; signed ones alternate (0, -1, 1, -2 ...). A text is
+/// its length in bytes and its bytes. A value of type Variant begins with its kind (1 byte); truth values are 1 byte,
+/// floating numbers 8 bytes, the lowest first; all other kinds are signed numbers or texts. None and Deleted have no
+/// value.
+void AppendStoredTree(std::string& Out, const TDSPNode& Root);
+
+/// Reads such bytes into Root, in place of what it holds. Raises EDSPError that says why they are none; Root is then as
+/// it was.
+void ReadStoredTree(std::string_view Bytes, TDSPNode& Root);
+
+}  // namespace velkrund

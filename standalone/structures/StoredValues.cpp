@@ -1,0 +1,158 @@
+#include "standalone/structures/StoredValues.h"
+
+#include <bit>
+#include <limits>
+
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPErrors.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr unsigned DigitBits = 7;
+constexpr unsigned MoreDigits = 0x80;
+constexpr unsigned NumberBits = 64;
+
+/// Small numbers of either sign become small ones without.
+std::uint64_t Unsigned(std::int64_t Number) {
+  return (static_cast<std::uint64_t>(Number) << 1U) ^ static_cast<std::uint64_t>(Number >> 63);
+}
+std::int64_t Signed(std::uint64_t Number) { return static_cast<std::int64_t>((Number >> 1U) ^ (0 - (Number & 1U))); }
+
+template <typename T>
+bool Holds(std::int64_t Number) {
+  return Number >= std::numeric_limits<T>::min() && Number <= std::numeric_limits<T>::max();
+}
+
+bool HoldsNumber(TKvKind Kind, std::int64_t Number) {
+  switch (Kind) {
+    case TKvKind::Byte:
+      return Holds<std::uint8_t>(Number);
+    case TKvKind::SmallInt:
+      return Holds<std::int16_t>(Number);
+    case TKvKind::Word:
+      return Holds<std::uint16_t>(Number);
+    case TKvKind::Integer:
+      return Holds<std::int32_t>(Number);
+    case TKvKind::LongWord:
+      return Holds<std::uint32_t>(Number);
+    case TKvKind::SysDate:
+    case TKvKind::DateTime:
+      return Number >= MinDateTime.Microseconds && Number <= MaxDateTime.Microseconds;
+    case TKvKind::SysTime:
+      return Number >= 0 && Number < MicrosecondsPerDay;
+    default:
+      return true;
+  }
+}
+
+bool SetNumber(TKvKind Kind, std::int64_t Number, TKvVariant& Value) {
+  switch (Kind) {
+    case TKvKind::UInt64:
+      Value.SetUnsigned(static_cast<std::uint64_t>(Number));
+      return true;
+    case TKvKind::Currency:
+      Value.SetCurrency({Number});
+      return true;
+    case TKvKind::DateTime:
+      Value.SetDateTime({Number});
+      return true;
+    case TKvKind::SysDate:
+      Value.SetSysDate({Number});
+      return true;
+    case TKvKind::SysTime:
+      Value.SetSysTime(Number);
+      return true;
+    default:
+      Value.SetInteger(Number, Kind);
+      return IsIntegerKind(Kind);
+  }
+}
+
+}  // namespace
+
+void AppendStoredNumber(std::string& Out, std::uint64_t Number) {
+  for (; Number >= MoreDigits; Number >>= DigitBits) Out += static_cast<char>((Number & (MoreDigits - 1)) | MoreDigits);
+  Out += static_cast<char>(Number);
+}
+
+void AppendStoredText(std::string& Out, std::string_view Text) {
+  AppendStoredNumber(Out, Text.size());
+  Out += Text;
+}
+
+void AppendStoredFixed(std::string& Out, std::uint64_t Number, std::size_t Size) {
+  for (; Size > 0; --Size, Number >>= 8U) Out += static_cast<char>(Number & 0xFFU);
+}
+
+void AppendStoredValue(std::string& Out, const TKvVariant& Value) {
+  switch (const TKvKind Kind = Value.Kind()) {
+    case TKvKind::Null:
+      break;
+    case TKvKind::Boolean:
+    case TKvKind::WordBool:
+      Out += Value.AsBoolean() ? '\1' : '\0';
+      break;
+    case TKvKind::Double:
+    case TKvKind::Extended:
+      AppendStoredFixed(Out, std::bit_cast<std::uint64_t>(Value.AsReal()), sizeof(double));
+      break;
+    default:
+      if (HasBytes(Kind))
+        AppendStoredText(Out, Value.AsText());
+      else
+        AppendStoredNumber(Out, Unsigned(Value.AsInteger()));
+  }
+}
+
+std::string_view TStoredBytes::Take(std::uint64_t Size) {
+  if (Size > FRest.size()) throw EDSPError("it is cut off");
+  const std::string_view Result = FRest.substr(0, static_cast<std::size_t>(Size));
+  FRest.remove_prefix(Result.size());
+  return Result;
+}
+
+std::uint64_t TStoredBytes::Number() {
+  std::uint64_t Result = 0;
+  for (unsigned Shift = 0;; Shift += DigitBits) {
+    const std::uint64_t Digit = Byte();
+    const std::uint64_t Bits = Digit & (MoreDigits - 1);
+    if (Shift >= NumberBits || (Bits << Shift) >> Shift != Bits) throw EDSPError("a number in it is too large");
+    Result |= Bits << Shift;
+    if (Digit == Bits) return Result;
+  }
+}
+
+std::string_view TStoredBytes::Text() { return Take(Number()); }
+
+std::uint64_t TStoredBytes::Fixed(std::size_t Size) {
+  std::uint64_t Result = 0;
+  unsigned Shift = 0;
+  for (const char Byte : Take(Size)) {
+    Result |= static_cast<std::uint64_t>(static_cast<unsigned char>(Byte)) << Shift;
+    Shift += 8;
+  }
+  return Result;
+}
+
+void ReadStoredValue(TStoredBytes& Bytes, TKvKind Kind, TKvVariant& Value) {
+  if (HasBytes(Kind)) return Value.SetText(Bytes.Text(), Kind);
+  switch (Kind) {
+    case TKvKind::Null:
+      return Value.SetNull();
+    case TKvKind::Boolean:
+    case TKvKind::WordBool:
+      return Value.SetBoolean(Bytes.Byte() != 0, Kind);
+    case TKvKind::Double:
+    case TKvKind::Extended:
+      return Value.SetReal(std::bit_cast<double>(Bytes.Fixed(sizeof(double))), Kind);
+    default:
+      break;
+  }
+  const std::int64_t Number = Signed(Bytes.Number());
+  if (!SetNumber(Kind, Number, Value)) throw EDSPError(Format("unknown value kind %d", static_cast<int>(Kind)));
+  if (!HoldsNumber(Kind, Number)) throw EDSPError(Format("a value of kind %d is out of range", static_cast<int>(Kind)));
+}
+
+}  // namespace velkrund

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "standalone/catalogue/Catalogue.h"
+#include "velkrund/platform/structures/DSPContainer.h"
+
+namespace velkrund {
+
+/// The structures of one database, in the catalogue table velkrund_structures: a row each with type, name, properties
+/// and the bytes of the tree. Nothing is made in a database that is only read. What writes runs in a transaction, in
+/// the caller's where there is one.
+class TStructureTable final : public TDSPTable {
+ public:
+  /// The database's connection, asked for with every call, since it may be closed and made again.
+  using TConnect = std::function<TConnection&()>;
+
+  TStructureTable(std::string DatabaseName, TConnect Connect)
+      : FDatabaseName(std::move(DatabaseName)), FConnect(std::move(Connect)) {}
+
+  bool DSPStructureExist(const std::string& ObjectName, int ObjectType) override;
+  std::optional<TDSPListItem> GetStructureProperties(const std::string& ObjectName, int ObjectType) override;
+  void ChangeStructureProperties(const TDSPListItem& Item) override;
+  TDSPList List() override;
+  bool DeleteStructure(const std::string& ObjectName, int ObjectType) override;
+
+  /// The bytes of the tree; nothing when there is no such structure, or none has been stored for it.
+  std::optional<std::string> ReadTree(const std::string& ObjectName, int ObjectType);
+  /// Stores them; a structure that does not exist is made, with empty properties.
+  void WriteTree(const std::string& ObjectName, int ObjectType, std::string_view Bytes);
+
+ private:
+  struct TSetting;
+
+  std::unique_ptr<TCursor> Select(const char* Columns, const std::string& ObjectName, int ObjectType);
+  void Store(const std::string& ObjectName, int ObjectType, const std::vector<TSetting>& Settings);
+
+  const std::string FDatabaseName;
+  const TConnect FConnect;
+};
+
+}  // namespace velkrund

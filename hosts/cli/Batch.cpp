@@ -30,7 +30,7 @@ void TBatch::Execute(TReportItem& Item, TUtilOperationInterface& Interface, cons
   };
   const TTextLosses Before = FSource.Losses();
   const auto Start = std::chrono::steady_clock::now();
-  FSession.Progress.Begin(Item.Table, Amount.Unit, Amount.Total);
+  FSession.Progress.Begin(Item.Subject(), Amount.Unit, Amount.Total);
   const int Result = Interface.Execute();
   FSession.Progress.End();
   Item.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();

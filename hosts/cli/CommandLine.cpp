@@ -10,6 +10,7 @@
 #include "hosts/cli/ManualPage.h"
 #include "hosts/cli/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
 
@@ -174,6 +175,8 @@ class TParser {
       if (!Option.Choices.empty() &&
           std::find(Option.Choices.begin(), Option.Choices.end(), Value) == Option.Choices.end())
         Refuse(Format("%s takes %s, not '%s'", Option.Name(), Option.Value, Value));
+      if (Option.IsNumber && !StrToInt32(Value))
+        Refuse(Format("%s takes a whole number, not '%s'", Option.Name(), Value));
       if (!Option.IsSwitch() && Value.empty()) Refuse(Format("%s needs a value that is not empty", Option.Name()));
     }
     try {

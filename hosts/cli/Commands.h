@@ -14,8 +14,13 @@ TCommands AllCommands();
 
 // One file each.
 std::unique_ptr<TCommand> MakeExportTable();
+std::unique_ptr<TCommand> MakeExportStructure();
 std::unique_ptr<TCommand> MakeImportTable();
+std::unique_ptr<TCommand> MakeImportStructure();
 std::unique_ptr<TCommand> MakeImportFile();
+std::unique_ptr<TCommand> MakeDictionaryList();
+std::unique_ptr<TCommand> MakeDictionaryShow();
+std::unique_ptr<TCommand> MakeDictionaryDrop();
 std::unique_ptr<TCommand> MakeFileList();
 std::unique_ptr<TCommand> MakeFileCheck();
 std::unique_ptr<TCommand> MakeFileRemove();

@@ -14,7 +14,9 @@ const TCommandTexts DatabaseInfoTexts = {
     "info",
     "shows a database's engine and its tables with rows and sizes",
     "-d DB",
-    "Sizes are bytes on the disk with indexes, where the engine can tell. Passwords are not shown.",
+    "Sizes are bytes on the disk with indexes, where the engine can tell. The catalogue is what this system keeps in "
+    "the "
+    "database itself, such as structures. Passwords are not shown.",
     {{"database info -d sqlite:shop.db", "a table for people"},
      {"database info -d shop --json", "\"shop\" of the configuration, for programs"}}};
 
@@ -38,8 +40,9 @@ std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::vector<std::vector<std::string>> Rows = {{"TABLE", "KIND", "ROWS", "SIZE"}};
   for (const auto& [Table, Count, Bytes] : Info.Tables)
     Rows.push_back({Printable(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
-  return Format("database  %s\nengine    %s %s\naccess    %s\n\n", Name, Info.Engine, Info.EngineVersion,
-                Info.ReadOnly ? "read only" : "read and write") +
+  const std::string Catalogue = Info.CatalogueVersion ? Format("version %d", *Info.CatalogueVersion) : "none";
+  return Format("database   %s\nengine     %s %s\naccess     %s\ncatalogue  %s\n\n", Name, Info.Engine,
+                Info.EngineVersion, Info.ReadOnly ? "read only" : "read and write", Catalogue) +
          (Info.Tables.empty() ? "no tables\n" : ColumnsText(Rows, {false, false, true, true}));
 }
 
@@ -49,6 +52,7 @@ TJson JsonOf(const std::string& Name, const TDatabaseInfo& Info) {
   Result["engine"] = Info.Engine;
   Result["version"] = Info.EngineVersion;
   Result["readOnly"] = Info.ReadOnly;
+  Result["catalogueVersion"] = NumberJson(Info.CatalogueVersion);
   Result["tables"] = TJson::array();
   for (const auto& [Table, Count, Bytes] : Info.Tables) {
     TJson Entry;

@@ -17,13 +17,13 @@ const TCommandTexts ImportFileTexts = {
     "import",
     "file",
     "loads everything that export/import files hold",
-    "-d DB -i FILE... [--replace|--append]",
+    "-d DB -i FILE... [--replace|--append] [--overwrite yes|no]",
     "Of all files together the structures come first, then the rows of tables, each into the table that its section "
     "names. A section is loaded as a whole or not at all. After an error at a section the rest can be gone on with: at "
     "a terminal it is asked, elsewhere --on-error says so; without it the run ends there.\n\n"
-    "A table that has rows already needs --replace or --append. At a terminal it is asked about, elsewhere it is an "
-    "error, before anything is changed.",
-    {{"import file -d sqlite:shop.db -i shop.eif --replace", "everything of one file"},
+    "A table that has rows already needs --replace or --append, a structure that is there already --overwrite. At a "
+    "terminal they are asked about, elsewhere it is an error, before anything is changed.",
+    {{"import file -d sqlite:shop.db -i shop.eif --replace --overwrite yes", "everything of one file"},
      {"import file -d shop -i forms.eif -i data.eif --append --on-error continue",
       "two files; what is faulty is named in the report and left out"}}};
 
@@ -39,6 +39,7 @@ class TImportFile final : public TCommand {
  private:
   std::vector<std::string> FInputs;
   TTableOptions FTables;
+  TOverwrite FOverwrite = TOverwrite::Ask;
 };
 
 std::vector<TOptionGroup> TImportFile::Options() {
@@ -46,6 +47,7 @@ std::vector<TOptionGroup> TImportFile::Options() {
       Shared.DatabaseOption(),
       Required(List("-i,--input", "FILE", "a file to load, in this order; - is standard input", FInputs))};
   for (TOption& Option : FTables.Options()) Own.push_back(std::move(Option));
+  Own.push_back(OverwriteStructuresOption(FOverwrite));
   Own.push_back(Shared.AllowLossOption());
   Own.push_back(Shared.OnErrorOption());
   return {{"Options", Own}, Shared.General()};
@@ -67,7 +69,7 @@ int TImportFile::Run(TSession& Session) {
   TReport Report{"import file", "imported", Session.Application.DatabaseText(Session.Database()), Joined(FInputs)};
   TErrorPolicy Errors(Shared.OnError, Session.Answers);
   TInputFiles Inputs(Session, FInputs);
-  TImportPlan Plan(Session, FTables, Errors, Report);
+  TImportPlan Plan(Session, FTables, FOverwrite, Errors, Report);
   Plan.LookAt(Inputs);
   Plan.Settle();
   TUOImportFilesInterface Interface;

@@ -2,6 +2,7 @@
 
 #include "hosts/cli/Sections.h"
 #include "velkrund/dictionary/TableData.h"
+#include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -25,8 +26,10 @@ void TImportPlan::Add(const TEIFile& File, const TEISection& Section) {
   TStep Step{IsTableData(Section), Section.DataSize, FReport.Items.size()};
   FReport.Items.push_back(
       {Section.Name(), Step.IsTable ? TableOf(Section) : std::string(), FSeveral ? File.FileName() : std::string()});
+  TReportItem& Item = FReport.Items.back();
+  if (Section.ObjectClass.Role() == TSectionRole::Structure) Item.Structure = StructureOf(Section);
+  if (Item.Structure) FStructures.Add(*Item.Structure);
   if (Step.IsTable) {
-    TReportItem& Item = FReport.Items.back();
     if (const auto Table = FSession.Manager().GetUserTable(Item.Table, FSession.Database(), true)) {
       Item.Table = Table->TableName();
       Step.Target = FTargets.Add(*Table);
@@ -37,6 +40,8 @@ void TImportPlan::Add(const TEIFile& File, const TEISection& Section) {
 
 void TImportPlan::Settle() {
   FTargets.Settle(FSession);
+  if (FOverwriteAsk.FAlwaysAsk)
+    FStructures.RefuseUnanswered(FSession, "--overwrite yes to replace them, or --overwrite no to leave them out");
   for (const auto& [Place, Step] : FSteps) {
     if (!Step.Target || !FTargets[*Step.Target].LeaveOut) continue;
     FReport.Items[Step.Item].State = TItemState::LeftOut;
@@ -68,11 +73,16 @@ bool TImportPlan::BeginSection(const TEIFile& File, const TEISection& Section, T
   if (Item.State == TItemState::LeftOut) return false;
   if (FSeveral && Step.IsTable && !FTablesBegun) FSession.Progress.Begin(FReport.File, "bytes", Bytes(true));
   FTablesBegun = FTablesBegun || Step.IsTable;
-  FSession.Progress.SetName(Item.Table.empty() ? Item.Section : Item.Table);
+  FSession.Progress.SetName(Item.Subject());
   if (auto* Data = dynamic_cast<TEICommonTableData*>(&Object)) {
     Data->SkipMissingFields = FTables.SkipMissing;
     Data->Append = Step.Target ? FTargets.Appends(*Step.Target) : FTables.Append;
     if (Step.Target) Data->TableName = FTargets[*Step.Target].Table;
+  }
+  if (auto* Structure = dynamic_cast<TEIDSPStructureCommon*>(&Object)) {
+    Structure->SetOverwriteAsk(FOverwriteAsk);
+    // What an answer made of it for another structure is not for this one.
+    Structure->ClearRoot = true;
   }
   FStart = TClock::now();
   FLossesBefore = File.Losses();
@@ -91,6 +101,9 @@ void TImportPlan::EndSection(const TEIFile& File, const TEISection& Section, con
   if (Error) return Fail(Item, *Error);
   Item.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
   if (Item.State == TItemState::Done && Step.Target) FTargets.SetLoaded(*Step.Target);
+  if (Item.State != TItemState::Done || !Item.Structure || !FOverwriteAsk.FLeftAlone) return;
+  Item.State = TItemState::LeftOut;
+  Item.Note = StructureKept;
 }
 
 void TImportPlan::FileFailed(const std::string& FileName, const std::exception& Error) {

@@ -9,6 +9,7 @@
 #include "hosts/cli/InputFiles.h"
 #include "hosts/cli/Report.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/StructureAnswers.h"
 #include "hosts/cli/TableTargets.h"
 #include "hosts/common/ErrorPolicy.h"
 #include "velkrund/operations/ImportFile.h"
@@ -18,13 +19,16 @@ namespace velkrund {
 /// What a run is to do with every section, and what became of it.
 class TImportPlan final : public TImportFileObserver {
  public:
-  /// All borrowed.
-  TImportPlan(const TSession& Session, const TTableOptions& Tables, TErrorPolicy& Errors, TReport& Report)
-      : FSession(Session), FTables(Tables), FTargets(Tables), FErrors(Errors), FReport(Report) {}
+  /// All borrowed. Overwrite: what becomes of structures that exist.
+  TImportPlan(const TSession& Session, const TTableOptions& Tables, TOverwrite Overwrite, TErrorPolicy& Errors,
+              TReport& Report)
+      : FSession(Session), FTables(Tables), FTargets(Tables), FErrors(Errors), FReport(Report) {
+    AnswerByOption(FOverwriteAsk, Overwrite);
+  }
 
   /// Looks at the files; what can not be read shows when it is imported.
   void LookAt(const TInputFiles& Inputs);
-  /// Decides about rows that are there, before anything is changed.
+  /// Decides about rows that are there, before anything is changed, and whether the operation can ask about structures.
   void Settle();
   /// Begins to show progress.
   void Begin();
@@ -51,6 +55,8 @@ class TImportPlan final : public TImportFileObserver {
   const TSession& FSession;
   const TTableOptions& FTables;
   TTableTargets FTargets;
+  TStructureTargets FStructures;
+  TDSPOverwriteAsk FOverwriteAsk;  // shared by all structures
   TErrorPolicy& FErrors;
   TReport& FReport;
   std::map<std::pair<std::string, std::int64_t>, TStep> FSteps;  // by file and position of the section

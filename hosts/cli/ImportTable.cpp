@@ -77,20 +77,8 @@ TApplicationOptions TImportTable::ApplicationOptions() const {
 /// The sections to load. What else the file holds is named in the report.
 std::vector<int> TImportTable::Chosen(TInputFile& Input, TReport& Report) const {
   const TEISectionList& Sections = Input.File().Sections();
-  std::vector<int> Result;
-  for (const std::string& Text : FSections) {
-    const int Index = TheSection(Sections, Text, Input.Name());
-    if (!IsTableData(Sections[Index]))
-      throw EEIError(Format("In '%s' %s holds no table data", Input.Name(), SectionText(Sections, Index)));
-    if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
-  }
-  for (int Index = 0; FSections.empty() && Index < Sections.Count(); ++Index) {
-    if (IsTableData(Sections[Index]))
-      Result.push_back(Index);
-    else
-      Report.Notes.push_back("left out, being no table data: " + SectionText(Sections, Index));
-  }
-  if (Result.empty()) throw EEIError(Format("'%s' holds no table data section", Input.Name()));
+  const TSectionChoice Choice{TSectionRole::TableData, "table data", FSections, Input.Name()};
+  std::vector<int> Result = ChosenSections(Sections, Choice, Report.Notes);
   if (Result.size() > 1 && !FTable.empty())
     throw EUsage(
         Format("--table names one table, but %d sections are to be loaded: choose one with --section", Result.size()));

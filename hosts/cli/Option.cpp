@@ -1,5 +1,6 @@
 #include "hosts/cli/Option.h"
 
+#include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
@@ -16,6 +17,13 @@ TOption Switch(std::string Names, std::string Help, bool& Target) {
 TOption Text(std::string Names, std::string Value, std::string Help, std::string& Target) {
   return {std::move(Names), std::move(Value), std::move(Help),
           [&Target](const std::vector<std::string>& Values) { Target = Values.back(); }};
+}
+
+TOption Number(std::string Names, std::string Value, std::string Help, std::optional<std::int32_t>& Target) {
+  TOption Result{std::move(Names), std::move(Value), std::move(Help),
+                 [&Target](const std::vector<std::string>& Values) { Target = StrToInt32(Values.back()); }};
+  Result.IsNumber = true;
+  return Result;
 }
 
 TOption List(std::string Names, std::string Value, std::string Help, std::vector<std::string>& Target) {

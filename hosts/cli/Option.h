@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +18,7 @@ struct TOption {
   std::vector<std::string> Choices = {};                            // the only values; empty: any
   bool Repeatable = false;
   bool Required = false;
+  bool IsNumber = false;                  // only whole numbers of 32 bits
   std::vector<std::string> NotWith = {};  // names of options that contradict this one
 
   /// The name to use in messages: the long one where there is one.
@@ -33,6 +36,8 @@ struct TOptionGroup {
 
 TOption Switch(std::string Names, std::string Help, bool& Target);
 TOption Text(std::string Names, std::string Value, std::string Help, std::string& Target);
+/// A whole number.
+TOption Number(std::string Names, std::string Value, std::string Help, std::optional<std::int32_t>& Target);
 /// May be given several times.
 TOption List(std::string Names, std::string Value, std::string Help, std::vector<std::string>& Target);
 /// May be given several times, and each time with several names between commas.

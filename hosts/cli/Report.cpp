@@ -29,12 +29,18 @@ const char* StateText(TItemState State) {
 std::string ItemText(const TReportItem& Item) {
   if (Item.Section.empty()) return "file '" + Item.File + "'";
   std::string Result = Item.Table.empty() ? "" : "table " + Item.Table + ", ";
+  if (Item.Structure) Result = "structure " + StructureText(*Item.Structure) + ", ";
   Result += "section '" + Item.Section + "'";
   return Item.File.empty() ? Result : Result + " of '" + Item.File + "'";
 }
 
-std::string AmountText(std::int64_t Rows, std::int64_t Bytes, double Seconds) {
-  return Format("%s, %s, %s", Counted(Rows, "row"), ByteText(static_cast<double>(Bytes)), DurationText(Seconds));
+std::string AmountText(const std::optional<std::int64_t>& Rows, std::int64_t Bytes, double Seconds) {
+  return Format("%s%s, %s", Rows ? Counted(*Rows, "row") + ", " : "", ByteText(static_cast<double>(Bytes)),
+                DurationText(Seconds));
+}
+
+std::optional<std::int64_t> RowsOf(const TReportItem& Item) {
+  return Item.Table.empty() ? std::nullopt : std::optional(Item.Counts.RowCount);
 }
 
 /// What a person has to know about a section that is otherwise done.
@@ -56,21 +62,27 @@ TJson ItemJson(const TReportItem& Item) {
   if (!Item.File.empty()) Result["file"] = Item.File;
   Result["section"] = Item.Section;
   if (!Item.Table.empty()) Result["table"] = Item.Table;
+  if (Item.Structure) {
+    Result["structure"] = Item.Structure->Name;
+    Result["objectType"] = Item.Structure->Type;
+  }
   Result["state"] = StateText(Item.State);
   if (!Item.Note.empty()) Result[Item.State == TItemState::Failed ? "error" : "note"] = Item.Note;
   if (Item.State != TItemState::Done) return Result;
-  Result["rows"] = Item.Counts.RowCount;
+  const std::optional<std::int64_t> Rows = RowsOf(Item);
+  if (Rows) Result["rows"] = *Rows;
   Result["bytes"] = Item.Bytes;
   Result["seconds"] = Item.Seconds;
-  Result["nullsMade"] = Item.Counts.NullsMade;
+  if (Rows) Result["nullsMade"] = Item.Counts.NullsMade;
   Result["charactersLost"] = Item.Losses.Unrepresentable;
   Result["malformedCharacters"] = Item.Losses.Malformed;
-  Result["skippedFields"] = Item.Counts.SkippedFields;
+  if (Rows) Result["skippedFields"] = Item.Counts.SkippedFields;
   return Result;
 }
 
 struct TTotals {
-  std::int64_t Sections = 0, Rows = 0, Bytes = 0;
+  std::int64_t Sections = 0, Bytes = 0;
+  std::optional<std::int64_t> Rows;  // nothing without a table
   double Seconds = 0;
 };
 
@@ -79,7 +91,7 @@ TTotals Totals(const std::vector<TReportItem>& Items) {
   for (const TReportItem& Item : Items) {
     if (Item.State != TItemState::Done) continue;
     ++Result.Sections;
-    Result.Rows += Item.Counts.RowCount;
+    if (const auto Rows = RowsOf(Item)) Result.Rows = Result.Rows.value_or(0) + *Rows;
     Result.Bytes += Item.Bytes;
     Result.Seconds += Item.Seconds;
   }
@@ -102,7 +114,7 @@ std::string TReport::Text() const {
   for (const TReportItem& Item : Items) {
     const bool IsDone = Item.State == TItemState::Done;
     Result += Format("%s %s", IsDone ? Done : StateText(Item.State), ItemText(Item));
-    if (IsDone) Result += ": " + AmountText(Item.Counts.RowCount, Item.Bytes, Item.Seconds);
+    if (IsDone) Result += ": " + AmountText(RowsOf(Item), Item.Bytes, Item.Seconds);
     if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
     Result += "\n";
     if (IsDone)
@@ -127,7 +139,7 @@ TJson TReport::Json() const {
   for (const TReportItem& Item : Items) Result["sections"].push_back(ItemJson(Item));
   Result["notes"] = Notes;
   if (!Error.empty()) Result["error"] = Error;
-  Result["rows"] = All.Rows;
+  Result["rows"] = All.Rows.value_or(0);
   Result["bytes"] = All.Bytes;
   Result["seconds"] = All.Seconds;
   return Result;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "hosts/cli/Json.h"
+#include "hosts/cli/Structures.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 
@@ -21,7 +23,7 @@ enum class TItemState {
 /// What became of one section.
 struct TReportItem {
   std::string Section = {};  // empty: the file as a whole
-  std::string Table = {};    // empty: the section is for something else
+  std::string Table = {};    // empty: the section is for something else; only tables have rows
   std::string File = {};     // empty: the run's only one
   TItemState State = TItemState::NotReached;
   std::string Note = {};   // why it was left out, or the error
@@ -29,6 +31,10 @@ struct TReportItem {
   double Seconds = 0;
   TTableDataReport Counts = {};
   TTextLosses Losses = {};
+  std::optional<TStructureId> Structure = {};
+
+  /// What progress is about.
+  const std::string& Subject() const { return Table.empty() ? Section : Table; }
 };
 
 /// The end report of a run over sections: lines for people, a document for programs, and the exit code.

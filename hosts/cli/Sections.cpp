@@ -12,16 +12,12 @@ namespace velkrund {
 
 namespace {
 
-constexpr int ShownInMessages = 20;
-
 /// What a file holds, for messages.
 std::string ContentText(const TEISectionList& Sections) {
   if (Sections.Count() == 0) return "it holds no section";
   std::vector<std::string> Texts;
-  for (int Index = 0; Index < std::min(Sections.Count(), ShownInMessages); ++Index)
-    Texts.push_back(SectionText(Sections, Index));
-  const int More = Sections.Count() - ShownInMessages;
-  return "it holds " + Joined(Texts) + (More > 0 ? Format(" and %d more", More) : "");
+  for (int Index = 0; Index < Sections.Count(); ++Index) Texts.push_back(SectionText(Sections, Index));
+  return "it holds " + JoinedInShort(std::move(Texts));
 }
 
 }  // namespace
@@ -53,6 +49,26 @@ int TheSection(const TEISectionList& Sections, const std::string& Text, const st
   std::vector<std::string> Texts;
   for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
   throw EEIError(Format("'%s' has several sections of that name, choose by index: %s", FileName, Joined(Texts)));
+}
+
+std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
+                                std::vector<std::string>& LeftOut) {
+  const auto Fits = [&](int Index) { return Sections[Index].ObjectClass.Role() == Choice.Role; };
+  std::vector<int> Result;
+  for (const std::string& Text : Choice.Texts) {
+    const int Index = TheSection(Sections, Text, Choice.FileName);
+    if (!Fits(Index))
+      throw EEIError(Format("In '%s' %s holds no %s", Choice.FileName, SectionText(Sections, Index), Choice.Content));
+    if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
+  }
+  for (int Index = 0; Choice.Texts.empty() && Index < Sections.Count(); ++Index) {
+    if (Fits(Index))
+      Result.push_back(Index);
+    else
+      LeftOut.push_back(Format("left out, being no %s: %s", Choice.Content, SectionText(Sections, Index)));
+  }
+  if (Result.empty()) throw EEIError(Format("'%s' holds no %s section", Choice.FileName, Choice.Content));
+  return Result;
 }
 
 std::string TableOf(const TEISection& Section) {

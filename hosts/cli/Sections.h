@@ -18,6 +18,18 @@ std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string
 /// what the file holds, when there is none, or more than one of that name.
 int TheSection(const TEISectionList& Sections, const std::string& Text, const std::string& FileName);
 
+/// Sections of one role, to be chosen from a file.
+struct TSectionChoice {
+  TSectionRole Role;
+  std::string Content;             // what they hold, for messages: "table data"
+  std::vector<std::string> Texts;  // as TheSection takes them; none: all sections of the role
+  std::string FileName;
+};
+/// The indexes of the sections, each once. LeftOut: gets a line for every other section when all were chosen. Raises
+/// EEIError when there is none, or one that was named has another role.
+std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
+                                std::vector<std::string>& LeftOut);
+
 /// The table that a table data section names; empty when it names none.
 std::string TableOf(const TEISection& Section);
 /// The field names of a table data section, in its order; nothing when its body does not begin with them.

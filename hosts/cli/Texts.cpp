@@ -13,6 +13,8 @@ namespace velkrund {
 
 namespace {
 
+constexpr std::size_t NamedInMessages = 20;
+
 std::string Decimals(double Value, int Digits) {
   std::array<char, 64> Buffer;
   const int Length = std::snprintf(Buffer.data(), Buffer.size(), "%.*f", Digits, Value);
@@ -87,6 +89,12 @@ std::string Joined(const std::vector<std::string>& Items) {
   std::string Result;
   for (const std::string& Item : Items) Result += (Result.empty() ? "" : ", ") + Item;
   return Result;
+}
+
+std::string JoinedInShort(std::vector<std::string> Items) {
+  const std::size_t More = Items.size() - std::min(Items.size(), NamedInMessages);
+  Items.resize(Items.size() - More);
+  return Joined(Items) + (More > 0 ? Format(" and %d more", More) : "");
 }
 
 std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned) {

@@ -24,6 +24,8 @@ std::string DurationText(double Seconds);
 std::string Wrapped(std::string_view Text, int Indent, int Width);
 /// The items with ", " between them.
 std::string Joined(const std::vector<std::string>& Items);
+/// The same for messages, which name the first 20 and say how many more there are.
+std::string JoinedInShort(std::vector<std::string> Items);
 
 /// Columns of texts, padded so that they stand under each other. RightAligned: per column.
 std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned);

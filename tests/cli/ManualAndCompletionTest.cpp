@@ -34,7 +34,7 @@ TEST_F(TManualTest, HasEveryCommandAndEveryOptionThatHelpShows) {
   const std::size_t General = Page.find(".SH GENERAL OPTIONS");
   ASSERT_NE(General, std::string::npos);
   const std::vector<TArguments> Commands = CommandsOf(Run({"--help"}).Output);
-  ASSERT_GE(Commands.size(), 8U);
+  ASSERT_GE(Commands.size(), 13U);
   for (const TArguments& Command : Commands) {
     const std::string Title = ".SS " + Command[0] + " " + Command[1] + "\n";
     const std::size_t Begin = Page.find(Title);
@@ -72,7 +72,7 @@ TEST_F(TCompletionTest, BashOffersWhatMayStandThere) {
       {{"im"}, "import"},
       {{"--ma"}, "--manual"},
       {{"--completion", ""}, "bash|zsh|fish"},
-      {{"export", ""}, "table|--help"},
+      {{"export", ""}, "table|structure|--help"},
       {{"file", "re"}, "remove|repair"},
       {{"nothing", ""}, ""},
       {{"export", "table", "--over"}, "--overwrite"},
@@ -81,6 +81,7 @@ TEST_F(TCompletionTest, BashOffersWhatMayStandThere) {
       {{"export", "table", "--overwrite", "=", "y"}, "yes"},
       {{"export", "table", "--overwrite", "="}, "ask|yes|no"},
       {{"import", "table", "--missing-fields", "e"}, "error"},
+      {{"import", "structure", "--merge", ""}, "skip|replace|difference"},
       {{"export", "table", "-o", "or"}, "orders.eif"},
       {{"import", "table", "--input", "a"}, "a b.eif"},
       {{"export", "table", "-t", "or"}, ""},

@@ -139,21 +139,22 @@ TEST_F(Structure, AnswersToTheQuestion) {
     bool AsksAgain;
     TDSPImportOverwriteOptions Options;
     bool ClearRoot;
+    const char* Next;  // after a second section
   } Cases[] = {
-      {nullptr, true, "  x\n", true, ioSkip, true},
-      {&TDSPConfirmForm::SkipButton, false, "  x\n", true, ioSkip, true},
-      {&TDSPConfirmForm::SkipButton, true, "  x\n", false, ioSkip, true},
-      {&TDSPConfirmForm::RewriteButton, false, "  y\n", true, ioReplace, true},
-      {&TDSPConfirmForm::RewriteButton, true, "  y\n", false, ioReplace, true},
-      {&TDSPConfirmForm::UpdateButton, false, "  x\n  y\n", true, ioDifference, false},
-      {&TDSPConfirmForm::UpdateButton, true, "  x\n  y\n", false, ioDifference, false},
+      {nullptr, true, "  x\n", true, ioSkip, true, "  x\n"},
+      {&TDSPConfirmForm::SkipButton, false, "  x\n", true, ioSkip, true, "  x\n"},
+      {&TDSPConfirmForm::SkipButton, true, "  x\n", false, ioSkip, true, "  x\n"},
+      {&TDSPConfirmForm::RewriteButton, false, "  y\n", true, ioReplace, true, "  z\n"},
+      {&TDSPConfirmForm::RewriteButton, true, "  y\n", false, ioReplace, true, "  z\n"},
+      {&TDSPConfirmForm::UpdateButton, false, "  x\n  y\n", true, ioDifference, false, "  x\n  y\n  z\n"},
+      {&TDSPConfirmForm::UpdateButton, true, "  x\n  y\n", false, ioDifference, false, "  x\n  y\n  z\n"},
   };
   for (const auto& Case : Cases) {
     Store("  x\n");
     Answer.Button = Case.Button;
     Answer.ForAll = Case.ForAll;
     Answer.Questions.clear();
-    TYesNoCancelAsk Shared;
+    TDSPOverwriteAsk Shared;
     Shared.FAlwaysAsk = true;
     const auto Made = Section<TEIDSPStructure>();
     Made->SetOverwriteAsk(Shared);
@@ -162,12 +163,59 @@ TEST_F(Structure, AnswersToTheQuestion) {
     EXPECT_EQ(Lines(), Case.Result);
     EXPECT_EQ(Shared.FYes, Case.Options != ioSkip);
     EXPECT_EQ(Shared.FAlwaysAsk, Case.AsksAgain);
+    EXPECT_EQ(Shared.FLeftAlone, Case.Options == ioSkip);
     EXPECT_EQ(Made->OverwriteOptions, Case.Options);
     EXPECT_EQ(Made->ClearRoot, Case.ClearRoot);
     const auto Next = Section<TEIDSPStructure>();
     Next->SetOverwriteAsk(Shared);
-    Import(*Next, Body("  y\n"));
+    Import(*Next, Body("  z\n"));
     EXPECT_EQ(Answer.Questions.size(), Case.AsksAgain ? 2u : 1u);
+    EXPECT_EQ(Lines(), Case.Next);
+  }
+}
+
+TEST_F(Structure, AnOperationKeepsAnAnswerForAll) {
+  Add(Platform.Structures.Get("F", 12).Tree, "y");
+  TEIFile File(Platform.MemoryFiles);
+  File.SetFileName("f.eif");
+  File.CreateFile();
+  File.Open();
+  TUOExportDSPStructureInterface Out;
+  Out.SetTarget(&File);
+  Out.SetSectionName("s");
+  Out.SetObjectName("F");
+  Out.SetObjectType(12);
+  ASSERT_EQ(Out.Execute(), 1) << Out.LastError();
+  const struct {
+    TLButton TDSPConfirmForm::*Button;
+    bool ForAll;
+    const char* Result;
+    std::size_t Questions;
+  } Cases[] = {
+      {&TDSPConfirmForm::SkipButton, false, "  x\n", 2},        {&TDSPConfirmForm::SkipButton, true, "  x\n", 1},
+      {&TDSPConfirmForm::RewriteButton, false, "  y\n", 2},     {&TDSPConfirmForm::RewriteButton, true, "  y\n", 1},
+      {&TDSPConfirmForm::UpdateButton, false, "  x\n  y\n", 2}, {&TDSPConfirmForm::UpdateButton, true, "  x\n  y\n", 1},
+  };
+  for (const auto& Case : Cases) {
+    Answer.Button = Case.Button;
+    Answer.ForAll = Case.ForAll;
+    Answer.Questions.clear();
+    TUOImportDSPStructureInterface In;
+    const auto& Operation = static_cast<const TUOImportDSPStructure&>(In.Operation());
+    In.SetSource(&File);
+    for (int Run = 0; Run < 2; ++Run) {
+      Store("  x\n");
+      In.SetObjectName("S");
+      ASSERT_EQ(In.Execute(), 1) << In.LastError();
+      EXPECT_EQ(Lines(), Case.Result) << Run;
+      EXPECT_EQ(Operation.LeftAlone(), Case.Button == &TDSPConfirmForm::SkipButton);
+    }
+    EXPECT_EQ(Answer.Questions.size(), Case.Questions);
+    EXPECT_TRUE(Operation.OverwriteAsk.FYes && Operation.OverwriteAsk.FAlwaysAsk) << "what the caller set stays";
+    In.SetObjectName("NEW");
+    ASSERT_EQ(In.Execute(), 1) << In.LastError();
+    EXPECT_FALSE(Operation.LeftAlone());
+    EXPECT_EQ(Platform.Structures.Get("NEW", 12).Tree.GetCount(), 1);
   }
 }
 

@@ -12,6 +12,7 @@
 #include "hosts/common/SectionRepair.h"
 #include "tests/endurance/Faults.h"
 #include "tests/roundtrip/RoundTrip.h"
+#include "tests/support/Sanitizer.h"
 #include "velkrund/dsp/Dsputils.h"
 #include "velkrund/operations/ImportFileInterfaces.h"
 
@@ -224,8 +225,8 @@ class TFaultsTest : public testing::Test {
         const auto Kind = static_cast<TOperation>(Operation);
         const bool IsAny = Kind == TOperation::AnyOfFiles || Kind == TOperation::AnyOfEngine;
         if (IsAny && !Lasting) continue;
-        // There are many allocations, and they are much alike.
-        const bool All = Kind != TOperation::EngineMemory || std::getenv("VELKRUND_EVERY_FAULT");
+        // There are many allocations, and they are much alike; and what follows a fault is much alike for the checker.
+        const bool All = std::getenv("VELKRUND_EVERY_FAULT") || !(Kind == TOperation::EngineMemory || ChecksAddresses);
         for (int Number = 1; !HasFailure() && CheckFault(Job, Kind, Number, Lasting);
              Number += All ? 1 : 1 + Number / 4)
           ++Faults;

@@ -3,11 +3,10 @@
 #include <memory>
 #include <string>
 
-#include "velkrund/dialogs/DSPConfirmForm.h"
+#include "velkrund/dsp/DSPOverwriteAsk.h"
 #include "velkrund/dsp/NodeTexts.h"
 #include "velkrund/eif/EIObject.h"
 #include "velkrund/eif/EIStream.h"
-#include "velkrund/operations/AskObjects.h"
 #include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
@@ -38,15 +37,16 @@ class TEIDSPStructureCommon : public TEIObject {
   void LoadProperties(const TKvParamsList& Properties) override;
   /// Cancelled: EAbort.
   void ExportData(TEIStream& Stream) override;
-  /// Asks first where the structure exists, if OverwriteAsk says so; left alone, that is no failure. In one
-  /// transaction; cancelled or failed, the structure is as it was before. Cancelled: Stopped() is true.
+  /// Asks first where the structure exists, if OverwriteAsk says so; left alone, that is no failure, and the question
+  /// tells it. In one transaction; cancelled or failed, the structure is as it was before. Cancelled: Stopped() is
+  /// true.
   void ImportData(TEIStream& Stream) override;
 
   /// The question whether an existing structure is overwritten. Yes without asking unless the class says otherwise.
-  TYesNoCancelAsk& OverwriteAsk() const { return *FOverwriteAsk; }
+  TDSPOverwriteAsk& OverwriteAsk() const { return *FOverwriteAsk; }
   /// Takes a question that several sections share, so that an answer for all holds for them. Borrowed; it outlives the
   /// section.
-  void SetOverwriteAsk(TYesNoCancelAsk& Ask) { FOverwriteAsk = &Ask; }
+  void SetOverwriteAsk(TDSPOverwriteAsk& Ask) { FOverwriteAsk = &Ask; }
 
   TDSPListItem Item;
   std::string RootNode;                   // full name of the part; empty: the whole tree
@@ -64,6 +64,7 @@ class TEIDSPStructureCommon : public TEIObject {
 
   TOverwriteAnswer AskOverwrite();
   void RecordAnswer(TOverwriteAnswer Answer);
+  void Take(TDSPImportOverwriteOptions Answer);
   bool MayImport();
   std::string Identity() const;
   std::unique_ptr<TDSPFormManager> OpenForm() const;
@@ -74,8 +75,8 @@ class TEIDSPStructureCommon : public TEIObject {
   bool ReadTree(TEIStream& Stream, TDSPNode& Tree);
   void Save(TDSPFormManager& Manager);
 
-  const std::unique_ptr<TYesNoCancelAsk> FOwnAsk = std::make_unique<TYesNoCancelAsk>();
-  TYesNoCancelAsk* FOverwriteAsk = FOwnAsk.get();  // borrowed
+  const std::unique_ptr<TDSPOverwriteAsk> FOwnAsk = std::make_unique<TDSPOverwriteAsk>();
+  TDSPOverwriteAsk* FOverwriteAsk = FOwnAsk.get();  // borrowed
 };
 
 /// Version 200. Asks about every structure that exists.

@@ -40,13 +40,17 @@ void TEIDSPStructureCommon::ReadRemarks(TEIStream& Stream) {
   Item.Remarks = std::move(Remarks);
 }
 
-TEIDSPStructureCommon::TOverwriteAnswer TEIDSPStructureCommon::AskOverwrite() {
-  bool ForAll = false;
-  OverwriteOptions = DSPConfirmation(
-      Format(BaseMng().LString("M_Catalox_DODSPStr_StructureAlreadyExistsConfirm"), Item.ObjectName, Item.ObjectType),
-      ForAll);
+void TEIDSPStructureCommon::Take(TDSPImportOverwriteOptions Answer) {
+  OverwriteOptions = Answer;
   // What is only to be added to has to be there.
   ClearRoot = OverwriteOptions != TDSPImportOverwriteOptions::ioDifference;
+}
+
+TEIDSPStructureCommon::TOverwriteAnswer TEIDSPStructureCommon::AskOverwrite() {
+  bool ForAll = false;
+  Take(DSPConfirmation(
+      Format(BaseMng().LString("M_Catalox_DODSPStr_StructureAlreadyExistsConfirm"), Item.ObjectName, Item.ObjectType),
+      ForAll));
   if (OverwriteOptions == TDSPImportOverwriteOptions::ioSkip)
     return ForAll ? TOverwriteAnswer::NoToAll : TOverwriteAnswer::No;
   return ForAll ? TOverwriteAnswer::YesToAll : TOverwriteAnswer::Yes;
@@ -54,13 +58,20 @@ TEIDSPStructureCommon::TOverwriteAnswer TEIDSPStructureCommon::AskOverwrite() {
 
 void TEIDSPStructureCommon::RecordAnswer(TOverwriteAnswer Answer) {
   FOverwriteAsk->FYes = Answer == TOverwriteAnswer::Yes || Answer == TOverwriteAnswer::YesToAll;
-  if (Answer == TOverwriteAnswer::YesToAll || Answer == TOverwriteAnswer::NoToAll) FOverwriteAsk->FAlwaysAsk = false;
+  if (Answer == TOverwriteAnswer::Yes || Answer == TOverwriteAnswer::No) return;
+  FOverwriteAsk->FAlwaysAsk = false;
+  FOverwriteAsk->FForAll = OverwriteOptions;
 }
 
 bool TEIDSPStructureCommon::MayImport() {
+  FOverwriteAsk->FLeftAlone = false;
   if (!DSPContainer().Table(DatabaseName).DSPStructureExist(Item.ObjectName, Item.ObjectType)) return true;
-  if (FOverwriteAsk->FAlwaysAsk) Synchronize([this] { RecordAnswer(AskOverwrite()); });
-  return FOverwriteAsk->FYes && !FOverwriteAsk->FCancel;
+  if (FOverwriteAsk->FAlwaysAsk)
+    Synchronize([this] { RecordAnswer(AskOverwrite()); });
+  else if (FOverwriteAsk->FForAll)
+    Take(*FOverwriteAsk->FForAll);
+  FOverwriteAsk->FLeftAlone = !FOverwriteAsk->FYes || FOverwriteAsk->FCancel;
+  return !FOverwriteAsk->FLeftAlone;
 }
 
 bool TEIDSPStructureCommon::ReadTree(TEIStream& Stream, TDSPNode& Tree) {

@@ -79,7 +79,10 @@ void TUOImportDSPStructure::InitEIObject(TEIObject& Object) {
   Section.ChangeStructureProperties = ChangeStructureproperties;
   Section.ClearRoot = ClearRoot;
   Section.OverwriteOptions = OverwriteOptions;
-  Section.OverwriteAsk().Assign(OverwriteAsk);
+  // A single answer changes the copy only, an answer for all stays in it.
+  if (!FSectionAsk.FForAll) FSectionAsk.Assign(OverwriteAsk);
+  FSectionAsk.FLeftAlone = false;
+  Section.SetOverwriteAsk(FSectionAsk);
 }
 
 std::unique_ptr<TEIObject> TUOExportDSPStructure::CreateEIObject() {

@@ -7,7 +7,8 @@
 
 namespace velkrund {
 
-/// Loads a structure section into the structures of a database.
+/// Loads a structure section into the structures of a database. An answer for all that a person gives about structures
+/// that exist holds for later runs too.
 class TUOImportDSPStructure : public TImportUtilOperation {
  public:
   TUOImportDSPStructure();
@@ -19,12 +20,18 @@ class TUOImportDSPStructure : public TImportUtilOperation {
   bool ClearRoot = true;                  // what is stored there goes first
   bool ChangeStructureproperties = true;  // table name, parent object and remarks are stored too
   TDSPImportOverwriteOptions OverwriteOptions = TDSPImportOverwriteOptions::ioReplace;
-  TYesNoCancelAsk OverwriteAsk;  // whether a structure that exists is overwritten; asked about unless told otherwise
+  TDSPOverwriteAsk OverwriteAsk;  // whether a structure that exists is overwritten; asked about unless told otherwise
+
+  /// Whether the last run left a structure that exists as it was, because of an answer.
+  bool LeftAlone() const { return FSectionAsk.FLeftAlone; }
 
   static const TUtilOperationDescriptor Descriptor;
 
  protected:
   void InitEIObject(TEIObject& Object) override;
+
+ private:
+  TDSPOverwriteAsk FSectionAsk;  // the copy that sections ask with
 };
 
 /// Saves a structure, or a part of one, as a section: version 200 for rv20, 100 for rv17.

@@ -23,7 +23,7 @@ std::string SelectText(const TTableDescription& Table, std::span<const int> Colu
   return Text;
 }
 
-/// A date or time text takes its kind when it is the system text of what it says.
+/// A date or time text takes its kind when it is the system text of what it says; otherwise Value may be anything.
 bool SetDateKind(std::string_view Text, TKvKind Leading, std::string& Scratch, TKvVariant& Value) {
   constexpr std::size_t DateSize = 10;
   constexpr std::size_t TimeSize = 8;
@@ -102,7 +102,10 @@ void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
     case TKvKind::SysDate:
     case TKvKind::SysTime:
     case TKvKind::DateTime:
-      if (Value.Kind() == TKvKind::String) SetDateKind(Value.AsText(), Leading, FScratch, Value);
+      if (Value.Kind() == TKvKind::String) {
+        const std::string_view Text = Value.AsText();
+        if (!SetDateKind(Text, Leading, FScratch, Value)) Value.BorrowText(Text);
+      }
       break;
     default:
       break;

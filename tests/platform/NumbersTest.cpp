@@ -54,7 +54,8 @@ TEST(Numbers, ReadsReals) {
     EXPECT_EQ(Bits(*Value), Bits(Expected)) << Text;
     EXPECT_EQ(Position, 0u) << Text;
   }
-  EXPECT_TRUE(std::isnan(StrToReal("nAn").value_or(0)));
+  for (const char* Text : {"nAn", "+NAN", "-NAN"})
+    EXPECT_EQ(Bits(StrToReal(Text).value_or(0)), Bits(std::numeric_limits<double>::quiet_NaN())) << Text;
   EXPECT_FALSE(StrToReal(std::string_view("1\0", 2)));
 }
 

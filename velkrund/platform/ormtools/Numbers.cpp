@@ -118,10 +118,10 @@ std::optional<double> ParseUnusualReal(std::string_view Text, std::size_t& Error
     ErrorPosition = Accepted + 1;
     return std::nullopt;
   }
+  // Its text has no sign, so that there is one of it.
+  if (Scanner.Word == 'N') return std::numeric_limits<double>::quiet_NaN();
   double Value = 0;
-  if (Scanner.Word == 'N')
-    Value = std::numeric_limits<double>::quiet_NaN();
-  else if (Scanner.Word == 'I' || (Scanner.Nonzero && Scanner.Magnitude() > 0))
+  if (Scanner.Word == 'I' || (Scanner.Nonzero && Scanner.Magnitude() > 0))
     Value = std::numeric_limits<double>::infinity();
   return Scanner.Negative ? -Value : Value;
 }

@@ -16,9 +16,9 @@ const TCommandTexts ExportTableTexts = {
     "table",
     "saves the rows of tables as sections of an export/import file",
     "-d DB (-t TABLE... | --all) -o FILE",
-    "The sections are added to the file, which is made when it does not exist. A section of the same name that is "
-    "there "
-    "already is asked about, unless --overwrite or --add says what to do.\n\n"
+    "All tables are read as they are at one moment. The sections are added to the file, which is made when it does not "
+    "exist. A section of the same name that is there already is asked about, unless --overwrite or --add says what to "
+    "do.\n\n"
     "A file that is made here and gets no section, because the export fails or is cancelled, is removed again. What "
     "is finished stays.",
     {{"export table -d sqlite:shop.db -t ORDERS -o orders.eif", "one table"},
@@ -69,6 +69,7 @@ std::vector<std::string> TExportTable::AllTables(const TSession& Session, TRepor
   std::vector<std::string> Result, LeftOut;
   for (const TTableInfo& Table : Session.Manager().Tables(Session.Database()))
     (Table.Kind == TTableKind::Table ? Result : LeftOut).push_back(FullName(Table));
+  if (Result.empty()) Report.Notes.emplace_back("there are no tables");
   if (!LeftOut.empty())
     Report.Notes.push_back("left out, being views or tables that the engine does not keep: " + Joined(LeftOut));
   return Result;

@@ -38,6 +38,7 @@ const char* StateText(TItemState State) {
       return "cancelled";
     case TItemState::LeftOut:
     case TItemState::NotReached:
+    case TItemState::TakenBack:
       break;
   }
   return "not reached";

@@ -19,8 +19,9 @@ const TCommandTexts ImportFileTexts = {
     "loads everything that export/import files hold",
     "-d DB -i FILE... [--replace|--append] [--overwrite yes|no]",
     "Of all files together the structures come first, then the rows of tables, each into the table that its section "
-    "names. A section is loaded as a whole or not at all. After an error at a section the rest can be gone on with: at "
-    "a terminal it is asked, elsewhere --on-error says so; without it the run ends there.\n\n"
+    "names. A section is loaded as a whole or not at all; tables that refer to each other may have to be loaded "
+    "together. After an error at a section the rest can be gone on with: at a terminal it is asked, elsewhere "
+    "--on-error says so; without it the run ends there.\n\n"
     "A table that has rows already needs --replace or --append, a structure that is there already --overwrite. At a "
     "terminal they are asked about, elsewhere it is an error, before anything is changed.",
     {{"import file -d sqlite:shop.db -i shop.eif --replace --overwrite yes", "everything of one file"},
@@ -89,8 +90,9 @@ int TImportFile::Run(TSession& Session) {
   const std::string& Error = Interface.LastError();
   if (!Error.empty())
     Report.Error = Error;
-  else if (Result == 0)
+  else if (Result == 0 && !Plan.Stopped())
     Report.Cancelled = "cancelled; what was finished before stays";
+  Plan.End();
   return Finish(Session, Report);
 }
 

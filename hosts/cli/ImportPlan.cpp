@@ -1,5 +1,7 @@
 #include "hosts/cli/ImportPlan.h"
 
+#include <algorithm>
+
 #include "hosts/cli/Sections.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/dsp/DSPStructure.h"
@@ -40,6 +42,7 @@ void TImportPlan::Add(const TEIFile& File, const TEISection& Section) {
 
 void TImportPlan::Settle() {
   FTargets.Settle(FSession);
+  FRelated.emplace(FSession, FTargets);
   if (FOverwriteAsk.FAlwaysAsk)
     FStructures.RefuseUnanswered(FSession, "--overwrite yes to replace them, or --overwrite no to leave them out");
   for (const auto& [Place, Step] : FSteps) {
@@ -67,11 +70,22 @@ const TImportPlan::TStep& TImportPlan::StepOf(const TEIFile& File, const TEISect
   return Found->second;
 }
 
+void TImportPlan::End() { EndRelated(*FRelated, FReport); }
+
+void TImportPlan::Arrange(const TEIFile& File, std::vector<int>& Sections) {
+  const auto Rank = [&](int Index) {
+    const TStep& Step = StepOf(File, File.Sections()[Index]);
+    return Step.Target ? FRelated->Rank(FTargets[*Step.Target].Table) : 0;
+  };
+  std::stable_sort(Sections.begin(), Sections.end(), [&](int A, int B) { return Rank(A) < Rank(B); });
+}
+
 bool TImportPlan::BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) {
   const TStep& Step = StepOf(File, Section);
   const TReportItem& Item = FReport.Items[Step.Item];
   if (Item.State == TItemState::LeftOut) return false;
   if (FSeveral && Step.IsTable && !FTablesBegun) FSession.Progress.Begin(FReport.File, "bytes", Bytes(true));
+  if (Step.IsTable && !FTablesBegun) FRelated->Begin();
   FTablesBegun = FTablesBegun || Step.IsTable;
   FSession.Progress.SetName(Item.Subject());
   if (auto* Data = dynamic_cast<TEICommonTableData*>(&Object)) {
@@ -98,9 +112,14 @@ void TImportPlan::EndSection(const TEIFile& File, const TEISection& Section, con
   Item.Losses = {File.Losses().Unrepresentable - FLossesBefore.Unrepresentable,
                  File.Losses().Malformed - FLossesBefore.Malformed};
   if (const auto* Data = dynamic_cast<const TEICommonTableData*>(Object)) Item.Counts = *Data->Report;
-  if (Error) return Fail(Item, *Error);
+  if (Error) {
+    Fail(Item, *Error);
+    FStopped = LoadsTogether(Item);
+    if (FStopped) throw EAbort("the rest would be taken back with it");
+    return;
+  }
   Item.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
-  if (Item.State == TItemState::Done && Step.Target) FTargets.SetLoaded(*Step.Target);
+  if (Item.State == TItemState::Done && Step.Target) FTargets.SetLoaded(FTargets[*Step.Target].Table);
   if (Item.State != TItemState::Done || !Item.Structure || !FOverwriteAsk.FLeftAlone) return;
   Item.State = TItemState::LeftOut;
   Item.Note = StructureKept;
@@ -119,7 +138,8 @@ void TImportPlan::Fail(TReportItem& Item, const std::exception& Error) {
   Item.State = TItemState::Failed;
   Item.Note = ExceptionClassName(Error) + ":" + Error.what();
   // Otherwise the question tells it, or the error with which the run ends.
-  if (FErrors.OnError() == TOnError::Continue) FSession.Console.Message("velkrund: " + Item.Note);
+  if (FErrors.OnError() == TOnError::Continue || LoadsTogether(Item))
+    FSession.Console.Message("velkrund: " + Item.Note);
 }
 
 }  // namespace velkrund

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "hosts/cli/InputFiles.h"
+#include "hosts/cli/RelatedTables.h"
 #include "hosts/cli/Report.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/StructureAnswers.h"
@@ -33,6 +34,12 @@ class TImportPlan final : public TImportFileObserver {
   /// Begins to show progress.
   void Begin();
 
+  /// Ends what the tables had in common.
+  void End();
+  /// A table has failed without which the others are not wanted, and the run was ended there.
+  bool Stopped() const { return FStopped; }
+
+  void Arrange(const TEIFile& File, std::vector<int>& Sections) override;
   bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) override;
   void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
                   const std::exception* Error) override;
@@ -51,10 +58,13 @@ class TImportPlan final : public TImportFileObserver {
   void Add(const TEIFile& File, const TEISection& Section);
   const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TReportItem& Item, const std::exception& Error);
+  /// Whether it is a table that is loaded with all others or not at all.
+  bool LoadsTogether(const TReportItem& Item) const { return !Item.Table.empty() && FRelated && FRelated->AreOne(); }
 
   const TSession& FSession;
   const TTableOptions& FTables;
   TTableTargets FTargets;
+  std::optional<TRelatedTables> FRelated;  // once the targets are settled
   TStructureTargets FStructures;
   TDSPOverwriteAsk FOverwriteAsk;  // shared by all structures
   TErrorPolicy& FErrors;
@@ -62,6 +72,7 @@ class TImportPlan final : public TImportFileObserver {
   std::map<std::pair<std::string, std::int64_t>, TStep> FSteps;  // by file and position of the section
   bool FSeveral = false;                                         // files
   bool FTablesBegun = false;
+  bool FStopped = false;
   TClock::time_point FStart;
   TTextLosses FLossesBefore;
 };

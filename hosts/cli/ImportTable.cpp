@@ -4,6 +4,7 @@
 #include "hosts/cli/Batch.h"
 #include "hosts/cli/Commands.h"
 #include "hosts/cli/InputFile.h"
+#include "hosts/cli/RelatedTables.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/TableTargets.h"
@@ -23,7 +24,8 @@ const TCommandTexts ImportTableTexts = {
     "loads table data sections of an export/import file into tables",
     "-d DB -i FILE [-t TABLE] [--section NAME|INDEX] [--replace|--append]",
     "Without --section every table data section of the file is loaded, each into the table that it names. A table is "
-    "loaded in one transaction: after an error, or when the import is cancelled, it is as it was before.\n\n"
+    "loaded in one transaction: after an error, or when the import is cancelled, it is as it was before. Tables come "
+    "after those that they refer to; where foreign keys ask for it, they are loaded together or not at all.\n\n"
     "A table that has rows already needs --replace or --append. At a terminal it is asked about, elsewhere it is an "
     "error, before anything is changed.",
     {{"import table -d sqlite:shop.db -i orders.eif --replace", "every table of the file, emptied first"},
@@ -49,7 +51,7 @@ class TImportTable final : public TCommand {
   std::vector<int> Chosen(TInputFile& Input, TReport& Report) const;
   void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
   void Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps, TTableTargets& Targets,
-              TReport& Report) const;
+              const TRelatedTables& Related, TReport& Report) const;
 
   std::string FInput, FTable;
   std::vector<std::string> FSections, FFields;
@@ -122,7 +124,7 @@ std::vector<TStep> TImportTable::Steps(const TSession& Session, TInputFile& Inpu
 }
 
 void TImportTable::Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps,
-                          TTableTargets& Targets, TReport& Report) const {
+                          TTableTargets& Targets, const TRelatedTables& Related, TReport& Report) const {
   TUOImportTableDataInterface Interface;
   Interface.SetDatabaseName(Session.Database());
   Interface.SetSource(&Input.File());
@@ -138,12 +140,13 @@ void TImportTable::Import(const TSession& Session, TInputFile& Input, const std:
     Interface.SetSectionNumber(Step.Index);
     Interface.SetTableName(Target.Table);
     Interface.SetAppend(Targets.Appends(Step.Target));
-    const bool More = std::any_of(Steps.begin() + static_cast<std::ptrdiff_t>(I) + 1, Steps.end(),
-                                  [&](const TStep& Later) { return !Targets[Later.Target].LeaveOut; });
+    const bool More =
+        !Related.AreOne() && std::any_of(Steps.begin() + static_cast<std::ptrdiff_t>(I) + 1, Steps.end(),
+                                         [&](const TStep& Later) { return !Targets[Later.Target].LeaveOut; });
     const bool GoOn = Batch.Run(Items[I], Interface, {"bytes", Bytes}, More);
     Items[I].Counts = static_cast<const TUOImportTableData&>(Interface.Operation()).Report;
     Items[I].Bytes = Bytes;
-    if (Items[I].State == TItemState::Done) Targets.SetLoaded(Step.Target);
+    if (Items[I].State == TItemState::Done) Targets.SetLoaded(Target.Table);
     if (!GoOn) break;
   }
 }
@@ -154,8 +157,12 @@ int TImportTable::Run(TSession& Session) {
   Input.Open();
   if (Input.File().Losses().Any()) Report.Notes.emplace_back("warning: section headers hold malformed characters");
   TTableTargets Targets(FTables);
-  const std::vector<TStep> Plan = Steps(Session, Input, Report, Targets);
+  std::vector<TStep> Plan = Steps(Session, Input, Report, Targets);
   Targets.Settle(Session);
+  TRelatedTables Related(Session, Targets);
+  std::stable_sort(Plan.begin(), Plan.end(), [&](const TStep& A, const TStep& B) {
+    return Related.Rank(Targets[A.Target].Table) < Related.Rank(Targets[B.Target].Table);
+  });
   for (const TStep& Step : Plan) {
     const TTableTarget& Target = Targets[Step.Target];
     Report.Items.push_back({Input.File().Sections()[Step.Index].Name(), Target.Table});
@@ -163,7 +170,9 @@ int TImportTable::Run(TSession& Session) {
     Report.Items.back().State = TItemState::LeftOut;
     Report.Items.back().Note = Target.Note();
   }
-  Import(Session, Input, Plan, Targets, Report);
+  Related.Begin();
+  Import(Session, Input, Plan, Targets, Related, Report);
+  EndRelated(Related, Report);
   return Finish(Session, Report);
 }
 

@@ -20,6 +20,8 @@ const char* StateText(TItemState State) {
       return "failed";
     case TItemState::Cancelled:
       return "cancelled";
+    case TItemState::TakenBack:
+      return "taken back";
     case TItemState::NotReached:
       break;
   }

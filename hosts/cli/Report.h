@@ -18,6 +18,7 @@ enum class TItemState {
   Failed,
   Cancelled,
   NotReached,  // the run ended before
+  TakenBack,   // done, and undone when the rest failed
 };
 
 /// What became of one section.

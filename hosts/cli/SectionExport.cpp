@@ -8,6 +8,7 @@
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/Texts.h"
 #include "hosts/common/OutputFile.h"
+#include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -98,6 +99,8 @@ void TRun::SetUp() {
 void TRun::Export() {
   SetUp();
   TBatch Batch(FSession, FOutput.File(), FReport);
+  // Rows of one section refer to rows of another.
+  TReadTransaction Moment(FSession.Manager().Databases(), FSession.Database());
   std::vector<TReportItem>& Items = FReport.Items;
   for (std::size_t I = 0; I < Items.size(); ++I) {
     if (Items[I].State == TItemState::LeftOut) continue;
@@ -113,6 +116,9 @@ void TRun::Export() {
       if (FSteps[I].Replace) FReplaced.insert(FReplaced.end(), FSteps[I].Existing.begin(), FSteps[I].Existing.end());
     }
     if (!GoOn) break;
+    if (Items[I].State != TItemState::Failed) continue;
+    Moment.Renew();
+    FReport.Notes.push_back(Format("what follows '%s' is of a later moment than what stands before", Items[I].Section));
   }
 }
 

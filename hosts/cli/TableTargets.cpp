@@ -49,6 +49,19 @@ bool TTableTargets::Appends(std::size_t Number) const {
   return FTargets[Number].Append || FLoaded.contains(FTargets[Number].Table);
 }
 
+std::vector<std::string> TTableTargets::Loaded() const {
+  std::vector<std::string> Result;
+  for (const TTableTarget& Target : FTargets)
+    if (!Target.LeaveOut) Result.push_back(Target.Table);
+  return Result;
+}
+
+bool TTableTargets::Empties(const std::string& Table) const {
+  return std::any_of(FTargets.begin(), FTargets.end(), [&](const TTableTarget& Target) {
+    return Target.Table == Table && !Target.LeaveOut && !Target.Append;
+  });
+}
+
 void TTableTargets::Settle(const TSession& Session) {
   const std::string Options = "--replace to delete them first, or --append to keep them";
   std::vector<std::string> Met;

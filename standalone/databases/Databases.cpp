@@ -53,10 +53,18 @@ TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
 TConnection& TDatabases::Connection(const std::string& Name) { return *Database(Name).Connection; }
 
 void TDatabases::StartTransaction(const std::string& Name, TIsolationLevel Level) {
+  Start(Name, [=](TConnection& Connection) { Connection.Begin(Level); });
+}
+
+void TDatabases::StartReading(const std::string& Name) {
+  Start(Name, [](TConnection& Connection) { Connection.BeginReading(); });
+}
+
+void TDatabases::Start(const std::string& Name, const std::function<void(TConnection&)>& Begin) {
   TDatabase& Target = Database(Name);
   if (Target.Depth == 0) {
     FTrace("Starting a transaction");
-    Target.Connection->Begin(Level);
+    Begin(*Target.Connection);
     Target.Doomed = false;
   }
   ++Target.Depth;

@@ -27,6 +27,8 @@ class TDatabases {
   /// Only the outermost start and end reach the engine. An inner roll back dooms the outer transaction: its commit then
   /// rolls back and raises. A commit that fails rolls back as well.
   void StartTransaction(const std::string& Name, TIsolationLevel Level);
+  /// The same for reading alone: everything that is read is of one moment. To be rolled back.
+  void StartReading(const std::string& Name);
   void CommitTransaction(const std::string& Name);
   void RollbackTransaction(const std::string& Name);
 
@@ -56,6 +58,7 @@ class TDatabases {
 
   TAddress Resolve(const std::string& Name) const;
   TDatabase& Database(const std::string& Name);
+  void Start(const std::string& Name, const std::function<void(TConnection&)>& Begin);
   TDatabase& InTransaction(const std::string& Name, std::string_view What);
 
   TConfiguration FConfiguration;

@@ -25,6 +25,7 @@ struct TCapabilities {
   bool NegativeZero = false;         // floating columns tell -0.0 from 0.0
   bool NulInText = false;            // texts hold the character U+0000
   bool TableSizes = false;           // TableBytes has answers
+  bool EnforcesForeignKeys = false;  // no statement, or no commit, leaves a row that refers to nothing
 };
 
 /// One connection to one database. Used by one thread at a time; cursors and appenders are freed before it. Raises
@@ -43,6 +44,9 @@ class TConnection {
   /// Transactions do not nest here. After a failed Commit the caller rolls back; some engines have done so by then.
   virtual void Begin(TIsolationLevel Level) = 0;
   virtual void Commit() = 0;
+  /// Begins a transaction that writes nothing: whatever it reads is of one moment. Ended by Rollback. A cursor may then
+  /// refuse every other statement until its end, as it may outside of transactions.
+  virtual void BeginReading() = 0;
   /// No error when the engine has already rolled back by itself, or the connection is lost, and the transaction with
   /// it.
   virtual void Rollback() = 0;
@@ -63,6 +67,11 @@ class TConnection {
   virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
   /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
   virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
+
+  /// Those among the tables of users.
+  virtual std::vector<TForeignKey> ForeignKeys() = 0;
+  /// Of the foreign keys of that table; none where the engine enforces them.
+  virtual TBrokenReferences BrokenReferences(const TTableInfo& /*Table*/) { return {}; }
 
   /// Whether there is a catalogue table of that name, which begins with CataloguePrefix.
   virtual bool HasCatalogueTable(const std::string& Name) = 0;

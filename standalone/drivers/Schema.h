@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,18 @@ struct TColumnInfo {
   bool Nullable = true;
   bool Generated = false;  // computed by the engine: read, never written
   int KeyPosition = 0;     // place in the primary key, from 1; 0: no part of it
+};
+
+/// Rows of one table refer to rows of another one, or of the same.
+struct TForeignKey {
+  TTableInfo From, To;
+  bool ActsOnDelete = false;  // deleting a row of To deletes or changes the rows of From that refer to it
+};
+
+/// Rows of a table that refer to rows which are not there.
+struct TBrokenReferences {
+  std::int64_t Count = 0;
+  std::string Example = {};  // "row 17 to a row of 'ORDERS'"
 };
 
 struct TTableDescription {

@@ -4,7 +4,7 @@
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dictionary/TableData.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -75,8 +75,7 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
   TTable& Target = TakeTable(Owned, "import");
   const std::vector<TImportField> Columns = ResolveFields(Target, Names);
   TTransaction Transaction(DatabaseName);
-  if (const auto* SQLTable = dynamic_cast<const TODBCTable*>(&Target); SQLTable && !Append)
-    BaseMng().ExecuteSQL("DELETE FROM " + SQLTable->SQLName(), DatabaseName);
+  if (auto* SQLTable = dynamic_cast<TODBCTable*>(&Target); SQLTable && !Append) EmptyTable(*SQLTable, DatabaseName);
   Target.SetCanRecreateAutoSequence(true);
   Target.BeginAppend();
   ImportRecords(Target, Columns, Stream);

@@ -108,8 +108,14 @@ std::int64_t TUOImportFile::BytesOf(const TEIFile& File, TPart Part) {
 }
 
 bool TUOImportFile::ImportSections(TEIFile& File, TPart Part) {
-  for (int Index = 0; Index < File.Sections().Count() && !Stopping(); ++Index)
-    if (PartOf(File.Sections()[Index]) == Part) ImportSection(File, Index);
+  std::vector<int> Sections;
+  for (int Index = 0; Index < File.Sections().Count(); ++Index)
+    if (PartOf(File.Sections()[Index]) == Part) Sections.push_back(Index);
+  if (Observer) Observer->Arrange(File, Sections);
+  for (const int Index : Sections) {
+    if (Stopping()) break;
+    ImportSection(File, Index);
+  }
   return !Stopping();
 }
 

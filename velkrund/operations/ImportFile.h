@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/operations/RecreateContainer.h"
@@ -18,6 +19,9 @@ namespace velkrund {
 class TImportFileObserver {
  public:
   virtual ~TImportFileObserver() = default;
+  /// Before the first of these sections of a file is imported: may put them in another order. Sections: indexes, in the
+  /// order of the file.
+  virtual void Arrange(const TEIFile& /*File*/, std::vector<int>& /*Sections*/) {}
   /// Before a section is imported, its object being set up; false: the section is left out, and EndSection not called.
   virtual bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) = 0;
   /// After it, and before anybody is asked whether to go on. Error: null after success. Object: null when it could not
@@ -71,7 +75,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   /// Between these two progress goes from 0 to Total bytes and never back.
   void BeginPass(std::int64_t Total);
   void EndPass();
-  /// Imports the sections of that part, in file order; false when cancelled.
+  /// Imports the sections of that part, in file order unless the observer has another; false when cancelled.
   bool ImportSections(TEIFile& File, TPart Part);
   /// Cancelled, now or earlier in this run.
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }

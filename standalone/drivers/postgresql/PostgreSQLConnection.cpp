@@ -31,9 +31,19 @@ TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, 
   FCapabilities.NotANumber = true;
   FCapabilities.NegativeZero = true;
   FCapabilities.TableSizes = true;
+  FCapabilities.EnforcesForeignKeys = true;
 }
 
-void TPostgreSQLConnection::Begin(TIsolationLevel Level) { FSession.Begin(LevelWords(Level)); }
+void TPostgreSQLConnection::Begin(TIsolationLevel Level) {
+  FSession.Begin(LevelWords(Level));
+  FReading = false;
+}
+
+void TPostgreSQLConnection::BeginReading() {
+  // Not READ ONLY: a view may call a function that writes, a log of who has read it for example.
+  Begin(TIsolationLevel::RepeatableRead);
+  FReading = true;
+}
 
 std::int64_t TPostgreSQLConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
   return FSession.Execute(Statement, Parameters);
@@ -50,7 +60,10 @@ std::string TPostgreSQLConnection::SQLName(const TTableInfo& Table) const {
 
 std::unique_ptr<TCursor> TPostgreSQLConnection::OpenCursor(const TTableDescription& Table,
                                                            std::span<const int> Columns) {
-  return OpenPostgreSQLCursor(FSession, Table, Columns);
+  // A COPY is the quickest, but holds the connection.
+  const bool Whole = FReading || !FSession.InTransaction();
+  return OpenPostgreSQLCursor(FSession, Table, Columns,
+                              Whole ? TPostgreSQLReading::Copy : TPostgreSQLReading::InBatches);
 }
 
 std::unique_ptr<TBulkAppender> TPostgreSQLConnection::OpenAppender(const TTableDescription& Table,

@@ -18,6 +18,7 @@ class TPostgreSQLConnection final : public TConnection {
   std::string EngineVersion() const override { return FSession.ServerVersion(); }
 
   void Begin(TIsolationLevel Level) override;
+  void BeginReading() override;
   void Commit() override { FSession.Commit(); }
   void Rollback() override { FSession.Rollback(); }
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
@@ -30,6 +31,8 @@ class TPostgreSQLConnection final : public TConnection {
   /// Without rows of tables that inherit from it; with those of partitions.
   std::int64_t RowCount(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
+
+  std::vector<TForeignKey> ForeignKeys() override;
 
   bool HasCatalogueTable(const std::string& Name) override;
 
@@ -49,6 +52,7 @@ class TPostgreSQLConnection final : public TConnection {
 
   TPostgreSQLSession FSession;
   TCapabilities FCapabilities;
+  bool FReading = false;  // the running transaction only reads
 };
 
 }  // namespace velkrund

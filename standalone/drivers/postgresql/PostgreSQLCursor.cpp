@@ -43,7 +43,7 @@ void TPostgreSQLCursor::Read(int Column, TKvVariant& Value) {
 }
 
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
-                                              std::span<const int> Columns) {
+                                              std::span<const int> Columns, TPostgreSQLReading Reading) {
   TPostgreSQLSource Source{
       Session, Format("Can not read table '%s'", FullName(Table.Table)), FullName(Table.Table), {}, {}};
   const TPostgreSQLTable Known = ReadPostgreSQLTable(Session, Table.Table, Source.What);
@@ -52,7 +52,7 @@ std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const
     Asked.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Column)].Name, Source.What));
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Asked);
   for (const TPostgreSQLColumn& Column : Asked) Source.Decoders.emplace_back(Column, Money);
-  if (Session.InTransaction()) {
+  if (Reading == TPostgreSQLReading::InBatches) {
     Source.Statement = SelectText(Table, Asked, Session.CurrentSchema());
     return std::make_unique<TPostgreSQLFetchCursor>(std::move(Source));
   }

@@ -38,7 +38,7 @@ class TPostgreSQLCursor : public TCursor {
   std::vector<TCell> FCells;  // of the current row
 };
 
-/// Outside a transaction: one COPY, which holds the connection until its last row.
+/// One COPY, which holds the connection until its last row.
 class TPostgreSQLCopyCursor final : public TPostgreSQLCursor, private TPostgreSQLStream {
  public:
   explicit TPostgreSQLCopyCursor(TPostgreSQLSource Source);
@@ -60,7 +60,7 @@ class TPostgreSQLCopyCursor final : public TPostgreSQLCursor, private TPostgreSQ
   bool FOpen = false;
 };
 
-/// Inside a transaction: a cursor of the server, which sends a batch whenever one is used up. Other statements run
+/// A cursor of the server, inside a transaction, which sends a batch whenever one is used up. Other statements run
 /// between the batches.
 class TPostgreSQLFetchCursor final : public TPostgreSQLCursor {
  public:
@@ -96,8 +96,10 @@ class TPostgreSQLQueryCursor final : public TCursor {
   int FRow = -1;
 };
 
+enum class TPostgreSQLReading { Copy, InBatches };
+
 /// Columns: indexes into the description's columns.
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
-                                              std::span<const int> Columns);
+                                              std::span<const int> Columns, TPostgreSQLReading Reading);
 
 }  // namespace velkrund

@@ -51,6 +51,8 @@ TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOpti
   FCapabilities.TransactionalSchema = true;
   FCapabilities.MixedKinds = true;
   FCapabilities.NulInText = true;
+  TSQLiteStatement Enforced(Opened, "PRAGMA foreign_keys", About("open"));
+  FCapabilities.EnforcesForeignKeys = Enforced.Step() && Enforced.Integer(0) != 0;
   FCapabilities.TableSizes = sqlite3_compileoption_used("ENABLE_DBSTAT_VTAB") == 1;
 }
 

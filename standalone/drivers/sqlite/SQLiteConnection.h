@@ -21,6 +21,7 @@ class TSQLiteConnection final : public TConnection {
   std::string EngineVersion() const override;
 
   void Begin(TIsolationLevel Level) override;
+  void BeginReading() override { Begin(TIsolationLevel::ReadCommitted); }
   void Commit() override;
   void Rollback() override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
@@ -31,6 +32,10 @@ class TSQLiteConnection final : public TConnection {
   TTableDescription Describe(const TTableInfo& Table) override;
   std::int64_t RowCount(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
+
+  /// Those that name a table which is not there are not among them.
+  std::vector<TForeignKey> ForeignKeys() override;
+  TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
 
   bool HasCatalogueTable(const std::string& Name) override;
 

@@ -1,0 +1,31 @@
+// The foreign keys of TPostgreSQLConnection.
+
+#include "standalone/drivers/postgresql/PostgreSQLConnection.h"
+
+namespace velkrund {
+namespace {
+
+constexpr const char* KeysStatement =
+    "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
+    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype IN ('c', 'n', 'd') "
+    "FROM pg_catalog.pg_constraint k "
+    "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
+    "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
+    "WHERE k.contype = 'f' ORDER BY fn.nspname, f.relname, k.conname";
+
+}  // namespace
+
+std::vector<TForeignKey> TPostgreSQLConnection::ForeignKeys() {
+  const TPostgreSQLResult Rows = FSession.Query("Can not list the foreign keys", KeysStatement);
+  const auto TableAt = [&](int Row, int Column) {
+    std::string Schema = Rows.Copy(Row, Column + 1);
+    if (Schema == FSession.CurrentSchema()) Schema.clear();
+    return TTableInfo{Rows.Copy(Row, Column), std::move(Schema), TTableKind::Table, Rows.Boolean(Row, Column + 2)};
+  };
+  std::vector<TForeignKey> Result;
+  for (int Row = 0; Row < Rows.RowCount(); ++Row)
+    Result.push_back({TableAt(Row, 0), TableAt(Row, 3), Rows.Boolean(Row, 6)});
+  return Result;
+}
+
+}  // namespace velkrund

@@ -38,12 +38,15 @@ TJson NumberJson(const std::optional<std::int64_t>& Number) { return Number ? TJ
 
 std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::vector<std::vector<std::string>> Rows = {{"TABLE", "KIND", "ROWS", "SIZE"}};
-  for (const auto& [Table, Count, Bytes] : Info.Tables)
+  std::string Problems;
+  for (const auto& [Table, Count, Bytes, Problem] : Info.Tables) {
     Rows.push_back({Printable(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
+    if (!Problem.empty()) Problems += "warning: " + Printable(Problem) + "\n";
+  }
   const std::string Catalogue = Info.CatalogueVersion ? Format("version %d", *Info.CatalogueVersion) : "none";
   return Format("database   %s\nengine     %s %s\naccess     %s\ncatalogue  %s\n\n", Name, Info.Engine,
                 Info.EngineVersion, Info.ReadOnly ? "read only" : "read and write", Catalogue) +
-         (Info.Tables.empty() ? "no tables\n" : ColumnsText(Rows, {false, false, true, true}));
+         (Info.Tables.empty() ? "no tables\n" : ColumnsText(Rows, {false, false, true, true})) + Problems;
 }
 
 TJson JsonOf(const std::string& Name, const TDatabaseInfo& Info) {
@@ -54,13 +57,14 @@ TJson JsonOf(const std::string& Name, const TDatabaseInfo& Info) {
   Result["readOnly"] = Info.ReadOnly;
   Result["catalogueVersion"] = NumberJson(Info.CatalogueVersion);
   Result["tables"] = TJson::array();
-  for (const auto& [Table, Count, Bytes] : Info.Tables) {
+  for (const auto& [Table, Count, Bytes, Problem] : Info.Tables) {
     TJson Entry;
     Entry["name"] = FullName(Table);
     if (!Table.Schema.empty()) Entry["schema"] = Table.Schema;
     Entry["kind"] = KindText(Table.Kind);
     Entry["rows"] = NumberJson(Count);
     Entry["bytes"] = NumberJson(Bytes);
+    if (!Problem.empty()) Entry["problem"] = Problem;
     Result["tables"].push_back(std::move(Entry));
   }
   return Result;

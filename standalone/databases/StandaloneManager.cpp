@@ -123,10 +123,14 @@ TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) 
   Result.ReadOnly = Connection.Capabilities().ReadOnly;
   Result.CatalogueVersion = TCatalogue(Connection).Version();
   for (const TTableInfo& Table : Connection.Tables()) {
-    TDatabaseInfo::TTableSize Size{Table, std::nullopt, std::nullopt};
-    if (Table.Kind == TTableKind::Table) {
-      Size.Rows = Connection.RowCount(Table);
-      Size.Bytes = Connection.TableBytes(Table);
+    TDatabaseInfo::TTableSize Size{Table, std::nullopt, std::nullopt, {}};
+    try {
+      if (Table.Kind == TTableKind::Table) {
+        Size.Rows = Connection.RowCount(Table);
+        Size.Bytes = Connection.TableBytes(Table);
+      }
+    } catch (const EDatabaseError& Error) {
+      Size.Problem = Error.what();
     }
     Result.Tables.push_back(std::move(Size));
   }

@@ -20,6 +20,7 @@ struct TDatabaseInfo {
     TTableInfo Table;
     std::optional<std::int64_t> Rows;   // nothing for views and foreign tables
     std::optional<std::int64_t> Bytes;  // with indexes; nothing when the engine can not tell
+    std::string Problem = {};           // why it could not be looked into
   };
 
   std::string Engine;

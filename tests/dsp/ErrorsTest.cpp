@@ -28,6 +28,14 @@ class Errors : public testing::Test {
 /// The position behind the last line of a body that ends with it.
 std::string At(const std::string& Body) { return Format("(Position:%d)", Before.size() + Body.size()); }
 
+/// The error about the full name of a node.
+std::string NoName(const char* Action, const char* RootNode) {
+  return Format(
+      "EDSPUtilError: Can not %s DSP structure. '%s' is no full name of a node (OT:12;ON:'S'): of the names "
+      "between '\\' one is empty, begins with a blank or holds ':'",
+      Action, RootNode);
+}
+
 TEST_F(Errors, OfTheLines) {
   const std::string Tree = "EDSPUtilError: Can not import DSP structure. Invalid tree data structure. ";
   const std::string Sections = "EDSPUtilError: Can not import DSP";
@@ -51,6 +59,12 @@ TEST_F(Errors, OfTheLines) {
       {Body("    a\n"), "R", Tree + "Invalid level structure ", true},
       {Body("  R\n  a\n"), "R", Tree + "Invalid level structure ", true},
       {Body(""), "R", Tree + "Unexpected end of tree section ", true},
+      {Body("  a\n"), "kept\\", NoName("import", "kept\\"), false},
+      {Body("  a\n"), "\\kept", NoName("import", "\\kept"), false},
+      {Body("  a\n"), "kept\\\\b", NoName("import", "kept\\\\b"), false},
+      {Body("  a\n"), "\\", NoName("import", "\\"), false},
+      {Body("  a\n"), "kept\\a:b", NoName("import", "kept\\a:b"), false},
+      {Body("  a\n"), "kept\\ a", NoName("import", "kept\\ a"), false},
       {Body("  :integer = 1\n"), "", Tree + "Empty name of node ", true},
       {Body("  #12:integer = 1\n"), "", Tree + "Empty name of node ", true},
       {Body("  \n"), "", Tree + "Empty name of node ", true},
@@ -66,6 +80,13 @@ TEST_F(Errors, OfTheLines) {
       ExpectUnchanged();
     }
   }
+  const auto Nameless = Section<TEIDSPStructure>();
+  Nameless->Item.ObjectName.clear();
+  EXPECT_EQ(ErrorOf([&] { Import(*Nameless, Body("  a\n")); }),
+            Sections +
+                " structure. The structure has no name (OT:12;ON:''): the section's ObjectName is empty, and no "
+                "other name is given");
+  ExpectUnchanged();
 }
 
 TEST_F(Errors, OfTheValues) {
@@ -162,6 +183,8 @@ TEST_F(Errors, OfTheStore) {
   Made->RootNode = "kept\\x";
   EXPECT_EQ(ErrorOf([&] { Export(*Made); }),
             "EDSPUtilError: Can not export DSP structure. Specified node not found (OT:12;ON:'S';Node:'kept\\x').");
+  Made->RootNode = "kept\\";
+  EXPECT_EQ(ErrorOf([&] { Export(*Made); }), NoName("export", "kept\\"));
   Made->RootNode.clear();
   Made->Item.ObjectType = 10;
   EXPECT_EQ(ErrorOf([&] { Export(*Made); }),

@@ -1,5 +1,7 @@
 #include "velkrund/dsp/DSPStructure.h"
 
+#include "velkrund/dsp/DSPUtilErrors.h"
+#include "velkrund/dsp/NodeNames.h"
 #include "velkrund/eif/Section.h"
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -91,6 +93,20 @@ void TEIDSPStructureCommon::LoadProperties(const TKvParamsList& Properties) {
 
 std::string TEIDSPStructureCommon::Identity() const {
   return Format("OT:%d;ON:'%s'", Item.ObjectType, Item.ObjectName);
+}
+
+void TEIDSPStructureCommon::CheckRootNode(const char* Action) const {
+  if (RootNode.empty()) return;
+  for (std::string_view Rest = RootNode;;) {
+    const std::size_t End = Rest.find(DSPNameSeparator);
+    if (!IsWritableName(Rest.substr(0, End)))
+      throw EDSPUtilError(Format(
+          "Can not %s DSP structure. '%s' is no full name of a node (%s): of the names between '\\' one is empty, "
+          "begins with a blank or holds ':'",
+          Action, RootNode, Identity()));
+    if (End == std::string_view::npos) return;
+    Rest.remove_prefix(End + 1);
+  }
 }
 
 std::unique_ptr<TDSPFormManager> TEIDSPStructureCommon::OpenForm() const {

@@ -67,6 +67,8 @@ class TEIDSPStructureCommon : public TEIObject {
   void Take(TDSPImportOverwriteOptions Answer);
   bool MayImport();
   std::string Identity() const;
+  /// Raises an error for a RootNode that names no node which a section can hold. Action: "export", "import".
+  void CheckRootNode(const char* Action) const;
   std::unique_ptr<TDSPFormManager> OpenForm() const;
   std::string SettingName(const char* Setting) const;
   void WriteRemarks(TEIStream& Stream) const;

@@ -26,6 +26,7 @@ void TEIDSPStructureCommon::WriteRemarks(TEIStream& Stream) const {
 }
 
 void TEIDSPStructureCommon::ExportData(TEIStream& Stream) {
+  CheckRootNode("export");
   Stream.Writeln(" [REMARKS]");
   WriteRemarks(Stream);
   Stream.Writeln(" [TREE]");

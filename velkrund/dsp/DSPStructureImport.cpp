@@ -94,6 +94,13 @@ void TEIDSPStructureCommon::Save(TDSPFormManager& Manager) {
 
 void TEIDSPStructureCommon::ImportData(TEIStream& Stream) {
   FStopped = false;
+  CheckRootNode("import");
+  // Nothing could name it afterwards, to export or to remove it.
+  if (Item.ObjectName.empty())
+    throw EDSPUtilError(Format(
+        "Can not import DSP structure. The structure has no name (%s): the section's ObjectName is empty, and no "
+        "other name is given",
+        Identity()));
   ReadRemarks(Stream);
   if (!MayImport()) return;
   TTransaction Transaction(DatabaseName);

@@ -16,15 +16,14 @@ std::size_t PlainEnd(std::string_view Name, std::size_t At) {
   return At;
 }
 
-void CheckName(std::string_view Name) {
-  if (Name.empty() || Name.front() == ' ' || Name.find(':') != std::string_view::npos)
-    throw EDSPError(std::string("Invalid name of node for export: ").append(Name));
-}
-
 }  // namespace
 
+bool IsWritableName(std::string_view Name) {
+  return !Name.empty() && Name.front() != ' ' && Name.find(':') == std::string_view::npos;
+}
+
 void AppendNodeName(std::string& Out, std::string_view Name, const TCodePage* Page, TTextLosses& Losses) {
-  CheckName(Name);
+  if (!IsWritableName(Name)) throw EDSPError(std::string("Invalid name of node for export: ").append(Name));
   for (std::size_t At = 0, Stop; At < Name.size();) {
     Stop = PlainEnd(Name, At);
     Out += Name.substr(At, Stop - At);

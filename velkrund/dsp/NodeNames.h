@@ -8,6 +8,9 @@
 
 namespace velkrund {
 
+/// Whether files can hold a node of that name: it is not empty, begins with no blank and has no ":".
+bool IsWritableName(std::string_view Name);
+
 /// Appends the name of a node: control characters and "#" become "#" and two hexadecimal digits. With a Page it is
 /// written in its characters and the digits are those of the byte in it; null: in any characters. Refused with
 /// EDSPError as TNodeTexts::AppendName says.

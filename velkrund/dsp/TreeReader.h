@@ -18,7 +18,8 @@ class TDSPTreeReader {
   TDSPTreeReader(TEIStream& Stream, const TNodeTexts& Texts) : FStream(Stream), FTexts(Texts) {}
 
   /// Reads to the end of the stream into Tree, which is empty. RootNode: the full name of the node that the first line
-  /// stands for, and which Tree becomes, under the last of its names; empty: the top nodes become Tree's children.
+  /// stands for, and which Tree becomes, under the last of its names, which is not empty; an empty one: the top nodes
+  /// become Tree's children.
   /// OnLine: called for every line of the file; false ends the reading, and Read returns false.
   bool Read(TDSPNode& Tree, std::string_view RootNode, const std::function<bool()>& OnLine = {});
 

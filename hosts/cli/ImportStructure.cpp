@@ -20,10 +20,12 @@ const TCommandTexts ImportStructureTexts = {
     "-d DB -i FILE [--section NAME|INDEX] [--overwrite yes|no | --merge MODE]",
     "Without --section every structure section of the file is loaded, each into the structure that it names. A "
     "structure is loaded as a whole: after an error, or when the import is cancelled, it is as it was.\n\n"
-    "A structure that exists is asked about at a terminal: it is skipped, replaced, or updated (nodes of the file take "
-    "the place of stored ones, those that the file marks as deleted are removed, all others stay). Elsewhere it is an "
-    "error, before anything is changed, unless an option answers: --overwrite, or --merge with what becomes of nodes "
-    "that are there.",
+    "A structure that exists is asked about at a terminal: it is skipped, replaced, or updated. Updated means: where a "
+    "stored node or the file's one has a value, the file's takes its place with all below it, otherwise the two are "
+    "merged; a node that the file marks as deleted is removed when the stored one has no value, elsewhere the mark is "
+    "stored; nodes that the file does not name stay. Where nobody can be asked, a structure that exists is "
+    "an error, before anything is changed, unless an option answers: --overwrite, or --merge with what becomes of "
+    "nodes that are there.",
     {{"import structure -d sqlite:shop.db -i shop.eif --overwrite yes", "every structure of the file"},
      {"import structure -d sqlite:shop.db -i shop.eif --section \"CLIENTS (12)\" --name CLIENTS_NEW --type 12",
       "one section into a structure of another name"},
@@ -68,8 +70,8 @@ std::vector<TOptionGroup> TImportStructure::Options() {
         Choice<std::optional<TDSPImportOverwriteOptions>>(
             "--merge",
             "load into structures that are there; nodes that both have are kept as stored (skip) or taken from the "
-            "file (replace, difference); difference also removes what the file marks as deleted. Replace empties the "
-            "structure, or the node, first",
+            "file (replace, difference); difference also removes stored nodes without a value that the file marks as "
+            "deleted. Replace empties the structure, or the node, first",
             {{"skip", ioSkip}, {"replace", ioReplace}, {"difference", ioDifference}}, FMerge),
         Switch("--no-clear-root", "do not empty the structure, or the node, before it is replaced", FNoClearRoot),
         Switch("--keep-properties", "leave table name, parent object and remarks as they are stored", FKeepProperties),

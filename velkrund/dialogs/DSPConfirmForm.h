@@ -9,7 +9,7 @@ namespace velkrund {
 /// What becomes of a structure that exists already. The numbers are kept in settings: they stay.
 enum class TDSPImportOverwriteOptions : int { ioSkip = 0, ioReplace = 1, ioDifference = 2 };
 
-/// A structure exists already: skip it, replace it, or add what is missing.
+/// A structure exists already: skip it, replace it, or update it, which merges the new tree into it.
 class TDSPConfirmForm final : public TForm {
  public:
   TDSPConfirmForm();

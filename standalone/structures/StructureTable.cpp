@@ -14,7 +14,7 @@ namespace {
 const TCatalogueTable& Structures() {
   static const TCatalogueTable Table{"velkrund_structures",
                                      {{"object_type", TKvKind::Int64, false},
-                                      {"name_key", TKvKind::String, false},  // the name in upper case
+                                      {"name_key", TKvKind::String, false},  // the name in lower case
                                       {"object_name", TKvKind::String, false},
                                       {"table_name", TKvKind::String},
                                       {"parent_object", TKvKind::String},
@@ -66,7 +66,7 @@ struct TStructureTable::TSetting {
 std::unique_ptr<TCursor> TStructureTable::Select(const char* Columns, const std::string& ObjectName, int ObjectType) {
   TConnection& Connection = FConnect();
   if (!TCatalogue(Connection).Has(Structures())) return nullptr;
-  const std::string Key = UpperCase(ObjectName);
+  const std::string Key = LowerCase(ObjectName);
   const TKvVariant Identity[] = {Number(ObjectType), Text(Key)};
   auto Rows =
       Connection.Query(Format("SELECT %s FROM %s%s", Columns, Structures().Name, WhereIdentity(Connection)), Identity);
@@ -106,7 +106,7 @@ void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const
   TTransaction Transaction(FDatabaseName);
   TConnection& Connection = FConnect();
   TCatalogue(Connection).Make(Structures());
-  const std::string Key = UpperCase(ObjectName);
+  const std::string Key = LowerCase(ObjectName);
   std::vector<TKvVariant> Parameters = {Number(ObjectType), Text(Key)};
   std::string Changes, Columns, Marks;
   for (const TSetting& Setting : Settings) {
@@ -149,7 +149,7 @@ bool TStructureTable::DeleteStructure(const std::string& ObjectName, int ObjectT
   TConnection& Connection = FConnect();
   if (!TCatalogue(Connection).Has(Structures())) return false;
   TTransaction Transaction(FDatabaseName);
-  const std::string Key = UpperCase(ObjectName);
+  const std::string Key = LowerCase(ObjectName);
   const TKvVariant Identity[] = {Number(ObjectType), Text(Key)};
   const bool Found =
       Connection.Execute(Format("DELETE FROM %s", Structures().Name) + WhereIdentity(Connection), Identity) > 0;

@@ -76,7 +76,7 @@ class TMemoryStructures final : public TDSPContainer, public TDSPTable {
     TMemoryStructures& FOwner;
   };
 
-  static TKey Key(const std::string& Name, int Type) { return {Type, UpperCase(Name)}; }
+  static TKey Key(const std::string& Name, int Type) { return {Type, LowerCase(Name)}; }
 };
 
 /// A platform with structures.

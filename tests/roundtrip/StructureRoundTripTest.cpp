@@ -118,8 +118,11 @@ TEST_P(StructureRoundTrip, NamesAreFoundIgnoringCaseAndKeepTheirs) {
   EXPECT_EQ(Table(Database).List().Count(), 0);
   EXPECT_FALSE(Table(Database).DeleteStructure("Form", 12));
   EXPECT_FALSE(Platform.Manager.DatabaseInfo(Database.Url).CatalogueVersion) << "looking makes nothing";
-  for (const auto& [Name, Type] :
-       {std::pair("Форма", 73), {"Форма", 12}, {"a'; DROP TABLE velkrund_structures; --", 12}})
+  for (const auto& [Name, Type] : {std::pair("Форма", 73),
+                                   {"Форма", 12},
+                                   {"a'; DROP TABLE velkrund_structures; --", 12},
+                                   {"kayıt", 14},  // two letters, which have one capital
+                                   {"kayit", 14}})
     Store(Database, {Name, Type, "T", "", ""}, [](TDSPNode& Root) { Root.AddNode("n"); });
   EXPECT_TRUE(Table(Database).DSPStructureExist("ФОРМА", 12));
   EXPECT_FALSE(Table(Database).DSPStructureExist("ФОРМА", 13));
@@ -129,9 +132,9 @@ TEST_P(StructureRoundTrip, NamesAreFoundIgnoringCaseAndKeepTheirs) {
   EXPECT_EQ(Read->ObjectName + Read->TableName, "ФормаU");
   std::string Names;
   for (const TDSPListItem& Item : Table(Database).List()) Names += Format("%s %d|", Item.ObjectName, Item.ObjectType);
-  EXPECT_EQ(Names, "a'; DROP TABLE velkrund_structures; -- 12|Форма 12|Форма 73|");
+  EXPECT_EQ(Names, "a'; DROP TABLE velkrund_structures; -- 12|Форма 12|kayit 14|kayıt 14|Форма 73|");
   EXPECT_TRUE(Table(Database).DeleteStructure("ФОРМА", 12));
-  EXPECT_EQ(Table(Database).List().Count(), 2);
+  EXPECT_EQ(Table(Database).List().Count(), 4);
   EXPECT_THAT(Export(Database, "Форма", "f.eif"), EndsWith("Structure not found (OT:12;ON:'Форма')"));
   EXPECT_TRUE(Platform.Manager.Tables(Database.Url).empty()) << "they are no tables of the user";
   EXPECT_EQ(Platform.Manager.DatabaseInfo(Database.Url).CatalogueVersion, 1);

@@ -3,6 +3,7 @@
 #include "tests/dsp/DSPFixture.h"
 #include "velkrund/dsp/Registration.h"
 #include "velkrund/eif/Eifiles.h"
+#include "velkrund/operations/ImportFileInterfaces.h"
 
 namespace velkrund::tests {
 namespace {
@@ -216,6 +217,34 @@ TEST_F(Structure, AnOperationKeepsAnAnswerForAll) {
     ASSERT_EQ(In.Execute(), 1) << In.LastError();
     EXPECT_FALSE(Operation.LeftAlone());
     EXPECT_EQ(Platform.Structures.Get("NEW", 12).Tree.GetCount(), 1);
+  }
+}
+
+TEST_F(Structure, AnImportOfFilesKeepsAnAnswerForAll) {
+  const std::string Section = "[SECTION]\r\nName = s\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = 12\r\n";
+  const std::string Tree =
+      "TableName = \r\nParentObject = \r\nRootNode = \r\n[DATA]\r\n" + Body("  x:DELETED\n  y\n") + "[END]\r\n";
+  Platform.MemoryFiles.Put("f.eif", Section + "ObjectName = A\r\n" + Tree + Section + "ObjectName = S\r\n" + Tree);
+  const struct {
+    TLButton TDSPConfirmForm::*Button;
+    bool ForAll;
+    const char* Result;
+    std::size_t Questions;
+  } Cases[] = {{&TDSPConfirmForm::UpdateButton, true, "  k\n  y\n", 1},
+               {&TDSPConfirmForm::UpdateButton, false, "  k\n  y\n", 2},
+               {&TDSPConfirmForm::RewriteButton, true, "  x:DELETED\n  y\n", 1},
+               {&TDSPConfirmForm::SkipButton, true, "  k\n  x\n", 1}};
+  TUOImportFileInterface In;
+  In.SetFileName("f.eif");
+  for (const auto& Case : Cases) {
+    Store("  k\n  x\n");
+    Platform.Structures.Get("A", 12);
+    Answer.Button = Case.Button;
+    Answer.ForAll = Case.ForAll;
+    Answer.Questions.clear();
+    ASSERT_EQ(In.Execute(), 1) << In.LastError();
+    EXPECT_EQ(Lines(), Case.Result);
+    EXPECT_EQ(Answer.Questions.size(), Case.Questions) << "of this run, whatever was answered in the one before";
   }
 }
 

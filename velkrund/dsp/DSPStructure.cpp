@@ -29,6 +29,13 @@ void TakeTruth(const std::optional<std::string>& Text, bool& Setting) {
     Setting = *Number != 0;
 }
 
+std::optional<TDSPImportOverwriteOptions> OverwriteOptionOf(const std::string& Text) {
+  const auto Number = StrToInt32(Text);
+  if (!Number || *Number < 0 || *Number > static_cast<int>(TDSPImportOverwriteOptions::ioDifference))
+    return std::nullopt;
+  return static_cast<TDSPImportOverwriteOptions>(*Number);
+}
+
 const char* TruthText(bool Setting) { return Setting ? "-1" : "0"; }
 
 }  // namespace
@@ -81,6 +88,9 @@ void TEIDSPStructureCommon::SaveProperties(TKvParamsList& Properties) const {
   Properties.Add(SettingName(".OverwriteAsk.Cancel"), TruthText(FOverwriteAsk->FCancel));
   Properties.Add(SettingName(".OverwriteAsk.AlwaysAsk"), TruthText(FOverwriteAsk->FAlwaysAsk));
   Properties.Add(SettingName(".ClearRoot"), TruthText(ClearRoot));
+  // Otherwise a section would be left with what an answer for another one made of its settings.
+  if (FOverwriteAsk->FForAll)
+    Properties.Add(SettingName(".OverwriteAsk.ForAll"), Format("%d", static_cast<int>(*FOverwriteAsk->FForAll)));
 }
 
 void TEIDSPStructureCommon::LoadProperties(const TKvParamsList& Properties) {
@@ -89,6 +99,8 @@ void TEIDSPStructureCommon::LoadProperties(const TKvParamsList& Properties) {
   TakeTruth(Properties.Find(SettingName(".OverwriteAsk.Cancel")), FOverwriteAsk->FCancel);
   TakeTruth(Properties.Find(SettingName(".OverwriteAsk.AlwaysAsk")), FOverwriteAsk->FAlwaysAsk);
   TakeTruth(Properties.Find(SettingName(".ClearRoot")), ClearRoot);
+  if (const auto ForAll = Properties.Find(SettingName(".OverwriteAsk.ForAll")))
+    if (const auto Answer = OverwriteOptionOf(*ForAll)) FOverwriteAsk->FForAll = Answer;
 }
 
 std::string TEIDSPStructureCommon::Identity() const {

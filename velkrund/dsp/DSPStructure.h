@@ -32,7 +32,8 @@ class TEIDSPStructureCommon : public TEIObject {
 
   void FillParameters(TEISectionParameters& Parameters) override;
   void Initialize(const TEISection& Section) override;
-  /// The settings are named after the class: the answers of the question, whether it is asked again, and ClearRoot.
+  /// The settings are named after the class: the answers of the question, whether it is asked again, ClearRoot,
+  /// and what was answered for all, if anything was.
   void SaveProperties(TKvParamsList& Properties) const override;
   void LoadProperties(const TKvParamsList& Properties) override;
   /// Cancelled: EAbort.

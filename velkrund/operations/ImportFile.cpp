@@ -33,6 +33,22 @@ int ObjectTypeOf(const TEISection& Section) {
   throw EConvertError(Format("'%s' is not a valid integer value (section '%s', ObjectType)", Text, Section.Name()));
 }
 
+/// Puts a host's settings for sections back, whatever sections add to them in a run.
+class TSettingsOfHost {
+ public:
+  explicit TSettingsOfHost(TKvParamsList& Settings) : FSettings(Settings), FBefore(Settings.Pairs()) {}
+  TSettingsOfHost(const TSettingsOfHost&) = delete;
+  TSettingsOfHost& operator=(const TSettingsOfHost&) = delete;
+  ~TSettingsOfHost() {
+    FSettings.Clear();
+    for (const auto& [Name, Value] : FBefore) FSettings.Add(Name, Value);
+  }
+
+ private:
+  TKvParamsList& FSettings;
+  const std::vector<TKvParamsList::TPair> FBefore;
+};
+
 void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName) {
   constexpr std::string_view TableNameParameter = "TableName";
   if (!InstalledMissingTableHook) return;
@@ -55,6 +71,7 @@ int TUOImportFile::Execute() {
         "Encrypted files are not supported yet. Decrypt the file first, and import the decrypted one with IsCrypted "
         "off");
   FStopping = false;
+  const TSettingsOfHost Settings(FEIObjectProperties);
   try {
     return ImportAll();
   } catch (const EAbort&) {

@@ -53,7 +53,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool FCrypted = false;                    // not supported yet: an error before anything is opened
   bool fCreateDBStructures = true;          // go on to table data and database objects
   bool ContinueOnError = true;              // ask after an error; false: raise it. Becomes false when the answer is No
-  TKvParamsList FEIObjectProperties;        // settings, and answers given for all, from one section object to the next
+  TKvParamsList FEIObjectProperties;        // settings for sections; answers given for all join them for one run
   TImportFileObserver* Observer = nullptr;  // borrowed, may be null
   TFileSystem* FileSystem = nullptr;        // where the files are, borrowed; null: the platform's
 

@@ -213,6 +213,9 @@ TEST_F(Structure, AnOperationKeepsAnAnswerForAll) {
     }
     EXPECT_EQ(Answer.Questions.size(), Case.Questions);
     EXPECT_TRUE(Operation.OverwriteAsk.FYes && Operation.OverwriteAsk.FAlwaysAsk) << "what the caller set stays";
+    In.SetDatabaseName("other");
+    ASSERT_EQ(In.Execute(), 1) << In.LastError();
+    EXPECT_EQ(Answer.Questions.size(), Case.Questions + 1) << "nobody has been asked about that database";
     In.SetObjectName("NEW");
     ASSERT_EQ(In.Execute(), 1) << In.LastError();
     EXPECT_FALSE(Operation.LeftAlone());

@@ -80,7 +80,10 @@ void TUOImportDSPStructure::InitEIObject(TEIObject& Object) {
   Section.ClearRoot = ClearRoot;
   Section.OverwriteOptions = OverwriteOptions;
   // A single answer changes the copy only, an answer for all stays in it.
-  if (!FSectionAsk.FForAll) FSectionAsk.Assign(OverwriteAsk);
+  std::pair Places(FSource->FileName(), DatabaseName);
+  const bool Answered = OverwriteAsk.FAlwaysAsk && FSectionAsk.FForAll && Places == FLastPlaces;
+  if (!Answered) FSectionAsk.Assign(OverwriteAsk);
+  FLastPlaces = std::move(Places);
   FSectionAsk.FLeftAlone = false;
   Section.SetOverwriteAsk(FSectionAsk);
 }

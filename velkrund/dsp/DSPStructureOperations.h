@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/operations/ImportExportInterfaces.h"
@@ -8,7 +9,7 @@
 namespace velkrund {
 
 /// Loads a structure section into the structures of a database. An answer for all that a person gives about structures
-/// that exist holds for later runs too.
+/// that exist holds for later runs too, as long as they load from the same file into the same database.
 class TUOImportDSPStructure : public TImportUtilOperation {
  public:
   TUOImportDSPStructure();
@@ -31,7 +32,8 @@ class TUOImportDSPStructure : public TImportUtilOperation {
   void InitEIObject(TEIObject& Object) override;
 
  private:
-  TDSPOverwriteAsk FSectionAsk;  // the copy that sections ask with
+  TDSPOverwriteAsk FSectionAsk;                     // the copy that sections ask with
+  std::pair<std::string, std::string> FLastPlaces;  // the file and the database of the last run
 };
 
 /// Saves a structure, or a part of one, as a section: version 200 for rv20, 100 for rv17.

@@ -18,7 +18,8 @@ const TCommandTexts ExportStructureTexts = {
     "-d DB (--type T --name NAME... | --all [--type T]) -o FILE",
     "A structure is identified by the number of its type and its name; dictionary list shows both. The type can be "
     "left "
-    "out where only one structure has the name. Sections are named after both, \"CLIENTS (12)\".\n\n"
+    "out where only one structure has the name. Sections are named after both, \"CLIENTS (12)\", and after the node "
+    "where only a part is exported: \"CLIENTS (12) Columns\".\n\n"
     "The sections are added to the file, which is made when it does not exist. A section of the same name that is "
     "there "
     "already is asked about, unless --overwrite or --add says what to do.\n\n"
@@ -39,6 +40,7 @@ class TExportStructure final : public TCommand {
 
  private:
   std::vector<TStructureId> Structures(const std::string& Database) const;
+  std::string SectionName(const TStructureId& Structure) const;
 
   std::vector<std::string> FNames;
   std::optional<std::int32_t> FType;
@@ -55,7 +57,7 @@ std::vector<TOptionGroup> TExportStructure::Options() {
       Switch("--all", "all structures of the database, or of that type", FAll),
       Text("--root", "NODE", "only this node with all below it: its names from the top, \"\\\" between them", FRoot),
       FExport.OutputOption(),
-      FExport.SectionOption("the structure's and its type, \"CLIENTS (12)\"")};
+      FExport.SectionOption("the structure's, its type and the node, \"CLIENTS (12) Columns\"")};
   for (TOption& Option : FExport.Others(Shared, "structure")) Own.push_back(std::move(Option));
   return {{"Options", Own}, Shared.General()};
 }
@@ -83,10 +85,16 @@ std::vector<TStructureId> TExportStructure::Structures(const std::string& Databa
   return Result;
 }
 
+/// A part has a name of its own, so that it does not take the place of the whole.
+std::string TExportStructure::SectionName(const TStructureId& Structure) const {
+  if (!FExport.Section.empty()) return FExport.Section;
+  return FRoot.empty() ? StructureText(Structure) : StructureText(Structure) + " " + FRoot;
+}
+
 int TExportStructure::Run(TSession& Session) {
   TReport Report{"export structure", "exported", Session.Application.DatabaseText(Session.Database()), FExport.Output};
   for (TStructureId& Structure : Structures(Report.Database)) {
-    Report.Items.push_back({FExport.Section.empty() ? StructureText(Structure) : FExport.Section});
+    Report.Items.push_back({SectionName(Structure)});
     Report.Items.back().Structure = std::move(Structure);
   }
   if (Report.Items.empty())

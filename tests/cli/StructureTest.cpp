@@ -192,6 +192,8 @@ TEST_F(TStructureTest, ExportFindsStructuresAndSections) {
       {{"--name", "clients", "--type", "10"}, 0, "CLIENTS (12) CLIENTS (10)", ""},
       {{"--name", "clients", "--type", "12"}, 1, "CLIENTS (12)", "the section 'Clients (12)'. Give --overwrite yes"},
       {{"--name", "clients", "--type", "12", "--add"}, 0, "CLIENTS (12) Clients (12)", ""},
+      {{"--name", "clients", "--type", "12", "--root", "a\\b"}, 0, "CLIENTS (12) Clients (12) a\\b", ""},
+      {{"--name", "clients", "--type", "12", "--root", "a\\"}, 1, "CLIENTS (12)", "'a\\' is no full name of a node"},
       {{"--all", "--overwrite", "yes"}, 0, "CLIENTS (10) Clients (12) G (71)", "in all 3 sections"},
       {{"--all", "--overwrite", "no"}, 0, "CLIENTS (12) CLIENTS (10) G (71)", "left out structure Clients (12)"},
       {{"--all", "--type", "71"}, 0, "CLIENTS (12) G (71)", ""},

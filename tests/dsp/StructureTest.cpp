@@ -94,6 +94,10 @@ TEST_F(Structure, MergingInEveryMode) {
       {"  p\n    a\n    a\n      x\n",
        "  p\n    a:DELETED\n    A:DELETED\n",
        {nullptr, "  p\n    a:DELETED\n    a\n      x\n", "  p\n"}},
+      {"  p\n    a\n    b\n    a\n      x\n    c\n",
+       "  p\n    B:DELETED\n    a:DELETED\n    b:byte = 1\n",
+       {"  p\n    a\n    a\n      x\n    b\n    c\n", "  p\n    a:DELETED\n    a\n      x\n    b:byte = 1\n    c\n",
+        "  p\n    a\n      x\n    b:byte = 1\n    c\n"}},
       {"  a\n", "  a\n    x\n  a\n    y\n", {"  a\n    x\n    y\n", "  a\n    x\n    y\n", "  a\n    x\n    y\n"}},
   };
   for (const auto& Case : Cases)
@@ -322,10 +326,14 @@ TEST_F(Structure, CancellingLeavesItAlone) {
   Made->OnCancel = [&] { return ++Polls == 2; };
   std::vector<std::string> Seen;
   Made->OnProgress = [&](std::int32_t, std::int32_t, std::string_view Name) { Seen.emplace_back(Name); };
-  Import(*Made, Body("  x\n  y\n  z\n"));
-  EXPECT_TRUE(Made->Stopped());
-  EXPECT_EQ(Seen, std::vector<std::string>(5, "S"));
-  EXPECT_EQ(Platform.Log.back(), "rollback");
+  for (const char* Lines : {"  x\n  y\n  z\n", "  x:string = 'a@\n@b@\n@c'\n"}) {
+    Polls = 0;
+    Seen.clear();
+    Import(*Made, Body(Lines));
+    EXPECT_TRUE(Made->Stopped());
+    EXPECT_EQ(Seen, std::vector<std::string>(5, "S"));
+    EXPECT_EQ(Platform.Log.back(), "rollback");
+  }
   EXPECT_EQ(Lines(), "  a\n  b\n");
   Polls = 0;
   EXPECT_THROW(Export(*Made), EAbort);

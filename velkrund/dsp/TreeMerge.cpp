@@ -1,6 +1,7 @@
 #include "velkrund/dsp/TreeMerge.h"
 
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "velkrund/platform/ormtools/Text.h"
@@ -9,36 +10,51 @@ namespace velkrund {
 
 namespace {
 
-/// The children of one node by name, so that a long list can be merged into a long list.
+/// The children of one node by name, so that a long list can be merged into a long list. What is deleted is not found
+/// any more; it goes when the list is done with.
 class TChildIndex {
  public:
   explicit TChildIndex(TDSPNode& Parent) : FParent(Parent) {
-    for (int Index = 0; Index < Parent.GetCount(); ++Index) Enter(Parent.GetNodes(Index));
+    FNodes.reserve(static_cast<std::size_t>(Parent.GetCount()));
+    for (int Place = 0; Place < Parent.GetCount(); ++Place) Enter(Place);
   }
 
   TDSPNode* Find(std::string_view Name) const {
     const auto Found = FNodes.find(LowerCase(Name));
-    return Found == FNodes.end() ? nullptr : Found->second;
+    return Found == FNodes.end() ? nullptr : &FParent.GetNodes(Found->second.First);
   }
   TDSPNode& Add(std::string_view Name) {
     TDSPNode& Node = FParent.AddNode(Name);
-    Enter(Node);
+    Enter(FParent.GetCount() - 1);
     return Node;
   }
+  /// Node: one that was found.
   void Delete(const TDSPNode& Node) {
-    const std::string Name = LowerCase(Node.Name());
-    FNodes.erase(Name);
-    FParent.DeleteNode(FParent.GetIndexOf(Node));
-    TDSPNode* const Namesake = FTwins ? FParent.FindNode(Name) : nullptr;
-    if (Namesake) Enter(*Namesake);
+    const auto Found = FNodes.find(LowerCase(Node.Name()));
+    TPlaces& Places = Found->second;
+    FGone.resize(static_cast<std::size_t>(FParent.GetCount()));
+    FGone[static_cast<std::size_t>(Places.First)] = true;
+    if (Places.First == Places.Last)
+      FNodes.erase(Found);
+    else
+      Places.First = FNamesakes.at(Places.First);
   }
+  void RemoveDeleted() { FParent.DeleteNodes(FGone); }
 
  private:
-  void Enter(TDSPNode& Node) { FTwins |= !FNodes.emplace(LowerCase(Node.Name()), &Node).second; }
+  struct TPlaces {
+    int First, Last;
+  };
+
+  void Enter(int Place) {
+    const auto [Found, IsNew] = FNodes.emplace(LowerCase(FParent.GetNodes(Place).Name()), TPlaces{Place, Place});
+    if (!IsNew) FNamesakes[std::exchange(Found->second.Last, Place)] = Place;
+  }
 
   TDSPNode& FParent;
-  std::unordered_map<std::string, TDSPNode*> FNodes;  // in lower case; the first of each name
-  bool FTwins = false;
+  std::unordered_map<std::string, TPlaces> FNodes;  // in lower case; the first is the one that counts
+  std::unordered_map<int, int> FNamesakes;          // of a place, the next one of the same name
+  std::vector<bool> FGone;                          // by place
 };
 
 /// Two nodes without values whose children are being merged.
@@ -92,6 +108,7 @@ void TMerger::MergeChildren(const TDSPNode& Source, TDSPNode& Target) {
   while (!Levels.empty()) {
     TLevel& Level = Levels.back();
     if (Level.Next == Level.Source.GetCount()) {
+      Level.Targets.RemoveDeleted();
       Levels.pop_back();
       continue;
     }
@@ -103,6 +120,7 @@ void TMerger::MergeChildren(const TDSPNode& Source, TDSPNode& Target) {
 void TMerger::Merge(const TDSPNode& Source, TDSPNode& Parent) {
   TChildIndex Targets(Parent);
   if (TDSPNode* const Target = MergeInto(Targets, Source)) MergeChildren(Source, *Target);
+  Targets.RemoveDeleted();
 }
 
 void ClearTarget(TDSPNode& Target) {

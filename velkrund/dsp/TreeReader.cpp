@@ -1,6 +1,7 @@
 #include "velkrund/dsp/TreeReader.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dsp/DSPUtilErrors.h"
@@ -15,36 +16,42 @@ void TDSPTreeReader::LineError(std::string_view What) {
                              FStream.SourcePosition()));
 }
 
-bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, const std::function<bool()>& OnLine) {
+bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, std::function<bool()> OnLine) {
   FPath.clear();
+  FOnLine = std::move(OnLine);
   const std::string_view RootName = RootNode.substr(RootNode.rfind(DSPNameSeparator) + 1);
-  while (!AtEnd()) {
-    if (OnLine && !OnLine()) return false;
-    ReadLine(NextLine(), Tree, RootName);
+  for (std::string_view Line; !AtEnd();) {
+    if (!NextLine(Line)) return false;
+    ReadLine(Line, Tree, RootName);
   }
   // Without its node the tree would become one without a name.
   if (!RootName.empty() && FPath.empty()) LineError("Unexpected end of tree section");
   return true;
 }
 
-std::string_view TDSPTreeReader::NextLine() {
-  const std::string_view Line = FStream.Readln();
-  if (!Line.ends_with(ContinuationMark)) return Line;
-  JoinPieces(Line);
-  return FJoined;
+// The next line, its pieces put together; false when it is not wanted any more.
+bool TDSPTreeReader::NextLine(std::string_view& Line) {
+  if (FOnLine && !FOnLine()) return false;
+  Line = FStream.Readln();
+  if (!Line.ends_with(ContinuationMark)) return true;
+  if (!JoinPieces(Line)) return false;
+  Line = FJoined;
+  return true;
 }
 
-void TDSPTreeReader::JoinPieces(std::string_view Line) {
+bool TDSPTreeReader::JoinPieces(std::string_view Line) {
   FJoined = Line;
   for (bool More = true; More;) {
     FJoined.pop_back();
     if (AtEnd()) LineError("Unexpected end of tree section");
+    if (FOnLine && !FOnLine()) return false;
     std::string_view Piece = FStream.Readln();
     if (!Piece.starts_with(ContinuationMark)) LineError("'@' is missing");
     Piece.remove_prefix(1);
     FJoined += Piece;
     More = Piece.ends_with(ContinuationMark);
   }
+  return true;
 }
 
 void TDSPTreeReader::ReadLine(std::string_view Line, TDSPNode& Tree, std::string_view RootName) {

@@ -21,12 +21,12 @@ class TDSPTreeReader {
   /// stands for, and which Tree becomes, under the last of its names, which is not empty; an empty one: the top nodes
   /// become Tree's children.
   /// OnLine: called for every line of the file; false ends the reading, and Read returns false.
-  bool Read(TDSPNode& Tree, std::string_view RootNode, const std::function<bool()>& OnLine = {});
+  bool Read(TDSPNode& Tree, std::string_view RootNode, std::function<bool()> OnLine = {});
 
  private:
   bool AtEnd() { return FStream.Position() >= FStream.Size(); }
-  std::string_view NextLine();
-  void JoinPieces(std::string_view Line);
+  bool NextLine(std::string_view& Line);
+  bool JoinPieces(std::string_view Line);
   void ReadLine(std::string_view Line, TDSPNode& Tree, std::string_view RootName);
   TDSPNode& PlaceOf(std::string_view Indented, TDSPNode& Tree, std::string_view RootName);
   void ReadTypeAndValue(std::string_view Text, TDSPNode& Node);
@@ -34,6 +34,7 @@ class TDSPTreeReader {
 
   TEIStream& FStream;
   const TNodeTexts& FTexts;
+  std::function<bool()> FOnLine;
   std::string FJoined;
   std::string FName;
   std::vector<TDSPNode*> FPath;  // the last node read and those above it, by depth

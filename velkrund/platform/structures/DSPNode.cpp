@@ -70,6 +70,13 @@ TDSPNode& TDSPNode::AddNode(std::string_view Name) {
 
 void TDSPNode::DeleteNode(int Index) { FNodes.erase(FNodes.begin() + static_cast<std::ptrdiff_t>(Checked(Index))); }
 
+void TDSPNode::DeleteNodes(const std::vector<bool>& Gone) {
+  std::size_t Kept = 0;
+  for (std::size_t Index = 0; Index < FNodes.size(); ++Index)
+    if (Index >= Gone.size() || !Gone[Index]) FNodes[Kept++].swap(FNodes[Index]);
+  FNodes.resize(Kept);
+}
+
 int TDSPNode::GetIndexOf(const TDSPNode& Node) const {
   for (std::size_t Index = 0; Index < FNodes.size(); ++Index)
     if (FNodes[Index].get() == &Node) return static_cast<int>(Index);

@@ -68,6 +68,8 @@ class TDSPNode {
   TDSPNode& AddNode(std::string_view Name);
   /// Index as for GetNodes.
   void DeleteNode(int Index);
+  /// Removes the children at whose place Gone is true; those beyond its end stay.
+  void DeleteNodes(const std::vector<bool>& Gone);
   /// The position of that very child; -1 when it is none.
   int GetIndexOf(const TDSPNode& Node) const;
 

@@ -7,12 +7,6 @@
 
 namespace velkrund {
 
-namespace {
-
-constexpr std::string_view AbortClass = "EAbort:";
-
-}  // namespace
-
 bool TBatch::Run(TReportItem& Item, TUtilOperationInterface& Interface, const TAmount& Amount, bool More) {
   Execute(Item, Interface, Amount);
   if (Item.State == TItemState::Failed) {
@@ -36,10 +30,9 @@ void TBatch::Execute(TReportItem& Item, TUtilOperationInterface& Interface, cons
   Item.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
   Item.Losses = {FSource.Losses().Unrepresentable - Before.Unrepresentable,
                  FSource.Losses().Malformed - Before.Malformed};
-  const std::string& Error = Interface.LastError();
-  if (!Error.empty() && !Error.starts_with(AbortClass)) {
+  if (!Interface.LastError().empty()) {
     Item.State = TItemState::Failed;
-    Item.Note = Error;
+    Item.Note = Interface.LastError();
   } else {
     Item.State = Result != 0 ? TItemState::Done : TItemState::Cancelled;
   }

@@ -11,7 +11,11 @@ int TImportUtilOperation::Execute() {
   Object->OnProgress = FOnShowProgress;
   Object->OnCancel = [this] { return IsCanceled(); };
   if (!FSource) throw Exception("Propetry Source must be assigned for import util operation");
-  FSource->ImportObject(*Object);
+  try {
+    FSource->ImportObject(*Object);
+  } catch (const EAbort&) {
+    return 0;
+  }
   return Object->Stopped() ? 0 : 1;
 }
 

@@ -19,7 +19,7 @@ TEST(Dialogs, EveryButtonHasItsCode) {
 TEST(Dialogs, ClosedWithoutAButton) {
   TDialogPlatform Platform;
   const std::map<std::string, std::string> Answers = {{"yes/no", "2"},    {"yes/no/cancel", "2"}, {"structure", "0"},
-                                                      {"object", "2"},    {"series", "2"},        {"box", "2"},
+                                                      {"object", "2"},    {"series", "2"},        {"box", ""},
                                                       {"box/cancel", "2"}};
   for (const TDialogCase& Case : DialogCases()) {
     TScriptedWindows Windows;
@@ -28,7 +28,12 @@ TEST(Dialogs, ClosedWithoutAButton) {
     std::string Answer = Answers.at(Case.Name);
     // What the box says counts without a button too, except where the buttons collect the answer.
     if (Case.CheckBox == "ForAllOperationsCheckBox") Answer += " for all";
-    EXPECT_EQ(Case.Ask(), Answer) << Case.Name;
+    try {
+      EXPECT_EQ(Case.Ask(), Answer) << Case.Name;
+    } catch (const Exception& Error) {
+      EXPECT_TRUE(Answer.empty()) << Case.Name;
+      EXPECT_STREQ(Error.what(), "TMessageBoxForm stays open until a button is pressed: Объект 東京?");
+    }
   }
 }
 

@@ -36,6 +36,10 @@ int TScriptedWindows::AnswerWith(TForm& Form, const TScriptedAnswer& Answer) {
     Form.RequestClose();
   else
     Form.Click(Named<TLButton>(Form, Answer.Button));
+  if (Form.ModalResult() == mrNone)
+    throw Exception(Format("%s stays open %s: %s", Form.ClassName(),
+                           Answer.Button.empty() ? "until a button is pressed" : "after '" + Answer.Button + "'",
+                           Form.Message()));
   FAnswered.push_back(Form.Message());
   return Form.ModalResult();
 }

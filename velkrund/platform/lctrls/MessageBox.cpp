@@ -27,6 +27,7 @@ TMessageBoxForm::TMessageBoxForm(std::string_view Text, std::string_view WindowC
   Caption = WindowCaption;
   FTextLabel.Caption = Text;
   const std::uint32_t Buttons = Flags & ButtonsMask;
+  FMayClose = Buttons != MB_YESNO;
   if (Buttons == MB_YESNO || Buttons == MB_YESNOCANCEL) {
     AddButton("YesButton", "ST_YES", mrYes);
     AddButton("NoButton", "ST_NO", mrNo);

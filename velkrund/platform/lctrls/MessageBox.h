@@ -25,11 +25,15 @@ inline constexpr int IDCANCEL = mrCancel;
 inline constexpr int IDYES = mrYes;
 inline constexpr int IDNO = mrNo;
 
-/// A message with the buttons that its flags name.
+/// A message with the buttons that its flags name. One that asks yes or no is closed by an answer alone: a window that
+/// is closed says neither.
 class TMessageBoxForm final : public TForm {
  public:
   TMessageBoxForm(std::string_view Text, std::string_view WindowCaption, std::uint32_t Flags);
   const char* ClassName() const override { return "TMessageBoxForm"; }
+
+ protected:
+  bool CloseQuery() override { return FMayClose; }
 
  private:
   void AddButton(const char* Name, const char* CaptionKey, int ModalResult);
@@ -37,6 +41,7 @@ class TMessageBoxForm final : public TForm {
   TLImage FImage;
   TLLabel FTextLabel{*this, "TextLabel"};
   std::vector<std::unique_ptr<TLButton>> FButtons;
+  bool FMayClose = true;
 };
 
 /// Shows a message box on the main thread and returns the answer's code. Without anybody to answer a question it raises

@@ -4,17 +4,31 @@
 #include <utility>
 
 #include "hosts/common/Application.h"
+#include "standalone/windows/messagebox/MessageBoxWindows.h"
 #include "velkrund/module/CGuard.h"
 #include "velkrund/module/Velkrund.h"
+#include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
 namespace {
 
+int AskHost(const std::string& Text, const std::string& Caption, std::uint32_t Flags) {
+  return HasUtilOperationsMessageBox() ? uoMessageBox(0, ToUtf16(Text), ToUtf16(Caption), Flags, 0, 0) : 0;
+}
+
+struct TInstalled {
+  explicit TInstalled(const TApplicationOptions& Options) : Application(Options, &Windows) {}
+
+  TMessageBoxWindows Windows{&AskHost};
+  TApplication Application;
+};
+
 // Left alone at the end of a program that does not remove it: databases are closed by the system then, in any order.
-TApplication* Installed = nullptr;
+TInstalled* Installed = nullptr;
 
 }  // namespace
 
@@ -27,7 +41,7 @@ int VelkrundInstallPlatform(const char* ConfigFile) {
     if (Installed) throw Exception("A platform is installed already; remove it first");
     TApplicationOptions Options;
     if (ConfigFile) Options.ConfigFile = ConfigFile;
-    Installed = std::make_unique<TApplication>(Options).release();
+    Installed = std::make_unique<TInstalled>(Options).release();
     return 1;
   });
 }

@@ -1,3 +1,6 @@
+#include <set>
+
+#include "standalone/windows/messagebox/MessageBoxWindows.h"
 #include "standalone/windows/scripted/ScriptedWindows.h"
 #include "tests/dialogs/DialogFixture.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -49,6 +52,48 @@ TEST(Dialogs, NobodyToAskIsAnErrorThatNamesTheQuestion) {
   }
   EXPECT_EQ(ShowMessageBox("done", "", MB_OK | MB_ICONINFORMATION), IDOK);
   EXPECT_EQ(Platform.Log, std::vector<std::string>{"done"});
+}
+
+TEST(Dialogs, MessageBoxesAnswerWithYesNoAndCancel) {
+  TDialogPlatform Platform;
+  const std::map<std::string, int> Codes = {{"YesButton", 6}, {"RewriteButton", 6}, {"OverwriteButton", 6},
+                                            {"NoButton", 7},  {"SkipButton", 7},    {"CancelButton", 2}};
+  const std::set<std::string> HaveCancel = {"yes/no/cancel", "series", "box/cancel"};
+  for (const TDialogCase& Case : DialogCases()) {
+    int Answer = 0;
+    std::string Asked;
+    TMessageBoxWindows Windows([&](const std::string& Text, const std::string&, std::uint32_t Flags) {
+      EXPECT_EQ(Flags, MB_YESNOCANCEL);
+      Asked = Text;
+      return Answer;
+    });
+    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    for (const int NoAnswer : {0, IDOK}) {
+      Answer = NoAnswer;
+      EXPECT_THROW(Case.Ask(), EQuestionUnanswered) << Case.Name;
+    }
+    Answer = IDCANCEL;
+    if (!HaveCancel.contains(Case.Name)) {
+      EXPECT_THROW(Case.Ask(), EAbort) << Case.Name;
+    }
+    const auto Code = Codes.find(Case.Button);
+    if (Code == Codes.end() || !Case.CheckBox.empty()) continue;
+    Answer = Code->second;
+    EXPECT_EQ(Case.Ask(), Case.Answer) << Case.Name << " " << Case.Button;
+    const std::string Meaning = Case.Button == "RewriteButton" ? "\r\nYes: Replace\r\nNo: Skip" : "";
+    if (!Meaning.empty() || Case.Button == "NoButton") {
+      EXPECT_EQ(Asked, "Объект 東京?" + Meaning);
+    }
+  }
+  int Told = 0;
+  TMessageBoxWindows Windows([&](const std::string&, const std::string&, std::uint32_t Flags) {
+    EXPECT_EQ(Flags, MB_OK);
+    return Told++ == 0 ? IDOK : 0;
+  });
+  const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+  EXPECT_EQ(ShowMessageBox("told", "", MB_OK), IDOK);
+  EXPECT_EQ(ShowMessageBox("traced", "", MB_OK), IDOK);
+  EXPECT_EQ(Platform.Log, std::vector<std::string>{"traced"});
 }
 
 TEST(Dialogs, ScriptsAnswerInOrderAndOnlyWhatIsOffered) {

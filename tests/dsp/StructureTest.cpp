@@ -53,6 +53,18 @@ class Structure : public testing::Test {
     Platform.Structures.Stored.clear();
     Import(*Section<TEIDSPStructure>(), Body(Lines));
   }
+  /// Makes the file, with the structure F of type 12 as its only section.
+  static void ExportF(TEIFile& File) {
+    File.SetFileName("f.eif");
+    File.CreateFile();
+    File.Open();
+    TUOExportDSPStructureInterface Out;
+    Out.SetTarget(&File);
+    Out.SetSectionName("s");
+    Out.SetObjectName("F");
+    Out.SetObjectType(12);
+    ASSERT_EQ(Out.Execute(), 1) << Out.LastError();
+  }
 
   TDSPPlatform Platform;
   TAnswer Answer;
@@ -182,15 +194,7 @@ TEST_F(Structure, AnswersToTheQuestion) {
 TEST_F(Structure, AnOperationKeepsAnAnswerForAll) {
   Add(Platform.Structures.Get("F", 12).Tree, "y");
   TEIFile File(Platform.MemoryFiles);
-  File.SetFileName("f.eif");
-  File.CreateFile();
-  File.Open();
-  TUOExportDSPStructureInterface Out;
-  Out.SetTarget(&File);
-  Out.SetSectionName("s");
-  Out.SetObjectName("F");
-  Out.SetObjectType(12);
-  ASSERT_EQ(Out.Execute(), 1) << Out.LastError();
+  ExportF(File);
   const struct {
     TLButton TDSPConfirmForm::*Button;
     bool ForAll;
@@ -271,6 +275,35 @@ TEST_F(Structure, AnswersThatAreThereAlready) {
   EXPECT_TRUE(Answer.Questions.empty());
   EXPECT_TRUE(TEIDSPStructure().OverwriteAsk().FAlwaysAsk);
   EXPECT_FALSE(TEIDSPStructureOld().OverwriteAsk().FAlwaysAsk);
+}
+
+TEST_F(Structure, AHostAnswersInAdvance) {
+  Add(Platform.Structures.Get("F", 12).Tree, "y", TDSPValueType::Deleted);
+  TEIFile File(Platform.MemoryFiles);
+  ExportF(File);
+  TUOImportDSPStructureInterface In;
+  In.SetSource(&File);
+  In.SetObjectName("S");
+  Answer.Button = &TDSPConfirmForm::SkipButton;
+  const struct {
+    const char *Existing, *Result;
+    std::size_t Questions;
+  } Cases[] = {{"ask", "  x\n  y\n", 1},  {"replace", "  y:DELETED\n", 0}, {"update", "  x\n", 0},
+               {"skip", "  x\n  y\n", 0}, {"update", "  x\n", 0},          {"ask", "  x\n  y\n", 1}};
+  for (const auto& Case : Cases) {
+    Store("  x\n  y\n");
+    Answer.Questions.clear();
+    SetPropertyText(In, "OverwriteExisting", Case.Existing);
+    EXPECT_EQ(GetPropertyText(In, "OverwriteExisting"), Case.Existing);
+    ASSERT_EQ(In.Execute(), 1) << In.LastError();
+    EXPECT_EQ(Lines(), Case.Result) << Case.Existing;
+    EXPECT_EQ(Answer.Questions.size(), Case.Questions) << Case.Existing;
+  }
+  Store("  x\n  y\n");
+  In.SetClearRoot(false);
+  In.SetOverwriteExisting(TOverwriteExisting::Replace);
+  ASSERT_EQ(In.Execute(), 1) << In.LastError();
+  EXPECT_EQ(Lines(), "  x\n  y:DELETED\n");
 }
 
 TEST_F(Structure, SettingsTravel) {

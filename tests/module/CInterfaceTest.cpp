@@ -14,7 +14,15 @@ constexpr const char* ImportFiles = "TUOImportFilesInterface";
 constexpr const char* ImportTable = "TUOImportTableDataInterface";
 
 std::u16string Asked;
+std::uint32_t AskedFlags = 0;
 std::int32_t HookAnswer = 0;
+
+std::int32_t Answer(std::uintptr_t, const VelkrundChar* Text, const VelkrundChar*, std::uint32_t Flags, std::int32_t,
+                    std::int32_t) {
+  Asked = Text;
+  AskedFlags = Flags;
+  return HookAnswer;
+}
 
 /// A database with a table of three rows, and a configuration that names it.
 class CInterface : public testing::Test {
@@ -170,11 +178,7 @@ TEST_F(CPlatform, PropertiesAreListedAndTravelAsTexts) {
 }
 
 TEST_F(CPlatform, MessageBoxHookAnswers) {
-  VelkrundSetMessageBox(
-      [](std::uintptr_t, const VelkrundChar* Text, const VelkrundChar*, std::uint32_t, std::int32_t, std::int32_t) {
-        Asked = Text;
-        return HookAnswer;
-      });
+  VelkrundSetMessageBox(&Answer);
   const std::string FileName = Folder.Write(
       "a,b.eif",
       "[SECTION]\rName=s\rType=TableData\rVersion=200\rTableName=NOPE\r[DATA]\r[FIELDS]\r[RECORDS]\r[END]\r");
@@ -193,6 +197,55 @@ TEST_F(CPlatform, MessageBoxHookAnswers) {
               Case.Answer == 0);
     EXPECT_NE(Asked.find(u"(TableName:'NOPE')"), std::u16string::npos);
     EXPECT_TRUE(VelkrundDestroyOperation(Import));
+  }
+}
+
+TEST_F(CPlatform, HostsDecideAboutStructuresThatExist) {
+  const auto Write = [&](const char* Name, const std::string& Lines) {
+    return Folder.Write(Name,
+                        "[SECTION]\r\nName = s\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = 12\r\n"
+                        "ObjectName = S\r\nTableName = \r\nParentObject = \r\nRootNode = \r\n[DATA]\r\n" +
+                            Lines + "[END]\r\n");
+  };
+  const auto Import = [&](const std::string& FileName, const char* Existing) {
+    VelkrundFile* File = VelkrundOpenFile(FileName.c_str(), VELKRUND_READ);
+    VelkrundOperation* Operation = VelkrundCreateOperation("TUOImportDSPStructureInterface", nullptr);
+    EXPECT_TRUE(VelkrundSetProperty(Operation, "DatabaseName", "shop") && VelkrundSetFile(Operation, "Source", File) &&
+                VelkrundSetProperty(Operation, "OverwriteExisting", Existing))
+        << VelkrundLastError();
+    const std::int32_t Result = VelkrundExecute(Operation);
+    std::string Outcome = std::to_string(Result) + VelkrundLastError();
+    EXPECT_TRUE(VelkrundDestroyOperation(Operation) && VelkrundCloseFile(File));
+    return Outcome.substr(0, Outcome.find(':'));
+  };
+  const std::string Old = Write("old.eif", " [REMARKS]\r\n  old\r\n [TREE]\r\n  a\r\n  b\r\n");
+  const std::string New = Write("new.eif", " [REMARKS]\r\n  new\r\n [TREE]\r\n  b:DELETED\r\n");
+  constexpr std::int32_t NoHook = -1;
+  const struct {
+    const char* Existing;
+    std::int32_t Answer;
+    const char *Outcome, *Remarks;
+    std::uint32_t Flags;  // of the question; 0: none is asked
+  } Cases[] = {
+      {"ask", NoHook, "0EQuestionUnanswered", "old\n", 0},
+      {"ask", 0, "0EQuestionUnanswered", "old\n", 3},
+      {"ask", 1, "0EQuestionUnanswered", "old\n", 3},
+      {"ask", 2, "0", "old\n", 3},
+      {"ask", 6, "1", "new\n", 3},
+      {"ask", 7, "1", "old\n", 3},
+      {"skip", NoHook, "1", "old\n", 0},
+      {"replace", NoHook, "1", "new\n", 0},
+      {"update", NoHook, "1", "new\n", 0},
+  };
+  for (const auto& Case : Cases) {
+    EXPECT_EQ(Import(Old, "replace"), "1");
+    EXPECT_TRUE(VelkrundSetMessageBox(Case.Answer == NoHook ? nullptr : &Answer));
+    HookAnswer = Case.Answer, Asked.clear(), AskedFlags = 0;
+    EXPECT_EQ(Import(New, Case.Existing), Case.Outcome) << Case.Existing << Case.Answer;
+    EXPECT_EQ(SQL("shop.db", "SELECT remarks FROM velkrund_structures"), Case.Remarks) << Case.Existing << Case.Answer;
+    EXPECT_EQ(AskedFlags, Case.Flags);
+    EXPECT_EQ(Asked.find(u"'S'") != std::u16string::npos, Case.Flags != 0);
+    EXPECT_EQ(Asked.ends_with(u"\r\nYes: Replace\r\nNo: Skip"), Case.Flags != 0) << "what the answers mean";
   }
 }
 

@@ -13,6 +13,7 @@ using TImport = TUOImportDSPStructureInterface;
 using TExport = TUOExportDSPStructureInterface;
 
 constexpr std::string_view OverwriteNames[] = {"skip", "replace", "difference"};
+constexpr std::string_view ExistingNames[] = {"ask", "skip", "replace", "update"};
 
 template <typename TOperation>
 std::unique_ptr<TUtilOperation> MakeOperation() {
@@ -39,6 +40,10 @@ constexpr TProperty ImportProperties[] = {
         "ChangeStructureproperties", "store table name, parent object and remarks too"),
     EnumProperty<TImport, TDSPImportOverwriteOptions, &TImport::OverwriteOptions, &TImport::SetOverwriteOptions>(
         "OverwriteOptions", "what becomes of nodes that are there already", OverwriteNames),
+    EnumProperty<TImport, TOverwriteExisting, &TImport::OverwriteExisting, &TImport::SetOverwriteExisting>(
+        "OverwriteExisting",
+        "a structure that exists: ask, skip it, replace it as OverwriteOptions and ClearRoot say, or update it",
+        ExistingNames),
 };
 
 constexpr TProperty ExportProperties[] = {
@@ -68,6 +73,21 @@ constinit const TInterfaceDescriptor TExport::Descriptor{"TUOExportDSPStructureI
 TUOImportDSPStructure::TUOImportDSPStructure() {
   OverwriteAsk.FYes = true;
   OverwriteAsk.FAlwaysAsk = true;
+}
+
+TOverwriteExisting TUOImportDSPStructure::OverwriteExisting() const {
+  if (OverwriteAsk.FAlwaysAsk) return TOverwriteExisting::Ask;
+  if (!OverwriteAsk.FYes) return TOverwriteExisting::Skip;
+  const bool Updates = OverwriteAsk.FForAll == TDSPImportOverwriteOptions::ioDifference;
+  return Updates ? TOverwriteExisting::Update : TOverwriteExisting::Replace;
+}
+
+void TUOImportDSPStructure::SetOverwriteExisting(TOverwriteExisting Answer) {
+  OverwriteAsk.FAlwaysAsk = Answer == TOverwriteExisting::Ask;
+  OverwriteAsk.FYes = Answer != TOverwriteExisting::Skip;
+  OverwriteAsk.FForAll.reset();
+  FSectionAsk.FForAll.reset();
+  if (Answer == TOverwriteExisting::Update) OverwriteAsk.FForAll = TDSPImportOverwriteOptions::ioDifference;
 }
 
 void TUOImportDSPStructure::InitEIObject(TEIObject& Object) {

@@ -8,6 +8,10 @@
 
 namespace velkrund {
 
+/// What a host has decided about structures that exist. Replace: as OverwriteOptions and ClearRoot say; Update: as the
+/// answer of that name, whatever they say.
+enum class TOverwriteExisting : int { Ask = 0, Skip = 1, Replace = 2, Update = 3 };
+
 /// Loads a structure section into the structures of a database. An answer for all that a person gives about structures
 /// that exist holds for later runs too, as long as they load from the same file into the same database.
 class TUOImportDSPStructure : public TImportUtilOperation {
@@ -22,6 +26,10 @@ class TUOImportDSPStructure : public TImportUtilOperation {
   bool ChangeStructureproperties = true;  // table name, parent object and remarks are stored too
   TDSPImportOverwriteOptions OverwriteOptions = TDSPImportOverwriteOptions::ioReplace;
   TDSPOverwriteAsk OverwriteAsk;  // whether a structure that exists is overwritten; asked about unless told otherwise
+
+  /// OverwriteAsk as one setting. Ask unless set.
+  TOverwriteExisting OverwriteExisting() const;
+  void SetOverwriteExisting(TOverwriteExisting Answer);
 
   /// Whether the last run left a structure that exists as it was, because of an answer.
   bool LeftAlone() const { return FSectionAsk.FLeftAlone; }
@@ -68,6 +76,8 @@ class TUOImportDSPStructureInterface : public TImportUtilOperationInterface {
   void SetChangeStructureproperties(bool Value) { Import().ChangeStructureproperties = Value; }
   TDSPImportOverwriteOptions OverwriteOptions() const { return Import().OverwriteOptions; }
   void SetOverwriteOptions(TDSPImportOverwriteOptions Options) { Import().OverwriteOptions = Options; }
+  TOverwriteExisting OverwriteExisting() const { return Import().OverwriteExisting(); }
+  void SetOverwriteExisting(TOverwriteExisting Answer) { Import().SetOverwriteExisting(Answer); }
 
   static const TPropertyTable PropertyTable;
   static const TInterfaceDescriptor Descriptor;

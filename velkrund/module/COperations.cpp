@@ -3,6 +3,7 @@
 #include "velkrund/module/CHandles.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/OperationErrors.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -46,7 +47,9 @@ int AskHost(VelkrundMessageBoxProc MessageBox, TWindowHandle Window, std::u16str
             std::u16string_view Caption, std::uint32_t Flags, std::int32_t Extra1, std::int32_t Extra2) {
   const std::u16string Question(Text);
   const int Answer = MessageBox(Window, Question.c_str(), std::u16string(Caption).c_str(), Flags, Extra1, Extra2);
-  return Answer ? Answer : ShowMessageBox(FromUtf16(Text), FromUtf16(Caption), Flags);
+  if (Answer) return Answer;
+  TMessageBoxForm Form(FromUtf16(Text), FromUtf16(Caption), Flags);
+  return NobodyAtTheScreen().ShowModal(Form);
 }
 
 }  // namespace

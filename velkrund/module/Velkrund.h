@@ -108,7 +108,9 @@ VELKRUND_API int VelkrundStartOperationProgress(VelkrundManager* Manager, const 
 
 /* Answers a question, or shows a message, of an operation. Flags and answers are those of the desktop systems' message
  * box: 4 asks yes or no, 3 also cancel, 0 tells; answers are 1 OK, 2 cancel, 6 yes, 7 no. 0: nobody can answer, which
- * makes the question an error. */
+ * makes the question an error. Whether a structure that exists is overwritten is asked with 3: yes replaces it, no
+ * leaves it as it is, cancel ends the run. The property OverwriteExisting of TUOImportDSPStructureInterface answers
+ * that beforehand, and can also have the structure updated. */
 typedef int32_t (*VelkrundMessageBoxProc)(uintptr_t Window, const VelkrundChar* Text, const VelkrundChar* Caption,
                                           uint32_t Flags, int32_t Extra1, int32_t Extra2);
 /* NULL: nobody answers. To be called while no operation runs. */

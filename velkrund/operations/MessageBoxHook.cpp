@@ -13,6 +13,8 @@ TUtilOperationsMessageBox InstalledHook;
 
 void SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook) { InstalledHook = std::move(Hook); }
 
+bool HasUtilOperationsMessageBox() { return static_cast<bool>(InstalledHook); }
+
 int uoMessageBox(TWindowHandle Window, std::u16string_view Text, std::u16string_view Caption, std::uint32_t Flags,
                  std::int32_t Extra1, std::int32_t Extra2) {
   if (!InstalledHook) return ShowMessageBox(FromUtf16(Text), FromUtf16(Caption), Flags);

@@ -15,6 +15,7 @@ using TUtilOperationsMessageBox =
 
 /// Installs a host's own message box; an empty hook restores the platform's. To be called while no operation runs.
 void SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook);
+bool HasUtilOperationsMessageBox();
 
 /// Asks a question that has no question object, with texts already in the user's language, and returns the answer's
 /// code (platform/lctrls/MessageBox.h has flags and codes). Asked on the main thread, whatever thread calls. A hook

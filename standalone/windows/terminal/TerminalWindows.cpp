@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <string>
+#include <vector>
 
 #include "standalone/windows/terminal/Choices.h"
 #include "standalone/windows/terminal/TerminalText.h"
@@ -60,22 +61,36 @@ std::string_view NextWord(std::string_view& Line) {
   return Word;
 }
 
-/// Presses and changes what was typed; false when something is not understood.
-bool Press(TForm& Form, const TChoices& Choices, std::string_view Typed) {
-  const TChoices::TChoice* Choice = Choices.Find(Trim(Typed));
-  if (!Choice) {
-    const std::string_view Word = NextWord(Typed);
-    if (Typed.empty() || !(Choice = Choices.Find(Word))) return false;
-  } else {
-    Typed = {};
+/// The choices that were typed, in order; none when a word is not understood, or when more than one would end the form:
+/// half of what somebody meant must not be done.
+std::vector<const TChoices::TChoice*> Understood(const TChoices& Choices, std::string_view Typed) {
+  std::vector<const TChoices::TChoice*> Result;
+  int Ends = 0;
+  for (Typed = Trim(Typed); !Typed.empty(); Typed = Trim(Typed)) {
+    const TChoices::TChoice* Choice = Choices.Find(Typed);  // whole: a caption may have blanks
+    if (Choice)
+      Typed = {};
+    else
+      Choice = Choices.Find(NextWord(Typed));
+    if (!Choice) return {};
+    Ends += !Choice->CheckBox;
+    Result.push_back(Choice);
   }
-  if (Choice->CheckBox)
-    Choice->CheckBox->Checked = !Choice->CheckBox->Checked;
-  else if (Choice->Button)
-    Form.Click(*Choice->Button);
-  else
-    GiveUp();
-  return Trim(Typed).empty() || Form.ModalResult() != mrNone || Press(Form, Choices, Typed);
+  if (Ends > 1) Result.clear();
+  return Result;
+}
+
+/// Changes the check boxes that were typed, then presses the button.
+void Press(TForm& Form, const TChoices& Choices, std::string_view Typed) {
+  const TChoices::TChoice* End = nullptr;
+  for (const TChoices::TChoice* Choice : Understood(Choices, Typed))
+    if (Choice->CheckBox)
+      Choice->CheckBox->Checked = !Choice->CheckBox->Checked;
+    else
+      End = Choice;
+  if (!End) return;
+  if (!End->Button) GiveUp();
+  Form.Click(*End->Button);
 }
 
 }  // namespace

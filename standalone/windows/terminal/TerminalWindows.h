@@ -16,7 +16,9 @@ namespace velkrund {
 ///
 /// A button is pressed by its letter or its whole caption, in any case; a capital letter marks an answer that holds for
 /// all that is still to come. Check boxes are shown with their state and change when their letter is typed; several
-/// letters may stand in one line, with blanks between them. "?" tells the hints. Cancel is offered with every question.
+/// letters may stand in one line, with blanks between them, one button among them. A line with anything else in it does
+/// nothing and is asked again. So does Enter alone, whatever the default button is: it is typed too easily, and ahead
+/// of the question, to overwrite anything. "?" tells the hints. Cancel is offered with every question.
 /// A form without a choice is a message. Used by the main thread, except for Synchronize.
 class TTerminalWindows final : public TWindowSystem {
  public:

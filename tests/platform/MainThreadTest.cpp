@@ -77,6 +77,35 @@ TEST(MainThread, TheEndOfALoopLeavesNobodyWaiting) {
   EXPECT_EQ(Counting.Count, Workers * Rounds) << "in place and by loops, but never two at once";
 }
 
+TEST(MainThread, TwoWorkersThatAskAtOnceLeaveTheQueueToOthers) {
+  TMainThreadQueue Queue;
+  std::atomic<int> Answered = 0;
+  const auto AskWithin = [&](const std::function<bool()>& Done) {
+    Queue.Run([&] {
+      const TMainThreadQueue::TLoop Loop(Queue);
+      while (!Done()) Queue.Pump();
+      ++Answered;
+    });
+  };
+  std::atomic<bool> OuterAsks = false;
+  std::thread Third([&] {
+    while (Answered < 2) std::this_thread::yield();
+    Queue.Run([&] { ++Answered; });
+  });
+  std::thread Outer([&] {
+    AskWithin([&] {
+      OuterAsks = true;
+      return Answered > 0;
+    });
+  });
+  std::thread Inner([&] {
+    while (!OuterAsks) std::this_thread::yield();
+    AskWithin([] { return true; });
+  });
+  for (std::thread* Thread : {&Outer, &Inner, &Third}) Thread->join();
+  EXPECT_EQ(Answered, 3);
+}
+
 TEST(MainThread, ErrorsComeBackToWhoAsked) {
   TMainThreadQueue Queue;
   const auto Failing = [&] { Queue.Run([] { throw EConvertError("on the main thread"); }); };

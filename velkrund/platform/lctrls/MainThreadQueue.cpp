@@ -2,13 +2,16 @@
 
 namespace velkrund {
 
-void TMainThreadQueue::Enter(std::unique_lock<std::mutex>& Lock) {
+bool TMainThreadQueue::Enter(std::unique_lock<std::mutex>& Lock) {
   const std::thread::id Mine = std::this_thread::get_id();
-  FChanged.wait(Lock, [&] { return FDepth == 0 || FOwner == Mine || (FLoops > 0 && Mine != FMainThread); });
+  const auto IsOwner = [&] { return FDepth > 0 && FOwner == Mine; };
+  const auto IsTaken = [&] { return FLoops > 0 && Mine != FMainThread && !IsOwner(); };
+  FChanged.wait(Lock, [&] { return FDepth == 0 || IsOwner() || IsTaken(); });
   // A loop that has begun meanwhile takes the action: waiting for its end might be waiting for ourselves.
-  if (FLoops > 0 && Mine != FMainThread) return;
+  if (IsTaken()) return false;
   FOwner = Mine;
   ++FDepth;
+  return true;
 }
 
 void TMainThreadQueue::Leave() {
@@ -19,8 +22,7 @@ void TMainThreadQueue::Leave() {
 
 void TMainThreadQueue::Run(const std::function<void()>& Action) {
   std::unique_lock Lock(FLock);
-  Enter(Lock);
-  if (FOwner != std::this_thread::get_id()) {
+  if (!Enter(Lock)) {
     TWaiting Mine{Action};
     FWaiting.push_back(&Mine);
     FChanged.wait(Lock, [&] { return Mine.Done; });
@@ -54,7 +56,7 @@ void TMainThreadQueue::Pump() {
 
 TMainThreadQueue::TLoop::TLoop(TMainThreadQueue& Queue) : FQueue(Queue) {
   std::unique_lock Lock(FQueue.FLock);
-  FQueue.Enter(Lock);
+  FQueue.Enter(Lock);  // never refused: a loop begins on the main thread, or within an action
   ++FQueue.FLoops;
   FQueue.FChanged.notify_all();
 }

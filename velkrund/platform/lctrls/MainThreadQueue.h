@@ -36,7 +36,8 @@ class TMainThreadQueue {
   void Pump();
 
  private:
-  void Enter(std::unique_lock<std::mutex>& Lock);
+  /// Waits until this thread may run an action or a loop, which Leave ends; false: the loop of another one takes it.
+  bool Enter(std::unique_lock<std::mutex>& Lock);
   void Leave();
 
   struct TWaiting {

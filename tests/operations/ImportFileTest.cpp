@@ -237,6 +237,21 @@ TEST_F(ImportFile, QuestionsAndTraceHoldTheReport) {
   }
 }
 
+TEST_F(ImportFile, TheLogOfAHostSaysWhatHappened) {
+  static std::vector<std::string> Lines;
+  TRBaseManager Manager(
+      [](auto...) {}, [] { return false; },
+      [](const char16_t* Text, std::int32_t Level) { Lines.push_back(std::to_string(Level) + " " + FromUtf16(Text)); },
+      0, 100);
+  TUOImportFileInterface Object(&Manager);
+  RecreateOperations().Unregister(TUORecreateContainer::ViewType);
+  Object.SetFileName(PutFiles("S:s x|O:broken x").front());
+  EXPECT_EQ(Import(Object), 1);
+  EXPECT_EQ(Lines, (std::vector<std::string>{"1 'sV' (type 72) is stored as a structure only: the application has "
+                                             "nothing that creates objects of this type in the database",
+                                             "1 section 'broken'\r\nno object"}));
+}
+
 TEST_F(ImportFile, ObserverSeesAndChoosesSections) {
   TUOImportFilesInterface Object;
   Object.SetFiles(PutFiles("O:skip bad|O:a x|T:t x|O:broken x|O:b bad||-||T:u stopped|T:v x"));

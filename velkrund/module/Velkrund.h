@@ -88,6 +88,8 @@ typedef void (*VelkrundProgressProc)(int32_t Current, int32_t Total, int32_t OpC
                                      const VelkrundChar* OperationName, const VelkrundChar* ObjectName);
 /* true: stop. Called often. */
 typedef bool (*VelkrundCancelProc)(void);
+/* What happens in operations beside their result: sections that failed while the import goes on, database objects that
+ * are not created. Level: 1 errors and warnings, 2 what may still come right. */
 typedef void (*VelkrundLogProc)(const VelkrundChar* Message);
 typedef void (*VelkrundLevelLogProc)(const VelkrundChar* Message, int32_t Level);
 

@@ -109,12 +109,20 @@ std::unique_ptr<TEIFile> TUOImportFile::OpenFile(const std::string& FileName, TU
       if (Section.ObjectClass.Role() == TSectionRole::Structure)
         Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
     }
-    for (const TStructure& Structure : Structures) Container.Add(Structure.Type, Structure.Name, Structure.Section);
+    for (const TStructure& Structure : Structures) AddTo(Container, Structure.Type, Structure.Name, *Structure.Section);
     return File;
   } catch (const std::exception& Error) {
     if (Observer) Observer->FileFailed(FileName, Error);
     throw;
   }
+}
+
+void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::string& Name,
+                          const TEISection& Section) {
+  if (Container.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type) || !fCreateDBStructures) return;
+  WriteLog(TTraceLevel::Error, Format("'%s' (type %d) is stored as a structure only: the application has nothing that "
+                                      "creates objects of this type in the database",
+                                      Name, Type));
 }
 
 std::int64_t TUOImportFile::BytesOf(const TEIFile& File, TPart Part) {
@@ -175,7 +183,7 @@ std::unique_ptr<TEIObject> TUOImportFile::MakeObject(TEIFile& File, int Index) {
 
 void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name) {
   const std::string Report = Format(BaseMng().LString(Key), Name) + "\r\n" + Error.what();
-  BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Report);
+  WriteLog(TTraceLevel::Error, Report);
   if (!ContinueOnError) throw;
   const std::string Question = Report + "\r\n" + BaseMng().LString("M_Velkrund_DSPUtils_ContinueImport");
   int Answer = IDNO;

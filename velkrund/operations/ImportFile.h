@@ -84,6 +84,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   void ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name);
 
  private:
+  void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
   void ImportSection(TEIFile& File, int Index);
   std::unique_ptr<TEIObject> MakeObject(TEIFile& File, int Index);
   void ChildProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName);

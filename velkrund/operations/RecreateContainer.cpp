@@ -113,7 +113,7 @@ void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
     FLastError = Format(BaseMng().LString("M_Test_ComUtils_ErrorOnCreateDBStructure"), Entry.Name);
     FLastError += "\r\n";
     FLastError += Error.what();
-    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Info, FLastError);
+    WriteLog(TTraceLevel::Info, FLastError);
     Sweep.Failed = true;
     return;
   }
@@ -125,7 +125,7 @@ void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
 void TUORecreateContainer::ReportNotCreated() {
   const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_NotCreated_ObjectsInfo") + "\r\n" +
                              GatherObjectsNames() + "\r\nLast Error: " + FLastError;
-  BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Report);
+  WriteLog(TTraceLevel::Error, Report);
   if (!ContinueOnError) throw Exception(Report);
   uoMessageBox(0, ToUtf16(Report), {}, MB_OK | MB_ICONINFORMATION, 0, 0);
 }

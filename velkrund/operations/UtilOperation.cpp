@@ -1,5 +1,6 @@
 #include "velkrund/operations/UtilOperation.h"
 
+#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -19,6 +20,13 @@ bool TUtilOperation::IsCanceled() const {
 
 void TUtilOperation::ShowProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName) const {
   if (FOnShowProgress) FOnShowProgress(Current, Total, ObjectName);
+}
+
+void TUtilOperation::WriteLog(TTraceLevel Level, const std::string& Text) const {
+  BaseMng().WriteTrace(TraceSubsystem, Level, Text);
+  const TUtilOperation* Logging = this;
+  while (Logging && !Logging->FOnWriteLog) Logging = Logging->Owner;
+  if (Logging) Logging->FOnWriteLog(Text, Level);
 }
 
 }  // namespace velkrund

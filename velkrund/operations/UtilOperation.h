@@ -1,16 +1,21 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "velkrund/eif/EIObject.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/ClassRef.h"
 
 namespace velkrund {
 
 class TUtilOperation;
+
+/// Takes a line of the log.
+using TLogCallback = std::function<void(std::string_view Text, TTraceLevel Level)>;
 
 struct TUtilOperationDescriptor {
   const char* Name;
@@ -46,9 +51,13 @@ class TUtilOperation {
   /// The same for this operation and all its owners. Polled between objects and records.
   bool IsCanceled() const;
   void ShowProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName) const;
+  /// Tells what has happened: to the application's trace, and to the log of this operation or of the nearest owner that
+  /// has one.
+  void WriteLog(TTraceLevel Level, const std::string& Text) const;
 
   TCancelCallback FOnGetCancel;
   TProgressCallback FOnShowProgress;
+  TLogCallback FOnWriteLog;
   TUtilOperation* Owner = nullptr;  // borrowed; null for a top-level operation
 
  private:

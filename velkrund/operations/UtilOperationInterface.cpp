@@ -61,6 +61,9 @@ int TUtilOperationInterface::Execute() {
 
 int TUtilOperationInterface::ExecuteInternal() {
   if (FRBaseMng) {
+    FParent->FOnWriteLog = [this](std::string_view Text, TTraceLevel Level) {
+      FRBaseMng->WriteLog1(Text, static_cast<std::int32_t>(Level));
+    };
     if (FShowProgress)
       FParent->FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
         DoShowProgress(Current, Total, Name);

@@ -32,6 +32,9 @@ TEST(Interface, ErrorsBecomeLastError) {
   Object.Scripted().Action = [](TScripted&) -> int { throw std::out_of_range("foreign"); };
   EXPECT_EQ(Object.Execute(), 0);
   EXPECT_EQ(Object.LastError(), "std::out_of_range:foreign");
+  Object.Scripted().Action = [](TScripted&) -> int { throw 5; };
+  EXPECT_EQ(Object.Execute(), 0);
+  EXPECT_EQ(Object.LastError(), "unknown:A callback raised something that is no error");
   Object.Scripted().Action = [](TScripted& Self) { return Self.DatabaseName == "db" ? 1 : 2; };
   Object.SetDatabaseName("db");
   EXPECT_EQ(Object.Execute(), 1);
@@ -84,6 +87,15 @@ TEST(Interface, HostManagerGetsWeightedProgress) {
                                            {20, 100, 0, 0, "op", "объект"},
                                            {10, 100, 0, 0, "op", "none"},
                                            {30, 100, 0, 100, "next", ""}}));
+  Reports.clear();
+  TRBaseManager Wide(&OnProgress, &OnCancel, static_cast<TWriteLogProc>(nullptr), -2'000'000'000, 2'000'000'000);
+  Wide.StartOperationProgress("op", 100);
+  Wide.UpdateOperationProgress("half", 0.75);
+  EXPECT_EQ(Reports.back().Current, 1'000'000'000);
+  Reports.clear();
+  Object.SetShowProgress(false);
+  EXPECT_EQ(Object.Execute(), 1);
+  EXPECT_TRUE(Reports.empty()) << "a run without progress, after one with it";
   HostCancels = true;
   EXPECT_EQ(Object.Execute(), 2);
   HostCancels = false;
@@ -162,6 +174,9 @@ TEST(Interface, ScriptCallbacksAreCheckedAndCalled) {
     EXPECT_EQ(Trace, (std::vector<std::string>{"M.Show 3 9 x", "M.Stop"}));
     Case.Cancel.Answer = true;
     EXPECT_EQ(Object.Execute(), 2);
+    Object.SetProgressCallBack("", "", "");
+    EXPECT_EQ(Object.Execute(), 1) << "no function is asked any more";
+    EXPECT_EQ(Trace.size(), 4u);
   }
 }
 

@@ -19,7 +19,8 @@ TRBaseManager::TRBaseManager(TProgressUpdateProc Progress, TCancelRequestProc Ca
     : FRangeStart(RangeStart), FRangeEnd(RangeEnd), FProgress(Progress), FCancel(Cancel), FLog1(Log) {}
 
 std::int32_t TRBaseManager::AtPercent(int Percent) const {
-  return FRangeStart + (FRangeEnd - FRangeStart) * Percent / FullPercent;
+  const std::int64_t Length = std::int64_t{FRangeEnd} - FRangeStart;
+  return static_cast<std::int32_t>(FRangeStart + Length * Percent / FullPercent);
 }
 
 void TRBaseManager::StartOperationProgress(const std::string& Name, int Weight) {

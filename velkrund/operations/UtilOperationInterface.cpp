@@ -26,6 +26,29 @@ constexpr TProperty CopyProperties[] = {
 
 TProgressRunner InstalledRunner;
 
+/// Puts the callbacks of an operation back that a run replaces by those of its way.
+class TCallbacksOfHost {
+ public:
+  explicit TCallbacksOfHost(TUtilOperation& Operation)
+      : FOperation(Operation),
+        FOnGetCancel(Operation.FOnGetCancel),
+        FOnShowProgress(Operation.FOnShowProgress),
+        FOnWriteLog(Operation.FOnWriteLog) {}
+  TCallbacksOfHost(const TCallbacksOfHost&) = delete;
+  TCallbacksOfHost& operator=(const TCallbacksOfHost&) = delete;
+  ~TCallbacksOfHost() {
+    FOperation.FOnGetCancel = std::move(FOnGetCancel);
+    FOperation.FOnShowProgress = std::move(FOnShowProgress);
+    FOperation.FOnWriteLog = std::move(FOnWriteLog);
+  }
+
+ private:
+  TUtilOperation& FOperation;
+  TCancelCallback FOnGetCancel;
+  TProgressCallback FOnShowProgress;
+  TLogCallback FOnWriteLog;
+};
+
 }  // namespace
 
 constinit const TPropertyTable TBase::PropertyTable{nullptr, BaseProperties};
@@ -55,11 +78,14 @@ int TUtilOperationInterface::Execute() {
     return ExecuteInternal();
   } catch (const std::exception& Error) {
     FLastError = ExceptionClassName(Error) + ":" + Error.what();
+  } catch (...) {
+    FLastError = "unknown:A callback raised something that is no error";
   }
   return 0;
 }
 
 int TUtilOperationInterface::ExecuteInternal() {
+  const TCallbacksOfHost Callbacks(*FParent);
   if (FRBaseMng) {
     FParent->FOnWriteLog = [this](std::string_view Text, TTraceLevel Level) {
       FRBaseMng->WriteLog1(Text, static_cast<std::int32_t>(Level));

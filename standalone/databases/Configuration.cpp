@@ -21,6 +21,13 @@ std::string Environment(const std::string& Name) {
   return Value ? Value : "";
 }
 
+/// Whether what stands at [Start, End) of Url is a user, a password or the value of a parameter, in which other
+/// characters than letters and digits may end it. A whole address, or a host with its port, is no such part.
+bool IsPartOfAddress(std::string_view Url, std::size_t Start, std::size_t End) {
+  if (Url.substr(0, Start).find("://") == std::string_view::npos) return false;
+  return Url[Start - 1] == '=' || Url.find('@', End) != std::string_view::npos;
+}
+
 /// Walks the file's tables; every key has to be known.
 class TConfigurationReader {
  public:
@@ -132,7 +139,8 @@ class TConfigurationReader {
       if (End == std::string::npos) Raise(Entry, "'${' without '}'");
       const std::string Name = Text.substr(At + 2, End - At - 2);
       if (!std::getenv(Name.c_str())) Raise(Entry, Format("the environment variable %s is not set", Name));
-      const std::string Value = Environment(Name);
+      std::string Value = Environment(Name);
+      if (IsPartOfAddress(Text, At, End + 1)) Value = PercentEncoded(Value);
       Text.replace(At, End + 1 - At, Value);
       At += Value.size();
     }

@@ -34,6 +34,7 @@ enum class TTraceLevelSetting { Off, Error, Info, Detail };
 ///
 ///     [database.shop]
 ///     url = "sqlite:shop.db"        # ${NAME} stands for an environment variable, so that secrets stay out of the file
+///                                   # (behind "//" a user, a password and a parameter's value may be any text)
 ///
 /// Relative file names are relative to the file's folder. Everything may be left out.
 struct TConfiguration {

@@ -25,7 +25,8 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   }
   std::optional<TDatabaseUrl> Url = ParseDatabaseUrl(Address);
   if (!Url)
-    throw EDatabaseError(Format("The database '%s' is not in %s, and it is no address (SCHEME:...)", Meant,
+    throw EDatabaseError(Format("The database '%s' is not in %s, and it is no address (SCHEME:...)",
+                                WithoutSecrets(Meant),
                                 FConfiguration.FileName.empty() ? "the configuration" : FConfiguration.FileName));
   const TDriver* Driver = FDrivers.Find(Url->Scheme);
   if (!Driver)

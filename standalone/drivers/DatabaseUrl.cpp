@@ -20,15 +20,8 @@ std::string ToLower(std::string_view Text) {
 constexpr std::string_view Mask = "***";
 
 void MaskUserInfo(std::string& Text) {
-  const std::size_t Slashes = Text.find("://");
-  if (Slashes == std::string::npos) return;
-  const std::size_t Start = Slashes + 3;
-  const std::size_t End = std::min(Text.find_first_of("/?", Start), Text.size());
-  // A password may hold "@" itself; the last one ends it.
-  const std::size_t At = Text.substr(0, End).rfind('@');
-  if (At == std::string::npos || At < Start) return;
-  const std::size_t Colon = Text.find(':', Start);
-  if (Colon < At) Text.replace(Colon + 1, At - Colon - 1, Mask);
+  const std::string_view Password = PasswordOf(Text);
+  if (Password.data()) Text.replace(static_cast<std::size_t>(Password.data() - Text.data()), Password.size(), Mask);
 }
 
 std::size_t SkipBlanks(std::string_view Text, std::size_t At) {
@@ -64,6 +57,28 @@ std::optional<TDatabaseUrl> ParseDatabaseUrl(std::string_view Text) {
   const std::string_view Scheme = Text.substr(0, Colon);
   if (!IsLetter(Scheme[0]) || !std::all_of(Scheme.begin(), Scheme.end(), IsSchemeCharacter)) return std::nullopt;
   return TDatabaseUrl{ToLower(Scheme), std::string(Text.substr(Colon + 1))};
+}
+
+std::string_view PasswordOf(std::string_view Text) {
+  const std::size_t Slashes = Text.find("://");
+  const std::size_t At = Text.rfind('@');
+  if (Slashes == std::string_view::npos || At == std::string_view::npos) return {};
+  const std::size_t Colon = Text.find(':', Slashes + 3);
+  return Colon < At ? Text.substr(Colon + 1, At - Colon - 1) : std::string_view();
+}
+
+std::string PercentEncoded(std::string_view Text) {
+  constexpr std::string_view Plain = "-._~";
+  constexpr std::string_view Digits = "0123456789ABCDEF";
+  std::string Result;
+  for (const char C : Text) {
+    const auto Byte = static_cast<unsigned char>(C);
+    if (IsLetter(C) || (C >= '0' && C <= '9') || Plain.find(C) != std::string_view::npos)
+      Result += C;
+    else
+      (((Result += '%') += Digits[Byte >> 4U]) += Digits[Byte & 0xFU]);
+  }
+  return Result;
 }
 
 std::string WithoutSecrets(std::string_view Text) {

@@ -40,7 +40,9 @@ trace = { level = "info", file = "t.log" }
 [database.shop]
 url = "sqlite:shop.db"
 [database."имя"]
-url = "postgresql://u:${VELKRUND_TEST_PASSWORD}@h"
+url = "postgresql://u:${VELKRUND_TEST_PASSWORD}@h?password=${VELKRUND_TEST_PASSWORD}"
+[database.whole]
+url = "sqlite:${VELKRUND_TEST_PASSWORD}/@"
 )"));
   EXPECT_EQ(Read.DefaultDatabase, "shop");
   EXPECT_EQ(Read.CodePage, 1250);
@@ -52,7 +54,8 @@ url = "postgresql://u:${VELKRUND_TEST_PASSWORD}@h"
   EXPECT_EQ(Read.TraceLevel, TTraceLevelSetting::Info);
   EXPECT_EQ(Read.TraceFile, Folder / "t.log");
   EXPECT_EQ(Read.Databases.at("shop").Url, "sqlite:shop.db");
-  EXPECT_EQ(Read.Databases.at("имя").Url, "postgresql://u:a}b${c@h");
+  EXPECT_EQ(Read.Databases.at("имя").Url, "postgresql://u:a%7Db%24%7Bc@h?password=a%7Db%24%7Bc");
+  EXPECT_EQ(Read.Databases.at("whole").Url, "sqlite:a}b${c/@");
 }
 
 TEST(ConfigurationTest, ReadsTheExampleThatIsShipped) {

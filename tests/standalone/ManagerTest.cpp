@@ -74,6 +74,9 @@ TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
       {"shop", "no error"},
       {"SQLITE:" + Folder / "shop.db", "no error"},
       {"Shop", "EDatabaseError: The database 'Shop' is not in velkrund.toml, and it is no address (SCHEME:...)"},
+      {"host=127.0.0.1 password=geheim",
+       "EDatabaseError: The database 'host=127.0.0.1 password=***' is not in velkrund.toml, and it is no address "
+       "(SCHEME:...)"},
       {"secret",
        "EDatabaseError: The database address 'postgresql://me:***' can not be read: special characters in a URL have "
        "to be written as %XX, a value with blanks between apostrophes"},
@@ -137,7 +140,9 @@ TEST(DatabaseUrlTest, AddressesAreCutAndSecretsMasked) {
       {"c:/data", "", "c:/data"},
       {"shop", "", "shop"},
       {"my shop:x", "", "my shop:x"},
-      {"postgresql://u:p@q@h:5/d?a=b@c", "postgresql //u:p@q@h:5/d?a=b@c", "postgresql://u:***@h:5/d?a=b@c"},
+      {"postgresql://u:p@q@h:5/d?a=b@c", "postgresql //u:p@q@h:5/d?a=b@c", "postgresql://u:***@c"},
+      {"postgresql://u:a/b+c?==@h:5/d", "postgresql //u:a/b+c?==@h:5/d", "postgresql://u:***@h:5/d"},
+      {"host=h password=x dbname=d", "", "host=h password=*** dbname=d"},
       {"postgresql://u@h/d", "postgresql //u@h/d", "postgresql://u@h/d"},
       {"postgresql://h/d?password=x&user=u", "postgresql //h/d?password=x&user=u",
        "postgresql://h/d?password=***&user=u"},

@@ -362,3 +362,7 @@ TEST_F(PostgreSQLDriverTest, OneDatabaseHasOneIdentity) {
 
 }  // namespace
 }  // namespace velkrund::tests
+  // The client library takes what stands before the first "/" for a port, and says so.
+  for (const char* Password : {"secret/more", "1/secret", "sec@ret/secret"})
+    EXPECT_THAT(ErrorOf([&] { Connect("postgresql://user:" + std::string(Password) + "@127.0.0.1:1/db"); }),
+                AllOf(HasSubstr("%XX"), testing::Not(testing::ContainsRegex("sec|ret|port 1"))));

@@ -64,6 +64,11 @@ TParameters ParametersOf(const TDatabaseUrl& Url) {
   return Result;
 }
 
+/// Whether the client library may have taken a piece of the password for something else, and quote it.
+bool HasUnclearPassword(const TDatabaseUrl& Url) {
+  return PasswordOf(Url.Text()).find_first_of("/@") != std::string_view::npos;
+}
+
 }  // namespace
 
 std::string TPostgreSQLDriver::Identity(const TDatabaseUrl& Url, const TConnectOptions& /*Options*/) const {
@@ -92,6 +97,7 @@ std::unique_ptr<TConnection> TPostgreSQLDriver::Connect(const TDatabaseUrl& Url,
   try {
     return std::make_unique<TPostgreSQLConnection>(ConnectionInfo(Url), ShownName(Url), Options);
   } catch (const EDatabaseError& Error) {
+    if (HasUnclearPassword(Url)) RaiseUnreadable(Url, Error.what());
     if (!Options.CreateMissing) throw;
     throw EDatabaseError(Format("%s; databases of a server are not made here, but by CREATE DATABASE", Error.what()));
   }

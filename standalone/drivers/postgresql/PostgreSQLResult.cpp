@@ -24,6 +24,14 @@ std::string OneLine(std::string_view Text) {
   return Result;
 }
 
+/// What to do about an error, where the server does not say it.
+std::string_view Advice(const TPostgreSQLResult& Error) {
+  // The words are in the server's language, the function's name is not.
+  if (Error.Diagnostic(PG_DIAG_SOURCE_FUNCTION) == "check_enable_rls")
+    return "connect as the table's owner, or as a role with BYPASSRLS, which see every row";
+  return {};
+}
+
 void AppendRemark(std::string& Message, std::string_view Remark) {
   while (Remark.ends_with('.')) Remark.remove_suffix(1);
   if (!Remark.empty()) Message += Format("; %s", OneLine(Remark));
@@ -72,6 +80,7 @@ std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection
     Message += Format(" (PostgreSQL error %s)", Code);
   AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_DETAIL));
   AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_HINT));
+  AppendRemark(Message, Advice(Result));
   if (!Statement.empty()) {
     const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));
     Message += Format("; statement: %s%s", Shown, Shown.size() < Statement.size() ? "..." : "");

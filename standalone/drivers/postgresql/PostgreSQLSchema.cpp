@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -14,13 +15,16 @@ namespace {
 
 /// The tables of users, those of the current schema ($1) first. The engine keeps all schema names that begin with pg_
 /// for itself. $2: the only name to look for, with or without a schema; empty: all.
-constexpr const char* TablesStatement =
-    "SELECT c.relname, n.nspname, c.relkind, c.relhassubclass AND c.relkind IN ('r', 'f'), c.relispartition, "
-    "pg_catalog.array_position(pg_catalog.current_schemas(false), n.nspname) "
-    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
-    "WHERE c.relkind IN ('r', 'p', 'f', 'v', 'm') AND n.nspname !~ '^pg_' AND n.nspname <> 'information_schema' "
-    "AND ($2::text = '' OR c.relname = $2::text OR n.nspname || '.' || c.relname = $2::text) "
-    "ORDER BY n.nspname <> $1::text, n.nspname, c.relname";
+std::string TablesStatement() {
+  return CatalogueStatement(
+      "SELECT c.relname, n.nspname, c.relkind, c.relhassubclass AND c.relkind = ANY ('{r,f}'), c.relispartition, "
+      "pg_catalog.array_position(pg_catalog.current_schemas(false), n.nspname) "
+      "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+      "WHERE c.relkind = ANY ('{r,p,f,v,m}') AND NOT pg_catalog.starts_with(n.nspname, 'pg_') "
+      "AND n.nspname <> 'information_schema' AND ($2::pg_catalog.text = '' OR c.relname = $2::pg_catalog.text "
+      "OR n.nspname || '.' || c.relname = $2::pg_catalog.text) "
+      "ORDER BY n.nspname <> $1::pg_catalog.text, n.nspname, c.relname");
+}
 
 TTableKind KindOfTable(char Kind) {
   if (Kind == 'v' || Kind == 'm') return TTableKind::View;
@@ -41,7 +45,7 @@ struct TPostgreSQLConnection::TCandidate {
 std::vector<TPostgreSQLConnection::TCandidate> TPostgreSQLConnection::Candidates(const std::string& What,
                                                                                  const std::string& Name) {
   const TPostgreSQLResult Rows =
-      FSession.Query(What, TablesStatement, {FSession.CurrentSchema().c_str(), Name.c_str()});
+      FSession.Query(What, TablesStatement(), {FSession.CurrentSchema().c_str(), Name.c_str()});
   std::vector<TCandidate> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     std::string Schema = Rows.Copy(Row, 1);
@@ -119,9 +123,9 @@ std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& 
   const std::string Name = SQLName(Whole);
   return FSession
       .Query(Format("Can not measure table '%s'", FullName(Table)),
-             "SELECT coalesce(sum(pg_catalog.pg_total_relation_size(t.relid)), 0) "
-             "FROM (SELECT $1::text::regclass AS relid UNION SELECT p.relid FROM "
-             "pg_catalog.pg_partition_tree($1::text::regclass) p) t",
+             "SELECT coalesce(pg_catalog.sum(pg_catalog.pg_total_relation_size(t.relid)), 0) "
+             "FROM (SELECT $1::pg_catalog.text::pg_catalog.regclass AS relid UNION SELECT p.relid FROM "
+             "pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p) t",
              {Name.c_str()})
       .Integer(0, 0);
 }
@@ -129,7 +133,10 @@ std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& 
 bool TPostgreSQLConnection::HasCatalogueTable(const std::string& Name) {
   const std::string Quoted = QuoteName(Name);
   return FSession
-      .Query(Format("Can not look for table '%s'", Name), "SELECT pg_catalog.to_regclass($1::text) IS NOT NULL",
+  // A view of that name would run whatever its maker has put into it.
+      .Query(Format("Can not look for table '%s'", Name),
+             CatalogueStatement("SELECT EXISTS (SELECT FROM pg_catalog.pg_class c WHERE c.relkind = 'r' "
+                                "AND c.oid = pg_catalog.to_regclass($1::pg_catalog.text))"),
              {Quoted.c_str()})
       .Boolean(0, 0);
 }

@@ -16,7 +16,7 @@ namespace {
 constexpr int OldestServer = 120'000;
 
 /// Texts that depend on settings get one form; rows come in the table's own order, not in that of a scan that another
-/// session has begun or that several processes share.
+/// session has begun or that several processes share. Rows that a policy hides are an error, not less rows.
 constexpr const char* SetUpStatement =
     "SELECT pg_catalog.set_config('DateStyle', 'ISO, YMD', false), "
     "pg_catalog.set_config('IntervalStyle', 'postgres', false), pg_catalog.set_config('TimeZone', 'UTC', false), "
@@ -25,12 +25,12 @@ constexpr const char* SetUpStatement =
     "pg_catalog.set_config('xmloption', 'content', false), pg_catalog.set_config('array_nulls', 'on', false), "
     "pg_catalog.set_config('synchronize_seqscans', 'off', false), "
     "pg_catalog.set_config('max_parallel_workers_per_gather', '0', false), "
-    "pg_catalog.set_config('lock_timeout', $1, false), "
+    "pg_catalog.set_config('row_security', 'off', false), pg_catalog.set_config('lock_timeout', $1, false), "
     "pg_catalog.current_schema(), pg_catalog.current_setting('server_version'), "
-    "pg_catalog.current_setting('transaction_read_only') = 'on' OR pg_catalog.pg_is_in_recovery()";
-constexpr int CurrentSchemaColumn = 11;
-constexpr int ServerVersionColumn = 12;
-constexpr int ReadOnlyColumn = 13;
+    "pg_catalog.current_setting('transaction_read_only')::pg_catalog.bool OR pg_catalog.pg_is_in_recovery()";
+constexpr int CurrentSchemaColumn = 12;
+constexpr int ServerVersionColumn = 13;
+constexpr int ReadOnlyColumn = 14;
 
 void IgnoreNotice(void* /*Argument*/, const PGresult* /*Notice*/) {}
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -104,25 +105,30 @@ void SetType(TPostgreSQLColumn& Column, std::int64_t Oid, std::int64_t Modifier,
 }
 
 /// A row per column; one without a name for a table that has none.
-constexpr const char* TableStatement =
-    "SELECT c.oid, c.relkind, a.attname, pg_catalog.format_type(a.atttypid, a.atttypmod), "
-    "NOT (a.attnotnull OR b.typnotnull), a.attgenerated <> '', "
-    "(SELECT pg_catalog.array_position(k.conkey, a.attnum) FROM pg_catalog.pg_constraint k "
-    "WHERE k.conrelid = c.oid AND k.contype = 'p'), "
-    "b.oid, b.modifier, CASE WHEN b.typcategory = 'A' THEN b.typelem ELSE 0 END, b.typcategory, "
-    "pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname) "
-    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
-    "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
-    "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
-    "SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, t.typnotnull, t.typcategory, t.typelem, t.typoutput, "
-    "a.atttypmod AS modifier FROM pg_catalog.pg_type t WHERE t.oid = a.atttypid "
-    "UNION ALL SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, d.typnotnull OR t.typnotnull, t.typcategory, "
-    "t.typelem, t.typoutput, d.typtypmod FROM chain d JOIN pg_catalog.pg_type t ON t.oid = d.typbasetype "
-    "WHERE d.typtype = 'd') SELECT * FROM chain WHERE typtype <> 'd') b ON true "
-    "LEFT JOIN pg_catalog.pg_proc p ON p.oid = b.typoutput "
-    "LEFT JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace "
-    "WHERE n.nspname = $1::text AND c.relname = $2::text AND c.relkind IN ('r', 'p', 'f', 'v', 'm') "
-    "ORDER BY a.attnum";
+std::string TableStatement() {
+  return CatalogueStatement(
+      "SELECT c.oid, c.relkind, a.attname, pg_catalog.format_type(a.atttypid, a.atttypmod), "
+      "NOT (a.attnotnull OR b.typnotnull), a.attgenerated <> '', "
+      "(SELECT pg_catalog.array_position(k.conkey, a.attnum) FROM pg_catalog.pg_constraint k "
+      "WHERE k.conrelid = c.oid AND k.contype = 'p'), "
+      "b.oid, b.modifier, CASE WHEN b.typcategory = 'A' THEN b.typelem ELSE 0 END, b.typcategory, "
+      "pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname), "
+      "EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.conrelid = c.oid AND k.contype = 'f' "
+      "AND NOT k.condeferred AND (k.confrelid = c.oid OR k.confrelid = ANY ("
+      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))) "
+      "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+      "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
+      "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
+      "SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, t.typnotnull, t.typcategory, t.typelem, t.typoutput, "
+      "a.atttypmod AS modifier FROM pg_catalog.pg_type t WHERE t.oid = a.atttypid "
+      "UNION ALL SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, d.typnotnull OR t.typnotnull, t.typcategory, "
+      "t.typelem, t.typoutput, d.typtypmod FROM chain d JOIN pg_catalog.pg_type t ON t.oid = d.typbasetype "
+      "WHERE d.typtype = 'd') SELECT * FROM chain WHERE typtype <> 'd') b ON true "
+      "LEFT JOIN pg_catalog.pg_proc p ON p.oid = b.typoutput::pg_catalog.oid "
+      "LEFT JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace "
+      "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text "
+      "AND c.relkind = ANY ('{r,p,f,v,m}') ORDER BY a.attnum");
+}
 
 }  // namespace
 
@@ -139,10 +145,10 @@ std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSc
 
 TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What) {
   const std::string& Schema = Table.Schema.empty() ? Session.CurrentSchema() : Table.Schema;
-  const TPostgreSQLResult Rows = Session.Query(What, TableStatement, {Schema.c_str(), Table.Name.c_str()});
+  const TPostgreSQLResult Rows = Session.Query(What, TableStatement(), {Schema.c_str(), Table.Name.c_str()});
   if (Rows.RowCount() == 0)
     throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)));
-  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), {}};
+  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), {}};
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TPostgreSQLColumn Column;
     Column.Info.Name = Rows.Copy(Row, 2);
@@ -168,10 +174,11 @@ TPostgreSQLMoney ReadPostgreSQLMoney(TPostgreSQLSession& Session, const std::vec
   TPostgreSQLMoney Result;
   const auto IsMoney = [](const TPostgreSQLColumn& Column) { return Column.Type == TPostgreSQLType::Money; };
   if (std::none_of(Columns.begin(), Columns.end(), IsMoney)) return Result;
-  const TPostgreSQLResult One = Session.Query("Can not ask how amounts are written",
-                                              "SELECT ('x' || pg_catalog.encode(pg_catalog.cash_send(m), "
-                                              "'hex'))::bit(64)::bigint, pg_catalog.cash_out(m)::text "
-                                              "FROM (SELECT 1::bigint::money AS m) one");
+  const TPostgreSQLResult One =
+      Session.Query("Can not ask how amounts are written",
+                    "SELECT pg_catalog.concat('x', pg_catalog.encode("
+                    "pg_catalog.cash_send(m), 'hex'))::bit(64)::bigint, pg_catalog.cash_out(m) "
+                    "FROM (SELECT 1::bigint::pg_catalog.money AS m) one");
   Result.MinorUnits = std::max<std::int64_t>(One.Integer(0, 0), 1);
   // "$1.00", "1,00 EUR": what follows the one unit.
   const std::string_view Text = One.Text(0, 1);

@@ -46,8 +46,9 @@ struct TPostgreSQLColumn {
 
 /// A table with what its description leaves out.
 struct TPostgreSQLTable {
-  std::string Oid;  // in decimal
-  char Kind = 'r';  // pg_class.relkind
+  std::string Oid;              // in decimal
+  char Kind = 'r';              // pg_class.relkind
+  bool RefersToItself = false;  // rows to others of the same table, in any order within one statement
   std::vector<TPostgreSQLColumn> Columns;
 
   bool IsPartitioned() const { return Kind == 'p'; }

@@ -15,7 +15,7 @@ namespace {
 
 /// Bytes that are collected before the client library gets them.
 constexpr std::size_t ChunkSize = std::size_t{64} << 10U;
-/// Bytes after which a COPY ends.
+/// Bytes after which a COPY ends, so that errors show soon.
 constexpr std::size_t MaxPieceSize = std::size_t{4} << 20U;
 
 std::string InsertText(const std::string& Table, const std::vector<std::string>& Names) {
@@ -46,6 +46,7 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTab
   const TPostgreSQLTable Known = ReadPostgreSQLTable(Session, Table.Table, FWhat);
   CheckTakesRows(Table.Table, Known, Session.ReadOnly(), FWhat);
   FTableOid = Known.Oid;
+  FOneWhole = Known.RefersToItself;
   std::vector<TPostgreSQLColumn> Written;
   for (const int Index : Columns) {
     Written.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Index)].Name, FWhat));
@@ -93,7 +94,7 @@ void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
   if (!FInPiece) BeginPiece();
   ++FRecord;
   if (FRows.size() >= ChunkSize) Send();
-  if (FPieceSize >= MaxPieceSize) EndPiece();
+  if (FPieceSize >= MaxPieceSize && !FOneWhole) EndPiece();
 }
 
 void TPostgreSQLAppender::BeginPiece() {

@@ -11,7 +11,8 @@
 namespace velkrund {
 
 /// Rows through COPY, in pieces: one ends when it is large, and before every other statement of the connection. The
-/// server tells of most errors at the end of a piece.
+/// server tells of most errors at the end of a piece, and then looks whether the rows that others refer to are there: a
+/// table that refers to itself makes one piece.
 class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStream {
  public:
   /// Raises EDatabaseError when the table takes no such rows.
@@ -43,6 +44,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   std::vector<std::string> FNames;
   std::vector<TPostgreSQLEncoder> FEncoders;  // one per column
   bool FMovesSequences;
+  bool FOneWhole = false;      // no end of a piece by size
   std::string FRows;           // made and not yet handed to the client library
   std::size_t FPieceSize = 0;  // bytes handed over
   std::int64_t FPieceFirst;    // number of the piece's first record

@@ -60,8 +60,8 @@ class TConnection {
 
   /// The user's tables and views by name; neither the engine's own nor the platform's.
   virtual std::vector<TTableInfo> Tables() = 0;
-  /// The table of that name (FullName), the exact one first, else the first that differs in case only. Two tables with
-  /// exactly that name are an error.
+  /// The table of that name (FullName), the exact one first, else the one that differs in case only. Several of either
+  /// are an error that names them.
   virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
   virtual TTableDescription Describe(const TTableInfo& Table) = 0;
   virtual std::int64_t RowCount(const TTableInfo& Table) = 0;

@@ -70,34 +70,36 @@ std::vector<TTableInfo> TPostgreSQLConnection::Tables() {
 std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name) {
   if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
   const std::string What = Format("Can not look for table '%s'", Name);
+  constexpr int OnPath = 2;
   constexpr int NoMatch = 3;
   const auto Rank = [&](const TCandidate& Candidate, auto Same) {
     if (Same(FullName(Candidate.Info), Name)) return 0;
     if (Same(Candidate.Qualified, Name)) return 1;
-    return Candidate.PathPlace > 0 && Same(Candidate.Info.Name, Name) ? 2 : NoMatch;
+    return Candidate.PathPlace > 0 && Same(Candidate.Info.Name, Name) ? OnPath : NoMatch;
   };
-  const auto Best = [&](const std::vector<TCandidate>& All, auto Same) -> const TCandidate* {
-    const auto Key = [&](const TCandidate& Candidate) {
-      return std::array<std::int64_t, 2>{Rank(Candidate, Same), Candidate.PathPlace};
-    };
-    const auto Found =
-        std::min_element(All.begin(), All.end(), [&](const auto& A, const auto& B) { return Key(A) < Key(B); });
-    return Found == All.end() || Rank(*Found, Same) == NoMatch ? nullptr : &*Found;
+  const auto Only = [&](const std::vector<TCandidate>& All, auto Same,
+                        std::string_view Advice) -> std::optional<TTableInfo> {
+    std::array<std::int64_t, 2> BestKey = {NoMatch, 0};
+    std::vector<const TCandidate*> Best;
+    for (const TCandidate& Candidate : All) {
+      const int Place = Rank(Candidate, Same);
+      const std::array<std::int64_t, 2> Key = {Place, Place == OnPath ? Candidate.PathPlace : 0};
+      if (Key < BestKey) Best.clear();
+      if (Key <= BestKey && Place != NoMatch) Best.push_back(&Candidate);
+      BestKey = std::min(Key, BestKey);
+    }
+    if (Best.empty()) return std::nullopt;
+    if (Best.size() == 1) return Best.front()->Info;
+    std::string Names;
+    for (const TCandidate* Candidate : Best) Names += (Names.empty() ? "" : ", ") + SQLName(Candidate->Info);
+    throw EDatabaseError(Format("%s: several go by that name: %s%s", What, Names, Advice));
   };
-  const auto Exactly = [](std::string_view A, std::string_view B) { return A == B; };
 
   // The exact name alone first: databases have many tables.
-  std::vector<TCandidate> All = Candidates(What, std::string(Name));
-  if (const TCandidate* Found = Best(All, Exactly)) {
-    for (const TCandidate& Other : All)
-      if (&Other != Found && Rank(*Found, Exactly) == 0 && Rank(Other, Exactly) == 0)
-        throw EDatabaseError(
-            Format("%s: both %s and %s go by that name", What, SQLName(Found->Info), SQLName(Other.Info)));
-    return Found->Info;
-  }
-  All = Candidates(What, {});
-  const TCandidate* Found = Best(All, [](std::string_view A, std::string_view B) { return SameText(A, B); });
-  return Found ? std::optional(Found->Info) : std::nullopt;
+  const auto Exactly = [](std::string_view A, std::string_view B) { return A == B; };
+  if (const auto Found = Only(Candidates(What, std::string(Name)), Exactly, {})) return Found;
+  const auto IgnoringCase = [](std::string_view A, std::string_view B) { return SameText(A, B); };
+  return Only(Candidates(What, {}), IgnoringCase, "; name one in its own case");
 }
 
 TTableDescription TPostgreSQLConnection::Describe(const TTableInfo& Table) {
@@ -131,9 +133,9 @@ std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& 
 }
 
 bool TPostgreSQLConnection::HasCatalogueTable(const std::string& Name) {
+  // A view of that name would run whatever its maker has put into it.
   const std::string Quoted = QuoteName(Name);
   return FSession
-  // A view of that name would run whatever its maker has put into it.
       .Query(Format("Can not look for table '%s'", Name),
              CatalogueStatement("SELECT EXISTS (SELECT FROM pg_catalog.pg_class c WHERE c.relkind = 'r' "
                                 "AND c.oid = pg_catalog.to_regclass($1::pg_catalog.text))"),

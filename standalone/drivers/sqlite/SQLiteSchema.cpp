@@ -43,19 +43,25 @@ std::vector<TTableInfo> TSQLiteConnection::Tables() {
 std::optional<TTableInfo> TSQLiteConnection::FindTable(std::string_view Name) {
   const std::string What = Format("Can not look for table '%s'", Name);
   // The names alone first: the list with its kinds prepares every view.
-  std::optional<std::string> Found;
+  std::vector<std::string> Found;
   TSQLiteStatement Names(FDatabase.get(),
                          "SELECT name FROM main.sqlite_schema WHERE type IN ('table', 'view') ORDER BY name", What);
   while (Names.Step()) {
     std::string Candidate = Names.Text(0);
     const bool Exact = Candidate == Name;
-    if (Exact || (!Found && SameText(Candidate, Name))) Found = std::move(Candidate);
+    if (Exact) Found.clear();
+    if (Exact || SameText(Candidate, Name)) Found.push_back(std::move(Candidate));
     if (Exact) break;
   }
-  if (!Found) return std::nullopt;
+  if (Found.empty()) return std::nullopt;
+  if (Found.size() > 1) {
+    std::string All;
+    for (const std::string& One : Found) All += (All.empty() ? "" : ", ") + QuoteName(One);
+    throw EDatabaseError(Format("%s: several go by that name: %s; name one in its own case", What, All));
+  }
   TSQLiteStatement Info(FDatabase.get(), "SELECT type FROM pragma_table_list(?1) WHERE schema = 'main'", What);
-  if (!Info.BindText(1, *Found).Step() || !IsUserTable(*Found, Info.Text(0))) return std::nullopt;
-  return TTableInfo{*Found, {}, KindOfTable(Info.Text(0))};
+  if (!Info.BindText(1, Found.front()).Step() || !IsUserTable(Found.front(), Info.Text(0))) return std::nullopt;
+  return TTableInfo{Found.front(), {}, KindOfTable(Info.Text(0))};
 }
 
 TTableDescription TSQLiteConnection::Describe(const TTableInfo& Table) {

@@ -24,6 +24,7 @@ int RunCommand(TCommand& Command, TConsole& Console) {
   TScriptedWindows Windows(Person ? Person.get() : &Nobody);
   if (Command.Shared.Yes) Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
   TApplication Application(Command.ApplicationOptions(), &Windows);
+  Application.Manager().Databases().SetCanceled(&TInterrupt::Requested);
   TProgress Progress(Console, Command.Shared.Progress);
   TAnswers Answers(Person != nullptr);
   TSession Session{Console, Application, Answers, Progress, Command.Shared};

@@ -18,6 +18,8 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   TConnectOptions Options;
   Options.CreateMissing = FCreateMissing;
   Options.BusyTime = FBusyTime;
+  Options.Canceled = FCanceled;
+  Options.Trace = FTrace;
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
     Address = Entry->second.Url;
@@ -42,7 +44,7 @@ TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
   const TAddress Address = Resolve(Name);
   auto Found = FOpen.find(Address.Identity);
   if (Found == FOpen.end()) {
-    FTrace(Format("Connecting to %s", WithoutSecrets(Address.Url.Text())));
+    Note(Format("Connecting to %s", WithoutSecrets(Address.Url.Text())));
     TDatabase Opened;
     Opened.Connection = Address.Driver->Connect(Address.Url, Address.Options);
     Found = FOpen.emplace(Address.Identity, std::move(Opened)).first;
@@ -64,7 +66,7 @@ void TDatabases::StartReading(const std::string& Name) {
 void TDatabases::Start(const std::string& Name, const std::function<void(TConnection&)>& Begin) {
   TDatabase& Target = Database(Name);
   if (Target.Depth == 0) {
-    FTrace("Starting a transaction");
+    Note("Starting a transaction");
     Begin(*Target.Connection);
     Target.Doomed = false;
   }
@@ -82,11 +84,11 @@ void TDatabases::CommitTransaction(const std::string& Name) {
   TDatabase& Target = InTransaction(Name, "commit the transaction");
   if (Target.Depth > 0) return;
   if (Target.Doomed) {
-    FTrace("Rolling the transaction back: an inner one was rolled back");
+    Note("Rolling the transaction back: an inner one was rolled back");
     Target.Connection->Rollback();
     throw EDatabaseError("The transaction was rolled back instead of committed: one inside it was rolled back");
   }
-  FTrace("Committing the transaction");
+  Note("Committing the transaction");
   try {
     Target.Connection->Commit();
   } catch (...) {
@@ -94,7 +96,7 @@ void TDatabases::CommitTransaction(const std::string& Name) {
       Target.Connection->Rollback();
     } catch (const std::exception& Error) {
       // The error on its way out is the one to tell.
-      FTrace(Format("Can not roll back: %s", Error.what()));
+      Note(Format("Can not roll back: %s", Error.what()));
     }
     throw;
   }
@@ -106,7 +108,7 @@ void TDatabases::RollbackTransaction(const std::string& Name) {
     Target.Doomed = true;
     return;
   }
-  FTrace("Rolling the transaction back");
+  Note("Rolling the transaction back");
   Target.Connection->Rollback();
 }
 

@@ -14,8 +14,8 @@ namespace velkrund {
 /// however it is spelt; made when first needed and kept. Counts nested transactions. Used by one thread at a time.
 class TDatabases {
  public:
-  /// Called with a line for the trace: connections, transactions.
-  using TTraceFunction = std::function<void(const std::string& Line)>;
+  /// Called with a line for the trace: connections, transactions, remarks of the engine.
+  using TTraceFunction = std::function<void(TTraceLevel Level, const std::string& Line)>;
 
   TDatabases(const TConfiguration& Configuration, TDriverRegistry Drivers, TTraceFunction Trace);
   TDatabases(const TDatabases&) = delete;
@@ -37,6 +37,9 @@ class TDatabases {
   /// Databases that are connected to from now on are made when they do not exist.
   void SetCreateMissing(bool Value) { FCreateMissing = Value; }
   void SetBusyTime(std::chrono::milliseconds Value) { FBusyTime = Value; }
+  /// Asked while an engine lets its caller wait, through connections that are made from now on: true ends what is
+  /// waited for, with EAbort.
+  void SetCanceled(std::function<bool()> Canceled) { FCanceled = std::move(Canceled); }
 
   /// Whether two names mean the same database.
   bool IsSameDatabase(const std::string& A, const std::string& B) const;
@@ -56,6 +59,7 @@ class TDatabases {
     std::string Identity;
   };
 
+  void Note(const std::string& Line) { FTrace(TTraceLevel::Detail, Line); }
   TAddress Resolve(const std::string& Name) const;
   TDatabase& Database(const std::string& Name);
   void Start(const std::string& Name, const std::function<void(TConnection&)>& Begin);
@@ -67,6 +71,7 @@ class TDatabases {
   std::string FDefaultDatabase;
   bool FCreateMissing = false;
   std::chrono::milliseconds FBusyTime;
+  std::function<bool()> FCanceled;
   std::map<std::string, TDatabase> FOpen;                 // by identity
   std::map<std::string, TDatabase*, std::less<>> FNames;  // the names under which they were asked for
 };

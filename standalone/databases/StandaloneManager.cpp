@@ -59,7 +59,8 @@ TStandaloneManager::TStandaloneManager(const TConfiguration& Configuration)
       FSettings(SettingsOf(Configuration)),
       FTrace(Configuration.TraceLevel, Configuration.TraceFile),
       FDatabases(Configuration, AllDrivers(),
-                 [this](const std::string& Line) { FTrace.Write(DatabaseSubsystem, TTraceLevel::Detail, Line); }) {}
+                 [this](TTraceLevel Level, const std::string& Line) { FTrace.Write(DatabaseSubsystem, Level, Line); }) {
+}
 
 TStandaloneManager::~TStandaloneManager() = default;
 

@@ -29,7 +29,8 @@ struct TCapabilities {
 };
 
 /// One connection to one database. Used by one thread at a time; cursors and appenders are freed before it. Raises
-/// EDatabaseError with what failed, the engine's own words and code, and the statement where it helps.
+/// EDatabaseError with what failed, the engine's own words and code, and the statement where it helps; EAbort where the
+/// connection's options told it to stop.
 class TConnection {
  public:
   TConnection() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,6 +19,10 @@ struct TConnectOptions {
   std::chrono::milliseconds BusyTime{10'000};
   /// What relative file names in a URL are relative to; empty: the current folder.
   std::string BaseFolder = {};
+  /// Asked while the engine lets its caller wait, by the thread that waits: true ends what is waited for, with EAbort.
+  std::function<bool()> Canceled = {};
+  /// Takes what the engine remarks on the way.
+  std::function<void(TTraceLevel Level, const std::string& Line)> Trace = {};
 };
 
 /// The way to one kind of engine. Stateless; safe to call from several threads.

@@ -62,7 +62,7 @@ TEST_F(TPostgreSQLTest, DatabaseInfoShowsTablesAndNoPassword) {
   EXPECT_EQ(Found, "p 2;v null;my own.t 1;");
 }
 
-TEST_F(TPostgreSQLTest, AKilledImportLeavesTheTable) {
+TEST_F(TPostgreSQLTest, AnImportThatEndsWhileTheServerWorksLeavesTheTable) {
   Database.Run("CREATE TABLE t AS SELECT i, repeat('x', 100000) AS s FROM generate_series(1, 60) AS i");
   RunJson({"export", "table", "-d", Database.Url(), "-t", "t", "-o", "F"});
   // At the last row the server waits, and looks whether the client is still there: it does not see that behind rows
@@ -73,20 +73,41 @@ TEST_F(TPostgreSQLTest, AKilledImportLeavesTheTable) {
   Database.Run(
       "DELETE FROM t; INSERT INTO t VALUES (7, 'before');"
       "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS $f$ "
-      "BEGIN PERFORM pg_sleep(60); RETURN NEW; END $f$;"
-      "CREATE TRIGGER g BEFORE INSERT ON t FOR EACH ROW WHEN (NEW.i = 60) EXECUTE FUNCTION f()");
-  const pid_t Process = Start({"import", "table", "-d", Database.Url(), "-i", "F", "--replace"});
+      "BEGIN PERFORM pg_sleep(60); RETURN NEW; END $f$");
   const auto Sessions = [&](const std::string& Condition) {
     return Database.Rows(
         "SELECT count(*) FROM pg_stat_activity WHERE application_name = 'velkrund' AND datname = "
         "current_database() " +
         Condition);
   };
-  EXPECT_TRUE(WaitUntil([&] { return Sessions("AND wait_event = 'PgSleep'") == "1\n"; }));
-  kill(Process, SIGKILL);
-  EXPECT_EQ(Finish(Process).ExitCode, 128 + SIGKILL);
-  EXPECT_TRUE(WaitUntil([&] { return Sessions("") == "0\n"; }));
-  EXPECT_EQ(Database.Rows("SELECT * FROM t"), "7\tbefore\n");
+  const std::string LastRow = "FOR EACH ROW WHEN (NEW.i = 60) EXECUTE FUNCTION f()";
+  const struct {
+    std::string Slow;
+    int Signal;
+    int ExitCode;
+  } Cases[] = {
+      {"CREATE TRIGGER g BEFORE INSERT ON t " + LastRow, SIGKILL, 128 + SIGKILL},
+      {"CREATE TRIGGER g BEFORE INSERT ON t " + LastRow, SIGINT, 3},
+      {"CREATE TRIGGER g BEFORE DELETE ON t EXECUTE FUNCTION f()", SIGINT, 3},
+      {"CREATE CONSTRAINT TRIGGER g AFTER INSERT ON t DEFERRABLE INITIALLY DEFERRED " + LastRow, SIGINT, 3},
+      {"BEGIN; LOCK TABLE t", SIGINT, 3},
+  };
+  for (const auto& [Slow, Signal, ExitCode] : Cases) {
+    SCOPED_TRACE(Slow);
+    Database.Run(Slow);
+    const pid_t Process = Start({"import", "table", "-d", Database.Url(), "-i", "F", "--replace"});
+    EXPECT_TRUE(WaitUntil([&] {
+      return Sessions("AND wait_event = 'PgSleep'") == "1\n" ||
+             Database.Rows("SELECT count(*) FROM pg_locks WHERE NOT granted") == "1\n";
+    }));
+    kill(Process, Signal);
+    const TOutcome Outcome = Finish(Process);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Outcome.Errors;
+    Database.Run("ROLLBACK");
+    EXPECT_TRUE(WaitUntil([&] { return Sessions("") == "0\n"; }));
+    EXPECT_EQ(Database.Rows("SELECT * FROM t"), "7\tbefore\n");
+    Database.Run("DROP TRIGGER IF EXISTS g ON t");
+  }
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <signal.h>
 #include <sqlite3.h>
 
 #include <memory>
@@ -94,10 +95,16 @@ TEST_F(TSharingTest, AnImportWaitsForAnotherProgramsTransaction) {
   const TOutcome Refused = Run(ImportInto("table", {"-i", "F", "--append"}));
   EXPECT_EQ(Refused.ExitCode, 1);
   EXPECT_NE(
-      Refused.Errors.find("empty.db': database is locked (SQLite error 5); another program is using the database"),
+      Refused.Errors.find("empty.db': database is locked (SQLite error 5); another program is using the database, and "
+                          "has done so for longer than busy_seconds"),
       std::string::npos)
       << Refused.Errors;
-  Write("velkrund.toml", "busy_seconds = 60\n");
+  Write("velkrund.toml", "busy_seconds = 60\ntrace = { level = \"detail\", file = \"trace.log\" }\n");
+  const pid_t Stopped = Start(ImportInto("table", {"-i", "F", "--append"}));
+  EXPECT_TRUE(WaitUntil(
+      [&] { return Exists("trace.log") && Read("trace.log").find("Starting a transaction") != std::string::npos; }));
+  kill(Stopped, SIGINT);
+  EXPECT_EQ(Finish(Stopped).ExitCode, 3);
   const pid_t Waiting = Start(ImportInto("table", {"-i", "F", "--append"}));
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   Execute("COMMIT");

@@ -81,6 +81,8 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
   ImportRecords(Target, Columns, Stream);
   if (FStopped) return;
   Target.EndAppend();
+  // The engine may have taken its time over what it had held back.
+  if (FStopped = IsCanceled(); FStopped) return;
   Transaction.Commit();
 }
 

@@ -1,7 +1,5 @@
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/CopyErrors.h"
@@ -73,9 +71,13 @@ void TPostgreSQLAppender::CheckUsable() const {
   if (!FFailure.empty()) throw EDatabaseError(FFailure);
 }
 
-void TPostgreSQLAppender::Fail(const std::string& Message) {
-  FFailure = Message;
+void TPostgreSQLAppender::GiveUp(std::string Why) {
+  FFailure = std::move(Why);
   Abandon();
+}
+
+void TPostgreSQLAppender::Fail(const std::string& Message) {
+  GiveUp(Message);
   throw EDatabaseError(Message);
 }
 
@@ -120,14 +122,14 @@ void TPostgreSQLAppender::Send() {
     try {
       FSession.StartCopy(FWhat, FStatement);
     } catch (const std::exception& Error) {
-      Fail(Error.what());
+      GiveUp(Error.what());
+      throw;
     }
     FCopying = true;
   }
   // In slices, so that the client library does not copy a long row as a whole.
   for (std::size_t At = 0; At < FRows.size(); At += ChunkSize) {
-    const std::size_t Size = std::min(ChunkSize, FRows.size() - At);
-    if (PQputCopyData(FSession.Handle(), FRows.data() + At, static_cast<int>(Size)) != 1) {
+    if (!FSession.SendRows(std::string_view(FRows).substr(At, ChunkSize))) {
       FCopying = false;
       RaisePiece(FSession.Drain());
     }
@@ -139,7 +141,7 @@ void TPostgreSQLAppender::Send() {
 void TPostgreSQLAppender::EndPiece() {
   Send();
   FCopying = false;
-  PQputCopyEnd(FSession.Handle(), nullptr);
+  FSession.EndRows(nullptr);
   const TPostgreSQLResult Result = FSession.Drain();
   if (!Result.Handle() || Result.IsError()) RaisePiece(Result);
   const std::int64_t Sent = FRecord - FPieceFirst;
@@ -166,7 +168,8 @@ void TPostgreSQLAppender::RaisePiece(const TPostgreSQLResult& Result) {
   try {
     FSession.Raise(What, Result);
   } catch (const std::exception& Error) {
-    Fail(Error.what());
+    GiveUp(Error.what());
+    throw;
   }
 }
 
@@ -177,7 +180,7 @@ void TPostgreSQLAppender::Abandon() noexcept {
   FPieceSize = 0;
   if (FCopying) {
     FCopying = false;
-    PQputCopyEnd(FSession.Handle(), "the rows are dropped");
+    FSession.EndRows("the rows are dropped");
     FSession.Drain();
   }
   FInPiece = false;

@@ -32,6 +32,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   void Send();
   void EndPiece();
   [[noreturn]] void RaisePiece(const TPostgreSQLResult& Result);
+  void GiveUp(std::string Why);
   [[noreturn]] void Fail(const std::string& Message);
   std::string Records(std::int64_t First, std::int64_t Last) const;
 

@@ -25,7 +25,7 @@ std::string_view LevelWords(TIsolationLevel Level) {
 
 TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
                                              const TConnectOptions& Options)
-    : FSession(ConnectionInfo, ShownName, Options.BusyTime) {
+    : FSession(ConnectionInfo, ShownName, Options) {
   FCapabilities.ReadOnly = FSession.ReadOnly();
   FCapabilities.TransactionalSchema = true;
   FCapabilities.NotANumber = true;

@@ -43,7 +43,7 @@ void TPostgreSQLCopyCursor::FreeRow() {
 /// Takes the next message; false behind the last one. The connection is free then.
 bool TPostgreSQLCopyCursor::Receive() {
   FreeRow();
-  const int Size = PQgetCopyData(FSource.Session.Handle(), &FRow, 0);
+  const int Size = FSource.Session.ReceiveRow(FRow);
   if (Size > 0) {
     FAt = FRow;
     FEnd = FRow + Size;
@@ -108,11 +108,7 @@ void TPostgreSQLCopyCursor::Abandon() noexcept {
   FSource.Session.Vacate(*this);
   pg_conn* Connection = FSource.Session.Handle();
   // What is left may be much: better to stop the server than to read it all.
-  if (PGcancel* Cancel = PQgetCancel(Connection)) {
-    char Message[256];
-    PQcancel(Cancel, Message, sizeof Message);
-    PQfreeCancel(Cancel);
-  }
+  StopPostgreSQLStatement(Connection);
   for (char* Row = nullptr; PQgetCopyData(Connection, &Row, 0) > 0;) PQfreemem(Row);
   FSource.Session.Drain();
 }

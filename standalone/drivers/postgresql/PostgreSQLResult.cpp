@@ -88,6 +88,8 @@ std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection
   return Message;
 }
 
+std::string PostgreSQLNoticeText(const pg_result* Notice) { return OneLine(PQresultErrorMessage(Notice)); }
+
 std::string QuotePostgreSQLName(std::string_view Name) {
   std::string Result = "\"";
   for (const char C : Name) {

@@ -48,6 +48,9 @@ class TPostgreSQLResult {
 std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection, const TPostgreSQLResult& Result,
                                 std::string_view Statement = {});
 
+/// What the server remarks on the way, with its severity, on one line.
+std::string PostgreSQLNoticeText(const pg_result* Notice);
+
 /// A name between double quotes, inner ones doubled.
 std::string QuotePostgreSQLName(std::string_view Name);
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "standalone/drivers/postgresql/PostgreSQLParameters.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -32,7 +31,8 @@ constexpr int CurrentSchemaColumn = 12;
 constexpr int ServerVersionColumn = 13;
 constexpr int ReadOnlyColumn = 14;
 
-void IgnoreNotice(void* /*Argument*/, const PGresult* /*Notice*/) {}
+/// What the server says of a statement that was told to stop.
+constexpr std::string_view StoppedCode = "57014";
 
 pg_conn* Connect(const std::string& ConnectionInfo) {
   const char* const Keywords[] = {"dbname", "client_encoding", "fallback_application_name", nullptr};
@@ -40,27 +40,35 @@ pg_conn* Connect(const std::string& ConnectionInfo) {
   return PQconnectdbParams(Keywords, Values, 1);
 }
 
-/// Whether a statement with this tag tells how many rows it has changed.
-bool CountsChanges(std::string_view Tag) {
-  for (const std::string_view Word : {"INSERT ", "UPDATE ", "DELETE ", "MERGE "})
-    if (Tag.starts_with(Word)) return true;
-  return false;
-}
-
 }  // namespace
 
 void TPostgreSQLSession::TFinish::operator()(pg_conn* Connection) const { PQfinish(Connection); }
 
 TPostgreSQLSession::TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName,
-                                       std::chrono::milliseconds BusyTime)
+                                       const TConnectOptions& Options)
     : FShownName(std::move(ShownName)),
       // For the server 0 means to wait for ever.
-      FLockTimeout(std::to_string(std::clamp<std::chrono::milliseconds::rep>(BusyTime.count(), 1, 1'000'000'000))),
+      FLockTimeout(
+          std::to_string(std::clamp<std::chrono::milliseconds::rep>(Options.BusyTime.count(), 1, 1'000'000'000))),
+      FTrace(Options.Trace),
+      FWait(Options.Canceled),
       FConnection(Connect(ConnectionInfo)) {
   if (!FConnection) throw EDatabaseError(About("open") + ": out of memory");
   if (IsLost()) throw EDatabaseError(PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()));
-  PQsetNoticeReceiver(Handle(), IgnoreNotice, nullptr);
+  PQsetNoticeReceiver(Handle(), TakeNotice, this);
   SetUp();
+}
+
+void TPostgreSQLSession::TakeNotice(void* Session, const pg_result* Notice) noexcept {
+  const auto& Trace = static_cast<TPostgreSQLSession*>(Session)->FTrace;
+  if (!Trace) return;
+  try {
+    const char* Severity = PQresultErrorField(Notice, PG_DIAG_SEVERITY_NONLOCALIZED);
+    const bool IsWarning = Severity && std::string_view(Severity) == "WARNING";
+    Trace(IsWarning ? TTraceLevel::Info : TTraceLevel::Detail, "From the server: " + PostgreSQLNoticeText(Notice));
+  } catch (...) {
+    // The client library's code, through which no exception may pass, is the caller.
+  }
 }
 
 void TPostgreSQLSession::SetUp() {
@@ -86,6 +94,8 @@ void TPostgreSQLSession::Raise(std::string_view What, const TPostgreSQLResult& R
     Message += "; the connection is lost";
     if (FTransactionOpen) Message += ", and the server has undone the transaction";
   }
+  if (FWait.Stopped() && Result.Diagnostic(PG_DIAG_SQLSTATE) == StoppedCode)
+    throw EAbort(Format("%s: cancelled while the server was at it", What));
   throw EDatabaseError(Message);
 }
 
@@ -127,70 +137,6 @@ void TPostgreSQLSession::Prepare(std::string_view What) {
   }
 }
 
-TPostgreSQLResult TPostgreSQLSession::Run(const std::string& Statement, std::initializer_list<const char*> Parameters,
-                                          TFormat Format) {
-  TPostgreSQLResult Result(PQexecParams(Handle(), Statement.c_str(), static_cast<int>(Parameters.size()), nullptr,
-                                        std::data(Parameters), nullptr, nullptr, Format == TFormat::Binary ? 1 : 0));
-  NoteTransaction();
-  return Result;
-}
-
-TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::string& Statement,
-                                            std::initializer_list<const char*> Parameters, TFormat Format) {
-  Prepare(What);
-  TPostgreSQLResult Result = Run(Statement, Parameters, Format);
-  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
-  return Result;
-}
-
-std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
-  constexpr std::string_view What = "Can not execute a statement";
-  if (Statement.find('\0') != std::string::npos) throw EDatabaseError(Format("%s: it holds a character U+0000", What));
-  const TPostgreSQLParameters Texts(Parameters);
-  Prepare(What);
-  if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),
-                        Texts.Formats(), 0) == 0)
-    Raise(What, TPostgreSQLResult(), Statement);
-  PQsetSingleRowMode(Handle());
-  const TPostgreSQLResult Result = DropRows(What, Statement);
-  return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
-}
-
-TPostgreSQLResult TPostgreSQLSession::Ask(const std::string& Statement, std::span<const TKvVariant> Parameters) {
-  constexpr std::string_view What = "Can not execute a statement";
-  const TPostgreSQLParameters Texts(Parameters);
-  Prepare(What);
-  TPostgreSQLResult Result(PQexecParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(),
-                                        Texts.Lengths(), Texts.Formats(), 1));
-  NoteTransaction();
-  if (!Result.Handle() || Result.IsError()) Raise(What, Result, Statement);
-  return Result;
-}
-
-TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std::string& Statement) {
-  TPostgreSQLResult Last;
-  bool IsCopy = false;
-  while (PGresult* Next = PQgetResult(Handle())) {
-    TPostgreSQLResult Result(Next);
-    const ExecStatusType Status = PQresultStatus(Next);
-    if (Status == PGRES_COPY_IN) PQputCopyEnd(Handle(), "not a statement to execute");
-    if (Status == PGRES_COPY_OUT)
-      for (char* Row = nullptr; PQgetCopyData(Handle(), &Row, 0) > 0;) PQfreemem(Row);
-    IsCopy = IsCopy || Status == PGRES_COPY_IN || Status == PGRES_COPY_OUT;
-    if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
-  }
-  NoteTransaction();
-  if (IsCopy && !IsLost())
-    throw EDatabaseError(Format("%s: it copies between the database and its caller; statement: %s", What, Statement));
-  // The one thing that is an error of syntax before the server has looked at a word of it.
-  if (Last.Diagnostic(PG_DIAG_SQLSTATE) == "42601" && Last.Diagnostic(PG_DIAG_STATEMENT_POSITION).empty() &&
-      Last.Diagnostic(PG_DIAG_SOURCE_FUNCTION) == "exec_parse_message")
-    throw EDatabaseError(Format("Can not execute more than one statement at once: %s", Statement));
-  if (!Last.Handle() || Last.IsError()) Raise(What, Last, Statement);
-  if (PQresultStatus(Last.Handle()) == PGRES_EMPTY_QUERY) throw EDatabaseError(Format("%s: it is empty", What));
-  return Last;
-}
-
 void TPostgreSQLSession::Begin(std::string_view Level) {
   const std::string What = About("start a transaction in");
   if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
@@ -216,7 +162,7 @@ void TPostgreSQLSession::Rollback() {
   if (!FTransactionOpen) return;
   if (FStream) FStream->Abandon();
   FToClose.clear();
-  const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text);
+  const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text, false);
   if (IsLost()) {
     // The server has rolled back by itself.
     FTransactionOpen = false;
@@ -232,26 +178,6 @@ void TPostgreSQLSession::Occupy(TPostgreSQLStream& Stream, std::string_view What
 
 void TPostgreSQLSession::Vacate(const TPostgreSQLStream& Stream) {
   if (FStream == &Stream) FStream = nullptr;
-}
-
-void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Statement) {
-  const TPostgreSQLResult Result = Run(Statement, {}, TFormat::Text);
-  const ExecStatusType Status = PQresultStatus(Result.Handle());
-  if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, Statement);
-}
-
-TPostgreSQLResult TPostgreSQLSession::Drain() {
-  TPostgreSQLResult Last;
-  while (PGresult* Next = PQgetResult(Handle())) {
-    TPostgreSQLResult Result(Next);
-    // Copying that nobody goes on with would be offered again for ever.
-    if (PQresultStatus(Next) == PGRES_COPY_IN) PQputCopyEnd(Handle(), "dropped");
-    if (PQresultStatus(Next) == PGRES_COPY_OUT)
-      for (char* Row = nullptr; PQgetCopyData(Handle(), &Row, 0) > 0;) PQfreemem(Row);
-    if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
-  }
-  NoteTransaction();
-  return Last;
 }
 
 void TPostgreSQLSession::CloseLater(std::string CursorName) { FToClose.push_back(std::move(CursorName)); }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -8,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "standalone/drivers/Driver.h"
 #include "standalone/drivers/postgresql/PostgreSQLResult.h"
+#include "standalone/drivers/postgresql/PostgreSQLWait.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
@@ -30,12 +31,12 @@ class TPostgreSQLStream {
 
 /// One connection to a server, set up so that every value has one text form. Knows the state of its transaction also
 /// when the connection is lost: inside a transaction every further statement is then an error; outside, the next
-/// statement connects anew. Raises EDatabaseError.
+/// statement connects anew. Raises EDatabaseError; EAbort when what runs was told to stop.
 class TPostgreSQLSession {
  public:
   /// ConnectionInfo: an address or a "key=value" text, as the client library takes it; empty: all from the environment.
-  /// ShownName: the database in messages, without secrets. BusyTime: how long a statement waits for a lock.
-  TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName, std::chrono::milliseconds BusyTime);
+  /// ShownName: the database in messages, without secrets. Options.BusyTime: how long a statement waits for a lock.
+  TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName, const TConnectOptions& Options);
   TPostgreSQLSession(const TPostgreSQLSession&) = delete;
   TPostgreSQLSession& operator=(const TPostgreSQLSession&) = delete;
 
@@ -69,6 +70,12 @@ class TPostgreSQLSession {
   void Vacate(const TPostgreSQLStream& Stream);
   /// Starts a COPY for the holder.
   void StartCopy(std::string_view What, const std::string& Statement);
+  /// Sends a piece of its data. False: the connection is lost.
+  bool SendRows(std::string_view Rows);
+  /// Ends its data; Reason: why they are to be dropped, else null. Drain tells what became of them.
+  void EndRows(const char* Reason);
+  /// Receives the next message of its data, as the client library's PQgetCopyData.
+  int ReceiveRow(char*& Row) { return FWait.ForRow(Handle(), Row); }
   /// Reads what the server has still to say about the last statement; its first error, else its last answer.
   TPostgreSQLResult Drain();
 
@@ -76,7 +83,7 @@ class TPostgreSQLSession {
   /// Closes a server cursor of the running transaction before the next statement, so that freeing it needs no answer.
   void CloseLater(std::string CursorName);
 
-  /// Raises what Result says, and what a lost connection means.
+  /// Raises what Result says, and what a lost connection means; EAbort when it says that the statement was stopped.
   [[noreturn]] void Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement = {});
   /// How a message about the whole database begins.
   std::string About(std::string_view Failed) const;
@@ -90,12 +97,18 @@ class TPostgreSQLSession {
   bool IsLost() const;
   void Prepare(std::string_view What);
   void CheckAlive(std::string_view What);
-  TPostgreSQLResult Run(const std::string& Statement, std::initializer_list<const char*> Parameters, TFormat Format);
+  TPostgreSQLResult Run(const std::string& Statement, std::initializer_list<const char*> Parameters, TFormat Format,
+                        bool MayStop = true);
+  pg_result* NextResult();
+  TPostgreSQLResult Answer();
+  static void TakeNotice(void* Session, const pg_result* Notice) noexcept;
   TPostgreSQLResult DropRows(std::string_view What, const std::string& Statement);
   void NoteTransaction();
 
   std::string FShownName;
   std::string FLockTimeout;  // milliseconds
+  std::function<void(TTraceLevel, const std::string&)> FTrace;
+  TPostgreSQLWait FWait;
   std::unique_ptr<pg_conn, TFinish> FConnection;
   std::string FServerVersion;
   std::string FCurrentSchema;

@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
@@ -24,11 +23,14 @@ void Run(sqlite3* Database, std::string_view Statement, std::string What) {
 }  // namespace
 
 void TSQLiteConnection::TClose::operator()(sqlite3* Database) const {
+  sqlite3_busy_handler(Database, nullptr, nullptr);
+  sqlite3_progress_handler(Database, 0, nullptr, nullptr);
   // A cursor that has outlived its connection, against the rule, then still has something to finalise.
   sqlite3_close_v2(Database);
 }
 
-TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOptions& Options) : FPath(Path) {
+TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOptions& Options)
+    : FPath(Path), FWait(Options.BusyTime, Options.Canceled) {
   // Without write rights the engine falls back to reading.
   int Flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_READWRITE;
   if (Options.CreateMissing || Path == InMemory) Flags |= SQLITE_OPEN_CREATE;
@@ -38,8 +40,7 @@ TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOpti
   FDatabase.reset(Opened);
   if (!Opened) throw EDatabaseError(Format("%s: out of memory", About("open")));
   if (Code != SQLITE_OK) RaiseSQLiteError(Opened, About("open"));
-  const auto BusyTime = std::clamp<std::chrono::milliseconds::rep>(Options.BusyTime.count(), 0, 1'000'000'000);
-  sqlite3_busy_timeout(Opened, static_cast<int>(BusyTime));
+  FWait.Attach(Opened);
   try {
     CheckReadable();
   } catch (...) {

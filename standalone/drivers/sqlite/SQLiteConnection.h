@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/sqlite/SQLiteWait.h"
 
 struct sqlite3;
 
@@ -62,6 +63,7 @@ class TSQLiteConnection final : public TConnection {
   bool RowsDependOnStatement(const std::string& Table);
 
   std::string FPath;
+  TSQLiteWait FWait;
   bool FIsNew = false;  // the file was not there before
   std::unique_ptr<sqlite3, TClose> FDatabase;
   TCapabilities FCapabilities;

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include "standalone/drivers/sqlite/SQLiteWait.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -14,7 +15,7 @@ constexpr std::size_t MaxStatementInMessage = 300;
 std::string_view Hint(int Code) {
   switch (Code & 0xFF) {
     case SQLITE_BUSY:
-      return "; another program is using the database";
+      return "; another program is using the database, and has done so for longer than busy_seconds";
     case SQLITE_READONLY:
       return "; its file or folder can not be written";
     default:
@@ -26,6 +27,8 @@ std::string_view Hint(int Code) {
 
 void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view Statement) {
   const int Code = sqlite3_extended_errcode(Database);
+  const bool Stopped = (Code & 0xFF) == SQLITE_BUSY && TSQLiteWait::TakeStopped(Database);
+  if (Stopped || Code == SQLITE_INTERRUPT) throw EAbort(Format("%s: cancelled", What));
   std::string Message = Format("%s: %s (SQLite error %d)%s", What, sqlite3_errmsg(Database), Code, Hint(Code));
   if (!Statement.empty()) {
     const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));

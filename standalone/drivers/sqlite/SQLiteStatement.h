@@ -9,7 +9,8 @@ struct sqlite3_stmt;
 
 namespace velkrund {
 
-/// Raises EDatabaseError: What, the engine's message and code, and the statement unless it is empty.
+/// Raises EDatabaseError: What, the engine's message and code, and the statement unless it is empty; EAbort when the
+/// connection was told to stop.
 [[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view Statement = {});
 
 /// A name between double quotes, inner ones doubled.

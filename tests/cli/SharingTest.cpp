@@ -1,6 +1,8 @@
 #include <signal.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <memory>
 #include <thread>
 
@@ -119,6 +121,12 @@ TEST_F(TSharingTest, ADatabaseThatWasMadeForNothingIsRemoved) {
     EXPECT_EQ(Outcome.ExitCode, 1) << Outcome.Errors;
     EXPECT_FALSE(Exists("new.db")) << Object;
   }
+  // A link to nothing stays one.
+  ASSERT_EQ(symlink("new.db", Path("link.db").c_str()), 0);
+  EXPECT_EQ(Run({"import", "table", "-d", "sqlite:link.db", "-i", "F", "--create"}).ExitCode, 1);
+  EXPECT_FALSE(Exists("new.db"));
+  std::error_code Error;
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link.db"), Error));
   // One that was there, empty as it is, is somebody else's.
   Write("mine.db", "");
   EXPECT_EQ(Run({"import", "table", "-d", "sqlite:mine.db", "-i", "F", "--create"}).ExitCode, 1);

@@ -69,7 +69,9 @@ void TSQLiteConnection::RemoveUnused() noexcept {
   if (sqlite3_get_autocommit(Database) == 0 && Execute("ROLLBACK") != SQLITE_OK) return;
   if (Execute("BEGIN EXCLUSIVE") != SQLITE_OK) return;
   std::error_code Error;
-  if (std::filesystem::file_size(FPath, Error) == 0 && !Error) std::filesystem::remove(FPath, Error);
+  // The file itself: a link that was there before stays.
+  const std::filesystem::path File = sqlite3_db_filename(Database, "main");
+  if (std::filesystem::file_size(File, Error) == 0 && !Error) std::filesystem::remove(File, Error);
   Execute("ROLLBACK");
 }
 

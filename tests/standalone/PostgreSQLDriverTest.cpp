@@ -379,6 +379,17 @@ TEST_F(PostgreSQLDriverTest, OpeningSaysWhatIsWrongAndNoPassword) {
             "EDatabaseError: Can not append to table 't': the database is opened for reading only");
 }
 
+TEST_F(PostgreSQLDriverTest, WhatTheServerRemarksGoesToTheTrace) {
+  std::vector<std::string> Lines;
+  TConnectOptions Options;
+  Options.Trace = [&](TTraceLevel Level, const std::string& Line) {
+    Lines.push_back(std::to_string(static_cast<int>(Level)) + " " + Line);
+  };
+  Connection = TPostgreSQLDriver().Connect(ParseDatabaseUrl(Raw.Url()).value(), Options);
+  Connection->Execute("DO $$ BEGIN RAISE WARNING 'careful'; RAISE NOTICE 'by the way'; END $$");
+  EXPECT_THAT(Lines, ElementsAre("2 From the server: WARNING: careful", "3 From the server: NOTICE: by the way"));
+}
+
 TEST_F(PostgreSQLDriverTest, OneDatabaseHasOneIdentity) {
   const auto Identity = [](const std::string& Url) {
     return TPostgreSQLDriver().Identity(ParseDatabaseUrl(Url).value(), {});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "hosts/cli/Interrupt.h"
 #include "hosts/cli/Texts.h"
 #include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -152,6 +153,10 @@ void EndRelated(TRelatedTables& Related, TReport& Report) {
   bool Whole = Report.Error.empty() && Report.Cancelled.empty();
   for (const TReportItem& Item : Report.Items)
     if (IsTable(Item) && Item.State != TItemState::Done && Item.State != TItemState::LeftOut) Whole = false;
+  if (Whole && TInterrupt::Requested()) {
+    Whole = false;
+    Report.Cancelled = "cancelled";
+  }
   try {
     Related.End(Whole);
     if (Whole) return;

@@ -1,13 +1,15 @@
 // The foreign keys of TPostgreSQLConnection.
 
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 
 namespace velkrund {
 namespace {
 
+/// Those that delete or change rows when the row that they refer to is deleted: cascade, set null, set default.
 constexpr const char* KeysStatement =
     "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
-    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype IN ('c', 'n', 'd') "
+    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}') "
     "FROM pg_catalog.pg_constraint k "
     "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
     "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
@@ -16,7 +18,7 @@ constexpr const char* KeysStatement =
 }  // namespace
 
 std::vector<TForeignKey> TPostgreSQLConnection::ForeignKeys() {
-  const TPostgreSQLResult Rows = FSession.Query("Can not list the foreign keys", KeysStatement);
+  const TPostgreSQLResult Rows = FSession.Query("Can not list the foreign keys", CatalogueStatement(KeysStatement));
   const auto TableAt = [&](int Row, int Column) {
     std::string Schema = Rows.Copy(Row, Column + 1);
     if (Schema == FSession.CurrentSchema()) Schema.clear();

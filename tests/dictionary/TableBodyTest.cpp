@@ -113,6 +113,30 @@ TEST_F(TableBody, MissingFieldsAreAnErrorWhereAsked) {
   }
 }
 
+TEST_F(TableBody, WhatIsDamagedOrCutOffMeanwhileIsAnError) {
+  std::string Damaged = "[FIELDS]\rA\r[RECORDZ]\r";
+  for (int Row = 0; Row < 600'000; ++Row) Damaged += "<" + std::to_string(Row) + ">\r";
+  const std::string Invalid = "Invalid record data structure. ";
+  const struct {
+    std::string Body;
+    std::size_t CutOff;
+    std::string Error;
+  } Cases[] = {
+      {"", 1, "Fields section not found"},
+      {"[FIELDS]\rA\r", 1, "Records section not found"},
+      {"[FIELDS]\rA\r[RECORDS]\r<1>\r", 1, Invalid + "'<' is missing (Position:25)"},
+      {"[FIELDS]\rA\r[RECORDS]\r<1@\r", 1, Invalid + "'@' is missing (Position:25)"},
+      {Damaged + "[RECORDS]\r", 0, "Records section not found"},
+  };
+  for (const auto& Case : Cases) {
+    TMemoryTable Table("T", {{"A", TKvKind::Int64}});
+    TEITableData Section;
+    EXPECT_EQ(ErrorOf([&] { Import(Section, Table, Case.Body, TKvEncoding::Utf8, Case.CutOff); }),
+              "EDicUtilError: Can not import table data. " + Case.Error);
+    EXPECT_TRUE(Rows(Table).empty());
+  }
+}
+
 TEST_F(TableBody, TablesThatCannotBeOpenedAreNamed) {
   TEITableData Section;
   Section.TableName = "GONE";

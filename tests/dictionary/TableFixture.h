@@ -40,13 +40,14 @@ inline std::string Export(TEICommonTableData& Section, TTable& Table, TKvEncodin
   return std::string(Memory.Memory());
 }
 
+/// CutOff: bytes that were behind Body when its size was taken.
 inline void Import(TEICommonTableData& Section, TTable& Table, std::string_view Body,
-                   TKvEncoding Encoding = TKvEncoding::Utf8) {
+                   TKvEncoding Encoding = TKvEncoding::Utf8, std::size_t CutOff = 0) {
   Section.Table = &Table;
   TMemoryStream Memory;
   Memory.Write(Body);
   Memory.SetPosition(0);
-  TEIStream Stream(Memory, static_cast<std::int64_t>(Body.size()));
+  TEIStream Stream(Memory, static_cast<std::int64_t>(Body.size() + CutOff));
   Stream.SetEncoding(Encoding);
   Section.ImportData(Stream);
 }

@@ -113,12 +113,14 @@ inline std::string Export(TEIDSPStructureCommon& Section, TKvEncoding Encoding =
 /// What stands before a body in its source, so that positions in both differ.
 inline constexpr std::string_view Before = "12345678\r\n";
 
-inline void Import(TEIDSPStructureCommon& Section, std::string_view Body, TKvEncoding Encoding = TKvEncoding::Utf8) {
+/// CutOff: bytes that were behind Body when its size was taken.
+inline void Import(TEIDSPStructureCommon& Section, std::string_view Body, TKvEncoding Encoding = TKvEncoding::Utf8,
+                   std::size_t CutOff = 0) {
   TMemoryStream Memory;
   Memory.Write(Before);
   Memory.Write(Body);
   Memory.SetPosition(static_cast<std::int64_t>(Before.size()));
-  TEIStream Stream(Memory, static_cast<std::int64_t>(Body.size()));
+  TEIStream Stream(Memory, static_cast<std::int64_t>(Body.size() + CutOff));
   Stream.SetEncoding(Encoding);
   Section.ImportData(Stream);
 }

@@ -77,6 +77,8 @@ TEST_F(Errors, OfTheLines) {
       EXPECT_EQ(ErrorOf([&] { Import(*Made, Case.Body); }),
                 Case.Error + (Case.HasPosition ? At(Case.Body) : "") + (OfRemarks ? "." : ""))
           << Case.Body;
+      // Cut off by another program while it is read, a file is no less faulty.
+      EXPECT_NE(ErrorOf([&] { Import(*Made, Case.Body, TKvEncoding::Utf8, 100); }), "no error") << Case.Body;
       ExpectUnchanged();
     }
   }

@@ -103,6 +103,33 @@ TEST_F(SourceReading, NamesEveryFaultWithPositionAndLine) {
   }
 }
 
+// With a damaged "[DATA]" line the rows of a table are parameters, and must not all be kept.
+TEST_F(SourceReading, HeadersAreBounded) {
+  std::string Parameters, Comments;
+  for (int Line = 0; Line < 150'000; ++Line) {
+    Parameters += "<" + std::to_string(Line) + ">\r\n";
+    Comments += "; note\r\n";
+  }
+  const struct {
+    std::string Lines;
+    bool IsRead;
+  } Cases[] = {{Parameters, false},
+               {Comments, true},
+               {"P = " + std::string(10'000'000, 'x') + "\r\n", true},
+               {"P = " + std::string(20'000'000, 'x') + "\r\nQ = 1\r\n", false}};
+  for (const auto& Case : Cases) {
+    TMemorySource Source("[SECTION]\r\nName=a\r\nType=Text\r\nVersion=100\r\n" + Case.Lines + "[DATA]\r\n[END]\r\n");
+    std::string Error;
+    try {
+      Source.Open();
+    } catch (const EEIError& Raised) {
+      Error = Raised.what();
+    }
+    EXPECT_EQ(Source.Sections().Count(), Case.IsRead ? 1 : 0) << Error;
+    EXPECT_EQ(Error.starts_with("Invalid Export/Import source structure. Data begin not found"), !Case.IsRead) << Error;
+  }
+}
+
 // A cut anywhere gives either an error or a list of the sections that are whole.
 TEST_F(SourceReading, EveryTruncationIsAnErrorOrAWholeList) {
   TMemorySource Whole;

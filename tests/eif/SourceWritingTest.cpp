@@ -180,6 +180,11 @@ TEST_F(SourceWriting, DeletionsKeepTheRestByteForByte) {
   for (const char* Bad : {"x", "4", "-1", ""}) EXPECT_ANY_THROW(Source.DeleteSections({Bad})) << Bad;
   EXPECT_ANY_THROW(Source.DeleteSections({"1", "x"}));
   EXPECT_EQ(Source.Bytes(), All);
+  // Cut off by another program since it was opened.
+  const std::string Rest = All.substr(0, All.find("between"));
+  Source.Memory.SetSize(static_cast<std::int64_t>(Rest.size()));
+  EXPECT_THROW(Source.DeleteSection(2), EReadError);
+  EXPECT_EQ(Source.Bytes(), Rest);
 }
 
 class TMemoryField : public TField {

@@ -15,6 +15,10 @@ namespace {
 
 constexpr std::string_view Prefix = "Can not import table data. ";
 
+// What the field lines may take in memory. Where the "[RECORDS]" line is damaged, the records are field lines too,
+// however many there are; no engine has as many columns.
+constexpr std::size_t MaxFieldLines = 16 * 1024 * 1024;
+
 [[noreturn]] void ImportError(const std::string& What) { throw EDicUtilError(std::string(Prefix) + What); }
 
 std::span<char> TrimInPlace(std::span<char> Text) {
@@ -36,10 +40,14 @@ std::string_view TEICommonTableData::NextLine(TEIStream& Stream) {
 }
 
 bool TEICommonTableData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines) {
-  while (Stream.Position() < Stream.Size()) {
+  std::size_t Kept = 0;
+  // A file that another program cuts off meanwhile ends before its size.
+  while (Kept <= MaxFieldLines && !Stream.Peek().empty()) {
     const std::string_view Line = NextLine(Stream);
     if (Line == Marker) return true;
-    if (Lines) Lines->emplace_back(Line);
+    if (!Lines) continue;
+    Lines->emplace_back(Line);
+    Kept += sizeof(std::string) + Line.size();
   }
   return false;
 }

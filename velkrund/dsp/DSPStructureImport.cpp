@@ -22,7 +22,8 @@ std::string_view TEIDSPStructureCommon::NextLine(TEIStream& Stream) const {
 }
 
 void TEIDSPStructureCommon::ReadRemarks(TEIStream& Stream) {
-  const auto AtEnd = [&Stream] { return Stream.Position() >= Stream.Size(); };
+  // A file that another program cuts off meanwhile ends before its size.
+  const auto AtEnd = [&Stream] { return Stream.Peek().empty(); };
   do {
     if (AtEnd()) throw EDSPUtilError("Can not import DSP structure. Remarks section not found");
   } while (!NextLine(Stream).starts_with(" [REMARKS]"));

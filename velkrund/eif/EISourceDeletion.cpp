@@ -5,6 +5,7 @@
 
 #include "velkrund/eif/EISource.h"
 #include "velkrund/eif/TypeList.h"
+#include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
@@ -67,7 +68,14 @@ void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
     if (!Marks[static_cast<std::size_t>(Index)]) continue;
     Stream().SetPosition(Index == 0 ? 0 : EndOfSection(FSections[Index - 1]));
     std::int64_t Start = Stream().Position();
-    while (RightTrim(ReadRaw()) != "[SECTION]") Start = Stream().Position();
+    while (RightTrim(ReadRaw()) != "[SECTION]") {
+      Start = Stream().Position();
+      if (Stream().Peek().empty())
+        throw EReadError(
+            Format("Can not remove section %d: its beginning is no more there (Position:%d). The file was "
+                   "changed meanwhile; open it again",
+                   Index, Start));
+    }
     const bool Last = Index == FSections.Count() - 1;
     std::int64_t End = Last ? OldSize : EndOfSection(FSections[Index]);
     if (Cuts.empty() || Cuts.back().End < Start) LastKept = Start - 1;

@@ -13,6 +13,11 @@ namespace {
 
 constexpr std::string_view InvalidStructure = "Invalid Export/Import source structure. ";
 
+// What the parameters of a header may take in memory. Where the "[DATA]" line is damaged, the lines of the body are
+// parameters too, however many there are; no header that anybody writes comes near.
+constexpr std::size_t MaxHeaderSize = 16 * 1024 * 1024;
+constexpr std::size_t ParameterCost = 160;  // besides its text: in the list and among the names
+
 }  // namespace
 
 void TEISource::StructureError(std::string_view What, std::string_view Detail) {
@@ -63,11 +68,14 @@ void TEISource::ReadSection() {
 }
 
 void TEISource::ReadHeader(TEISection& Section, std::string& TypeName) {
-  while (!Stream().Peek().empty()) {
+  std::size_t Size = 0;
+  while (Size <= MaxHeaderSize && !Stream().Peek().empty()) {
     const std::string_view Line = ReadlnString(Section.FEncoding);
     if (RightTrim(Line) == "[DATA]") return;
     const std::string_view Text = Trim(Line);
-    if (!Text.empty() && Text.front() != ';') ReadHeaderLine(Section, TypeName, Text);
+    if (Text.empty() || Text.front() == ';') continue;
+    ReadHeaderLine(Section, TypeName, Text);
+    Size += Text.size() + ParameterCost;
   }
   StructureError("Data begin not found");
 }

@@ -41,6 +41,8 @@ TEST_F(TFileCheckTest, EveryFaultIsToldAsAnImportTellsIt) {
       {std::string(Old) + End, In, "EDicUtilError", "Can not import table data. Fields section not found", 6},
       {std::string(Old) + " [FIELDS]\r\n  A\r\n" + End, In, "EDicUtilError",
        "Can not import table data. Records section not found", 8},
+      {std::string(New) + " [FIELDS]\r\n  A\r\n  A\r\n [RECORDS]\r\n" + End, In, "EDicUtilError",
+       "Can not import table data. The field 'A' stands twice", 11},
       {NewRows + "2|'x'>\r\n" + End, In, "EDicUtilError", Record + "'<' is missing (Position:55)", 13},
       {NewRows + "<2|'x'\r\n" + End, In, "EDicUtilError", Record + "'>' is missing (Position:55)", 13},
       {NewRows + "<2|'x@\r\n" + End, In, "EDicUtilError", Record + "Unexpected end of data section (Position:55)", 13},

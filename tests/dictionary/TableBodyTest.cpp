@@ -126,6 +126,7 @@ TEST_F(TableBody, WhatIsDamagedOrCutOffMeanwhileIsAnError) {
       {"[FIELDS]\rA\r", 1, "Records section not found"},
       {"[FIELDS]\rA\r[RECORDS]\r<1>\r", 1, Invalid + "'<' is missing (Position:25)"},
       {"[FIELDS]\rA\r[RECORDS]\r<1@\r", 1, Invalid + "'@' is missing (Position:25)"},
+      {"[FIELDS]\rA\ra\r[RECORDS]\r", 0, "The field 'a' stands twice"},
       {Damaged + "[RECORDS]\r", 0, "Records section not found"},
   };
   for (const auto& Case : Cases) {

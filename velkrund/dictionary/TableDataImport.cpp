@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <set>
 
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/dictionary/RecordPieces.h"
@@ -62,9 +63,12 @@ std::vector<std::string> TEICommonTableData::ReadFieldNames(TEIStream& Stream) {
 std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(TTable& Target,
                                                                                 const std::vector<std::string>& Names) {
   std::vector<TImportField> Columns;
+  std::set<const TField*> Taken;
   for (const std::string& Name : Names) {
     TField* Field = Target.FindField(Name);
     const bool Wanted = Selected(Name);
+    // The last of the values would stand for all, and the field whose name is damaged would have none.
+    if (Field && Wanted && !Taken.insert(Field).second) ImportError(Format("The field '%s' stands twice", Name));
     if (!Field && Wanted) {
       if (!SkipMissingFields) ImportError(Format("Import field '%s' is missing", Name));
       Report->SkippedFields.push_back(Name);

@@ -223,6 +223,11 @@ TEST_F(TreeText, LostCharactersAreCountedOrRefused) {
               Strict ? "EDSPUtilError: A text has characters that code page 1251 lacks (Node:'a\\b')" : "no error");
     EXPECT_EQ(Current.substr(0, Current.find('.')),
               Strict ? "EDSPUtilError: A text is not valid UTF-8 (Node:'a\\b')" : "no error");
+    const auto Remarked = Section<TEIDSPStructure>();
+    Remarked->Item.Remarks = "r\xFF";
+    const std::string OfRemarks = ErrorOf([&] { Export(*Remarked); });
+    EXPECT_EQ(OfRemarks.substr(0, OfRemarks.find(" (")),
+              Strict ? "EEIError: The text '  r\uFFFD' is not valid UTF-8" : "no error");
   }
 }
 

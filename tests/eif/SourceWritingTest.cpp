@@ -108,17 +108,40 @@ TEST_F(SourceWriting, AppendedSectionsBeginTheirOwnLine) {
 }
 
 TEST_F(SourceWriting, LostCharactersAreCountedOrRefused) {
-  TTextSection Section;
-  Section.Lines = {"a日b"};
-  TMemorySource Source;
-  Source.Open();
-  Source.ExportObject(Section, "n");
-  EXPECT_NE(Source.Bytes().find("a?b"), std::string::npos);
-  EXPECT_EQ(Source.Losses().Unrepresentable, 1);
-  const std::string Before = Source.Bytes();
-  Platform.WorkSettings.StrictText = true;
-  EXPECT_THROW(Source.ExportObject(Section, "m"), EEIError);
-  EXPECT_EQ(Source.Bytes(), Before);
+  const std::string Lacking = "characters that code page 1251 lacks", Malformed = "is not valid UTF-8";
+  constexpr auto Ansi = TKvEncoding::Ansi, Utf8 = TKvEncoding::Utf8;
+  const struct {
+    TKvEncoding Encoding;
+    std::string Name, Line, Written;
+    TTextLosses Losses;
+    std::string Error;
+  } Cases[] = {
+      {Ansi, "n", "a日b", "\r\na?b\r\n", {1, 0}, "The text 'a日b' has " + Lacking},
+      {Ansi, "日", "a", "Name = ?\r\n", {1, 0}, "The text 'Name = 日' has " + Lacking},
+      {Ansi, "n", "a\xFF", "\r\na?\r\n", {1, 0}, "The text 'a\uFFFD' " + Malformed},
+      {Utf8, "n", "a\xFF日", "\r\na\uFFFD日\r\n", {0, 1}, "The text 'a\uFFFD日' " + Malformed},
+      {Utf8, "c\xFF", "a", "Name = c\uFFFD\r\n", {0, 1}, "The text 'Name = c\uFFFD' " + Malformed},
+  };
+  for (const auto& Case : Cases) {
+    TTextSection Section;
+    Section.Lines = {Case.Line};
+    TMemorySource Source;
+    Source.SetDefaultEncoding(Case.Encoding);
+    Source.Open();
+    Platform.WorkSettings.StrictText = false;
+    Source.ExportObject(Section, Case.Name);
+    EXPECT_NE(Source.Bytes().find(Case.Written), std::string::npos) << Source.Bytes();
+    EXPECT_EQ(Source.Losses(), Case.Losses) << Case.Written;
+    const std::string Before = Source.Bytes();
+    Platform.WorkSettings.StrictText = true;
+    try {
+      Source.ExportObject(Section, Case.Name);
+      ADD_FAILURE() << "no error for " << Case.Written;
+    } catch (const EEIError& Error) {
+      EXPECT_TRUE(std::string(Error.what()).starts_with(Case.Error)) << Error.what();
+    }
+    EXPECT_EQ(Source.Bytes(), Before);
+  }
 
   const std::string Broken =
       "[SECTION]\r\nEncoding=UTF8\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n\xFF\r\n[END]\r\n";

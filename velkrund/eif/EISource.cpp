@@ -58,9 +58,9 @@ std::string_view TEISource::ReadlnString(TKvEncoding Encoding) {
 }
 
 void TEISource::WritelnString(std::string_view Text, TKvEncoding Encoding) {
-  const std::int64_t Before = FLosses.Unrepresentable;
+  const TTextLosses Before = FLosses;
   const std::string_view Bytes = FCodec.Encode(Text, Encoding, FLosses);
-  if (FLosses.Unrepresentable != Before) CheckTextWritten(Text, Stream().Position());
+  if (FLosses != Before) CheckTextWritten(Text, Stream().Position());
   if (!Bytes.empty()) Stream().Write(Bytes);
   Stream().Write(LineEnd);
 }

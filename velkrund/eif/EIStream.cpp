@@ -29,7 +29,7 @@ void TEIStream::Writeln(std::string_view Text) {
   CheckReadOnly();
   const TTextLosses Before = *FLosses;
   const std::string_view Bytes = FCodec.Encode(Text, FEncoding, *FLosses);
-  if (FLosses->Unrepresentable != Before.Unrepresentable) CheckTextWritten(Text, Position());
+  if (*FLosses != Before) CheckTextWritten(Text, Position());
   if (!Bytes.empty()) FStream.Write(Bytes);
   FStream.Write(LineEnd);
 }

@@ -2,6 +2,7 @@
 
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
@@ -19,9 +20,15 @@ void CheckTextRead(std::int64_t Position) {
 
 void CheckTextWritten(std::string_view Text, std::int64_t Position) {
   if (!WorkSettings().StrictText) return;
+  std::string Excerpt(Text.substr(0, ExcerptBytes));
+  RepairUtf8(Excerpt);
+  if (FindMalformedUtf8(Text) != std::string_view::npos)
+    throw EEIError(
+        Format("The text '%s' is not valid UTF-8 (Position:%d). Allow losses to write it with replacement characters",
+               Excerpt, Position));
   throw EEIError(Format(
       "The text '%s' has characters that code page %d lacks (Position:%d). Write the file in UTF-8, or allow losses",
-      Text.substr(0, ExcerptBytes), WorkSettings().AnsiCodePage->Number(), Position));
+      Excerpt, WorkSettings().AnsiCodePage->Number(), Position));
 }
 
 }  // namespace velkrund

@@ -20,6 +20,7 @@ struct TTextLosses {
   std::int64_t Unrepresentable = 0;  // written as '?' in the code page
   std::int64_t Malformed = 0;        // malformed UTF-8 sequences read or written as U+FFFD
   bool Any() const { return Unrepresentable != 0 || Malformed != 0; }
+  bool operator==(const TTextLosses&) const = default;
 };
 
 /// Lines of texts in one of the two encodings to and from UTF-8. Buffers are reused from line to line.

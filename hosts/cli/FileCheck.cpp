@@ -7,6 +7,7 @@
 #include "hosts/cli/SectionCheck.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/StrayMarkers.h"
 #include "hosts/cli/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -22,8 +23,9 @@ const TCommandTexts FileCheckTexts = {
     "Takes no lock and needs no database. What a section says is checked as far as that is possible without the table "
     "that it is for: every value is one that some column could take, whatever the configuration says about values that "
     "can not be read. After a faulty section the next one is checked; after a faulty header there is no next one.\n\n"
-    "Sections of the same type and name, and lines outside of sections that look like damaged markers, are named but "
-    "are no faults.",
+    "What looks like a section and is read by nobody is a fault: its lines end with a line feed alone, or its "
+    "\"[SECTION]\" line is damaged or holds something else too. Sections of the same type and name, and other lines "
+    "outside of sections that begin as markers do, are named but are no faults.",
     {{"file check orders.eif", "a line for each section, errors to standard error"},
      {"file check *.eif --json", "one document about all of them"},
      {"file check - < shop.eif", "from standard input"}}};
@@ -46,7 +48,7 @@ const char* StateText(TItemState State) {
 
 struct TTotals {
   int Sections = 0;  // looked at
-  int Faults = 0;    // faulty sections, headers and files
+  int Faults = 0;    // faulty or hidden sections, faulty headers and files
   std::int64_t Rows = 0, Bytes = 0;
   double Seconds = 0;
   bool Cancelled = false;
@@ -69,6 +71,7 @@ class TFileCheck final : public TCommand {
  private:
   TJson CheckFile(const TSession& Session, const std::string& Name);
   TJson CheckSection(const TSession& Session, TSectionChecker& Checker, TInputFile& Input, int Index);
+  void CheckGaps(const TSession& Session, TInputFile& Input, TJson& Result);
   void Say(const TSession& Session, const std::string& Line) const;
   void SayFault(const TSession& Session, const std::string& Where, const std::string& Error);
 
@@ -121,10 +124,20 @@ TJson TFileCheck::CheckSection(const TSession& Session, TSectionChecker& Checker
   return Result;
 }
 
+void TFileCheck::CheckGaps(const TSession& Session, TInputFile& Input, TJson& Result) {
+  const TStrayMarkers Found = FindStrayMarkers(Input.File());
+  for (const std::string& Hidden : Found.Hidden) {
+    Say(Session, Input.Name() + ": a section that is not read");
+    SayFault(Session, Input.Name(), Hidden);
+    Result["hidden"].push_back(Hidden);
+  }
+  for (const std::string& Note : Found.Doubtful) Result["notes"].push_back(Note);
+}
+
 TJson TFileCheck::CheckFile(const TSession& Session, const std::string& Name) {
   TInputFile Input(Session, Name);
   TEIFile& File = Input.File();
-  TJson Result = {{"file", Name}, {"sections", TJson::array()}, {"notes", TJson::array()}};
+  TJson Result = {{"file", Name}, {"sections", TJson::array()}, {"hidden", TJson::array()}, {"notes", TJson::array()}};
   std::string Error;
   bool IsOpen = true;
   try {
@@ -143,9 +156,9 @@ TJson TFileCheck::CheckFile(const TSession& Session, const std::string& Name) {
   const int Count = File.Sections().Count();
   for (int Index = 0; Index < Count; ++Index)
     Result["sections"].push_back(CheckSection(Session, Checker, Input, Index));
+  for (const std::string& Note : RepeatedNames(File.Sections())) Result["notes"].push_back(Note);
   try {
-    if (IsOpen)
-      for (std::string& Note : CheckNotes(File)) Result["notes"].push_back(std::move(Note));
+    if (IsOpen) CheckGaps(Session, Input, Result);
   } catch (const EStreamError& Failure) {
     if (Error.empty()) Error = Failure.what();
   }

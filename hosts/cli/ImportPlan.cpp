@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "hosts/cli/Sections.h"
+#include "hosts/cli/StrayMarkers.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -21,6 +22,7 @@ void TImportPlan::LookAt(const TInputFiles& Inputs) {
     }
     const TEISectionList& Sections = Input->File().Sections();
     for (int Index = 0; Index < Sections.Count(); ++Index) Add(Input->File(), Sections[Index]);
+    NoteStrayMarkers(*Input, FReport);
   }
 }
 

@@ -3,6 +3,7 @@
 #include "hosts/cli/InputFile.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/StrayMarkers.h"
 #include "hosts/cli/StructureAnswers.h"
 #include "velkrund/dsp/DSPStructureOperations.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -93,7 +94,8 @@ TApplicationOptions TImportStructure::ApplicationOptions() const {
 }
 
 std::vector<int> TImportStructure::Chosen(TInputFile& Input, TReport& Report) const {
-  const TSectionChoice Choice{TSectionRole::Structure, "structure", FSections, Input.Name()};
+  const TSectionChoice Choice{TSectionRole::Structure, "structure", FSections, Input.Name(),
+                              NoteStrayMarkers(Input, Report)};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, Report.Notes);
   if (Result.size() > 1 && (FType || !FName.empty() || !FRoot.empty()))
     throw EUsage(

@@ -7,6 +7,7 @@
 #include "hosts/cli/RelatedTables.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/StrayMarkers.h"
 #include "hosts/cli/TableTargets.h"
 #include "hosts/cli/Texts.h"
 #include "velkrund/dictionary/TableDataOperations.h"
@@ -79,7 +80,8 @@ TApplicationOptions TImportTable::ApplicationOptions() const {
 /// The sections to load. What else the file holds is named in the report.
 std::vector<int> TImportTable::Chosen(TInputFile& Input, TReport& Report) const {
   const TEISectionList& Sections = Input.File().Sections();
-  const TSectionChoice Choice{TSectionRole::TableData, "table data", FSections, Input.Name()};
+  const TSectionChoice Choice{TSectionRole::TableData, "table data", FSections, Input.Name(),
+                              NoteStrayMarkers(Input, Report)};
   std::vector<int> Result = ChosenSections(Sections, Choice, Report.Notes);
   if (Result.size() > 1 && !FTable.empty())
     throw EUsage(

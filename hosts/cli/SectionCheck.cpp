@@ -14,47 +14,6 @@
 
 namespace velkrund {
 
-namespace {
-
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
-constexpr int ExcerptColumns = 40;
-constexpr std::size_t ExcerptBytes = 200;
-
-void NoteRepeatedNames(const TEISectionList& Sections, std::vector<std::string>& Notes) {
-  std::map<std::pair<std::string, std::string>, int> First;
-  for (int Index = 0; Index < Sections.Count(); ++Index) {
-    const TEISection& Section = Sections[Index];
-    const auto [Earlier, IsNew] =
-        First.try_emplace({std::string(Section.TypeName()), LowerCase(Section.Name())}, Index);
-    if (!IsNew)
-      Notes.push_back(
-          Format("%s has the type and the name of section %d", SectionText(Sections, Index), Earlier->second));
-  }
-}
-
-/// Looks at the lines from the stream's position to the next section, or to the end.
-void NoteMarkerLine(TStream& Stream, std::vector<std::string>& Notes) {
-  std::string Spill;
-  bool Noted = false;
-  while (!Stream.Peek().empty()) {
-    const std::int64_t Position = Stream.Position();
-    const std::string_view Line = ReadRawLine(Stream, Spill);
-    if (TEISource::RightTrim(Line) == "[SECTION]") return;
-    std::string_view Text = Trim(Line);
-    const bool HasMark = Text.starts_with(ByteOrderMark);
-    if (HasMark) Text.remove_prefix(ByteOrderMark.size());
-    if (Noted || !Text.starts_with('[')) continue;
-    Notes.push_back(
-        Format("a line outside of every section begins as a marker does (Position:%d): %s%s. If a section begins "
-               "there, it is passed over",
-               Position, HasMark ? "a byte-order mark, " : "",
-               CutToWidth(Printable(Text.substr(0, std::min(Text.find('\n'), ExcerptBytes))), ExcerptColumns)));
-    Noted = true;
-  }
-}
-
-}  // namespace
-
 TSectionChecker::TSectionChecker(const TSession& Session)
     : FSession(Session),
       FDiscard(Session.Manager()),
@@ -106,20 +65,18 @@ void TSectionChecker::Read(TEIFile& File, int Index, TSectionCheck& Result) {
   Result.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
 }
 
-std::vector<std::string> CheckNotes(TEIFile& File) {
-  std::vector<std::string> Notes;
-  const TEISectionList& Sections = File.Sections();
-  NoteRepeatedNames(Sections, Notes);
-  TStream& Stream = File.Stream();
-  Stream.SetPosition(0);
-  NoteMarkerLine(Stream, Notes);
-  std::string Spill;
+std::vector<std::string> RepeatedNames(const TEISectionList& Sections) {
+  std::vector<std::string> Result;
+  std::map<std::pair<std::string, std::string>, int> First;
   for (int Index = 0; Index < Sections.Count(); ++Index) {
-    Stream.SetPosition(Sections[Index].DataPosition + Sections[Index].DataSize);
-    ReadRawLine(Stream, Spill);  // the "[END]"
-    NoteMarkerLine(Stream, Notes);
+    const TEISection& Section = Sections[Index];
+    const auto [Earlier, IsNew] =
+        First.try_emplace({std::string(Section.TypeName()), LowerCase(Section.Name())}, Index);
+    if (!IsNew)
+      Result.push_back(
+          Format("%s has the type and the name of section %d", SectionText(Sections, Index), Earlier->second));
   }
-  return Notes;
+  return Result;
 }
 
 }  // namespace velkrund

@@ -43,9 +43,8 @@ class TSectionChecker {
   TPlatformGuard FGuard;
 };
 
-/// What no reader stumbles over and a person may want to know: sections of the same type and name, and lines outside of
-/// every section that begin as markers do, since a damaged "[SECTION]" line hides the section behind it. Moves the
-/// file's stream.
-std::vector<std::string> CheckNotes(TEIFile& File);
+/// A text for every section whose type and name an earlier one has: no reader stumbles over it, and a person may want
+/// to know.
+std::vector<std::string> RepeatedNames(const TEISectionList& Sections);
 
 }  // namespace velkrund

@@ -67,7 +67,9 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
     else
       LeftOut.push_back(Format("left out, being no %s: %s", Choice.Content, SectionText(Sections, Index)));
   }
-  if (Result.empty()) throw EEIError(Format("'%s' holds no %s section", Choice.FileName, Choice.Content));
+  if (Result.empty())
+    throw EEIError(Format("'%s' holds no %s section%s%s", Choice.FileName, Choice.Content,
+                          Choice.Hidden.empty() ? "" : ": ", Joined(Choice.Hidden)));
   return Result;
 }
 

@@ -24,6 +24,7 @@ struct TSectionChoice {
   std::string Content;             // what they hold, for messages: "table data"
   std::vector<std::string> Texts;  // as TheSection takes them; none: all sections of the role
   std::string FileName;
+  std::vector<std::string> Hidden = {};  // what stands in the file besides, for messages: FindStrayMarkers
 };
 /// The indexes of the sections, each once. LeftOut: gets a line for every other section when all were chosen. Raises
 /// EEIError when there is none, or one that was named has another role.

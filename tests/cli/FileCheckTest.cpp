@@ -99,10 +99,11 @@ TEST_F(TFileCheckTest, ItGoesOnBehindAFaultAndNotesWhatNoReaderSees) {
             "F: section 1 'S' (TableData): faulty, after 0 rows\n"
             "F: section 2 'S' (TableData): faulty\n"
             "F: section 3 'S' (TableData): ok, 1 row, 47 bytes\n"
+            "F: a section that is not read\n"
             "F: faulty behind 4 sections\n"
             "none: can not be opened\n"
             "G: section 0 'S' (TableData): ok, 1 row, 47 bytes\n");
-  EXPECT_NE(Text.Errors.find("; 4 faults\n"), std::string::npos) << Text.Errors;
+  EXPECT_NE(Text.Errors.find("; 5 faults\n"), std::string::npos) << Text.Errors;
 
   const auto Json = nlohmann::json::parse(Run({"file", "check", "F", "G", "--json"}).Output, nullptr, false);
   EXPECT_EQ(Json["exitCode"], 1);
@@ -112,15 +113,54 @@ TEST_F(TFileCheckTest, ItGoesOnBehindAFaultAndNotesWhatNoReaderSees) {
   EXPECT_EQ(File["sections"][2]["error"], "Parameter '%s' not found");
   EXPECT_EQ(File["sections"][3]["rows"], 1);
   EXPECT_NE(File["error"].get<std::string>().find("Data begin not found"), std::string::npos);
-  ASSERT_EQ(File["notes"].size(), 5U) << File["notes"];
+  ASSERT_EQ(File["notes"].size(), 4U) << File["notes"];
   EXPECT_EQ(File["notes"][2], "section 3 'S' (TableData) has the type and the name of section 0");
-  for (const auto& [Note, Place] :
-       {std::pair(3, "(Position:0): a byte-order mark, [SECTION]."), std::pair(4, "(Position:229): [SECTON].")})
-    EXPECT_NE(File["notes"][static_cast<std::size_t>(Note)].get<std::string>().find(Place), std::string::npos)
-        << File["notes"];
+  EXPECT_NE(File["notes"][3].get<std::string>().find("(Position:229): [SECTON]."), std::string::npos) << File["notes"];
+  ASSERT_EQ(File["hidden"].size(), 1U) << File["hidden"];
   EXPECT_EQ(Json["files"][1]["notes"].size(), 0U);
   EXPECT_EQ(Read("F"), Before);
   EXPECT_EQ(Files(), (TArguments{"F", "G", "empty.db", "shop.db"}));
+}
+
+TEST_F(TFileCheckTest, SectionsThatNobodySeesAreFaults) {
+  const std::string Good = Section("B", {"ID"}, {"1"}), Mark = "\xEF\xBB\xBF";
+  const auto LineFeeds = [](std::string Text) { return std::erase(Text, '\r'), Text; };
+  const auto Damaged = [&](const std::string& Line) { return Line + Good.substr(std::string("[SECTION]").size()); };
+  const std::string OfLineFeeds = "[SECTION]. Its lines end with a line feed alone",
+                    NotAlone = "[SECTION]. \"[SECTION]\" has to be alone",
+                    OfMarker = ". Its \"[SECTION]\" line is damaged or missing";
+  const struct {
+    std::string Bytes;
+    int Rows;            // that are read
+    std::string Reason;  // empty: no fault
+  } Cases[] = {
+      {LineFeeds(Good), 0, "(Position:0): " + OfLineFeeds},
+      {LineFeeds(Mark + "\r\n" + Good), 0, "(Position:0): a byte-order mark, " + OfLineFeeds},
+      {LineFeeds("; note\r\n" + Good) + std::string(100'000, 'x'), 0, "(Position:0): ; note. Its lines end with a"},
+      {Good + LineFeeds(Good), 1, "(Position:137): " + OfLineFeeds},
+      {Mark + Good + Good, 1, "(Position:0): a byte-order mark, " + NotAlone},
+      {Good + " " + Good, 1, "(Position:137): " + NotAlone},
+      {Damaged("[SECTIOM]"), 0, "(Position:0): [SECTIOM]" + OfMarker},
+      {Damaged("{SECTION]") + Good, 1, "(Position:86): [DATA]" + OfMarker},
+      {Good + "[remark]\r\n" + Section("B", {"ID"}, {"2"}) + "[END", 2, ""},
+  };
+  for (const auto& Case : Cases) {
+    Write("F", Case.Bytes);
+    const TOutcome Check = Run({"file", "check", "F"});
+    EXPECT_EQ(Check.ExitCode, Case.Reason.empty() ? 0 : 1) << Case.Bytes.substr(0, 300);
+    EXPECT_NE(Check.Errors.find(Case.Reason), std::string::npos) << Case.Reason << "\n" << Check.Errors;
+    // An import loads what it sees, and says what it does not.
+    Query("empty.db", "DELETE FROM B");
+    for (const char* Object : {"table", "file"}) {
+      const TOutcome Import = Run(ImportInto(Object, {"-i", "F", "--append"}));
+      EXPECT_EQ(Import.ExitCode, Case.Rows == 0 && Object == std::string("table") ? 1 : 0) << Import.Errors;
+      EXPECT_NE(Import.Errors.find(Case.Reason.empty() ? "F: a line outside" : Case.Reason), std::string::npos)
+          << Case.Reason << "\n"
+          << Import.Errors;
+      EXPECT_EQ(Counts("empty.db"), "0|" + std::to_string(Case.Rows)) << Case.Reason;
+      Query("empty.db", "DELETE FROM B");
+    }
+  }
 }
 
 // Whatever the writers make of real tables is sound, in both versions and encodings, and through a pipe.

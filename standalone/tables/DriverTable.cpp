@@ -78,7 +78,9 @@ bool TDriverTable::Next() {
 void TDriverTable::BeginAppend() {
   if (!FReadWrite)
     throw EDatabaseError(Format("Can not append to table '%s': it is open for reading only", TableName()));
-  if (FAppending) throw EDatabaseError(Format("Can not append to table '%s': an append is going on", TableName()));
+  // An append that failed or was cancelled has had no end.
+  FAppending = false;
+  FAppender.reset();
   FAppendOptions.FirstRecord = 1;
   // What can not be written at all shows here, before the first record.
   OpenAppender();

@@ -338,6 +338,11 @@ TEST_P(DriverContractTest, AnEngineErrorNamesRecordAndColumnAndIsUndoneByRolling
   EXPECT_THAT(Error, HasSubstr("B"));
   Connection->Rollback();
   EXPECT_EQ(Connection->RowCount(Table.Description().Table), 0);
+  // The same table takes another append, and nothing that the failed one has left.
+  Table.BeginAppend();
+  Append(4, true);
+  Table.EndAppend();
+  EXPECT_EQ(Connection->RowCount(Table.Description().Table), 1);
 }
 
 TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {

@@ -31,7 +31,7 @@ class TTable {
   virtual void SetCanRecreateAutoSequence(bool Value) = 0;
   /// Bulk append: between begin and end the record buffer is added once per AppendRecord, by the engine's fastest way.
   /// Fields not assigned get the column's default. An error names the record (counted from 1) and, where known, the
-  /// column. A table that is freed between the two drops what was not yet handed to the engine.
+  /// column. A table that is freed between the two, or begins again, drops what was not yet handed to the engine.
   virtual void BeginAppend() = 0;
   virtual void AppendRecord() = 0;
   virtual void EndAppend() = 0;

@@ -11,8 +11,10 @@ namespace velkrund {
 
 /// A single-byte ("ANSI") code page: 256 bytes to Unicode and back. Immutable once built; shared freely between
 /// threads. The built-in pages, windows-1250 to windows-1258, follow the tables that Unicode, Inc. publishes for them
-/// (VENDORS/MICSFT/WINDOWS); a byte that a table leaves undefined maps to the C1 control of the same code, so that
-/// every byte survives the way to Unicode and back. There is no best fit: what a page cannot represent is '?'.
+/// (VENDORS/MICSFT/WINDOWS). A byte that a table leaves undefined maps to the character of the same code, so that every
+/// byte survives the way to Unicode and back: a C1 control, and from 0xA0 on, where 1253, 1255 and 1257 have such
+/// bytes, a character of Latin-1. So 1255 takes a U+00D9 as its undefined byte 0xD9, which programs with another rule
+/// may not read. There is no best fit: what a page cannot represent is '?'.
 class TCodePage {
  public:
   /// The built-in page of that Windows number (1250 .. 1258); null when there is none. Lives as long as the program.

@@ -186,5 +186,26 @@ TEST(TerminalText, WidthsCountColumns) {
   }
 }
 
+TEST(TerminalText, LongLinesLoseTheirMiddle) {
+  const auto Repeated = [](std::string_view Text, int Count) {
+    std::string Result;
+    while (Count-- > 0) Result += Text;
+    return Result;
+  };
+  const struct {
+    std::string Text, Shown;
+  } Cases[] = {
+      {"", ""},
+      {Repeated("line\n", 3000), Repeated("line\n", 3000)},
+      {Repeated("x", 4000), Repeated("x", 4000)},
+      {"a\n" + Repeated("x", 1'000'000) + "\nb",
+       "a\n" + Repeated("x", 3000) + "... (996500 characters left out) ..." + Repeated("x", 500) + "\nb"},
+      {"y" + Repeated("Ж", 10'000) + "z",
+       "y" + Repeated("Ж", 1500) + "... (8250 characters left out) ..." + Repeated("Ж", 250) + "z"},
+      {Repeated("\x80", 5000), Repeated("\x80", 5000)},
+  };
+  for (const auto& Case : Cases) EXPECT_TRUE(WithShortLines(Case.Text) == Case.Shown) << Case.Text.substr(0, 9);
+}
+
 }  // namespace
 }  // namespace velkrund::tests

@@ -34,7 +34,7 @@ void TTerminal::Write(std::string_view Text) noexcept {
 void TTerminal::Message(std::string_view Text) noexcept {
   try {
     HideStatus();
-    std::string Lines = Printable(Text);
+    std::string Lines = Printable(WithShortLines(Text));
     if (!Lines.ends_with('\n')) Lines += '\n';
     Write(Lines);
     ResumeStatus();

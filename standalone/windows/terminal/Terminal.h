@@ -13,7 +13,7 @@ class TTerminal {
   /// Output: a descriptor, borrowed.
   explicit TTerminal(int Output);
 
-  /// Whole lines; a line end is added when it is missing.
+  /// Whole lines; a line end is added when it is missing. Of very long ones the middle is left out.
   void Message(std::string_view Text) noexcept;
   /// A line that stays below the messages. Only where MessagesAreSeen.
   void Status(std::string_view Line) noexcept;

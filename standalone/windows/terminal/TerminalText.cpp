@@ -3,12 +3,18 @@
 #include <locale.h>
 #include <wchar.h>
 
+#include <algorithm>
+
+#include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
 namespace {
+
+// In bytes. An error quotes the value at fault, and a value can be a document.
+constexpr std::size_t LongestLine = 4000, LongestBeginning = 3000, LongestEnd = 500;
 
 bool IsControl(char32_t Code) { return (Code < 0x20 && Code != '\n' && Code != '\t') || (Code >= 0x7F && Code < 0xA0); }
 
@@ -17,6 +23,20 @@ void AppendVisible(std::string& Out, std::string_view Bytes) {
     Out += "\\x";
     AppendHex(Out, {&Byte, 1});
   }
+}
+
+bool BeginsCharacter(char Byte) { return (static_cast<unsigned char>(Byte) & 0xC0U) != 0x80; }
+
+void AppendShort(std::string& Out, std::string_view Line) {
+  std::size_t Head = LongestBeginning, Tail = Line.size() - LongestEnd;
+  if (Line.size() <= LongestLine) Head = Tail = Line.size();
+  while (Head < Tail && !BeginsCharacter(Line[Head])) ++Head;
+  while (Head < Tail && !BeginsCharacter(Line[Tail])) --Tail;
+  Out += Head == Tail ? Line : Line.substr(0, Head);
+  if (Head == Tail) return;
+  const std::string_view Middle = Line.substr(Head, Tail - Head);
+  Out += Format("... (%d characters left out) ...", std::count_if(Middle.begin(), Middle.end(), BeginsCharacter));
+  Out += Line.substr(Tail);
 }
 
 /// The C library's widths, in a locale that knows all characters whatever the process uses.
@@ -55,6 +75,18 @@ std::string Printable(std::string_view Text) {
       AppendVisible(Result, Bytes);
     else
       Result += Bytes;
+  }
+  return Result;
+}
+
+std::string WithShortLines(std::string_view Text) {
+  std::string Result;
+  for (bool More = true; More;) {
+    const std::size_t End = Text.find('\n');
+    More = End != std::string_view::npos;
+    AppendShort(Result, Text.substr(0, End));
+    if (More) Result += '\n';
+    Text.remove_prefix(More ? End + 1 : Text.size());
   }
   return Result;
 }

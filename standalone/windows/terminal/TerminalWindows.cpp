@@ -117,7 +117,7 @@ void TTerminalWindows::Ask(TForm& Form) {
   const TWholeCharacters WholeCharacters(FInput);
   std::string Heading = Form.Caption == BaseMng().LString("ST_CONFIRMATION") ? std::string() : Form.Caption;
   if (!Heading.empty()) Heading += '\n';
-  FTerminal.Prompt(Printable(Heading + Form.Message()) + "\n");
+  FTerminal.Prompt(Printable(WithShortLines(Heading + Form.Message())) + "\n");
   while (Form.ModalResult() == mrNone) {
     const TChoices Choices(Form);
     FTerminal.Prompt(" " + Choices.Line() + " ? ");

@@ -28,6 +28,7 @@ void TEIFile::CreateFile() {
 }
 
 void TEIFile::InternalOpen() {
+  if (!FFileStream) return;
   // A file that CreateFile has just made is open already, and locked: letting go of it would let another writer in.
   if (FFileStream->IsOpen() && !FReadonly && FFileStream->FileName() == FFileName) {
     FFileStream->SetPosition(0);

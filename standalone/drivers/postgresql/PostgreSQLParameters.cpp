@@ -1,5 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLParameters.h"
 
+#include <limits>
+
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -20,6 +22,9 @@ TPostgreSQLParameters::TPostgreSQLParameters(std::span<const TKvVariant> Values)
     if (!IsBytes && Text.find('\0') != std::string::npos)
       throw EDatabaseError(
           Format("Can not execute a statement, parameter %d: the engine has no character U+0000", FTexts.size()));
+    if (Text.size() > std::numeric_limits<int>::max())
+      throw EDatabaseError(Format("Can not execute a statement, parameter %d: %d bytes are more than the engine takes",
+                                  FTexts.size(), Text.size()));
     FValues.push_back(Value.IsNull() ? nullptr : Text.c_str());
     FTypes.push_back(IsBytes ? PostgreSQLBytesType : 0);
     FLengths.push_back(static_cast<int>(Text.size()));

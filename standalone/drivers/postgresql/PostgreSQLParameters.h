@@ -12,7 +12,7 @@ namespace velkrund {
 /// bytes as such.
 class TPostgreSQLParameters {
  public:
-  /// Raises EDatabaseError for a text that the engine can not hold.
+  /// Raises EDatabaseError for a value that the engine can not hold.
   explicit TPostgreSQLParameters(std::span<const TKvVariant> Values);
 
   int Count() const { return static_cast<int>(FValues.size()); }

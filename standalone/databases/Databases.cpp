@@ -11,6 +11,12 @@ TDatabases::TDatabases(const TConfiguration& Configuration, TDriverRegistry Driv
       FDefaultDatabase(Configuration.DefaultDatabase),
       FBusyTime(Configuration.BusyTime) {}
 
+void TDatabases::SetDefaultDatabase(std::string Name) {
+  FDefaultDatabase = std::move(Name);
+  FDefaultIsConfigured = false;
+  FNames.erase(std::string());
+}
+
 TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   if (Name.empty() && FDefaultDatabase.empty())
     throw EDatabaseError("No database is named, and there is no default database");
@@ -23,6 +29,8 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
     Address = Entry->second.Url;
+    Options.BaseFolder = FConfiguration.Folder;
+  } else if (Name.empty() && FDefaultIsConfigured) {
     Options.BaseFolder = FConfiguration.Folder;
   }
   std::optional<TDatabaseUrl> Url = ParseDatabaseUrl(Address);
@@ -39,8 +47,7 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
 }
 
 TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
-  const std::string& Meant = Name.empty() ? FDefaultDatabase : Name;
-  if (const auto Known = FNames.find(Meant); Known != FNames.end()) return *Known->second;
+  if (const auto Known = FNames.find(Name); Known != FNames.end()) return *Known->second;
   const TAddress Address = Resolve(Name);
   auto Found = FOpen.find(Address.Identity);
   if (Found == FOpen.end()) {
@@ -49,7 +56,7 @@ TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
     Opened.Connection = Address.Driver->Connect(Address.Url, Address.Options);
     Found = FOpen.emplace(Address.Identity, std::move(Opened)).first;
   }
-  FNames.emplace(Meant, &Found->second);
+  FNames.emplace(Name, &Found->second);
   return Found->second;
 }
 

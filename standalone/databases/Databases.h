@@ -32,7 +32,7 @@ class TDatabases {
   void CommitTransaction(const std::string& Name);
   void RollbackTransaction(const std::string& Name);
 
-  void SetDefaultDatabase(std::string Name) { FDefaultDatabase = std::move(Name); }
+  void SetDefaultDatabase(std::string Name);
   const std::string& DefaultDatabase() const { return FDefaultDatabase; }
   /// Databases that are connected to from now on are made when they do not exist.
   void SetCreateMissing(bool Value) { FCreateMissing = Value; }
@@ -69,11 +69,12 @@ class TDatabases {
   TDriverRegistry FDrivers;
   TTraceFunction FTrace;
   std::string FDefaultDatabase;
+  bool FDefaultIsConfigured = true;  // its file names are relative to the configuration's folder
   bool FCreateMissing = false;
   std::chrono::milliseconds FBusyTime;
   std::function<bool()> FCanceled;
   std::map<std::string, TDatabase> FOpen;                 // by identity
-  std::map<std::string, TDatabase*, std::less<>> FNames;  // the names under which they were asked for
+  std::map<std::string, TDatabase*, std::less<>> FNames;  // the names under which they were asked for, "" for the default
 };
 
 }  // namespace velkrund

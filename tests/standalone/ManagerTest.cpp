@@ -87,6 +87,14 @@ TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
   for (const TCase& Case : Cases) EXPECT_EQ(ErrorOf([&] { Manager.GetUserTable("T", Case.Name, true); }), Case.Error);
   EXPECT_TRUE(Manager.Databases().IsSameDatabase("shop", "sqlite:" + Folder / "x/../shop.db"));
   EXPECT_FALSE(Manager.Databases().IsSameDatabase("shop", "sqlite:" + Folder / "other.db"));
+  // Only what stands in the configuration is relative to its folder.
+  TConfiguration WithAddress = Configured();
+  WithAddress.DefaultDatabase = "sqlite:shop.db";
+  TStandaloneManager Other(WithAddress);
+  EXPECT_EQ(Other.Tables("").size(), 1U);
+  EXPECT_THAT(ErrorOf([&] { Other.Tables("sqlite:shop.db"); }), HasSubstr("does not exist"));
+  Other.Databases().SetDefaultDatabase("sqlite:shop.db");
+  EXPECT_THAT(ErrorOf([&] { Other.Tables(""); }), HasSubstr("does not exist"));
   Manager.Databases().SetDefaultDatabase("");
   EXPECT_EQ(ErrorOf([&] { Manager.Tables(""); }),
             "EDatabaseError: No database is named, and there is no default database");

@@ -4,6 +4,8 @@
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
 
+#include <filesystem>
+
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -16,6 +18,10 @@ namespace {
 
 spdlog::sink_ptr MakeSink(const std::string& FileName) {
   if (FileName.empty()) return std::make_shared<spdlog::sinks::stderr_sink_mt>();
+  // Otherwise it would be made, however it is misspelt.
+  if (const auto Folder = std::filesystem::absolute(FileName).parent_path(); !std::filesystem::exists(Folder))
+    throw EConfigurationError(
+        Format("Can not open the trace file '%s': there is no folder '%s'", FileName, Folder.string()));
   try {
     return std::make_shared<spdlog::sinks::basic_file_sink_mt>(FileName);
   } catch (const spdlog::spdlog_ex& Error) {

@@ -127,6 +127,10 @@ TEST_F(ManagerTest, InfoTextsAndTrace) {
   EXPECT_GT(Info.Tables[0].Bytes.value(), 0);
   EXPECT_EQ(Info.Tables[1].Rows, std::nullopt);
 
+  TConfiguration Misspelt = Configured();
+  Misspelt.TraceFile = Folder / "none/trace.log";
+  EXPECT_THAT(ErrorOf([&] { TStandaloneManager{Misspelt}; }), HasSubstr("there is no folder"));
+
   EXPECT_EQ(Manager.LString("M_KEY"), "M_KEY");
   Manager.SetLookUpText([](std::string_view Key) { return std::optional("[" + std::string(Key) + "]"); });
   EXPECT_EQ(Manager.LString("M_KEY"), "[M_KEY]");

@@ -379,6 +379,26 @@ TEST_F(PostgreSQLDriverTest, OpeningSaysWhatIsWrongAndNoPassword) {
             "EDatabaseError: Can not append to table 't': the database is opened for reading only");
 }
 
+TEST_F(PostgreSQLDriverTest, ErrorsSayWhatToDo) {
+  Raw.Run("CREATE TABLE t (a integer)");
+  Raw.Run("BEGIN; LOCK TABLE t");
+  Connection =
+      TPostgreSQLDriver().Connect(ParseDatabaseUrl(Raw.Url()).value(), {.BusyTime = std::chrono::milliseconds(10)});
+  EXPECT_THAT(ErrorOf([&] { Rows(*Connection, "t"); }), AllOf(HasSubstr("'t'"), HasSubstr("busy_seconds")));
+  Raw.Run("ROLLBACK");
+  const std::string Name = Raw.Url().substr(Raw.Url().rfind('/') + 1) + "_ascii";
+  Raw.Run("CREATE DATABASE " + Name + " TEMPLATE template0 ENCODING 'SQL_ASCII' LC_COLLATE 'C' LC_CTYPE 'C'");
+  Connection = Connect(Raw.Url() + "_ascii");
+  Connection->Execute(R"(CREATE TABLE t AS SELECT E'caf\xe9' AS a)");
+  EXPECT_THAT(ErrorOf([&] { Rows(*Connection, "t"); }), AllOf(HasSubstr("'t'"), HasSubstr("SQL_ASCII")));
+  // As docs/databases.md tells.
+  Connection->Execute(
+      "CREATE VIEW v AS SELECT convert_from(convert(convert_to(a, 'LATIN1'), 'LATIN1', 'UTF8'), 'UTF8') AS a FROM t");
+  EXPECT_THAT(Rows(*Connection, "v"), ElementsAre("10 café"));
+  Connection.reset();
+  Raw.Run("DROP DATABASE " + Name);
+}
+
 TEST_F(PostgreSQLDriverTest, WhatTheServerRemarksGoesToTheTrace) {
   std::vector<std::string> Lines;
   TConnectOptions Options;

@@ -25,7 +25,13 @@ std::string OneLine(std::string_view Text) {
 }
 
 /// What to do about an error, where the server does not say it.
-std::string_view Advice(const TPostgreSQLResult& Error) {
+std::string_view Advice(const pg_conn* Connection, const TPostgreSQLResult& Error) {
+  const std::string_view Code = Error.Diagnostic(PG_DIAG_SQLSTATE);
+  if (Code == "55P03") return "another session has held its lock for longer than busy_seconds";
+  const char* Encoding = PQparameterStatus(Connection, "server_encoding");
+  if (Code == "22021" && Encoding && std::string_view(Encoding) == "SQL_ASCII")
+    return "the database has no encoding (SQL_ASCII), and these bytes, of a value or a name, are no UTF-8: rename what "
+           "has such a name, export a view that converts such values, or convert the database";
   // The words are in the server's language, the function's name is not.
   if (Error.Diagnostic(PG_DIAG_SOURCE_FUNCTION) == "check_enable_rls")
     return "connect as the table's owner, or as a role with BYPASSRLS, which see every row";
@@ -80,7 +86,7 @@ std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection
     Message += Format(" (PostgreSQL error %s)", Code);
   AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_DETAIL));
   AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_HINT));
-  AppendRemark(Message, Advice(Result));
+  AppendRemark(Message, Advice(Connection, Result));
   if (!Statement.empty()) {
     const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));
     Message += Format("; statement: %s%s", Shown, Shown.size() < Statement.size() ? "..." : "");

@@ -47,6 +47,38 @@ TEST_F(TPostgreSQLTest, TheShopMovesInAndOut) {
   }
 }
 
+TEST_F(TPostgreSQLTest, PasswordsComeFromTheirFileOrAVariableAndAreNotShown) {
+  const std::string Role = "clerk_of_" + Part("dbname");
+  Database.Run("CREATE ROLE " + Role + " LOGIN PASSWORD 'a:b/c@d?e#f'");
+  Database.Run("DO $do$ BEGIN EXECUTE format('COPY (VALUES (%L), (%L)) TO %L', 'host all " + Role +
+               " 127.0.0.1/32 md5', 'host all all 127.0.0.1/32 trust', current_setting('hba_file')); END $do$");
+  Database.Run("SELECT pg_reload_conf()");
+  const std::string Place = "127.0.0.1:" + Part("port") + "/" + Part("dbname");
+  const std::string Info = "$V database info -v --json -d ";
+  const std::string Url = "postgresql://" + Role + "@" + Place;
+  EXPECT_TRUE(WaitUntil([&] { return Shell(Info + Url).ExitCode == 1; })) << "the server has not read its rules";
+  Write("passwords", "*:*:*:" + Role + ":a\\:b/c@d?e#f\n");
+  Write("velkrund.toml", "[database.shop]\nurl = \"postgresql://" + Role + ":${PW}@" + Place + "\"\n");
+  const struct {
+    std::string Line;
+    int ExitCode;
+  } Cases[] = {
+      {"PGPASSFILE=passwords " + Info + Url, 0},
+      {Info + "'" + Url + "?passfile=passwords'", 0},
+      {"PW='a:b/c@d?e#f' " + Info + "shop", 0},
+      {"PW='a:b/c@d?e#' " + Info + "shop", 1},
+      {Info + "'postgresql://" + Role + ":a:b/c@d?e#f@" + Place + "'", 1},
+      {Info + "'postgresql:host=127.0.0.1 password=a:b/c@d?e#f port=1'", 1},
+      {Info + "'host=127.0.0.1 password=a:b/c@d?e#f'", 1},
+  };
+  for (const auto& [Line, ExitCode] : Cases) {
+    const TOutcome Outcome = Shell("chmod 600 passwords; export PW=; " + Line);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Line << Outcome.Errors;
+    for (const char* Piece : {"b/c", "b%2Fc", "c@d", "e#"})
+      EXPECT_EQ((Outcome.Output + Outcome.Errors).find(Piece), std::string::npos) << Outcome.Output << Outcome.Errors;
+  }
+}
+
 TEST_F(TPostgreSQLTest, DatabaseInfoShowsTablesAndNoPassword) {
   Database.Run(
       "CREATE SCHEMA \"my own\"; CREATE TABLE \"my own\".t AS SELECT 1; CREATE VIEW v AS SELECT 1;"

@@ -44,7 +44,7 @@ class TRelatedTablesTest : public TShopTest {
   const std::string Rows = "INSERT INTO \"O\" VALUES (7); INSERT INTO \"L\" VALUES (8, 7), (9, NULL);";
 };
 
-TEST_F(TRelatedTablesTest, WhereTheEngineEnforcesNothing) {
+TEST_F(TRelatedTablesTest, WhereSQLiteEnforcesNothing) {
   const std::string Broken = "INSERT INTO \"L\" VALUES (8, 70), (9, 70);";
   const std::vector<TCase> Cases = {
       {"", {}, 0, "2|3", "imported"},
@@ -72,7 +72,7 @@ TEST_F(TRelatedTablesTest, WhereTheEngineEnforcesNothing) {
   Check("sqlite:other.db", Cases, Ask, Ask);
 }
 
-TEST_F(TRelatedTablesTest, WhereTheEngineEnforcesKeys) {
+TEST_F(TRelatedTablesTest, WherePostgreSQLEnforcesKeys) {
   TPostgreSQLDatabase Database;
   const auto Execute = [&](const std::string& Text) { Database.Run(Text); };
   const auto Ask = [&](const std::string& Text) {

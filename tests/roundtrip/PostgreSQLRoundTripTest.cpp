@@ -194,13 +194,14 @@ TEST_F(PostgreSQLRoundTrip, AnImportThatIsCutOffLeavesTheTable) {
   const struct {
     const char* Happens;  // at a late record, in a session of the server
     const char* Says;
+    bool Crashes = false;
   } Cases[] = {
       {"PERFORM pg_cancel_backend(pg_backend_pid()), pg_sleep(9);", "canceling statement due to user request"},
       {"PERFORM pg_terminate_backend(pg_backend_pid()), pg_sleep(9);", "the server has undone the transaction"},
       {"EXECUTE format('COPY (SELECT) TO PROGRAM ''kill -9 %s''', pg_backend_pid());",
-       "the server has undone the transaction"},
+       "the server has undone the transaction", true},
   };
-  for (const auto& [Happens, Says] : Cases) {
+  for (const auto& [Happens, Says, Crashes] : Cases) {
     SCOPED_TRACE(Happens);
     TPostgreSQLDatabase Raw(Server.Url());
     const TTestDatabase Database = {Raw.Url(), nullptr, nullptr};
@@ -213,6 +214,7 @@ TEST_F(PostgreSQLRoundTrip, AnImportThatIsCutOffLeavesTheTable) {
             " RETURN NEW; END $f$; CREATE TRIGGER g BEFORE INSERT ON t FOR EACH ROW WHEN (NEW.i = 55) EXECUTE "
             "FUNCTION f()");
     EXPECT_THAT(Platform.Import(Database, Folder / "1.eif"), HasSubstr(Says));
+    if (Crashes) Raw.AwaitEnd();
     Raw.Reconnect();
     EXPECT_EQ(Raw.Rows("SELECT * FROM t"), "7\tbefore\n");
     Raw.Run("DROP TRIGGER g ON t");

@@ -96,6 +96,14 @@ std::string TPostgreSQLDatabase::Rows(const std::string& Query) {
   return Text;
 }
 
+void TPostgreSQLDatabase::AwaitEnd() {
+  const auto End = std::chrono::steady_clock::now() + Patience;
+  while (PQstatus(FConnection) == CONNECTION_OK && std::chrono::steady_clock::now() < End) {
+    const TResult Result(PQexec(FConnection, "SELECT"), &PQclear);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+}
+
 void TPostgreSQLDatabase::Reconnect() {
   const auto End = std::chrono::steady_clock::now() + Patience;
   do {

@@ -22,6 +22,8 @@ class TPostgreSQLDatabase {
   void Run(const std::string& Statements);
   /// What COPY writes of the rows of a query: a line for each, its values separated by tabs.
   std::string Rows(const std::string& Query);
+  /// Waits until the server has ended the connection, as it does with all when a session has crashed.
+  void AwaitEnd();
   /// Connects again when the server has ended the connection, and waits until it lets.
   void Reconnect();
 

@@ -74,7 +74,7 @@ class TDatabases {
   std::chrono::milliseconds FBusyTime;
   std::function<bool()> FCanceled;
   std::map<std::string, TDatabase> FOpen;                 // by identity
-  std::map<std::string, TDatabase*, std::less<>> FNames;  // the names under which they were asked for, "" for the default
+  std::map<std::string, TDatabase*, std::less<>> FNames;  // by the name asked for; "" is the default
 };
 
 }  // namespace velkrund

@@ -422,6 +422,19 @@ TEST_F(SQLiteDriverTest, ARolledBackStatementOfTheEngineEndsTheTransaction) {
   EXPECT_EQ(Rows(*Connection, "T").size(), 1U);
 }
 
+TEST_F(SQLiteDriverTest, ALongStatementIsStopped) {
+  int Asked = 0;
+  Connection = Connect(Folder / "stopped.db", {.CreateMissing = true, .Canceled = [&] { return ++Asked == 3; }});
+  Run("CREATE TABLE T (C)");
+  EXPECT_THAT(ErrorOf([&] {
+                Run("WITH RECURSIVE N(I) AS (SELECT 1 UNION ALL SELECT I + 1 FROM N LIMIT 100000000) "
+                    "INSERT INTO T SELECT I FROM N WHERE I < 0");
+              }),
+              StartsWith("EAbort: "));
+  Run("INSERT INTO T VALUES (1)");
+  EXPECT_EQ(Rows(*Connection, "T").size(), 1U);
+}
+
 TEST_F(SQLiteDriverTest, VirtualTablesAreOneTable) {
   Run("CREATE VIRTUAL TABLE F USING fts5(A, B)");
   Run("CREATE TABLE T (C INTEGER PRIMARY KEY AUTOINCREMENT)");

@@ -97,7 +97,7 @@ std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name
 
   // The exact name alone first: databases have many tables.
   const auto Exactly = [](std::string_view A, std::string_view B) { return A == B; };
-  if (const auto Found = Only(Candidates(What, std::string(Name)), Exactly, {})) return Found;
+  if (auto Found = Only(Candidates(What, std::string(Name)), Exactly, {})) return Found;
   const auto IgnoringCase = [](std::string_view A, std::string_view B) { return SameText(A, B); };
   return Only(Candidates(What, {}), IgnoringCase, "; name one in its own case");
 }

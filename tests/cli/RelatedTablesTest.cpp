@@ -99,6 +99,9 @@ TEST_F(TRelatedTablesTest, WherePostgreSQLEnforcesKeys) {
       {"", {"--section", "O", "--replace"}, 0, "2|0", "imported"},
   };
   Check(Database.Url(), Cases, Execute, Ask);
+  Tables.insert(Tables.rfind(';'), " PARTITION BY LIST (\"I\"); CREATE TABLE \"LP\" PARTITION OF \"L\" DEFAULT");
+  Cases.resize(2);
+  Check(Database.Url(), Cases, Execute, Ask);
 }
 
 }  // namespace

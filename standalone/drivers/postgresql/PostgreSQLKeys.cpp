@@ -6,14 +6,16 @@
 namespace velkrund {
 namespace {
 
-/// Those that delete or change rows when the row that they refer to is deleted: cascade, set null, set default.
+/// What acts on a deletion: cascade, set null, set default. The keys that a partition has from its table are that
+/// table's.
 constexpr const char* KeysStatement =
     "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
     "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}') "
     "FROM pg_catalog.pg_constraint k "
     "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
     "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
-    "WHERE k.contype = 'f' ORDER BY fn.nspname, f.relname, k.conname";
+    "WHERE k.contype = 'f' AND NOT (k.conparentid <> '0' AND f.relispartition) "
+    "ORDER BY fn.nspname, f.relname, k.conname";
 
 }  // namespace
 

@@ -56,9 +56,12 @@ class TConfigurationReader {
     std::function<void(const TEntry&)> Read;
   };
 
+  std::string Problem(const TEntry& Entry, const std::string& Why) const {
+    return Format("%s, line %d, key '%s': %s", FFileName, Entry.Node.source().begin.line, Entry.Key, Why);
+  }
+
   [[noreturn]] void Raise(const TEntry& Entry, const std::string& Why) const {
-    throw EConfigurationError(
-        Format("%s, line %d, key '%s': %s", FFileName, Entry.Node.source().begin.line, Entry.Key, Why));
+    throw EConfigurationError(Problem(Entry, Why));
   }
 
   void ReadTable(const toml::table& Table, const std::string& Prefix, const std::vector<TKnownKey>& Known) const {
@@ -121,30 +124,33 @@ class TConfigurationReader {
     for (const auto& [Key, Node] : Table(Databases)) {
       const TEntry Entry{"database." + std::string(Key.str()), Node};
       TDatabaseEntry& Database = FResult.Databases[std::string(Key.str())];
-      ReadTable(Table(Entry), Entry.Key + ".", {{"url", [&](const TEntry& E) { Database.Url = Url(E); }}});
+      ReadTable(Table(Entry), Entry.Key + ".", {{"url", [&](const TEntry& E) { ReadUrl(E, Database); }}});
       if (Database.Url.empty()) Raise(Entry, "the key 'url' is missing");
     }
   }
 
-  std::string Url(const TEntry& Entry) const {
-    std::string Result = WithVariables(Entry, Text(Entry));
-    if (!ParseDatabaseUrl(Result))
-      Raise(Entry, Format("'%s' is no database address (SCHEME:...)", WithoutSecrets(Result)));
-    return Result;
+  void ReadUrl(const TEntry& Entry, TDatabaseEntry& Database) const {
+    Database.Url = Text(Entry);
+    ReplaceVariables(Entry, Database);
+    if (Database.Problem.empty() && !ParseDatabaseUrl(Database.Url))
+      Raise(Entry, Format("'%s' is no database address (SCHEME:...)", WithoutSecrets(Database.Url)));
   }
 
-  std::string WithVariables(const TEntry& Entry, std::string Text) const {
+  void ReplaceVariables(const TEntry& Entry, TDatabaseEntry& Database) const {
+    std::string& Text = Database.Url;
     for (std::size_t At = 0; (At = Text.find("${", At)) != std::string::npos;) {
       const std::size_t End = Text.find('}', At);
       if (End == std::string::npos) Raise(Entry, "'${' without '}'");
       const std::string Name = Text.substr(At + 2, End - At - 2);
-      if (!std::getenv(Name.c_str())) Raise(Entry, Format("the environment variable %s is not set", Name));
+      if (!std::getenv(Name.c_str())) {
+        Database.Problem = Problem(Entry, Format("the environment variable %s is not set", Name));
+        return;
+      }
       std::string Value = Environment(Name);
       if (IsPartOfAddress(Text, At, End + 1)) Value = PercentEncoded(Value);
       Text.replace(At, End + 1 - At, Value);
       At += Value.size();
     }
-    return Text;
   }
 
   std::string InFolder(const std::string& Name) const {

@@ -13,7 +13,8 @@ namespace velkrund {
 VELKRUND_EXCEPTION(EConfigurationError, Exception);
 
 struct TDatabaseEntry {
-  std::string Url;  // variables already replaced
+  std::string Url;           // variables already replaced, where they are set
+  std::string Problem = {};  // why the entry can not be used: a variable that is not set. Other entries may be used
 };
 
 enum class TTraceLevelSetting { Off, Error, Info, Detail };

@@ -28,6 +28,7 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   Options.Trace = FTrace;
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
+    if (!Entry->second.Problem.empty()) throw EConfigurationError(Entry->second.Problem);
     Address = Entry->second.Url;
     Options.BaseFolder = FConfiguration.Folder;
   } else if (Name.empty() && FDefaultIsConfigured) {

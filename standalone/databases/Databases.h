@@ -21,7 +21,8 @@ class TDatabases {
   TDatabases(const TDatabases&) = delete;
   TDatabases& operator=(const TDatabases&) = delete;
 
-  /// Name: of the configuration, else a URL; empty: the default database. Raises EDatabaseError.
+  /// Name: of the configuration, else a URL; empty: the default database. Raises EDatabaseError, and
+  /// EConfigurationError for an entry that can not be used.
   TConnection& Connection(const std::string& Name);
 
   /// Only the outermost start and end reach the engine. An inner roll back dooms the outer transaction: its commit then

@@ -62,7 +62,14 @@ void TCatalogue::Create(const TCatalogueTable& Table) {
   for (const TCatalogueTable::TColumn& Column : Table.Columns)
     Statement +=
         Format("%s %s%s, ", Column.Name, FConnection.ColumnType(Column.Kind), Column.Nullable ? "" : " NOT NULL");
-  FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
+  try {
+    FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
+  } catch (const EDatabaseError& Error) {
+    throw EDatabaseError(Format(
+        "Can not make the table %s, in which this program keeps what is its own: %s. Should another one have made "
+        "it at the same moment, try again",
+        Table.Name, Error.what()));
+  }
 }
 
 }  // namespace velkrund

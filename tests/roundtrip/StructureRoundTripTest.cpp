@@ -186,6 +186,11 @@ TEST_P(StructureRoundTrip, WhatTheCatalogueCanNotBe) {
   EXPECT_THAT(Import(Database, "new.eif"), HasSubstr("have the layout 2"));
   Database.Run("DELETE FROM velkrund_catalogue");
   EXPECT_THAT(Import(Database, "new.eif"), HasSubstr("velkrund_catalogue of the database has lost its row"));
+
+  for (const char* Statement : {"DROP TABLE velkrund_structures", "DROP TABLE velkrund_catalogue",
+                                "CREATE VIEW velkrund_catalogue AS SELECT 2"})
+    Database.Run(Statement);
+  EXPECT_THAT(Import(Database, "new.eif"), HasSubstr("Can not make the table velkrund_catalogue"));
 }
 
 }  // namespace

@@ -10,6 +10,9 @@
 namespace velkrund {
 namespace {
 
+/// What begins a message about a statement that is not the driver's own.
+constexpr std::string_view ExecutionFailed = "Can not execute a statement";
+
 /// Whether a statement with this tag tells how many rows it has changed.
 bool CountsChanges(std::string_view Tag) {
   for (const std::string_view Word : {"INSERT ", "UPDATE ", "DELETE ", "MERGE "})
@@ -54,30 +57,29 @@ TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::st
   return Result;
 }
 
-std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
-  constexpr std::string_view What = "Can not execute a statement";
-  if (Statement.find('\0') != std::string::npos) throw EDatabaseError(Format("%s: it holds a character U+0000", What));
+void TPostgreSQLSession::Send(std::string_view What, const std::string& Statement,
+                              std::span<const TKvVariant> Parameters, TFormat Format) {
+  if (Statement.find('\0') != std::string::npos)
+    throw EDatabaseError(velkrund::Format("%s: it holds a character U+0000", What));
   const TPostgreSQLParameters Texts(Parameters);
   Prepare(What);
   FWait.Begin(true);
   if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),
-                        Texts.Formats(), 0) == 0)
+                        Texts.Formats(), Format == TFormat::Binary ? 1 : 0) == 0)
     Raise(What, TPostgreSQLResult(), Statement);
+}
+
+std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
+  Send(ExecutionFailed, Statement, Parameters, TFormat::Text);
   PQsetSingleRowMode(Handle());
-  const TPostgreSQLResult Result = DropRows(What, Statement);
+  const TPostgreSQLResult Result = DropRows(ExecutionFailed, Statement);
   return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
 }
 
 TPostgreSQLResult TPostgreSQLSession::Ask(const std::string& Statement, std::span<const TKvVariant> Parameters) {
-  constexpr std::string_view What = "Can not execute a statement";
-  const TPostgreSQLParameters Texts(Parameters);
-  Prepare(What);
-  FWait.Begin(true);
-  if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),
-                        Texts.Formats(), 1) == 0)
-    Raise(What, TPostgreSQLResult(), Statement);
+  Send(ExecutionFailed, Statement, Parameters, TFormat::Binary);
   TPostgreSQLResult Result = Answer();
-  if (!Result.Handle() || Result.IsError()) Raise(What, Result, Statement);
+  if (!Result.Handle() || Result.IsError()) Raise(ExecutionFailed, Result, Statement);
   return Result;
 }
 

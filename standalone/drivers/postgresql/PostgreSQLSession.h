@@ -102,6 +102,8 @@ class TPostgreSQLSession {
   pg_result* NextResult();
   TPostgreSQLResult Answer();
   static void TakeNotice(void* Session, const pg_result* Notice) noexcept;
+  void Send(std::string_view What, const std::string& Statement, std::span<const TKvVariant> Parameters,
+            TFormat Format);
   TPostgreSQLResult DropRows(std::string_view What, const std::string& Statement);
   void NoteTransaction();
 

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <memory>
 
-#include "hosts/common/Glances.h"
+#include "hosts/cli/render/Glances.h"
 #include "standalone/databases/StandaloneManager.h"
 #include "velkrund/dictionary/Dicutils.h"
 #include "velkrund/eif/Eifiles.h"

@@ -1,15 +1,15 @@
 # libvelkrund-c: everything in one shared library, of which only the C functions of velkrund/module/Velkrund.h are seen.
-# Made of the objects that hosts/common needs, so that it depends on nothing of ours, however the other libraries are
+# Made of the objects that hosts/c needs, so that it depends on nothing of ours, however the other libraries are
 # built.
 
 if(NOT VELKRUND_BUILD_STANDALONE)
   return()
 endif()
 
-velkrund_json_list(Layers layers hosts/common uses)
+velkrund_layer_names(Layers velkrund standalone jobs)
 set(Objects)
 set(AllPackages)
-foreach(Layer IN LISTS Layers ITEMS hosts/common)
+foreach(Layer IN LISTS Layers ITEMS hosts/c)
   string(REPLACE "/" "-" Name "${Layer}")
   if(TARGET ${Name}-objects)
     list(APPEND Objects $<TARGET_OBJECTS:${Name}-objects>)

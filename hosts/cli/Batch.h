@@ -4,7 +4,7 @@
 
 #include "hosts/cli/Report.h"
 #include "hosts/cli/Session.h"
-#include "hosts/common/ErrorPolicy.h"
+#include "jobs/policies/ErrorPolicy.h"
 #include "velkrund/eif/EISource.h"
 #include "velkrund/operations/UtilOperationInterface.h"
 

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "hosts/cli/Json.h"
-#include "hosts/cli/Option.h"
 #include "hosts/cli/Structures.h"
+#include "hosts/cli/line/Option.h"
+#include "jobs/report/Json.h"
 
 namespace velkrund {
 

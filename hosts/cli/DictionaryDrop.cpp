@@ -1,7 +1,7 @@
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/Dictionary.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/line/Commands.h"
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"

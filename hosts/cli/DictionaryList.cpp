@@ -1,9 +1,9 @@
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/Dictionary.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Session.h"
-#include "hosts/cli/Texts.h"
-#include "hosts/cli/TreeText.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
+#include "hosts/cli/render/TreeText.h"
 #include "velkrund/platform/database/Platform.h"
 
 namespace velkrund {

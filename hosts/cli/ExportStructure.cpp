@@ -1,8 +1,8 @@
 #include <set>
 
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/SectionExport.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/line/Commands.h"
 #include "velkrund/dsp/DSPStructureOperations.h"
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/SectionExport.h"
 #include "hosts/cli/Session.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/dictionary/TableDataOperations.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -1,14 +1,14 @@
 #include <algorithm>
 
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/InputFile.h"
-#include "hosts/cli/Json.h"
 #include "hosts/cli/SectionCheck.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/StrayMarkers.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
+#include "jobs/report/Json.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -1,15 +1,15 @@
 #include <algorithm>
 #include <set>
 
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Json.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
-#include "hosts/cli/Texts.h"
-#include "hosts/common/FileOpening.h"
-#include "hosts/common/SectionRemoval.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
+#include "jobs/files/FileOpening.h"
+#include "jobs/files/SectionRemoval.h"
+#include "jobs/report/Json.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

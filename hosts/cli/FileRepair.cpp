@@ -1,11 +1,11 @@
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Json.h"
 #include "hosts/cli/Session.h"
-#include "hosts/cli/Texts.h"
-#include "hosts/common/FileOpening.h"
-#include "hosts/common/SectionRepair.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
+#include "jobs/files/FileOpening.h"
+#include "jobs/files/SectionRepair.h"
+#include "jobs/report/Json.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -2,10 +2,10 @@
 #include <set>
 
 #include "hosts/cli/Batch.h"
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/ImportPlan.h"
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/operations/ImportFileInterfaces.h"
 #include "velkrund/platform/ormtools/Format.h"
 

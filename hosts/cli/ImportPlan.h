@@ -12,7 +12,7 @@
 #include "hosts/cli/Session.h"
 #include "hosts/cli/StructureAnswers.h"
 #include "hosts/cli/TableTargets.h"
-#include "hosts/common/ErrorPolicy.h"
+#include "jobs/policies/ErrorPolicy.h"
 #include "velkrund/operations/ImportFile.h"
 
 namespace velkrund {

@@ -1,10 +1,10 @@
 #include "hosts/cli/Batch.h"
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/InputFile.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/StrayMarkers.h"
 #include "hosts/cli/StructureAnswers.h"
+#include "hosts/cli/line/Commands.h"
 #include "velkrund/dsp/DSPStructureOperations.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -2,14 +2,14 @@
 #include <optional>
 
 #include "hosts/cli/Batch.h"
-#include "hosts/cli/Commands.h"
 #include "hosts/cli/InputFile.h"
 #include "hosts/cli/RelatedTables.h"
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/StrayMarkers.h"
 #include "hosts/cli/TableTargets.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/dictionary/TableDataOperations.h"
 #include "velkrund/eif/EIErrors.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "hosts/cli/Interrupt.h"
-#include "hosts/common/FileOpening.h"
+#include "jobs/files/FileOpening.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

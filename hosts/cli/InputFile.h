@@ -4,7 +4,7 @@
 #include <string>
 
 #include "hosts/cli/Session.h"
-#include "hosts/common/Spool.h"
+#include "jobs/files/Spool.h"
 #include "velkrund/eif/EIFile.h"
 
 namespace velkrund {

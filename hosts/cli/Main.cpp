@@ -1,9 +1,9 @@
-#include "hosts/cli/CommandLine.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Json.h"
 #include "hosts/cli/PersonAtTerminal.h"
 #include "hosts/cli/Session.h"
+#include "hosts/cli/line/CommandLine.h"
+#include "jobs/report/Json.h"
 #include "standalone/windows/scripted/ScriptedWindows.h"
 
 namespace velkrund {

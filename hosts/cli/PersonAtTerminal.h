@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "hosts/cli/Console.h"
+#include "hosts/cli/render/Console.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
 
 namespace velkrund {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"

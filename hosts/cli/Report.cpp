@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "hosts/cli/Json.h"
 #include "hosts/cli/Structures.h"
+#include "jobs/report/Json.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 

@@ -7,7 +7,7 @@
 
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/Sections.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

@@ -4,10 +4,10 @@
 #include <map>
 
 #include "hosts/cli/Batch.h"
-#include "hosts/cli/Command.h"
 #include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Texts.h"
-#include "hosts/common/OutputFile.h"
+#include "hosts/cli/line/Command.h"
+#include "hosts/cli/render/Texts.h"
+#include "jobs/files/OutputFile.h"
 #include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

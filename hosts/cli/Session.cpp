@@ -1,6 +1,6 @@
 #include "hosts/cli/Session.h"
 
-#include "hosts/cli/Command.h"
+#include "hosts/cli/line/Command.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "hosts/cli/Console.h"
-#include "hosts/cli/Progress.h"
-#include "hosts/cli/SharedOptions.h"
-#include "hosts/common/Application.h"
-#include "hosts/common/Questions.h"
+#include "hosts/cli/line/SharedOptions.h"
+#include "hosts/cli/render/Console.h"
+#include "hosts/cli/render/Progress.h"
+#include "jobs/application/Application.h"
+#include "jobs/policies/Questions.h"
 
 namespace velkrund {
 

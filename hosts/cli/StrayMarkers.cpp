@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 

@@ -1,6 +1,6 @@
 #include "hosts/cli/StructureAnswers.h"
 
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

@@ -1,7 +1,7 @@
 #include "hosts/cli/Structures.h"
 
-#include "hosts/cli/Command.h"
-#include "hosts/cli/Texts.h"
+#include "hosts/cli/line/Command.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"

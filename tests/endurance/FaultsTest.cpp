@@ -7,9 +7,9 @@
 #include <iostream>
 #include <set>
 
-#include "hosts/common/OutputFile.h"
-#include "hosts/common/SectionRemoval.h"
-#include "hosts/common/SectionRepair.h"
+#include "jobs/files/OutputFile.h"
+#include "jobs/files/SectionRemoval.h"
+#include "jobs/files/SectionRepair.h"
 #include "tests/endurance/Faults.h"
 #include "tests/roundtrip/RoundTrip.h"
 #include "tests/support/Sanitizer.h"

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "hosts/common/SectionRepair.h"
+#include "jobs/files/SectionRepair.h"
 #include "tests/roundtrip/RoundTrip.h"
 
 namespace velkrund::tests {

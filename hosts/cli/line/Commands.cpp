@@ -1,0 +1,23 @@
+#include "hosts/cli/line/Commands.h"
+
+namespace velkrund {
+
+TCommands AllCommands() {
+  TCommands Result;
+  Result.push_back(MakeExportTable());
+  Result.push_back(MakeExportStructure());
+  Result.push_back(MakeImportTable());
+  Result.push_back(MakeImportStructure());
+  Result.push_back(MakeImportFile());
+  Result.push_back(MakeDictionaryList());
+  Result.push_back(MakeDictionaryShow());
+  Result.push_back(MakeDictionaryDrop());
+  Result.push_back(MakeFileList());
+  Result.push_back(MakeFileCheck());
+  Result.push_back(MakeFileRemove());
+  Result.push_back(MakeFileRepair());
+  Result.push_back(MakeDatabaseInfo());
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "hosts/cli/line/Command.h"
+
+namespace velkrund {
+
+using TCommands = std::vector<std::unique_ptr<TCommand>>;
+
+/// Every command of the program, in the order in which help shows them.
+TCommands AllCommands();
+
+// One file each.
+std::unique_ptr<TCommand> MakeExportTable();
+std::unique_ptr<TCommand> MakeExportStructure();
+std::unique_ptr<TCommand> MakeImportTable();
+std::unique_ptr<TCommand> MakeImportStructure();
+std::unique_ptr<TCommand> MakeImportFile();
+std::unique_ptr<TCommand> MakeDictionaryList();
+std::unique_ptr<TCommand> MakeDictionaryShow();
+std::unique_ptr<TCommand> MakeDictionaryDrop();
+std::unique_ptr<TCommand> MakeFileList();
+std::unique_ptr<TCommand> MakeFileCheck();
+std::unique_ptr<TCommand> MakeFileRemove();
+std::unique_ptr<TCommand> MakeFileRepair();
+std::unique_ptr<TCommand> MakeDatabaseInfo();
+
+}  // namespace velkrund

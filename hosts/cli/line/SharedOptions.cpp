@@ -1,0 +1,52 @@
+#include "hosts/cli/line/SharedOptions.h"
+
+namespace velkrund {
+
+TOption TSharedOptions::DatabaseOption() {
+  return Text("-d,--database", "DB",
+              "the database: a name of the configuration, or an address such as sqlite:shop.db or "
+              "postgresql://user@host/shop; without it the configuration's default database",
+              Database);
+}
+
+TOption TSharedOptions::AllowLossOption() {
+  return Switch(
+      "--allow-loss",
+      "go on where characters can not be kept, because the code page lacks them or the text is malformed; the "
+      "report counts them. Without it they are an error",
+      AllowLoss);
+}
+
+TOption TSharedOptions::OnErrorOption() {
+  return Choice<TOnError>("--on-error", "after a failure: go on with the next one or not (default: ask)",
+                          {{"ask", TOnError::Ask}, {"continue", TOnError::Continue}, {"stop", TOnError::Stop}},
+                          OnError);
+}
+
+TOptionGroup TSharedOptions::General() {
+  return {
+      "General options",
+      {Text("--config", "FILE",
+            "the configuration; without it $VELKRUND_CONFIG, ./velkrund.toml, then the one in the user's "
+            "configuration folder",
+            ConfigFile),
+       Switch("--json", "print the result as one JSON document", Json),
+       Choice<TProgressStyle>("--progress", "how progress is shown (default: auto, a bar on a terminal)",
+                              {{"auto", TProgressStyle::Auto},
+                               {"bar", TProgressStyle::Bar},
+                               {"plain", TProgressStyle::Plain},
+                               {"none", TProgressStyle::None}},
+                              Progress),
+       Switch("-y,--yes", "answer yes to questions that have no option of their own", Yes),
+       Switch("-v,--verbose", "trace what is done to standard error, or to the configuration's trace file", Verbose)}};
+}
+
+TApplicationOptions TSharedOptions::ApplicationOptions() const {
+  TApplicationOptions Result;
+  Result.ConfigFile = ConfigFile;
+  Result.Trace = Verbose;
+  Result.StrictText = !AllowLoss;
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,79 @@
+#include "hosts/cli/render/Progress.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "hosts/cli/render/Texts.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int LongestBar = 40, ShortestBar = 10;
+constexpr double SecondsUntilTimeLeft = 0.5;  // before that a guess would be wild
+
+}  // namespace
+
+TProgress::TProgress(TConsole& Console, TProgressStyle Style) : FConsole(Console), FStyle(Style) {
+  if (FStyle == TProgressStyle::Auto) FStyle = Console.MessagesAreSeen() ? TProgressStyle::Bar : TProgressStyle::None;
+  FInterval = FStyle == TProgressStyle::Bar ? TClock::duration(100ms) : TClock::duration(2s);
+}
+
+void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t Total) {
+  SetName(Name);
+  FUnit = std::move(Unit);
+  FTotal = Total;
+  FCount = -1;
+  FStart = TClock::now();
+  FNext = FStart + FInterval;
+  FGlances.Begin(FStart);
+}
+
+void TProgress::SetName(const std::string& Name) { FName = Printable(Name); }
+
+void TProgress::Show(std::int32_t Current, std::int32_t Total) {
+  if (FStyle == TProgressStyle::None || Total <= 0) return;
+  TClock::time_point Now;
+  if (!FGlances.Due(Now) || Now < FNext) return;
+  FNext = Now + FInterval;
+  const double Fraction = std::clamp(static_cast<double>(Current) / Total, 0.0, 1.0);
+  FCount = FTotal < 0 ? Current : std::llround(Fraction * static_cast<double>(FTotal));
+  const std::string Text = Line(Fraction, std::chrono::duration<double>(Now - FStart).count());
+  if (FStyle == TProgressStyle::Bar)
+    FConsole.Status(Bar(Fraction, Text));
+  else
+    FConsole.Message(FName + ": " + Text);
+}
+
+void TProgress::End() { FConsole.ClearStatus(); }
+
+std::string TProgress::Line(double Fraction, double Seconds) const {
+  const double Rate = static_cast<double>(FCount) / std::max(Seconds, 1e-6);
+  const bool Bytes = FUnit == "bytes";
+  std::string Result = Format("%d%%  ", static_cast<int>(Fraction * 100));
+  if (Bytes)
+    Result += Format("%s  %s/s", ByteText(static_cast<double>(FCount)), ByteText(Rate));
+  else
+    Result += Format("%s %s  %s %s/s", ShortNumber(static_cast<double>(FCount)), FUnit, ShortNumber(Rate), FUnit);
+  if (Seconds >= SecondsUntilTimeLeft && Fraction > 0)
+    Result += Format("  %s left", ClockText(std::llround(std::ceil(Seconds / Fraction * (1 - Fraction)))));
+  return Result;
+}
+
+std::string TProgress::Bar(double Fraction, const std::string& Rest) const {
+  const int Width = FConsole.Width() - 1;
+  std::string Result = std::string(CutToWidth(FName, std::max(Width / 3, 1))) + "  ";
+  const int Room = std::min(Width - DisplayWidth(Result) - DisplayWidth(Rest) - 4, LongestBar);
+  if (Room >= ShortestBar) {
+    const int Done = static_cast<int>(Fraction * Room);
+    Result += "[" + std::string(static_cast<std::size_t>(Done), '#') +
+              std::string(static_cast<std::size_t>(Room - Done), '.') + "]  ";
+  }
+  Result += Rest;
+  return std::string(CutToWidth(Result, Width));
+}
+
+}  // namespace velkrund

@@ -1,0 +1,100 @@
+#include "hosts/cli/render/Texts.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+std::string Decimals(double Value, int Digits) {
+  std::array<char, 64> Buffer;
+  const int Length = std::snprintf(Buffer.data(), Buffer.size(), "%.*f", Digits, Value);
+  return {Buffer.data(), static_cast<std::size_t>(std::clamp(Length, 0, static_cast<int>(Buffer.size()) - 1))};
+}
+
+/// The number in the largest unit that leaves at least 1 before the point.
+std::string InUnits(double Value, const std::vector<std::string_view>& Units) {
+  std::size_t Unit = 0;
+  while (Value >= 999.5 && Unit + 1 < Units.size()) {
+    Value /= 1000;
+    ++Unit;
+  }
+  return Decimals(Value, Unit > 0 && Value < 9.95 ? 1 : 0) + std::string(Units[Unit]);
+}
+
+}  // namespace
+
+std::string ByteText(double Bytes) {
+  if (Bytes < 1000) return Counted(std::llround(Bytes), "byte");
+  return InUnits(Bytes, {"", " kB", " MB", " GB", " TB", " PB"});
+}
+
+std::string ShortNumber(double Number) { return InUnits(Number, {"", "k", "M", "G"}); }
+
+std::string ClockText(std::int64_t Seconds) {
+  if (Seconds < 60) return Format("%d s", Seconds);
+  const auto TwoDigits = [](std::int64_t Value) { return Format(Value < 10 ? "0%d" : "%d", Value); };
+  if (Seconds < 3600) return Format("%d:%s", Seconds / 60, TwoDigits(Seconds % 60));
+  return Format("%d:%s:%s", Seconds / 3600, TwoDigits(Seconds / 60 % 60), TwoDigits(Seconds % 60));
+}
+
+std::string DurationText(double Seconds) {
+  if (Seconds < 1) return Format("%d ms", std::llround(Seconds * 1000));
+  return Seconds < 10 ? Decimals(Seconds, 2) + " s" : ClockText(std::llround(Seconds));
+}
+
+std::string Wrapped(std::string_view Text, int Indent, int Width) {
+  const std::string Margin = "\n" + std::string(static_cast<std::size_t>(Indent), ' ');
+  std::string Result;
+  int Column = Indent;
+  for (std::size_t At = 0; At < Text.size();) {
+    if (Text[At] == '\n') {
+      Result += Result.ends_with('\n') || Indent == 0 ? "\n" : Margin;
+      Column = Indent;
+      ++At;
+      continue;
+    }
+    const std::size_t End = std::min(Text.find_first_of(" \n", At), Text.size());
+    const std::string_view Word = Text.substr(At, End - At);
+    const int Length = DisplayWidth(Word);
+    if (Column > Indent && Column + 1 + Length > Width) {
+      Result += Margin;
+      Column = Indent;
+    } else if (Column > Indent) {
+      Result += ' ';
+      ++Column;
+    }
+    Result += Word;
+    Column += Length;
+    At = End;
+    while (At < Text.size() && Text[At] == ' ') ++At;
+  }
+  return Result;
+}
+
+std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned) {
+  std::vector<int> Widths(RightAligned.size());
+  for (const auto& Row : Rows)
+    for (std::size_t I = 0; I < Row.size(); ++I) Widths[I] = std::max(Widths[I], DisplayWidth(Row[I]));
+  std::string Result;
+  for (const auto& Row : Rows) {
+    std::string Line;
+    for (std::size_t I = 0; I < Row.size(); ++I) {
+      const std::string Padding(static_cast<std::size_t>(Widths[I] - DisplayWidth(Row[I])), ' ');
+      if (I > 0) Line += "  ";
+      Line += RightAligned[I] ? Padding + Row[I] : Row[I] + Padding;
+    }
+    Line.erase(Line.find_last_not_of(' ') + 1);
+    Result += Line + "\n";
+  }
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,106 @@
+#include "jobs/files/OutputFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "jobs/files/FileBeside.h"
+#include "jobs/files/FileOpening.h"
+#include "jobs/files/SectionRemoval.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+constexpr char CommentMark = ';';
+
+}  // namespace
+
+TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, TComplain Complain)
+    : FFiles(Files), FComplain(std::move(Complain)), FName(Name) {
+  if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(FFiles);
+  FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : FFiles);
+  FFile->SetFileName(Name == "-" ? "standard output" : Name);
+  if (FSpool)
+    FFile->Open();
+  else
+    OpenFile();
+}
+
+void TOutputFile::OpenFile() {
+  // Made under the condition that it does not exist: another program may be making it at the same time.
+  std::unique_ptr<TFile> Made;
+  if (!FFiles.Exists(FName)) Made = FFiles.Open(FName, TFileMode::CreateNew);
+  FCreated = Made != nullptr;
+  try {
+    if (Made) Made->Sync();
+    Made.reset();
+    OpenPlainly(*FFile);
+    RefuseForeignFile();
+    RemoveLeftBeside(FFiles, FName);
+  } catch (...) {
+    Made.reset();
+    FFile.reset();
+    if (FCreated) RemoveUnlessUsed();
+    throw;
+  }
+}
+
+/// Another program may have found the file meanwhile, and be writing into it, or be done already.
+void TOutputFile::RemoveUnlessUsed() {
+  try {
+    const std::unique_ptr<TFile> Locked = FFiles.Open(FName, TFileMode::ReadWrite);
+    if (Locked->Size() == 0) FFiles.Remove(FName);
+  } catch (const std::exception& Error) {
+    FComplain(Format("an empty file may be left: %s", Error.what()));
+  }
+}
+
+void TOutputFile::RefuseForeignFile() {
+  if (FFile->Sections().Count() > 0) return;
+  std::string Start(4096, '\0');
+  FFile->Stream().SetPosition(0);
+  Start.resize(FFile->Stream().Read(Start.data(), Start.size()));
+  std::string_view Text = Start;
+  if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
+  Text = Trim(Text);
+  if (!Text.empty() && Text.front() != CommentMark)
+    throw EFOpenError(Format("File '%s' is there already and is no export/import file: nothing is added to it", FName));
+}
+
+TOutputFile::~TOutputFile() {
+  if (!FCreated || FFile->Sections().Count() > 0) return;
+  try {
+    FFiles.Remove(FName);  // still locked
+  } catch (const std::exception& Error) {
+    FComplain(Format("an empty file is left: %s", Error.what()));
+  }
+}
+
+void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCanceled& Canceled) {
+  FFile->Sync();
+  if (!Replaced.empty()) RemoveSections(FFiles, *FFile, Replaced, Canceled);
+  if (!FSpool || FFile->Sections().Count() == 0) return;
+  if (FName == "-") {
+    FSpool->DrainTo(STDOUT_FILENO, "standard output", Canceled);
+    return;
+  }
+  const int Descriptor = open(FName.c_str(), O_WRONLY | O_CLOEXEC);
+  if (Descriptor < 0)
+    throw EFOpenError(Format("Can not open file '%s': %s", FName, std::generic_category().message(errno)));
+  try {
+    FSpool->DrainTo(Descriptor, FName, Canceled);
+  } catch (...) {
+    close(Descriptor);
+    throw;
+  }
+  close(Descriptor);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,214 @@
+#include "jobs/files/SectionRepair.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "jobs/files/FileBeside.h"
+#include "jobs/files/FileOpening.h"
+#include "velkrund/eif/EIFile.h"
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::size_t BlockSize = 256 * 1024;
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF", SectionMarker = "[SECTION]", EndMarker = "[END]";
+
+/// Watches the bytes of lines go by for lines that are markers. Keeps no line: one may be as long as the file.
+class TMarkerWatch {
+ public:
+  void Take(std::string_view Bytes) {
+    for (const char Byte : Bytes) Take(Byte);
+  }
+  /// The end of the bytes ends the last line.
+  void Finish() { EndLine(); }
+  int Sections() const { return FSections; }
+  int Ends() const { return FEnds; }
+
+ private:
+  void Take(char Byte) {
+    if (Byte == '\r') return EndLine();
+    if (Byte == '\n' && FBehindReturn) {
+      FBehindReturn = false;
+      return;
+    }
+    FBehindReturn = false;
+    if (Byte == ' ' && FLength > 0)
+      FBlanks = true;
+    else if (FBlanks || FLength == FLine.size())
+      FTooMuch = true;
+    else
+      FLine[FLength++] = Byte;
+  }
+  void EndLine() {
+    const std::string_view Line(FLine.data(), FLength);
+    if (!FTooMuch && Line == SectionMarker) ++FSections;
+    if (!FTooMuch && Line == EndMarker) ++FEnds;
+    FLength = 0;
+    FBlanks = FTooMuch = false;
+    FBehindReturn = true;
+  }
+
+  std::array<char, SectionMarker.size()> FLine;
+  std::size_t FLength = 0;
+  bool FBlanks = false;   // stand behind what is kept
+  bool FTooMuch = false;  // for any marker
+  bool FBehindReturn = false;
+  int FSections = 0, FEnds = 0;
+};
+
+/// Hands everything from Position on to Use, block by block. Canceled: raises EAbort.
+template <typename TUse>
+void ForEachBlock(TStream& Stream, std::int64_t Position, const std::function<bool()>& Canceled, TUse Use) {
+  const auto Block = std::make_unique<char[]>(BlockSize);
+  Stream.SetPosition(Position);
+  for (;;) {
+    if (Canceled && Canceled()) throw EAbort("Cancelled while a file was repaired");
+    const std::size_t Got = Stream.Read(Block.get(), BlockSize);
+    if (Got == 0) return;
+    Use(std::string_view(Block.get(), Got));
+  }
+}
+
+/// Whether it is the file's structure that is at fault, and not the disk under it.
+bool IsStructureFault(const std::exception& Decorated) {
+  try {
+    std::rethrow_if_nested(Decorated);
+  } catch (const EEIError&) {
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+  return false;
+}
+
+bool WasNeverFinished(TEIFile& File, const std::function<bool()>& Canceled) {
+  TMarkerWatch Watch;
+  ForEachBlock(File.Stream(), File.UnreadPosition(), Canceled, [&](std::string_view Block) { Watch.Take(Block); });
+  Watch.Finish();
+  return Watch.Sections() == 1 && Watch.Ends() == 0;
+}
+
+/// Where a last line begins that is a piece of what stands in front of a section's header; -1: there is none.
+std::int64_t UnfinishedMarker(TStream& Stream) {
+  const std::int64_t Size = Stream.Size();
+  std::array<char, SectionMarker.size() - 1 + 2> Tail;
+  const auto Count = static_cast<std::size_t>(std::min<std::int64_t>(Size, Tail.size()));
+  Stream.SetPosition(Size - static_cast<std::int64_t>(Count));
+  const std::string_view Text(Tail.data(), Stream.Read(Tail.data(), Count));
+  if (Text.empty()) return -1;
+  if (Text.size() == static_cast<std::size_t>(Size) && ByteOrderMark.starts_with(Text) && Text != ByteOrderMark)
+    return 0;
+  const std::size_t At = Text.rfind('[');
+  if (At == std::string_view::npos || !SectionMarker.starts_with(Text.substr(At)) || Text.substr(At) == SectionMarker)
+    return -1;
+  const std::string_view Before = Text.substr(0, At);
+  const std::int64_t Position = Size - static_cast<std::int64_t>(Text.size() - At);
+  return Position == 0 || Before.ends_with('\r') || Before.ends_with("\r\n") ? Position : -1;
+}
+
+/// Opens the file for writing and finds where it has to be cut; -1: nowhere.
+std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled, std::string& Fault) {
+  try {
+    OpenPlainly(File);
+  } catch (const EEIError& Error) {
+    if (File.UnreadPosition() < 0 || !IsStructureFault(Error)) throw;
+    if (!WasNeverFinished(File, Canceled))
+      throw EEIError(
+          Format("This is no unfinished section at the end of the file, so that cutting can not mend it; "
+                 "nothing was changed. %s",
+                 Error.what()));
+    Fault = Error.what();
+    return File.UnreadPosition();
+  }
+  return UnfinishedMarker(File.Stream());
+}
+
+/// Whether a file holds exactly the bytes of the other from Position on.
+bool HoldsTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::int64_t Position,
+               const std::function<bool()>& Canceled) {
+  if (IsPipe(Name)) return false;
+  std::unique_ptr<TFile> Held;
+  try {
+    Held = Files.Open(Name, TFileMode::Read);
+  } catch (const EFOpenError&) {
+    return false;  // not ours then
+  }
+  if (Held->Size() != File.Stream().Size() - Position) return false;
+  std::string Same(BlockSize, '\0');
+  std::int64_t At = 0;
+  bool Result = true;
+  ForEachBlock(File.Stream(), Position, Canceled, [&](std::string_view Block) {
+    Result = Result && std::string_view(Same.data(), Held->ReadAt(At, Same.data(), Block.size())) == Block;
+    At += static_cast<std::int64_t>(Block.size());
+  });
+  return Result;
+}
+
+void RemoveQuietly(TFileSystem& Files, const std::string& Name) {
+  try {
+    Files.Remove(Name);
+  } catch (const std::exception& Error) {
+    // The error on its way out is the one to tell.
+    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Error.what());
+  }
+}
+
+/// FILE.cut, FILE.cut-2 ...: the first that is free, or that holds the bytes from Position on already: a repair that
+/// was killed before it shortened the file has left them there.
+std::string CutName(TFileSystem& Files, TEIFile& File, std::int64_t Position, const std::function<bool()>& Canceled) {
+  const std::string First = File.FileName() + ".cut";
+  std::string Name = First;
+  for (int Number = 2; Files.Exists(Name) && !HoldsTail(Files, Name, File, Position, Canceled); ++Number)
+    Name = Format("%s-%d", First, Number);
+  return Name;
+}
+
+/// Puts the bytes from Position on into a file of that name, safely on the disk.
+void SaveTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::int64_t Position,
+              const std::function<bool()>& Canceled) {
+  TFileBeside Beside(Files, File.FileName());
+  const std::unique_ptr<TFile> Tail = Files.Open(Beside.Path(), TFileMode::ReadWrite);
+  std::int64_t Written = 0;
+  ForEachBlock(File.Stream(), Position, Canceled, [&](std::string_view Block) {
+    Tail->WriteAt(Written, Block);
+    Written += static_cast<std::int64_t>(Block.size());
+  });
+  Tail->Sync();
+  Beside.PutAt(Name);
+}
+
+}  // namespace
+
+TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std::function<bool()>& Canceled) {
+  TEIFile File(Files);
+  File.SetFileName(Path);
+  TSectionRepair Result;
+  Result.Position = OpenAndFindCut(File, Canceled, Result.Fault);
+  Result.SectionsLeft = File.Sections().Count();
+  RemoveLeftBeside(Files, Path);
+  if (Result.Position < 0) return Result;
+  Result.Bytes = File.Stream().Size() - Result.Position;
+  const std::string CutFile = CutName(Files, File, Result.Position, Canceled);
+  const bool IsThere = Files.Exists(CutFile);
+  if (!IsThere) SaveTail(Files, CutFile, File, Result.Position, Canceled);
+  try {
+    File.Stream().SetSize(Result.Position);
+  } catch (...) {
+    if (!IsThere) RemoveQuietly(Files, CutFile);
+    throw;
+  }
+  try {
+    File.Sync();
+  } catch (const EStreamError& Error) {
+    throw EWriteError(Format("%s; what was cut off is in '%s'", Error.what(), CutFile));
+  }
+  Result.CutFile = CutFile;
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,126 @@
+#include "jobs/files/Spool.h"
+
+#include <poll.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <vector>
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::size_t BlockSize = 256 * 1024;
+constexpr int PollMilliseconds = 100;
+
+std::string Reason(int Error) { return std::generic_category().message(Error); }
+
+/// Waits until the descriptor can be used, for as long as nobody cancels.
+void WaitFor(int Descriptor, short Events, const TSpool::TCanceled& Canceled) {
+  for (;;) {
+    if (Canceled && Canceled()) throw EAbort("Cancelled while waiting for a pipe");
+    struct pollfd Poll = {Descriptor, Events, 0};
+    const int Ready = poll(&Poll, 1, PollMilliseconds);
+    if (Ready > 0) return;
+    // What cannot be polled tells its trouble when it is used.
+    if (Ready < 0 && errno != EINTR) return;
+  }
+}
+
+/// The one file of a spool, lent.
+class TLentFile final : public TFile {
+ public:
+  explicit TLentFile(TFile& File) : FFile(File) {}
+  std::size_t ReadAt(std::int64_t Position, char* Buffer, std::size_t Count) override {
+    return FFile.ReadAt(Position, Buffer, Count);
+  }
+  void WriteAt(std::int64_t Position, std::string_view Data) override { FFile.WriteAt(Position, Data); }
+  std::int64_t Size() override { return FFile.Size(); }
+  void SetSize(std::int64_t Size) override { FFile.SetSize(Size); }
+  void Sync() override {}  // nobody can find it after a crash
+
+ private:
+  TFile& FFile;
+};
+
+/// A new, empty file under a name of its own.
+std::string MakeTemporaryFile() {
+  const char* Folder = getenv("TMPDIR");
+  std::string Path = Folder && *Folder ? Folder : "/tmp";
+  Path += "/velkrund-XXXXXX";
+  const int Descriptor = mkstemp(Path.data());
+  if (Descriptor < 0)
+    throw EFCreateError(
+        Format("Can not create a temporary file '%s': %s. TMPDIR names the folder to use", Path, Reason(errno)));
+  close(Descriptor);
+  return Path;
+}
+
+}  // namespace
+
+TSpool::TSpool(TFileSystem& Files) {
+  const std::string Path = MakeTemporaryFile();
+  try {
+    FFile = Files.Open(Path, TFileMode::ReadWrite);
+  } catch (...) {
+    unlink(Path.c_str());
+    throw;
+  }
+  Files.Remove(Path);
+}
+
+TSpool::~TSpool() = default;
+
+void TSpool::FillFrom(int Descriptor, const std::string& Name, const TCanceled& Canceled) {
+  std::vector<char> Block(BlockSize);
+  std::int64_t Position = FFile->Size();
+  for (;;) {
+    WaitFor(Descriptor, POLLIN, Canceled);
+    const ssize_t Got = read(Descriptor, Block.data(), Block.size());
+    if (Got == 0) return;
+    if (Got > 0) {
+      FFile->WriteAt(Position, {Block.data(), static_cast<std::size_t>(Got)});
+      Position += Got;
+    } else if (errno != EINTR && errno != EAGAIN) {
+      throw EReadError(Format("Can not read %s: %s", Name, Reason(errno)));
+    }
+  }
+}
+
+void TSpool::DrainTo(int Descriptor, const std::string& Name, const TCanceled& Canceled) {
+  std::vector<char> Block(BlockSize);
+  std::int64_t Position = 0;
+  while (const std::size_t Got = FFile->ReadAt(Position, Block.data(), Block.size())) {
+    WriteToDescriptor(Descriptor, {Block.data(), Got}, Name, Canceled);
+    Position += static_cast<std::int64_t>(Got);
+  }
+}
+
+std::unique_ptr<TFile> TSpool::Open(const std::string&, TFileMode) { return std::make_unique<TLentFile>(*FFile); }
+
+bool TSpool::Exists(const std::string&) { return true; }
+
+void TSpool::Replace(const std::string&, const std::string& To) {
+  throw EWriteError(Format("Can not replace '%s': it is a pipe", To));
+}
+
+void TSpool::Remove(const std::string& Path) { throw EWriteError(Format("Can not remove '%s': it is a pipe", Path)); }
+
+void WriteToDescriptor(int Descriptor, std::string_view Data, const std::string& Name,
+                       const TSpool::TCanceled& Canceled) {
+  while (!Data.empty()) {
+    WaitFor(Descriptor, POLLOUT, Canceled);
+    const ssize_t Put = write(Descriptor, Data.data(), Data.size());
+    if (Put >= 0)
+      Data.remove_prefix(static_cast<std::size_t>(Put));
+    else if (errno != EINTR && errno != EAGAIN)
+      throw EWriteError(Format("Can not write to %s: %s", Name, Reason(errno)));
+  }
+}
+
+}  // namespace velkrund

@@ -24,6 +24,7 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   TConnectOptions Options;
   Options.CreateMissing = FCreateMissing;
   Options.BusyTime = FBusyTime;
+  if (const TCodePage* CodePage = TCodePage::Find(FConfiguration.CodePage)) Options.CodePage = CodePage;
   Options.Canceled = FCanceled;
   Options.Trace = FTrace;
   std::string Address = Meant;

@@ -9,6 +9,7 @@
 
 #include "standalone/drivers/Connection.h"
 #include "standalone/drivers/DatabaseUrl.h"
+#include "velkrund/platform/ormtools/CodePage.h"
 
 namespace velkrund {
 
@@ -19,6 +20,8 @@ struct TConnectOptions {
   std::chrono::milliseconds BusyTime{10'000};
   /// What relative file names in a URL are relative to; empty: the current folder.
   std::string BaseFolder = {};
+  /// Of 8-bit texts; outlives the connection.
+  const TCodePage* CodePage = &TCodePage::Default();
   /// Asked while the engine lets its caller wait, by the thread that waits: true ends what is waited for, with EAbort.
   std::function<bool()> Canceled = {};
   /// Takes what the engine remarks on the way.

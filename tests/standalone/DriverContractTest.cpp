@@ -27,7 +27,7 @@ struct TConnected {
 
 struct TEngine {
   std::string Name;
-  std::function<TConnected(const TTemporaryFolder&)> Connect;
+  std::function<TConnected(const TTemporaryFolder&, TConnectOptions)> Connect;
   std::map<TKvKind, std::string> Types;        // words of CREATE TABLE
   std::map<std::string, std::string> ReadsAs;  // Shown of what was written: Shown of what comes back
   std::string GeneratedColumn;                 // declares G as A + 1
@@ -39,8 +39,9 @@ const std::vector<TEngine>& Engines() {
   static const std::vector<TEngine> Result = {
       {.Name = "sqlite",
        .Connect =
-           [](const TTemporaryFolder& Folder) {
-             auto Opened = TSQLiteDriver().Connect({"sqlite", Folder / "contract.db"}, {.CreateMissing = true});
+           [](const TTemporaryFolder& Folder, TConnectOptions Options) {
+             Options.CreateMissing = true;
+             auto Opened = TSQLiteDriver().Connect({"sqlite", Folder / "contract.db"}, Options);
              Opened->Execute("PRAGMA synchronous = OFF");
              return TConnected{nullptr, std::move(Opened)};
            },
@@ -58,9 +59,9 @@ const std::vector<TEngine>& Engines() {
        .GeneratedColumn = "G BIGINT AS (A + 1)"},
       {.Name = "postgresql",
        .Connect =
-           [](const TTemporaryFolder&) {
+           [](const TTemporaryFolder&, const TConnectOptions& Options) {
              auto Database = std::make_shared<TPostgreSQLDatabase>();
-             return TConnected{Database, TPostgreSQLDriver().Connect(*ParseDatabaseUrl(Database->Url()), {})};
+             return TConnected{Database, TPostgreSQLDriver().Connect(*ParseDatabaseUrl(Database->Url()), Options)};
            },
        .Types = {{TKvKind::Int64, "BIGINT"},
                  {TKvKind::Double, "DOUBLE PRECISION"},
@@ -84,7 +85,7 @@ class DriverContractTest : public testing::TestWithParam<TEngine> {
   TDriverTable Open(const std::string& Name) { return {*Connection, Connection->FindTable(Name).value(), true}; }
 
   TTemporaryFolder Folder;
-  TConnected Connected = GetParam().Connect(Folder);
+  TConnected Connected = GetParam().Connect(Folder, {});
   TConnection* const Connection = Connected.Connection.get();
 };
 
@@ -178,6 +179,24 @@ TEST_P(DriverContractTest, WhatTheEngineLacksIsRefusedWhatItHasComesBack) {
     EXPECT_EQ(Error, "no error");
     ASSERT_TRUE(Table.First());
     EXPECT_EQ(Shown(Table.FieldByName(Case.Column).Value()), Shown(Case.Value));
+  }
+}
+
+TEST_P(DriverContractTest, EightBitTextsAreOfTheConnectionsCodePage) {
+  const TKvVariant Value = Made([](TKvVariant& V) { V.SetText("\xB3", TKvKind::AnsiString); });
+  const TKvVariant* const Row[] = {&Value};
+  const int Columns[] = {0};
+  for (const auto& [Page, Text] : {std::pair(1250, "10 ł"), std::pair(1253, "10 ³")}) {
+    const TConnected Opened = GetParam().Connect(Folder, {.CodePage = TCodePage::Find(Page)});
+    TConnection& Other = *Opened.Connection;
+    Other.Execute("CREATE TABLE " + Other.QuoteName(Text) + " (S VARCHAR(9))");
+    const TTableDescription Table = Other.Describe(*Other.FindTable(Text));
+    const auto Appender = Other.OpenAppender(Table, Columns, {});
+    Appender->Append(Row);
+    Appender->Finish();
+    const std::string Insert = "INSERT INTO " + Other.SQLName(Table.Table) + " VALUES (";
+    Other.Execute(Insert + Other.ParameterMark(1) + ")", {&Value, 1});
+    EXPECT_THAT(Rows(Other, Text), ElementsAre(Text, Text));
   }
 }
 

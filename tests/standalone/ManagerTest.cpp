@@ -100,6 +100,19 @@ TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
             "EDatabaseError: No database is named, and there is no default database");
 }
 
+TEST_F(ManagerTest, EightBitTextsAreOfTheConfiguredCodePage) {
+  TConfiguration Central = Configured();
+  Central.CodePage = 1250;
+  TStandaloneManager Other(Central);
+  Other.Databases().SetDefaultDatabase("sqlite::memory:");
+  TKvVariant Value;
+  Value.SetText("\xB3", TKvKind::AnsiString);
+  const auto Answer = Other.Databases().Connection("").Query("SELECT ?1", {&Value, 1});
+  ASSERT_TRUE(Answer->Next());
+  Answer->Read(0, Value);
+  EXPECT_EQ(Shown(Value), "10 ł");
+}
+
 TEST_F(ManagerTest, DeleteIsAcceptedInBothSpellings) {
   for (const char* Statement : {"DELETE FROM T", "delete  *\r\n from T", " DELETE * FROM \"T\" WHERE N > 0"}) {
     Insert(1), Insert(2);

@@ -4,7 +4,6 @@
 
 #include "standalone/drivers/postgresql/CopyErrors.h"
 #include "standalone/drivers/postgresql/PostgreSQLSequences.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -53,7 +52,7 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTab
     FNames.push_back(Written.back().Info.Name);
   }
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Written);
-  for (const TPostgreSQLColumn& Column : Written) FEncoders.emplace_back(Column, Money, *WorkSettings().AnsiCodePage);
+  for (const TPostgreSQLColumn& Column : Written) FEncoders.emplace_back(Column, Money, Session.CodePage());
   TTableInfo Target = Table.Table;
   // Rows always go into the table itself.
   Target.HasHeirs = false;

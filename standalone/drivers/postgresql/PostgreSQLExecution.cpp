@@ -61,7 +61,7 @@ void TPostgreSQLSession::Send(std::string_view What, const std::string& Statemen
                               std::span<const TKvVariant> Parameters, TFormat Format) {
   if (Statement.find('\0') != std::string::npos)
     throw EDatabaseError(velkrund::Format("%s: it holds a character U+0000", What));
-  const TPostgreSQLParameters Texts(Parameters);
+  const TPostgreSQLParameters Texts(Parameters, *FCodePage);
   Prepare(What);
   FWait.Begin(true);
   if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),

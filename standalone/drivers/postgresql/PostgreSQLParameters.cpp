@@ -3,20 +3,19 @@
 #include <limits>
 
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
-TPostgreSQLParameters::TPostgreSQLParameters(std::span<const TKvVariant> Values) {
+TPostgreSQLParameters::TPostgreSQLParameters(std::span<const TKvVariant> Values, const TCodePage& CodePage) {
   // The texts are pointed to: they must not move.
   FTexts.reserve(Values.size());
   for (const TKvVariant& Value : Values) {
     const bool IsBytes = Value.Kind() == TKvKind::Bytes;
     std::string& Text = FTexts.emplace_back();
     if (Value.Kind() == TKvKind::AnsiChar || Value.Kind() == TKvKind::AnsiString)
-      WorkSettings().AnsiCodePage->Decode(Value.AsText(), Text);
+      CodePage.Decode(Value.AsText(), Text);
     else
       Value.AppendAsText(Text);
     if (!IsBytes && Text.find('\0') != std::string::npos)

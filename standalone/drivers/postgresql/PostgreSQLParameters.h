@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
@@ -12,8 +13,8 @@ namespace velkrund {
 /// bytes as such.
 class TPostgreSQLParameters {
  public:
-  /// Raises EDatabaseError for a value that the engine can not hold.
-  explicit TPostgreSQLParameters(std::span<const TKvVariant> Values);
+  /// CodePage: of 8-bit texts. Raises EDatabaseError for a value that the engine can not hold.
+  TPostgreSQLParameters(std::span<const TKvVariant> Values, const TCodePage& CodePage);
 
   int Count() const { return static_cast<int>(FValues.size()); }
   const unsigned* Types() const { return FTypes.data(); }

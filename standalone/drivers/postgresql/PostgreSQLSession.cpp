@@ -51,6 +51,7 @@ TPostgreSQLSession::TPostgreSQLSession(const std::string& ConnectionInfo, std::s
       FLockTimeout(
           std::to_string(std::clamp<std::chrono::milliseconds::rep>(Options.BusyTime.count(), 1, 1'000'000'000))),
       FTrace(Options.Trace),
+      FCodePage(Options.CodePage),
       FWait(Options.Canceled),
       FConnection(Connect(ConnectionInfo)) {
   if (!FConnection) throw EDatabaseError(About("open") + ": out of memory");

@@ -46,6 +46,8 @@ class TPostgreSQLSession {
   /// The schema in which names without one were looked for first when the connection was made; empty when there is
   /// none.
   const std::string& CurrentSchema() const { return FCurrentSchema; }
+  /// Of 8-bit texts.
+  const TCodePage& CodePage() const { return *FCodePage; }
 
   void Begin(std::string_view Level);
   void Commit();
@@ -110,6 +112,7 @@ class TPostgreSQLSession {
   std::string FShownName;
   std::string FLockTimeout;  // milliseconds
   std::function<void(TTraceLevel, const std::string&)> FTrace;
+  const TCodePage* FCodePage;
   TPostgreSQLWait FWait;
   std::unique_ptr<pg_conn, TFinish> FConnection;
   std::string FServerVersion;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -73,9 +72,8 @@ TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Ta
       Binders.emplace_back(Statement.Handle(), ++Place,
                            TSQLiteBinder::TColumn{.Affinity = AffinityOf(Column.DeclaredType, Traits.Strict),
                                                   .HoldsBytes = Column.Kind == TKvKind::Bytes,
-                                                  .IsRowNumber = Index == Traits.RowNumberColumn,
-                                                  .Wide = Traits.Wide},
-                           *WorkSettings().AnsiCodePage);
+                                                  .IsRowNumber = Index == Traits.RowNumberColumn},
+                           Traits.Texts);
     }
   }
 }

@@ -20,7 +20,7 @@ class TSQLiteAppender final : public TBulkAppender {
   /// What the engine knows about the table beyond its description.
   struct TTraits {
     bool Strict = false;
-    bool Wide = false;         // the database's encoding is UTF-16
+    TSQLiteTexts Texts;
     int RowNumberColumn = -1;  // index of the column that stands for the row number; -1: none
     bool OneByOne = false;     // what a row does can depend on the statement that it is part of
   };

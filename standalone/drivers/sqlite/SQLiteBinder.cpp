@@ -103,7 +103,7 @@ TSQLiteBinder::TRefusal TSQLiteBinder::BindCurrency(TCurrency Value) {
 TSQLiteBinder::TRefusal TSQLiteBinder::BindText(std::string_view Text) {
   if (FColumn.Affinity > TAffinity::Text && !Text.empty() && Text.front() <= '9' && IsNumberText(Text))
     return BindNumberText(Text);
-  if (FColumn.Wide && (FindMalformedUtf8(Text) != std::string_view::npos || HasLoneSurrogate(Text)))
+  if (FTexts.Wide && (FindMalformedUtf8(Text) != std::string_view::npos || HasLoneSurrogate(Text)))
     return "the text has characters that UTF-16 can not hold";
   return LendText(Text);
 }
@@ -134,7 +134,7 @@ TSQLiteBinder::TRefusal TSQLiteBinder::BindBytes(std::string_view Bytes) {
 TSQLiteBinder::TRefusal TSQLiteBinder::BindAnsi(std::string_view Bytes) {
   if (FColumn.HoldsBytes) return BindBytes(Bytes);
   FScratch.clear();
-  FCodePage->Decode(Bytes, FScratch);
+  FTexts.CodePage->Decode(Bytes, FScratch);
   return BindText(FScratch);
 }
 

@@ -10,6 +10,12 @@ struct sqlite3_stmt;
 
 namespace velkrund {
 
+/// What texts are in one database.
+struct TSQLiteTexts {
+  bool Wide = false;                                  // stored as UTF-16
+  const TCodePage* CodePage = &TCodePage::Default();  // of 8-bit ones; borrowed
+};
+
 /// Puts values into one place of a prepared statement so that the engine stores exactly them: what its conversions
 /// would change is refused. Bytes are lent, not copied: value and binder live until the statement has been reset.
 class TSQLiteBinder {
@@ -18,14 +24,13 @@ class TSQLiteBinder {
     TAffinity Affinity = TAffinity::None;
     bool HoldsBytes = false;   // 8-bit texts stay bytes
     bool IsRowNumber = false;  // the engine would put a number of its own in the place of NULL
-    bool Wide = false;         // texts are stored as UTF-16
   };
   /// Nothing: bound. Otherwise why the value can not be stored.
   using TRefusal = const char*;
 
-  /// Place: 1 for the first. CodePage: of 8-bit texts; outlives the binder.
-  TSQLiteBinder(sqlite3_stmt* Statement, int Place, const TColumn& Column, const TCodePage& CodePage)
-      : FStatement(Statement), FCodePage(&CodePage), FPlace(Place), FColumn(Column) {}
+  /// Place: 1 for the first.
+  TSQLiteBinder(sqlite3_stmt* Statement, int Place, const TColumn& Column, const TSQLiteTexts& Texts)
+      : FStatement(Statement), FPlace(Place), FColumn(Column), FTexts(Texts) {}
 
   TRefusal Bind(const TKvVariant& Value);
 
@@ -42,9 +47,9 @@ class TSQLiteBinder {
   TRefusal Result(int Code);
 
   sqlite3_stmt* FStatement;
-  const TCodePage* FCodePage;
   int FPlace;
   TColumn FColumn;
+  TSQLiteTexts FTexts;
   std::string FScratch;  // texts made here, lent to the engine
 };
 

@@ -30,7 +30,7 @@ void TSQLiteConnection::TClose::operator()(sqlite3* Database) const {
 }
 
 TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOptions& Options)
-    : FPath(Path), FWait(Options.BusyTime, Options.Canceled) {
+    : FPath(Path), FWait(Options.BusyTime, Options.Canceled), FTexts{.CodePage = Options.CodePage} {
   // Without write rights the engine falls back to reading.
   int Flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_READWRITE;
   if (Options.CreateMissing || Path == InMemory) Flags |= SQLITE_OPEN_CREATE;
@@ -84,7 +84,7 @@ void TSQLiteConnection::CheckReadable() {
   TSQLiteStatement Schema(FDatabase.get(), "SELECT count(*) FROM main.sqlite_schema", About("open"));
   Schema.Step();
   TSQLiteStatement Encoding(FDatabase.get(), "PRAGMA encoding", About("open"));
-  FWide = Encoding.Step() && Encoding.Text(0) != "UTF-8";
+  FTexts.Wide = Encoding.Step() && Encoding.Text(0) != "UTF-8";
 }
 
 /// What is written into a file that has lost its name would be lost with it.
@@ -124,7 +124,7 @@ void TSQLiteConnection::Rollback() {
 std::string TSQLiteConnection::QuoteName(std::string_view Name) const { return QuoteSQLiteName(Name); }
 
 std::unique_ptr<TCursor> TSQLiteConnection::OpenCursor(const TTableDescription& Table, std::span<const int> Columns) {
-  return std::make_unique<TSQLiteCursor>(FDatabase.get(), Table, Columns, FWide);
+  return std::make_unique<TSQLiteCursor>(FDatabase.get(), Table, Columns, FTexts.Wide);
 }
 
 }  // namespace velkrund

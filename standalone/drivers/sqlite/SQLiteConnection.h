@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/sqlite/SQLiteBinder.h"
 #include "standalone/drivers/sqlite/SQLiteWait.h"
 
 struct sqlite3;
@@ -67,7 +68,7 @@ class TSQLiteConnection final : public TConnection {
   bool FIsNew = false;  // the file was not there before
   std::unique_ptr<sqlite3, TClose> FDatabase;
   TCapabilities FCapabilities;
-  bool FWide = false;  // the database's encoding is UTF-16
+  TSQLiteTexts FTexts;
 };
 
 }  // namespace velkrund

@@ -7,7 +7,6 @@
 #include "standalone/drivers/sqlite/SQLiteBinder.h"
 #include "standalone/drivers/sqlite/SQLiteConnection.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -19,7 +18,8 @@ constexpr const char* What = "Can not execute a statement";
 /// One statement with its parameters, ready to be stepped through.
 class TExecution {
  public:
-  TExecution(sqlite3* Database, const std::string& Text, std::span<const TKvVariant> Parameters, bool Wide)
+  TExecution(sqlite3* Database, const std::string& Text, std::span<const TKvVariant> Parameters,
+             const TSQLiteTexts& Texts)
       : FStatement(Database, Text, What) {
     CheckSingle(Database, Text);
     const int Places = sqlite3_bind_parameter_count(FStatement.Handle());
@@ -29,8 +29,7 @@ class TExecution {
     FBinders.reserve(Parameters.size());
     for (const TKvVariant& Value : Parameters) {
       const int Place = static_cast<int>(FBinders.size()) + 1;
-      FBinders.emplace_back(FStatement.Handle(), Place, TSQLiteBinder::TColumn{.Wide = Wide},
-                            *WorkSettings().AnsiCodePage);
+      FBinders.emplace_back(FStatement.Handle(), Place, TSQLiteBinder::TColumn{}, Texts);
       if (const TSQLiteBinder::TRefusal Refusal = FBinders.back().Bind(Value))
         throw EDatabaseError(Format("%s, parameter %d: %s", What, Place, Refusal));
     }
@@ -54,8 +53,11 @@ class TExecution {
 
 class TQueryCursor final : public TCursor {
  public:
-  TQueryCursor(sqlite3* Database, const std::string& Text, std::span<const TKvVariant> Parameters, bool Wide)
-      : FParameters(Parameters.begin(), Parameters.end()), FExecution(Database, Text, FParameters, Wide), FWide(Wide) {}
+  TQueryCursor(sqlite3* Database, const std::string& Text, std::span<const TKvVariant> Parameters,
+               const TSQLiteTexts& Texts)
+      : FParameters(Parameters.begin(), Parameters.end()),
+        FExecution(Database, Text, FParameters, Texts),
+        FWide(Texts.Wide) {}
 
   bool Next() override { return FExecution.Statement().Step(); }
   void Read(int Column, TKvVariant& Value) override {
@@ -71,7 +73,7 @@ class TQueryCursor final : public TCursor {
 }  // namespace
 
 std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
-  TExecution Execution(FDatabase.get(), Statement, Parameters, FWide);
+  TExecution Execution(FDatabase.get(), Statement, Parameters, FTexts);
   const std::int64_t Before = sqlite3_total_changes(FDatabase.get());
   while (Execution.Statement().Step()) {
   }
@@ -81,7 +83,7 @@ std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<
 
 std::unique_ptr<TCursor> TSQLiteConnection::Query(const std::string& Statement,
                                                   std::span<const TKvVariant> Parameters) {
-  return std::make_unique<TQueryCursor>(FDatabase.get(), Statement, Parameters, FWide);
+  return std::make_unique<TQueryCursor>(FDatabase.get(), Statement, Parameters, FTexts);
 }
 
 }  // namespace velkrund

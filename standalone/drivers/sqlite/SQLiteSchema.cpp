@@ -121,7 +121,7 @@ std::unique_ptr<TBulkAppender> TSQLiteConnection::OpenAppender(const TTableDescr
   if (Table.Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
   if (FCapabilities.ReadOnly) throw EDatabaseError(What + ": the database is opened for reading only");
   TSQLiteAppender::TTraits Traits;
-  Traits.Wide = FWide;
+  Traits.Texts = FTexts;
   TSQLiteStatement Info(FDatabase.get(), "SELECT strict, wr FROM pragma_table_list(?1) WHERE schema = 'main'", What);
   if (!Info.BindText(1, Table.Table.Name).Step()) throw EDatabaseError(What + ": the table does not exist");
   Traits.Strict = Info.Integer(0) != 0;

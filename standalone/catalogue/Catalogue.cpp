@@ -51,7 +51,7 @@ void TCatalogue::Make(const TCatalogueTable& Table) {
     TKvVariant Version;
     Version.SetInteger(CurrentVersion);
     FConnection.Execute(
-        Format("INSERT INTO %s (version) VALUES (%s)", VersionTable().Name, FConnection.ParameterMark(1)),
+        Format("INSERT INTO %s (version) VALUES (%s)", VersionTable().Name, FConnection.Dialect().ParameterMark(1)),
         {&Version, 1});
   }
   Create(Table);
@@ -60,8 +60,8 @@ void TCatalogue::Make(const TCatalogueTable& Table) {
 void TCatalogue::Create(const TCatalogueTable& Table) {
   std::string Statement = Format("CREATE TABLE %s (", Table.Name);
   for (const TCatalogueTable::TColumn& Column : Table.Columns)
-    Statement +=
-        Format("%s %s%s, ", Column.Name, FConnection.ColumnType(Column.Kind), Column.Nullable ? "" : " NOT NULL");
+    Statement += Format("%s %s%s, ", Column.Name, FConnection.Dialect().ColumnType(Column.Kind),
+                        Column.Nullable ? "" : " NOT NULL");
   try {
     FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
   } catch (const EDatabaseError& Error) {

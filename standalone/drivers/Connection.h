@@ -10,6 +10,7 @@
 
 #include "standalone/drivers/BulkAppender.h"
 #include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/Schema.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 
@@ -41,6 +42,8 @@ class TConnection {
   virtual const TCapabilities& Capabilities() const = 0;
   virtual std::string EngineName() const = 0;
   virtual std::string EngineVersion() const = 0;
+  /// The connection's own, as long as it lives.
+  virtual const TDialect& Dialect() const = 0;
 
   /// Transactions do not nest here. After a failed Commit the caller rolls back; some engines have done so by then.
   virtual void Begin(TIsolationLevel Level) = 0;
@@ -76,15 +79,6 @@ class TConnection {
 
   /// Whether there is a catalogue table of that name, which begins with CataloguePrefix.
   virtual bool HasCatalogueTable(const std::string& Name) = 0;
-
-  /// What marks the place of a parameter in SQL. Number: from 1.
-  virtual std::string ParameterMark(int Number) const = 0;
-  /// The type of a column that holds every value of a kind. Kind: Int64, String or Bytes.
-  virtual std::string ColumnType(TKvKind Kind) const = 0;
-  /// A name as it stands in SQL.
-  virtual std::string QuoteName(std::string_view Name) const = 0;
-  /// A table's quoted name, with its schema where needed.
-  virtual std::string SQLName(const TTableInfo& Table) const = 0;
 
   /// Columns: indexes into the description's columns, in any order. Rows come in the table's own order.
   virtual std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) = 0;

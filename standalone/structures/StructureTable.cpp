@@ -52,8 +52,8 @@ TDSPListItem TakeItem(TCursor& Rows) {
 }
 
 /// Which row a structure is: with the marks of the first two parameters.
-std::string WhereIdentity(const TConnection& Connection) {
-  return Format(" WHERE object_type = %s AND name_key = %s", Connection.ParameterMark(1), Connection.ParameterMark(2));
+std::string WhereIdentity(const TDialect& Dialect) {
+  return Format(" WHERE object_type = %s AND name_key = %s", Dialect.ParameterMark(1), Dialect.ParameterMark(2));
 }
 
 }  // namespace
@@ -68,8 +68,8 @@ std::unique_ptr<TCursor> TStructureTable::Select(const char* Columns, const std:
   if (!TCatalogue(Connection).Has(Structures())) return nullptr;
   const std::string Key = LowerCase(ObjectName);
   const TKvVariant Identity[] = {Number(ObjectType), Text(Key)};
-  auto Rows =
-      Connection.Query(Format("SELECT %s FROM %s%s", Columns, Structures().Name, WhereIdentity(Connection)), Identity);
+  auto Rows = Connection.Query(
+      Format("SELECT %s FROM %s%s", Columns, Structures().Name, WhereIdentity(Connection.Dialect())), Identity);
   if (!Rows->Next()) return nullptr;
   return Rows;
 }
@@ -105,24 +105,25 @@ void TStructureTable::WriteTree(const std::string& ObjectName, int ObjectType, s
 void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const std::vector<TSetting>& Settings) {
   TTransaction Transaction(FDatabaseName);
   TConnection& Connection = FConnect();
+  const TDialect& Dialect = Connection.Dialect();
   TCatalogue(Connection).Make(Structures());
   const std::string Key = LowerCase(ObjectName);
   std::vector<TKvVariant> Parameters = {Number(ObjectType), Text(Key)};
   std::string Changes, Columns, Marks;
   for (const TSetting& Setting : Settings) {
     Parameters.push_back(Setting.Value);
-    const std::string Mark = Connection.ParameterMark(static_cast<int>(Parameters.size()));
+    const std::string Mark = Dialect.ParameterMark(static_cast<int>(Parameters.size()));
     Changes += Format("%s%s = %s", Changes.empty() ? "" : ", ", Setting.Column, Mark);
     Columns += Format(", %s", Setting.Column);
     Marks += ", " + Mark;
   }
   const std::string Table = Structures().Name;
-  if (Connection.Execute("UPDATE " + Table + " SET " + Changes + WhereIdentity(Connection), Parameters) == 0) {
+  if (Connection.Execute("UPDATE " + Table + " SET " + Changes + WhereIdentity(Dialect), Parameters) == 0) {
     Parameters.push_back(Text(ObjectName));
     const int Last = static_cast<int>(Parameters.size());
     Connection.Execute(
         Format("INSERT INTO %s (object_type, name_key%s, object_name) VALUES (%s, %s%s, %s)", Table, Columns,
-               Connection.ParameterMark(1), Connection.ParameterMark(2), Marks, Connection.ParameterMark(Last)),
+               Dialect.ParameterMark(1), Dialect.ParameterMark(2), Marks, Dialect.ParameterMark(Last)),
         Parameters);
   }
   Transaction.Commit();
@@ -152,7 +153,8 @@ bool TStructureTable::DeleteStructure(const std::string& ObjectName, int ObjectT
   const std::string Key = LowerCase(ObjectName);
   const TKvVariant Identity[] = {Number(ObjectType), Text(Key)};
   const bool Found =
-      Connection.Execute(Format("DELETE FROM %s", Structures().Name) + WhereIdentity(Connection), Identity) > 0;
+      Connection.Execute(Format("DELETE FROM %s", Structures().Name) + WhereIdentity(Connection.Dialect()), Identity) >
+      0;
   Transaction.Commit();
   return Found;
 }

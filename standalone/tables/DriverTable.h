@@ -19,7 +19,7 @@ class TDriverTable final : public TODBCTable {
   ~TDriverTable() override;
 
   const std::string& TableName() const override { return FName; }
-  std::string SQLName() const override { return FConnection.SQLName(FDescription.Table); }
+  std::string SQLName() const override { return FConnection.Dialect().SQLName(FDescription.Table); }
   TRecord& Record() override;
 
   std::int64_t RecordCount() override { return FConnection.RowCount(FDescription.Table); }

@@ -189,13 +189,13 @@ TEST_P(DriverContractTest, EightBitTextsAreOfTheConnectionsCodePage) {
   for (const auto& [Page, Text] : {std::pair(1250, "10 ł"), std::pair(1253, "10 ³")}) {
     const TConnected Opened = GetParam().Connect(Folder, {.CodePage = TCodePage::Find(Page)});
     TConnection& Other = *Opened.Connection;
-    Other.Execute("CREATE TABLE " + Other.QuoteName(Text) + " (S VARCHAR(9))");
+    Other.Execute("CREATE TABLE " + Other.Dialect().QuoteName(Text) + " (S VARCHAR(9))");
     const TTableDescription Table = Other.Describe(*Other.FindTable(Text));
     const auto Appender = Other.OpenAppender(Table, Columns, {});
     Appender->Append(Row);
     Appender->Finish();
-    const std::string Insert = "INSERT INTO " + Other.SQLName(Table.Table) + " VALUES (";
-    Other.Execute(Insert + Other.ParameterMark(1) + ")", {&Value, 1});
+    const std::string Insert = "INSERT INTO " + Other.Dialect().SQLName(Table.Table) + " VALUES (";
+    Other.Execute(Insert + Other.Dialect().ParameterMark(1) + ")", {&Value, 1});
     EXPECT_THAT(Rows(Other, Text), ElementsAre(Text, Text));
   }
 }
@@ -313,26 +313,28 @@ TEST_P(DriverContractTest, NamesOfEveryKindAreQuoted) {
   for (const std::string Name :
        {"select", "a\"b", "x'; DROP TABLE Y; --", "Заказы", " blanks ", "[brackets]", "%s", "a.b", "tables"}) {
     SCOPED_TRACE(Name);
-    Run("CREATE TABLE " + Connection->QuoteName(Name) + " (" + Connection->QuoteName(Name) + " BIGINT)");
+    Run("CREATE TABLE " + Connection->Dialect().QuoteName(Name) + " (" + Connection->Dialect().QuoteName(Name) +
+        " BIGINT)");
     TDriverTable Table = Open(Name);
     EXPECT_EQ(Table.TableName(), Name);
     Table.BeginAppend();
     Table.FieldByName(Name).Buffer().SetInteger(5);
     Table.AppendRecord();
     Table.EndAppend();
-    EXPECT_EQ(Connection->Execute("UPDATE " + Table.SQLName() + " SET " + Connection->QuoteName(Name) + " = 6"), 1);
+    EXPECT_EQ(
+        Connection->Execute("UPDATE " + Table.SQLName() + " SET " + Connection->Dialect().QuoteName(Name) + " = 6"), 1);
     EXPECT_THAT(Rows(*Connection, Name), ElementsAre("18 6"));
   }
 }
 
 TEST_P(DriverContractTest, TablesAreFoundIgnoringCaseExactNameFirst) {
-  Run("CREATE TABLE " + Connection->QuoteName("Орёл") + " (N BIGINT)");
-  Run("CREATE TABLE " + Connection->QuoteName("ОРЁЛ") + " (N BIGINT)");
-  Run("CREATE TABLE " + Connection->QuoteName(std::string(CataloguePrefix) + "own") + " (N BIGINT)");
+  Run("CREATE TABLE " + Connection->Dialect().QuoteName("Орёл") + " (N BIGINT)");
+  Run("CREATE TABLE " + Connection->Dialect().QuoteName("ОРЁЛ") + " (N BIGINT)");
+  Run("CREATE TABLE " + Connection->Dialect().QuoteName(std::string(CataloguePrefix) + "own") + " (N BIGINT)");
   EXPECT_EQ(Connection->FindTable("Орёл")->Name, "Орёл");
   EXPECT_EQ(Connection->FindTable("ОРЁЛ")->Name, "ОРЁЛ");
   EXPECT_THAT(ErrorOf([&] { Connection->FindTable("орёл"); }), AllOf(HasSubstr("\"Орёл\""), HasSubstr("\"ОРЁЛ\"")));
-  Run("DROP TABLE " + Connection->QuoteName("ОРЁЛ"));
+  Run("DROP TABLE " + Connection->Dialect().QuoteName("ОРЁЛ"));
   EXPECT_EQ(Connection->FindTable("орёл")->Name, "Орёл");
   EXPECT_FALSE(Connection->FindTable("орел"));
   EXPECT_FALSE(Connection->FindTable("velkrund_OWN"));
@@ -368,7 +370,7 @@ TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
   Run("CREATE TABLE T (A BIGINT, B VARCHAR(20))");
   const TKvVariant Values[] = {Made([](TKvVariant& V) { V.SetInteger(5); }),
                                Made([](TKvVariant& V) { V.SetText("x'); --"); })};
-  const std::string Marks = Connection->ParameterMark(1) + ", " + Connection->ParameterMark(2);
+  const std::string Marks = Connection->Dialect().ParameterMark(1) + ", " + Connection->Dialect().ParameterMark(2);
   EXPECT_EQ(Connection->Execute("INSERT INTO T VALUES (" + Marks + ")", Values), 1);
   EXPECT_THAT(Rows(*Connection, "T"), ElementsAre("18 5|10 x'); --"));
   EXPECT_EQ(Connection->Execute("CREATE TABLE U (A BIGINT)"), 0);
@@ -379,12 +381,13 @@ TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
 
 TEST_P(DriverContractTest, CatalogueTablesAreAskedButNotSeen) {
   EXPECT_FALSE(Connection->HasCatalogueTable("velkrund_t"));
-  Run("CREATE TABLE velkrund_t (n " + Connection->ColumnType(TKvKind::Int64) + ", t " +
-      Connection->ColumnType(TKvKind::String) + ", b " + Connection->ColumnType(TKvKind::Bytes) + ")");
+  Run("CREATE TABLE velkrund_t (n " + Connection->Dialect().ColumnType(TKvKind::Int64) + ", t " +
+      Connection->Dialect().ColumnType(TKvKind::String) + ", b " + Connection->Dialect().ColumnType(TKvKind::Bytes) +
+      ")");
   const TKvVariant Values[] = {Made([](TKvVariant& V) { V.SetInteger(INT64_MIN); }),
                                Made([](TKvVariant& V) { V.SetText("Ж'"); }),
                                Made([](TKvVariant& V) { V.SetBytes(std::string_view("\0\xFF", 2)); })};
-  const auto Mark = [&](int Number) { return Connection->ParameterMark(Number); };
+  const auto Mark = [&](int Number) { return Connection->Dialect().ParameterMark(Number); };
   // The marks carry numbers, so that their order is free.
   Connection->Execute("INSERT INTO velkrund_t (b, t, n) VALUES (" + Mark(3) + ", " + Mark(2) + ", " + Mark(1) + ")",
                       Values);

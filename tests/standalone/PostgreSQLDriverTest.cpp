@@ -198,7 +198,7 @@ TEST_F(PostgreSQLDriverTest, TablesOfAllSchemasAreKnownByTheirNames) {
       "CREATE SCHEMA a; CREATE SCHEMA \"a.b\"; CREATE TABLE a.\"b.c\" (x integer); CREATE TABLE \"a.b\".c (y integer)");
   EXPECT_THAT(Names(), testing::UnorderedElementsAre("t", "m", "My Own.t", "My Own.u", "a.b.c", "a.b.c"));
   EXPECT_EQ(Open("My Own.t").Record().Fields(0).Name(), "a");
-  EXPECT_EQ(Open("MY OWN.T").SQLName(), "\"My Own\".\"t\"");
+  EXPECT_EQ(Open("MY OWN.T").TableName(), "My Own.t");
   EXPECT_EQ(Open("t").Record().Fields(0).Name(), "b");
   EXPECT_FALSE(Connection->FindTable("w"));
   EXPECT_THAT(ErrorOf([&] { Connection->FindTable("a.b.c"); }),

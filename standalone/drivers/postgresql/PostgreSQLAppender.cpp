@@ -18,7 +18,7 @@ constexpr std::size_t MaxPieceSize = std::size_t{4} << 20U;
 std::string InsertText(const std::string& Table, const std::vector<std::string>& Names) {
   if (Names.empty()) return "INSERT INTO " + Table + " DEFAULT VALUES";
   std::string Text = "COPY " + Table + " (";
-  for (const std::string& Name : Names) Text += QuotePostgreSQLName(Name) + ", ";
+  for (const std::string& Name : Names) Text += QuoteStandardName(Name) + ", ";
   Text.resize(Text.size() - 2);
   return Text + ") FROM STDIN";
 }
@@ -53,10 +53,7 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTab
   }
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Written);
   for (const TPostgreSQLColumn& Column : Written) FEncoders.emplace_back(Column, Money, Session.CodePage());
-  TTableInfo Target = Table.Table;
-  // Rows always go into the table itself.
-  Target.HasHeirs = false;
-  FStatement = InsertText(PostgreSQLName(Target, Session.CurrentSchema()), FNames);
+  FStatement = InsertText(Session.Dialect().QualifiedName(Table.Table), FNames);
 }
 
 TPostgreSQLAppender::~TPostgreSQLAppender() { Abandon(); }

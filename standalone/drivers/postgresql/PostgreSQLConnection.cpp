@@ -2,7 +2,6 @@
 
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
-#include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 
 namespace velkrund {
 namespace {
@@ -52,10 +51,6 @@ std::int64_t TPostgreSQLConnection::Execute(const std::string& Statement, std::s
 std::unique_ptr<TCursor> TPostgreSQLConnection::Query(const std::string& Statement,
                                                       std::span<const TKvVariant> Parameters) {
   return std::make_unique<TPostgreSQLQueryCursor>(FSession, Statement, Parameters);
-}
-
-std::string TPostgreSQLConnection::SQLName(const TTableInfo& Table) const {
-  return PostgreSQLName(Table, FSession.CurrentSchema());
 }
 
 std::unique_ptr<TCursor> TPostgreSQLConnection::OpenCursor(const TTableDescription& Table,

@@ -16,6 +16,7 @@ class TPostgreSQLConnection final : public TConnection {
   const TCapabilities& Capabilities() const override { return FCapabilities; }
   std::string EngineName() const override { return "PostgreSQL"; }
   std::string EngineVersion() const override { return FSession.ServerVersion(); }
+  const TDialect& Dialect() const override { return FSession.Dialect(); }
 
   void Begin(TIsolationLevel Level) override;
   void BeginReading() override;
@@ -35,11 +36,6 @@ class TPostgreSQLConnection final : public TConnection {
   std::vector<TForeignKey> ForeignKeys() override;
 
   bool HasCatalogueTable(const std::string& Name) override;
-
-  std::string ParameterMark(int Number) const override { return "$" + std::to_string(Number); }
-  std::string ColumnType(TKvKind Kind) const override;
-  std::string QuoteName(std::string_view Name) const override { return QuotePostgreSQLName(Name); }
-  std::string SQLName(const TTableInfo& Table) const override;
 
   std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) override;
   std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,

@@ -6,31 +6,29 @@ namespace velkrund {
 namespace {
 
 std::string SelectText(const TTableDescription& Table, const std::vector<TPostgreSQLColumn>& Columns,
-                       const std::string& CurrentSchema) {
+                       const TPostgreSQLDialect& Dialect) {
   std::string Text = "SELECT ";
   for (const TPostgreSQLColumn& Column : Columns) {
-    const std::string Name = "T." + QuotePostgreSQLName(Column.Info.Name);
+    const std::string Name = "T." + QuoteStandardName(Column.Info.Name);
     // A cast would not do: that of inet adds a mask.
     Text += Column.OutputFunction.empty() ? Name : "pg_catalog.textin(" + Column.OutputFunction + "(" + Name + "))";
     Text += ", ";
   }
   if (!Columns.empty()) Text.resize(Text.size() - 2);
-  return Text + " FROM " + PostgreSQLName(Table.Table, CurrentSchema) + " AS T";
+  return Text + " FROM " + Dialect.SQLName(Table.Table) + " AS T";
 }
 
 /// COPY reads a table itself faster than a question about it.
 std::string CopyText(const TTableDescription& Table, const TPostgreSQLTable& Known,
-                     const std::vector<TPostgreSQLColumn>& Columns, const std::string& CurrentSchema) {
+                     const std::vector<TPostgreSQLColumn>& Columns, const TPostgreSQLDialect& Dialect) {
   bool Plain = Known.Kind == 'r' && !Columns.empty();
   std::string Names;
   for (const TPostgreSQLColumn& Column : Columns) {
     Plain = Plain && Column.OutputFunction.empty() && !Column.Info.Generated;
-    Names += (Names.empty() ? "" : ", ") + QuotePostgreSQLName(Column.Info.Name);
+    Names += (Names.empty() ? "" : ", ") + QuoteStandardName(Column.Info.Name);
   }
-  if (!Plain) return "COPY (" + SelectText(Table, Columns, CurrentSchema) + ") TO STDOUT (FORMAT binary)";
-  TTableInfo OwnRows = Table.Table;
-  OwnRows.HasHeirs = false;
-  return "COPY " + PostgreSQLName(OwnRows, CurrentSchema) + " (" + Names + ") TO STDOUT (FORMAT binary)";
+  if (!Plain) return "COPY (" + SelectText(Table, Columns, Dialect) + ") TO STDOUT (FORMAT binary)";
+  return "COPY " + Dialect.QualifiedName(Table.Table) + " (" + Names + ") TO STDOUT (FORMAT binary)";
 }
 
 }  // namespace
@@ -53,10 +51,10 @@ std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Asked);
   for (const TPostgreSQLColumn& Column : Asked) Source.Decoders.emplace_back(Column, Money);
   if (Reading == TPostgreSQLReading::InBatches) {
-    Source.Statement = SelectText(Table, Asked, Session.CurrentSchema());
+    Source.Statement = SelectText(Table, Asked, Session.Dialect());
     return std::make_unique<TPostgreSQLFetchCursor>(std::move(Source));
   }
-  Source.Statement = CopyText(Table, Known, Asked, Session.CurrentSchema());
+  Source.Statement = CopyText(Table, Known, Asked, Session.Dialect());
   return std::make_unique<TPostgreSQLCopyCursor>(std::move(Source));
 }
 

@@ -23,7 +23,7 @@ std::vector<TForeignKey> TPostgreSQLConnection::ForeignKeys() {
   const TPostgreSQLResult Rows = FSession.Query("Can not list the foreign keys", CatalogueStatement(KeysStatement));
   const auto TableAt = [&](int Row, int Column) {
     std::string Schema = Rows.Copy(Row, Column + 1);
-    if (Schema == FSession.CurrentSchema()) Schema.clear();
+    if (Schema == FSession.Dialect().CurrentSchema()) Schema.clear();
     return TTableInfo{Rows.Copy(Row, Column), std::move(Schema), TTableKind::Table, Rows.Boolean(Row, Column + 2)};
   };
   std::vector<TForeignKey> Result;

@@ -96,13 +96,4 @@ std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection
 
 std::string PostgreSQLNoticeText(const pg_result* Notice) { return OneLine(PQresultErrorMessage(Notice)); }
 
-std::string QuotePostgreSQLName(std::string_view Name) {
-  std::string Result = "\"";
-  for (const char C : Name) {
-    if (C == '"') Result += '"';
-    Result += C;
-  }
-  return Result += '"';
-}
-
 }  // namespace velkrund

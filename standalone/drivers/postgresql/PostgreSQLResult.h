@@ -51,7 +51,4 @@ std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection
 /// What the server remarks on the way, with its severity, on one line.
 std::string PostgreSQLNoticeText(const pg_result* Notice);
 
-/// A name between double quotes, inner ones doubled.
-std::string QuotePostgreSQLName(std::string_view Name);
-
 }  // namespace velkrund

@@ -45,13 +45,13 @@ struct TPostgreSQLConnection::TCandidate {
 std::vector<TPostgreSQLConnection::TCandidate> TPostgreSQLConnection::Candidates(const std::string& What,
                                                                                  const std::string& Name) {
   const TPostgreSQLResult Rows =
-      FSession.Query(What, TablesStatement(), {FSession.CurrentSchema().c_str(), Name.c_str()});
+      FSession.Query(What, TablesStatement(), {FSession.Dialect().CurrentSchema().c_str(), Name.c_str()});
   std::vector<TCandidate> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     std::string Schema = Rows.Copy(Row, 1);
     TCandidate Found;
     Found.Qualified = Schema + "." + Rows.Copy(Row, 0);
-    if (Schema == FSession.CurrentSchema()) Schema.clear();
+    if (Schema == FSession.Dialect().CurrentSchema()) Schema.clear();
     Found.Info = {Rows.Copy(Row, 0), std::move(Schema), KindOfTable(Rows.Text(Row, 2).front()), Rows.Boolean(Row, 3)};
     Found.IsPartition = Rows.Boolean(Row, 4);
     Found.PathPlace = Rows.Integer(Row, 5);
@@ -91,7 +91,7 @@ std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name
     if (Best.empty()) return std::nullopt;
     if (Best.size() == 1) return Best.front()->Info;
     std::string Names;
-    for (const TCandidate* Candidate : Best) Names += (Names.empty() ? "" : ", ") + SQLName(Candidate->Info);
+    for (const TCandidate* Candidate : Best) Names += (Names.empty() ? "" : ", ") + Dialect().SQLName(Candidate->Info);
     throw EDatabaseError(Format("%s: several go by that name: %s%s", What, Names, Advice));
   };
 
@@ -113,16 +113,14 @@ TTableDescription TPostgreSQLConnection::Describe(const TTableInfo& Table) {
 std::int64_t TPostgreSQLConnection::RowCount(const TTableInfo& Table) {
   return FSession
       .Query(Format("Can not count the rows of table '%s'", FullName(Table)),
-             "SELECT pg_catalog.count(*) FROM " + SQLName(Table))
+             "SELECT pg_catalog.count(*) FROM " + Dialect().SQLName(Table))
       .Integer(0, 0);
 }
 
 std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& Table) {
   if (Table.Kind != TTableKind::Table) return std::nullopt;
   // A partitioned table keeps nothing itself. The function takes the names as a statement would.
-  TTableInfo Whole = Table;
-  Whole.HasHeirs = false;
-  const std::string Name = SQLName(Whole);
+  const std::string Name = FSession.Dialect().QualifiedName(Table);
   return FSession
       .Query(Format("Can not measure table '%s'", FullName(Table)),
              "SELECT coalesce(pg_catalog.sum(pg_catalog.pg_total_relation_size(t.relid)), 0) "
@@ -134,18 +132,13 @@ std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& 
 
 bool TPostgreSQLConnection::HasCatalogueTable(const std::string& Name) {
   // A view of that name would run whatever its maker has put into it.
-  const std::string Quoted = QuoteName(Name);
+  const std::string Quoted = QuoteStandardName(Name);
   return FSession
       .Query(Format("Can not look for table '%s'", Name),
              CatalogueStatement("SELECT EXISTS (SELECT FROM pg_catalog.pg_class c WHERE c.relkind = 'r' "
                                 "AND c.oid = pg_catalog.to_regclass($1::pg_catalog.text))"),
              {Quoted.c_str()})
       .Boolean(0, 0);
-}
-
-std::string TPostgreSQLConnection::ColumnType(TKvKind Kind) const {
-  if (Kind == TKvKind::Bytes) return "bytea";
-  return Kind == TKvKind::String ? "text" : "bigint";
 }
 
 }  // namespace velkrund

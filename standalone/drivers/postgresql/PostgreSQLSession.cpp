@@ -77,7 +77,7 @@ void TPostgreSQLSession::SetUp() {
     throw EDatabaseError(About("open") + ": the server is older than version 12");
   const TPostgreSQLResult Result = Run(SetUpStatement, {FLockTimeout.c_str()}, TFormat::Text);
   if (Result.IsError()) Raise(About("open"), Result);
-  FCurrentSchema = Result.Copy(0, CurrentSchemaColumn);
+  FDialect = TPostgreSQLDialect(Result.Copy(0, CurrentSchemaColumn));
   const std::string_view Version = Result.Text(0, ServerVersionColumn);
   FServerVersion = Version.substr(0, Version.find(' '));
   FReadOnly = Result.Boolean(0, ReadOnlyColumn);
@@ -132,7 +132,7 @@ void TPostgreSQLSession::Prepare(std::string_view What) {
   if (FStream) FStream->GiveWay(What);
   CheckAlive(What);
   for (const std::string& Name : std::exchange(FToClose, {})) {
-    const std::string Statement = "CLOSE " + QuotePostgreSQLName(Name);
+    const std::string Statement = "CLOSE " + QuoteStandardName(Name);
     // In a transaction that has failed the server refuses it; the cursor is gone with the transaction.
     if (PQtransactionStatus(Handle()) == PQTRANS_INTRANS) Run(Statement, {}, TFormat::Text);
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/postgresql/PostgreSQLDialect.h"
 #include "standalone/drivers/postgresql/PostgreSQLResult.h"
 #include "standalone/drivers/postgresql/PostgreSQLWait.h"
 #include "velkrund/platform/ormtools/Variant.h"
@@ -43,9 +44,8 @@ class TPostgreSQLSession {
   pg_conn* Handle() const { return FConnection.get(); }
   const std::string& ServerVersion() const { return FServerVersion; }
   bool ReadOnly() const { return FReadOnly; }
-  /// The schema in which names without one were looked for first when the connection was made; empty when there is
-  /// none.
-  const std::string& CurrentSchema() const { return FCurrentSchema; }
+  /// Its current schema is the one in which names without one were looked for first when the connection was made.
+  const TPostgreSQLDialect& Dialect() const { return FDialect; }
   /// Of 8-bit texts.
   const TCodePage& CodePage() const { return *FCodePage; }
 
@@ -116,7 +116,7 @@ class TPostgreSQLSession {
   TPostgreSQLWait FWait;
   std::unique_ptr<pg_conn, TFinish> FConnection;
   std::string FServerVersion;
-  std::string FCurrentSchema;
+  TPostgreSQLDialect FDialect;
   bool FReadOnly = false;
   bool FTransactionOpen = false;  // as the server last said; stays when the connection is lost
   std::int64_t FTransactionNumber = 0;

@@ -138,13 +138,8 @@ TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid) {
   return Result;
 }
 
-std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSchema) {
-  return (Table.HasHeirs ? "ONLY " : "") + QuotePostgreSQLName(Table.Schema.empty() ? CurrentSchema : Table.Schema) +
-         "." + QuotePostgreSQLName(Table.Name);
-}
-
 TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What) {
-  const std::string& Schema = Table.Schema.empty() ? Session.CurrentSchema() : Table.Schema;
+  const std::string& Schema = Session.Dialect().SchemaOf(Table);
   const TPostgreSQLResult Rows = Session.Query(What, TableStatement(), {Schema.c_str(), Table.Name.c_str()});
   if (Rows.RowCount() == 0)
     throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)));

@@ -55,9 +55,6 @@ struct TPostgreSQLTable {
   bool IsMaterializedView() const { return Kind == 'm'; }
 };
 
-/// The table between quotes, with its schema, and ONLY where rows of other tables would come along.
-std::string PostgreSQLName(const TTableInfo& Table, const std::string& CurrentSchema);
-
 /// Reads a table from the catalogue. Raises EDatabaseError when it is not there. What begins messages.
 TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "standalone/drivers/Dialect.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -24,12 +25,12 @@ constexpr std::size_t MostHeldBytes = 4'096;
 
 std::string InsertText(const TTableDescription& Table, std::span<const int> Columns, std::size_t Rows) {
   // ABORT, so that no conflict clause of the table drops or replaces rows without a word.
-  std::string Text = "INSERT OR ABORT INTO main." + QuoteSQLiteName(Table.Table.Name);
+  std::string Text = "INSERT OR ABORT INTO main." + QuoteStandardName(Table.Table.Name);
   if (Columns.empty()) return Text + " DEFAULT VALUES";
   std::string Places = "(";
   Text += " (";
   for (const int Column : Columns) {
-    Text += QuoteSQLiteName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
+    Text += QuoteStandardName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
     Places += "?, ";
   }
   Text.resize(Text.size() - 2);

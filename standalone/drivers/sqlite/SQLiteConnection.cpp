@@ -121,8 +121,6 @@ void TSQLiteConnection::Rollback() {
     Run(FDatabase.get(), "ROLLBACK", About("roll the transaction back in"));
 }
 
-std::string TSQLiteConnection::QuoteName(std::string_view Name) const { return QuoteSQLiteName(Name); }
-
 std::unique_ptr<TCursor> TSQLiteConnection::OpenCursor(const TTableDescription& Table, std::span<const int> Columns) {
   return std::make_unique<TSQLiteCursor>(FDatabase.get(), Table, Columns, FTexts.Wide);
 }

@@ -4,6 +4,7 @@
 
 #include "standalone/drivers/Driver.h"
 #include "standalone/drivers/sqlite/SQLiteBinder.h"
+#include "standalone/drivers/sqlite/SQLiteDialect.h"
 #include "standalone/drivers/sqlite/SQLiteWait.h"
 
 struct sqlite3;
@@ -21,6 +22,7 @@ class TSQLiteConnection final : public TConnection {
   const TCapabilities& Capabilities() const override { return FCapabilities; }
   std::string EngineName() const override { return "SQLite"; }
   std::string EngineVersion() const override;
+  const TDialect& Dialect() const override { return FDialect; }
 
   void Begin(TIsolationLevel Level) override;
   void BeginReading() override { Begin(TIsolationLevel::ReadCommitted); }
@@ -40,11 +42,6 @@ class TSQLiteConnection final : public TConnection {
   TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
 
   bool HasCatalogueTable(const std::string& Name) override;
-
-  std::string ParameterMark(int Number) const override { return "?" + std::to_string(Number); }
-  std::string ColumnType(TKvKind Kind) const override;
-  std::string QuoteName(std::string_view Name) const override;
-  std::string SQLName(const TTableInfo& Table) const override { return QuoteName(Table.Name); }
 
   std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) override;
   std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
@@ -68,6 +65,7 @@ class TSQLiteConnection final : public TConnection {
   bool FIsNew = false;  // the file was not there before
   std::unique_ptr<sqlite3, TClose> FDatabase;
   TCapabilities FCapabilities;
+  TSQLiteDialect FDialect;
   TSQLiteTexts FTexts;
 };
 

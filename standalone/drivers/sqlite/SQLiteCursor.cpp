@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "standalone/drivers/Dialect.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -14,10 +15,10 @@ std::string SelectText(const TTableDescription& Table, std::span<const int> Colu
   std::string Text = "SELECT ";
   // Without the alias the engine would take a quoted name that has vanished for a text between quotes.
   for (const int Column : Columns)
-    Text += "T." + QuoteSQLiteName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
+    Text += "T." + QuoteStandardName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
   if (Columns.empty()) Text += "NULL, ";
   Text.resize(Text.size() - 2);
-  Text += " FROM main." + QuoteSQLiteName(Table.Table.Name) + " AS T";
+  Text += " FROM main." + QuoteStandardName(Table.Table.Name) + " AS T";
   // An index that holds all columns would be walked in its own order.
   if (Table.Table.Kind == TTableKind::Table) Text += " NOT INDEXED";
   return Text;

@@ -56,7 +56,7 @@ std::optional<TTableInfo> TSQLiteConnection::FindTable(std::string_view Name) {
   if (Found.empty()) return std::nullopt;
   if (Found.size() > 1) {
     std::string All;
-    for (const std::string& One : Found) All += (All.empty() ? "" : ", ") + QuoteName(One);
+    for (const std::string& One : Found) All += (All.empty() ? "" : ", ") + QuoteStandardName(One);
     throw EDatabaseError(Format("%s: several go by that name: %s; name one in its own case", What, All));
   }
   TSQLiteStatement Info(FDatabase.get(), "SELECT type FROM pragma_table_list(?1) WHERE schema = 'main'", What);
@@ -87,7 +87,7 @@ TTableDescription TSQLiteConnection::Describe(const TTableInfo& Table) {
 }
 
 std::int64_t TSQLiteConnection::RowCount(const TTableInfo& Table) {
-  TSQLiteStatement Count(FDatabase.get(), "SELECT count(*) FROM main." + QuoteName(Table.Name),
+  TSQLiteStatement Count(FDatabase.get(), "SELECT count(*) FROM main." + QuoteStandardName(Table.Name),
                          Format("Can not count the rows of table '%s'", Table.Name));
   Count.Step();
   return Count.Integer(0);
@@ -107,11 +107,6 @@ bool TSQLiteConnection::HasCatalogueTable(const std::string& Name) {
   TSQLiteStatement Found(FDatabase.get(), "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1",
                          Format("Can not look for table '%s'", Name));
   return Found.BindText(1, Name).Step();
-}
-
-std::string TSQLiteConnection::ColumnType(TKvKind Kind) const {
-  if (Kind == TKvKind::Bytes) return "BLOB";
-  return Kind == TKvKind::String ? "TEXT" : "INTEGER";
 }
 
 std::unique_ptr<TBulkAppender> TSQLiteConnection::OpenAppender(const TTableDescription& Table,

@@ -37,15 +37,6 @@ void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view
   throw EDatabaseError(Message);
 }
 
-std::string QuoteSQLiteName(std::string_view Name) {
-  std::string Result = "\"";
-  for (const char C : Name) {
-    if (C == '"') Result += '"';
-    Result += C;
-  }
-  return Result += '"';
-}
-
 TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use)
     : FDatabase(Database), FWhat(std::move(What)) {
   const char* Rest = nullptr;

@@ -13,9 +13,6 @@ namespace velkrund {
 /// connection was told to stop.
 [[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view Statement = {});
 
-/// A name between double quotes, inner ones doubled.
-std::string QuoteSQLiteName(std::string_view Name);
-
 /// A prepared statement.
 class TSQLiteStatement {
  public:

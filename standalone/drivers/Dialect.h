@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "standalone/drivers/Schema.h"
+
+namespace velkrund {
+
+/// A name between double quotes, inner ones doubled, as standard SQL has it.
+std::string QuoteStandardName(std::string_view Name);
+
+/// The words that an engine's SQL has of its own. Text alone: needs neither the engine nor a connection.
+class TDialect {
+ public:
+  virtual ~TDialect() = default;
+
+  /// A name as it stands in SQL, whatever characters it is made of.
+  virtual std::string QuoteName(std::string_view Name) const = 0;
+  /// A table's quoted name, with its schema where needed.
+  virtual std::string SQLName(const TTableInfo& Table) const = 0;
+  /// What marks the place of a parameter. Number: from 1.
+  virtual std::string ParameterMark(int Number) const = 0;
+  /// The type of a column that holds every value of a kind. Kind: Int64, String or Bytes.
+  virtual std::string ColumnType(TKvKind Kind) const = 0;
+
+ protected:
+  // Dialects are values; only whole ones are copied.
+  TDialect() = default;
+  TDialect(const TDialect&) = default;
+  TDialect& operator=(const TDialect&) = default;
+};
+
+}  // namespace velkrund

@@ -22,7 +22,7 @@ TRelatedTables::TRelatedTables(const TSession& Session, TTableTargets& Targets)
     : FSession(Session),
       FTargets(Targets),
       FConnection(Session.Manager().Databases().Connection(Session.Database())),
-      FKeys(FConnection.ForeignKeys()) {
+      FKeys(FConnection.Schema().ForeignKeys()) {
   PutInOrder(Targets.Loaded());
   FRelated = std::any_of(FKeys.begin(), FKeys.end(), [this](const TForeignKey& Key) {
     return Ties(Key) && IsLoaded(Key.From) && IsLoaded(Key.To);
@@ -63,7 +63,7 @@ void TRelatedTables::CheckEmptying() const {
   for (const TForeignKey& Key : FKeys) {
     if (!Key.ActsOnDelete || !Ties(Key)) continue;
     if (!FTargets.Empties(FullName(Key.To)) || FTargets.Empties(FullName(Key.From))) continue;
-    if (const std::int64_t Rows = FConnection.RowCount(Key.From))
+    if (const std::int64_t Rows = FConnection.Schema().RowCount(Key.From))
       throw EDatabaseError(
           Format("Can not empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
                  "may refer to it. Load both with --replace in one run, or use --append",
@@ -112,7 +112,7 @@ void TRelatedTables::CountBroken() {
     if (!(IsLoaded(Key.From) || IsLoaded(Key.To)) || FBrokenBefore.contains(Name) || FUnchecked.contains(Name))
       continue;
     try {
-      FBrokenBefore.emplace(Name, FConnection.BrokenReferences(Key.From).Count);
+      FBrokenBefore.emplace(Name, FConnection.Schema().BrokenReferences(Key.From).Count);
     } catch (const EDatabaseError& Error) {
       // A key that the engine itself can not follow.
       FUnchecked.emplace(Name, Error.what());
@@ -122,7 +122,7 @@ void TRelatedTables::CountBroken() {
 
 void TRelatedTables::CheckBroken() const {
   for (const auto& [Name, Before] : FBrokenBefore) {
-    const TBrokenReferences After = FConnection.BrokenReferences({Name, {}});
+    const TBrokenReferences After = FConnection.Schema().BrokenReferences({Name, {}});
     if (After.Count <= Before) continue;
     throw EDatabaseError(Format(
         "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s refer to "

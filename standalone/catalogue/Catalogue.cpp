@@ -18,7 +18,7 @@ const TCatalogueTable& VersionTable() {
 }  // namespace
 
 std::optional<std::int64_t> TCatalogue::Version() {
-  if (!FConnection.HasCatalogueTable(VersionTable().Name)) return std::nullopt;
+  if (!FConnection.Schema().HasCatalogueTable(VersionTable().Name)) return std::nullopt;
   const auto Rows = FConnection.Query(Format("SELECT version FROM %s", VersionTable().Name));
   if (!Rows->Next()) return std::nullopt;
   TKvVariant Version;
@@ -37,14 +37,14 @@ void TCatalogue::CheckVersion() {
 }
 
 bool TCatalogue::Has(const TCatalogueTable& Table) {
-  if (!FConnection.HasCatalogueTable(Table.Name)) return false;
+  if (!FConnection.Schema().HasCatalogueTable(Table.Name)) return false;
   CheckVersion();
   return true;
 }
 
 void TCatalogue::Make(const TCatalogueTable& Table) {
   if (Has(Table)) return;
-  if (FConnection.HasCatalogueTable(VersionTable().Name)) {
+  if (FConnection.Schema().HasCatalogueTable(VersionTable().Name)) {
     CheckVersion();
   } else {
     Create(VersionTable());

@@ -67,7 +67,7 @@ TStandaloneManager::~TStandaloneManager() = default;
 std::unique_ptr<TTable> TStandaloneManager::GetUserTable(const std::string& TableName, const std::string& DatabaseName,
                                                          bool ReadWrite) {
   TConnection& Connection = FDatabases.Connection(DatabaseName);
-  const std::optional<TTableInfo> Info = Connection.FindTable(TableName);
+  const std::optional<TTableInfo> Info = Connection.Schema().FindTable(TableName);
   if (!Info) return nullptr;
   return std::make_unique<TDriverTable>(Connection, *Info, ReadWrite);
 }
@@ -113,7 +113,7 @@ void TStandaloneManager::ReportError(const std::exception& Error) noexcept {
 }
 
 std::vector<TTableInfo> TStandaloneManager::Tables(const std::string& DatabaseName) {
-  return FDatabases.Connection(DatabaseName).Tables();
+  return FDatabases.Connection(DatabaseName).Schema().Tables();
 }
 
 TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) {
@@ -123,12 +123,12 @@ TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) 
   Result.EngineVersion = Connection.EngineVersion();
   Result.ReadOnly = Connection.Capabilities().ReadOnly;
   Result.CatalogueVersion = TCatalogue(Connection).Version();
-  for (const TTableInfo& Table : Connection.Tables()) {
+  for (const TTableInfo& Table : Connection.Schema().Tables()) {
     TDatabaseInfo::TTableSize Size{Table, std::nullopt, std::nullopt, {}};
     try {
       if (Table.Kind == TTableKind::Table) {
-        Size.Rows = Connection.RowCount(Table);
-        Size.Bytes = Connection.TableBytes(Table);
+        Size.Rows = Connection.Schema().RowCount(Table);
+        Size.Bytes = Connection.Schema().TableBytes(Table);
       }
     } catch (const EDatabaseError& Error) {
       Size.Problem = Error.what();

@@ -2,16 +2,13 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
-#include <string_view>
-#include <vector>
 
-#include "standalone/drivers/BulkAppender.h"
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/Dialect.h"
-#include "standalone/drivers/Schema.h"
+#include "standalone/drivers/RowAccess.h"
+#include "standalone/drivers/SchemaReader.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 
 namespace velkrund {
@@ -42,8 +39,11 @@ class TConnection {
   virtual const TCapabilities& Capabilities() const = 0;
   virtual std::string EngineName() const = 0;
   virtual std::string EngineVersion() const = 0;
-  /// The connection's own, as long as it lives.
+
+  // The connection's own, as long as it lives.
   virtual const TDialect& Dialect() const = 0;
+  virtual TSchemaReader& Schema() = 0;
+  virtual TRowAccess& Rows() = 0;
 
   /// Transactions do not nest here. After a failed Commit the caller rolls back; some engines have done so by then.
   virtual void Begin(TIsolationLevel Level) = 0;
@@ -61,33 +61,6 @@ class TConnection {
   /// Executes one statement and returns the rows that it yields, whose cells are integers, texts, bytes or NULL. For
   /// answers that fit into memory, where the engine may keep them whole.
   virtual std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
-
-  /// The user's tables and views by name; neither the engine's own nor the platform's.
-  virtual std::vector<TTableInfo> Tables() = 0;
-  /// The table of that name (FullName), the exact one first, else the one that differs in case only. Several of either
-  /// are an error that names them.
-  virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
-  virtual TTableDescription Describe(const TTableInfo& Table) = 0;
-  virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
-  /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
-  virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
-
-  /// Those among the tables of users.
-  virtual std::vector<TForeignKey> ForeignKeys() = 0;
-  /// Of the foreign keys of that table; none where the engine enforces them.
-  virtual TBrokenReferences BrokenReferences(const TTableInfo& /*Table*/) { return {}; }
-
-  /// Whether there is a catalogue table of that name, which begins with CataloguePrefix.
-  virtual bool HasCatalogueTable(const std::string& Name) = 0;
-
-  /// Columns: indexes into the description's columns, in any order. Rows come in the table's own order.
-  virtual std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) = 0;
-  /// Columns that are not named get their default; generated ones must not be named. An error when Table takes no rows.
-  virtual std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
-                                                      const TAppendOptions& Options) = 0;
 };
-
-/// Names that begin so are the platform's own catalogue tables, which are no user tables.
-inline constexpr std::string_view CataloguePrefix = "velkrund_";
 
 }  // namespace velkrund

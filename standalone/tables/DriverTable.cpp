@@ -49,7 +49,7 @@ class TDriverTable::TDriverRecord final : public TRecord {
 
 TDriverTable::TDriverTable(TConnection& Connection, const TTableInfo& Table, bool ReadWrite)
     : FConnection(Connection),
-      FDescription(Connection.Describe(Table)),
+      FDescription(Connection.Schema().Describe(Table)),
       FName(FullName(Table)),
       FReadWrite(ReadWrite),
       FRecord(std::make_unique<TDriverRecord>(*this)) {}
@@ -62,7 +62,7 @@ bool TDriverTable::First() {
   FCursor.reset();
   std::vector<int> Columns(FDescription.Columns.size());
   std::iota(Columns.begin(), Columns.end(), 0);
-  FCursor = FConnection.OpenCursor(FDescription, Columns);
+  FCursor = FConnection.Rows().OpenCursor(FDescription, Columns);
   return Next();
 }
 
@@ -101,7 +101,7 @@ void TDriverTable::OpenAppender() {
     Columns.push_back(static_cast<int>(Index));
     FValues.push_back(&Field->BufferedValue());
   }
-  FAppender = FConnection.OpenAppender(FDescription, Columns, FAppendOptions);
+  FAppender = FConnection.Rows().OpenAppender(FDescription, Columns, FAppendOptions);
 }
 
 bool TDriverTable::AssignedAsBefore() const {

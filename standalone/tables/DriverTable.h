@@ -22,7 +22,7 @@ class TDriverTable final : public TODBCTable {
   std::string SQLName() const override { return FConnection.Dialect().SQLName(FDescription.Table); }
   TRecord& Record() override;
 
-  std::int64_t RecordCount() override { return FConnection.RowCount(FDescription.Table); }
+  std::int64_t RecordCount() override { return FConnection.Schema().RowCount(FDescription.Table); }
   bool First() override;
   bool Next() override;
 

@@ -82,7 +82,9 @@ class DriverContractTest : public testing::TestWithParam<TEngine> {
  protected:
   void Run(const std::string& Statement) { Connection->Execute(Statement); }
   std::string Type(TKvKind Kind) const { return GetParam().Types.at(Kind); }
-  TDriverTable Open(const std::string& Name) { return {*Connection, Connection->FindTable(Name).value(), true}; }
+  TDriverTable Open(const std::string& Name) {
+    return {*Connection, Connection->Schema().FindTable(Name).value(), true};
+  }
 
   TTemporaryFolder Folder;
   TConnected Connected = GetParam().Connect(Folder, {});
@@ -190,8 +192,8 @@ TEST_P(DriverContractTest, EightBitTextsAreOfTheConnectionsCodePage) {
     const TConnected Opened = GetParam().Connect(Folder, {.CodePage = TCodePage::Find(Page)});
     TConnection& Other = *Opened.Connection;
     Other.Execute("CREATE TABLE " + Other.Dialect().QuoteName(Text) + " (S VARCHAR(9))");
-    const TTableDescription Table = Other.Describe(*Other.FindTable(Text));
-    const auto Appender = Other.OpenAppender(Table, Columns, {});
+    const TTableDescription Table = Other.Schema().Describe(*Other.Schema().FindTable(Text));
+    const auto Appender = Other.Rows().OpenAppender(Table, Columns, {});
     Appender->Append(Row);
     Appender->Finish();
     const std::string Insert = "INSERT INTO " + Other.Dialect().SQLName(Table.Table) + " VALUES (";
@@ -245,13 +247,13 @@ TEST_P(DriverContractTest, TwoTablesAreFilledInTurn) {
 
 TEST_P(DriverContractTest, WhatIsLeftHalfWayLeavesTheConnectionInOrder) {
   Run("CREATE TABLE T (N BIGINT, S VARCHAR(1000))");
-  const TTableDescription Table = Connection->Describe(*Connection->FindTable("T"));
+  const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable("T"));
   const int Columns[] = {0, 1};
   const TKvVariant Number = Made([](TKvVariant& V) { V.SetInteger(1); });
   const TKvVariant Text = Made([](TKvVariant& V) { V.SetText(std::string(1000, 'x')); });
   const TKvVariant* const Row[] = {&Number, &Text};
   Connection->Begin(TIsolationLevel::RepeatableRead);
-  const auto Appender = Connection->OpenAppender(Table, Columns, {});
+  const auto Appender = Connection->Rows().OpenAppender(Table, Columns, {});
   for (int I = 0; I < 10'000; ++I) Appender->Append(Row);
   Appender->Finish();
   Connection->Commit();
@@ -259,13 +261,13 @@ TEST_P(DriverContractTest, WhatIsLeftHalfWayLeavesTheConnectionInOrder) {
     if (InTransaction) Connection->Begin(TIsolationLevel::RepeatableRead);
     TKvVariant Value;
     {
-      const auto Cursor = Connection->OpenCursor(Table, Columns);
+      const auto Cursor = Connection->Rows().OpenCursor(Table, Columns);
       ASSERT_TRUE(Cursor->Next());
       Cursor->Read(0, Value);
       EXPECT_TRUE(Value == Number);
     }
-    EXPECT_EQ(Connection->RowCount(Table.Table), 10'000);
-    Connection->OpenAppender(Table, Columns, {})->Append(Row);
+    EXPECT_EQ(Connection->Schema().RowCount(Table.Table), 10'000);
+    Connection->Rows().OpenAppender(Table, Columns, {})->Append(Row);
     EXPECT_EQ(Connection->Execute("UPDATE T SET S = NULL WHERE N = 2"), 0);
     if (InTransaction) Connection->Rollback();
   }
@@ -281,7 +283,7 @@ TEST_P(DriverContractTest, TransactionsEndAsAsked) {
   if (Connection->Capabilities().TransactionalSchema) Run("CREATE TABLE GONE (N BIGINT)");
   Connection->Rollback();
   EXPECT_THAT(Rows(*Connection, "T"), ElementsAre("18 1"));
-  EXPECT_FALSE(Connection->FindTable("GONE"));
+  EXPECT_FALSE(Connection->Schema().FindTable("GONE"));
   Connection->Rollback();
 }
 
@@ -331,14 +333,15 @@ TEST_P(DriverContractTest, TablesAreFoundIgnoringCaseExactNameFirst) {
   Run("CREATE TABLE " + Connection->Dialect().QuoteName("Орёл") + " (N BIGINT)");
   Run("CREATE TABLE " + Connection->Dialect().QuoteName("ОРЁЛ") + " (N BIGINT)");
   Run("CREATE TABLE " + Connection->Dialect().QuoteName(std::string(CataloguePrefix) + "own") + " (N BIGINT)");
-  EXPECT_EQ(Connection->FindTable("Орёл")->Name, "Орёл");
-  EXPECT_EQ(Connection->FindTable("ОРЁЛ")->Name, "ОРЁЛ");
-  EXPECT_THAT(ErrorOf([&] { Connection->FindTable("орёл"); }), AllOf(HasSubstr("\"Орёл\""), HasSubstr("\"ОРЁЛ\"")));
+  EXPECT_EQ(Connection->Schema().FindTable("Орёл")->Name, "Орёл");
+  EXPECT_EQ(Connection->Schema().FindTable("ОРЁЛ")->Name, "ОРЁЛ");
+  EXPECT_THAT(ErrorOf([&] { Connection->Schema().FindTable("орёл"); }),
+              AllOf(HasSubstr("\"Орёл\""), HasSubstr("\"ОРЁЛ\"")));
   Run("DROP TABLE " + Connection->Dialect().QuoteName("ОРЁЛ"));
-  EXPECT_EQ(Connection->FindTable("орёл")->Name, "Орёл");
-  EXPECT_FALSE(Connection->FindTable("орел"));
-  EXPECT_FALSE(Connection->FindTable("velkrund_OWN"));
-  EXPECT_EQ(Connection->Tables().size(), 1U);
+  EXPECT_EQ(Connection->Schema().FindTable("орёл")->Name, "Орёл");
+  EXPECT_FALSE(Connection->Schema().FindTable("орел"));
+  EXPECT_FALSE(Connection->Schema().FindTable("velkrund_OWN"));
+  EXPECT_EQ(Connection->Schema().Tables().size(), 1U);
 }
 
 TEST_P(DriverContractTest, AnEngineErrorNamesRecordAndColumnAndIsUndoneByRollingBack) {
@@ -358,12 +361,12 @@ TEST_P(DriverContractTest, AnEngineErrorNamesRecordAndColumnAndIsUndoneByRolling
   EXPECT_THAT(Error, HasSubstr("EDatabaseError: Can not append record 3 to table 'T'"));
   EXPECT_THAT(Error, HasSubstr("B"));
   Connection->Rollback();
-  EXPECT_EQ(Connection->RowCount(Table.Description().Table), 0);
+  EXPECT_EQ(Connection->Schema().RowCount(Table.Description().Table), 0);
   // The same table takes another append, and nothing that the failed one has left.
   Table.BeginAppend();
   Append(4, true);
   Table.EndAppend();
-  EXPECT_EQ(Connection->RowCount(Table.Description().Table), 1);
+  EXPECT_EQ(Connection->Schema().RowCount(Table.Description().Table), 1);
 }
 
 TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
@@ -380,7 +383,7 @@ TEST_P(DriverContractTest, StatementsTakeParametersOneStatementAtATime) {
 }
 
 TEST_P(DriverContractTest, CatalogueTablesAreAskedButNotSeen) {
-  EXPECT_FALSE(Connection->HasCatalogueTable("velkrund_t"));
+  EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_t"));
   Run("CREATE TABLE velkrund_t (n " + Connection->Dialect().ColumnType(TKvKind::Int64) + ", t " +
       Connection->Dialect().ColumnType(TKvKind::String) + ", b " + Connection->Dialect().ColumnType(TKvKind::Bytes) +
       ")");
@@ -392,9 +395,9 @@ TEST_P(DriverContractTest, CatalogueTablesAreAskedButNotSeen) {
   Connection->Execute("INSERT INTO velkrund_t (b, t, n) VALUES (" + Mark(3) + ", " + Mark(2) + ", " + Mark(1) + ")",
                       Values);
   Connection->Execute("INSERT INTO velkrund_t VALUES (1, NULL, NULL)");
-  EXPECT_TRUE(Connection->HasCatalogueTable("velkrund_t"));
-  EXPECT_FALSE(Connection->FindTable("velkrund_t"));
-  EXPECT_THAT(Connection->Tables(), testing::IsEmpty());
+  EXPECT_TRUE(Connection->Schema().HasCatalogueTable("velkrund_t"));
+  EXPECT_FALSE(Connection->Schema().FindTable("velkrund_t"));
+  EXPECT_THAT(Connection->Schema().Tables(), testing::IsEmpty());
 
   const std::string Question = "SELECT n, t, b FROM velkrund_t WHERE n = ";
   const auto Found = Connection->Query(Question + Mark(1), std::span(Values).first(1));
@@ -417,7 +420,7 @@ TEST_P(DriverContractTest, ViewsAreReadAndNotWritten) {
   Run("CREATE TABLE T (A BIGINT)");
   Run("INSERT INTO T VALUES (4)");
   Run("CREATE VIEW \"V\" AS SELECT A FROM T");
-  EXPECT_EQ(Connection->FindTable("v")->Kind, TTableKind::View);
+  EXPECT_EQ(Connection->Schema().FindTable("v")->Kind, TTableKind::View);
   EXPECT_THAT(Rows(*Connection, "V"), ElementsAre("18 4"));
   EXPECT_EQ(ErrorOf([&] { Open("V").BeginAppend(); }), "EDatabaseError: Can not append to table 'V': it is a view");
 }

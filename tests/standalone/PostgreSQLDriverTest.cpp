@@ -33,10 +33,12 @@ class PostgreSQLDriverTest : public testing::Test {
   void Set(const std::string& Setting) {
     Raw.Run("DO $do$ BEGIN EXECUTE format($q$ALTER DATABASE %I SET " + Setting + "$q$, current_database()); END $do$");
   }
-  TDriverTable Open(const std::string& Name) { return {*Connection, Connection->FindTable(Name).value(), true}; }
+  TDriverTable Open(const std::string& Name) {
+    return {*Connection, Connection->Schema().FindTable(Name).value(), true};
+  }
   std::vector<std::string> Names() {
     std::vector<std::string> Result;
-    for (const TTableInfo& Table : Connection->Tables())
+    for (const TTableInfo& Table : Connection->Schema().Tables())
       Result.push_back(TDriverTable(*Connection, Table, false).TableName());
     return Result;
   }
@@ -200,8 +202,8 @@ TEST_F(PostgreSQLDriverTest, TablesOfAllSchemasAreKnownByTheirNames) {
   EXPECT_EQ(Open("My Own.t").Record().Fields(0).Name(), "a");
   EXPECT_EQ(Open("MY OWN.T").TableName(), "My Own.t");
   EXPECT_EQ(Open("t").Record().Fields(0).Name(), "b");
-  EXPECT_FALSE(Connection->FindTable("w"));
-  EXPECT_THAT(ErrorOf([&] { Connection->FindTable("a.b.c"); }),
+  EXPECT_FALSE(Connection->Schema().FindTable("w"));
+  EXPECT_THAT(ErrorOf([&] { Connection->Schema().FindTable("a.b.c"); }),
               AllOf(HasSubstr(R"("a"."b.c")"), HasSubstr(R"("a.b"."c")")));
   EXPECT_THAT(ErrorOf([&] { Open("m").BeginAppend(); }), HasSubstr("view"));
   Set("search_path = \"My Own\", public");

@@ -28,7 +28,7 @@ class PostgreSQLRightsTest : public testing::Test {
   }
   std::string Append(const std::string& Name, std::int64_t Key) {
     return ErrorOf([&] {
-      TDriverTable Table(*Connection, Connection->FindTable(Name).value(), true);
+      TDriverTable Table(*Connection, Connection->Schema().FindTable(Name).value(), true);
       Table.SetCanRecreateAutoSequence(true);
       Table.BeginAppend();
       Table.Record().Fields(0).Buffer().SetInteger(Key);
@@ -69,14 +69,14 @@ TEST_F(PostgreSQLRightsTest, WhatOthersPlantOnTheSearchPathIsNeverRun) {
     Raw.Run("DO $do$ BEGIN EXECUTE pg_catalog.format($q$ALTER DATABASE %I SET search_path = " + std::string(Path) +
             "$q$, pg_catalog.current_database()); END $do$");
     Connect();
-    EXPECT_EQ(Connection->Tables().size(), 2U);
-    EXPECT_FALSE(Connection->FindTable("none"));
-    EXPECT_FALSE(Connection->HasCatalogueTable("velkrund_t"));
-    EXPECT_GT(Connection->TableBytes(*Connection->FindTable("P")), -1);
+    EXPECT_EQ(Connection->Schema().Tables().size(), 2U);
+    EXPECT_FALSE(Connection->Schema().FindTable("none"));
+    EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_t"));
+    EXPECT_GT(Connection->Schema().TableBytes(*Connection->Schema().FindTable("P")), -1);
     EXPECT_THAT(Rows(*Connection, "t"), ElementsAre("5 1|20 2|20 3|10 4 days"));
     Connection->Begin(TIsolationLevel::RepeatableRead);
     EXPECT_EQ(Append("t", 7), "no error");
-    EXPECT_EQ(Connection->RowCount(*Connection->FindTable("t")), 2);
+    EXPECT_EQ(Connection->Schema().RowCount(*Connection->Schema().FindTable("t")), 2);
     Connection->Rollback();
   }
 }

@@ -22,7 +22,9 @@ class SQLiteDriverTest : public testing::Test {
     return TSQLiteDriver().Connect({"sqlite", Path}, Options);
   }
   void Run(const std::string& Statement) { Connection->Execute(Statement); }
-  TDriverTable Open(const std::string& Name) { return {*Connection, Connection->FindTable(Name).value(), true}; }
+  TDriverTable Open(const std::string& Name) {
+    return {*Connection, Connection->Schema().FindTable(Name).value(), true};
+  }
 
   /// Appends one value to a new table (C DeclaredType); the error, or what is stored: "typeof value".
   std::string Store(const std::string& Definition, const std::function<void(TKvVariant&)>& Set) {
@@ -254,9 +256,9 @@ TEST_F(SQLiteDriverTest, RowsComeInRowOrderThoughAnIndexHoldsAllColumns) {
   Run("CREATE TABLE T (A INTEGER, PAD TEXT)");
   Run("CREATE INDEX I ON T (A)");
   for (const char* Value : {"3", "1", "2"}) Run(std::string("INSERT INTO T (A) VALUES (") + Value + ")");
-  const TTableDescription Table = Connection->Describe(*Connection->FindTable("T"));
+  const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable("T"));
   const int Columns[] = {0};
-  const auto Cursor = Connection->OpenCursor(Table, Columns);
+  const auto Cursor = Connection->Rows().OpenCursor(Table, Columns);
   std::vector<std::int64_t> Read;
   TKvVariant Value;
   while (Cursor->Next()) Cursor->Read(0, Value), Read.push_back(Value.AsInteger());
@@ -354,7 +356,7 @@ TEST_F(SQLiteDriverTest, WideDatabasesHoldTheSameTexts) {
   Wide->Execute("CREATE TABLE T (C TEXT, D DATE)");
   Wide = Connect(Folder / "wide.db");
   Wide->Execute("INSERT INTO T VALUES ('имя 🌸' || char(0) || 'b', '2024-02-29')");
-  TDriverTable Table(*Wide, *Wide->FindTable("T"), true);
+  TDriverTable Table(*Wide, *Wide->Schema().FindTable("T"), true);
   Table.BeginAppend();
   Table.FieldByName("C").Buffer().SetText(std::string_view("東\0京", 7));
   Table.AppendRecord();
@@ -439,7 +441,7 @@ TEST_F(SQLiteDriverTest, VirtualTablesAreOneTable) {
   Run("CREATE VIRTUAL TABLE F USING fts5(A, B)");
   Run("CREATE TABLE T (C INTEGER PRIMARY KEY AUTOINCREMENT)");
   std::vector<std::string> Names;
-  for (const TTableInfo& Table : Connection->Tables()) Names.push_back(Table.Name);
+  for (const TTableInfo& Table : Connection->Schema().Tables()) Names.push_back(Table.Name);
   EXPECT_THAT(Names, ElementsAre("F", "T"));
   TDriverTable Table = Open("f");
   EXPECT_EQ(Table.Record().FieldCount(), 2);
@@ -448,8 +450,8 @@ TEST_F(SQLiteDriverTest, VirtualTablesAreOneTable) {
   Table.AppendRecord();
   Table.EndAppend();
   EXPECT_THAT(Rows(*Connection, "F"), ElementsAre("10 one|0 "));
-  EXPECT_FALSE(Connection->TableBytes(Table.Description().Table));
-  EXPECT_GT(Connection->TableBytes(*Connection->FindTable("T")).value(), 0);
+  EXPECT_FALSE(Connection->Schema().TableBytes(Table.Description().Table));
+  EXPECT_GT(Connection->Schema().TableBytes(*Connection->Schema().FindTable("T")).value(), 0);
 }
 
 }  // namespace

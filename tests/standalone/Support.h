@@ -31,10 +31,10 @@ inline std::string Shown(const TKvVariant& Value) {
 
 /// The rows of a table, as Shown, cells separated by "|".
 inline std::vector<std::string> Rows(TConnection& Connection, const std::string& TableName) {
-  const TTableDescription Table = Connection.Describe(Connection.FindTable(TableName).value());
+  const TTableDescription Table = Connection.Schema().Describe(Connection.Schema().FindTable(TableName).value());
   std::vector<int> Columns;
   for (std::size_t I = 0; I < Table.Columns.size(); ++I) Columns.push_back(static_cast<int>(I));
-  const std::unique_ptr<TCursor> Cursor = Connection.OpenCursor(Table, Columns);
+  const std::unique_ptr<TCursor> Cursor = Connection.Rows().OpenCursor(Table, Columns);
   std::vector<std::string> Result;
   TKvVariant Value;
   while (Cursor->Next()) {

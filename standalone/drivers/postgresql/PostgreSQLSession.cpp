@@ -142,6 +142,13 @@ void TPostgreSQLSession::Begin(std::string_view Level) {
   const std::string What = About("start a transaction in");
   if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
   Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
+  FOnlyReads = false;
+}
+
+void TPostgreSQLSession::BeginReading() {
+  // Not READ ONLY: a view may call a function that writes, a log of who has read it for example.
+  Begin("REPEATABLE READ");
+  FOnlyReads = true;
 }
 
 void TPostgreSQLSession::Commit() {

@@ -49,10 +49,14 @@ class TPostgreSQLSession {
   /// Of 8-bit texts.
   const TCodePage& CodePage() const { return *FCodePage; }
 
+  /// Level: in the engine's words.
   void Begin(std::string_view Level);
+  void BeginReading();
   void Commit();
   void Rollback();
   bool InTransaction() const { return FTransactionOpen; }
+  /// Whether the last transaction was begun by BeginReading.
+  bool OnlyReads() const { return FOnlyReads; }
   /// Tells one transaction from those before and after it.
   std::int64_t TransactionNumber() const { return FTransactionNumber; }
 
@@ -119,6 +123,7 @@ class TPostgreSQLSession {
   TPostgreSQLDialect FDialect;
   bool FReadOnly = false;
   bool FTransactionOpen = false;  // as the server last said; stays when the connection is lost
+  bool FOnlyReads = false;
   std::int64_t FTransactionNumber = 0;
   std::int64_t FCursorNumber = 0;
   TPostgreSQLStream* FStream = nullptr;  // who holds the connection; borrowed

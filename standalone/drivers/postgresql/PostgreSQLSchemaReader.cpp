@@ -1,10 +1,10 @@
-// The schema half of TPostgreSQLConnection.
+#include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
 
 #include <algorithm>
 #include <array>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
-#include "standalone/drivers/postgresql/PostgreSQLConnection.h"
+#include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -26,6 +26,17 @@ std::string TablesStatement() {
       "ORDER BY n.nspname <> $1::pg_catalog.text, n.nspname, c.relname");
 }
 
+/// What acts on a deletion: cascade, set null, set default. The keys that a partition has from its table are that
+/// table's.
+constexpr const char* KeysStatement =
+    "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
+    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}') "
+    "FROM pg_catalog.pg_constraint k "
+    "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
+    "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
+    "WHERE k.contype = 'f' AND NOT (k.conparentid <> '0' AND f.relispartition) "
+    "ORDER BY fn.nspname, f.relname, k.conname";
+
 TTableKind KindOfTable(char Kind) {
   if (Kind == 'v' || Kind == 'm') return TTableKind::View;
   return Kind == 'f' ? TTableKind::Foreign : TTableKind::Table;
@@ -35,24 +46,27 @@ bool IsCatalogue(std::string_view Name) { return SameText(Name.substr(0, Catalog
 
 }  // namespace
 
-struct TPostgreSQLConnection::TCandidate {
+struct TPostgreSQLSchemaReader::TCandidate {
   TTableInfo Info;
   std::string Qualified;  // name behind its schema, also where the full name has none
   bool IsPartition;
   std::int64_t PathPlace;  // of its schema on the search path, from 1; 0: not on it
 };
 
-std::vector<TPostgreSQLConnection::TCandidate> TPostgreSQLConnection::Candidates(const std::string& What,
-                                                                                 const std::string& Name) {
+std::string TPostgreSQLSchemaReader::ShownSchema(std::string_view Schema) const {
+  return Schema == FSession.Dialect().CurrentSchema() ? std::string() : std::string(Schema);
+}
+
+std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::Candidates(const std::string& What,
+                                                                                     const std::string& Name) {
   const TPostgreSQLResult Rows =
       FSession.Query(What, TablesStatement(), {FSession.Dialect().CurrentSchema().c_str(), Name.c_str()});
   std::vector<TCandidate> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
-    std::string Schema = Rows.Copy(Row, 1);
     TCandidate Found;
-    Found.Qualified = Schema + "." + Rows.Copy(Row, 0);
-    if (Schema == FSession.Dialect().CurrentSchema()) Schema.clear();
-    Found.Info = {Rows.Copy(Row, 0), std::move(Schema), KindOfTable(Rows.Text(Row, 2).front()), Rows.Boolean(Row, 3)};
+    Found.Qualified = Rows.Copy(Row, 1) + "." + Rows.Copy(Row, 0);
+    Found.Info = {Rows.Copy(Row, 0), ShownSchema(Rows.Text(Row, 1)), KindOfTable(Rows.Text(Row, 2).front()),
+                  Rows.Boolean(Row, 3)};
     Found.IsPartition = Rows.Boolean(Row, 4);
     Found.PathPlace = Rows.Integer(Row, 5);
     if (!IsCatalogue(Found.Info.Name)) Result.push_back(std::move(Found));
@@ -60,14 +74,14 @@ std::vector<TPostgreSQLConnection::TCandidate> TPostgreSQLConnection::Candidates
   return Result;
 }
 
-std::vector<TTableInfo> TPostgreSQLConnection::Tables() {
+std::vector<TTableInfo> TPostgreSQLSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
   for (TCandidate& Found : Candidates("Can not list the tables", {}))
     if (!Found.IsPartition) Result.push_back(std::move(Found.Info));
   return Result;
 }
 
-std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name) {
+std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Name) {
   if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
   const std::string What = Format("Can not look for table '%s'", Name);
   constexpr int OnPath = 2;
@@ -91,7 +105,8 @@ std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name
     if (Best.empty()) return std::nullopt;
     if (Best.size() == 1) return Best.front()->Info;
     std::string Names;
-    for (const TCandidate* Candidate : Best) Names += (Names.empty() ? "" : ", ") + Dialect().SQLName(Candidate->Info);
+    for (const TCandidate* Candidate : Best)
+      Names += (Names.empty() ? "" : ", ") + FSession.Dialect().SQLName(Candidate->Info);
     throw EDatabaseError(Format("%s: several go by that name: %s%s", What, Names, Advice));
   };
 
@@ -102,7 +117,7 @@ std::optional<TTableInfo> TPostgreSQLConnection::FindTable(std::string_view Name
   return Only(Candidates(What, {}), IgnoringCase, "; name one in its own case");
 }
 
-TTableDescription TPostgreSQLConnection::Describe(const TTableInfo& Table) {
+TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
   TPostgreSQLTable Known =
       ReadPostgreSQLTable(FSession, Table, Format("Can not read the columns of table '%s'", FullName(Table)));
   TTableDescription Result{Table, {}};
@@ -110,14 +125,14 @@ TTableDescription TPostgreSQLConnection::Describe(const TTableInfo& Table) {
   return Result;
 }
 
-std::int64_t TPostgreSQLConnection::RowCount(const TTableInfo& Table) {
+std::int64_t TPostgreSQLSchemaReader::RowCount(const TTableInfo& Table) {
   return FSession
       .Query(Format("Can not count the rows of table '%s'", FullName(Table)),
-             "SELECT pg_catalog.count(*) FROM " + Dialect().SQLName(Table))
+             "SELECT pg_catalog.count(*) FROM " + FSession.Dialect().SQLName(Table))
       .Integer(0, 0);
 }
 
-std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& Table) {
+std::optional<std::int64_t> TPostgreSQLSchemaReader::TableBytes(const TTableInfo& Table) {
   if (Table.Kind != TTableKind::Table) return std::nullopt;
   // A partitioned table keeps nothing itself. The function takes the names as a statement would.
   const std::string Name = FSession.Dialect().QualifiedName(Table);
@@ -130,7 +145,7 @@ std::optional<std::int64_t> TPostgreSQLConnection::TableBytes(const TTableInfo& 
       .Integer(0, 0);
 }
 
-bool TPostgreSQLConnection::HasCatalogueTable(const std::string& Name) {
+bool TPostgreSQLSchemaReader::HasCatalogueTable(const std::string& Name) {
   // A view of that name would run whatever its maker has put into it.
   const std::string Quoted = QuoteStandardName(Name);
   return FSession
@@ -139,6 +154,18 @@ bool TPostgreSQLConnection::HasCatalogueTable(const std::string& Name) {
                                 "AND c.oid = pg_catalog.to_regclass($1::pg_catalog.text))"),
              {Quoted.c_str()})
       .Boolean(0, 0);
+}
+
+std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
+  const TPostgreSQLResult Rows = FSession.Query("Can not list the foreign keys", CatalogueStatement(KeysStatement));
+  const auto TableAt = [&](int Row, int Column) {
+    return TTableInfo{Rows.Copy(Row, Column), ShownSchema(Rows.Text(Row, Column + 1)), TTableKind::Table,
+                      Rows.Boolean(Row, Column + 2)};
+  };
+  std::vector<TForeignKey> Result;
+  for (int Row = 0; Row < Rows.RowCount(); ++Row)
+    Result.push_back({TableAt(Row, 0), TableAt(Row, 3), Rows.Boolean(Row, 6)});
+  return Result;
 }
 
 }  // namespace velkrund

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "standalone/drivers/BulkAppender.h"
+#include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/Schema.h"
+
+namespace velkrund {
+
+/// The way of rows out of tables and into them. Columns are indexes into the description's columns. Cursors and
+/// appenders are freed before the connection. Raises EDatabaseError.
+class TRowAccess {
+ public:
+  TRowAccess() = default;
+  TRowAccess(const TRowAccess&) = delete;
+  TRowAccess& operator=(const TRowAccess&) = delete;
+  virtual ~TRowAccess() = default;
+
+  /// Columns in any order. Rows come in the table's own order.
+  virtual std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) = 0;
+  /// Columns that are not named get their default; generated ones must not be named. An error when Table takes no rows.
+  virtual std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
+                                                      const TAppendOptions& Options) = 0;
+};
+
+}  // namespace velkrund

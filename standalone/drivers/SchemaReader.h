@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standalone/drivers/Schema.h"
+
+namespace velkrund {
+
+/// Names that begin so are the platform's own catalogue tables, which are no user tables.
+inline constexpr std::string_view CataloguePrefix = "velkrund_";
+
+/// What is in a database. Asks the engine every time: nothing is remembered. Raises EDatabaseError.
+class TSchemaReader {
+ public:
+  TSchemaReader() = default;
+  TSchemaReader(const TSchemaReader&) = delete;
+  TSchemaReader& operator=(const TSchemaReader&) = delete;
+  virtual ~TSchemaReader() = default;
+
+  /// The user's tables and views by name; neither the engine's own nor the platform's.
+  virtual std::vector<TTableInfo> Tables() = 0;
+  /// The table of that name (FullName), the exact one first, else the one that differs in case only. Several of either
+  /// are an error that names them.
+  virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
+  virtual TTableDescription Describe(const TTableInfo& Table) = 0;
+  virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
+  /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
+  virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
+
+  /// Those among the tables of users.
+  virtual std::vector<TForeignKey> ForeignKeys() = 0;
+  /// Of the foreign keys of that table; none where the engine enforces them.
+  virtual TBrokenReferences BrokenReferences(const TTableInfo& /*Table*/) { return {}; }
+
+  /// Whether there is a catalogue table of that name, which begins with CataloguePrefix.
+  virtual bool HasCatalogueTable(const std::string& Name) = 0;
+};
+
+}  // namespace velkrund

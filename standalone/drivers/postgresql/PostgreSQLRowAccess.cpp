@@ -1,0 +1,22 @@
+#include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
+
+#include "standalone/drivers/postgresql/PostgreSQLAppender.h"
+#include "standalone/drivers/postgresql/PostgreSQLCursor.h"
+
+namespace velkrund {
+
+std::unique_ptr<TCursor> TPostgreSQLRowAccess::OpenCursor(const TTableDescription& Table,
+                                                          std::span<const int> Columns) {
+  // A COPY is the quickest, but holds the connection.
+  const bool Whole = FSession.OnlyReads() || !FSession.InTransaction();
+  return OpenPostgreSQLCursor(FSession, Table, Columns,
+                              Whole ? TPostgreSQLReading::Copy : TPostgreSQLReading::InBatches);
+}
+
+std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDescription& Table,
+                                                                  std::span<const int> Columns,
+                                                                  const TAppendOptions& Options) {
+  return std::make_unique<TPostgreSQLAppender>(FSession, Table, Columns, Options);
+}
+
+}  // namespace velkrund

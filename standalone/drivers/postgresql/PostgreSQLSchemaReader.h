@@ -1,0 +1,36 @@
+#pragma once
+
+#include "standalone/drivers/SchemaReader.h"
+
+namespace velkrund {
+
+class TPostgreSQLSession;
+
+/// A table's schema is left out of its TTableInfo when it is the one in which names without a schema were looked for
+/// first when the connection was made. Tables of all schemas are known, except the engine's own and temporary ones.
+class TPostgreSQLSchemaReader final : public TSchemaReader {
+ public:
+  explicit TPostgreSQLSchemaReader(TPostgreSQLSession& Session) : FSession(Session) {}
+
+  std::vector<TTableInfo> Tables() override;
+  /// A name is a table's full name, else its name behind its schema, else the name of a table on the search path.
+  std::optional<TTableInfo> FindTable(std::string_view Name) override;
+  TTableDescription Describe(const TTableInfo& Table) override;
+  /// Without rows of tables that inherit from it; with those of partitions.
+  std::int64_t RowCount(const TTableInfo& Table) override;
+  std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
+
+  std::vector<TForeignKey> ForeignKeys() override;
+
+  bool HasCatalogueTable(const std::string& Name) override;
+
+ private:
+  struct TCandidate;
+
+  std::vector<TCandidate> Candidates(const std::string& What, const std::string& Name);
+  std::string ShownSchema(std::string_view Schema) const;
+
+  TPostgreSQLSession& FSession;
+};
+
+}  // namespace velkrund

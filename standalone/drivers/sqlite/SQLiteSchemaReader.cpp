@@ -1,0 +1,135 @@
+#include "standalone/drivers/sqlite/SQLiteSchemaReader.h"
+
+#include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/sqlite/SQLiteStatement.h"
+#include "standalone/drivers/sqlite/SQLiteTypes.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+namespace {
+
+// Values of the column "hidden" of PRAGMA table_xinfo.
+constexpr std::int64_t HiddenOfVirtualTable = 1;
+constexpr std::int64_t GeneratedVirtual = 2;
+constexpr std::int64_t GeneratedStored = 3;
+
+TTableKind KindOfTable(std::string_view Type) {
+  if (Type == "view") return TTableKind::View;
+  return Type == "virtual" ? TTableKind::Foreign : TTableKind::Table;
+}
+
+bool IsUserTable(std::string_view Name, std::string_view Type) {
+  const auto Begins = [&](std::string_view Prefix) { return SameText(Name.substr(0, Prefix.size()), Prefix); };
+  // Shadow tables hold the inside of a virtual table.
+  return Type != "shadow" && !Begins("sqlite_") && !Begins(CataloguePrefix);
+}
+
+}  // namespace
+
+std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
+  std::vector<TTableInfo> Result;
+  TSQLiteStatement List(FDatabase, "SELECT name, type FROM pragma_table_list WHERE schema = 'main' ORDER BY name",
+                        "Can not list the tables");
+  while (List.Step())
+    if (IsUserTable(List.Text(0), List.Text(1))) Result.push_back({List.Text(0), {}, KindOfTable(List.Text(1))});
+  return Result;
+}
+
+std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) {
+  const std::string What = Format("Can not look for table '%s'", Name);
+  // The names alone first: the list with its kinds prepares every view.
+  std::vector<std::string> Found;
+  TSQLiteStatement Names(FDatabase, "SELECT name FROM main.sqlite_schema WHERE type IN ('table', 'view') ORDER BY name",
+                         What);
+  while (Names.Step()) {
+    std::string Candidate = Names.Text(0);
+    const bool Exact = Candidate == Name;
+    if (Exact) Found.clear();
+    if (Exact || SameText(Candidate, Name)) Found.push_back(std::move(Candidate));
+    if (Exact) break;
+  }
+  if (Found.empty()) return std::nullopt;
+  if (Found.size() > 1) {
+    std::string All;
+    for (const std::string& One : Found) All += (All.empty() ? "" : ", ") + QuoteStandardName(One);
+    throw EDatabaseError(Format("%s: several go by that name: %s; name one in its own case", What, All));
+  }
+  TSQLiteStatement Info(FDatabase, "SELECT type FROM pragma_table_list(?1) WHERE schema = 'main'", What);
+  if (!Info.BindText(1, Found.front()).Step() || !IsUserTable(Found.front(), Info.Text(0))) return std::nullopt;
+  return TTableInfo{Found.front(), {}, KindOfTable(Info.Text(0))};
+}
+
+TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
+  TTableDescription Result{Table, {}};
+  TSQLiteStatement Columns(
+      FDatabase, "SELECT name, type, \"notnull\", pk, hidden FROM pragma_table_xinfo(?1, 'main') ORDER BY cid",
+      Format("Can not read the columns of table '%s'", Table.Name));
+  Columns.BindText(1, Table.Name);
+  while (Columns.Step()) {
+    const std::int64_t Hidden = Columns.Integer(4);
+    if (Hidden == HiddenOfVirtualTable) continue;
+    TColumnInfo Column;
+    Column.Name = Columns.Text(0);
+    Column.DeclaredType = Columns.Text(1);
+    Column.Kind = KindOf(Column.DeclaredType);
+    Column.Nullable = Columns.Integer(2) == 0;
+    Column.KeyPosition = static_cast<int>(Columns.Integer(3));
+    Column.Generated = Hidden == GeneratedVirtual || Hidden == GeneratedStored;
+    Result.Columns.push_back(std::move(Column));
+  }
+  if (Result.Columns.empty()) throw EDatabaseError(Format("There is no table '%s' in the database", Table.Name));
+  return Result;
+}
+
+std::int64_t TSQLiteSchemaReader::RowCount(const TTableInfo& Table) {
+  TSQLiteStatement Count(FDatabase, "SELECT count(*) FROM main." + QuoteStandardName(Table.Name),
+                         Format("Can not count the rows of table '%s'", Table.Name));
+  Count.Step();
+  return Count.Integer(0);
+}
+
+std::optional<std::int64_t> TSQLiteSchemaReader::TableBytes(const TTableInfo& Table) {
+  if (!FCapabilities.TableSizes || Table.Kind != TTableKind::Table) return std::nullopt;
+  TSQLiteStatement Bytes(FDatabase,
+                         "SELECT sum(pgsize) FROM dbstat('main', 1) WHERE name IN "
+                         "(SELECT name FROM main.sqlite_schema WHERE tbl_name = ?1 AND rootpage > 0)",
+                         Format("Can not measure table '%s'", Table.Name));
+  Bytes.BindText(1, Table.Name).Step();
+  return Bytes.Integer(0);
+}
+
+bool TSQLiteSchemaReader::HasCatalogueTable(const std::string& Name) {
+  TSQLiteStatement Found(FDatabase, "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1",
+                         Format("Can not look for table '%s'", Name));
+  return Found.BindText(1, Name).Step();
+}
+
+std::vector<TForeignKey> TSQLiteSchemaReader::ForeignKeys() {
+  TSQLiteStatement Keys(FDatabase,
+                        "SELECT f.name, t.name, k.on_delete IN ('CASCADE', 'SET NULL', 'SET DEFAULT') "
+                        "FROM main.sqlite_schema f, pragma_foreign_key_list(f.name, 'main') k "
+                        "JOIN main.sqlite_schema t ON t.name = k.\"table\" COLLATE NOCASE AND t.type = 'table' "
+                        "WHERE f.type = 'table' AND k.seq = 0 ORDER BY f.name, k.id",
+                        "Can not list the foreign keys");
+  std::vector<TForeignKey> Result;
+  while (Keys.Step())
+    Result.push_back(
+        {{Keys.Text(0), {}}, {Keys.Text(1), {}}, FCapabilities.EnforcesForeignKeys && Keys.Integer(2) != 0});
+  return Result;
+}
+
+TBrokenReferences TSQLiteSchemaReader::BrokenReferences(const TTableInfo& Table) {
+  TSQLiteStatement Broken(FDatabase, "SELECT count(*), min(rowid), parent FROM pragma_foreign_key_check(?1, 'main')",
+                          Format("Can not check the foreign keys of table '%s'", Table.Name));
+  Broken.BindText(1, Table.Name).Step();
+  TBrokenReferences Result{Broken.Integer(0)};
+  if (Result.Count == 0) return Result;
+  // Tables without row numbers have none to show.
+  const std::string Row = Broken.Text(1).empty() ? "a row" : "row " + Broken.Text(1);
+  Result.Example = Format("%s to a row of '%s'", Row, Broken.Text(2));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "standalone/drivers/Connection.h"
+
+struct sqlite3;
+
+namespace velkrund {
+
+/// The engine keeps foreign keys as words of a table's declaration; unless it is told to enforce them, rows may refer
+/// to whatever they like.
+class TSQLiteSchemaReader final : public TSchemaReader {
+ public:
+  /// Both outlive it.
+  TSQLiteSchemaReader(sqlite3* Database, const TCapabilities& Capabilities)
+      : FDatabase(Database), FCapabilities(Capabilities) {}
+
+  std::vector<TTableInfo> Tables() override;
+  std::optional<TTableInfo> FindTable(std::string_view Name) override;
+  TTableDescription Describe(const TTableInfo& Table) override;
+  std::int64_t RowCount(const TTableInfo& Table) override;
+  std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
+
+  /// Those that name a table which is not there are not among them.
+  std::vector<TForeignKey> ForeignKeys() override;
+  TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
+
+  bool HasCatalogueTable(const std::string& Name) override;
+
+ private:
+  sqlite3* FDatabase;
+  const TCapabilities& FCapabilities;
+};
+
+}  // namespace velkrund

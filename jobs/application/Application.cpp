@@ -16,18 +16,20 @@ TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
   return Result;
 }
 
-TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, TWindowSystem* Windows) {
+TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, TRelations& Relations,
+                     TWindowSystem* Windows) {
   TPlatform Result;
   Result.ApplicationManager = &Manager;
   Result.DSPContainer = &Structures;
   Result.Windows = Windows;
+  Result.Relations = &Relations;
   return Result;
 }
 
 }  // namespace
 
 TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Windows)
-    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, FStructures, Windows)) {
+    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, FStructures, FRelations, Windows)) {
   FManager.Databases().SetCreateMissing(Options.CreateDatabases);
   FManager.SetLookUpText([Language = TextLanguage(FManager.Configuration().Language)](std::string_view Key) {
     return TDefaultTexts::Own().Find(Key, Language);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
 #include "velkrund/platform/database/Platform.h"
 
@@ -33,6 +34,7 @@ class TApplication {
  private:
   TStandaloneManager FManager;
   TStructureStore FStructures{FManager.Databases()};
+  TStandaloneRelations FRelations{FManager};
   TPlatformGuard FPlatform;
 };
 

@@ -24,6 +24,7 @@ TPlatform InstallPlatform(const TPlatform& Platform) {
 TApplicationManager& BaseMng() { return Required(Installed.ApplicationManager, "application manager"); }
 TExtCallFactory& ExtCalls() { return Required(Installed.ExtCalls, "caller of script functions"); }
 TDSPContainer& DSPContainer() { return Required(Installed.DSPContainer, "container of structures"); }
+TRelations* Relations() { return Installed.Relations; }
 TDictionary& Dictionary() { return Required(Installed.Dictionary, "data dictionary"); }
 
 TWindowSystem& Windows() { return Installed.Windows ? *Installed.Windows : NobodyAtTheScreen(); }

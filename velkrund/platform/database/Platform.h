@@ -1,6 +1,7 @@
 #pragma once
 
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/Relations.h"
 #include "velkrund/platform/dictionary/Dictionary.h"
 #include "velkrund/platform/extcalls/ExtCall.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
@@ -15,6 +16,7 @@ struct TPlatform {
   TWindowSystem* Windows = nullptr;
   TDSPContainer* DSPContainer = nullptr;
   TDictionary* Dictionary = nullptr;
+  TRelations* Relations = nullptr;
 };
 
 /// Installs a platform for the whole process and returns the one before. To be called while no operation runs.

@@ -1,0 +1,12 @@
+#include "standalone/relations/StandaloneRelations.h"
+
+#include "standalone/relations/KeyedLoading.h"
+
+namespace velkrund {
+
+std::unique_ptr<TTableLoading> TStandaloneRelations::Load(const std::string& DatabaseName,
+                                                          const std::vector<TLoadTarget>& Targets) {
+  return std::make_unique<TKeyedLoading>(FManager, DatabaseName, Targets);
+}
+
+}  // namespace velkrund

@@ -92,7 +92,6 @@ int TImportFile::Run(TSession& Session) {
     Report.Error = Error;
   else if (Result == 0 && !Plan.Stopped())
     Report.Cancelled = "cancelled; what was finished before stays";
-  Plan.End();
   return Finish(Session, Report);
 }
 

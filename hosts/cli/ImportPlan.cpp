@@ -1,11 +1,10 @@
 #include "hosts/cli/ImportPlan.h"
 
-#include <algorithm>
-
 #include "hosts/cli/Sections.h"
 #include "hosts/cli/StrayMarkers.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/dsp/DSPStructure.h"
+#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -44,7 +43,11 @@ void TImportPlan::Add(const TEIFile& File, const TEISection& Section) {
 
 void TImportPlan::Settle() {
   FTargets.Settle(FSession);
-  FRelated.emplace(FSession, FTargets);
+  std::vector<TLoadTarget> Targets;
+  for (const auto& [Place, Step] : FSteps)
+    if (const auto Target = TargetOf(Step)) Targets.push_back(*Target);
+  // What an emptying must not touch is refused before anything is changed.
+  if (!Targets.empty()) Relations()->Load(FSession.Database(), Targets);
   if (FOverwriteAsk.FAlwaysAsk)
     FStructures.RefuseUnanswered(FSession, "--overwrite yes to replace them, or --overwrite no to leave them out");
   for (const auto& [Place, Step] : FSteps) {
@@ -72,14 +75,18 @@ const TImportPlan::TStep& TImportPlan::StepOf(const TEIFile& File, const TEISect
   return Found->second;
 }
 
-void TImportPlan::End() { EndRelated(*FRelated, FReport); }
+std::optional<TLoadTarget> TImportPlan::TargetOf(const TStep& Step) const {
+  if (!Step.Target || FTargets[*Step.Target].LeaveOut) return std::nullopt;
+  return TLoadTarget{FTargets[*Step.Target].Table, !FTargets[*Step.Target].Append};
+}
 
-void TImportPlan::Arrange(const TEIFile& File, std::vector<int>& Sections) {
-  const auto Rank = [&](int Index) {
-    const TStep& Step = StepOf(File, File.Sections()[Index]);
-    return Step.Target ? FRelated->Rank(FTargets[*Step.Target].Table) : 0;
-  };
-  std::stable_sort(Sections.begin(), Sections.end(), [&](int A, int B) { return Rank(A) < Rank(B); });
+std::optional<TLoadTarget> TImportPlan::TargetOf(const TEIFile& File, const TEISection& Section) {
+  return TargetOf(StepOf(File, Section));
+}
+
+void TImportPlan::BeginTables(const TTableLoading& Loading) {
+  FAreOne = Loading.AreOne();
+  for (const std::string& Warning : Loading.Warnings()) FReport.Notes.push_back("warning: " + Warning);
 }
 
 bool TImportPlan::BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) {
@@ -87,12 +94,11 @@ bool TImportPlan::BeginSection(const TEIFile& File, const TEISection& Section, T
   const TReportItem& Item = FReport.Items[Step.Item];
   if (Item.State == TItemState::LeftOut) return false;
   if (FSeveral && Step.IsTable && !FTablesBegun) FSession.Progress.Begin(FReport.File, "bytes", Bytes(true));
-  if (Step.IsTable && !FTablesBegun) FRelated->Begin();
   FTablesBegun = FTablesBegun || Step.IsTable;
   FSession.Progress.SetName(Item.Subject());
   if (auto* Data = dynamic_cast<TEICommonTableData*>(&Object)) {
     Data->SkipMissingFields = FTables.SkipMissing;
-    Data->Append = Step.Target ? FTargets.Appends(*Step.Target) : FTables.Append;
+    Data->Append = FTables.Append;
     if (Step.Target) Data->TableName = FTargets[*Step.Target].Table;
   }
   if (auto* Structure = dynamic_cast<TEIDSPStructureCommon*>(&Object)) {
@@ -121,10 +127,15 @@ void TImportPlan::EndSection(const TEIFile& File, const TEISection& Section, con
     return;
   }
   Item.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
-  if (Item.State == TItemState::Done && Step.Target) FTargets.SetLoaded(FTargets[*Step.Target].Table);
   if (Item.State != TItemState::Done || !Item.Structure || !FOverwriteAsk.FLeftAlone) return;
   Item.State = TItemState::LeftOut;
   Item.Note = StructureKept;
+}
+
+void TImportPlan::TakenBack(const std::exception*) {
+  for (TReportItem& Item : FReport.Items)
+    if (!Item.Table.empty() && Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+  FReport.Notes.emplace_back("tables with foreign keys are loaded together or not at all");
 }
 
 void TImportPlan::FileFailed(const std::string& FileName, const std::exception& Error) {

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "hosts/cli/InputFiles.h"
-#include "hosts/cli/RelatedTables.h"
 #include "hosts/cli/Report.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/StructureAnswers.h"
@@ -34,15 +33,15 @@ class TImportPlan final : public TImportFileObserver {
   /// Begins to show progress.
   void Begin();
 
-  /// Ends what the tables had in common.
-  void End();
   /// A table has failed without which the others are not wanted, and the run was ended there.
   bool Stopped() const { return FStopped; }
 
-  void Arrange(const TEIFile& File, std::vector<int>& Sections) override;
+  std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section) override;
+  void BeginTables(const TTableLoading& Loading) override;
   bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) override;
   void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
                   const std::exception* Error) override;
+  void TakenBack(const std::exception* Error) override;
   void FileFailed(const std::string& FileName, const std::exception& Error) override;
 
  private:
@@ -59,12 +58,12 @@ class TImportPlan final : public TImportFileObserver {
   const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TReportItem& Item, const std::exception& Error);
   /// Whether it is a table that is loaded with all others or not at all.
-  bool LoadsTogether(const TReportItem& Item) const { return !Item.Table.empty() && FRelated && FRelated->AreOne(); }
+  bool LoadsTogether(const TReportItem& Item) const { return !Item.Table.empty() && FAreOne; }
+  std::optional<TLoadTarget> TargetOf(const TStep& Step) const;
 
   const TSession& FSession;
   const TTableOptions& FTables;
   TTableTargets FTargets;
-  std::optional<TRelatedTables> FRelated;  // once the targets are settled
   TStructureTargets FStructures;
   TDSPOverwriteAsk FOverwriteAsk;  // shared by all structures
   TErrorPolicy& FErrors;
@@ -72,6 +71,7 @@ class TImportPlan final : public TImportFileObserver {
   std::map<std::pair<std::string, std::int64_t>, TStep> FSteps;  // by file and position of the section
   bool FSeveral = false;                                         // files
   bool FTablesBegun = false;
+  bool FAreOne = false;  // the tables
   bool FStopped = false;
   TClock::time_point FStart;
   TTextLosses FLossesBefore;

@@ -52,7 +52,7 @@ class TImportTable final : public TCommand {
   std::vector<int> Chosen(TInputFile& Input, TReport& Report) const;
   void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
   void Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps, TTableTargets& Targets,
-              const TRelatedTables& Related, TReport& Report) const;
+              TRelatedTables& Related, TReport& Report) const;
 
   std::string FInput, FTable;
   std::vector<std::string> FSections, FFields;
@@ -126,12 +126,14 @@ std::vector<TStep> TImportTable::Steps(const TSession& Session, TInputFile& Inpu
 }
 
 void TImportTable::Import(const TSession& Session, TInputFile& Input, const std::vector<TStep>& Steps,
-                          TTableTargets& Targets, const TRelatedTables& Related, TReport& Report) const {
+                          TTableTargets& Targets, TRelatedTables& Related, TReport& Report) const {
   TUOImportTableDataInterface Interface;
   Interface.SetDatabaseName(Session.Database());
   Interface.SetSource(&Input.File());
   Interface.SetFields(FFields);
   Interface.SetSkipMissingFields(FTables.SkipMissing);
+  auto& Operation = static_cast<TUOImportTableData&>(Interface.Operation());
+  Operation.Loading = &Related;
   TBatch Batch(Session, Input.File(), Report);
   std::vector<TReportItem>& Items = Report.Items;
   for (std::size_t I = 0; I < Steps.size(); ++I) {
@@ -141,14 +143,12 @@ void TImportTable::Import(const TSession& Session, TInputFile& Input, const std:
     const std::int64_t Bytes = Input.File().Sections()[Step.Index].DataSize;
     Interface.SetSectionNumber(Step.Index);
     Interface.SetTableName(Target.Table);
-    Interface.SetAppend(Targets.Appends(Step.Target));
     const bool More =
         !Related.AreOne() && std::any_of(Steps.begin() + static_cast<std::ptrdiff_t>(I) + 1, Steps.end(),
                                          [&](const TStep& Later) { return !Targets[Later.Target].LeaveOut; });
     const bool GoOn = Batch.Run(Items[I], Interface, {"bytes", Bytes}, More);
-    Items[I].Counts = static_cast<const TUOImportTableData&>(Interface.Operation()).Report;
+    Items[I].Counts = Operation.Report;
     Items[I].Bytes = Bytes;
-    if (Items[I].State == TItemState::Done) Targets.SetLoaded(Target.Table);
     if (!GoOn) break;
   }
 }

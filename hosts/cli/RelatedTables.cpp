@@ -120,6 +120,12 @@ void TRelatedTables::CountBroken() {
   }
 }
 
+std::vector<std::string> TRelatedTables::Warnings() const {
+  std::vector<std::string> Result;
+  for (const auto& [Table, Reason] : FUnchecked) Result.push_back(Reason);
+  return Result;
+}
+
 void TRelatedTables::CheckBroken() const {
   for (const auto& [Name, Before] : FBrokenBefore) {
     const TBrokenReferences After = FConnection.Schema().BrokenReferences({Name, {}});
@@ -148,7 +154,7 @@ void TRelatedTables::End(bool Whole) {
 
 void EndRelated(TRelatedTables& Related, TReport& Report) {
   if (!Related.AreOne()) return;
-  for (const auto& [Table, Reason] : Related.Unchecked()) Report.Notes.push_back("warning: " + Reason);
+  for (const std::string& Reason : Related.Warnings()) Report.Notes.push_back("warning: " + Reason);
   const auto IsTable = [](const TReportItem& Item) { return !Item.Table.empty(); };
   bool Whole = Report.Error.empty() && Report.Cancelled.empty();
   for (const TReportItem& Item : Report.Items)

@@ -8,6 +8,7 @@
 #include "hosts/cli/Session.h"
 #include "hosts/cli/TableTargets.h"
 #include "standalone/drivers/Connection.h"
+#include "velkrund/platform/database/Relations.h"
 
 namespace velkrund {
 
@@ -15,28 +16,27 @@ namespace velkrund {
 /// the tables that refer to them. One transaction holds the run where tables that refer to each other are emptied
 /// first, and where the engine enforces no keys, so that what is broken at the end can be taken back. Raises
 /// EDatabaseError.
-class TRelatedTables {
+class TRelatedTables final : public TTableLoading {
  public:
   /// Targets: settled. An emptying that would delete or change rows of tables that are not emptied is an error. Both
   /// are borrowed.
   TRelatedTables(const TSession& Session, TTableTargets& Targets);
-  TRelatedTables(const TRelatedTables&) = delete;
-  TRelatedTables& operator=(const TRelatedTables&) = delete;
   /// Takes back what was not ended.
-  ~TRelatedTables();
+  ~TRelatedTables() override;
 
   /// By which sections are put in order; equal for all where no table refers to another one.
-  std::size_t Rank(const std::string& Table) const;
+  std::size_t Rank(const std::string& Table) const override;
 
   /// Whether all tables come in one transaction. After a failure it is of no use to go on.
-  bool AreOne() const { return FAreOne; }
+  bool AreOne() const override { return FAreOne; }
   /// Starts that transaction, where there is to be one, and empties the tables whose rows go.
-  void Begin();
-  /// Tables whose foreign keys the engine can not check, with its reason.
-  const std::map<std::string, std::string>& Unchecked() const { return FUnchecked; }
+  void Begin() override;
+  bool Empties(const std::string& Table) const override { return FTargets.StillEmpties(Table); }
+  void SetLoaded(const std::string& Table) override { FTargets.SetLoaded(Table); }
+  std::vector<std::string> Warnings() const override;
   /// Whole: everything was loaded. Otherwise, and when rows refer to nothing that did not before, which is an error,
   /// all is taken back.
-  void End(bool Whole);
+  void End(bool Whole) override;
 
  private:
   bool IsLoaded(const TTableInfo& Table) const { return FRanks.contains(FullName(Table)); }

@@ -45,10 +45,6 @@ std::size_t TTableTargets::Add(TTable& Table) {
   return FTargets.size() - 1;
 }
 
-bool TTableTargets::Appends(std::size_t Number) const {
-  return FTargets[Number].Append || FLoaded.contains(FTargets[Number].Table);
-}
-
 std::vector<std::string> TTableTargets::Loaded() const {
   std::vector<std::string> Result;
   for (const TTableTarget& Target : FTargets)

@@ -38,12 +38,12 @@ class TTableTargets {
   /// The number of the target, from 0.
   std::size_t Add(TTable& Table);
   const TTableTarget& operator[](std::size_t Number) const { return FTargets[Number]; }
-  /// Whether the rows that are in its table now are to be kept.
-  bool Appends(std::size_t Number) const;
   /// The tables that are not left out, in the order of the targets, some more than once.
   std::vector<std::string> Loaded() const;
   /// Whether the rows of a table are to be deleted before it is loaded.
   bool Empties(const std::string& Table) const;
+  /// Whether they still are to be deleted.
+  bool StillEmpties(const std::string& Table) const { return Empties(Table) && !FLoaded.contains(Table); }
   /// The table was loaded or emptied: what comes for it is added from now on.
   void SetLoaded(const std::string& Table) { FLoaded.insert(Table); }
   /// Decides about rows that are there, before anything is changed: by option, else by asking. Raises

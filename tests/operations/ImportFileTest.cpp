@@ -135,6 +135,10 @@ class ImportFile : public testing::Test, public TImportFileObserver {
     return Object.Execute();
   }
 
+  TEIFile* OpenedFile(const std::string& FileName) override {
+    return Opened && Opened->FileName() == FileName ? Opened : nullptr;
+  }
+  bool Takes(const TEIFile&, const TEISection& Section) override { return !Section.Name().starts_with("without"); }
   bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject&) override {
     Seen += File.FileName() + "<" + Section.Name() + " ";
     return Section.Name() != "skip";
@@ -152,6 +156,7 @@ class ImportFile : public testing::Test, public TImportFileObserver {
                                      TEIObjectClass(TActing<TSectionRole::TableData>::Descriptor),
                                      TEIObjectClass(TActing<TSectionRole::Other>::Descriptor)};
   TTexts Platform;
+  TEIFile* Opened = nullptr;
   std::string Done, Question, Seen;
   int Answer = IDYES;
   std::vector<std::pair<std::int32_t, std::int32_t>> Shown;
@@ -261,6 +266,21 @@ TEST_F(ImportFile, ObserverSeesAndChoosesSections) {
             "f2>u(stopped) ");
   Object.SetFiles(PutFiles("O:z x"));
   EXPECT_EQ(Import(Object), 1) << "what stopped can run again";
+}
+
+TEST_F(ImportFile, AHostOpensFilesAndTakesTheirSections) {
+  TUOImportFilesInterface Object;
+  Object.SetFiles(PutFiles("S:without x|O:a x|T:without-rows x||O:b x"));
+  TEIFile File;
+  File.SetFileName("f0");
+  File.SetReadonly(true);
+  File.Open();
+  Opened = &File;
+  Platform.MemoryFiles.Remove("f0");
+  EXPECT_EQ(Import(Object), 1) << Object.LastError();
+  EXPECT_EQ(Done, "a b ") << "what is not taken is created neither";
+  EXPECT_EQ(Seen, "f0<a f0>a f1<b f1>b ");
+  EXPECT_EQ(Shown.front(), std::pair(0, 3)) << "nor does it count";
 }
 
 TEST_F(ImportFile, ProgressCountsBytesOfBodies) {

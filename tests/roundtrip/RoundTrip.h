@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
@@ -96,7 +97,8 @@ inline TTestDatabase PostgreSQLDatabase(const std::string& ServerUrl = {}) {
 /// The module on the real platform, strict as the command is.
 class TRealPlatform {
  public:
-  TRealPlatform() : Manager(TConfiguration()), FGuard(TPlatform{&Manager, nullptr, nullptr, &FStructures, nullptr}) {
+  TRealPlatform()
+      : Manager(TConfiguration()), FGuard(TPlatform{&Manager, nullptr, nullptr, &FStructures, nullptr, &FRelations}) {
     StartModule();
     Manager.ChangeSettings().StrictText = true;
   }
@@ -135,6 +137,7 @@ class TRealPlatform {
 
  private:
   TStructureStore FStructures{Manager.Databases()};
+  TStandaloneRelations FRelations{Manager};
   TPlatformGuard FGuard;
 };
 

@@ -44,7 +44,8 @@ class TEICommonTableData : public TEIObject {
   void Initialize(const TEISection& Section) override;
   /// Cancelled: EAbort.
   void ExportData(TEIStream& Stream) override;
-  /// In one transaction; cancelled or failed, the table is as it was before. Cancelled: Stopped() is true.
+  /// In one transaction; cancelled or failed, the table is as it was before. Rows of an SQL table that refer to
+  /// nothing, where foreign keys say they should, are an error: EDatabaseError. Cancelled: Stopped() is true.
   void ImportData(TEIStream& Stream) override;
 
   /// Reads a body up to its records; returns the names of its fields in their order. For a look into a file.
@@ -56,7 +57,8 @@ class TEICommonTableData : public TEIObject {
   /// content is lost, and the field may refer to it until the record is appended.
   virtual void StringToField(std::span<char> Text, TField& Field) = 0;
 
-  bool Append = false;  // import: keep the rows that are there; otherwise an SQL table is emptied
+  bool Append =
+      false;  // import: keep the rows that are there; otherwise an SQL table is emptied. Loading says it itself
   std::string TableName;
   TTable* Table = nullptr;                 // borrowed, opened by the caller; null: TableName is opened for the run
   const TStringList* Fields = nullptr;     // borrowed; the fields to export, or the only ones to import; null: all
@@ -85,6 +87,7 @@ class TEICommonTableData : public TEIObject {
   bool ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines);
   std::vector<TImportField> ResolveFields(TTable& Target, const std::vector<std::string>& Names);
   bool Selected(std::string_view Name) const { return !Fields || Fields->IndexOf(Name) >= 0; }
+  void ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ReadRecord(TEIStream& Stream);
   void RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream);

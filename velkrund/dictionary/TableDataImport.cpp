@@ -6,6 +6,7 @@
 #include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/database/EmptyTable.h"
+#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -26,6 +27,11 @@ std::span<char> TrimInPlace(std::span<char> Text) {
   const std::string_view All(Text.data(), Text.size());
   const std::string_view Kept = Trim(All);
   return Text.subspan(static_cast<std::size_t>(Kept.data() - All.data()), Kept.size());
+}
+
+/// The loading of one table alone; null where there are no foreign keys to mind.
+std::unique_ptr<TTableLoading> LoadingOf(const TODBCTable& Table, bool Empty, const std::string& DatabaseName) {
+  return Relations() ? Relations()->Load(DatabaseName, {{Table.TableName(), Empty}}) : nullptr;
 }
 
 }  // namespace
@@ -86,16 +92,28 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
   std::unique_ptr<TTable> Owned;
   TTable& Target = TakeTable(Owned, "import");
   const std::vector<TImportField> Columns = ResolveFields(Target, Names);
+  auto* const SQLTable = dynamic_cast<TODBCTable*>(&Target);
   TTransaction Transaction(DatabaseName);
-  if (auto* SQLTable = dynamic_cast<TODBCTable*>(&Target); SQLTable && !Append) EmptyTable(*SQLTable, DatabaseName);
+  std::unique_ptr<TTableLoading> Alone;
+  if (SQLTable && !Loading) Alone = LoadingOf(*SQLTable, !Append, DatabaseName);
+  if (Alone) Alone->Begin();
+  TTableLoading* const Together = SQLTable && Loading ? Loading : Alone.get();
+  if (SQLTable && (Together ? Together->Empties(Target.TableName()) : !Append)) EmptyTable(*SQLTable, DatabaseName);
+  ImportRows(Target, Columns, Stream);
+  if (FStopped) return;
+  if (Alone) Alone->End(true);
+  Transaction.Commit();
+  if (Together) Together->SetLoaded(Target.TableName());
+}
+
+void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
   Target.SetCanRecreateAutoSequence(true);
   Target.BeginAppend();
   ImportRecords(Target, Columns, Stream);
   if (FStopped) return;
   Target.EndAppend();
   // The engine may have taken its time over what it had held back.
-  if (FStopped = IsCanceled(); FStopped) return;
-  Transaction.Commit();
+  FStopped = IsCanceled();
 }
 
 void TEICommonTableData::ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {

@@ -58,6 +58,7 @@ void TUOImportTableData::InitEIObject(TEIObject& Object) {
   Section.SkipMissingFields = SkipMissingFields;
   Section.Fields = Fields;
   if (!TableName.empty()) Section.TableName = TableName;
+  Section.Loading = Loading;
   Section.Report = &Report;
 }
 

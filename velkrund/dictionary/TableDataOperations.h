@@ -15,6 +15,7 @@ class TUOImportTableData : public TImportUtilOperation {
   bool Append = false;                  // keep the rows that are there; otherwise an SQL table is emptied first
   bool SkipMissingFields = true;        // fields of the file that the table lacks are passed over; otherwise an error
   const TStringList* Fields = nullptr;  // borrowed; null: all fields of the file
+  TTableLoading* Loading = nullptr;     // borrowed; the tables that are loaded in one go with it; null: it alone
   TTableDataReport Report;              // of the last run
 
   static const TUtilOperationDescriptor Descriptor;

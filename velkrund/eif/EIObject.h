@@ -15,6 +15,7 @@ class TEIObject;
 class TEISection;
 class TEISectionParameters;
 class TEIStream;
+class TTableLoading;
 
 /// Progress of a job: Current of Total, and the name of what is being worked on (valid during the call).
 using TProgressCallback = std::function<void(std::int32_t Current, std::int32_t Total, std::string_view ObjectName)>;
@@ -93,6 +94,8 @@ class TEIObject {
   TProgressCallback OnProgress;
   TCancelCallback OnCancel;
   std::string DatabaseName;
+  /// The tables that are loaded in one go with this section's, borrowed; null: this one alone.
+  TTableLoading* Loading = nullptr;
 
  protected:
   bool FStopped = false;

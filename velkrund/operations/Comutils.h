@@ -5,6 +5,7 @@
 #include "velkrund/operations/ImportExportInterfaces.h"
 #include "velkrund/operations/ImportFile.h"
 #include "velkrund/operations/ImportFileInterfaces.h"
+#include "velkrund/operations/ImportFileObserver.h"
 #include "velkrund/operations/ImportFiles.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/OperationErrors.h"

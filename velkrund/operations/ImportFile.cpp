@@ -27,6 +27,8 @@ bool EndsEverything(const std::exception& Error) {
   return dynamic_cast<const EAbort*>(&Error) || dynamic_cast<const EQuestionUnanswered*>(&Error);
 }
 
+bool IsTableData(const TEISection& Section) { return Section.ObjectClass.Role() == TSectionRole::TableData; }
+
 int ObjectTypeOf(const TEISection& Section) {
   const std::string& Text = Section.ParamValue("ObjectType");
   if (const auto Number = StrToInt32(Text)) return *Number;
@@ -70,7 +72,8 @@ int TUOImportFile::Execute() {
     throw Exception(
         "Encrypted files are not supported yet. Decrypt the file first, and import the decrypted one with IsCrypted "
         "off");
-  FStopping = false;
+  FStopping = FTogether = false;
+  Host().FDatabaseName = DatabaseName;
   const TSettingsOfHost Settings(FEIObjectProperties);
   try {
     return ImportAll();
@@ -82,10 +85,11 @@ int TUOImportFile::Execute() {
 int TUOImportFile::ImportAll() {
   TUORecreateContainer Container;
   SetUpContainer(Container);
-  const std::unique_ptr<TEIFile> File = OpenFile(FFileName, Container);
-  BeginPass(BytesOf(*File, TPart::Structures) + BytesOf(*File, TPart::Tables));
-  if (!ImportSections(*File, TPart::Structures) || !fCreateDBStructures) return 0;
-  if (!ImportSections(*File, TPart::Tables)) return 0;
+  std::vector<TSource> Sources;
+  const TSource& Source = Sources.emplace_back(OpenFile(FFileName, Container));
+  BeginPass(BytesOf(*Source.File, Source.Structures) + BytesOf(*Source.File, Source.Tables));
+  if (!ImportStructures(Source) || !fCreateDBStructures) return 0;
+  if (!ImportTables(Sources)) return 0;
   EndPass();
   return Container.Execute();
 }
@@ -97,24 +101,39 @@ void TUOImportFile::SetUpContainer(TUORecreateContainer& Container) {
   Container.FOnShowProgress = FOnShowProgress;
 }
 
-std::unique_ptr<TEIFile> TUOImportFile::OpenFile(const std::string& FileName, TUORecreateContainer& Container) {
+TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName, TUORecreateContainer& Container) {
   try {
-    auto File = std::make_unique<TEIFile>(FileSystem ? *FileSystem : BaseMng().Files());
-    File->SetReadonly(true);
-    File->SetFileName(FileName);
-    File->Open();
-    std::vector<TStructure> Structures;
-    for (int Index = 0; Index < File->Sections().Count(); ++Index) {
-      const TEISection& Section = File->Sections()[Index];
-      if (Section.ObjectClass.Role() == TSectionRole::Structure)
-        Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
+    TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}};
+    if (!Source.File) {
+      Source.Owned = OpenedHere(FileName);
+      Source.File = Source.Owned.get();
     }
-    for (const TStructure& Structure : Structures) AddTo(Container, Structure.Type, Structure.Name, *Structure.Section);
-    return File;
+    TakeSections(Source, Container);
+    return Source;
   } catch (const std::exception& Error) {
-    if (Observer) Observer->FileFailed(FileName, Error);
+    Host().FileFailed(FileName, Error);
     throw;
   }
+}
+
+std::unique_ptr<TEIFile> TUOImportFile::OpenedHere(const std::string& FileName) const {
+  auto File = std::make_unique<TEIFile>(FileSystem ? *FileSystem : BaseMng().Files());
+  File->SetReadonly(true);
+  File->SetFileName(FileName);
+  File->Open();
+  return File;
+}
+
+void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Container) {
+  std::vector<TStructure> Structures;
+  for (int Index = 0; Index < Source.File->Sections().Count(); ++Index) {
+    const TEISection& Section = Source.File->Sections()[Index];
+    if (!Host().Takes(*Source.File, Section)) continue;
+    (IsTableData(Section) ? Source.Tables : Source.Structures).push_back(Index);
+    if (Section.ObjectClass.Role() == TSectionRole::Structure)
+      Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
+  }
+  for (const TStructure& Structure : Structures) AddTo(Container, Structure.Type, Structure.Name, *Structure.Section);
 }
 
 void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::string& Name,
@@ -125,26 +144,83 @@ void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::
                                       Name, Type));
 }
 
-std::int64_t TUOImportFile::BytesOf(const TEIFile& File, TPart Part) {
+std::int64_t TUOImportFile::BytesOf(const TEIFile& File, const std::vector<int>& Sections) {
   std::int64_t Bytes = 0;
-  for (int Index = 0; Index < File.Sections().Count(); ++Index)
-    if (const TEISection& Section = File.Sections()[Index]; PartOf(Section) == Part) Bytes += Section.DataSize;
+  for (const int Index : Sections) Bytes += File.Sections()[Index].DataSize;
   return Bytes;
 }
 
-bool TUOImportFile::ImportSections(TEIFile& File, TPart Part) {
-  std::vector<int> Sections;
-  for (int Index = 0; Index < File.Sections().Count(); ++Index)
-    if (PartOf(File.Sections()[Index]) == Part) Sections.push_back(Index);
-  if (Observer) Observer->Arrange(File, Sections);
-  for (const int Index : Sections) {
+bool TUOImportFile::ImportStructures(const TSource& Source) {
+  for (const int Index : Source.Structures) {
     if (Stopping()) break;
-    ImportSection(File, Index);
+    ImportSection(*Source.File, Index, nullptr);
   }
   return !Stopping();
 }
 
-void TUOImportFile::ImportSection(TEIFile& File, int Index) {
+bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
+  std::vector<TTableSection> Sections = TableSections(Sources);
+  std::unique_ptr<TTableLoading> Loading = LoadingOf(Sections);
+  if (!Loading) return ImportTableSections(Sections, nullptr);
+  FTogether = Loading->AreOne();
+  Loading->Begin();
+  for (const std::string& Warning : Loading->Warnings()) WriteLog(TTraceLevel::Info, Warning);
+  bool Whole = false;
+  try {
+    Host().BeginTables(*Loading);
+    Whole = ImportTableSections(Sections, Loading.get());
+  } catch (...) {
+    Loading.reset();
+    if (FTogether) Host().TakenBack(nullptr);
+    throw;
+  }
+  EndLoading(*Loading, Whole);
+  return Whole;
+}
+
+std::vector<TUOImportFile::TTableSection> TUOImportFile::TableSections(const std::vector<TSource>& Sources) {
+  std::vector<TTableSection> Result;
+  for (const TSource& Source : Sources)
+    for (const int Index : Source.Tables) {
+      TTableSection& Added = Result.emplace_back(TTableSection{Source.File, Index, {}});
+      if (Relations()) Added.Target = Host().TargetOf(*Source.File, Added.Section());
+    }
+  return Result;
+}
+
+std::unique_ptr<TTableLoading> TUOImportFile::LoadingOf(std::vector<TTableSection>& Sections) const {
+  std::vector<TLoadTarget> Targets;
+  for (const TTableSection& Section : Sections)
+    if (Section.Target) Targets.push_back(*Section.Target);
+  if (Targets.empty()) return nullptr;
+  std::unique_ptr<TTableLoading> Loading = Relations()->Load(DatabaseName, Targets);
+  const auto Rank = [&](const TTableSection& Section) {
+    return Section.Target ? Loading->Rank(Section.Target->Table) : 0;
+  };
+  std::stable_sort(Sections.begin(), Sections.end(),
+                   [&](const TTableSection& A, const TTableSection& B) { return Rank(A) < Rank(B); });
+  return Loading;
+}
+
+bool TUOImportFile::ImportTableSections(const std::vector<TTableSection>& Sections, TTableLoading* Loading) {
+  for (const TTableSection& Section : Sections) {
+    if (Stopping()) break;
+    ImportSection(*Section.File, Section.Index, Section.Target ? Loading : nullptr);
+  }
+  return !Stopping();
+}
+
+void TUOImportFile::EndLoading(TTableLoading& Loading, bool Whole) {
+  try {
+    Loading.End(Whole);
+  } catch (const std::exception& Error) {
+    if (FTogether) Host().TakenBack(&Error);
+    throw;
+  }
+  if (FTogether && !Whole) Host().TakenBack(nullptr);
+}
+
+void TUOImportFile::ImportSection(TEIFile& File, int Index, TTableLoading* Loading) {
   const TEISection& Section = File.Sections()[Index];
   CurrentObjectName = Section.Name();
   ShowPosition(CurrentProgress, CurrentObjectName);
@@ -153,21 +229,22 @@ void TUOImportFile::ImportSection(TEIFile& File, int Index) {
   bool LeftOut = false;
   try {
     Object = MakeObject(File, Index);
-    LeftOut = Observer && !Observer->BeginSection(File, Section, *Object);
+    Object->Loading = Loading;
+    LeftOut = !Host().BeginSection(File, Section, *Object);
     if (!LeftOut) {
-      if (PartOf(Section) == TPart::Tables) MakeMissingTable(Section, DatabaseName);
+      if (IsTableData(Section)) MakeMissingTable(Section, DatabaseName);
       File.ImportObject(*Object);
       Object->SaveProperties(FEIObjectProperties);
     }
   } catch (const std::exception& Error) {
-    if (Observer) Observer->EndSection(File, Section, Object.get(), &Error);
+    Host().EndSection(File, Section, Object.get(), &Error);
     if (EndsEverything(Error)) throw;
     ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName);
     return;
   }
   FStopping = FStopping || Object->Stopped();
   CurrentProgress += CurrentTotal;
-  if (Observer && !LeftOut) Observer->EndSection(File, Section, Object.get(), nullptr);
+  if (!LeftOut) Host().EndSection(File, Section, Object.get(), nullptr);
 }
 
 std::unique_ptr<TEIObject> TUOImportFile::MakeObject(TEIFile& File, int Index) {
@@ -184,7 +261,7 @@ std::unique_ptr<TEIObject> TUOImportFile::MakeObject(TEIFile& File, int Index) {
 void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name) {
   const std::string Report = Format(BaseMng().LString(Key), Name) + "\r\n" + Error.what();
   WriteLog(TTraceLevel::Error, Report);
-  if (!ContinueOnError) throw;
+  if (!ContinueOnError || FTogether) throw;
   const std::string Question = Report + "\r\n" + BaseMng().LString("M_Velkrund_DSPUtils_ContinueImport");
   int Answer = IDNO;
   std::optional<std::string> Unanswered;

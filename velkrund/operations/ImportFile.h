@@ -3,34 +3,18 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/ImportFileObserver.h"
 #include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/ormtools/ParamsList.h"
 
 namespace velkrund {
-
-/// A host that watches the import of whole files, and has a say in every section. What it raises counts as the
-/// section's error in BeginSection, and ends the import elsewhere.
-class TImportFileObserver {
- public:
-  virtual ~TImportFileObserver() = default;
-  /// Before the first of these sections of a file is imported: may put them in another order. Sections: indexes, in the
-  /// order of the file.
-  virtual void Arrange(const TEIFile& /*File*/, std::vector<int>& /*Sections*/) {}
-  /// Before a section is imported, its object being set up; false: the section is left out, and EndSection not called.
-  virtual bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) = 0;
-  /// After it, and before anybody is asked whether to go on. Error: null after success. Object: null when it could not
-  /// be made; one that is Stopped() was cancelled.
-  virtual void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
-                          const std::exception* Error) = 0;
-  /// A file that can not be opened, or whose headers are wrong.
-  virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
-};
 
 enum class TMissingTable { NotMissing, Created, Declined };
 /// Makes the table of a table data section where the database lacks it.
@@ -41,6 +25,9 @@ void SetMissingTableHook(TMissingTableHook Hook);
 
 /// Imports a whole file: its structures and all else but table data, then the table data, then creates the generators,
 /// views and procedures that the structures describe. Progress counts the bytes of section bodies.
+///
+/// Tables come after those that they refer to. Where foreign keys ask for it they are loaded together or not at all:
+/// the error of one ends the import, and a cancelled import takes all of them back.
 ///
 /// After the error of a section a person is asked whether to go on; without anybody to ask, the error is raised, the
 /// reason appended. EAbort and EQuestionUnanswered always end the import.
@@ -60,23 +47,28 @@ class TUOImportFile : public TDatabaseUtilOperation {
   static const TUtilOperationDescriptor Descriptor;
 
  protected:
-  enum class TPart { Structures, Tables };  // what is not table data, and what is
+  /// A file of the run, and the indexes of its sections that are taken, in the order of the file.
+  struct TSource {
+    std::unique_ptr<TEIFile> Owned;  // null where the host has opened it
+    TEIFile* File;
+    std::vector<int> Structures;  // all that is not table data
+    std::vector<int> Tables;
+  };
 
   /// The run itself; EAbort is its cancelled result.
   virtual int ImportAll();
 
   void SetUpContainer(TUORecreateContainer& Container);
   /// Opens the file and adds its structures to the container. On failure nothing is added.
-  std::unique_ptr<TEIFile> OpenFile(const std::string& FileName, TUORecreateContainer& Container);
-  static TPart PartOf(const TEISection& Section) {
-    return Section.ObjectClass.Role() == TSectionRole::TableData ? TPart::Tables : TPart::Structures;
-  }
-  static std::int64_t BytesOf(const TEIFile& File, TPart Part);
+  TSource OpenFile(const std::string& FileName, TUORecreateContainer& Container);
+  static std::int64_t BytesOf(const TEIFile& File, const std::vector<int>& Sections);
   /// Between these two progress goes from 0 to Total bytes and never back.
   void BeginPass(std::int64_t Total);
   void EndPass();
-  /// Imports the sections of that part, in file order unless the observer has another; false when cancelled.
-  bool ImportSections(TEIFile& File, TPart Part);
+  /// False when cancelled; these two.
+  bool ImportStructures(const TSource& Source);
+  /// The table data of all files, as one plan.
+  bool ImportTables(const std::vector<TSource>& Sources);
   /// Cancelled, now or earlier in this run.
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }
   /// Within the handler of Error: traces it, and returns when a person wants to go on. Otherwise it raises. Key: of the
@@ -84,8 +76,29 @@ class TUOImportFile : public TDatabaseUtilOperation {
   void ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name);
 
  private:
+  /// Without an observer nobody has a say.
+  class TNobody final : public TImportFileObserver {
+    bool BeginSection(const TEIFile&, const TEISection&, TEIObject&) override { return true; }
+    void EndSection(const TEIFile&, const TEISection&, const TEIObject*, const std::exception*) override {}
+  };
+  struct TTableSection {
+    TEIFile* File;
+    int Index;
+    std::optional<TLoadTarget> Target;
+
+    const TEISection& Section() const { return File->Sections()[Index]; }
+  };
+
+  TImportFileObserver& Host() { return Observer ? *Observer : FNobody; }
+  std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
+  void TakeSections(TSource& Source, TUORecreateContainer& Container);
   void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
-  void ImportSection(TEIFile& File, int Index);
+  std::vector<TTableSection> TableSections(const std::vector<TSource>& Sources);
+  /// Puts the sections in order; null where nobody minds foreign keys.
+  std::unique_ptr<TTableLoading> LoadingOf(std::vector<TTableSection>& Sections) const;
+  bool ImportTableSections(const std::vector<TTableSection>& Sections, TTableLoading* Loading);
+  void EndLoading(TTableLoading& Loading, bool Whole);
+  void ImportSection(TEIFile& File, int Index, TTableLoading* Loading);
   std::unique_ptr<TEIObject> MakeObject(TEIFile& File, int Index);
   void ChildProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName);
   void ShowPosition(std::int64_t Position, std::string_view ObjectName);
@@ -96,6 +109,8 @@ class TUOImportFile : public TDatabaseUtilOperation {
   std::int64_t FShown = 0;        // the highest position shown in this pass
   std::string CurrentObjectName;
   bool FStopping = false;
+  bool FTogether = false;  // the tables that are being loaded come in one transaction
+  TNobody FNobody;
 };
 
 }  // namespace velkrund

@@ -19,11 +19,11 @@ int TUOImportFiles::ImportSeveral() {
   FEIObjectProperties.Clear();
   TUORecreateContainer Container;
   SetUpContainer(Container);
-  std::vector<std::unique_ptr<TEIFile>> Files;
+  std::vector<TSource> Sources;
   std::int64_t TableBytes = 0;
   for (const std::string& Name : FFiles) {
     try {
-      Files.push_back(OpenFile(Name, Container));
+      Sources.push_back(OpenFile(Name, Container));
     } catch (const EAbort&) {
       throw;
     } catch (const EQuestionUnanswered&) {
@@ -32,16 +32,15 @@ int TUOImportFiles::ImportSeveral() {
       ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportFile", Name);
       continue;
     }
-    TEIFile& File = *Files.back();
-    TableBytes += BytesOf(File, TPart::Tables);
-    BeginPass(BytesOf(File, TPart::Structures));
-    if (!ImportSections(File, TPart::Structures)) return 0;
+    const TSource& Source = Sources.back();
+    TableBytes += BytesOf(*Source.File, Source.Tables);
+    BeginPass(BytesOf(*Source.File, Source.Structures));
+    if (!ImportStructures(Source)) return 0;
     EndPass();
   }
   if (!fCreateDBStructures) return 0;
   BeginPass(TableBytes);
-  for (const auto& File : Files)
-    if (!ImportSections(*File, TPart::Tables)) return 0;
+  if (!ImportTables(Sources)) return 0;
   EndPass();
   return Container.Execute();
 }

@@ -1,0 +1,20 @@
+#include "velkrund/operations/ImportFileObserver.h"
+
+#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+
+std::optional<TLoadTarget> TImportFileObserver::TargetOf(const TEIFile&, const TEISection& Section) {
+  constexpr std::string_view TableNameParameter = "TableName";
+  if (Section.FParameters.IndexOf(TableNameParameter) < 0) return std::nullopt;
+  try {
+    const auto Table = BaseMng().GetUserTable(Section.ParamValue(TableNameParameter), FDatabaseName, true);
+    if (Table) return TLoadTarget{Table->TableName()};
+  } catch (const EDatabaseError&) {
+    // The section's import meets the same error, and a person is asked about it.
+  }
+  return std::nullopt;
+}
+
+}  // namespace velkrund

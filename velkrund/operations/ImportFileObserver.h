@@ -1,0 +1,47 @@
+#pragma once
+
+#include <exception>
+#include <optional>
+#include <string>
+
+#include "velkrund/eif/EIFile.h"
+#include "velkrund/platform/database/Relations.h"
+
+namespace velkrund {
+
+/// A host that watches the import of whole files, and has a say in every section. What it raises counts as the file's
+/// error in OpenedFile and Takes, as the section's in BeginSection, and ends the import elsewhere.
+class TImportFileObserver {
+ public:
+  virtual ~TImportFileObserver() = default;
+  /// The file, opened for reading by the host already, borrowed, outlives the run; null: it is opened here.
+  virtual TEIFile* OpenedFile(const std::string& /*FileName*/) { return nullptr; }
+  /// Asked once for each section of a file before anything of it is imported. A section that is not taken is as if the
+  /// file did not have it.
+  virtual bool Takes(const TEIFile& /*File*/, const TEISection& /*Section*/) { return true; }
+  /// The table that a table data section is to be loaded into, where foreign keys are minded; nothing: it takes no part
+  /// in that. Asked once for each, when all structures are there. By default the table that the section names under its
+  /// physical name, emptied, and nothing when it can not be opened.
+  virtual std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section);
+  /// Before the first table data section, where foreign keys are minded: what was asked for is begun. Loading: alive
+  /// until the last of those sections has been ended.
+  virtual void BeginTables(const TTableLoading& /*Loading*/) {}
+  /// Before a section is imported, its object being set up; false: the section is left out, and EndSection not called.
+  virtual bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) = 0;
+  /// After it, and before anybody is asked whether to go on. Error: null after success. Object: null when it could not
+  /// be made; one that is Stopped() was cancelled. EAbort ends the run, as a cancelled one.
+  virtual void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
+                          const std::exception* Error) = 0;
+  /// All tables that were loaded in one go have been taken back. Error: of the check at the end or of the commit, null
+  /// when a section failed or the run was cancelled.
+  virtual void TakenBack(const std::exception* /*Error*/) {}
+  /// A file that can not be opened, or whose headers are wrong.
+  virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
+
+ private:
+  friend class TUOImportFile;
+
+  std::string FDatabaseName;  // of the run
+};
+
+}  // namespace velkrund

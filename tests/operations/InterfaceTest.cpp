@@ -109,7 +109,7 @@ TEST(Interface, HostManagerGetsWeightedProgress) {
 
 /// Script functions as a test describes them.
 struct TFunction {
-  std::vector<int> Params;
+  std::string_view Params;  // their types, a digit each
   int Result = 0;
   bool Found = true, Runs = true, Answer = false;
 };
@@ -125,7 +125,7 @@ class TFakeCall : public TExtCall, public TExtCallFactory {
   void SetCallKind(TExtCallKind Kind) override { EXPECT_EQ(static_cast<int>(Kind), 3); }
   bool ReadBLLFunction() override { return At->Found; }
   int ParamCount() const override { return static_cast<int>(At->Params.size()); }
-  int ParamType(int Index) const override { return At->Params.at(static_cast<std::size_t>(Index)); }
+  int ParamType(int Index) const override { return At->Params.at(static_cast<std::size_t>(Index)) - '0'; }
   int ResultType() const override { return At->Result; }
   void SetIntegerParam(int, std::int64_t Value) override { Called += " " + std::to_string(Value); }
   void SetStringParam(int, std::string_view Value) override { Called += " " + std::string(Value); }
@@ -141,20 +141,20 @@ class TFakeCall : public TExtCall, public TExtCallFactory {
 };
 
 TEST(Interface, ScriptCallbacksAreCheckedAndCalled) {
-  const TFunction GoodShow{{2, 2, 1}, 0}, GoodCancel{{}, 6};
+  const TFunction GoodShow{"221", 0}, GoodCancel{"", 6};
   const struct {
     TFunction Show, Cancel;
     std::string Error;
   } Cases[] = {
       {GoodShow, GoodCancel, ""},
-      {GoodShow, {{}, 6, false}, "Exception:Error preparing Cancel BLL function to execute"},
-      {GoodShow, {{2}, 6}, "Exception:Incorrent number of parameters of Cancel bll function"},
-      {GoodShow, {{}, 2}, "Exception:Incorrent type of result of Cancel bll function"},
-      {GoodShow, {{}, 6, true, false}, "Exception:Error executing Cancel BLL function"},
-      {{{2, 2, 1}, 0, false}, GoodCancel, "Exception:Error preparing ShowProgress BLL function to execute"},
-      {{{2, 2}, 0}, GoodCancel, "Exception:Incorrent number of parameters of ShowProgress bll function"},
-      {{{2, 1, 2}, 0}, GoodCancel, "Exception:Incorrent type of parameters of ShowProgress bll function"},
-      {{{2, 2, 1}, 0, true, false}, GoodCancel, "Exception:Error executing ShowProgress BLL function"},
+      {GoodShow, {"", 6, false}, "Exception:Error preparing Cancel BLL function to execute"},
+      {GoodShow, {"2", 6}, "Exception:Incorrent number of parameters of Cancel bll function"},
+      {GoodShow, {"", 2}, "Exception:Incorrent type of result of Cancel bll function"},
+      {GoodShow, {"", 6, true, false}, "Exception:Error executing Cancel BLL function"},
+      {{"221", 0, false}, GoodCancel, "Exception:Error preparing ShowProgress BLL function to execute"},
+      {{"22", 0}, GoodCancel, "Exception:Incorrent number of parameters of ShowProgress bll function"},
+      {{"212", 0}, GoodCancel, "Exception:Incorrent type of parameters of ShowProgress bll function"},
+      {{"221", 0, true, false}, GoodCancel, "Exception:Error executing ShowProgress BLL function"},
   };
   for (auto Case : Cases) {
     std::vector<std::string> Trace;

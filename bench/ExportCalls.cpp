@@ -11,7 +11,7 @@
 #include "velkrund/dictionary/Dicutils.h"
 #include "velkrund/eif/Eifiles.h"
 #include "velkrund/module/Module.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 namespace velkrund::bench {
 
@@ -24,7 +24,7 @@ std::atomic<bool> StopWished = false;
 /// The stand-alone platform, installed and started once for the process.
 void StartPlatform() {
   static TStandaloneManager Manager{TConfiguration()};
-  static const TPlatformGuard Guard(TPlatform{&Manager, nullptr, nullptr});
+  static const TServiceGuard<TApplicationManager> Guard(&Manager);
   static const bool Started = (StartModule(), true);
   benchmark::DoNotOptimize(Started);
 }

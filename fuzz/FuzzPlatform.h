@@ -6,15 +6,16 @@
 #include <string>
 
 #include "velkrund/module/Module.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 namespace velkrund {
 
 /// A platform without databases and files, so that a target touches nothing but its input.
 class TFuzzPlatform final : public TApplicationManager {
  public:
-  TFuzzPlatform() : FGuard(TPlatform{this, nullptr, nullptr}) { StartModule(); }
+  TFuzzPlatform() : FGuard(this) { StartModule(); }
 
   std::unique_ptr<TTable> GetUserTable(const std::string&, const std::string&, bool) override { return nullptr; }
   void StartTransaction(const std::string&, TIsolationLevel) override {}
@@ -31,7 +32,7 @@ class TFuzzPlatform final : public TApplicationManager {
 
  private:
   TSettings FSettings;
-  TPlatformGuard FGuard;
+  TServiceGuard<TApplicationManager> FGuard;
 };
 
 /// Stops the run with a finding.

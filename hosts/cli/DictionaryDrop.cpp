@@ -2,9 +2,9 @@
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Session.h"
 #include "hosts/cli/line/Commands.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

@@ -4,7 +4,7 @@
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
 #include "hosts/cli/render/TreeText.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

@@ -4,8 +4,8 @@
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
 #include "hosts/cli/render/TreeText.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 
 namespace velkrund {

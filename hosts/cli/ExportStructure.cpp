@@ -4,8 +4,8 @@
 #include "hosts/cli/Session.h"
 #include "hosts/cli/line/Commands.h"
 #include "velkrund/dsp/DSPStructureOperations.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

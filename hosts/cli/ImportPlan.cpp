@@ -4,7 +4,7 @@
 #include "hosts/cli/StrayMarkers.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/dsp/DSPStructure.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -10,7 +10,7 @@
 #include "standalone/discard/DiscardManager.h"
 #include "standalone/discard/DiscardStructures.h"
 #include "velkrund/eif/EIFile.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/installation/Platform.h"
 
 namespace velkrund {
 

@@ -1,9 +1,9 @@
 #include "hosts/cli/StructureAnswers.h"
 
 #include "hosts/cli/render/Texts.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

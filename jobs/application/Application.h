@@ -7,7 +7,7 @@
 #include "standalone/databases/StandaloneManager.h"
 #include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/installation/Platform.h"
 
 namespace velkrund {
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -7,7 +7,7 @@
 #include "jobs/files/FileBeside.h"
 #include "jobs/files/FileOpening.h"
 #include "velkrund/eif/EIFile.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

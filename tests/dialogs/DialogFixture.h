@@ -10,6 +10,7 @@
 #include "tests/support/TestPlatform.h"
 #include "velkrund/dialogs/Ynconf.h"
 #include "velkrund/platform/lctrls/MessageBox.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 
 namespace velkrund::tests {
 

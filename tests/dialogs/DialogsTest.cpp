@@ -12,7 +12,7 @@ TEST(Dialogs, EveryButtonHasItsCode) {
   TDialogPlatform Platform;
   for (const TDialogCase& Case : DialogCases()) {
     TScriptedWindows Windows;
-    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    const TServiceGuard<TWindowSystem> Guard(&Windows);
     Windows.AnswerNext({Case.Button, Case.Ticked()});
     EXPECT_EQ(Case.Ask(), Case.Answer) << Case.Name << " " << Case.Button;
     EXPECT_EQ(Windows.Answered(), std::vector<std::string>{"Объект 東京?"});
@@ -26,7 +26,7 @@ TEST(Dialogs, ClosedWithoutAButton) {
                                                       {"box/cancel", "2"}};
   for (const TDialogCase& Case : DialogCases()) {
     TScriptedWindows Windows;
-    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    const TServiceGuard<TWindowSystem> Guard(&Windows);
     Windows.AnswerNext({"", Case.Ticked()});
     std::string Answer = Answers.at(Case.Name);
     // What the box says counts without a button too, except where the buttons collect the answer.
@@ -67,7 +67,7 @@ TEST(Dialogs, MessageBoxesAnswerWithYesNoAndCancel) {
       Asked = Text;
       return Answer;
     });
-    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    const TServiceGuard<TWindowSystem> Guard(&Windows);
     for (const int NoAnswer : {0, IDOK}) {
       Answer = NoAnswer;
       EXPECT_THROW(Case.Ask(), EQuestionUnanswered) << Case.Name;
@@ -90,7 +90,7 @@ TEST(Dialogs, MessageBoxesAnswerWithYesNoAndCancel) {
     EXPECT_EQ(Flags, MB_OK);
     return Told++ == 0 ? IDOK : 0;
   });
-  const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+  const TServiceGuard<TWindowSystem> Guard(&Windows);
   EXPECT_EQ(ShowMessageBox("told", "", MB_OK), IDOK);
   EXPECT_EQ(ShowMessageBox("traced", "", MB_OK), IDOK);
   EXPECT_EQ(Platform.Log, std::vector<std::string>{"traced"});
@@ -99,7 +99,7 @@ TEST(Dialogs, MessageBoxesAnswerWithYesNoAndCancel) {
 TEST(Dialogs, ScriptsAnswerInOrderAndOnlyWhatIsOffered) {
   TDialogPlatform Platform;
   TScriptedWindows Last, Windows(&Last);
-  const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+  const TServiceGuard<TWindowSystem> Guard(&Windows);
   Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
   Windows.AnswerNext({"YesButton", {}});
   Windows.AnswerNext({"NoButton", {}});

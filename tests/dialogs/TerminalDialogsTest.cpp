@@ -38,7 +38,7 @@ class TTerminalDialogs : public testing::Test {
   std::string Answer(const std::function<std::string()>& Ask, const std::string& Keys) {
     TTerminal Terminal(FProgram);
     TTerminalWindows Windows(Terminal, FProgram, [this] { return Canceled; });
-    const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+    const TServiceGuard<TWindowSystem> Guard(&Windows);
     EXPECT_EQ(write(FPerson, Keys.data(), Keys.size()), static_cast<ssize_t>(Keys.size()));
     try {
       return Ask();
@@ -138,7 +138,7 @@ TEST_F(TTerminalDialogs, StatusLineComesBack) {
   Terminal.Message("a message");
   EXPECT_EQ(Seen(Status), Away + "a message\r\n" + Status);
   TTerminalWindows Windows(Terminal, FProgram, {});
-  const TPlatformGuard Guard({&Platform, nullptr, &Windows});
+  const TServiceGuard<TWindowSystem> Guard(&Windows);
   EXPECT_EQ(write(FPerson, "y\n", 2), 2);
   YesNoConfirmation("?");
   const std::string Shown = Seen(Status);

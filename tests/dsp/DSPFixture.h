@@ -82,11 +82,11 @@ class TMemoryStructures final : public TDSPContainer, public TDSPTable {
 /// A platform with structures.
 class TDSPPlatform final : public TTestPlatform {
  public:
-  TDSPPlatform() : FGuard(TPlatform{this, nullptr, nullptr, &Structures, nullptr}) {}
+  TDSPPlatform() : FGuard(&Structures) {}
   TMemoryStructures Structures;
 
  private:
-  TPlatformGuard FGuard;
+  TServiceGuard<TDSPContainer> FGuard;
 };
 
 inline TKvVariant Int(std::int64_t Number, TKvKind Kind = TKvKind::Integer) { return Integer(Number, Kind); }

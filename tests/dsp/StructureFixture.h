@@ -5,6 +5,8 @@
 #include "tests/dsp/DSPFixture.h"
 #include "velkrund/dsp/Registration.h"
 #include "velkrund/eif/Eifiles.h"
+#include "velkrund/platform/dictionary/Dictionary.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 
 namespace velkrund::tests {
 
@@ -37,7 +39,6 @@ class TGenerators final : public TDictionary, public TDicDatabase {
 /// Structures in a store in memory, files in memory, and answers that a test gives.
 class Structure : public testing::Test {
  protected:
-  Structure() : FGuard(TPlatform{&Platform, nullptr, &Answer, &Platform.Structures, &Generators}) {}
   static void SetUpTestSuite() {
     if (!EITypeList().Find("DSPStructure", 200)) RegisterDSPClasses();
   }
@@ -70,7 +71,8 @@ class Structure : public testing::Test {
   TGenerators Generators;
 
  private:
-  TPlatformGuard FGuard;
+  TServiceGuard<TWindowSystem> FAnswerGuard{&Answer};
+  TServiceGuard<TDictionary> FGeneratorsGuard{&Generators};
 };
 
 }  // namespace velkrund::tests

@@ -2,6 +2,7 @@
 """Plants violations into a small tree and expects scripts/check-layers to name each; and nothing in a clean tree."""
 
 import json
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -21,11 +22,13 @@ CLEAN = {
     "velkrund/dictionary/TableData.cpp": '#include "velkrund/eif/EISource.h"\n',
     "standalone/files/FileSystem.cpp": '#include <fcntl.h>\n#include <sys/stat.h>\n',
     "standalone/drivers/sqlite/Connection.cpp": "#include <sqlite3.h>\n#ifdef SQLITE_OPEN_URI\n#endif\n",
-    "hosts/cli/Main.cpp": '#include <CLI/CLI.hpp>\n#include "velkrund/eif/EISource.h"\n',
+    "hosts/cli/line/Option.cpp": '#include <CLI/CLI.hpp>\n#include "velkrund/eif/EISource.h"\n',
     "tests/eif/EISourceTest.cpp": '#include <gtest/gtest.h>\n#include "velkrund/eif/EISource.h"\n',
     "velkrund/eif/Longest.cpp": "//\n" * 500,
     "examples/export.c": "#include <stdio.h>\n",
 }
+
+WHOLE_PLATFORM = '#include "velkrund/platform/installation/Platform.h"\n'
 
 # The planted file, its text, and where and what the checker has to report.
 VIOLATIONS = [
@@ -34,7 +37,25 @@ VIOLATIONS = [
     ("sideways", "velkrund/dictionary/Bad.cpp", '#include "velkrund/resources/Languages.h"\n', 1,
      "velkrund/dictionary may not use velkrund/resources"),
     ("platform looks up", "velkrund/platform/ormtools/Bad.h", '#include "velkrund/eif/EISource.h"\n', 1,
-     "velkrund/platform may not use velkrund/eif"),
+     "velkrund/platform/ormtools may not use velkrund/eif"),
+    ("values into tables", "velkrund/platform/ormtools/Bad.h", '#include "velkrund/platform/database/Tables.h"\n', 1,
+     "velkrund/platform/ormtools may not use velkrund/platform/database"),
+    ("structures into windows", "velkrund/platform/structures/Bad.cpp",
+     '#include "velkrund/platform/lctrls/Form.h"\n', 1,
+     "velkrund/platform/structures may not use velkrund/platform/lctrls"),
+    ("the module into the whole platform", "velkrund/module/Bad.cpp", WHOLE_PLATFORM, 1,
+     "velkrund/module may not use velkrund/platform/installation"),
+    ("stand-alone into the whole platform", "standalone/databases/Bad.cpp", WHOLE_PLATFORM, 1,
+     "standalone/databases may not use velkrund/platform/installation"),
+    ("a job into the whole platform", "jobs/files/Bad.cpp", WHOLE_PLATFORM, 1,
+     "jobs/files may not use velkrund/platform/installation"),
+    ("a job into a host", "jobs/policies/Bad.cpp", '#include "hosts/cli/line/Option.h"\n', 1,
+     "jobs/policies may not use hosts/cli/line"),
+    ("a job that knows options", "jobs/application/Bad.cpp", "#include <CLI/CLI.hpp>\n", 1,
+     "jobs/application may not use the package CLI11"),
+    ("a job that knows JSON", "jobs/files/Bad.cpp", "#include <nlohmann/json.hpp>\n", 1,
+     "jobs/files may not use the package nlohmann-json"),
+    ("host into host", "hosts/c/Bad.cpp", '#include "hosts/cli/Session.h"\n', 1, "hosts/c may not use hosts/cli"),
     ("module into stand-alone", "velkrund/module/Bad.cpp", '#include "standalone/files/FileSystem.h"\n', 1,
      "velkrund/module may not use standalone/files"),
     ("stand-alone into module", "standalone/tables/Bad.cpp", '#include "velkrund/eif/EISource.h"\n', 1,
@@ -47,7 +68,7 @@ VIOLATIONS = [
      "velkrund/ uses the C++ standard library alone"),
     ("POSIX without the mark", "standalone/tables/Bad.cpp", "#include <sys/stat.h>\n", 1, '"system" mark'),
     ("third party in the module", "velkrund/platform/database/Bad.cpp", "#include <sqlite3.h>\n", 1,
-     "velkrund/platform may not use the package sqlite3"),
+     "velkrund/platform/database may not use the package sqlite3"),
     ("another folder's package", "standalone/tables/Bad.cpp", "#include <spdlog/spdlog.h>\n", 1,
      "standalone/tables may not use the package spdlog"),
     ("unknown package", "hosts/cli/Bad.cpp", "#include <boost/any.hpp>\n", 1, "belongs to no package"),
@@ -67,6 +88,24 @@ VIOLATIONS = [
     ("C in the module", "velkrund/eif/Bad.c", "\n", 1, "nothing builds or checks"),
 ]
 
+# The part of layers.json that is broken, the name of what is broken there, its value, and the message.
+BROKEN_EDGES = [
+    ("cycle", "layers", "velkrund/platform/ormtools", {"uses": ["velkrund/eif"]},
+     "cycle: velkrund/platform/ormtools -> velkrund/eif -> velkrund/platform/ormtools"),
+    ("cycle by a group", "layers", "velkrund/platform/database", {"uses": ["windows"]},
+     "cycle: velkrund/platform/database -> velkrund/platform/"),
+    ("unknown folder", "layers", "velkrund/eif", {"uses": ["velkrund/x"]},
+     "velkrund/eif uses the unknown folder or group velkrund/x"),
+    ("unknown group", "layers", "velkrund/eif", {"uses": ["modules"]},
+     "velkrund/eif uses the unknown folder or group modules"),
+    ("unknown folder in a group", "groups", "module", ["velkrund/eif", "velkrund/x"],
+     "the group module has the unknown folder velkrund/x"),
+    ("a group in a group", "groups", "core", ["velkrund/eif", "platform"],
+     "the group core has the unknown folder platform"),
+    ("group named like a folder", "groups", "velkrund/eif", ["velkrund/dialogs"],
+     "the group velkrund/eif is named like a folder"),
+]
+
 
 def check(files, layers=LAYERS):
     """The exit code and output lines of the checker over a tree of the given files."""
@@ -79,6 +118,19 @@ def check(files, layers=LAYERS):
         return run.returncode, (run.stdout + run.stderr).splitlines()
 
 
+def configure(layers):
+    """What cmake/Layers.cmake says against the edges; it stops there when that is anything."""
+    with tempfile.TemporaryDirectory() as root:
+        Path(root, "layers.json").write_text(layers, encoding="utf-8")
+        shutil.copy(REPOSITORY / "cmake" / "Layers.cmake", root)
+        Path(root, "Edges.cmake").write_text(
+            "cmake_minimum_required(VERSION 3.25)\ninclude(${CMAKE_CURRENT_LIST_DIR}/Layers.cmake)\n"
+            "foreach(Folder IN LISTS VELKRUND_LAYERS)\n  velkrund_layer_uses(Uses ${Folder})\nendforeach()\n",
+            encoding="utf-8")
+        run = subprocess.run(["cmake", "-P", Path(root, "Edges.cmake")], capture_output=True, text=True, check=False)
+        return " ".join(run.stderr.split())  # it breaks its lines anywhere
+
+
 class CheckLayersTest(unittest.TestCase):
     def test_clean_tree_passes(self):
         code, lines = check(CLEAN)
@@ -89,6 +141,10 @@ class CheckLayersTest(unittest.TestCase):
             **CLEAN,
             "velkrund/dictionary/Above.h": "#pragma once\n",
             "standalone/files/FileSystem.h": "#pragma once\n",
+            "velkrund/platform/lctrls/Form.h": "#pragma once\n",
+            "velkrund/platform/installation/Platform.h": "#pragma once\n",
+            "hosts/cli/line/Option.h": "#pragma once\n",
+            "hosts/cli/Session.h": "#pragma once\n",
         }
         for what, path, text, line, message in VIOLATIONS:
             with self.subTest(what):
@@ -99,24 +155,28 @@ class CheckLayersTest(unittest.TestCase):
                 self.assertIn(message, lines[0])
 
     def test_a_check_of_nothing_fails(self):
-        def edited(change):
-            content = json.loads(LAYERS)
-            change(content["layers"])
-            return json.dumps(content)
-
-        rows = [
+        for what, files, layers, message in [
             ("no sources", {"tests/eif/EISourceTest.cpp": ""}, LAYERS, "no source file"),
             ("broken file", CLEAN, "{", "layers.json"),
-            ("cycle", CLEAN, edited(lambda layers: layers["velkrund/platform"]["uses"].append("velkrund/eif")),
-             "cycle: velkrund/platform -> velkrund/eif -> velkrund/platform"),
-            ("unknown folder", CLEAN, edited(lambda layers: layers["velkrund/eif"]["uses"].append("velkrund/x")),
-             "unknown folder velkrund/x"),
-        ]
-        for what, files, layers, message in rows:
+        ]:
             with self.subTest(what):
                 code, lines = check(files, layers)
                 self.assertEqual(code, 2, lines)
                 self.assertIn(message, lines[0])
+
+    def test_broken_edges_are_refused(self):
+        for what, part, name, value, message in BROKEN_EDGES:
+            with self.subTest(what):
+                content = json.loads(LAYERS)
+                content[part][name] = value
+                code, lines = check(CLEAN, json.dumps(content))
+                self.assertEqual(code, 2, lines)
+                self.assertIn(message, lines[0])
+                if not message.startswith("cycle"):  # those are for the checker alone
+                    self.assertIn(message, configure(json.dumps(content)))
+
+    def test_the_build_takes_the_edges_of_the_tree(self):
+        self.assertEqual(configure(LAYERS), "")
 
 
 if __name__ == "__main__":

@@ -2,6 +2,7 @@
 
 #include "tests/support/TestPlatform.h"
 #include "velkrund/operations/Comutils.h"
+#include "velkrund/platform/extcalls/ExtCall.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund::tests {
@@ -160,7 +161,7 @@ TEST(Interface, ScriptCallbacksAreCheckedAndCalled) {
     std::vector<std::string> Trace;
     TFakeCall Calls;
     Calls.Show = &Case.Show, Calls.Cancel = &Case.Cancel, Calls.Trace = &Trace;
-    TPlatformGuard Guard(TPlatform{nullptr, &Calls, nullptr});
+    const TServiceGuard<TExtCallFactory> Guard(&Calls);
     TScriptedInterface Object;
     Object.SetProgressCallBack("M", "Show", "Stop");
     Object.SetShowProgress(true);

@@ -6,6 +6,7 @@
 #include "tests/support/TestPlatform.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/lctrls/MainThreadQueue.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund::tests {
@@ -46,7 +47,7 @@ class TWorkerQuestions : public testing::Test {
 
   TTestPlatform Platform;
   TLoopWindows Windows;
-  TPlatformGuard Guard{{&Platform, nullptr, &Windows}};
+  TServiceGuard<TWindowSystem> Guard{&Windows};
 };
 
 TEST_F(TWorkerQuestions, AreShownOnTheMainThreadAndTheirAnswersComeBack) {
@@ -73,7 +74,7 @@ TEST_F(TWorkerQuestions, ErrorsOfWhoeverAnswersReachTheWorker) {
 }
 
 TEST_F(TWorkerQuestions, NobodyHangsWhereNoLoopRuns) {
-  const TPlatformGuard Without({&Platform, nullptr, nullptr});
+  const TServiceGuard<TWindowSystem> Without(nullptr);
   std::thread Worker([] { EXPECT_THROW(Ask(), EQuestionUnanswered); });
   Worker.join();
 }

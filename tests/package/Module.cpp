@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 

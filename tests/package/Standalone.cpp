@@ -4,15 +4,13 @@
 #include <exception>
 
 #include "standalone/databases/StandaloneManager.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 int main() {
   try {
     velkrund::TStandaloneManager Manager{velkrund::TConfiguration()};
     Manager.Databases().SetCreateMissing(true);
-    velkrund::TPlatform Platform;
-    Platform.ApplicationManager = &Manager;
-    const velkrund::TPlatformGuard Guard(Platform);
+    const velkrund::TServiceGuard<velkrund::TApplicationManager> Guard(&Manager);
 
     const char* const Database = "sqlite:consumer.db";
     velkrund::BaseMng().ExecuteSQL("CREATE TABLE SHOPS (ID INTEGER PRIMARY KEY, CITY TEXT)", Database);

@@ -2,9 +2,10 @@
 
 #include <functional>
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/installation/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 namespace velkrund::tests {
 namespace {
@@ -74,7 +75,7 @@ TEST(Platform, NamesWhatIsNotInstalledAndRestoresWhatWas) {
   {
     const TPlatformGuard OuterGuard({nullptr, nullptr, &Outer});
     {
-      const TPlatformGuard InnerGuard({nullptr, nullptr, &Inner});
+      const TServiceGuard<TWindowSystem> InnerGuard(&Inner);
       EXPECT_EQ(&Windows(), &Inner);
     }
     EXPECT_EQ(&Windows(), &Outer);

@@ -18,7 +18,7 @@
 #include "velkrund/dictionary/Dicutils.h"
 #include "velkrund/eif/Eifiles.h"
 #include "velkrund/module/Module.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/installation/Platform.h"
 
 namespace velkrund::tests {
 

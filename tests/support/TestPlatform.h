@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "tests/support/MemoryFiles.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 namespace velkrund::tests {
 
@@ -13,7 +14,7 @@ namespace velkrund::tests {
 /// at. Tests with tables override what they need.
 class TTestPlatform : public TApplicationManager {
  public:
-  TTestPlatform() : FGuard(TPlatform{this, nullptr, nullptr}) {}
+  TTestPlatform() : FGuard(this) {}
 
   std::unique_ptr<TTable> GetUserTable(const std::string&, const std::string&, bool) override { return nullptr; }
   void StartTransaction(const std::string&, TIsolationLevel) override { Log.push_back("start"); }
@@ -34,7 +35,7 @@ class TTestPlatform : public TApplicationManager {
   std::vector<std::string> Log;
 
  private:
-  TPlatformGuard FGuard;
+  TServiceGuard<TApplicationManager> FGuard;
 };
 
 }  // namespace velkrund::tests

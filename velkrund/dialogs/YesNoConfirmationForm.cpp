@@ -1,6 +1,6 @@
 #include "velkrund/dialogs/YesNoConfirmationForm.h"
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 
 namespace velkrund {
 

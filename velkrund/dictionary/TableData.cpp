@@ -2,7 +2,7 @@
 
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/eif/Section.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

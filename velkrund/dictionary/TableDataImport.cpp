@@ -6,7 +6,7 @@
 #include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/database/EmptyTable.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/Relations.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

@@ -1,7 +1,7 @@
 #include "velkrund/dsp/DSPGeneratorStructure.h"
 
 #include "velkrund/eif/Section.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/dictionary/Dictionary.h"
 
 namespace velkrund {
 

@@ -3,11 +3,12 @@
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/dsp/NodeNames.h"
 #include "velkrund/eif/Section.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

@@ -2,9 +2,9 @@
 #include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/dsp/TreeWriter.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

@@ -3,9 +3,11 @@
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/dsp/TreeMerge.h"
 #include "velkrund/dsp/TreeReader.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

@@ -1,9 +1,9 @@
 #include "velkrund/dsp/DSPStructureOperations.h"
 
 #include "velkrund/operations/PropertyAccess.h"
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 

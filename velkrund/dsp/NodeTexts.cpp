@@ -1,7 +1,7 @@
 #include "velkrund/dsp/NodeTexts.h"
 
 #include "velkrund/dsp/DSPUtilErrors.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -5,7 +5,7 @@
 #include "velkrund/eif/EIStream.h"
 #include "velkrund/eif/TextChecks.h"
 #include "velkrund/eif/TypeList.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "velkrund/eif/TextChecks.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 
 namespace velkrund {
 

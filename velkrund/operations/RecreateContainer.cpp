@@ -2,7 +2,7 @@
 
 #include "velkrund/eif/Section.h"
 #include "velkrund/operations/MessageBoxHook.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"

@@ -1,7 +1,7 @@
 // Progress and cancel of an operation through two functions of a script module.
 
 #include "velkrund/operations/UtilOperationInterface.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/extcalls/ExtCall.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -1,6 +1,6 @@
 #include "velkrund/operations/UtilOperation.h"
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {

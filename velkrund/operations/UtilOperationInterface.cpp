@@ -1,7 +1,7 @@
 #include "velkrund/operations/UtilOperationInterface.h"
 
 #include "velkrund/operations/PropertyAccess.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

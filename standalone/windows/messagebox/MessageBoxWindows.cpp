@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/lctrls/MessageBox.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "standalone/windows/terminal/TerminalText.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {

@@ -12,7 +12,7 @@
 
 #include "standalone/windows/terminal/Choices.h"
 #include "standalone/windows/terminal/TerminalText.h"
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Text.h"
 

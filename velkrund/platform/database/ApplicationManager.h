@@ -67,4 +67,12 @@ class TApplicationManager {
 /// The name under which the module writes its trace lines.
 inline constexpr std::string_view TraceSubsystem = "Velkrund";
 
+/// The installed application manager. Raises EAccessViolation when there is none.
+TApplicationManager& BaseMng();
+/// Installs one for the process, borrowed, or none when null; returns the one before. TServiceGuard undoes it.
+TApplicationManager* InstallService(TApplicationManager* Service);
+
+/// The installed application's settings; the defaults when no application manager is installed.
+const TSettings& WorkSettings();
+
 }  // namespace velkrund

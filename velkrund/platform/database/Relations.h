@@ -54,5 +54,7 @@ class TRelations {
 
 /// The installed relations; null: the platform has none, and every table is loaded by itself.
 TRelations* Relations();
+/// See TInstalledService.
+TRelations* InstallService(TRelations* Service);
 
 }  // namespace velkrund

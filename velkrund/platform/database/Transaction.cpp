@@ -1,6 +1,6 @@
 #include "velkrund/platform/database/Transaction.h"
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

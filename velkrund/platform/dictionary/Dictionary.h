@@ -24,4 +24,9 @@ class TDictionary {
   virtual TDicDatabase& Database(const std::string& DatabaseName) = 0;
 };
 
+/// The installed data dictionary. Raises EAccessViolation when there is none.
+TDictionary& Dictionary();
+/// Installs one for the process, borrowed, or none when null; returns the one before. TServiceGuard undoes it.
+TDictionary* InstallService(TDictionary* Service);
+
 }  // namespace velkrund

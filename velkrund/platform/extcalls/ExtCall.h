@@ -44,4 +44,9 @@ class TExtCallFactory {
   virtual std::unique_ptr<TExtCall> CreateExtCall() = 0;
 };
 
+/// The installed maker of callers. Raises EAccessViolation when there is none.
+TExtCallFactory& ExtCalls();
+/// Installs one for the process, borrowed, or none when null; returns the one before. TServiceGuard undoes it.
+TExtCallFactory* InstallService(TExtCallFactory* Service);
+
 }  // namespace velkrund

@@ -34,16 +34,4 @@ class TPlatformGuard {
   TPlatform FBefore;
 };
 
-// The installed services. Each raises EAccessViolation that names what is missing.
-TApplicationManager& BaseMng();
-TExtCallFactory& ExtCalls();
-TDSPContainer& DSPContainer();
-TDictionary& Dictionary();
-
-/// The installed window system; without one NobodyAtTheScreen.
-TWindowSystem& Windows();
-
-/// The installed application's settings; the defaults when no application manager is installed.
-const TSettings& WorkSettings();
-
 }  // namespace velkrund

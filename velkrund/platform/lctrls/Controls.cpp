@@ -1,6 +1,6 @@
 #include "velkrund/platform/lctrls/Controls.h"
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/lctrls/Form.h"
 
 namespace velkrund {

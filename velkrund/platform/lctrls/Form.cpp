@@ -1,6 +1,5 @@
 #include "velkrund/platform/lctrls/Form.h"
 
-#include "velkrund/platform/database/Platform.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
 
 namespace velkrund {

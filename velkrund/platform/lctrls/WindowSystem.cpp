@@ -2,13 +2,16 @@
 
 #include <mutex>
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 namespace velkrund {
 
 namespace {
+
+constinit TInstalledService<TWindowSystem> Installed("window system");
 
 class TNobody final : public TWindowSystem {
  public:
@@ -33,6 +36,9 @@ TWindowSystem& NobodyAtTheScreen() {
   static TNobody Nobody;
   return Nobody;
 }
+
+TWindowSystem& Windows() { return Installed.Get() ? *Installed.Get() : NobodyAtTheScreen(); }
+TWindowSystem* InstallService(TWindowSystem* Service) { return Installed.Install(Service); }
 
 void Synchronize(const std::function<void()>& Action) { Windows().Synchronize(Action); }
 

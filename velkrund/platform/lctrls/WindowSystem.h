@@ -23,6 +23,11 @@ class TWindowSystem {
 /// trace.
 TWindowSystem& NobodyAtTheScreen();
 
+/// The installed window system; without one NobodyAtTheScreen.
+TWindowSystem& Windows();
+/// Installs one for the process, borrowed, or none when null; returns the one before. TServiceGuard undoes it.
+TWindowSystem* InstallService(TWindowSystem* Service);
+
 /// Runs Action on the main thread and waits for it: at once when called there. To be used by worker threads for
 /// whatever asks the user. Errors of Action come back to the caller.
 void Synchronize(const std::function<void()>& Action);

@@ -37,4 +37,9 @@ class TDSPContainer {
   virtual std::unique_ptr<TDSPFormManager> CreateFormManager(const std::string& DatabaseName) = 0;
 };
 
+/// The installed container. Raises EAccessViolation when there is none.
+TDSPContainer& DSPContainer();
+/// Installs one for the process, borrowed, or none when null; returns the one before. TServiceGuard undoes it.
+TDSPContainer* InstallService(TDSPContainer* Service);
+
 }  // namespace velkrund

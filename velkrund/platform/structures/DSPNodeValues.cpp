@@ -1,6 +1,6 @@
 // What a node's value is, and what it can be taken for.
 
-#include "velkrund/platform/database/Platform.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 #include "velkrund/platform/structures/DSPNode.h"

@@ -1,0 +1,15 @@
+#include "velkrund/platform/dictionary/Dictionary.h"
+
+#include "velkrund/platform/ormtools/InstalledService.h"
+
+namespace velkrund {
+namespace {
+
+constinit TInstalledService<TDictionary> Installed("data dictionary");
+
+}  // namespace
+
+TDictionary& Dictionary() { return Installed.Required(); }
+TDictionary* InstallService(TDictionary* Service) { return Installed.Install(Service); }
+
+}  // namespace velkrund

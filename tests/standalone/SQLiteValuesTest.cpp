@@ -1,53 +1,20 @@
 #include <gmock/gmock.h>
-#include <unistd.h>
 
-#include <cmath>
+#include <limits>
 #include <random>
 
-#include "standalone/drivers/sqlite/SQLiteDriver.h"
 #include "standalone/drivers/sqlite/SQLiteTypes.h"
-#include "standalone/tables/DriverTable.h"
-#include "tests/standalone/Support.h"
+#include "tests/standalone/SQLiteFixture.h"
 
 namespace velkrund::tests {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::StartsWith;
 
-class SQLiteDriverTest : public testing::Test {
- protected:
-  std::unique_ptr<TConnection> Connect(const std::string& Path, TConnectOptions Options = {.CreateMissing = true}) {
-    return TSQLiteDriver().Connect({"sqlite", Path}, Options);
-  }
-  void Run(const std::string& Statement) { Connection->Execute(Statement); }
-  TDriverTable Open(const std::string& Name) {
-    return {*Connection, Connection->Schema().FindTable(Name).value(), true};
-  }
+class SQLiteValuesTest : public SQLiteFixture {};
 
-  /// Appends one value to a new table (C DeclaredType); the error, or what is stored: "typeof value".
-  std::string Store(const std::string& Definition, const std::function<void(TKvVariant&)>& Set) {
-    Run("DROP VIEW IF EXISTS V");
-    Run("DROP TABLE IF EXISTS S");
-    Run("CREATE TABLE S " + Definition);
-    const std::string Error = ErrorOf([&] {
-      TDriverTable Table = Open("S");
-      Table.BeginAppend();
-      Set(Table.Record().Fields(0).Buffer());
-      Table.AppendRecord();
-      Table.EndAppend();
-    });
-    if (Error != "no error") return Error;
-    Run("CREATE VIEW V AS SELECT CAST(typeof(C) || ' ' || quote(C) AS TEXT) FROM S");
-    return Rows(*Connection, "V").at(0).substr(3);
-  }
-
-  TTemporaryFolder Folder;
-  std::unique_ptr<TConnection> Connection = Connect(":memory:");
-};
-
-TEST_F(SQLiteDriverTest, EveryCellOfEveryDeclaredTypeIsCopiedByTypeAndBytes) {
+TEST_F(SQLiteValuesTest, EveryCellOfEveryDeclaredTypeIsCopiedByTypeAndBytes) {
   const char* const Types[] = {
       "",     "INTEGER", "BIGINT",   "REAL",  "DOUBLE PRECISION", "TEXT",      "CHAR(9)",       "BLOB",    "BOOLEAN",
       "DATE", "TIME",    "DATETIME", "MONEY", "CURRENCY",         "TIMESTAMP", "DECIMAL(12,2)", "NUMERIC", "UNKNOWN"};
@@ -115,7 +82,7 @@ TEST_F(SQLiteDriverTest, EveryCellOfEveryDeclaredTypeIsCopiedByTypeAndBytes) {
   EXPECT_EQ(Target.RecordCount(), static_cast<std::int64_t>(std::size(Literals)));
 }
 
-TEST_F(SQLiteDriverTest, TheDeclaredTypeLeadsWhereTheCellFits) {
+TEST_F(SQLiteValuesTest, TheDeclaredTypeLeadsWhereTheCellFits) {
   struct TCase {
     const char* Type;
     const char* Literal;
@@ -153,7 +120,7 @@ TEST_F(SQLiteDriverTest, TheDeclaredTypeLeadsWhereTheCellFits) {
   }
 }
 
-TEST_F(SQLiteDriverTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
+TEST_F(SQLiteValuesTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
   const auto Text = [](std::string_view T) { return [T](TKvVariant& V) { V.SetText(T); }; };
   const auto Ansi = [](TKvVariant& V) { V.SetText("\xC0\xE1", TKvKind::AnsiString); };
   const auto Integer = [](std::int64_t N) { return [N](TKvVariant& V) { V.SetInteger(N); }; };
@@ -210,7 +177,7 @@ TEST_F(SQLiteDriverTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
   }
 }
 
-TEST_F(SQLiteDriverTest, TheFateOfTextsIsTheEnginesOwn) {
+TEST_F(SQLiteValuesTest, TheFateOfTextsIsTheEnginesOwn) {
   Run("CREATE TABLE N (T TEXT, I INTEGER, N NUMERIC, R REAL)");
   std::mt19937 Random(7);
   const std::string_view Alphabet = "0123459..+-eE \t\v\rx";
@@ -252,105 +219,7 @@ TEST_F(SQLiteDriverTest, TheFateOfTextsIsTheEnginesOwn) {
   EXPECT_GT(Kept, 1000);
 }
 
-TEST_F(SQLiteDriverTest, RowsComeInRowOrderThoughAnIndexHoldsAllColumns) {
-  Run("CREATE TABLE T (A INTEGER, PAD TEXT)");
-  Run("CREATE INDEX I ON T (A)");
-  for (const char* Value : {"3", "1", "2"}) Run(std::string("INSERT INTO T (A) VALUES (") + Value + ")");
-  const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable("T"));
-  const int Columns[] = {0};
-  const auto Cursor = Connection->Rows().OpenCursor(Table, Columns);
-  std::vector<std::int64_t> Read;
-  TKvVariant Value;
-  while (Cursor->Next()) Cursor->Read(0, Value), Read.push_back(Value.AsInteger());
-  EXPECT_THAT(Read, ElementsAre(3, 1, 2));
-}
-
-TEST_F(SQLiteDriverTest, NoRowIsDroppedWithoutAWord) {
-  const auto Key = [](TKvVariant& V) { V.SetInteger(1); };
-  const char* const Definitions[] = {"(C INTEGER UNIQUE ON CONFLICT IGNORE)", "(C INTEGER UNIQUE ON CONFLICT REPLACE)",
-                                     "(C INTEGER UNIQUE ON CONFLICT ROLLBACK)"};
-  for (const char* Definition : Definitions) {
-    SCOPED_TRACE(Definition);
-    EXPECT_EQ(Store(Definition, Key), "integer 1");
-    Connection->Begin(TIsolationLevel::RepeatableRead);
-    TDriverTable Table = Open("S");
-    Table.BeginAppend();
-    Key(Table.Record().Fields(0).Buffer());
-    EXPECT_THAT(ErrorOf([&] { Table.AppendRecord(), Table.EndAppend(); }), HasSubstr("UNIQUE constraint failed: S.C"));
-    Connection->Commit();
-    EXPECT_EQ(Table.RecordCount(), 1);
-  }
-  Run("CREATE TABLE T (C)");
-  Run("CREATE TRIGGER I BEFORE INSERT ON T WHEN new.C = 2 BEGIN SELECT raise(IGNORE); END");
-  TDriverTable Table = Open("T");
-  Table.BeginAppend();
-  Table.Record().Fields(0).Buffer().SetInteger(1);
-  Table.AppendRecord();
-  Table.Record().Fields(0).Buffer().SetInteger(2);
-  EXPECT_EQ(ErrorOf([&] { Table.AppendRecord(); }),
-            "EDatabaseError: Can not append record 2 to table 'T': a trigger of the table has ignored it");
-}
-
-// Many rows go to the engine at once; what is wrong with one of them is told as if it had come alone.
-TEST_F(SQLiteDriverTest, ARowAmongManyIsBlamedByItsNumber) {
-  constexpr int Rows = 150;
-  const struct {
-    const char* Fault;
-    const char* Error;
-    void (*Spoil)(TField& Key, TField& Value);
-  } Faults[] = {
-      {"unique", "UNIQUE constraint failed: T.K", [](TField& Key, TField&) { Key.Buffer().SetInteger(-1); }},
-      {"missing", "NOT NULL constraint failed: T.V", [](TField&, TField& Value) { Value.Buffer().SetNull(); }},
-      {"refused", "column 'V': the engine has no NaN", [](TField&, TField& V) { V.Buffer().SetReal(std::nan("")); }},
-      {"check", "CHECK constraint failed", [](TField&, TField& Value) { Value.Buffer().SetText("wrong"); }},
-  };
-  Run("CREATE TABLE T (K INTEGER UNIQUE, V NOT NULL CHECK (V <> 'wrong'))");
-  Run("INSERT INTO T VALUES (-1, 'there')");
-  for (const auto& Fault : Faults) {
-    for (const int Bad : {1, 63, 64, 65, 100, Rows}) {
-      SCOPED_TRACE(std::string(Fault.Fault) + " in record " + std::to_string(Bad));
-      TDriverTable Table = Open("T");
-      Connection->Begin(TIsolationLevel::RepeatableRead);
-      const std::string Error = ErrorOf([&] {
-        Table.BeginAppend();
-        for (int Row = 1; Row <= Rows; ++Row) {
-          Table.ClearData();
-          Table.FieldByName("K").Buffer().SetInteger(Row);
-          Table.FieldByName("V").Buffer().SetText("good");
-          if (Row == Bad) Fault.Spoil(Table.FieldByName("K"), Table.FieldByName("V"));
-          Table.AppendRecord();
-        }
-        Table.EndAppend();
-      });
-      EXPECT_THAT(Error, HasSubstr("record " + std::to_string(Bad) + " to table 'T'"));
-      EXPECT_THAT(Error, HasSubstr(Fault.Error));
-      Connection->Rollback();
-      EXPECT_EQ(Table.RecordCount(), 1);
-    }
-  }
-}
-
-TEST_F(SQLiteDriverTest, SmallAndLargeRowsKeepTheirOrder) {
-  Run("CREATE TABLE T (N INTEGER, V TEXT)");
-  TDriverTable Table = Open("T");
-  Connection->Begin(TIsolationLevel::RepeatableRead);
-  Table.BeginAppend();
-  std::string Text;
-  for (int Row = 1; Row <= 500; ++Row) {
-    Table.ClearData();
-    Text.assign(Row % 90 == 0 ? 100'000U : static_cast<std::size_t>(Row), static_cast<char>('a' + Row % 26));
-    Table.FieldByName("N").Buffer().SetInteger(Row);
-    Table.FieldByName("V").Buffer().BorrowText(Text);
-    Table.AppendRecord();
-  }
-  Table.EndAppend();
-  Connection->Commit();
-  Run("DELETE FROM T WHERE N = rowid AND length(V) = iif(N % 90, N, 100000) AND "
-      "replace(V, char(97 + N % 26), '') = ''");
-  EXPECT_EQ(Table.RecordCount(), 0);
-}
-
-TEST_F(SQLiteDriverTest, WideDatabasesHoldTheSameTexts) {
+TEST_F(SQLiteValuesTest, WideDatabasesHoldTheSameTexts) {
   auto Wide = Connect(Folder / "wide.db");
   Wide->Execute("PRAGMA encoding = 'UTF-16le'");
   Wide->Execute("CREATE TABLE T (C TEXT, D DATE)");
@@ -365,93 +234,6 @@ TEST_F(SQLiteDriverTest, WideDatabasesHoldTheSameTexts) {
               HasSubstr("record 2 to table 'T', column 'C': the text has characters that UTF-16 can not hold"));
   const std::string Nul(1, '\0');
   EXPECT_THAT(Rows(*Wide, "T"), ElementsAre("10 имя 🌸" + Nul + "b|14 2024-02-29", "10 東" + Nul + "京|0 "));
-}
-
-TEST_F(SQLiteDriverTest, OpeningSaysWhatIsWrong) {
-  Folder.Write("text.db", std::string(5000, 'x'));
-  Folder.Write("empty.db", "");
-  const TConnectOptions Plain;
-  struct TCase {
-    std::string Path;
-    std::string Error;
-  };
-  const TCase Cases[] = {
-      {"", "EDatabaseError: The database address 'sqlite:' names no file"},
-      {Folder / "missing.db", "EDatabaseError: The database file '" + Folder / "missing.db" + "' does not exist"},
-      {Folder / "", "EDatabaseError: The database '" + Folder / "" + "' is a folder"},
-      {Folder / "text.db", "EDatabaseError: Can not open the database '" + Folder / "text.db" +
-                               "': file is not a database (SQLite error 26)"},
-      {Folder / "empty.db", "no error"},
-  };
-  for (const TCase& Case : Cases) EXPECT_THAT(ErrorOf([&] { Connect(Case.Path, Plain); }), StartsWith(Case.Error));
-  EXPECT_FALSE(std::filesystem::exists(Folder / "missing.db"));
-  Connect(Folder / "100%41 file:x?mode=ro.db")->Execute("CREATE TABLE T (C)");
-  EXPECT_TRUE(std::filesystem::exists(Folder / "100%41 file:x?mode=ro.db"));
-}
-
-TEST_F(SQLiteDriverTest, AFileWithoutWriteRightsIsReadAndNotWritten) {
-  const std::string Path = Folder / "fixed.db";
-  {
-    auto Made = Connect(Path);
-    Made->Execute("CREATE TABLE T (C)");
-    Made->Execute("INSERT INTO T VALUES (1)");
-  }
-  std::filesystem::permissions(Path, std::filesystem::perms(0444));
-  std::filesystem::permissions(Folder / "", std::filesystem::perms(0755));
-  // Rights do not bind the superuser.
-  const uid_t User = geteuid();
-  ASSERT_EQ(seteuid(User == 0 ? 65534 : User), 0);
-  const std::string Refused = ErrorOf([&] {
-    Connection = Connect(Path, {});
-    EXPECT_TRUE(Connection->Capabilities().ReadOnly);
-    EXPECT_THAT(Rows(*Connection, "T"), ElementsAre("18 1"));
-    EXPECT_THAT(ErrorOf([&] { Run("DELETE FROM T"); }), HasSubstr("its file or folder can not be written"));
-    Connection->Begin(TIsolationLevel::RepeatableRead);
-    Open("T").BeginAppend();
-  });
-  ASSERT_EQ(seteuid(User), 0);
-  EXPECT_EQ(Refused, "EDatabaseError: Can not append to table 'T': the database is opened for reading only");
-}
-
-TEST_F(SQLiteDriverTest, ARolledBackStatementOfTheEngineEndsTheTransaction) {
-  Run("CREATE TABLE T (C UNIQUE)");
-  Run("INSERT INTO T VALUES (1)");
-  Connection->Begin(TIsolationLevel::RepeatableRead);
-  Run("INSERT INTO T VALUES (2)");
-  EXPECT_THAT(ErrorOf([&] { Run("INSERT OR ROLLBACK INTO T VALUES (1)"); }), HasSubstr("UNIQUE"));
-  EXPECT_THAT(ErrorOf([&] { Connection->Commit(); }), HasSubstr("the engine has rolled it back"));
-  Connection->Rollback();
-  EXPECT_EQ(Rows(*Connection, "T").size(), 1U);
-}
-
-TEST_F(SQLiteDriverTest, ALongStatementIsStopped) {
-  int Asked = 0;
-  Connection = Connect(Folder / "stopped.db", {.CreateMissing = true, .Canceled = [&] { return ++Asked == 3; }});
-  Run("CREATE TABLE T (C)");
-  EXPECT_THAT(ErrorOf([&] {
-                Run("WITH RECURSIVE N(I) AS (SELECT 1 UNION ALL SELECT I + 1 FROM N LIMIT 100000000) "
-                    "INSERT INTO T SELECT I FROM N WHERE I < 0");
-              }),
-              StartsWith("EAbort: "));
-  Run("INSERT INTO T VALUES (1)");
-  EXPECT_EQ(Rows(*Connection, "T").size(), 1U);
-}
-
-TEST_F(SQLiteDriverTest, VirtualTablesAreOneTable) {
-  Run("CREATE VIRTUAL TABLE F USING fts5(A, B)");
-  Run("CREATE TABLE T (C INTEGER PRIMARY KEY AUTOINCREMENT)");
-  std::vector<std::string> Names;
-  for (const TTableInfo& Table : Connection->Schema().Tables()) Names.push_back(Table.Name);
-  EXPECT_THAT(Names, ElementsAre("F", "T"));
-  TDriverTable Table = Open("f");
-  EXPECT_EQ(Table.Record().FieldCount(), 2);
-  Table.BeginAppend();
-  Table.FieldByName("A").Buffer().SetText("one");
-  Table.AppendRecord();
-  Table.EndAppend();
-  EXPECT_THAT(Rows(*Connection, "F"), ElementsAre("10 one|0 "));
-  EXPECT_FALSE(Connection->Schema().TableBytes(Table.Description().Table));
-  EXPECT_GT(Connection->Schema().TableBytes(*Connection->Schema().FindTable("T")).value(), 0);
 }
 
 }  // namespace

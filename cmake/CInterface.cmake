@@ -1,32 +1,19 @@
 # libvelkrund-c: everything in one shared library, of which only the C functions of velkrund/module/Velkrund.h are seen.
-# Made of the objects that hosts/c needs, so that it depends on nothing of ours, however the other libraries are
+# Made of the objects of the folders that hosts/c reaches, so that it depends on nothing of ours, however the other libraries are
 # built.
 
 if(NOT VELKRUND_BUILD_STANDALONE)
   return()
 endif()
 
-velkrund_layer_names(Layers velkrund standalone jobs)
-set(Objects)
-set(AllPackages)
-foreach(Layer IN LISTS Layers ITEMS hosts/c)
-  string(REPLACE "/" "-" Name "${Layer}")
-  if(TARGET ${Name}-objects)
-    list(APPEND Objects $<TARGET_OBJECTS:${Name}-objects>)
-    velkrund_layer_packages(Packages "${Layer}")
-    list(APPEND AllPackages ${Packages})
-  endif()
-endforeach()
-list(REMOVE_DUPLICATES AllPackages)
-
+velkrund_layer_reach(Reached hosts/c)
+velkrund_compiled_layers(Compiled ${Reached})
 set(Exports "${PROJECT_SOURCE_DIR}/cmake/velkrund-c.map")
-add_library(velkrund-c SHARED ${Objects})
-set_target_properties(velkrund-c PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS "${Exports}" VERSION ${PROJECT_VERSION}
-                      SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
-target_link_libraries(velkrund-c PRIVATE ${AllPackages} Threads::Threads)
+add_library(velkrund-c SHARED)
+velkrund_gather(velkrund-c ${Compiled})
+set_target_properties(velkrund-c PROPERTIES LINK_DEPENDS "${Exports}")
 target_link_options(velkrund-c PRIVATE "LINKER:--version-script=${Exports}")
 target_include_directories(velkrund-c INTERFACE "${PROJECT_SOURCE_DIR}")
-velkrund_link_time_optimization(velkrund-c)
 
 # Relative, so that an installed copy can be moved.
 set(Prefix "${CMAKE_INSTALL_PREFIX}")

@@ -18,9 +18,6 @@ endif()
 
 if(TARGET hosts-cli)
   install(TARGETS hosts-cli)
-  cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
-             OUTPUT_VARIABLE LibrariesFromPrograms)
-  set_target_properties(hosts-cli PROPERTIES INSTALL_RPATH "$ORIGIN/${LibrariesFromPrograms}")
 
   # What the command tells about itself: its manual page, and the scripts that make shells complete its lines.
   set(CommandTexts)

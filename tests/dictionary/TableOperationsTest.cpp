@@ -8,6 +8,15 @@
 namespace velkrund::tests {
 namespace {
 
+/// Every table is there, and empty.
+class TPlatformWithTables : public TTestPlatform {
+ public:
+  std::unique_ptr<TTable> GetUserTable(const std::string& Name, const std::string&, bool) override {
+    if (Name == "GONE") return nullptr;
+    return std::make_unique<TMemoryTable>(Name, TMemoryTable::TColumns{{"A", TKvKind::Int64}});
+  }
+};
+
 class TableOperations : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -20,7 +29,7 @@ class TableOperations : public testing::Test {
     AppendRow(Table, {Integer(1)});
   }
 
-  TTestPlatform Platform;
+  TPlatformWithTables Platform;
   TEIFile File;
   TMemoryTable Table;
 };
@@ -80,6 +89,44 @@ TEST_F(TableOperations, FailuresAndCancellationAreResults) {
       "EEIError:Can not import table data. Error opening table (TableName:'GONE'); FileName: t.eif; Line: 3 "
       "OwnerException: \r\nEDicUtilError: "))
       << Import.LastError();
+}
+
+TEST_F(TableOperations, StrictnessIsOfTheRun) {
+  TMemoryTable Texts("T", {{"A", TKvKind::String}});
+  AppendRow(Texts, {Text("日")});
+  TUOExportTableDataInterface Export;
+  Export.SetTarget(&File);
+  Export.SetTable(&Texts);
+  Export.SetTableName("T");
+  Export.SetSectionName("S");
+  for (const auto Release : {TExportReleaseVersion::rv17, TExportReleaseVersion::rv20}) {
+    Export.SetReleaseVersion(Release);
+    Export.SetEncoding(TKvEncoding::Ansi);
+    for (const bool Strict : {true, false}) {
+      Platform.WorkSettings.StrictText = !Strict;
+      File.SetStrictText(Strict);
+      EXPECT_EQ(Export.Execute(), Strict ? 0 : 1) << Export.LastError();
+    }
+  }
+
+  Platform.MemoryFiles.Put("v.eif",
+                           "[SECTION]\r\nType=TableData\r\nVersion=200\r\nName=S\r\nTableName=T\r\n[DATA]\r\n"
+                           "[FIELDS]\r\nA\r\n[RECORDS]\r\n<abc>\r\n[END]\r\n");
+  TEIFile Values(Platform.MemoryFiles);
+  Values.SetFileName("v.eif");
+  Values.Open();
+  TUOImportTableDataInterface Import;
+  Import.SetSource(&Values);
+  auto& Operation = static_cast<TUOImportTableData&>(Import.Operation());
+  for (const auto& [OfRun, OfApplication, Refused] : {std::tuple<std::optional<bool>, bool, bool>{{}, true, true},
+                                                      {{}, false, false},
+                                                      {true, false, true},
+                                                      {false, true, false}}) {
+    Operation.StrictValues = OfRun;
+    Platform.WorkSettings.StrictValues = OfApplication;
+    EXPECT_EQ(Import.Execute(), Refused ? 0 : 1) << Import.LastError();
+    EXPECT_EQ(Operation.Report.NullsMade, Refused ? 0 : 1);
+  }
 }
 
 TEST_F(TableOperations, PropertiesByName) {

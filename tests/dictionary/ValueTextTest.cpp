@@ -217,13 +217,14 @@ TEST_F(ValueText, OldEncodingRefusesTheRest) {
 
 TEST_F(ValueText, LostTextIsCountedOrRefused) {
   Platform.WorkSettings.StrictText = true;
-  EXPECT_EQ(ErrorOf([&] { Write(Current, Text("a\xFF")); }),
+  TEITableData Strict;
+  TEIOldTableData StrictOld;
+  EXPECT_EQ(ErrorOf([&] { Write(Strict, Text("a\xFF")); }),
             "EDicUtilError: A text is not valid UTF-8 (Field:'F';Record:1). Allow losses to keep it with replacement "
             "characters");
-  EXPECT_EQ(ErrorOf([&] { Write(Old, Text("日")); }),
+  EXPECT_EQ(ErrorOf([&] { Write(StrictOld, Text("日")); }),
             "EDicUtilError: A text has characters that code page 1251 lacks (Field:'F';Record:1). Use version 200 in "
             "UTF-8, or allow losses");
-  Platform.WorkSettings.StrictText = false;
   EXPECT_EQ(Write(Current, Text("a\xFF\xC3(")), "'a\xEF\xBF\xBD\xEF\xBF\xBD('");
 }
 

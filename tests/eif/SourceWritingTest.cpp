@@ -128,12 +128,12 @@ TEST_F(SourceWriting, LostCharactersAreCountedOrRefused) {
     TMemorySource Source;
     Source.SetDefaultEncoding(Case.Encoding);
     Source.Open();
-    Platform.WorkSettings.StrictText = false;
+    Source.SetStrictText(false);
     Source.ExportObject(Section, Case.Name);
     EXPECT_NE(Source.Bytes().find(Case.Written), std::string::npos) << Source.Bytes();
     EXPECT_EQ(Source.Losses(), Case.Losses) << Case.Written;
     const std::string Before = Source.Bytes();
-    Platform.WorkSettings.StrictText = true;
+    Source.SetStrictText(true);
     try {
       Source.ExportObject(Section, Case.Name);
       ADD_FAILURE() << "no error for " << Case.Written;
@@ -145,10 +145,12 @@ TEST_F(SourceWriting, LostCharactersAreCountedOrRefused) {
 
   const std::string Broken =
       "[SECTION]\r\nEncoding=UTF8\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n\xFF\r\n[END]\r\n";
+  Platform.WorkSettings.StrictText = true;
   TMemorySource Reader(Broken);
+  Platform.WorkSettings.StrictText = false;  // is asked when a source is made
   Reader.Open();
   EXPECT_THROW(Reader.ImportObject(*Reader.CreateEIObject(0)), EEIError);
-  Platform.WorkSettings.StrictText = false;
+  Reader.SetStrictText(false);
   TTextSection Read;
   Reader.ImportObject(Read);
   EXPECT_EQ(Read.Lines, std::vector<std::string>{"\xEF\xBF\xBD"});

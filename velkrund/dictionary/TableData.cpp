@@ -28,7 +28,15 @@ constinit const TEIObjectDescriptor TEIOldTableData::Descriptor{
     "TEIOldTableData", &TEICommonTableData::Descriptor, TableDataType, 100, TSectionRole::TableData,
     nullptr,           &Make<TEIOldTableData>};
 
-TEICommonTableData::TEICommonTableData() : StrictValues(WorkSettings().StrictValues) {}
+TEICommonTableData::TEICommonTableData()
+    : StrictValues(WorkSettings().StrictValues), FStrictText(WorkSettings().StrictText) {}
+
+void TEICommonTableData::BeginRun(TEIStream& Stream) {
+  *Report = {};
+  FLosses = &Stream.Losses();
+  FStrictText = Stream.StrictText();
+  FWritesAnsi = Stream.Encoding() == TKvEncoding::Ansi;
+}
 
 void TEICommonTableData::FillParameters(TEISectionParameters& Parameters) {
   Parameters.AddParam(TableNameParameter, TableName);
@@ -49,7 +57,7 @@ void TEICommonTableData::TextLost(const TField& Field, std::int64_t Unrepresenta
     FLosses->Unrepresentable += Unrepresentable;
     FLosses->Malformed += Malformed;
   }
-  if (!WorkSettings().StrictText) return;
+  if (!FStrictText) return;
   const std::string Place = Format("(Field:'%s';Record:%d)", Field.Name(), Report->RowCount + 1);
   if (Malformed)
     throw EDicUtilError(

@@ -70,16 +70,19 @@ class TEICommonTableData : public TEIObject {
 
  protected:
   /// To be called where characters of a text in the current record cannot be kept; counts them, and raises an error
-  /// that names field and record where the application is strict about text.
+  /// that names field and record where the run is strict about text.
   void TextLost(const TField& Field, std::int64_t Unrepresentable, std::int64_t Malformed);
   /// A value that cannot be read: raises Message, or makes the field NULL where values are not strict.
   void Unparseable(TField& Field, const std::string& Message);
   /// Whether the section is written in the code page.
   bool WritesAnsi() const { return FWritesAnsi; }
+  /// Whether characters that can not be kept are errors: as the stream has it, outside of a run as the application had.
+  bool StrictText() const { return FStrictText; }
 
  private:
   struct TImportField;
 
+  void BeginRun(TEIStream& Stream);
   TTable& TakeTable(std::unique_ptr<TTable>& Owned, std::string_view Purpose);
   TStringList ExportedNames(TTable& Source) const;
   void ExportRecords(TTable& Source, const std::vector<TField*>& Columns, TEIStream& Stream);
@@ -96,6 +99,7 @@ class TEICommonTableData : public TEIObject {
   TTableDataReport FOwnReport;
   std::string FRecord;
   bool FWritesAnsi = false;
+  bool FStrictText;
   TTextLosses* FLosses = nullptr;  // borrowed from the stream, during a run
 };
 

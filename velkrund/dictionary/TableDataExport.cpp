@@ -40,9 +40,7 @@ TStringList TEICommonTableData::ExportedNames(TTable& Source) const {
 }
 
 void TEICommonTableData::ExportData(TEIStream& Stream) {
-  *Report = {};
-  FLosses = &Stream.Losses();
-  FWritesAnsi = Stream.Encoding() == TKvEncoding::Ansi;
+  BeginRun(Stream);
   Stream.Writeln(" [FIELDS]");
   std::unique_ptr<TTable> Owned;
   TTable& Source = TakeTable(Owned, "export");

@@ -85,9 +85,8 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
 }
 
 void TEICommonTableData::ImportData(TEIStream& Stream) {
-  *Report = {};
+  BeginRun(Stream);
   FStopped = false;
-  FLosses = &Stream.Losses();
   const std::vector<std::string> Names = ReadFieldNames(Stream);
   std::unique_ptr<TTable> Owned;
   TTable& Target = TakeTable(Owned, "import");

@@ -57,6 +57,7 @@ void TUOImportTableData::InitEIObject(TEIObject& Object) {
   Section.Append = Append;
   Section.SkipMissingFields = SkipMissingFields;
   Section.Fields = Fields;
+  Section.StrictValues = StrictValues.value_or(Section.StrictValues);
   if (!TableName.empty()) Section.TableName = TableName;
   Section.Loading = Loading;
   Section.Report = &Report;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ class TUOImportTableData : public TImportUtilOperation {
   bool Append = false;                  // keep the rows that are there; otherwise an SQL table is emptied first
   bool SkipMissingFields = true;        // fields of the file that the table lacks are passed over; otherwise an error
   const TStringList* Fields = nullptr;  // borrowed; null: all fields of the file
+  std::optional<bool> StrictValues;     // an unparseable value is an error, or NULL; nothing: as the application has it
   TTableLoading* Loading = nullptr;     // borrowed; the tables that are loaded in one go with it; null: it alone
   TTableDataReport Report;              // of the last run
 

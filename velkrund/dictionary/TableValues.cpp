@@ -125,7 +125,7 @@ void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, st
 
 // The stream would replace what the code page lacks; here field and record can still be named.
 void TEITableData::CheckRepresentable(const TField& Field, std::string_view Text) {
-  if (!WorkSettings().StrictText) return;
+  if (!StrictText()) return;
   std::string Bytes;
   if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Field, Lost, 0);
 }

@@ -6,10 +6,10 @@
 
 namespace velkrund {
 
-void ReportLosses(TTextLosses& Total, const TTextLosses& Lost, const TDSPNode& Node) {
-  Total.Malformed += Lost.Malformed;
-  Total.Unrepresentable += Lost.Unrepresentable;
-  if (!Lost.Any() || !WorkSettings().StrictText) return;
+void ReportLosses(TEIStream& Stream, const TTextLosses& Lost, const TDSPNode& Node) {
+  Stream.Losses().Malformed += Lost.Malformed;
+  Stream.Losses().Unrepresentable += Lost.Unrepresentable;
+  if (!Lost.Any() || !Stream.StrictText()) return;
   const std::string Place = Format("(Node:'%s')", Node.Parent() ? Node.GetFullName() : Node.Name());
   if (Lost.Malformed)
     throw EDSPUtilError(

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "velkrund/eif/EIStream.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 #include "velkrund/platform/structures/DSPNode.h"
@@ -69,7 +70,8 @@ class TOldNodeTexts final : public TNodeTexts {
   const TCodePage& FPage;
 };
 
-/// Adds Lost to Total. Raises EDSPUtilError naming the node when there is any and the application is strict about text.
-void ReportLosses(TTextLosses& Total, const TTextLosses& Lost, const TDSPNode& Node);
+/// Adds Lost to those of the stream. Raises EDSPUtilError naming the node when there is any and the stream is strict
+/// about text.
+void ReportLosses(TEIStream& Stream, const TTextLosses& Lost, const TDSPNode& Node);
 
 }  // namespace velkrund

@@ -89,7 +89,7 @@ void TDSPTreeReader::ReadTypeAndValue(std::string_view Text, TDSPNode& Node) {
   if (!Type) throw EDSPUtilError(Format("Can not import DSP structure. Invalid node type:'%s'.", Word));
   TTextLosses Lost;
   FTexts.ReadValue(Node, *Type, Value, Lost);
-  if (Lost.Any()) ReportLosses(FStream.Losses(), Lost, Node);
+  if (Lost.Any()) ReportLosses(FStream, Lost, Node);
 }
 
 }  // namespace velkrund

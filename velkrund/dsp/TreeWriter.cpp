@@ -66,7 +66,7 @@ void TDSPTreeWriter::WriteNode(const TDSPNode& Node, std::size_t Depth) {
     if (!FTexts.HasEmptyWord()) throw EDSPError("Invalid name of node for export: " + Node.Name());
     FLine += ':';
   }
-  if (Lost.Any()) ReportLosses(FStream.Losses(), Lost, Node);
+  if (Lost.Any()) ReportLosses(FStream, Lost, Node);
   WriteLine(FCutsAtBreaks ? FTexts.LineBreak(Type) : std::string_view());
 }
 

@@ -37,7 +37,7 @@ bool EndsWithLineEnd(TStream& Stream, std::int64_t Size) {
 
 }  // namespace
 
-TEISource::TEISource() : FCodec(*WorkSettings().AnsiCodePage) {}
+TEISource::TEISource() : FStrictText(WorkSettings().StrictText), FCodec(*WorkSettings().AnsiCodePage) {}
 
 TEISource::~TEISource() = default;
 
@@ -53,14 +53,14 @@ std::string_view TEISource::ReadlnString(TKvEncoding Encoding) {
   const std::string_view Raw = ReadRaw();
   const std::int64_t Before = FLosses.Malformed;
   const std::string_view Line = FCodec.Decode(Raw, Encoding, FLosses);
-  if (FLosses.Malformed != Before) CheckTextRead(Stream().Position());
+  if (FStrictText && FLosses.Malformed != Before) RefuseTextRead(Stream().Position());
   return Line;
 }
 
 void TEISource::WritelnString(std::string_view Text, TKvEncoding Encoding) {
   const TTextLosses Before = FLosses;
   const std::string_view Bytes = FCodec.Encode(Text, Encoding, FLosses);
-  if (FLosses != Before) CheckTextWritten(Text, Stream().Position());
+  if (FStrictText && FLosses != Before) RefuseTextWritten(Text, Stream().Position());
   if (!Bytes.empty()) Stream().Write(Bytes);
   Stream().Write(LineEnd);
 }
@@ -139,6 +139,7 @@ void TEISource::WriteSection(TEIObject& Object, const std::string& Name, TEISect
   Section.DataPosition = Stream().Position();
   TEIStream Body(Stream(), -1, &FLosses);
   Body.SetEncoding(Encoding);
+  Body.SetStrictText(FStrictText);
   Object.ExportData(Body);
   Section.DataSize = Stream().Position() - Section.DataPosition;
 }
@@ -157,6 +158,7 @@ void TEISource::ImportObject(TEIObject& Object) {
   TEIStream Body(Stream(), Section.DataSize, &FLosses);
   Body.SetReadLnCnt(0);
   Body.SetEncoding(Section.FEncoding);
+  Body.SetStrictText(FStrictText);
   try {
     Object.ImportData(Body);
   } catch (const EAbort&) {

@@ -65,6 +65,10 @@ class TEISource {
   TKvEncoding DefaultEncoding() const { return FDefaultEncoding; }
   /// The encoding of sections to be written.
   void SetDefaultEncoding(TKvEncoding Encoding) { FDefaultEncoding = Encoding; }
+  /// Whether characters that an encoding can not carry, and malformed UTF-8, are errors; otherwise they are replaced
+  /// and counted. Holds for headers and bodies. As the application has it when the source is made.
+  bool StrictText() const { return FStrictText; }
+  void SetStrictText(bool Strict) { FStrictText = Strict; }
   /// Where the "[SECTION]" line of the section begins that Open could not read through, a byte offset; -1: none.
   std::int64_t UnreadPosition() const { return FUnreadPosition; }
   /// Lines read by ReadlnString since Open began; -1 while lines are not counted.
@@ -103,6 +107,7 @@ class TEISource {
   std::int64_t FReadLnCnt = -1;
   std::int64_t FUnreadPosition = -1;
   TKvEncoding FDefaultEncoding = TKvEncoding::Ansi;
+  bool FStrictText;
   TEISectionList FSections;
   TTextLosses FLosses;
   TLineCodec FCodec;

@@ -11,6 +11,7 @@ TEIStream::TEIStream(TStream& Stream, std::int64_t Size, TTextLosses* Losses)
     : FStream(Stream),
       FOrigin(Stream.Position()),
       FDataSize(Size),
+      FStrictText(WorkSettings().StrictText),
       FCodec(*WorkSettings().AnsiCodePage),
       FLosses(Losses ? Losses : &FOwnLosses) {}
 
@@ -21,7 +22,7 @@ std::string_view TEIStream::Readln() {
   if (FReadLnCnt >= 0) ++FReadLnCnt;
   const TTextLosses Before = *FLosses;
   const std::string_view Line = FCodec.Decode(Raw, FEncoding, *FLosses);
-  if (FLosses->Malformed != Before.Malformed) CheckTextRead(Position());
+  if (FStrictText && FLosses->Malformed != Before.Malformed) RefuseTextRead(Position());
   return Line;
 }
 
@@ -29,7 +30,7 @@ void TEIStream::Writeln(std::string_view Text) {
   CheckReadOnly();
   const TTextLosses Before = *FLosses;
   const std::string_view Bytes = FCodec.Encode(Text, FEncoding, *FLosses);
-  if (*FLosses != Before) CheckTextWritten(Text, Position());
+  if (FStrictText && *FLosses != Before) RefuseTextWritten(Text, Position());
   if (!Bytes.empty()) FStream.Write(Bytes);
   FStream.Write(LineEnd);
 }

@@ -19,11 +19,11 @@ class TEIStream final : public TStream {
   explicit TEIStream(TStream& Stream, std::int64_t Size = -1, TTextLosses* Losses = nullptr);
 
   /// The next line as UTF-8, valid until the next operation on the view. At the end of a bounded view an empty text, as
-  /// for an empty line: the end is told by position and size. Where the application is strict about text, a malformed
-  /// line raises EEIError.
+  /// for an empty line: the end is told by position and size. Where the view is strict about text, a malformed line
+  /// raises EEIError.
   std::string_view Readln();
-  /// Writes a UTF-8 text as one line, ended by carriage return and line feed. Where the application is strict about
-  /// text, a character that the encoding lacks raises EEIError.
+  /// Writes a UTF-8 text as one line, ended by carriage return and line feed. Where the view is strict about text, a
+  /// character that the encoding lacks raises EEIError.
   void Writeln(std::string_view Text);
 
   std::size_t Read(char* Buffer, std::size_t Count) override;
@@ -44,6 +44,9 @@ class TEIStream final : public TStream {
 
   TKvEncoding Encoding() const { return FEncoding; }
   void SetEncoding(TKvEncoding Encoding) { FEncoding = Encoding; }
+  /// As the source has it; a view that is made without one, as the application has it then.
+  bool StrictText() const { return FStrictText; }
+  void SetStrictText(bool Strict) { FStrictText = Strict; }
   /// Lines read by Readln; -1 when they are not counted.
   std::int64_t ReadLnCnt() const { return FReadLnCnt; }
   void SetReadLnCnt(std::int64_t Count) { FReadLnCnt = Count; }
@@ -59,6 +62,7 @@ class TEIStream final : public TStream {
   std::int64_t FDataSize;
   std::int64_t FReadLnCnt = -1;
   TKvEncoding FEncoding = TKvEncoding::Ansi;
+  bool FStrictText;
   TLineCodec FCodec;
   std::string FSpill;
   TTextLosses FOwnLosses;

@@ -12,14 +12,12 @@ constexpr std::size_t ExcerptBytes = 60;
 
 }  // namespace
 
-void CheckTextRead(std::int64_t Position) {
-  if (!WorkSettings().StrictText) return;
+void RefuseTextRead(std::int64_t Position) {
   throw EEIError(Format(
       "The text is not valid UTF-8 (Position:%d). Allow losses to read it with replacement characters", Position));
 }
 
-void CheckTextWritten(std::string_view Text, std::int64_t Position) {
-  if (!WorkSettings().StrictText) return;
+void RefuseTextWritten(std::string_view Text, std::int64_t Position) {
   std::string Excerpt(Text.substr(0, ExcerptBytes));
   RepairUtf8(Excerpt);
   if (FindMalformedUtf8(Text) != std::string_view::npos)

@@ -10,9 +10,9 @@ namespace velkrund {
 /// How writers end a line.
 inline constexpr std::string_view LineEnd = "\r\n";
 
-/// To be called when a line read or a text written lost characters to its encoding: raises EEIError naming the place
-/// when the application is strict about text, else does nothing. Position: byte offset behind the line / before it.
-void CheckTextRead(std::int64_t Position);
-void CheckTextWritten(std::string_view Text, std::int64_t Position);
+/// The error, where a run is strict about text, of a line read or a text written that lost characters to its encoding:
+/// EEIError naming the place. Position: byte offset behind the line / before it.
+[[noreturn]] void RefuseTextRead(std::int64_t Position);
+[[noreturn]] void RefuseTextWritten(std::string_view Text, std::int64_t Position);
 
 }  // namespace velkrund

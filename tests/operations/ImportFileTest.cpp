@@ -74,21 +74,8 @@ class ImportFile : public testing::Test, public TImportFileObserver {
     Journal = &Done;
     for (const TEIObjectClass Class : Classes) EITypeList().RegisterEIObject(Class);
     RecreateOperations().Register(TUORecreateContainer::ViewType, [] { return std::make_unique<TCreated>(); });
-    SetUtilOperationsMessageBox([this](TWindowHandle, std::u16string_view Text, std::u16string_view Caption,
-                                       std::uint32_t Flags, std::int32_t Yes, std::int32_t No) {
-      EXPECT_EQ(Flags + static_cast<std::uint32_t>(Yes * 10 + No * 100), 4U + 60U + 700U);
-      EXPECT_TRUE(Caption.empty());
-      Question = FromUtf16(Text);
-      Done += "? ";
-      if (Answer == Unanswered) throw EQuestionUnanswered("nobody");
-      if (Answer == Abort) throw EAbort("cancelled");
-      return Answer;
-    });
   }
   ~ImportFile() override {
-    SetUtilOperationsMessageBox({});
-    SetMissingTableHook({});
-    RecreateOperations().Unregister(TUORecreateContainer::ViewType);
     for (const TEIObjectClass Class : Classes) EITypeList().UnregisterEIObject(Class);
   }
 
@@ -160,6 +147,21 @@ class ImportFile : public testing::Test, public TImportFileObserver {
   std::string Done, Question, Seen;
   int Answer = IDYES;
   std::vector<std::pair<std::int32_t, std::int32_t>> Shown;
+
+ private:
+  int Ask(std::u16string_view Text, std::u16string_view Caption, std::uint32_t Flags, std::int32_t Yes,
+          std::int32_t No) {
+    EXPECT_EQ(Flags + static_cast<std::uint32_t>(Yes * 10 + No * 100), 4U + 60U + 700U);
+    EXPECT_TRUE(Caption.empty());
+    Question = FromUtf16(Text);
+    Done += "? ";
+    if (Answer == Unanswered) throw EQuestionUnanswered("nobody");
+    if (Answer == Abort) throw EAbort("cancelled");
+    return Answer;
+  }
+
+  const TMessageBoxGuard FMessageBox{[this](TWindowHandle, auto... Arguments) { return Ask(Arguments...); }};
+  const TRecreateOperationsGuard FOperations{TRecreateOperationList()};
 };
 
 TEST_F(ImportFile, ErrorsAreAskedAbout) {
@@ -249,7 +251,7 @@ TEST_F(ImportFile, TheLogOfAHostSaysWhatHappened) {
       [](const char16_t* Text, std::int32_t Level) { Lines.push_back(std::to_string(Level) + " " + FromUtf16(Text)); },
       0, 100);
   TUOImportFileInterface Object(&Manager);
-  RecreateOperations().Unregister(TUORecreateContainer::ViewType);
+  SetRecreateOperations({});
   Object.SetFileName(PutFiles("S:s x|O:broken x").front());
   EXPECT_EQ(Import(Object), 1);
   EXPECT_EQ(Lines, (std::vector<std::string>{"1 'sV' (type 72) is stored as a structure only: the application has "
@@ -315,7 +317,7 @@ TEST_F(ImportFile, SettingsReachEverySection) {
 }
 
 TEST_F(ImportFile, MissingTablesAreMadeOrDeclined) {
-  SetMissingTableHook([this](const TEISection& Section, const std::string& Database) {
+  const TMissingTableGuard Hook([this](const TEISection& Section, const std::string& Database) {
     Done += "make:" + Section.Name() + Database + " ";
     return Section.Name() == "no" ? TMissingTable::Declined : TMissingTable::Created;
   });

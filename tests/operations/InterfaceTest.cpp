@@ -187,19 +187,28 @@ TEST(Interface, ProgressWindowRunsTheOperationWhenThereIsOne) {
   int Runs = 0;
   Object.Scripted().Action = [&](TScripted&) { return ++Runs, 0; };
   EXPECT_EQ(Object.Execute(), 1) << "the window's way always gives 1";
-  SetProgressRunner([&](TUtilOperation& Operation, const std::string&) { Runs += 10, Operation.Execute(); });
-  EXPECT_EQ(Object.Execute(), 1);
-  SetProgressRunner({});
+  {
+    const TProgressRunnerGuard Runner(
+        [&](TUtilOperation& Operation, const std::string&) { Runs += 10, Operation.Execute(); });
+    EXPECT_EQ(Object.Execute(), 1);
+  }
   EXPECT_EQ(Runs, 12);
+  EXPECT_EQ(Object.Execute(), 1);
+  EXPECT_EQ(Runs, 13) << "the runner is gone";
 }
 
 TEST(MessageBox, HookGetsAllSixArguments) {
-  SetUtilOperationsMessageBox([](TWindowHandle Window, std::u16string_view Text, std::u16string_view,
-                                 std::uint32_t Flags, std::int32_t Yes, std::int32_t No) {
-    return static_cast<int>(Window) + static_cast<int>(Text.size()) + static_cast<int>(Flags) + Yes + No;
-  });
-  EXPECT_EQ(uoMessageBox(1000, u"ab", u"", 4, 60, 700), 1766);
-  SetUtilOperationsMessageBox({});
+  {
+    const TMessageBoxGuard Hook([](TWindowHandle Window, std::u16string_view Text, std::u16string_view,
+                                   std::uint32_t Flags, std::int32_t Yes, std::int32_t No) {
+      return static_cast<int>(Window) + static_cast<int>(Text.size()) + static_cast<int>(Flags) + Yes + No;
+    });
+    {
+      const TMessageBoxGuard Inner([](auto...) { return 1; });
+      EXPECT_EQ(uoMessageBox(1000, u"ab", u"", 4, 60, 700), 1);
+    }
+    EXPECT_EQ(uoMessageBox(1000, u"ab", u"", 4, 60, 700), 1766) << "the one before is back";
+  }
   EXPECT_THROW(uoMessageBox(0, u"?", u"c", MB_YESNO, 0, 0), EQuestionUnanswered);
 }
 

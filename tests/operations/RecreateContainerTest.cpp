@@ -32,20 +32,10 @@ class RecreateContainer : public testing::Test {
   RecreateContainer() {
     for (const int Type : Types)
       RecreateOperations().Register(Type, [this] { return std::make_unique<TRecreate>(*this); });
-    SetUtilOperationsMessageBox([this](TWindowHandle, std::u16string_view, std::u16string_view, std::uint32_t Flags,
-                                       std::int32_t, std::int32_t) {
-      BoxFlags.push_back(Flags);
-      return IDOK;
-    });
     Container.FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
       Progress += std::to_string(Current) + "/" + std::to_string(Total) + std::string(Name) + " ";
     };
   }
-  ~RecreateContainer() override {
-    for (const int Type : Types) RecreateOperations().Unregister(Type);
-    SetUtilOperationsMessageBox({});
-  }
-
   int Create(const TRecreateOperation& Operation) {
     const std::string& Name = Operation.ObjectName;
     Tried += Name + " ";
@@ -65,6 +55,14 @@ class RecreateContainer : public testing::Test {
   std::set<std::string> Created;
   std::string Tried, Progress, CancelAt;
   std::vector<std::uint32_t> BoxFlags;
+
+ private:
+  const TRecreateOperationsGuard FOperations{TRecreateOperationList()};
+  const TMessageBoxGuard FMessageBox{
+      [this](TWindowHandle, std::u16string_view, std::u16string_view, std::uint32_t Flags, std::int32_t, std::int32_t) {
+        BoxFlags.push_back(Flags);
+        return IDOK;
+      }};
 };
 
 TEST_F(RecreateContainer, TriesAgainWhileSomethingElseCouldBeCreated) {

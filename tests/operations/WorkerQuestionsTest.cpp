@@ -59,10 +59,8 @@ TEST_F(TWorkerQuestions, AreShownOnTheMainThreadAndTheirAnswersComeBack) {
 
 TEST_F(TWorkerQuestions, HooksRunOnTheMainThreadToo) {
   const std::thread::id MainThread = std::this_thread::get_id();
-  SetUtilOperationsMessageBox([&](TWindowHandle, std::u16string_view, std::u16string_view, std::uint32_t, std::int32_t,
-                                  std::int32_t) { return std::this_thread::get_id() == MainThread ? IDNO : IDCANCEL; });
+  const TMessageBoxGuard Hook([&](auto...) { return std::this_thread::get_id() == MainThread ? IDNO : IDCANCEL; });
   Windows.RunBehindLoop([] { EXPECT_EQ(Ask(), IDNO); });
-  SetUtilOperationsMessageBox({});
   EXPECT_EQ(Windows.Shown, 0);
 }
 

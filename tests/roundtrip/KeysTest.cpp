@@ -136,7 +136,7 @@ TEST_P(Keys, FilesAreOnePlan) {
     SCOPED_TRACE(Case.Files.front());
     Renew(Case.Filled);
     int Questions = 0;
-    SetUtilOperationsMessageBox([&](auto...) { return ++Questions, IDYES; });
+    const TMessageBoxGuard Asked([&](auto...) { return ++Questions, IDYES; });
     TUOImportFilesInterface Interface;
     std::vector<std::string> Names;
     for (const char* File : Case.Files) Names.push_back(PutFile("f" + std::to_string(Names.size()), File));
@@ -151,7 +151,6 @@ TEST_P(Keys, FilesAreOnePlan) {
     EXPECT_EQ(Rows(), Case.Rows);
     EXPECT_EQ(Host.Seen, Case.Seen);
     EXPECT_EQ(Questions, Case.Questions);
-    SetUtilOperationsMessageBox({});
   }
 }
 

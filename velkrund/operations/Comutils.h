@@ -1,6 +1,7 @@
 #pragma once
 
 #include "velkrund/operations/AskObjects.h"
+#include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/ImportExport.h"
 #include "velkrund/operations/ImportExportInterfaces.h"
 #include "velkrund/operations/ImportFile.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "velkrund/operations/MessageBoxHook.h"
@@ -65,7 +66,9 @@ void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName
 constinit const TUtilOperationDescriptor TUOImportFile::Descriptor{
     "TUOImportFile", nullptr, []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TUOImportFile>(); }};
 
-void SetMissingTableHook(TMissingTableHook Hook) { InstalledMissingTableHook = std::move(Hook); }
+TMissingTableHook SetMissingTableHook(TMissingTableHook Hook) {
+  return std::exchange(InstalledMissingTableHook, std::move(Hook));
+}
 
 int TUOImportFile::Execute() {
   if (FCrypted)

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/ImportFileObserver.h"
 #include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/operations/UtilOperation.h"
@@ -19,9 +20,10 @@ namespace velkrund {
 enum class TMissingTable { NotMissing, Created, Declined };
 /// Makes the table of a table data section where the database lacks it.
 using TMissingTableHook = std::function<TMissingTable(const TEISection& Section, const std::string& DatabaseName)>;
-/// Called before every table data section of a file import; an empty hook: the table has to be there. To be set while
-/// no operation runs.
-void SetMissingTableHook(TMissingTableHook Hook);
+/// Installs what is called before every table data section of a file import, and returns the hook before; an empty one:
+/// the table has to be there. To be set while no operation runs.
+TMissingTableHook SetMissingTableHook(TMissingTableHook Hook);
+using TMissingTableGuard = THookGuard<TMissingTableHook, &SetMissingTableHook>;
 
 /// Imports a whole file: its structures and all else but table data, then the table data, then creates the generators,
 /// views and procedures that the structures describe. Progress counts the bytes of section bodies.

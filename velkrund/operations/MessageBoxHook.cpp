@@ -1,5 +1,7 @@
 #include "velkrund/operations/MessageBoxHook.h"
 
+#include <utility>
+
 #include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -11,7 +13,9 @@ TUtilOperationsMessageBox InstalledHook;
 
 }  // namespace
 
-void SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook) { InstalledHook = std::move(Hook); }
+TUtilOperationsMessageBox SetUtilOperationsMessageBox(TUtilOperationsMessageBox Hook) {
+  return std::exchange(InstalledHook, std::move(Hook));
+}
 
 bool HasUtilOperationsMessageBox() { return static_cast<bool>(InstalledHook); }
 

@@ -1,5 +1,7 @@
 #include "velkrund/operations/RecreateContainer.h"
 
+#include <utility>
+
 #include "velkrund/eif/Section.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/database/ApplicationManager.h"
@@ -35,6 +37,10 @@ std::unique_ptr<TRecreateOperation> TRecreateOperationList::Create(int ObjectTyp
 TRecreateOperationList& RecreateOperations() {
   static TRecreateOperationList List;
   return List;
+}
+
+TRecreateOperationList SetRecreateOperations(TRecreateOperationList List) {
+  return std::exchange(RecreateOperations(), std::move(List));
 }
 
 TRecreateOperation* TUORecreateContainer::Add(int ObjectType, const std::string& Name, const TEISection* Section) {

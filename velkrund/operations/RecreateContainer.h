@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/UtilOperation.h"
 
 namespace velkrund {
@@ -29,7 +30,6 @@ class TRecreateOperationList {
 
   /// A later factory of the same type takes the place of the earlier one.
   void Register(int ObjectType, TFactory Factory) { FFactories[ObjectType] = std::move(Factory); }
-  void Unregister(int ObjectType) { FFactories.erase(ObjectType); }
   /// Null for a type that nobody registered.
   std::unique_ptr<TRecreateOperation> Create(int ObjectType) const;
 
@@ -38,6 +38,9 @@ class TRecreateOperationList {
 };
 
 TRecreateOperationList& RecreateOperations();
+/// Installs another list and returns the one before.
+TRecreateOperationList SetRecreateOperations(TRecreateOperationList List);
+using TRecreateOperationsGuard = THookGuard<TRecreateOperationList, &SetRecreateOperations>;
 
 /// Creates generators, views and stored procedures that may need each other, in whatever order they were added: what
 /// failed is tried again as long as something else could be created. Generators and views come before procedures.

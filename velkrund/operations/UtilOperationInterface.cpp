@@ -1,5 +1,7 @@
 #include "velkrund/operations/UtilOperationInterface.h"
 
+#include <utility>
+
 #include "velkrund/operations/PropertyAccess.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -146,7 +148,7 @@ TInterfaceClassList& InterfaceClasses() {
   return List;
 }
 
-void SetProgressRunner(TProgressRunner Runner) { InstalledRunner = std::move(Runner); }
+TProgressRunner SetProgressRunner(TProgressRunner Runner) { return std::exchange(InstalledRunner, std::move(Runner)); }
 
 void ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title) {
   if (InstalledRunner)

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/Properties.h"
 #include "velkrund/operations/Rbaseint.h"
 #include "velkrund/operations/UtilOperation.h"
@@ -113,8 +114,9 @@ TInterfaceClassList& InterfaceClasses();
 
 /// The progress window: runs the operation on a worker thread behind it and returns when it closes.
 using TProgressRunner = std::function<void(TUtilOperation& Operation, const std::string& Title)>;
-/// Installs the runner of the host's window system; an empty one takes it away.
-void SetProgressRunner(TProgressRunner Runner);
+/// Installs the runner of the host's window system and returns the one before; an empty one: there is none.
+TProgressRunner SetProgressRunner(TProgressRunner Runner);
+using TProgressRunnerGuard = THookGuard<TProgressRunner, &SetProgressRunner>;
 /// Runs the operation behind the progress window; without a window system, on the caller's thread and without display.
 void ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title);
 

@@ -1,11 +1,11 @@
 #include "jobs/application/DefaultTexts.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdint>
 #include <cstdlib>
 #include <vector>
 
+#include "velkrund/eif/RecordPieces.h"
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -55,7 +55,7 @@ class TDefaultTexts::TReader {
 
   /// The text of a body line, which is indented.
   std::string_view Indented() const {
-    if (!FLine.starts_with("  ")) Refuse("two blanks have to stand at its beginning");
+    if (!FLine.starts_with(Indentation)) Refuse("two blanks have to stand at its beginning");
     return Trim(FLine);
   }
 
@@ -88,7 +88,8 @@ class TDefaultTexts::TReader {
   }
 
   void ReadString() {
-    if (FLine.ends_with('@') || FLine.starts_with('@')) Refuse("lines continued with '@' are not supported here");
+    if (FLine.ends_with(ContinuationMark) || FLine.starts_with(ContinuationMark))
+      Refuse("lines continued with '@' are not supported here");
     const std::string_view Line = Indented();
     if (FLine.substr(2).starts_with(' ')) return ReadText(Line);
     if (!Line.ends_with(':')) Refuse("the name of a text has to end with ':'");
@@ -112,20 +113,13 @@ class TDefaultTexts::TReader {
 
   std::string Unescaped(std::string_view Text) const {
     constexpr std::size_t Digits = 4;
-    std::string Result;
-    for (std::size_t At = 0; At < Text.size(); ++At) {
-      if (Text[At] != '#') {
-        Result += Text[At];
-        continue;
-      }
-      std::uint16_t Unit = 0;
-      const char* const First = Text.data() + At + 1;
-      const bool IsWhole = Text.size() - At > Digits;
-      if (!IsWhole || std::from_chars(First, First + Digits, Unit, 16).ptr != First + Digits)
-        Refuse("'#' has to be followed by four hexadecimal digits");
-      AppendUtf16Unit(Result, Unit);
-      At += Digits;
-    }
+    std::string Result(Text);
+    std::string BadDigits;
+    // An escape that is too short would end the text in silence.
+    const std::size_t End = Text.size() - std::min(Text.size(), Digits);
+    const bool IsShort = Text.find('#', End) != std::string_view::npos;
+    Result.resize(UnescapeInPlace(Result, BadDigits));
+    if (IsShort || !BadDigits.empty()) Refuse("'#' has to be followed by four hexadecimal digits");
     return Result;
   }
 

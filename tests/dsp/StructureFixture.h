@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/dsp/DSPFixture.h"
+#include "velkrund/dialogs/DSPConfirmForm.h"
 #include "velkrund/dsp/Registration.h"
 #include "velkrund/eif/Eifiles.h"
 #include "velkrund/platform/dictionary/Dictionary.h"

@@ -22,7 +22,7 @@ CLEAN = {
     "velkrund/dictionary/TableData.cpp": '#include "velkrund/eif/EISource.h"\n',
     "standalone/files/FileSystem.cpp": '#include <fcntl.h>\n#include <sys/stat.h>\n',
     "standalone/drivers/sqlite/Connection.cpp": "#include <sqlite3.h>\n#ifdef SQLITE_OPEN_URI\n#endif\n",
-    "hosts/cli/line/Option.cpp": '#include <CLI/CLI.hpp>\n#include "velkrund/eif/EISource.h"\n',
+    "hosts/cli/line/Option.cpp": '#include <CLI/CLI.hpp>\n#include "velkrund/platform/ormtools/Text.h"\n',
     "tests/eif/EISourceTest.cpp": '#include <gtest/gtest.h>\n#include "velkrund/eif/EISource.h"\n',
     "velkrund/eif/Longest.cpp": "//\n" * 500,
     "examples/export.c": "#include <stdio.h>\n",

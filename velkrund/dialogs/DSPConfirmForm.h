@@ -3,11 +3,9 @@
 #include <string_view>
 
 #include "velkrund/platform/lctrls/Form.h"
+#include "velkrund/platform/structures/DSPImportOverwriteOptions.h"
 
 namespace velkrund {
-
-/// What becomes of a structure that exists already. The numbers are kept in settings: they stay.
-enum class TDSPImportOverwriteOptions : int { ioSkip = 0, ioReplace = 1, ioDifference = 2 };
 
 /// A structure exists already: skip it, replace it, or update it, which merges the new tree into it.
 class TDSPConfirmForm final : public TForm {

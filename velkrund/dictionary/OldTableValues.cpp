@@ -4,7 +4,7 @@
 
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/dictionary/TableData.h"
-#include "velkrund/dictionary/TextEscapes.h"
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"

@@ -1,6 +1,6 @@
 #include "velkrund/dictionary/DicErrors.h"
-#include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dictionary/TableData.h"
+#include "velkrund/eif/RecordPieces.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 

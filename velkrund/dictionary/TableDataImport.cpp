@@ -3,8 +3,8 @@
 #include <set>
 
 #include "velkrund/dictionary/DicErrors.h"
-#include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dictionary/TableData.h"
+#include "velkrund/eif/RecordPieces.h"
 #include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/database/Relations.h"
 #include "velkrund/platform/database/Transaction.h"

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 
-#include "velkrund/dictionary/TextEscapes.h"
 #include "velkrund/dsp/NodeEscapes.h"
 #include "velkrund/dsp/NodeNames.h"
 #include "velkrund/dsp/NodeTexts.h"
 #include "velkrund/dsp/NodeValueParts.h"
 #include "velkrund/dsp/VariantForms.h"
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -1,9 +1,9 @@
 // Variant forms of version 200.
 
-#include "velkrund/dictionary/TextEscapes.h"
 #include "velkrund/dsp/NodeEscapes.h"
 #include "velkrund/dsp/NodeValueParts.h"
 #include "velkrund/dsp/VariantForms.h"
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPValueType.h"

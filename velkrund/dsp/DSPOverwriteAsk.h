@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "velkrund/dialogs/DSPConfirmForm.h"
 #include "velkrund/operations/AskObjects.h"
+#include "velkrund/platform/structures/DSPImportOverwriteOptions.h"
 
 namespace velkrund {
 

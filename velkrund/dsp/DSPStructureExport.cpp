@@ -1,7 +1,7 @@
-#include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/dsp/TreeWriter.h"
+#include "velkrund/eif/RecordPieces.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/structures/DSPContainer.h"

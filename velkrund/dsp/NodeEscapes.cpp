@@ -1,7 +1,7 @@
 #include "velkrund/dsp/NodeEscapes.h"
 
-#include "velkrund/dictionary/TextEscapes.h"
 #include "velkrund/dsp/DSPUtilErrors.h"
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"

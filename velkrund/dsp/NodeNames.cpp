@@ -1,7 +1,7 @@
 #include "velkrund/dsp/NodeNames.h"
 
-#include "velkrund/dictionary/TextEscapes.h"
 #include "velkrund/dsp/NodeEscapes.h"
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "velkrund/dialogs/DSPConfirmForm.h"
 #include "velkrund/platform/structures/DSPFormManager.h"
+#include "velkrund/platform/structures/DSPImportOverwriteOptions.h"
 
 namespace velkrund {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "velkrund/dictionary/RecordPieces.h"
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/dsp/NodeNames.h"
+#include "velkrund/eif/RecordPieces.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 

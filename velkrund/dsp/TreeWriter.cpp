@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/eif/RecordPieces.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 

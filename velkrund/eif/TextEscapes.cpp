@@ -1,4 +1,4 @@
-#include "velkrund/dictionary/TextEscapes.h"
+#include "velkrund/eif/TextEscapes.h"
 
 #include <algorithm>
 #include <array>

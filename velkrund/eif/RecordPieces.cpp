@@ -1,4 +1,4 @@
-#include "velkrund/dictionary/RecordPieces.h"
+#include "velkrund/eif/RecordPieces.h"
 
 #include "velkrund/platform/ormtools/Text.h"
 

@@ -1,7 +1,7 @@
 # One library per folder, linked exactly as cmake/layers.json allows. scripts/check-layers reads the same file.
 #
-# A folder a/b becomes the library a-b, built from the objects of a-b-objects; the folders of velkrund/ and of
-# standalone/ are besides gathered into one installable library each.
+# A folder a/b becomes the library a-b, built from the objects of a-b-objects; the folders of velkrund/, of standalone/
+# and of jobs/ are besides gathered into one installable library each.
 
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_CURRENT_LIST_DIR}/layers.json")
 file(READ "${CMAKE_CURRENT_LIST_DIR}/layers.json" VELKRUND_LAYERS_JSON)
@@ -99,21 +99,16 @@ function(velkrund_layer_files Result Folder Ending)
   set(${Result} "${Files}" PARENT_SCOPE)
 endfunction()
 
-# Links the packages of a folder to a target, and to what links the target where our headers include theirs.
+# Links the packages of a folder to a target; no header of ours includes one of theirs.
 function(velkrund_link_packages Target Folder)
   velkrund_json_list(Packages layers "${Folder}" packages)
   foreach(Package IN LISTS Packages)
     string(JSON Find GET "${VELKRUND_LAYERS_JSON}" packages "${Package}" find)
     string(JSON Linked GET "${VELKRUND_LAYERS_JSON}" packages "${Package}" target)
-    string(JSON Public ERROR_VARIABLE NotPublic GET "${VELKRUND_LAYERS_JSON}" packages "${Package}" public)
     if(NOT TARGET ${Linked})
       find_package(${Find} REQUIRED)
     endif()
-    if(NotPublic)
-      target_link_libraries(${Target} PRIVATE ${Linked})
-    else()
-      target_link_libraries(${Target} PUBLIC ${Linked})
-    endif()
+    target_link_libraries(${Target} PRIVATE ${Linked})
   endforeach()
 endfunction()
 

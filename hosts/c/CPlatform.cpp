@@ -23,7 +23,7 @@ int AskHost(const std::string& Text, const std::string& Caption, std::uint32_t F
 struct TInstalled {
   explicit TInstalled(const TApplicationOptions& Options) : Application(Options, &Windows) {}
 
-  TMessageBoxWindows Windows{&AskHost};
+  TMessageBoxWindows Windows{&AskHost, &HasUtilOperationsMessageBox};
   TApplication Application;
 };
 

@@ -1,9 +1,10 @@
-#include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/Session.h"
+#include "jobs/databases/DatabaseInfo.h"
+
+#include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
-#include "jobs/report/Json.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 
@@ -20,21 +21,7 @@ const TCommandTexts DatabaseInfoTexts = {
     {{"database info -d sqlite:shop.db", "a table for people"},
      {"database info -d shop --json", "\"shop\" of the configuration, for programs"}}};
 
-const char* KindText(TTableKind Kind) {
-  switch (Kind) {
-    case TTableKind::View:
-      return "view";
-    case TTableKind::Foreign:
-      return "foreign";
-    case TTableKind::Table:
-      break;
-  }
-  return "table";
-}
-
 std::string NumberText(const std::optional<std::int64_t>& Number) { return Number ? std::to_string(*Number) : "-"; }
-
-TJson NumberJson(const std::optional<std::int64_t>& Number) { return Number ? TJson(*Number) : TJson(); }
 
 std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::vector<std::vector<std::string>> Rows = {{"TABLE", "KIND", "ROWS", "SIZE"}};
@@ -49,37 +36,19 @@ std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
          (Info.Tables.empty() ? "no tables\n" : ColumnsText(Rows, {false, false, true, true})) + Problems;
 }
 
-TJson JsonOf(const std::string& Name, const TDatabaseInfo& Info) {
-  TJson Result;
-  Result["database"] = Name;
-  Result["engine"] = Info.Engine;
-  Result["version"] = Info.EngineVersion;
-  Result["readOnly"] = Info.ReadOnly;
-  Result["catalogueVersion"] = NumberJson(Info.CatalogueVersion);
-  Result["tables"] = TJson::array();
-  for (const auto& [Table, Count, Bytes, Problem] : Info.Tables) {
-    TJson Entry;
-    Entry["name"] = FullName(Table);
-    if (!Table.Schema.empty()) Entry["schema"] = Table.Schema;
-    Entry["kind"] = KindText(Table.Kind);
-    Entry["rows"] = NumberJson(Count);
-    Entry["bytes"] = NumberJson(Bytes);
-    if (!Problem.empty()) Entry["problem"] = Problem;
-    Result["tables"].push_back(std::move(Entry));
-  }
-  return Result;
-}
-
 class TDatabaseInfoCommand final : public TCommand {
  public:
   const TCommandTexts& Texts() const override { return DatabaseInfoTexts; }
   std::vector<TOptionGroup> Options() override { return {{"Options", {Shared.DatabaseOption()}}, Shared.General()}; }
   int Run(TSession& Session) override {
-    const std::string Name = Session.Application.DatabaseText(Session.Database());
-    const TDatabaseInfo Info = Session.Manager().DatabaseInfo(Session.Database());
-    Session.Console.Result(Shared.Json ? JsonText(JsonOf(Name, Info)) : TextOf(Name, Info));
+    RunJob(Session, FInterface);
+    const TJobDatabaseInfo& Job = FInterface.Job();
+    if (!Session.Json()) Session.Console.Result(TextOf(Job.Database(), Job.Info()));
     return ExitDone;
   }
+
+ private:
+  TJobDatabaseInfoInterface FInterface;
 };
 
 }  // namespace

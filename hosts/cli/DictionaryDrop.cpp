@@ -1,10 +1,6 @@
-#include "hosts/cli/Dictionary.h"
-#include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/Session.h"
+#include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
-#include "velkrund/platform/database/Transaction.h"
-#include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/structures/DSPContainer.h"
+#include "jobs/structures/StoredStructures.h"
 
 namespace velkrund {
 
@@ -24,30 +20,21 @@ class TDictionaryDrop final : public TCommand {
  public:
   const TCommandTexts& Texts() const override { return DictionaryDropTexts; }
   std::vector<TOptionGroup> Options() override {
-    return {{"Options", {Shared.DatabaseOption(), FWhich.TypeOption(), Required(FWhich.NameOption())}},
+    TStructureChoice& Choice = FInterface.Job().Choice;
+    return {{"Options",
+             {Shared.DatabaseOption(), TSharedOptions::TypeOption(Choice.ObjectType),
+              Required(TSharedOptions::NameOption(Choice.ObjectName))}},
             Shared.General()};
   }
-  int Run(TSession& Session) override;
+  int Run(TSession& Session) override {
+    RunJob(Session, FInterface);
+    Session.Console.Message("dropped " + FInterface.Job().WhatWasDropped());
+    return ExitDone;
+  }
 
  private:
-  TStructureOptions FWhich;
+  TJobDropStructureInterface FInterface;
 };
-
-int TDictionaryDrop::Run(TSession& Session) {
-  const std::string Database = Session.Application.DatabaseText(Session.Database());
-  TDSPTable& Table = DSPContainer().Table(Session.Database());
-  const TDSPListItem Item = FWhich.One(Table, Database);
-  const std::string Name = Format("the structure '%s' of type %d", Item.ObjectName, Item.ObjectType);
-  const TQuestion Question{Format("Drop %s?", Name), {TAnswer::Yes, TAnswer::Cancel}, "--yes"};
-  if (!Shared.Yes && Session.Answers.Ask(Question) != TAnswer::Yes) throw EAbort("Cancelled at a question");
-  TTransaction Transaction(Session.Database());
-  if (!Table.DeleteStructure(Item.ObjectName, Item.ObjectType))
-    throw EDatabaseError(Format("Somebody else has dropped %s", Name));
-  Transaction.Commit();
-  if (Shared.Json) Session.Console.Result(JsonText({{"database", Database}, {"dropped", PropertiesJson(Item)}}));
-  Session.Console.Message("dropped " + Name);
-  return ExitDone;
-}
 
 }  // namespace
 

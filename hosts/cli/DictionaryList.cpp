@@ -1,10 +1,8 @@
-#include "hosts/cli/Dictionary.h"
-#include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/Session.h"
+#include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
-#include "hosts/cli/render/TreeText.h"
-#include "velkrund/platform/structures/DSPContainer.h"
+#include "jobs/structures/StoredStructures.h"
+#include "jobs/structures/TreeText.h"
 
 namespace velkrund {
 
@@ -21,18 +19,6 @@ const TCommandTexts DictionaryListTexts = {
 
 std::string FirstLine(const std::string& Text) { return OnOneLine(Text.substr(0, Text.find_first_of("\r\n"))); }
 
-class TDictionaryList final : public TCommand {
- public:
-  const TCommandTexts& Texts() const override { return DictionaryListTexts; }
-  std::vector<TOptionGroup> Options() override {
-    return {{"Options", {Shared.DatabaseOption(), FWhich.TypeOption(), FWhich.NameOption()}}, Shared.General()};
-  }
-  int Run(TSession& Session) override;
-
- private:
-  TStructureOptions FWhich;
-};
-
 std::string TextOf(const std::vector<TDSPListItem>& Items) {
   if (Items.empty()) return "no structures\n";
   std::vector<std::vector<std::string>> Rows = {{"TYPE", "NAME", "TABLE", "PARENT", "REMARKS"}};
@@ -42,15 +28,25 @@ std::string TextOf(const std::vector<TDSPListItem>& Items) {
   return ColumnsText(Rows, {false, false, false, false, false});
 }
 
-int TDictionaryList::Run(TSession& Session) {
-  TJson Document;
-  Document["database"] = Session.Application.DatabaseText(Session.Database());
-  const auto Items = StructuresLike(DSPContainer().Table(Session.Database()), FWhich.Type, FWhich.Name);
-  Document["structures"] = TJson::array();
-  for (const TDSPListItem& Item : Items) Document["structures"].push_back(PropertiesJson(Item));
-  Session.Console.Result(Shared.Json ? JsonText(Document) : TextOf(Items));
-  return ExitDone;
-}
+class TDictionaryList final : public TCommand {
+ public:
+  const TCommandTexts& Texts() const override { return DictionaryListTexts; }
+  std::vector<TOptionGroup> Options() override {
+    TStructureChoice& Choice = FInterface.Job().Choice;
+    return {{"Options",
+             {Shared.DatabaseOption(), TSharedOptions::TypeOption(Choice.ObjectType),
+              TSharedOptions::NameOption(Choice.ObjectName)}},
+            Shared.General()};
+  }
+  int Run(TSession& Session) override {
+    RunJob(Session, FInterface);
+    if (!Session.Json()) Session.Console.Result(TextOf(FInterface.Job().Found()));
+    return ExitDone;
+  }
+
+ private:
+  TJobListStructuresInterface FInterface;
+};
 
 }  // namespace
 

@@ -1,12 +1,9 @@
-#include "hosts/cli/Dictionary.h"
-#include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/Session.h"
+#include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
-#include "hosts/cli/render/TreeText.h"
-#include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/structures/DSPContainer.h"
-#include "velkrund/platform/structures/DSPErrors.h"
+#include "jobs/structures/StoredStructures.h"
+#include "jobs/structures/TreeText.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 
@@ -26,19 +23,6 @@ const TCommandTexts DictionaryShowTexts = {
     {{"dictionary show -d sqlite:shop.db --type 12 --name CLIENTS", "a form, for people"},
      {"dictionary show -d shop --name CLIENTS --json", "the same for programs"}}};
 
-class TDictionaryShow final : public TCommand {
- public:
-  const TCommandTexts& Texts() const override { return DictionaryShowTexts; }
-  std::vector<TOptionGroup> Options() override {
-    return {{"Options", {Shared.DatabaseOption(), FWhich.TypeOption(), Required(FWhich.NameOption())}},
-            Shared.General()};
-  }
-  int Run(TSession& Session) override;
-
- private:
-  TStructureOptions FWhich;
-};
-
 std::string HeadText(const TDSPListItem& Item) {
   std::vector<std::vector<std::string>> Rows = {{"structure", OnOneLine(Item.ObjectName)},
                                                 {"type", TypeText(Item.ObjectType)}};
@@ -53,23 +37,27 @@ std::string HeadText(const TDSPListItem& Item) {
   return ColumnsText(Rows, {false, false}) + "\n";
 }
 
-int TDictionaryShow::Run(TSession& Session) {
-  TDSPTable& Table = DSPContainer().Table(Session.Database());
-  const TDSPListItem Item = FWhich.One(Table, Session.Application.DatabaseText(Session.Database()));
-  const std::unique_ptr<TDSPFormManager> Form = DSPContainer().CreateFormManager(Session.Database());
-  Form->ObjectType = Item.ObjectType;
-  Form->ObjectName = Item.ObjectName;
-  if (!Form->LoadPureStructure())
-    throw EDSPError(
-        Format("The tree of the structure '%s' of type %d can not be loaded", Item.ObjectName, Item.ObjectType));
-  if (Shared.Json) {
-    TJson Document = PropertiesJson(Item);
-    Document["nodes"] = TreeJson(Form->Root());
-    Session.Console.Result(JsonText(Document));
-    return ExitDone;
+class TDictionaryShow final : public TCommand {
+ public:
+  const TCommandTexts& Texts() const override { return DictionaryShowTexts; }
+  std::vector<TOptionGroup> Options() override {
+    TStructureChoice& Choice = FInterface.Job().Choice;
+    return {{"Options",
+             {Shared.DatabaseOption(), TSharedOptions::TypeOption(Choice.ObjectType),
+              Required(TSharedOptions::NameOption(Choice.ObjectName))}},
+            Shared.General()};
   }
-  Session.Console.Result(HeadText(Item));
-  WriteTreeText(Form->Root(), [&](std::string_view Lines) { Session.Console.Result(Lines); });
+  int Run(TSession& Session) override;
+
+ private:
+  TJobShowStructureInterface FInterface;
+};
+
+int TDictionaryShow::Run(TSession& Session) {
+  RunJob(Session, FInterface);
+  if (Session.Json()) return ExitDone;
+  Session.Console.Result(HeadText(FInterface.Job().Found()));
+  FInterface.Job().WriteTree([&](std::string_view Lines) { Session.Console.Result(Lines); });
   return ExitDone;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "jobs/report/Outcome.h"
+
 namespace velkrund {
 
 // Part of the program's interface.
-inline constexpr int ExitDone = 0;
-inline constexpr int ExitFailed = 1;
+inline constexpr int ExitDone = static_cast<int>(TEnd::Done);
+inline constexpr int ExitFailed = static_cast<int>(TEnd::Failed);
 inline constexpr int ExitUsage = 2;
-inline constexpr int ExitCancelled = 3;
+inline constexpr int ExitCancelled = static_cast<int>(TEnd::Cancelled);
 
 }  // namespace velkrund

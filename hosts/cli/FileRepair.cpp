@@ -1,11 +1,7 @@
-#include "hosts/cli/ExitCodes.h"
-#include "hosts/cli/Interrupt.h"
-#include "hosts/cli/Session.h"
+#include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
-#include "jobs/files/FileOpening.h"
-#include "jobs/files/SectionRepair.h"
-#include "jobs/report/Json.h"
+#include "jobs/sections/RepairFile.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -27,35 +23,22 @@ class TFileRepair final : public TCommand {
  public:
   const TCommandTexts& Texts() const override { return FileRepairTexts; }
   std::vector<TOptionGroup> Options() override {
-    return {{"Arguments", {Required(Text("FILE", "FILE", "the file", FFile))}}, Shared.General()};
+    return {{"Arguments", {Required(Text("FILE", "FILE", "the file", FJob.FileName))}}, Shared.General()};
   }
-  void CheckOptions() override {
-    if (IsPipe(FFile)) throw EUsage(Format("'%s' is a pipe: there is nothing to cut off", FFile));
-  }
-  TApplicationOptions ApplicationOptions() const override {
-    TApplicationOptions Result = TCommand::ApplicationOptions();
-    Result.StrictText = false;  // texts are not touched
-    return Result;
-  }
+  void CheckOptions() override { FJob.CheckSettings(); }
   int Run(TSession& Session) override;
 
  private:
-  std::string FFile;
+  TJobRepairFileInterface FInterface;
+  TJobRepairFile& FJob = FInterface.Job();
 };
 
 int TFileRepair::Run(TSession& Session) {
-  const TSectionRepair Repair = RepairFile(Session.Files(), FFile, &TInterrupt::Requested);
-  const bool IsCut = Repair.Position >= 0;
-  if (Shared.Json) {
-    TJson Document = {{"file", FFile}, {"bytesCut", Repair.Bytes}, {"sectionsLeft", Repair.SectionsLeft}};
-    if (IsCut) Document["position"] = Repair.Position;
-    if (IsCut) Document["cutFile"] = Repair.CutFile;
-    if (!Repair.Fault.empty()) Document["fault"] = Repair.Fault;
-    Session.Console.Result(JsonText(Document));
-  }
+  RunJob(Session, FInterface);
+  const TSectionRepair& Repair = FJob.Repair();
   const std::string Left = Counted(Repair.SectionsLeft, "section");
-  if (!IsCut) {
-    Session.Console.Message(Format("nothing to repair: '%s' has %s", FFile, Left));
+  if (Repair.Position < 0) {
+    Session.Console.Message(Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
     return ExitDone;
   }
   if (!Repair.Fault.empty()) Session.Console.Message("the fault was: " + Repair.Fault);

@@ -1,13 +1,8 @@
 #include <algorithm>
-#include <set>
 
-#include "hosts/cli/Batch.h"
-#include "hosts/cli/ImportPlan.h"
-#include "hosts/cli/Interrupt.h"
+#include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
-#include "hosts/cli/render/Texts.h"
-#include "velkrund/operations/ImportFileInterfaces.h"
-#include "velkrund/platform/ormtools/Format.h"
+#include "jobs/sections/ImportFiles.h"
 
 namespace velkrund {
 
@@ -32,67 +27,27 @@ class TImportFile final : public TCommand {
  public:
   const TCommandTexts& Texts() const override { return ImportFileTexts; }
   std::vector<TOptionGroup> Options() override;
-  void CheckOptions() override;
-  TApplicationOptions ApplicationOptions() const override;
-  bool ReadsStandardInput() const override { return std::find(FInputs.begin(), FInputs.end(), "-") != FInputs.end(); }
-  int Run(TSession& Session) override;
+  void CheckOptions() override { FJob.CheckSettings(); }
+  bool ReadsStandardInput() const override {
+    return std::find(FJob.FileNames.begin(), FJob.FileNames.end(), "-") != FJob.FileNames.end();
+  }
+  int Run(TSession& Session) override { return RunSectionsJob(Session, FInterface); }
 
  private:
-  std::vector<std::string> FInputs;
-  TTableOptions FTables;
-  TOverwrite FOverwrite = TOverwrite::Ask;
+  TJobImportFilesInterface FInterface;
+  TJobImportFiles& FJob = FInterface.Job();
 };
 
 std::vector<TOptionGroup> TImportFile::Options() {
   std::vector<TOption> Own = {
       Shared.DatabaseOption(),
-      Required(List("-i,--input", "FILE", "a file to load, in this order; - is standard input", FInputs))};
-  for (TOption& Option : FTables.Options()) Own.push_back(std::move(Option));
-  Own.push_back(OverwriteStructuresOption(FOverwrite));
-  Own.push_back(Shared.AllowLossOption());
-  Own.push_back(Shared.OnErrorOption());
+      Required(List("-i,--input", "FILE", "a file to load, in this order; - is standard input", FJob.FileNames))};
+  for (TOption& Option : TSharedOptions::LoadingOptions(FJob.Policies, FJob.CreateDatabase))
+    Own.push_back(std::move(Option));
+  Own.push_back(TSharedOptions::OverwriteStructuresOption(FJob.Policies));
+  Own.push_back(TSharedOptions::AllowLossOption(FJob.Policies));
+  Own.push_back(TSharedOptions::OnErrorOption(FJob.Policies));
   return {{"Options", Own}, Shared.General()};
-}
-
-void TImportFile::CheckOptions() {
-  std::set<std::string> Seen;
-  for (const std::string& Name : FInputs)
-    if (!Seen.insert(Name).second) throw EUsage(Format("--input names '%s' twice", Name));
-}
-
-TApplicationOptions TImportFile::ApplicationOptions() const {
-  TApplicationOptions Result = TCommand::ApplicationOptions();
-  FTables.ApplyTo(Result);
-  return Result;
-}
-
-int TImportFile::Run(TSession& Session) {
-  TReport Report{"import file", "imported", Session.Application.DatabaseText(Session.Database()), Joined(FInputs)};
-  TErrorPolicy Errors(Shared.OnError, Session.Answers);
-  TInputFiles Inputs(Session, FInputs);
-  TImportPlan Plan(Session, FTables, FOverwrite, Errors, Report);
-  Plan.LookAt(Inputs);
-  Plan.Settle();
-  TUOImportFilesInterface Interface;
-  Interface.SetDatabaseName(Session.Database());
-  Interface.SetFiles(Inputs.FileNames());
-  Interface.SetContinueOnError(Shared.OnError != TOnError::Stop);
-  auto& Import = static_cast<TUOImportFiles&>(Interface.Operation());
-  Import.Observer = &Plan;
-  Import.FileSystem = &Inputs;
-  Import.FOnGetCancel = &TInterrupt::Requested;
-  Import.FOnShowProgress = [&](std::int32_t Current, std::int32_t Total, std::string_view) {
-    Session.Progress.Show(Current, Total);
-  };
-  Plan.Begin();
-  const int Result = Interface.Execute();
-  Session.Progress.End();
-  const std::string& Error = Interface.LastError();
-  if (!Error.empty())
-    Report.Error = Error;
-  else if (Result == 0 && !Plan.Stopped())
-    Report.Cancelled = "cancelled; what was finished before stays";
-  return Finish(Session, Report);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,23 +12,16 @@ namespace velkrund {
 
 /// What a host decides about the platform that it starts.
 struct TApplicationOptions {
-  std::string ConfigFile;               // empty: looked for in the usual places
-  bool Trace = false;                   // trace everything, whatever the configuration says
-  std::optional<bool> StrictText = {};  // characters that can not be kept are errors; nothing: as configured
-  bool Lenient = false;                 // values that can not be parsed become NULL, whatever the configuration says
-  bool CreateDatabases = false;         // databases that do not exist are made
+  std::string ConfigFile;  // empty: looked for in the usual places
+  bool Trace = false;      // trace everything, whatever the configuration says
 };
 
-/// A running host: reads the configuration, builds the stand-alone platform from it, installs it, and starts the
-/// module. There is one at a time; with its end the platform is taken away again.
+/// A running host: reads the configuration, builds the stand-alone platform from it, installs it, starts the module and
+/// makes the jobs known. There is one at a time; with its end the platform is taken away again.
 class TApplication {
  public:
   /// Windows: borrowed; asks the questions of operations. Null: questions are errors. Raises EConfigurationError.
   explicit TApplication(const TApplicationOptions& Options, TWindowSystem* Windows = nullptr);
-
-  TStandaloneManager& Manager() { return FManager; }
-  /// What people may see of a database: its name, and the address behind it, without passwords.
-  std::string DatabaseText(const std::string& Name) const;
 
  private:
   TStandaloneManager FManager;

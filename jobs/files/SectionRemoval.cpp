@@ -41,6 +41,7 @@ void RemoveSections(TFileSystem& Files, TEIFile& File, const std::vector<int>& I
   }
   {
     TEIFile Copy(Files);
+    Copy.SetStrictText(false);  // texts are not touched
     Copy.SetFileName(Beside.Path());
     Copy.Open();
     Copy.DeleteSections(IndexTexts(Indexes));

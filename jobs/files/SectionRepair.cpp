@@ -186,6 +186,7 @@ void SaveTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::i
 
 TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std::function<bool()>& Canceled) {
   TEIFile File(Files);
+  File.SetStrictText(false);  // texts are not touched
   File.SetFileName(Path);
   TSectionRepair Result;
   Result.Position = OpenAndFindCut(File, Canceled, Result.Fault);

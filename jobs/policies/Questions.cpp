@@ -1,7 +1,6 @@
 #include "jobs/policies/Questions.h"
 
 #include "velkrund/platform/ormtools/Exceptions.h"
-#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
@@ -25,10 +24,6 @@ constexpr TAnswerButton AnswerButtons[] = {
 
 const TAnswerButton& ButtonOf(TAnswer Answer) { return AnswerButtons[static_cast<std::size_t>(Answer)]; }
 
-[[noreturn]] void RaiseUnanswered(const std::string& Question, const std::string& Option) {
-  throw EQuestionUnanswered(Format("%s Give %s; there is no terminal to ask", Question, Option));
-}
-
 }  // namespace
 
 TQuestionForm::TQuestionForm(const TQuestion& Question) {
@@ -44,33 +39,22 @@ TQuestionForm::TQuestionForm(const TQuestion& Question) {
   }
 }
 
-TAnswer TAnswers::Ask(const TQuestion& Question) {
-  if (!FCanAsk) RaiseUnanswered(Question.Text, Question.Option);
+bool CanAsk() { return Windows().CanAsk(); }
+
+TAnswer Ask(const TQuestion& Question) {
+  if (!CanAsk()) throw EPolicyUnanswered(Question.Policy, Question.Text);
   TQuestionForm Form(Question);
-  Form.ShowModal();
+  Synchronize([&Form] { Form.ShowModal(); });
+  if (Form.Answer() == TAnswer::Cancel) throw EAbort("Cancelled at a question");
   return Form.Answer();
 }
 
 TAnswer TRepeatedQuestion::Ask(const TQuestion& Question) {
   if (FAnswered) return FForAll;
-  const TAnswer Answer = FAnswers.Ask(Question);
-  switch (Answer) {
-    case TAnswer::Cancel:
-      throw EAbort("Cancelled at a question");
-    case TAnswer::All:
-    case TAnswer::None:
-      FAnswered = true;
-      return FForAll = Answer == TAnswer::All ? TAnswer::Yes : TAnswer::No;
-    default:
-      return Answer;
-  }
-}
-
-int TUnattendedWindows::ShowModal(TForm& Form) {
-  const bool IsBox = Form.ClassName() == std::string_view("TMessageBoxForm");
-  if (Form.IsQuestion()) RaiseUnanswered(Form.Message(), IsBox ? "--yes" : "--overwrite yes or --overwrite no");
-  FTell(Form.Message());
-  return mrOk;
+  const TAnswer Answer = velkrund::Ask(Question);
+  if (Answer != TAnswer::All && Answer != TAnswer::None) return Answer;
+  FAnswered = true;
+  return FForAll = Answer == TAnswer::All ? TAnswer::Yes : TAnswer::No;
 }
 
 }  // namespace velkrund

@@ -25,7 +25,8 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   Options.CreateMissing = FCreateMissing;
   Options.BusyTime = FBusyTime;
   if (const TCodePage* CodePage = TCodePage::Find(FConfiguration.CodePage)) Options.CodePage = CodePage;
-  Options.Canceled = FCanceled;
+  // Connections live longer than the run that makes them.
+  Options.Canceled = [this] { return FCanceled && FCanceled(); };
   Options.Trace = FTrace;
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {

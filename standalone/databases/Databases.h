@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "standalone/databases/Configuration.h"
 #include "standalone/drivers/Driver.h"
@@ -35,12 +36,13 @@ class TDatabases {
 
   void SetDefaultDatabase(std::string Name);
   const std::string& DefaultDatabase() const { return FDefaultDatabase; }
-  /// Databases that are connected to from now on are made when they do not exist.
-  void SetCreateMissing(bool Value) { FCreateMissing = Value; }
+  /// Databases that are connected to from now on are made when they do not exist. Returns what held before.
+  bool SetCreateMissing(bool Value) { return std::exchange(FCreateMissing, Value); }
   void SetBusyTime(std::chrono::milliseconds Value) { FBusyTime = Value; }
-  /// Asked while an engine lets its caller wait, through connections that are made from now on: true ends what is
-  /// waited for, with EAbort.
-  void SetCanceled(std::function<bool()> Canceled) { FCanceled = std::move(Canceled); }
+  using TCanceled = std::function<bool()>;
+  /// Asked while an engine lets its caller wait, on every connection: true ends what is waited for, with EAbort.
+  /// Returns who was asked before.
+  TCanceled SetCanceled(TCanceled Canceled) { return std::exchange(FCanceled, std::move(Canceled)); }
 
   /// Whether two names mean the same database.
   bool IsSameDatabase(const std::string& A, const std::string& B) const;
@@ -73,7 +75,7 @@ class TDatabases {
   bool FDefaultIsConfigured = true;  // its file names are relative to the configuration's folder
   bool FCreateMissing = false;
   std::chrono::milliseconds FBusyTime;
-  std::function<bool()> FCanceled;
+  TCanceled FCanceled;                                    // may be empty
   std::map<std::string, TDatabase> FOpen;                 // by identity
   std::map<std::string, TDatabase*, std::less<>> FNames;  // by the name asked for; "" is the default
 };

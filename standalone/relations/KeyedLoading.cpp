@@ -33,7 +33,7 @@ TKeyedLoading::TKeyedLoading(TStandaloneManager& Manager, std::string DatabaseNa
 }
 
 void TKeyedLoading::TakeKeys() {
-  for (const TForeignKey& Key : FConnection.ForeignKeys()) {
+  for (const TForeignKey& Key : FConnection.Schema().ForeignKeys()) {
     TTie Tie{FullName(Key.From), FullName(Key.To), Key.From, Key.ActsOnDelete};
     const auto Child = FTables.find(Tie.Child);
     const bool HasParent = IsLoaded(Tie.Parent);
@@ -81,10 +81,10 @@ void TKeyedLoading::SetLoaded(const std::string& Table) {
 void TKeyedLoading::CheckEmptying() const {
   for (const TTie& Tie : FTies) {
     if (!Tie.ActsOnDelete || !Tie.OfTwo() || !IsEmptied(Tie.Parent) || IsEmptied(Tie.Child)) continue;
-    if (const std::int64_t Rows = FConnection.RowCount(Tie.ChildTable))
+    if (const std::int64_t Rows = FConnection.Schema().RowCount(Tie.ChildTable))
       throw EDatabaseError(
           Format("Can not empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
-                 "may refer to it. Load both with --replace in one run, or use --append",
+                 "may refer to it. Replace the rows of both in one run, or keep the rows that are there",
                  Tie.Parent, Tie.Child, Counted(Rows, "row")));
   }
 }
@@ -120,7 +120,7 @@ void TKeyedLoading::CountBroken() {
   for (const TTie& Tie : FTies) {
     if (FBrokenBefore.contains(Tie.Child) || FUnchecked.contains(Tie.Child)) continue;
     try {
-      FBrokenBefore.emplace(Tie.Child, FConnection.BrokenReferences(Tie.ChildTable).Count);
+      FBrokenBefore.emplace(Tie.Child, FConnection.Schema().BrokenReferences(Tie.ChildTable).Count);
     } catch (const EDatabaseError& Error) {
       // A key that the engine itself can not follow.
       FUnchecked.emplace(Tie.Child, Error.what());
@@ -136,7 +136,7 @@ std::vector<std::string> TKeyedLoading::Warnings() const {
 
 void TKeyedLoading::CheckBroken() const {
   for (const auto& [Name, Before] : FBrokenBefore) {
-    const TBrokenReferences After = FConnection.BrokenReferences({Name, {}});
+    const TBrokenReferences After = FConnection.Schema().BrokenReferences({Name, {}});
     if (After.Count <= Before) continue;
     throw EDatabaseError(Format(
         "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s refer to "

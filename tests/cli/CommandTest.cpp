@@ -74,7 +74,7 @@ pid_t TCommandTest::Start(const TArguments& Arguments, const std::string& Input)
   Redirect(Path(".captured/out"), O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
   Redirect(Path(".captured/err"), O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
   TArguments Words = Arguments;
-  if (Words.empty() || Words.front() != "/bin/sh") Words.insert(Words.begin(), VELKRUND_COMMAND);
+  if (Words.empty() || !Words.front().starts_with('/')) Words.insert(Words.begin(), VELKRUND_COMMAND);
   Become(Words);
 }
 

@@ -25,7 +25,8 @@ class TCommandTest : public testing::Test {
   TCommandTest();
 
   TOutcome Run(const TArguments& Arguments, const std::string& Input = {});
-  /// Without waiting: for signals. Finish waits and collects.
+  /// Without waiting: for signals. Another program where the first argument is its whole path. Finish waits and
+  /// collects.
   pid_t Start(const TArguments& Arguments, const std::string& Input = {});
   TOutcome Finish(pid_t Process);
   /// On a terminal, typing Keys once the text Prompt has appeared. Output is all that was seen.

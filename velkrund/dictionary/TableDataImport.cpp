@@ -81,6 +81,9 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
     }
     Columns.push_back({Name, Wanted ? Field : nullptr});
   }
+  // Every row would be one of nothing but defaults.
+  if (Taken.empty() && !Names.empty())
+    ImportError(Format("The table '%s' has none of the fields that are to be loaded", Target.TableName()));
   return Columns;
 }
 

@@ -14,5 +14,6 @@
 #include "velkrund/operations/Rbaseint.h"
 #include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/operations/RecreateContainerInterface.h"
+#include "velkrund/operations/TablePlan.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/operations/UtilOperationInterface.h"

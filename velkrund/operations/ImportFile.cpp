@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/TablePlan.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -162,53 +163,34 @@ bool TUOImportFile::ImportStructures(const TSource& Source) {
 }
 
 bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
-  std::vector<TTableSection> Sections = TableSections(Sources);
-  std::unique_ptr<TTableLoading> Loading = LoadingOf(Sections);
-  if (!Loading) return ImportTableSections(Sections, nullptr);
-  FTogether = Loading->AreOne();
-  Loading->Begin();
-  for (const std::string& Warning : Loading->Warnings()) WriteLog(TTraceLevel::Info, Warning);
+  TTablePlan Plan;
+  for (const TSource& Source : Sources)
+    for (const int Index : Source.Tables)
+      Plan.Add(*Source.File, Index,
+               Relations() ? Host().TargetOf(*Source.File, Source.File->Sections()[Index]) : std::nullopt);
+  Plan.Settle(DatabaseName);
+  FTogether = Plan.AreOne();
+  if (Plan.Loading()) Plan.Loading()->Begin();
   bool Whole = false;
   try {
-    Host().BeginTables(*Loading);
-    Whole = ImportTableSections(Sections, Loading.get());
+    Whole = ImportSteps(Plan);
   } catch (...) {
-    Loading.reset();
+    Plan.Abandon();
     if (FTogether) Host().TakenBack(nullptr);
     throw;
   }
-  EndLoading(*Loading, Whole);
+  if (Plan.Loading()) EndLoading(*Plan.Loading(), Whole);
   return Whole;
 }
 
-std::vector<TUOImportFile::TTableSection> TUOImportFile::TableSections(const std::vector<TSource>& Sources) {
-  std::vector<TTableSection> Result;
-  for (const TSource& Source : Sources)
-    for (const int Index : Source.Tables) {
-      TTableSection& Added = Result.emplace_back(TTableSection{Source.File, Index, {}});
-      if (Relations()) Added.Target = Host().TargetOf(*Source.File, Added.Section());
-    }
-  return Result;
-}
-
-std::unique_ptr<TTableLoading> TUOImportFile::LoadingOf(std::vector<TTableSection>& Sections) const {
-  std::vector<TLoadTarget> Targets;
-  for (const TTableSection& Section : Sections)
-    if (Section.Target) Targets.push_back(*Section.Target);
-  if (Targets.empty()) return nullptr;
-  std::unique_ptr<TTableLoading> Loading = Relations()->Load(DatabaseName, Targets);
-  const auto Rank = [&](const TTableSection& Section) {
-    return Section.Target ? Loading->Rank(Section.Target->Table) : 0;
-  };
-  std::stable_sort(Sections.begin(), Sections.end(),
-                   [&](const TTableSection& A, const TTableSection& B) { return Rank(A) < Rank(B); });
-  return Loading;
-}
-
-bool TUOImportFile::ImportTableSections(const std::vector<TTableSection>& Sections, TTableLoading* Loading) {
-  for (const TTableSection& Section : Sections) {
+bool TUOImportFile::ImportSteps(const TTablePlan& Plan) {
+  if (Plan.Loading()) {
+    for (const std::string& Warning : Plan.Loading()->Warnings()) WriteLog(TTraceLevel::Info, Warning);
+    Host().BeginTables(*Plan.Loading());
+  }
+  for (const TTablePlan::TStep& Step : Plan.Steps()) {
     if (Stopping()) break;
-    ImportSection(*Section.File, Section.Index, Section.Target ? Loading : nullptr);
+    ImportSection(*Step.File, Step.Index, Plan.LoadingOf(Step));
   }
   return !Stopping();
 }
@@ -265,6 +247,11 @@ void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_vie
   const std::string Report = Format(BaseMng().LString(Key), Name) + "\r\n" + Error.what();
   WriteLog(TTraceLevel::Error, Report);
   if (!ContinueOnError || FTogether) throw;
+  if (const std::optional<bool> Decided = Host().GoOn(Error)) {
+    ContinueOnError = *Decided;
+    if (*Decided) return;
+    throw;
+  }
   const std::string Question = Report + "\r\n" + BaseMng().LString("M_Velkrund_DSPUtils_ContinueImport");
   int Answer = IDNO;
   std::optional<std::string> Unanswered;

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +15,8 @@
 #include "velkrund/platform/ormtools/ParamsList.h"
 
 namespace velkrund {
+
+class TTablePlan;
 
 enum class TMissingTable { NotMissing, Created, Declined };
 /// Makes the table of a table data section where the database lacks it.
@@ -83,22 +84,12 @@ class TUOImportFile : public TDatabaseUtilOperation {
     bool BeginSection(const TEIFile&, const TEISection&, TEIObject&) override { return true; }
     void EndSection(const TEIFile&, const TEISection&, const TEIObject*, const std::exception*) override {}
   };
-  struct TTableSection {
-    TEIFile* File;
-    int Index;
-    std::optional<TLoadTarget> Target;
-
-    const TEISection& Section() const { return File->Sections()[Index]; }
-  };
 
   TImportFileObserver& Host() { return Observer ? *Observer : FNobody; }
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
   void TakeSections(TSource& Source, TUORecreateContainer& Container);
   void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
-  std::vector<TTableSection> TableSections(const std::vector<TSource>& Sources);
-  /// Puts the sections in order; null where nobody minds foreign keys.
-  std::unique_ptr<TTableLoading> LoadingOf(std::vector<TTableSection>& Sections) const;
-  bool ImportTableSections(const std::vector<TTableSection>& Sections, TTableLoading* Loading);
+  bool ImportSteps(const TTablePlan& Plan);
   void EndLoading(TTableLoading& Loading, bool Whole);
   void ImportSection(TEIFile& File, int Index, TTableLoading* Loading);
   std::unique_ptr<TEIObject> MakeObject(TEIFile& File, int Index);

@@ -32,6 +32,9 @@ class TImportFileObserver {
   /// be made; one that is Stopped() was cancelled. EAbort ends the run, as a cancelled one.
   virtual void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
                           const std::exception* Error) = 0;
+  /// Behind EndSection, or FileFailed, of what has failed: whether to go on; nothing: a person is asked. EAbort ends
+  /// the run, as a cancelled one.
+  virtual std::optional<bool> GoOn(const std::exception& /*Error*/) { return std::nullopt; }
   /// All tables that were loaded in one go have been taken back. Error: of the check at the end or of the commit, null
   /// when a section failed or the run was cancelled.
   virtual void TakenBack(const std::exception* /*Error*/) {}

@@ -137,6 +137,11 @@ void TCopyDatabaseUtilOperationInterface::SetTargetDatabaseName(const std::strin
     Operation->TargetDatabaseName = Name;
 }
 
+void TInterfaceClassList::Register(TInterfaceClass Class) {
+  if (Find(Class.Name())) throw EListError(Format("There is an interface class '%s' already", Class.Name()));
+  FList.push_back(Class);
+}
+
 TInterfaceClass TInterfaceClassList::Find(std::string_view Name) const {
   for (const TInterfaceClass& Class : FList)
     if (SameText(Class.Name(), Name)) return Class;

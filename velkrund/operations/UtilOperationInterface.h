@@ -101,7 +101,8 @@ class TCopyDatabaseUtilOperationInterface : public TUtilOperationInterface {
 /// The interface classes that scripts and hosts can make by name. Filled when the module starts.
 class TInterfaceClassList {
  public:
-  void Register(TInterfaceClass Class) { FList.push_back(Class); }
+  /// Raises EListError for a name that is taken.
+  void Register(TInterfaceClass Class);
   /// Ignoring case; empty when there is none.
   TInterfaceClass Find(std::string_view Name) const;
   const std::vector<TInterfaceClass>& All() const { return FList; }

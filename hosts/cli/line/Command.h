@@ -41,10 +41,10 @@ class TCommand {
   virtual const TCommandTexts& Texts() const = 0;
   /// Called once. The options store into the command.
   virtual std::vector<TOptionGroup> Options() = 0;
-  /// After parsing: what the options say together. Raises EUsage.
+  /// After parsing: what the options say together. Raises EUsage, or a job's ESettingsError.
   virtual void CheckOptions() {}
-  /// What has to be known before the platform is built.
-  virtual TApplicationOptions ApplicationOptions() const { return Shared.ApplicationOptions(); }
+  /// The options that decide what a policy leaves open, to be read behind "Give".
+  virtual std::string_view Remedy(TPolicy Policy) const;
   /// Whether standard input carries the data, so that questions have to be asked elsewhere.
   virtual bool ReadsStandardInput() const { return false; }
   /// Whether standard output carries the data, so that it can carry nothing else.
@@ -54,6 +54,9 @@ class TCommand {
 
   TSharedOptions Shared;
 };
+
+/// A text about settings of a job, which stand in braces, by the names of options.
+std::string WithOptionNames(std::string_view Text);
 
 /// A command and the options that it declared: what texts about it are made from.
 struct TDeclaredCommand {

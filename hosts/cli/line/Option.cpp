@@ -19,9 +19,9 @@ TOption Text(std::string Names, std::string Value, std::string Help, std::string
           [&Target](const std::vector<std::string>& Values) { Target = Values.back(); }};
 }
 
-TOption Number(std::string Names, std::string Value, std::string Help, std::optional<std::int32_t>& Target) {
+TOption Number(std::string Names, std::string Value, std::string Help, std::int32_t& Target) {
   TOption Result{std::move(Names), std::move(Value), std::move(Help),
-                 [&Target](const std::vector<std::string>& Values) { Target = StrToInt32(Values.back()); }};
+                 [&Target](const std::vector<std::string>& Values) { Target = StrToInt32(Values.back()).value_or(0); }};
   Result.IsNumber = true;
   return Result;
 }

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,7 +17,7 @@ struct TOption {
   std::vector<std::string> Choices = {};                            // the only values; empty: any
   bool Repeatable = false;
   bool Required = false;
-  bool IsNumber = false;                  // only whole numbers of 32 bits
+  bool IsNumber = false;                  // only whole numbers of 32 bits but 0
   std::vector<std::string> NotWith = {};  // names of options that contradict this one
 
   /// The name to use in messages: the long one where there is one.
@@ -36,8 +35,8 @@ struct TOptionGroup {
 
 TOption Switch(std::string Names, std::string Help, bool& Target);
 TOption Text(std::string Names, std::string Value, std::string Help, std::string& Target);
-/// A whole number.
-TOption Number(std::string Names, std::string Value, std::string Help, std::optional<std::int32_t>& Target);
+/// The number of a type of structures: any whole number but 0, which stands for none.
+TOption Number(std::string Names, std::string Value, std::string Help, std::int32_t& Target);
 /// May be given several times.
 TOption List(std::string Names, std::string Value, std::string Help, std::vector<std::string>& Target);
 /// May be given several times, and each time with several names between commas.
@@ -55,6 +54,12 @@ TOption Choice(std::string Names, std::string Help, std::vector<std::pair<std::s
       if (Word == Values.back()) Target = Meaning;
   };
   return Result;
+}
+
+/// A switch that gives the variable a value.
+template <typename T>
+TOption Assigning(std::string Names, std::string Help, T& Target, T Value) {
+  return {std::move(Names), {}, std::move(Help), [&Target, Value](const std::vector<std::string>&) { Target = Value; }};
 }
 
 TOption Required(TOption Option);

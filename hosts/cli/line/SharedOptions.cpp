@@ -9,18 +9,40 @@ TOption TSharedOptions::DatabaseOption() {
               Database);
 }
 
-TOption TSharedOptions::AllowLossOption() {
+TOption TSharedOptions::AllowLossOption(TPolicies& Policies) {
   return Switch(
       "--allow-loss",
       "go on where characters can not be kept, because the code page lacks them or the text is malformed; the "
       "report counts them. Without it they are an error",
-      AllowLoss);
+      Policies.AllowLoss);
 }
 
-TOption TSharedOptions::OnErrorOption() {
+TOption TSharedOptions::OnErrorOption(TPolicies& Policies) {
   return Choice<TOnError>("--on-error", "after a failure: go on with the next one or not (default: ask)",
                           {{"ask", TOnError::Ask}, {"continue", TOnError::Continue}, {"stop", TOnError::Stop}},
-                          OnError);
+                          Policies.OnError);
+}
+
+std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& CreateDatabase) {
+  TExisting& Rows = Policies.ExistingRows;
+  return {
+      NotWith(Assigning("--replace", "delete the rows that are there first", Rows, TExisting::Replace), {"--append"}),
+      Assigning("--append", "keep the rows that are there", Rows, TExisting::Add),
+      Choice<TMissingFields>("--missing-fields",
+                             "fields of the file that the table lacks: pass over them, the report names them, or "
+                             "refuse the section (default: skip)",
+                             {{"skip", TMissingFields::Skip}, {"error", TMissingFields::Refuse}},
+                             Policies.MissingFields),
+      Switch("--lenient",
+             "values that can not be read become NULL, the report counts them. Without it they are an error",
+             Policies.Lenient),
+      Switch("--create", "make the database when it does not exist", CreateDatabase)};
+}
+
+TOption TSharedOptions::OverwriteStructuresOption(TPolicies& Policies) {
+  return Choice<TExisting>("--overwrite", "a structure that is there: replace it, or leave it as it is (default: ask)",
+                           {{"ask", TExisting::Ask}, {"yes", TExisting::Replace}, {"no", TExisting::Skip}},
+                           Policies.ExistingStructures);
 }
 
 TOptionGroup TSharedOptions::General() {
@@ -45,7 +67,6 @@ TApplicationOptions TSharedOptions::ApplicationOptions() const {
   TApplicationOptions Result;
   Result.ConfigFile = ConfigFile;
   Result.Trace = Verbose;
-  Result.StrictText = !AllowLoss;
   return Result;
 }
 

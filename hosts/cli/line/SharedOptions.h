@@ -5,11 +5,9 @@
 #include "hosts/cli/line/Option.h"
 #include "hosts/cli/render/Progress.h"
 #include "jobs/application/Application.h"
-#include "jobs/policies/ErrorPolicy.h"
+#include "jobs/policies/Policies.h"
 
 namespace velkrund {
-
-enum class TOverwrite { Ask, Yes, No };
 
 /// Options that mean the same in every command that has them, in groups that commands put together.
 struct TSharedOptions {
@@ -18,15 +16,22 @@ struct TSharedOptions {
   bool Json = false;
   bool Verbose = false;
   bool Yes = false;
-  bool AllowLoss = false;
   TProgressStyle Progress = TProgressStyle::Auto;
-  TOnError OnError = TOnError::Ask;
 
   TOption DatabaseOption();
   /// --allow-loss, for commands that decode or encode texts.
-  TOption AllowLossOption();
+  static TOption AllowLossOption(TPolicies& Policies);
   /// --on-error, for commands that do several things.
-  TOption OnErrorOption();
+  static TOption OnErrorOption(TPolicies& Policies);
+  /// What commands that load tables let one say about rows, fields and values, and about the database.
+  static std::vector<TOption> LoadingOptions(TPolicies& Policies, bool& CreateDatabase);
+  /// --overwrite, for structures that are there.
+  static TOption OverwriteStructuresOption(TPolicies& Policies);
+  /// --type and --name, for commands about stored structures.
+  static TOption TypeOption(std::int32_t& Type) { return Number("--type", "T", "the object type, a number", Type); }
+  static TOption NameOption(std::string& Name) {
+    return Text("--name", "NAME", "the structure's name, in any case", Name);
+  }
   /// What every command has.
   TOptionGroup General();
 

@@ -5,6 +5,7 @@
 
 #include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 

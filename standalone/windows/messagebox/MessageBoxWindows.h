@@ -16,14 +16,19 @@ class TMessageBoxWindows final : public TWindowSystem {
   /// Flags: MB_YESNOCANCEL, or MB_OK for what is no question. Returns the answer's code; 0: nobody can answer.
   using TShow = std::function<int(const std::string& Text, const std::string& Caption, std::uint32_t Flags)>;
 
-  explicit TMessageBoxWindows(TShow Show) : FShow(std::move(Show)) {}
+  /// HasShow: whether there is a message box at the moment.
+  explicit TMessageBoxWindows(
+      TShow Show, bool (*HasShow)() = [] { return true; })
+      : FShow(std::move(Show)), FHasShow(HasShow) {}
 
   /// Cancel where the form has no button for it raises EAbort; where nobody can answer, or the form has no yes and no,
   /// it is as without a window system.
   int ShowModal(TForm& Form) override;
+  bool CanAsk() const override { return FHasShow(); }
 
  private:
   const TShow FShow;
+  bool (*const FHasShow)();
 };
 
 }  // namespace velkrund

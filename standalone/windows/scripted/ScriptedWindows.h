@@ -29,6 +29,8 @@ class TScriptedWindows final : public TWindowSystem {
 
   /// Raises Exception for an answer that the form does not offer: a script that went wrong must not decide anything.
   int ShowModal(TForm& Form) override;
+  /// Whether an answer is prepared for a form of any class, or the next one can be asked.
+  bool CanAsk() const override { return !FOnce.empty() || (FNext && FNext->CanAsk()); }
   void Synchronize(const std::function<void()>& Action) override;
 
   /// The texts of the forms that were answered here, in order.

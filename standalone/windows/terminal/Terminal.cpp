@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "standalone/windows/terminal/TerminalText.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 

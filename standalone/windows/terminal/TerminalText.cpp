@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
@@ -15,15 +14,6 @@ namespace {
 
 // In bytes. An error quotes the value at fault, and a value can be a document.
 constexpr std::size_t LongestLine = 4000, LongestBeginning = 3000, LongestEnd = 500;
-
-bool IsControl(char32_t Code) { return (Code < 0x20 && Code != '\n' && Code != '\t') || (Code >= 0x7F && Code < 0xA0); }
-
-void AppendVisible(std::string& Out, std::string_view Bytes) {
-  for (const char Byte : Bytes) {
-    Out += "\\x";
-    AppendHex(Out, {&Byte, 1});
-  }
-}
 
 bool BeginsCharacter(char Byte) { return (static_cast<unsigned char>(Byte) & 0xC0U) != 0x80; }
 
@@ -62,22 +52,6 @@ int WidthOf(char32_t Code) {
 }
 
 }  // namespace
-
-std::string Printable(std::string_view Text) {
-  std::string Result;
-  for (std::size_t At = 0; At < Text.size();) {
-    const std::size_t Start = At;
-    const char32_t Code = NextCodePoint(Text, At);
-    const std::string_view Bytes = Text.substr(Start, At - Start);
-    if (Code == '\r' && At < Text.size() && Text[At] == '\n') continue;
-    const bool Malformed = Code == 0xFFFD && Bytes != "\xEF\xBF\xBD";
-    if (Malformed || IsControl(Code))
-      AppendVisible(Result, Bytes);
-    else
-      Result += Bytes;
-  }
-  return Result;
-}
 
 std::string WithShortLines(std::string_view Text) {
   std::string Result;

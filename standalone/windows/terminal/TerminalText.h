@@ -5,9 +5,6 @@
 
 namespace velkrund {
 
-/// Text with line ends as one line feed, and other control characters and malformed bytes visible ("\x1B"), so that
-/// what came out of a file can not take a terminal over.
-std::string Printable(std::string_view Text);
 /// Text with the middle of very long lines replaced by the number of characters left out there.
 std::string WithShortLines(std::string_view Text);
 

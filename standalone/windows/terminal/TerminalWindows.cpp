@@ -14,6 +14,7 @@
 #include "standalone/windows/terminal/TerminalText.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {

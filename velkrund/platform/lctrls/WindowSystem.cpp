@@ -21,6 +21,7 @@ class TNobody final : public TWindowSystem {
     BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Info, Form.Message());
     return mrOk;
   }
+  bool CanAsk() const override { return false; }
 };
 
 }  // namespace

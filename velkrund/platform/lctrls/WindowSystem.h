@@ -14,6 +14,8 @@ class TWindowSystem {
   /// Shows the form until it is closed; returns its ModalResult. Called on the main thread. Raises EQuestionUnanswered
   /// when nobody can answer, and EAbort when the person wants the whole job to end.
   virtual int ShowModal(TForm& Form) = 0;
+  /// Whether there is somebody who can answer, so that it is worth asking. What ShowModal raises is still to be minded.
+  virtual bool CanAsk() const { return true; }
   /// Runs Action on the main thread and returns when it is done; its errors come back. Systems with a loop of their own
   /// hand it over to that loop; this one runs it in place, one at a time.
   virtual void Synchronize(const std::function<void()>& Action);

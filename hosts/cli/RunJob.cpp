@@ -1,0 +1,56 @@
+#include "hosts/cli/RunJob.h"
+
+#include "hosts/cli/Interrupt.h"
+#include "hosts/cli/render/ReportText.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+/// Shows what a running job tells.
+class TShown final : public TJobListener {
+ public:
+  explicit TShown(const TSession& Session) : FSession(Session) {}
+
+  void Begin(const std::string& Subject, const std::string& Unit, std::int64_t Total) override {
+    FSession.Progress.Begin(Subject, Unit, Total);
+  }
+  void SetSubject(const std::string& Subject) override { FSession.Progress.SetName(Subject); }
+  void Progress(std::int32_t Current, std::int32_t Total) override { FSession.Progress.Show(Current, Total); }
+  void End() override { FSession.Progress.End(); }
+  void Fault(const std::string& Text) override { FSession.Console.Message("velkrund: " + Text); }
+  void Stopped(TPolicy Policy) override {
+    FSession.Console.Message(Format("velkrund: stopped there. There is no terminal to ask whether to go on: give %s",
+                                    FSession.Command.Remedy(Policy)));
+  }
+  void Complain(const std::string& Text) override { FSession.Console.Message("velkrund: " + Text); }
+
+ private:
+  const TSession& FSession;
+};
+
+}  // namespace
+
+void RunJob(const TSession& Session, TUtilOperationInterface& Interface) {
+  auto& Job = static_cast<TJob&>(Interface.Operation());
+  TShown Shown(Session);
+  Job.Listener = &Shown;
+  Job.FOnGetCancel = &TInterrupt::Requested;
+  if (auto* const Asking = dynamic_cast<TPolicyJob*>(&Job)) Asking->Policies.Yes = Session.Command.Shared.Yes;
+  Interface.SetDatabaseName(Session.Command.Shared.Database);
+  Interface.Execute();
+  Job.Listener = nullptr;
+  if (Job.Raised()) std::rethrow_exception(Job.Raised());
+  if (Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(Job.Report());
+}
+
+int RunSectionsJob(const TSession& Session, TUtilOperationInterface& Interface) {
+  RunJob(Session, Interface);
+  const TOutcome& Outcome = static_cast<const TSectionsJob&>(Interface.Operation()).Outcome();
+  if (!Outcome.Error.empty()) Session.Console.Message("velkrund: " + Outcome.Error);
+  Session.Console.Message(ReportText(Outcome));
+  return static_cast<int>(Outcome.End());
+}
+
+}  // namespace velkrund

@@ -1,0 +1,20 @@
+#include "hosts/cli/UnattendedWindows.h"
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+std::string UnansweredText(std::string_view Stakes, std::string_view Options) {
+  return Format("%s Give %s; there is no terminal to ask", Stakes, Options);
+}
+
+int TUnattendedWindows::ShowModal(TForm& Form) {
+  const bool IsBox = Form.ClassName() == std::string_view("TMessageBoxForm");
+  if (Form.IsQuestion())
+    throw EQuestionUnanswered(UnansweredText(Form.Message(), IsBox ? "--yes" : "--overwrite yes or --overwrite no"));
+  FTell(Form.Message());
+  return mrOk;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "velkrund/platform/lctrls/WindowSystem.h"
+
+namespace velkrund {
+
+/// The window system where there is nobody to ask: the question of an operation raises EQuestionUnanswered that names
+/// the option which answers it, a message is handed on.
+class TUnattendedWindows final : public TWindowSystem {
+ public:
+  explicit TUnattendedWindows(std::function<void(std::string_view Text)> Tell) : FTell(std::move(Tell)) {}
+  int ShowModal(TForm& Form) override;
+  bool CanAsk() const override { return false; }
+
+ private:
+  std::function<void(std::string_view)> FTell;
+};
+
+/// A decision that nobody could make: what is at stake, and the options that decide.
+std::string UnansweredText(std::string_view Stakes, std::string_view Options);
+
+}  // namespace velkrund

@@ -1,0 +1,61 @@
+#include "hosts/cli/line/Command.h"
+
+#include <map>
+
+namespace velkrund {
+
+namespace {
+
+/// What people give where a job has a setting.
+const std::map<std::string_view, std::string_view> OptionNames = {
+    {"ClearRoot", "--no-clear-root"},
+    {"DatabaseName", "--database"},
+    {"Encoding", "--encoding"},
+    {"ExistingStructures", "--overwrite yes"},
+    {"Fields", "--fields"},
+    {"FileNames", "--input"},
+    {"Indexes", "INDEX"},
+    {"Merge", "--merge"},
+    {"Names", "--name"},
+    {"ObjectName", "--name"},
+    {"ObjectType", "--type"},
+    {"ReleaseVersion", "--release"},
+    {"RootNode", "--root"},
+    {"SectionName", "--section"},
+    {"Sections", "--section"},
+    {"TableName", "--table"},
+};
+
+}  // namespace
+
+std::string_view TCommand::Remedy(TPolicy Policy) const {
+  switch (Policy) {
+    case TPolicy::ExistingRows:
+      return "--replace to delete them first, or --append to keep them";
+    case TPolicy::ExistingSections:
+      return "--overwrite yes to replace, --overwrite no to leave it out, or --add to keep both";
+    case TPolicy::ExistingStructures:
+      return "--overwrite yes to replace them, or --overwrite no to leave them out";
+    case TPolicy::OnError:
+      return "--on-error continue or --on-error stop";
+    case TPolicy::Yes:
+      break;
+  }
+  return "--yes";
+}
+
+std::string WithOptionNames(std::string_view Text) {
+  std::string Result;
+  for (std::size_t Open = Text.find('{'); Open != std::string_view::npos; Open = Text.find('{')) {
+    const std::size_t Close = Text.find('}', Open);
+    if (Close == std::string_view::npos) break;
+    const std::string_view Setting = Text.substr(Open + 1, Close - Open - 1);
+    const auto Option = OptionNames.find(Setting);
+    Result += Text.substr(0, Open);
+    Result += Option == OptionNames.end() ? Setting : Option->second;
+    Text.remove_prefix(Close + 1);
+  }
+  return Result += Text;
+}
+
+}  // namespace velkrund

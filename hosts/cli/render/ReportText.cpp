@@ -1,0 +1,58 @@
+#include "hosts/cli/render/ReportText.h"
+
+#include "hosts/cli/render/Texts.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+std::string ItemText(const TItem& Item) {
+  if (Item.Section.empty()) return "file '" + Item.File + "'";
+  std::string Result = Item.Table.empty() ? "" : "table " + Item.Table + ", ";
+  if (Item.Structure) Result = "structure " + StructureText(*Item.Structure) + ", ";
+  Result += "section '" + Item.Section + "'";
+  return Item.File.empty() ? Result : Result + " of '" + Item.File + "'";
+}
+
+std::string AmountText(const std::optional<std::int64_t>& Rows, std::int64_t Bytes, double Seconds) {
+  return Format("%s%s, %s", Rows ? Counted(*Rows, "row") + ", " : "", ByteText(static_cast<double>(Bytes)),
+                DurationText(Seconds));
+}
+
+/// What a person has to know about a section that is otherwise done.
+std::vector<std::string> Warnings(const TItem& Item) {
+  std::vector<std::string> Result;
+  if (Item.Counts.NullsMade > 0)
+    Result.push_back(Counted(Item.Counts.NullsMade, "value") + " could not be read and became NULL");
+  if (Item.Losses.Unrepresentable > 0)
+    Result.push_back(Counted(Item.Losses.Unrepresentable, "character") + " lost: the code page does not have them");
+  if (Item.Losses.Malformed > 0)
+    Result.push_back(Counted(Item.Losses.Malformed, "malformed character") + " replaced by U+FFFD");
+  if (!Item.Counts.SkippedFields.empty())
+    Result.push_back("the table lacks these fields, which were left out: " + Joined(Item.Counts.SkippedFields));
+  return Result;
+}
+
+}  // namespace
+
+std::string ReportText(const TOutcome& Outcome) {
+  std::string Result;
+  for (const TItem& Item : Outcome.Items) {
+    const bool IsDone = Item.State == TItemState::Done;
+    Result += Format("%s %s", IsDone ? Outcome.Done : StateText(Item.State), ItemText(Item));
+    if (IsDone) Result += ": " + AmountText(Item.Rows(), Item.Bytes, Item.Seconds);
+    if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
+    Result += "\n";
+    if (IsDone)
+      for (const std::string& Warning : Warnings(Item)) Result += "  warning: " + Warning + "\n";
+  }
+  if (!Outcome.Cancelled.empty()) Result += Outcome.Cancelled + "\n";
+  for (const std::string& Note : Outcome.Notes) Result += Note + "\n";
+  const TTotals All = Outcome.Totals();
+  if (All.Sections > 1)
+    Result += Format("in all %s: %s\n", Counted(All.Sections, "section"), AmountText(All.Rows, All.Bytes, All.Seconds));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,28 @@
+#include "jobs/application/Registration.h"
+
+#include "jobs/databases/DatabaseInfo.h"
+#include "jobs/sections/CheckFiles.h"
+#include "jobs/sections/ImportFiles.h"
+#include "jobs/sections/ListSections.h"
+#include "jobs/sections/RemoveSections.h"
+#include "jobs/sections/RepairFile.h"
+#include "jobs/structures/ExportStructures.h"
+#include "jobs/structures/ImportStructures.h"
+#include "jobs/structures/StoredStructures.h"
+#include "jobs/tables/ExportTables.h"
+#include "jobs/tables/ImportTables.h"
+
+namespace velkrund {
+
+void RegisterJobClasses() {
+  TInterfaceClassList& Classes = InterfaceClasses();
+  for (const TInterfaceDescriptor* Job :
+       {&TJobExportTables::Interface, &TJobImportTables::Interface, &TJobExportStructures::Interface,
+        &TJobImportStructures::Interface, &TJobImportFiles::Interface, &TJobListStructures::Interface,
+        &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
+        &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
+        &TJobDatabaseInfo::Interface})
+    Classes.Register(TInterfaceClass(*Job));
+}
+
+}  // namespace velkrund

@@ -1,0 +1,39 @@
+#include "jobs/databases/DatabaseInfo.h"
+
+namespace velkrund {
+
+constinit const TUtilOperationDescriptor TJobDatabaseInfo::Descriptor =
+    JobDescriptor<TJobDatabaseInfo>("TJobDatabaseInfo");
+constinit const TInterfaceDescriptor TJobDatabaseInfo::Interface =
+    JobInterfaceDescriptor<TJobDatabaseInfo>("TJobDatabaseInfoInterface", JobProperties);
+
+const char* KindText(TTableKind Kind) {
+  switch (Kind) {
+    case TTableKind::View:
+      return "view";
+    case TTableKind::Foreign:
+      return "foreign";
+    case TTableKind::Table:
+      break;
+  }
+  return "table";
+}
+
+TDocument TJobDatabaseInfo::Document() const {
+  TDocument Tables = TDocument::List();
+  for (const auto& [Table, Count, Bytes, Problem] : FInfo.Tables) {
+    TDocument Entry;
+    Entry.Set("name", FullName(Table));
+    if (!Table.Schema.empty()) Entry.Set("schema", Table.Schema);
+    Entry.Set("kind", KindText(Table.Kind)).Set("rows", Count).Set("bytes", Bytes);
+    if (!Problem.empty()) Entry.Set("problem", Problem);
+    Tables.Add(std::move(Entry));
+  }
+  TDocument Result;
+  Result.Set("database", DatabaseText()).Set("engine", FInfo.Engine).Set("version", FInfo.EngineVersion);
+  Result.Set("readOnly", FInfo.ReadOnly).Set("catalogueVersion", FInfo.CatalogueVersion);
+  Result.Set("tables", std::move(Tables));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "jobs/run/JobInterface.h"
+
+namespace velkrund {
+
+/// Shows a database's engine and its tables with rows and sizes.
+class TJobDatabaseInfo final : public TJob {
+ public:
+  const TDatabaseInfo& Info() const { return FInfo; }
+  /// As messages name the database.
+  std::string Database() const { return DatabaseText(); }
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  void Run() override { FInfo = Manager().DatabaseInfo(DatabaseName); }
+  TDocument Document() const override;
+
+ private:
+  TDatabaseInfo FInfo;
+};
+
+using TJobDatabaseInfoInterface = TJobInterface<TJobDatabaseInfo>;
+
+/// "table", "view" or "foreign".
+const char* KindText(TTableKind Kind);
+
+}  // namespace velkrund

@@ -1,0 +1,50 @@
+#include "jobs/files/InputFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "jobs/files/FileOpening.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+void FillFromPath(TSpool& Spool, const std::string& Path, const TSpool::TCanceled& Canceled) {
+  const int Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (Descriptor < 0) {
+    if (Canceled && Canceled()) throw EAbort("Cancelled while waiting for a pipe");
+    throw EFOpenError(Format("Can not open file '%s': %s", Path, std::generic_category().message(errno)));
+  }
+  try {
+    Spool.FillFrom(Descriptor, Path, Canceled);
+  } catch (...) {
+    close(Descriptor);
+    throw;
+  }
+  close(Descriptor);
+}
+
+}  // namespace
+
+TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled)
+    : FName(Name),
+      FCanceled(std::move(Canceled)),
+      FSpool(IsPipe(Name) ? std::make_unique<TSpool>(Files) : nullptr),
+      FFiles(FSpool ? *FSpool : Files),
+      FFile(std::make_unique<TEIFile>(FFiles)) {
+  FFile->SetFileName(Name == "-" ? "standard input" : Name);
+  FFile->SetReadonly(true);
+}
+
+void TInputFile::Open() {
+  if (FSpool && FName == "-") FSpool->FillFrom(STDIN_FILENO, "standard input", FCanceled);
+  if (FSpool && FName != "-") FillFromPath(*FSpool, FName, FCanceled);
+  OpenPlainly(*FFile);
+}
+
+}  // namespace velkrund

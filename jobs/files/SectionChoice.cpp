@@ -1,0 +1,93 @@
+#include "jobs/files/SectionChoice.h"
+
+#include <algorithm>
+
+#include "jobs/report/Wording.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+/// What a file holds, for messages.
+std::string ContentText(const TEISectionList& Sections) {
+  if (Sections.Count() == 0) return "it holds no section";
+  std::vector<std::string> Texts;
+  for (int Index = 0; Index < Sections.Count(); ++Index) Texts.push_back(SectionText(Sections, Index));
+  return "it holds " + JoinedInShort(std::move(Texts));
+}
+
+}  // namespace
+
+bool IsTableData(const TEISection& Section) { return Section.ObjectClass.Role() == TSectionRole::TableData; }
+
+std::string SectionText(const TEISectionList& Sections, int Index) {
+  const TEISection& Section = Sections[Index];
+  return Format("section %d '%s' (%s)", Index, Section.Name(), Section.TypeName());
+}
+
+std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string& Name) {
+  std::vector<int> Result;
+  for (int Index = 0; Index < Sections.Count(); ++Index)
+    if (SameText(Sections[Index].Name(), Name)) Result.push_back(Index);
+  return Result;
+}
+
+int TheSection(const TEISectionList& Sections, const std::string& Text, const std::string& FileName) {
+  const bool IsNumber = std::all_of(Text.begin(), Text.end(), [](char C) { return C >= '0' && C <= '9'; });
+  if (IsNumber) {
+    const std::optional<std::int32_t> Index = StrToInt32(Text);
+    if (Index && *Index < Sections.Count()) return *Index;
+    throw EEIError(Format("'%s' has no section with the index %s: %s", FileName, Text, ContentText(Sections)));
+  }
+  const std::vector<int> Found = SectionsNamed(Sections, Text);
+  if (Found.size() == 1) return Found.front();
+  if (Found.empty()) throw EEIError(Format("'%s' has no section '%s': %s", FileName, Text, ContentText(Sections)));
+  std::vector<std::string> Texts;
+  for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
+  throw EEIError(Format("'%s' has several sections of that name, choose by index: %s", FileName, Joined(Texts)));
+}
+
+std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
+                                std::vector<std::string>& LeftOut) {
+  const auto Fits = [&](int Index) { return Sections[Index].ObjectClass.Role() == Choice.Role; };
+  std::vector<int> Result;
+  for (const std::string& Text : Choice.Texts) {
+    const int Index = TheSection(Sections, Text, Choice.FileName);
+    if (!Fits(Index))
+      throw EEIError(Format("In '%s' %s holds no %s", Choice.FileName, SectionText(Sections, Index), Choice.Content));
+    if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
+  }
+  for (int Index = 0; Choice.Texts.empty() && Index < Sections.Count(); ++Index) {
+    if (Fits(Index))
+      Result.push_back(Index);
+    else
+      LeftOut.push_back(Format("left out, being no %s: %s", Choice.Content, SectionText(Sections, Index)));
+  }
+  if (Result.empty())
+    throw EEIError(Format("'%s' holds no %s section%s%s", Choice.FileName, Choice.Content,
+                          Choice.Hidden.empty() ? "" : ": ", Joined(Choice.Hidden)));
+  return Result;
+}
+
+std::string TableOf(const TEISection& Section) {
+  const int Index = Section.FParameters.IndexOf("TableName");
+  return Index < 0 ? std::string() : Section.FParameters.ParamValues(Index);
+}
+
+std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {
+  const TEISection& Section = Source.Sections()[Index];
+  Source.Stream().SetPosition(Section.DataPosition);
+  TEIStream Body(Source.Stream(), Section.DataSize);
+  Body.SetEncoding(Section.Encoding());
+  try {
+    return dynamic_cast<TEICommonTableData&>(*Source.CreateEIObject(Index)).ReadFieldNames(Body);
+  } catch (const Exception&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace velkrund

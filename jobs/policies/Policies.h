@@ -1,0 +1,70 @@
+#pragma once
+
+#include <string_view>
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+
+/// What becomes of something that is there already, when a run brings the same.
+enum class TExisting : int {
+  Ask = 0,
+  Skip = 1,     // it stays as it is, and what the run brings is left out
+  Replace = 2,  // it goes first
+  Add = 3,      // both are kept: rows are appended, a section stands beside the other, a structure is updated
+};
+/// What a run over several things does after one of them failed.
+enum class TOnError : int { Ask = 0, Continue = 1, Stop = 2 };
+/// Fields of a file that the table lacks.
+enum class TMissingFields : int { Skip = 0, Refuse = 1 };
+
+/// Everything that a person would be asked about or has to allow, decided beforehand: one record for all jobs. What is
+/// left at Ask is asked, through the installed window system, before anything is changed; where nobody can be asked it
+/// is an EPolicyUnanswered.
+struct TPolicies {
+  TExisting ExistingRows = TExisting::Ask;
+  TExisting ExistingSections = TExisting::Ask;
+  TExisting ExistingStructures = TExisting::Ask;
+  TOnError OnError = TOnError::Ask;
+  TMissingFields MissingFields = TMissingFields::Skip;  // skipped ones are named in the report
+  bool AllowLoss = false;  // go on where characters can not be kept; counted. Otherwise an error
+  bool Lenient = false;    // values that can not be read become NULL; counted. Otherwise an error
+  bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped
+};
+
+/// The policies by which something can be decided.
+enum class TPolicy { ExistingRows, ExistingSections, ExistingStructures, OnError, Yes };
+
+/// A decision that a policy leaves to a person, where there is none. Hosts say in their own words how to decide; what()
+/// says it by the names of properties.
+class EPolicyUnanswered final : public EQuestionUnanswered {
+ public:
+  /// Stakes: a sentence that says what is at stake: "Table 'ORDERS' has 3 rows."
+  EPolicyUnanswered(TPolicy Policy, const std::string& Stakes);
+  const char* ClassName() const noexcept override { return "EPolicyUnanswered"; }
+
+  TPolicy Policy() const { return FPolicy; }
+  const std::string& Stakes() const { return FStakes; }
+
+ private:
+  TPolicy FPolicy;
+  std::string FStakes;
+};
+
+/// How to decide by properties: "Set ExistingRows to replace or append".
+std::string_view Remedy(TPolicy Policy);
+
+/// Settings of a job that contradict each other, or what they meet. The message names them by their properties, in
+/// braces in Text, which hosts replace by what people set there.
+class ESettingsError final : public Exception {
+ public:
+  /// Text: "{TableName} names one table, but 2 sections are to be loaded".
+  explicit ESettingsError(const std::string& Text);
+  const char* ClassName() const noexcept override { return "ESettingsError"; }
+  const std::string& Text() const { return FText; }
+
+ private:
+  std::string FText;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velkrund {
+
+/// The result of a job for programs: a JSON document, or a part of one. Members stand in the order in which they were
+/// set. This is the only place that knows the library behind it.
+class TDocument {
+ public:
+  /// An object without members.
+  TDocument();
+  /// A list without elements.
+  static TDocument List();
+  TDocument(TDocument&&) noexcept;
+  TDocument& operator=(TDocument&&) noexcept;
+  ~TDocument();
+
+  TDocument& Set(std::string_view Name, std::string_view Value);
+  TDocument& Set(std::string_view Name, const char* Value) { return Set(Name, std::string_view(Value)); }
+  TDocument& Set(std::string_view Name, const std::string& Value) { return Set(Name, std::string_view(Value)); }
+  TDocument& Set(std::string_view Name, double Value);
+  TDocument& Set(std::string_view Name, const std::vector<std::string>& Values);
+  TDocument& Set(std::string_view Name, TDocument Value);
+  TDocument& SetNull(std::string_view Name);
+  template <std::integral TInteger>
+  TDocument& Set(std::string_view Name, TInteger Value) {
+    if constexpr (std::same_as<TInteger, bool>)
+      return SetBoolean(Name, Value);
+    else if constexpr (std::unsigned_integral<TInteger>)
+      return SetUnsigned(Name, Value);
+    else
+      return SetSigned(Name, Value);
+  }
+  /// Null where there is no value.
+  template <typename TValue>
+  TDocument& Set(std::string_view Name, const std::optional<TValue>& Value) {
+    return Value ? Set(Name, *Value) : SetNull(Name);
+  }
+  /// To a list.
+  void Add(TDocument Value);
+
+  /// As it is printed, with a line end; bytes that are no UTF-8 are replaced.
+  std::string Text() const;
+
+ private:
+  struct TValue;
+
+  TDocument& SetBoolean(std::string_view Name, bool Value);
+  TDocument& SetSigned(std::string_view Name, std::int64_t Value);
+  TDocument& SetUnsigned(std::string_view Name, std::uint64_t Value);
+
+  std::unique_ptr<TValue> FValue;
+};
+
+}  // namespace velkrund

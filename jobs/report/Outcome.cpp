@@ -1,0 +1,116 @@
+#include "jobs/report/Outcome.h"
+
+#include <algorithm>
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+
+namespace {
+
+std::string TextOf(const std::exception_ptr& Reason) {
+  try {
+    std::rethrow_exception(Reason);
+  } catch (const std::exception& Error) {
+    return ErrorText(Error);
+  }
+}
+
+TDocument ItemDocument(const TItem& Item) {
+  TDocument Result;
+  if (!Item.File.empty()) Result.Set("file", Item.File);
+  Result.Set("section", Item.Section);
+  if (!Item.Table.empty()) Result.Set("table", Item.Table);
+  if (Item.Structure) Result.Set("structure", Item.Structure->Name).Set("objectType", Item.Structure->Type);
+  Result.Set("state", StateText(Item.State));
+  if (!Item.Note.empty()) Result.Set(Item.State == TItemState::Failed ? "error" : "note", Item.Note);
+  if (Item.State != TItemState::Done) return Result;
+  const std::optional<std::int64_t> Rows = Item.Rows();
+  if (Rows) Result.Set("rows", *Rows);
+  Result.Set("bytes", Item.Bytes).Set("seconds", Item.Seconds);
+  if (Rows) Result.Set("nullsMade", Item.Counts.NullsMade);
+  Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
+  if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
+  return Result;
+}
+
+}  // namespace
+
+const char* StateText(TItemState State) {
+  switch (State) {
+    case TItemState::Done:
+      return "done";
+    case TItemState::LeftOut:
+      return "left out";
+    case TItemState::Failed:
+      return "failed";
+    case TItemState::Cancelled:
+      return "cancelled";
+    case TItemState::TakenBack:
+      return "taken back";
+    case TItemState::NotReached:
+      break;
+  }
+  return "not reached";
+}
+
+std::string ErrorText(const std::exception& Error) { return ExceptionClassName(Error) + ":" + Error.what(); }
+
+std::string MessageOf(const std::exception_ptr& Error) {
+  try {
+    std::rethrow_exception(Error);
+  } catch (const std::exception& Raised) {
+    return Raised.what();
+  }
+}
+
+void TOutcome::Fail(TItem& Item, const std::exception_ptr& Reason) {
+  Item.State = TItemState::Failed;
+  Item.Note = TextOf(Reason);
+  if (!FirstError) FirstError = Reason;
+}
+
+void TOutcome::Fail(const std::exception_ptr& Reason) {
+  Error = TextOf(Reason);
+  if (!FirstError) FirstError = Reason;
+}
+
+int TOutcome::Count(TItemState State) const {
+  return static_cast<int>(
+      std::count_if(Items.begin(), Items.end(), [State](const TItem& Item) { return Item.State == State; }));
+}
+
+TEnd TOutcome::End() const {
+  if (!Error.empty()) return TEnd::Failed;
+  if (!Cancelled.empty() || Any(TItemState::Cancelled)) return TEnd::Cancelled;
+  return Any(TItemState::Failed) ? TEnd::Failed : TEnd::Done;
+}
+
+TTotals TOutcome::Totals() const {
+  TTotals Result;
+  for (const TItem& Item : Items) {
+    if (Item.State != TItemState::Done) continue;
+    ++Result.Sections;
+    if (const auto Rows = Item.Rows()) Result.Rows = Result.Rows.value_or(0) + *Rows;
+    Result.Bytes += Item.Bytes;
+    Result.NullsMade += Item.Counts.NullsMade;
+    Result.Losses.Unrepresentable += Item.Losses.Unrepresentable;
+    Result.Losses.Malformed += Item.Losses.Malformed;
+    Result.Seconds += Item.Seconds;
+  }
+  return Result;
+}
+
+TDocument TOutcome::Document() const {
+  const TTotals All = Totals();
+  TDocument Sections = TDocument::List();
+  for (const TItem& Item : Items) Sections.Add(ItemDocument(Item));
+  TDocument Result;
+  Result.Set("command", Command).Set("database", Database).Set("file", File);
+  Result.Set("exitCode", static_cast<int>(End())).Set("sections", std::move(Sections)).Set("notes", Notes);
+  if (!Error.empty()) Result.Set("error", Error);
+  Result.Set("rows", All.Rows.value_or(0)).Set("bytes", All.Bytes).Set("seconds", All.Seconds);
+  return Result;
+}
+
+}  // namespace velkrund

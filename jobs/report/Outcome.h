@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jobs/report/Document.h"
+#include "jobs/report/StructureId.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/ormtools/LineReader.h"
+
+namespace velkrund {
+
+/// How a run ended. The numbers are those of programs that run jobs, and stand in documents.
+enum class TEnd : int { Done = 0, Failed = 1, Cancelled = 3 };
+
+enum class TItemState {
+  Done,
+  LeftOut,  // because of an answer, given beforehand or by a person
+  Failed,
+  Cancelled,
+  NotReached,  // the run ended before
+  TakenBack,   // done, and undone when the rest failed
+};
+
+/// "done", "left out" ...
+const char* StateText(TItemState State);
+
+/// Class, ":" and message of an error, as it stands in reports.
+std::string ErrorText(const std::exception& Error);
+/// The message alone. Error: not null.
+std::string MessageOf(const std::exception_ptr& Error);
+
+/// What became of one section.
+struct TItem {
+  std::string Section = {};  // empty: the file as a whole
+  std::string Table = {};    // empty: the section is for something else; only tables have rows
+  std::string File = {};     // empty: the run's only one
+  TItemState State = TItemState::NotReached;
+  std::string Note = {};   // why it was left out, or the error
+  std::int64_t Bytes = 0;  // of the section's body
+  double Seconds = 0;
+  TTableDataReport Counts = {};
+  TTextLosses Losses = {};
+  std::optional<TStructureId> Structure = {};
+
+  /// What progress is about.
+  const std::string& Subject() const { return Table.empty() ? Section : Table; }
+  std::optional<std::int64_t> Rows() const {
+    return Table.empty() ? std::nullopt : std::optional<std::int64_t>(Counts.RowCount);
+  }
+};
+
+/// Of the sections that were done.
+struct TTotals {
+  std::int64_t Sections = 0, Bytes = 0;
+  std::optional<std::int64_t> Rows;  // nothing without a table
+  std::int64_t NullsMade = 0;
+  TTextLosses Losses = {};
+  double Seconds = 0;
+};
+
+/// What became of a run over sections: the whole of it, for texts, documents and hosts.
+struct TOutcome {
+  std::string Command;  // "export table"
+  std::string Done;     // "exported"
+  std::string Database, File;
+  std::vector<TItem> Items = {};
+  std::vector<std::string> Notes = {};  // about the run as a whole
+  std::string Error = {};               // what ended the run besides the items
+  std::string Cancelled = {};           // the same
+  std::exception_ptr FirstError = {};   // of the run or of an item
+
+  /// Enters an error of an item, which fails, or of the run.
+  void Fail(TItem& Item, const std::exception_ptr& Reason);
+  void Fail(const std::exception_ptr& Reason);
+
+  bool Any(TItemState State) const { return Count(State) > 0; }
+  int Count(TItemState State) const;
+  TEnd End() const;
+  TTotals Totals() const;
+  TDocument Document() const;
+};
+
+}  // namespace velkrund

@@ -1,0 +1,173 @@
+#include "jobs/run/ExportJob.h"
+
+#include <algorithm>
+#include <map>
+
+#include "jobs/report/Wording.h"
+#include "jobs/run/ItemAccount.h"
+#include "standalone/databases/ReadTransaction.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::string_view Releases[] = {"rv17", "rv20"};
+constexpr std::string_view Encodings[] = {"default", "ansi", "utf8"};
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
+    JobProperty<&TExportJob::SectionName>("SectionName", "for one section: its name; empty: as the job names it"),
+    JobChoice<&TExportJob::ReleaseVersion>("ReleaseVersion", "release whose readers the file has to suit", Releases),
+    OptionalJobChoice<&TExportJob::Encoding>("Encoding", "of the sections; default: utf8, with rv17 ansi", Encodings),
+};
+
+}  // namespace
+
+constinit const TPropertyTable ExportJobProperties{&SectionsJobProperties, Properties};
+
+void TExportJob::CheckSettings() const {
+  if (Encoding == TKvEncoding::Utf8 && ReleaseVersion == TExportReleaseVersion::rv17)
+    throw ESettingsError("{Encoding} utf8 does not go with {ReleaseVersion} rv17, whose readers know ansi only");
+  if (Several() && !SectionName.empty())
+    throw ESettingsError(Format("{SectionName} names one section, but several %ss are exported", FKind));
+}
+
+void TExportJob::Run() {
+  FOutcome = {Format("export %s", FKind), "exported", DatabaseText(), FileName};
+  FErrors.emplace(Policies.OnError);
+  FOutcome.Items = Plan();
+  FReplaced.clear();
+  FSteps.assign(FOutcome.Items.size(), {});
+  FOutput = std::make_unique<TOutputFile>(Files(), FileName, [this](const std::string& Text) { Complain(Text); });
+  struct TCloser {
+    std::unique_ptr<TOutputFile>& Output;
+    ~TCloser() { Output.reset(); }
+  } const Closer{FOutput};
+  FOutput->File().SetStrictText(!Policies.AllowLoss);
+  Settle();
+  Write();
+  Finish();
+}
+
+void TExportJob::FindExisting() {
+  std::map<std::string, std::vector<int>> Present;  // by name in lower case
+  const TEISectionList& Sections = FOutput->File().Sections();
+  for (int Index = 0; Index < Sections.Count(); ++Index)
+    if (Sections[Index].ObjectClass.Role() == FRole) Present[LowerCase(Sections[Index].Name())].push_back(Index);
+  for (std::size_t I = 0; I < FSteps.size(); ++I) {
+    const auto Found = Present.find(LowerCase(FOutcome.Items[I].Section));
+    if (Found != Present.end()) FSteps[I].Existing = Found->second;
+  }
+}
+
+/// Decides about sections that are there already, before anything is written.
+void TExportJob::Settle() {
+  FindExisting();
+  if (Policies.ExistingSections == TExisting::Add) return;
+  std::vector<std::string> Met;
+  for (std::size_t I = 0; I < FSteps.size(); ++I)
+    if (!FSteps[I].Existing.empty()) Met.push_back("the section '" + FOutcome.Items[I].Section + "'");
+  if (Policies.ExistingSections == TExisting::Ask && !Met.empty() && !CanAsk())
+    throw EPolicyUnanswered(TPolicy::ExistingSections,
+                            Format("Already in '%s': %s.", FOutput->Name(), JoinedInShort(std::move(Met))));
+  TRepeatedQuestion Question;
+  for (std::size_t I = 0; I < FSteps.size(); ++I)
+    if (!FSteps[I].Existing.empty()) FSteps[I].Replace = MayReplace(FOutcome.Items[I], Question);
+}
+
+/// Whether what is there goes; otherwise the item is left out.
+bool TExportJob::MayReplace(TItem& Item, TRepeatedQuestion& Question) const {
+  bool Replace = Policies.ExistingSections == TExisting::Replace;
+  if (Policies.ExistingSections == TExisting::Ask)
+    Replace = Question.Ask({Format("The section '%s' is already in '%s'. Replace it?", Item.Section, FOutput->Name()),
+                            {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel},
+                            TPolicy::ExistingSections}) == TAnswer::Yes;
+  if (Replace) return true;
+  Item.State = TItemState::LeftOut;
+  Item.Note = "the section is already there";
+  return false;
+}
+
+void TExportJob::SetUpOperation() {
+  TExportUtilOperation& Export = Operation();
+  Export.Owner = this;
+  Export.DatabaseName = DatabaseName;
+  Export.FTarget = &FOutput->File();
+  Export.FReleaseVersion = ReleaseVersion;
+  Export.FEncoding =
+      Encoding.value_or(ReleaseVersion == TExportReleaseVersion::rv20 ? TKvEncoding::Utf8 : TKvEncoding::Ansi);
+  Export.FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ShowPart(Current, Total, Name);
+  };
+}
+
+void TExportJob::Write() {
+  SetUpOperation();
+  SetParts(FOutcome.Items.size());
+  // Rows of one section refer to rows of another.
+  TReadTransaction Moment(Manager().Databases(), DatabaseName);
+  for (std::size_t I = 0; I < FOutcome.Items.size(); ++I) {
+    TItem& Item = FOutcome.Items[I];
+    if (Item.State == TItemState::LeftOut) continue;
+    WriteOne(Item, FSteps[I]);
+    if (Item.State == TItemState::Failed ? IsLast(I) || !GoOn() : Item.State != TItemState::Done || IsCanceled()) break;
+    if (Item.State != TItemState::Failed) continue;
+    Moment.Renew();
+    FOutcome.Notes.push_back(Format("what follows '%s' is of a later moment than what stands before", Item.Section));
+  }
+}
+
+void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
+  TExportUtilOperation& Export = Operation();
+  Export.FSectionName = Item.Section;
+  Prepare(Item);
+  const TItemAccount Account(FOutput->File());
+  BeginPart(Item.Subject(), FUnit);
+  try {
+    Item.State = Export.Execute() != 0 ? TItemState::Done : TItemState::Cancelled;
+  } catch (const std::exception&) {
+    FOutcome.Fail(Item, std::current_exception());
+  }
+  EndPart();
+  Account.Close(Item);
+  AfterRun(Item);
+  if (Item.State == TItemState::Failed) Fault(Item.Note);
+  if (Item.State != TItemState::Done) return;
+  const TEISectionList& Sections = FOutput->File().Sections();
+  Item.Bytes = Sections[Sections.Count() - 1].DataSize;
+  if (Step.Replace) FReplaced.insert(FReplaced.end(), Step.Existing.begin(), Step.Existing.end());
+}
+
+bool TExportJob::IsLast(std::size_t Index) const {
+  return std::none_of(FOutcome.Items.begin() + static_cast<std::ptrdiff_t>(Index) + 1, FOutcome.Items.end(),
+                      [](const TItem& Later) { return Later.State != TItemState::LeftOut; });
+}
+
+bool TExportJob::GoOn() {
+  try {
+    return FErrors->GoOn("Go on with the next one?");
+  } catch (const EPolicyUnanswered& Unanswered) {
+    Stop(Unanswered.Policy());
+  } catch (const EAbort& Abort) {
+    FOutcome.Cancelled = Abort.what();
+  }
+  return false;
+}
+
+void TExportJob::Finish() {
+  // A wish to stop that came before has been obeyed; what is finished is put right now.
+  const bool Stopped = IsCanceled();
+  try {
+    FOutput->Finish(FReplaced, [=, this] { return !Stopped && IsCanceled(); });
+  } catch (const EAbort& Abort) {
+    FOutcome.Cancelled = Abort.what();
+    if (!FReplaced.empty())
+      FOutcome.Notes.emplace_back("the sections that were to be replaced stand beside the new ones");
+  } catch (const std::exception&) {
+    FOutcome.Fail(std::current_exception());
+  }
+}
+
+}  // namespace velkrund

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jobs/files/OutputFile.h"
+#include "jobs/policies/ErrorPolicy.h"
+#include "jobs/policies/Questions.h"
+#include "jobs/run/JobInterface.h"
+#include "velkrund/operations/ImportExport.h"
+
+namespace velkrund {
+
+extern const TPropertyTable ExportJobProperties;  // those of a job on sections, and what follows
+
+/// Adds sections to a file. All are read at one moment of the database. What is there already under their names is
+/// settled before anything is written; what is replaced is taken out at the end, in one step.
+class TExportJob : public TSectionsJob {
+ public:
+  std::string FileName;     // "-": standard output
+  std::string SectionName;  // of the one section; empty: as the job names them
+  TExportReleaseVersion ReleaseVersion = TExportReleaseVersion::rv20;
+  std::optional<TKvEncoding> Encoding;  // nothing: UTF-8, for rv17 ANSI
+
+  void CheckSettings() const override;
+
+ protected:
+  /// Kind: of the sections, for the document: "table". Role: of sections whose names count.
+  TExportJob(const char* Kind, TSectionRole Role, const char* Unit) : FKind(Kind), FRole(Role), FUnit(Unit) {}
+
+  void Run() final;
+  /// Whether there may be more than one section.
+  virtual bool Several() const = 0;
+  /// A section to be written for each item.
+  virtual std::vector<TItem> Plan() = 0;
+  /// The operation that writes them.
+  virtual TExportUtilOperation& Operation() = 0;
+  /// Sets the operation up for an item, its section's name apart.
+  virtual void Prepare(const TItem& Item) = 0;
+  /// Takes over what the operation counted.
+  virtual void AfterRun(TItem& /*Item*/) {}
+
+ private:
+  /// What is there already under the name of a new section, and what becomes of it.
+  struct TStep {
+    std::vector<int> Existing = {};
+    bool Replace = false;
+  };
+
+  void FindExisting();
+  void Settle();
+  bool MayReplace(TItem& Item, TRepeatedQuestion& Question) const;
+  void SetUpOperation();
+  void Write();
+  void WriteOne(TItem& Item, const TStep& Step);
+  bool IsLast(std::size_t Index) const;
+  bool GoOn();
+  void Finish();
+
+  const char* const FKind;
+  const TSectionRole FRole;
+  const char* const FUnit;
+  std::optional<TErrorPolicy> FErrors;
+  std::unique_ptr<TOutputFile> FOutput;  // during a run
+  std::vector<TStep> FSteps;             // one for every item
+  std::vector<int> FReplaced;            // sections that new ones took the place of
+};
+
+}  // namespace velkrund

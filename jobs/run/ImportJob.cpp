@@ -1,0 +1,232 @@
+#include "jobs/run/ImportJob.h"
+
+#include <algorithm>
+
+#include "jobs/files/StrayMarkers.h"
+#include "jobs/report/Wording.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+/// Databases are made when they do not exist, as long as it lives.
+class TCreateMissing {
+ public:
+  TCreateMissing(TDatabases& Databases, bool Value)
+      : FDatabases(Databases), FBefore(Databases.SetCreateMissing(Value)) {}
+  TCreateMissing(const TCreateMissing&) = delete;
+  TCreateMissing& operator=(const TCreateMissing&) = delete;
+  ~TCreateMissing() { FDatabases.SetCreateMissing(FBefore); }
+
+ private:
+  TDatabases& FDatabases;
+  const bool FBefore;
+};
+
+}  // namespace
+
+void TImportJob::Run() {
+  FOutcome = {Format("import %s", FKind), "imported", DatabaseText(), Joined(Names())};
+  FUnreadable.clear();
+  FSteps.clear();
+  FErrors.emplace(Policies.OnError);
+  FTablesBegun = FStopped = false;
+  FParts = MakeParts();
+  const TCreateMissing Create(Manager().Databases(), CreateDatabase);
+  FInputs = std::make_unique<TInputFiles>(Files(), Names(), Canceled());
+  struct TCloser {
+    TImportJob& Job;
+    ~TCloser() {
+      Job.FAccount.reset();
+      Job.FParts.clear();
+      Job.FInputs.reset();
+    }
+  } const Closer{*this};
+  for (const auto& Input : FInputs->Inputs()) LookAt(*Input);
+  for (const auto& [Role, Part] : FParts) Part->Settle(FOutcome);
+  CheckEmptying();
+  Import();
+}
+
+void TImportJob::LookAt(TInputFile& Input) {
+  Input.File().SetStrictText(!Policies.AllowLoss);
+  try {
+    Input.Open();
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception&) {
+    if (!GoesOnWithoutFile()) throw;
+    FUnreadable.emplace(Input.Name(), std::current_exception());
+    return;
+  }
+  if (Input.File().Losses().Any()) FOutcome.Notes.emplace_back("warning: section headers hold malformed characters");
+  std::vector<std::string> Hidden;
+  NoteLines(Input, Hidden);
+  for (const int Index : Choose(Input, Hidden)) Add(Input, Index);
+}
+
+/// Lines outside of sections, which an import passes over.
+void TImportJob::NoteLines(TInputFile& Input, std::vector<std::string>& Hidden) {
+  TStrayMarkers Found = FindStrayMarkers(Input.File());
+  for (const std::string& Text : Found.Hidden) FOutcome.Notes.push_back("warning: " + Input.Name() + ": " + Text);
+  for (const std::string& Text : Found.Doubtful) FOutcome.Notes.push_back(Input.Name() + ": " + Text);
+  Hidden = std::move(Found.Hidden);
+}
+
+void TImportJob::Add(TInputFile& Input, int Index) {
+  const TEISection& Section = Input.File().Sections()[Index];
+  const TSectionRole Role = Section.ObjectClass.Role();
+  const auto Part = FParts.find(Role);
+  const TStep Step{Part == FParts.end() ? nullptr : Part->second.get(), Section.DataSize,
+                   Role == TSectionRole::TableData, FOutcome.Items.size()};
+  TItem Item;
+  Item.Section = Section.Name();
+  if (FInputs->Inputs().size() > 1) Item.File = Input.Name();
+  if (Step.Part) Step.Part->Add(Input, Index, Item, Step.Number);
+  FOutcome.Items.push_back(std::move(Item));
+  FSteps.emplace(TPlace(Input.Name(), Section.Position), Step);
+}
+
+/// What the tables' loading would refuse, before structures are changed that come first.
+void TImportJob::CheckEmptying() const {
+  std::vector<TLoadTarget> Targets;
+  bool OnlyTables = true;
+  for (const auto& [Place, Step] : FSteps) {
+    OnlyTables = OnlyTables && Step.IsTable;
+    if (FOutcome.Items[Step.Number].State == TItemState::LeftOut || !Step.Part) continue;
+    if (std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number)) Targets.push_back(std::move(*Target));
+  }
+  if (!OnlyTables && !Targets.empty() && Relations()) Relations()->Load(DatabaseName, Targets);
+}
+
+std::int64_t TImportJob::Bytes(bool OfTables) const {
+  std::int64_t Result = 0;
+  for (const auto& [Place, Step] : FSteps)
+    if (Step.IsTable == OfTables && FOutcome.Items[Step.Number].State != TItemState::LeftOut) Result += Step.Bytes;
+  return Result;
+}
+
+void TImportJob::Import() {
+  TUOImportFiles Operation;
+  Operation.Owner = this;
+  Operation.DatabaseName = DatabaseName;
+  Operation.FFiles = FInputs->FileNames();
+  Operation.FileSystem = FInputs.get();
+  Operation.fCreateDBStructures = MakesObjects();
+  Operation.Observer = this;
+  Operation.FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ShowPart(Current, Total, Name);
+  };
+  // Of several files the operation counts each one's structures, then all tables together.
+  BeginPart(FOutcome.File, "bytes", FInputs->Inputs().size() > 1 ? -1 : Bytes(false) + Bytes(true));
+  int Result = 0;
+  try {
+    Result = Operation.Execute();
+  } catch (const std::exception& Error) {
+    // What the run ends with after the failure of an item is told with the item.
+    if (!FStopped) FOutcome.Fail(std::current_exception());
+    FStopped = true;
+  }
+  EndPart();
+  Conclude(Result);
+}
+
+void TImportJob::Conclude(int Result) {
+  if (Result != 0 || FStopped || !FOutcome.Cancelled.empty()) return;
+  if (IsCanceled() || FOutcome.Any(TItemState::Cancelled))
+    FOutcome.Cancelled = "cancelled; what was finished before stays";
+}
+
+const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {
+  return FSteps.at({File.FileName(), Section.Position});
+}
+
+TEIFile* TImportJob::OpenedFile(const std::string& FileName) {
+  if (const auto Error = FUnreadable.find(FileName); Error != FUnreadable.end()) std::rethrow_exception(Error->second);
+  for (const auto& Input : FInputs->Inputs())
+    if (Input->Name() == FileName) return &Input->File();
+  return nullptr;
+}
+
+bool TImportJob::Takes(const TEIFile& File, const TEISection& Section) {
+  const auto Step = FSteps.find({File.FileName(), Section.Position});
+  return Step != FSteps.end() && FOutcome.Items[Step->second.Number].State != TItemState::LeftOut;
+}
+
+std::optional<TLoadTarget> TImportJob::TargetOf(const TEIFile& File, const TEISection& Section) {
+  const TStep& Step = StepOf(File, Section);
+  return Step.Part ? Step.Part->TargetOf(Step.Number) : std::nullopt;
+}
+
+void TImportJob::BeginTables(const TTableLoading& Loading) {
+  for (const std::string& Text : Loading.Warnings()) FOutcome.Notes.push_back("warning: " + Text);
+}
+
+bool TImportJob::BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) {
+  const TStep& Step = StepOf(File, Section);
+  if (FInputs->Inputs().size() > 1 && Step.IsTable && !FTablesBegun) BeginPart(FOutcome.File, "bytes", Bytes(true));
+  FTablesBegun = FTablesBegun || Step.IsTable;
+  SetSubject(FOutcome.Items[Step.Number].Subject());
+  if (Step.Part) Step.Part->Begin(Step.Number, Object);
+  FAccount.emplace(File);
+  return true;
+}
+
+void TImportJob::EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
+                            const std::exception* Error) {
+  const TStep& Step = StepOf(File, Section);
+  TItem& Item = FOutcome.Items[Step.Number];
+  if (FAccount) FAccount->Close(Item);
+  Item.Bytes = Step.Bytes;
+  Item.State = Object && Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
+  if (Step.Part) Step.Part->End(Item, Object);
+  if (Error) Fail(Item, *Error);
+}
+
+void TImportJob::FileFailed(const std::string& FileName, const std::exception& Error) {
+  TItem Item;
+  Item.File = FileName;
+  FOutcome.Items.push_back(std::move(Item));
+  Fail(FOutcome.Items.back(), Error);
+}
+
+/// Error: the one that is being handled.
+void TImportJob::Fail(TItem& Item, const std::exception& Error) {
+  // Unless somebody goes on, the run ends with it.
+  FStopped = true;
+  if (dynamic_cast<const EAbort*>(&Error)) {
+    Item.State = TItemState::Cancelled;
+    FStopped = false;
+    return;
+  }
+  FOutcome.Fail(Item, std::current_exception());
+  Fault(Item.Note);
+}
+
+std::optional<bool> TImportJob::GoOn(const std::exception&) {
+  FStopped = !MayGoOn();
+  return !FStopped;
+}
+
+bool TImportJob::MayGoOn() {
+  if (!FOutcome.Any(TItemState::NotReached) && FUnreadable.empty()) return true;
+  try {
+    return FErrors->GoOn(Manager().LString("M_Velkrund_DSPUtils_ContinueImport"));
+  } catch (const EPolicyUnanswered& Unanswered) {
+    Stop(Unanswered.Policy());
+    return false;
+  } catch (const EAbort& Abort) {
+    FOutcome.Cancelled = Abort.what();
+    throw;
+  }
+}
+
+void TImportJob::TakenBack(const std::exception*) {
+  for (TItem& Item : FOutcome.Items)
+    if (!Item.Table.empty() && Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+  FOutcome.Notes.emplace_back("tables with foreign keys are loaded together or not at all");
+}
+
+}  // namespace velkrund

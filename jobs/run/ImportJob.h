@@ -1,0 +1,104 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "jobs/files/InputFiles.h"
+#include "jobs/policies/ErrorPolicy.h"
+#include "jobs/run/ItemAccount.h"
+#include "jobs/run/Job.h"
+#include "velkrund/operations/ImportFiles.h"
+
+namespace velkrund {
+
+/// What an import does with the sections of one kind. Lives for one run. Sections are named by the numbers of their
+/// items in the outcome.
+class TImportPart {
+ public:
+  virtual ~TImportPart() = default;
+
+  /// A section that is to be imported; Item gets what is known of it. Raises what is certain to fail.
+  virtual void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) = 0;
+  /// Decides about what is there already, before anything is changed; items that are not to be imported become left
+  /// out.
+  virtual void Settle(TOutcome& Outcome) = 0;
+  /// The table that the section goes into; nothing: none that is there.
+  virtual std::optional<TLoadTarget> TargetOf(std::size_t /*Number*/) const { return std::nullopt; }
+  /// Sets the section's object up.
+  virtual void Begin(std::size_t Number, TEIObject& Object) = 0;
+  /// Takes over what the object counted, after success and after failure. Object: null when it could not be made.
+  virtual void End(TItem& Item, const TEIObject* Object) = 0;
+};
+
+/// Loads sections of files into a database: the one engine of all imports. Everything that can be known, and every
+/// question about what is there, comes before the first change.
+class TImportJob : public TSectionsJob, private TImportFileObserver {
+ public:
+  bool CreateDatabase = false;  // make the database when it does not exist
+
+ protected:
+  using TParts = std::map<TSectionRole, std::unique_ptr<TImportPart>>;
+
+  /// Kind: for the document: "table".
+  explicit TImportJob(const char* Kind) : FKind(Kind) {}
+
+  void Run() final;
+  virtual std::vector<std::string> Names() const = 0;
+  /// The parts of this run; sections of other roles are imported as their classes are made.
+  virtual TParts MakeParts() = 0;
+  /// The sections of a file to import, by index. Hidden: sections of the file that no reader sees.
+  virtual std::vector<int> Choose(TInputFile& Input, const std::vector<std::string>& Hidden) = 0;
+  /// Whether a file that can not be read is a failed item among others; otherwise it ends the run at once.
+  virtual bool GoesOnWithoutFile() const { return false; }
+  /// Whether the objects that structures describe are made too.
+  virtual bool MakesObjects() const { return true; }
+
+ private:
+  struct TStep {
+    TImportPart* Part;  // borrowed; null: none
+    std::int64_t Bytes;
+    bool IsTable;
+    std::size_t Number;  // of the item
+  };
+  using TPlace = std::pair<std::string, std::int64_t>;  // a file, the position of a section
+
+  void LookAt(TInputFile& Input);
+  void NoteLines(TInputFile& Input, std::vector<std::string>& Hidden);
+  void Add(TInputFile& Input, int Index);
+  void CheckEmptying() const;
+  std::int64_t Bytes(bool OfTables) const;
+  void Import();
+  void Conclude(int Result);
+  const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
+  void Fail(TItem& Item, const std::exception& Error);
+  bool MayGoOn();
+
+  // TImportFileObserver
+  TEIFile* OpenedFile(const std::string& FileName) override;
+  bool Takes(const TEIFile& File, const TEISection& Section) override;
+  std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section) override;
+  void BeginTables(const TTableLoading& Loading) override;
+  bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) override;
+  void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
+                  const std::exception* Error) override;
+  std::optional<bool> GoOn(const std::exception& Error) override;
+  void FileFailed(const std::string& FileName, const std::exception& Error) override;
+  void TakenBack(const std::exception* Error) override;
+
+  const char* const FKind;
+  TParts FParts;
+  std::unique_ptr<TInputFiles> FInputs;                   // during a run
+  std::map<std::string, std::exception_ptr> FUnreadable;  // files
+  std::map<TPlace, TStep> FSteps;
+  std::optional<TErrorPolicy> FErrors;
+  std::optional<TItemAccount> FAccount;  // of the section that is being imported
+  bool FTablesBegun = false;
+  bool FStopped = false;  // after an error
+};
+
+}  // namespace velkrund

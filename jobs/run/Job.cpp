@@ -1,0 +1,154 @@
+#include "jobs/run/Job.h"
+
+#include <limits>
+
+#include "standalone/drivers/DatabaseUrl.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr std::int32_t Millionths = 1'000'000;
+
+/// While an engine lets the job wait, it asks the job whether to go on.
+class TCancelWhileWaiting {
+ public:
+  TCancelWhileWaiting(TDatabases& Databases, std::function<bool()> Canceled)
+      : FDatabases(Databases), FBefore(Databases.SetCanceled(std::move(Canceled))) {}
+  TCancelWhileWaiting(const TCancelWhileWaiting&) = delete;
+  TCancelWhileWaiting& operator=(const TCancelWhileWaiting&) = delete;
+  ~TCancelWhileWaiting() { FDatabases.SetCanceled(std::move(FBefore)); }
+
+ private:
+  TDatabases& FDatabases;
+  std::function<bool()> FBefore;
+};
+
+}  // namespace
+
+int TJob::Execute() {
+  FHasRun = true;
+  FRaised = nullptr;
+  SetParts(1);
+  try {
+    CheckSettings();
+    if (NeedsDatabase()) CheckDatabaseName();
+    const TCancelWhileWaiting Waiting(Manager().Databases(), Canceled());
+    Run();
+  } catch (const EAbort&) {
+    FRaised = std::current_exception();
+    FEnd = TEnd::Cancelled;
+    return 0;
+  } catch (...) {
+    FRaised = std::current_exception();
+    FEnd = TEnd::Failed;
+    throw;
+  }
+  FEnd = Conclusion();
+  if (FEnd == TEnd::Failed) std::rethrow_exception(Failure());
+  return FEnd == TEnd::Done ? 1 : 0;
+}
+
+std::string TJob::Report() const {
+  if (!FHasRun) return {};
+  if (!FRaised) return Document().Text();
+  TDocument Result;
+  Result.Set("exitCode", static_cast<int>(FEnd));
+  try {
+    std::rethrow_exception(FRaised);
+  } catch (const Exception& Error) {
+    Result.Set("error", Error.what());
+  } catch (const std::exception& Error) {
+    Result.Set("error", ExceptionClassName(Error) + ": " + Error.what());
+  }
+  return Result.Text();
+}
+
+TStandaloneManager& TJob::Manager() const {
+  if (auto* const Manager = dynamic_cast<TStandaloneManager*>(&BaseMng())) return *Manager;
+  throw EAccessViolation("A job needs the stand-alone platform, and another one is installed");
+}
+
+TFileSystem& TJob::Files() const { return BaseMng().Files(); }
+
+std::string TJob::DatabaseText() const {
+  const TConfiguration& Configuration = Manager().Configuration();
+  const std::string& Meant = DatabaseName.empty() ? Configuration.DefaultDatabase : DatabaseName;
+  const auto Entry = Configuration.Databases.find(Meant);
+  if (Entry == Configuration.Databases.end()) return WithoutSecrets(Meant);
+  return Meant + " (" + WithoutSecrets(Entry->second.Url) + ")";
+}
+
+void TJob::CheckDatabaseName() const {
+  const TConfiguration& Configuration = Manager().Configuration();
+  if (DatabaseName.empty() && Configuration.DefaultDatabase.empty())
+    throw ESettingsError("{DatabaseName} is missing, and the configuration has no default database");
+  // The most likely slip: the file alone.
+  const bool IsKnown = DatabaseName.empty() || Configuration.Databases.contains(DatabaseName);
+  if (!IsKnown && !ParseDatabaseUrl(DatabaseName) && Files().Exists(DatabaseName))
+    throw ESettingsError(Format("'%s' is a file; the address of a database file begins with its kind: sqlite:%s",
+                                DatabaseName, DatabaseName));
+}
+
+void TJob::SetParts(std::size_t Count) {
+  FParts = std::max<std::size_t>(Count, 1);
+  FPart = 0;
+}
+
+void TJob::BeginPart(const std::string& Subject, const std::string& Unit, std::int64_t Total) {
+  if (Listener) Listener->Begin(Subject, Unit, Total);
+}
+
+void TJob::SetSubject(const std::string& Subject) {
+  if (Listener) Listener->SetSubject(Subject);
+}
+
+void TJob::ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const {
+  if (Listener) return Listener->Progress(Current, Total);
+  if (FParts == 1) return ShowProgress(Current, Total, Name);
+  const double Share = Total > 0 ? static_cast<double>(Current) / Total : 0;
+  ShowProgress(
+      static_cast<std::int32_t>((static_cast<double>(FPart) + Share) / static_cast<double>(FParts) * Millionths),
+      Millionths, Name);
+}
+
+void TJob::EndPart() {
+  ++FPart;
+  if (Listener) Listener->End();
+}
+
+void TJob::Fault(const std::string& Text) const {
+  if (Listener)
+    Listener->Fault(Text);
+  else
+    WriteLog(TTraceLevel::Error, Text);
+}
+
+void TJob::Stop(TPolicy Policy) const {
+  if (Listener)
+    Listener->Stopped(Policy);
+  else
+    WriteLog(TTraceLevel::Error, Format("Stopped there. %s; nobody can be asked", Remedy(Policy)));
+}
+
+void TJob::Complain(const std::string& Text) const {
+  if (Listener)
+    Listener->Complain(Text);
+  else
+    WriteLog(TTraceLevel::Error, Text);
+}
+
+std::exception_ptr TSectionsJob::Failure() const {
+  const int Failed = FOutcome.Count(TItemState::Failed);
+  if (Failed + (FOutcome.Error.empty() ? 0 : 1) <= 1) return FOutcome.FirstError;
+  try {
+    std::rethrow_exception(FOutcome.FirstError);
+  } catch (const std::exception& Error) {
+    return std::make_exception_ptr(EJobFailed(
+        Format("%d of %d sections failed. The first error: %s", Failed, FOutcome.Items.size(), Error.what())));
+  }
+}
+
+}  // namespace velkrund

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "jobs/policies/Policies.h"
+#include "jobs/report/Outcome.h"
+#include "jobs/run/JobListener.h"
+#include "standalone/databases/StandaloneManager.h"
+#include "velkrund/operations/UtilOperation.h"
+
+namespace velkrund {
+
+/// A whole run, as a person asks for it: an operation that works on the installed stand-alone platform, asks through
+/// the installed window system, and can say afterwards what became of everything. Whatever host runs it, it does and
+/// refuses the same. Knows no options and no terminal.
+///
+/// Execute: non-zero: everything was done, or left out as a policy or a person wished. 0: cancelled. Anything that
+/// failed is raised: the error itself when there is one, an EJobFailed that counts them otherwise.
+class TJob : public TDatabaseUtilOperation {
+ public:
+  int Execute() final;
+  /// Raises ESettingsError for settings that contradict each other; Execute does so first.
+  virtual void CheckSettings() const {}
+
+  /// How the last run ended.
+  TEnd End() const { return FEnd; }
+  /// The error that ended the last run before it came to its end, EAbort included; null otherwise.
+  const std::exception_ptr& Raised() const { return FRaised; }
+  /// The document about the last run; empty before the first.
+  std::string Report() const;
+
+  TJobListener* Listener = nullptr;  // borrowed; null: progress and log of the operation
+
+ protected:
+  virtual void Run() = 0;
+  /// Whether DatabaseName has to mean a database.
+  virtual bool NeedsDatabase() const { return true; }
+  /// What became of it, when Run has returned.
+  virtual TEnd Conclusion() const { return TEnd::Done; }
+  /// The error to raise for a run that has failed.
+  virtual std::exception_ptr Failure() const { return nullptr; }
+  virtual TDocument Document() const = 0;
+
+  TStandaloneManager& Manager() const;
+  TFileSystem& Files() const;
+  /// What people may see of the database: its name, and the address behind it, without passwords.
+  std::string DatabaseText() const;
+  /// Polled by what is no operation.
+  std::function<bool()> Canceled() const {
+    return [this] { return IsCanceled(); };
+  }
+
+  // Progress. The run has that many parts, each between Begin and End; hosts without a listener see one whole.
+  void SetParts(std::size_t Count);
+  void BeginPart(const std::string& Subject, const std::string& Unit, std::int64_t Total = -1);
+  void SetSubject(const std::string& Subject);
+  void ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const;
+  void EndPart();
+  void Fault(const std::string& Text) const;
+  void Stop(TPolicy Policy) const;
+  void Complain(const std::string& Text) const;
+
+ private:
+  void CheckDatabaseName() const;
+
+  TEnd FEnd = TEnd::Done;
+  std::exception_ptr FRaised;
+  bool FHasRun = false;
+  std::size_t FParts = 1, FPart = 0;
+};
+
+/// A job that meets what is there already.
+class TPolicyJob : public TJob {
+ public:
+  TPolicies Policies;
+};
+
+/// A job on sections, each with an outcome of its own.
+class TSectionsJob : public TPolicyJob {
+ public:
+  const TOutcome& Outcome() const { return FOutcome; }
+
+ protected:
+  TEnd Conclusion() const override { return FOutcome.End(); }
+  std::exception_ptr Failure() const override;
+  TDocument Document() const override { return FOutcome.Document(); }
+
+  TOutcome FOutcome;
+};
+
+/// Several things have failed; the message counts them and tells the first.
+VELKRUND_EXCEPTION(EJobFailed, Exception);
+
+}  // namespace velkrund

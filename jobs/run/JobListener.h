@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "jobs/policies/Policies.h"
+
+namespace velkrund {
+
+/// A host that wants to know more of a running job than progress as a fraction: for a bar with rates, and for errors as
+/// they happen. Called on the job's thread.
+class TJobListener {
+ public:
+  virtual ~TJobListener() = default;
+
+  /// Something begins that takes its time. Subject: what is worked on. Unit: what is counted, in the plural ("rows",
+  /// "bytes"). Total: how many there are; -1: Progress says so.
+  virtual void Begin(const std::string& /*Subject*/, const std::string& /*Unit*/, std::int64_t /*Total*/) {}
+  /// The work has come to something else.
+  virtual void SetSubject(const std::string& /*Subject*/) {}
+  /// Called for every row: has to be quick. Total may be scaled: only the proportion counts where Begin told a total.
+  virtual void Progress(std::int32_t /*Current*/, std::int32_t /*Total*/) {}
+  virtual void End() {}
+
+  /// An error while the run may go on. Text: class and message.
+  virtual void Fault(const std::string& /*Text*/) {}
+  /// The run goes no further after an error, since nobody could be asked what the policy leaves open.
+  virtual void Stopped(TPolicy /*Policy*/) {}
+  /// What can not be put right any more.
+  virtual void Complain(const std::string& /*Text*/) {}
+};
+
+}  // namespace velkrund

@@ -1,0 +1,189 @@
+#include "jobs/sections/CheckFiles.h"
+
+#include <algorithm>
+
+#include "jobs/files/SectionChoice.h"
+#include "jobs/files/StrayMarkers.h"
+#include "jobs/report/Wording.h"
+#include "jobs/sections/SectionCheck.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobCheckFiles;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::FileNames>("FileNames", "the files; - is standard input"),
+    JobCount<TThis, [](const TThis& Job) -> std::int64_t { return Job.Totals().Faults; }>(
+        "Faults", "faulty or hidden sections, faulty headers and files of the last run"),
+    JobCount<TThis, [](const TThis& Job) { return Job.Totals().Rows; }>("Rows", "rows of the sections without a fault"),
+};
+
+constinit const TPropertyTable Table{&PolicyJobProperties, Properties};
+
+TDocument DocumentOf(const TCheckedSection& Section, std::size_t Index) {
+  const TItem& Item = Section.Item;
+  TDocument Result;
+  Result.Set("index", Index).Set("name", Item.Section).Set("type", Section.Type).Set("version", Section.Version);
+  Result.Set("state", CheckText(Item.State));
+  if (Item.State == TItemState::NotReached) return Result;
+  if (Section.HasRows) Result.Set("rows", Item.Counts.RowCount);
+  Result.Set("bytes", Item.Bytes).Set("charactersLost", Item.Losses.Unrepresentable);
+  Result.Set("malformedCharacters", Item.Losses.Malformed);
+  if (!Item.Note.empty()) Result.Set("error", Item.Note);
+  return Result;
+}
+
+TDocument DocumentOf(const TCheckedFile& File) {
+  TDocument Sections = TDocument::List();
+  for (std::size_t Index = 0; Index < File.Sections.size(); ++Index)
+    Sections.Add(DocumentOf(File.Sections[Index], Index));
+  TDocument Result;
+  Result.Set("file", File.Name).Set("sections", std::move(Sections)).Set("hidden", File.Hidden);
+  Result.Set("notes", File.Notes);
+  if (!File.Error.empty()) Result.Set("error", File.Error);
+  return Result;
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobCheckFiles");
+constinit const TInterfaceDescriptor TThis::Interface = JobInterfaceDescriptor<TThis>("TJobCheckFilesInterface", Table);
+
+const char* CheckText(TItemState State) {
+  switch (State) {
+    case TItemState::Done:
+      return "ok";
+    case TItemState::Failed:
+      return "faulty";
+    case TItemState::Cancelled:
+      return "cancelled";
+    case TItemState::LeftOut:
+    case TItemState::NotReached:
+    case TItemState::TakenBack:
+      break;
+  }
+  return "not reached";
+}
+
+void TJobCheckFiles::CheckSettings() const {
+  if (FileNames.empty()) throw ESettingsError("{FileNames} names no file");
+  if (std::count(FileNames.begin(), FileNames.end(), "-") > 1)
+    throw ESettingsError("standard input can be read only once");
+}
+
+void TJobCheckFiles::Run() {
+  FChecked.clear();
+  FTotals = {};
+  FFirstFault.clear();
+  SetParts(FileNames.size());
+  for (const std::string& Name : FileNames) {
+    if (FTotals.Cancelled) break;
+    FChecked.push_back({Name, Name});
+    CheckFile(FChecked.back());
+  }
+}
+
+void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
+  TInputFile Input(Files(), Result.Name, Canceled());
+  Input.File().SetStrictText(!Policies.AllowLoss);
+  Result.Text = Input.Name();
+  if (!Open(Input, Result)) return;
+  if (Policies.AllowLoss && Input.File().Losses().Any()) Result.Notes.emplace_back("headers hold malformed characters");
+  CheckSections(Input, Result);
+  for (std::string& Note : RepeatedNames(Input.File().Sections())) Result.Notes.push_back(std::move(Note));
+  try {
+    if (Result.IsOpen) CheckGaps(Input, Result);
+  } catch (const EStreamError& Failure) {
+    if (Result.Error.empty()) Result.Error = Failure.what();
+  }
+  if (CheckListener) CheckListener->FileChecked(Result);
+  for (const std::string& Hidden : Result.Hidden) NoteFault(Result.Text, Hidden);
+  if (!Result.Error.empty()) NoteFault(Result.Text, Result.Error);
+}
+
+/// False: cancelled.
+bool TJobCheckFiles::Open(TInputFile& Input, TCheckedFile& Result) {
+  try {
+    Input.Open();
+  } catch (const EAbort&) {
+    FTotals.Cancelled = true;
+    return false;
+  } catch (const EFOpenError& Failure) {
+    Result.Error = Failure.what();
+    Result.IsOpen = false;
+  } catch (const std::exception& Failure) {
+    Result.Error = Failure.what();
+  }
+  return true;
+}
+
+void TJobCheckFiles::CheckSections(TInputFile& Input, TCheckedFile& Result) {
+  const TEISectionList& Sections = Input.File().Sections();
+  const std::function<bool()> Wish = Canceled();
+  TSectionChecker Checker(Manager(), Wish, [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ShowPart(Current, Total, Name);
+  });
+  for (int Index = 0; Index < Sections.Count(); ++Index) {
+    const TEISection& Section = Sections[Index];
+    BeginPart(Section.Name(), "bytes", Section.DataSize);
+    TSectionChecker::TChecked Read = Checker.Check(Input.File(), Index);
+    EndPart();
+    TCheckedSection Checked{std::move(Read.Item), std::string(Section.TypeName()), SectionText(Sections, Index),
+                            Section.Version(), Read.HasRows};
+    Count(Result, Checked);
+    Result.Sections.push_back(std::move(Checked));
+  }
+}
+
+void TJobCheckFiles::Count(const TCheckedFile& File, const TCheckedSection& Section) {
+  const TItem& Item = Section.Item;
+  FTotals.Cancelled |= Item.State == TItemState::Cancelled || Item.State == TItemState::NotReached;
+  if (Item.State == TItemState::NotReached) return;
+  ++FTotals.Sections;
+  FTotals.Seconds += Item.Seconds;
+  if (Item.State == TItemState::Done) {
+    FTotals.Rows += Section.HasRows ? Item.Counts.RowCount : 0;
+    FTotals.Bytes += Item.Bytes;
+  }
+  if (CheckListener) CheckListener->SectionChecked(File, Section);
+  if (Item.State == TItemState::Failed) NoteFault(File.Text + ": " + Section.Text, Item.Note);
+}
+
+void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
+  TStrayMarkers Found = FindStrayMarkers(Input.File());
+  Result.Hidden = std::move(Found.Hidden);
+  for (std::string& Note : Found.Doubtful) Result.Notes.push_back(std::move(Note));
+}
+
+void TJobCheckFiles::NoteFault(const std::string& Where, const std::string& Text) {
+  ++FTotals.Faults;
+  const std::string Fault = Where + ": " + Text;
+  if (FFirstFault.empty()) FFirstFault = Fault;
+  if (!CheckListener) TJob::Fault(Fault);
+}
+
+TEnd TJobCheckFiles::Conclusion() const {
+  if (FTotals.Faults > 0) return TEnd::Failed;
+  return FTotals.Cancelled ? TEnd::Cancelled : TEnd::Done;
+}
+
+std::exception_ptr TJobCheckFiles::Failure() const {
+  return std::make_exception_ptr(
+      EJobFailed(FTotals.Faults == 1 ? FFirstFault : Format("%d faults. The first: %s", FTotals.Faults, FFirstFault)));
+}
+
+TDocument TJobCheckFiles::Document() const {
+  TDocument Files = TDocument::List();
+  for (const TCheckedFile& File : FChecked) Files.Add(DocumentOf(File));
+  TDocument Result;
+  Result.Set("command", "file check").Set("exitCode", static_cast<int>(Conclusion())).Set("files", std::move(Files));
+  Result.Set("faults", FTotals.Faults).Set("rows", FTotals.Rows).Set("bytes", FTotals.Bytes);
+  Result.Set("seconds", FTotals.Seconds);
+  return Result;
+}
+
+}  // namespace velkrund

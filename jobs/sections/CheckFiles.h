@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "jobs/files/InputFile.h"
+#include "jobs/run/JobInterface.h"
+
+namespace velkrund {
+
+struct TCheckedSection {
+  TItem Item;
+  std::string Type, Text;  // Text: "section 3 'ORDERS' (TableData)"
+  int Version = 0;
+  bool HasRows = false;  // otherwise the section is for something else than a table, or was not read that far
+};
+
+struct TCheckedFile {
+  std::string Name;  // as it was given
+  std::string Text;  // for messages
+  std::vector<TCheckedSection> Sections = {};
+  std::vector<std::string> Hidden = {};  // what looks like a section that nobody reads: faults
+  std::vector<std::string> Notes = {};   // what is no fault
+  std::string Error = {};                // of the headers, or why it could not be opened
+  bool IsOpen = true;
+};
+
+/// "ok", "faulty", "cancelled" or "not reached".
+const char* CheckText(TItemState State);
+
+/// Hears of results as they come.
+class TCheckListener {
+ public:
+  virtual ~TCheckListener() = default;
+  virtual void SectionChecked(const TCheckedFile& File, const TCheckedSection& Section) = 0;
+  /// All that has been found, sections included.
+  virtual void FileChecked(const TCheckedFile& File) = 0;
+};
+
+/// Reads every section of files as an import would, and writes nothing. Goes on after every fault.
+class TJobCheckFiles final : public TPolicyJob {
+ public:
+  std::vector<std::string> FileNames;       // "-": standard input
+  TCheckListener* CheckListener = nullptr;  // borrowed, may be null
+
+  struct TTotals {
+    int Sections = 0;  // looked at
+    int Faults = 0;    // faulty or hidden sections, faulty headers and files
+    std::int64_t Rows = 0, Bytes = 0;
+    double Seconds = 0;
+    bool Cancelled = false;
+  };
+  const TTotals& Totals() const { return FTotals; }
+  const std::vector<TCheckedFile>& Checked() const { return FChecked; }
+
+  void CheckSettings() const override;
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  void Run() override;
+  bool NeedsDatabase() const override { return false; }
+  TEnd Conclusion() const override;
+  std::exception_ptr Failure() const override;
+  TDocument Document() const override;
+
+ private:
+  void CheckFile(TCheckedFile& Result);
+  bool Open(TInputFile& Input, TCheckedFile& Result);
+  void CheckSections(TInputFile& Input, TCheckedFile& Result);
+  void CheckGaps(TInputFile& Input, TCheckedFile& Result);
+  void Count(const TCheckedFile& File, const TCheckedSection& Section);
+  void NoteFault(const std::string& Where, const std::string& Text);
+
+  std::vector<TCheckedFile> FChecked;
+  TTotals FTotals;
+  std::string FFirstFault;
+};
+
+using TJobCheckFilesInterface = TJobInterface<TJobCheckFiles>;
+
+}  // namespace velkrund

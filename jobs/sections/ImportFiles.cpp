@@ -1,0 +1,52 @@
+#include "jobs/sections/ImportFiles.h"
+
+#include <numeric>
+#include <set>
+
+#include "jobs/structures/StructureImport.h"
+#include "jobs/tables/TableImport.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobImportFiles;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),
+    JobProperty<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
+};
+
+constinit const TPropertyTable Table{&SectionsJobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobImportFiles");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobImportFilesInterface", Table);
+
+void TJobImportFiles::CheckSettings() const {
+  if (FileNames.empty()) throw ESettingsError("{FileNames} names no file");
+  std::set<std::string> Seen;
+  for (const std::string& Name : FileNames)
+    if (!Seen.insert(Name).second) throw ESettingsError(Format("{FileNames} names '%s' twice", Name));
+}
+
+TImportJob::TParts TJobImportFiles::MakeParts() {
+  TTableImport::TSettings Tables{DatabaseName, DatabaseText()};
+  Tables.HasToFit = false;
+  TParts Result;
+  Result.emplace(TSectionRole::TableData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Tables)));
+  Result.emplace(TSectionRole::Structure, std::make_unique<TStructureImport>(
+                                              Policies.ExistingStructures, TStructureImport::TSettings{DatabaseName}));
+  return Result;
+}
+
+std::vector<int> TJobImportFiles::Choose(TInputFile& Input, const std::vector<std::string>&) {
+  std::vector<int> Result(static_cast<std::size_t>(Input.File().Sections().Count()));
+  std::iota(Result.begin(), Result.end(), 0);
+  return Result;
+}
+
+}  // namespace velkrund

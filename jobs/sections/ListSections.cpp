@@ -1,0 +1,72 @@
+#include "jobs/sections/ListSections.h"
+
+#include "jobs/files/InputFile.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobListSections;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::FileName>("FileName", "the file; - is standard input"),
+};
+
+constinit const TPropertyTable Table{&JobProperties, Properties};
+
+TListedSection Listed(const TEISection& Section) {
+  TListedSection Result{Section.Name(), std::string(Section.TypeName()), Section.Version(), Section.Encoding()};
+  for (int I = 0; I < Section.ParamCount(); ++I)
+    Result.Parameters.emplace_back(Section.ParamName(I), Section.FParameters.ParamValues(I));
+  Result.Position = Section.Position;
+  Result.DataPosition = Section.DataPosition;
+  Result.Size = Section.DataSize;
+  return Result;
+}
+
+TDocument DocumentOf(const TListedSection& Section, std::size_t Index) {
+  TDocument Parameters;
+  for (const auto& [Name, Value] : Section.Parameters) Parameters.Set(Name, Value);
+  TDocument Result;
+  Result.Set("index", Index).Set("name", Section.Name).Set("type", Section.Type).Set("version", Section.Version);
+  Result.Set("encoding", EncodingText(Section.Encoding)).Set("parameters", std::move(Parameters));
+  Result.Set("position", Section.Position).Set("dataPosition", Section.DataPosition).Set("size", Section.Size);
+  return Result;
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobListSections");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobListSectionsInterface", Table);
+
+const char* EncodingText(TKvEncoding Encoding) { return Encoding == TKvEncoding::Utf8 ? "utf8" : "ansi"; }
+
+void TJobListSections::Run() {
+  FFound.clear();
+  FFault = nullptr;
+  TInputFile Input(Files(), FileName, Canceled());
+  Input.File().SetStrictText(false);  // a damaged name is to be seen, not to be refused
+  try {
+    Input.Open();
+  } catch (const EEIError&) {
+    if (Input.File().Sections().Count() == 0) throw;
+    FFault = std::current_exception();
+  }
+  const TEISectionList& Sections = Input.File().Sections();
+  for (int Index = 0; Index < Sections.Count(); ++Index) FFound.push_back(Listed(Sections[Index]));
+  FSize = Input.File().Stream().Size();
+  FHasMalformed = Input.File().Losses().Any();
+}
+
+TDocument TJobListSections::Document() const {
+  TDocument Sections = TDocument::List();
+  for (std::size_t Index = 0; Index < FFound.size(); ++Index) Sections.Add(DocumentOf(FFound[Index], Index));
+  TDocument Result;
+  Result.Set("file", FileName).Set("size", FSize).Set("sections", std::move(Sections));
+  if (FFault) Result.Set("error", MessageOf(FFault));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "jobs/run/JobInterface.h"
+#include "velkrund/platform/ormtools/LineReader.h"
+
+namespace velkrund {
+
+/// What the header of a section says, and where the section stands; bytes.
+struct TListedSection {
+  std::string Name, Type;
+  int Version = 0;
+  TKvEncoding Encoding = TKvEncoding::Utf8;
+  std::vector<std::pair<std::string, std::string>> Parameters = {};
+  std::int64_t Position = 0, DataPosition = 0, Size = 0;
+};
+
+/// "utf8" or "ansi".
+const char* EncodingText(TKvEncoding Encoding);
+
+/// Lists the sections of a file, reading headers only and taking no lock. Of a faulty file the sections before the
+/// fault are listed, and the fault is the job's error.
+class TJobListSections final : public TJob {
+ public:
+  std::string FileName;  // "-": standard input
+
+  const std::vector<TListedSection>& Found() const { return FFound; }
+  /// What the headers could not be read for; empty when they could.
+  std::string HeaderFault() const { return FFault ? MessageOf(FFault) : std::string(); }
+  /// Headers hold malformed characters, shown as U+FFFD.
+  bool HasMalformed() const { return FHasMalformed; }
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  void Run() override;
+  bool NeedsDatabase() const override { return false; }
+  TEnd Conclusion() const override { return FFault ? TEnd::Failed : TEnd::Done; }
+  std::exception_ptr Failure() const override { return FFault; }
+  TDocument Document() const override;
+
+ private:
+  std::vector<TListedSection> FFound;
+  std::int64_t FSize = 0;
+  bool FHasMalformed = false;
+  std::exception_ptr FFault;
+};
+
+using TJobListSectionsInterface = TJobInterface<TJobListSections>;
+
+}  // namespace velkrund

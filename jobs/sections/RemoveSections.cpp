@@ -1,0 +1,87 @@
+#include "jobs/sections/RemoveSections.h"
+
+#include <algorithm>
+
+#include "jobs/files/FileOpening.h"
+#include "jobs/files/SectionChoice.h"
+#include "jobs/files/SectionRemoval.h"
+#include "jobs/policies/Questions.h"
+#include "jobs/report/Wording.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobRemoveSections;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::FileName>("FileName", "the file"),
+    JobProperty<&TThis::Indexes>("Indexes", "sections to remove, by index from 0"),
+    JobProperty<&TThis::Names>("Names", "sections to remove, by name"),
+};
+
+constinit const TPropertyTable Table{&PolicyJobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobRemoveSections");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobRemoveSectionsInterface", Table);
+
+void TJobRemoveSections::CheckSettings() const {
+  if (Indexes.empty() && Names.empty()) throw ESettingsError("say which sections: {Indexes} or {Names}");
+  const auto IsDigit = [](char C) { return C >= '0' && C <= '9'; };
+  for (const std::string& Index : Indexes)
+    if (Index.empty() || !std::all_of(Index.begin(), Index.end(), IsDigit))
+      throw ESettingsError(Format("'%s' is no index; sections are named with {Names}", Index));
+  if (IsPipe(FileName))
+    throw ESettingsError(Format("'%s' is a pipe: there is nothing to take a section out of", FileName));
+}
+
+std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
+  std::set<int> Result;
+  for (const std::string& Index : Indexes) Result.insert(TheSection(Sections, Index, FileName));
+  for (const std::string& Name : Names) {
+    const std::vector<int> Found = SectionsNamed(Sections, Name);
+    if (Found.size() > 1 && !Policies.Yes) {
+      std::vector<std::string> Texts;
+      for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
+      Ask({Format("'%s' has several of that name: %s. Remove all of them?", FileName, Joined(Texts)),
+           {TAnswer::Yes, TAnswer::Cancel},
+           TPolicy::Yes});
+    }
+    if (Found.empty()) TheSection(Sections, Name, FileName);  // says what there is
+    Result.insert(Found.begin(), Found.end());
+  }
+  return Result;
+}
+
+void TJobRemoveSections::Run() {
+  FRemoved.clear();
+  TEIFile File(Files());
+  File.SetStrictText(false);  // texts are not touched
+  File.SetFileName(FileName);
+  OpenPlainly(File);
+  const std::set<int> Going = Chosen(File.Sections());
+  for (const int Index : Going) {
+    const TEISection& Section = File.Sections()[Index];
+    FRemoved.push_back({Index, Section.Name(), std::string(Section.TypeName()), SectionText(File.Sections(), Index)});
+  }
+  FLeft = File.Sections().Count() - static_cast<int>(Going.size());
+  RemoveSections(Files(), File, {Going.begin(), Going.end()}, Canceled());
+}
+
+TDocument TJobRemoveSections::Document() const {
+  TDocument Removed = TDocument::List();
+  for (const TRemoved& Section : FRemoved) {
+    TDocument Entry;
+    Entry.Set("index", Section.Index).Set("name", Section.Name).Set("type", Section.Type);
+    Removed.Add(std::move(Entry));
+  }
+  TDocument Result;
+  Result.Set("file", FileName).Set("removed", std::move(Removed)).Set("sectionsLeft", FLeft);
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,34 @@
+#include "jobs/sections/RepairFile.h"
+
+#include "jobs/files/FileOpening.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TJobRepairFile::FileName>("FileName", "the file"),
+};
+
+constinit const TPropertyTable Table{&JobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TJobRepairFile::Descriptor = JobDescriptor<TJobRepairFile>("TJobRepairFile");
+constinit const TInterfaceDescriptor TJobRepairFile::Interface =
+    JobInterfaceDescriptor<TJobRepairFile>("TJobRepairFileInterface", Table);
+
+void TJobRepairFile::CheckSettings() const {
+  if (IsPipe(FileName)) throw ESettingsError(Format("'%s' is a pipe: there is nothing to cut off", FileName));
+}
+
+TDocument TJobRepairFile::Document() const {
+  TDocument Result;
+  Result.Set("file", FileName).Set("bytesCut", FRepair.Bytes).Set("sectionsLeft", FRepair.SectionsLeft);
+  if (FRepair.Position >= 0) Result.Set("position", FRepair.Position).Set("cutFile", FRepair.CutFile);
+  if (!FRepair.Fault.empty()) Result.Set("fault", FRepair.Fault);
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,73 @@
+#include "jobs/sections/SectionCheck.h"
+
+#include <map>
+#include <utility>
+
+#include "jobs/files/SectionChoice.h"
+#include "jobs/run/ItemAccount.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+TSectionChecker::TSectionChecker(TApplicationManager& Real, const TCancelCallback& Canceled,
+                                 TProgressCallback OnProgress)
+    : FCanceled(Canceled),
+      FOnProgress(std::move(OnProgress)),
+      FDiscard(Real),
+      FManagerGuard(&FDiscard),
+      FStructuresGuard(&FStructures),
+      FRelationsGuard(nullptr),
+      FWindowsGuard(nullptr) {}
+
+TSectionChecker::TChecked TSectionChecker::Check(TEIFile& File, int Index) {
+  const TEISection& Section = File.Sections()[Index];
+  TChecked Result;
+  TItem& Item = Result.Item;
+  Item.Section = Section.Name();
+  if (FCanceled()) return Result;
+  const TItemAccount Account(File);
+  try {
+    Read(File, Index, Result);
+  } catch (const EAbort&) {
+    Item.State = TItemState::Cancelled;
+  } catch (const std::exception& Error) {
+    Item.State = TItemState::Failed;
+    Item.Note = Error.what();
+  }
+  Account.Close(Item);
+  Item.Bytes = Section.DataSize;
+  return Result;
+}
+
+void TSectionChecker::Read(TEIFile& File, int Index, TChecked& Result) {
+  const std::unique_ptr<TEIObject> Object = File.CreateEIObject(Index);
+  Object->OnCancel = FCanceled;
+  Object->OnProgress = FOnProgress;
+  if (auto* const Table = dynamic_cast<TEICommonTableData*>(Object.get())) {
+    Result.HasRows = true;
+    Table->Report = &Result.Item.Counts;
+    Table->StrictValues = true;
+    FDiscard.SetFieldNames(FieldsOf(File, Index).value_or(std::vector<std::string>()));
+  }
+  File.ImportObject(*Object);
+  Result.Item.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
+}
+
+std::vector<std::string> RepeatedNames(const TEISectionList& Sections) {
+  std::vector<std::string> Result;
+  std::map<std::pair<std::string, std::string>, int> First;
+  for (int Index = 0; Index < Sections.Count(); ++Index) {
+    const TEISection& Section = Sections[Index];
+    const auto [Earlier, IsNew] =
+        First.try_emplace({std::string(Section.TypeName()), LowerCase(Section.Name())}, Index);
+    if (!IsNew)
+      Result.push_back(
+          Format("%s has the type and the name of section %d", SectionText(Sections, Index), Earlier->second));
+  }
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,67 @@
+#include "jobs/structures/ExportStructures.h"
+
+#include <set>
+
+#include "jobs/structures/StructureSearch.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobExportStructures;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::Names>("Names", "the structures to save; empty: all, or all of the type"),
+    JobProperty<&TThis::ObjectType>("ObjectType", "their object type; 0: any"),
+    JobProperty<&TThis::RootNode>("RootNode", "of one structure: only this node with all below it"),
+};
+
+constinit const TPropertyTable Table{&ExportJobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobExportStructures");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobExportStructuresInterface", Table);
+
+void TJobExportStructures::CheckSettings() const {
+  TExportJob::CheckSettings();
+  if (Several() && !RootNode.empty())
+    throw ESettingsError("{RootNode} names a node of one structure, but several structures are exported");
+}
+
+/// The structures under their stored names, each once. A name that is none ends the run before anything is written.
+std::vector<TItem> TJobExportStructures::Plan() {
+  FOperation.RootNode = RootNode;
+  TDSPTable& Stored = DSPContainer().Table(DatabaseName);
+  TStructureSearch Search(Stored, FOutcome.Database);
+  std::vector<TDSPListItem> Found;
+  if (Names.empty()) Found = StructuresLike(Stored, ObjectType, {});
+  for (const std::string& Name : Names) Found.push_back(Search.Find(Name, ObjectType));
+  std::vector<TItem> Result;
+  std::set<std::pair<int, std::string>> Seen;
+  for (TDSPListItem& Structure : Found) {
+    if (!Seen.insert({Structure.ObjectType, Structure.ObjectName}).second) continue;
+    TItem Item;
+    Item.Structure = TStructureId{Structure.ObjectType, std::move(Structure.ObjectName)};
+    Item.Section = NameOfSection(*Item.Structure);
+    Result.push_back(std::move(Item));
+  }
+  if (Result.empty())
+    FOutcome.Notes.push_back(
+        Format("there are no structures%s", ObjectType != 0 ? Format(" of type %d", ObjectType) : ""));
+  return Result;
+}
+
+std::string TJobExportStructures::NameOfSection(const TStructureId& Structure) const {
+  if (!SectionName.empty()) return SectionName;
+  return RootNode.empty() ? StructureText(Structure) : StructureText(Structure) + " " + RootNode;
+}
+
+void TJobExportStructures::Prepare(const TItem& Item) {
+  FOperation.ObjectType = Item.Structure->Type;
+  FOperation.ObjectName = Item.Structure->Name;
+}
+
+}  // namespace velkrund

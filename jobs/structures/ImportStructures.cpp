@@ -1,0 +1,66 @@
+#include "jobs/structures/ImportStructures.h"
+
+#include "jobs/files/SectionChoice.h"
+#include "jobs/structures/StructureImport.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobImportStructures;
+using enum TDSPImportOverwriteOptions;
+
+constexpr std::string_view MergeChoices[] = {"no", "skip", "replace", "difference"};
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::FileName>("FileName", "the file to read; - is standard input"),
+    JobProperty<&TThis::Sections>("Sections",
+                                  "names or indexes of the sections to load; empty: all structure sections"),
+    JobProperty<&TThis::ObjectName>("ObjectName", "for one section: the structure to load; empty: the one it names"),
+    JobProperty<&TThis::ObjectType>("ObjectType", "for one section: the type to load it as; 0: the one it names"),
+    JobProperty<&TThis::RootNode>("RootNode", "for one section: the node to load; empty: the one it names"),
+    OptionalJobChoice<&TThis::Merge>("Merge", "load into structures that are there, and what becomes of equal nodes",
+                                     MergeChoices),
+    JobProperty<&TThis::ClearRoot>("ClearRoot", "empty what is replaced first"),
+    JobProperty<&TThis::ChangeProperties>("ChangeProperties", "store table name, parent object and remarks too"),
+    JobProperty<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
+};
+
+constinit const TPropertyTable Table{&SectionsJobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobImportStructures");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobImportStructuresInterface", Table);
+
+void TJobImportStructures::CheckSettings() const {
+  if (!ClearRoot && Existing() != TExisting::Replace)
+    throw ESettingsError(
+        "{ClearRoot} goes with {ExistingStructures} or {Merge}, which say that structures are replaced");
+}
+
+TImportJob::TParts TJobImportStructures::MakeParts() {
+  TStructureImport::TSettings Settings{DatabaseName, ObjectName, ObjectType, RootNode};
+  Settings.OverwriteOptions = Merge.value_or(ioReplace);
+  // The other modes add to what is there.
+  Settings.ClearRoot = ClearRoot && Settings.OverwriteOptions == ioReplace;
+  Settings.ChangeStructureProperties = ChangeProperties;
+  TParts Result;
+  Result.emplace(TSectionRole::Structure, std::make_unique<TStructureImport>(Existing(), std::move(Settings)));
+  return Result;
+}
+
+std::vector<int> TJobImportStructures::Choose(TInputFile& Input, const std::vector<std::string>& Hidden) {
+  const TSectionChoice Choice{TSectionRole::Structure, "structure", Sections, Input.Name(), Hidden};
+  std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
+  if (Result.size() > 1 && (ObjectType != 0 || !ObjectName.empty() || !RootNode.empty()))
+    throw ESettingsError(Format(
+        "{ObjectType}, {ObjectName} and {RootNode} are for one section, but %d are to be loaded: choose one with "
+        "{Sections}",
+        Result.size()));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,101 @@
+#include "jobs/structures/StoredStructures.h"
+
+#include "jobs/policies/Questions.h"
+#include "jobs/structures/StructureSearch.h"
+#include "jobs/structures/TreeText.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/DSPErrors.h"
+
+namespace velkrund {
+
+namespace {
+
+template <typename TJobClass>
+constexpr TProperty ChoiceProperties[] = {
+    JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectName>("ObjectName", "the structure's name, in any case"),
+    JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; 0: any"),
+};
+
+constinit const TPropertyTable ListTable{&JobProperties, ChoiceProperties<TJobListStructures>};
+constinit const TPropertyTable ShowTable{&JobProperties, ChoiceProperties<TJobShowStructure>};
+constinit const TPropertyTable DropTable{&PolicyJobProperties, ChoiceProperties<TJobDropStructure>};
+
+/// Everything about a structure but its tree.
+TDocument PropertiesDocument(const TDSPListItem& Item) {
+  TDocument Result;
+  Result.Set("type", Item.ObjectType).Set("name", Item.ObjectName).Set("tableName", Item.TableName);
+  Result.Set("parentObject", Item.ParentObject).Set("remarks", Item.Remarks);
+  return Result;
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TJobListStructures::Descriptor =
+    JobDescriptor<TJobListStructures>("TJobListStructures");
+constinit const TInterfaceDescriptor TJobListStructures::Interface =
+    JobInterfaceDescriptor<TJobListStructures>("TJobListStructuresInterface", ListTable);
+constinit const TUtilOperationDescriptor TJobShowStructure::Descriptor =
+    JobDescriptor<TJobShowStructure>("TJobShowStructure");
+constinit const TInterfaceDescriptor TJobShowStructure::Interface =
+    JobInterfaceDescriptor<TJobShowStructure>("TJobShowStructureInterface", ShowTable);
+constinit const TUtilOperationDescriptor TJobDropStructure::Descriptor =
+    JobDescriptor<TJobDropStructure>("TJobDropStructure");
+constinit const TInterfaceDescriptor TJobDropStructure::Interface =
+    JobInterfaceDescriptor<TJobDropStructure>("TJobDropStructureInterface", DropTable);
+
+void TJobListStructures::Run() {
+  FFound = StructuresLike(DSPContainer().Table(DatabaseName), Choice.ObjectType, Choice.ObjectName);
+}
+
+TDocument TJobListStructures::Document() const {
+  TDocument Structures = TDocument::List();
+  for (const TDSPListItem& Item : FFound) Structures.Add(PropertiesDocument(Item));
+  TDocument Result;
+  Result.Set("database", DatabaseText()).Set("structures", std::move(Structures));
+  return Result;
+}
+
+void TJobShowStructure::Run() {
+  FForm.reset();
+  FFound =
+      TStructureSearch(DSPContainer().Table(DatabaseName), DatabaseText()).Find(Choice.ObjectName, Choice.ObjectType);
+  FForm = DSPContainer().CreateFormManager(DatabaseName);
+  FForm->ObjectType = FFound.ObjectType;
+  FForm->ObjectName = FFound.ObjectName;
+  if (!FForm->LoadPureStructure())
+    throw EDSPError(
+        Format("The tree of the structure '%s' of type %d can not be loaded", FFound.ObjectName, FFound.ObjectType));
+}
+
+void TJobShowStructure::WriteTree(const std::function<void(std::string_view Lines)>& Write) const {
+  if (FForm) WriteTreeText(FForm->Root(), Write);
+}
+
+TDocument TJobShowStructure::Document() const {
+  TDocument Result = PropertiesDocument(FFound);
+  Result.Set("nodes", TreeDocument(FForm->Root()));
+  return Result;
+}
+
+std::string TJobDropStructure::WhatWasDropped() const {
+  return Format("the structure '%s' of type %d", FFound.ObjectName, FFound.ObjectType);
+}
+
+void TJobDropStructure::Run() {
+  TDSPTable& Table = DSPContainer().Table(DatabaseName);
+  FFound = TStructureSearch(Table, DatabaseText()).Find(Choice.ObjectName, Choice.ObjectType);
+  if (!Policies.Yes) Ask({Format("Drop %s?", WhatWasDropped()), {TAnswer::Yes, TAnswer::Cancel}, TPolicy::Yes});
+  TTransaction Transaction(DatabaseName);
+  if (!Table.DeleteStructure(FFound.ObjectName, FFound.ObjectType))
+    throw EDatabaseError(Format("Somebody else has dropped %s", WhatWasDropped()));
+  Transaction.Commit();
+}
+
+TDocument TJobDropStructure::Document() const {
+  TDocument Result;
+  Result.Set("database", DatabaseText()).Set("dropped", PropertiesDocument(FFound));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jobs/run/JobInterface.h"
+#include "velkrund/platform/structures/DSPContainer.h"
+
+namespace velkrund {
+
+/// Which stored structures a job is about: ObjectType 0 is any, an empty ObjectName too. Names are found ignoring case.
+struct TStructureChoice {
+  std::string ObjectName;
+  std::int32_t ObjectType = 0;
+};
+
+/// Lists the stored structures of a database, by type, then by name.
+class TJobListStructures final : public TJob {
+ public:
+  TStructureChoice Choice;
+  const std::vector<TDSPListItem>& Found() const { return FFound; }
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  void Run() override;
+  TDocument Document() const override;
+
+ private:
+  std::vector<TDSPListItem> FFound;
+};
+
+/// Shows one stored structure with its tree. The name has to be that of one structure.
+class TJobShowStructure final : public TJob {
+ public:
+  TStructureChoice Choice;
+  const TDSPListItem& Found() const { return FFound; }
+  /// The tree of the last run, in lines for people.
+  void WriteTree(const std::function<void(std::string_view Lines)>& Write) const;
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  void Run() override;
+  TDocument Document() const override;
+
+ private:
+  TDSPListItem FFound;
+  std::unique_ptr<TDSPFormManager> FForm;
+};
+
+/// Removes one stored structure, properties and tree, in one transaction. The policy Yes, or a person, has to agree.
+class TJobDropStructure final : public TPolicyJob {
+ public:
+  TStructureChoice Choice;
+  /// "the structure 'CLIENTS' of type 12".
+  std::string WhatWasDropped() const;
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  void Run() override;
+  TDocument Document() const override;
+
+ private:
+  TDSPListItem FFound;
+};
+
+using TJobListStructuresInterface = TJobInterface<TJobListStructures>;
+using TJobShowStructureInterface = TJobInterface<TJobShowStructure>;
+using TJobDropStructureInterface = TJobInterface<TJobDropStructure>;
+
+}  // namespace velkrund

@@ -1,0 +1,85 @@
+#include "jobs/structures/StructureImport.h"
+
+#include "jobs/policies/Questions.h"
+#include "jobs/report/Wording.h"
+#include "velkrund/dsp/DSPStructure.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+/// The structure that a section names; nothing where its header is faulty.
+std::optional<TStructureId> StructureOf(const TEISection& Section) {
+  const TEISectionParameters& Parameters = Section.FParameters;
+  const int Type = Parameters.IndexOf("ObjectType"), Name = Parameters.IndexOf("ObjectName");
+  if (Type < 0 || Name < 0) return std::nullopt;
+  const std::optional<std::int32_t> Number = StrToInt32(Parameters.ParamValues(Type));
+  if (!Number) return std::nullopt;
+  return TStructureId{*Number, Parameters.ParamValues(Name)};
+}
+
+}  // namespace
+
+TStructureImport::TStructureImport(TExisting Existing, TSettings Settings) : FSettings(std::move(Settings)) {
+  FAsk.FAlwaysAsk = Existing == TExisting::Ask;
+  FAsk.FYes = Existing != TExisting::Skip;
+  if (Existing == TExisting::Add) FAsk.FForAll = TDSPImportOverwriteOptions::ioDifference;
+}
+
+void TStructureImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t) {
+  Item.Structure = StructureOf(Input.File().Sections()[Index]);
+  if (!Item.Structure) return;  // the import says what is wrong with the header
+  if (FSettings.ObjectType != 0) Item.Structure->Type = FSettings.ObjectType;
+  if (!FSettings.ObjectName.empty()) Item.Structure->Name = FSettings.ObjectName;
+  const auto [Place, IsNew] =
+      FPlaces.emplace(std::pair(Item.Structure->Type, LowerCase(Item.Structure->Name)), FTargets.size());
+  if (IsNew) FTargets.push_back({*Item.Structure});
+  ++FTargets[Place->second].Count;
+}
+
+void TStructureImport::Settle(TOutcome&) {
+  if (FAsk.FAlwaysAsk && !FTargets.empty() && !CanAsk()) RefuseUnanswered();
+}
+
+/// Structures that exist, and those that the run loads more than once.
+void TStructureImport::RefuseUnanswered() const {
+  TDSPTable& Table = DSPContainer().Table(FSettings.DatabaseName);
+  std::vector<std::string> Met, Repeated;
+  for (const auto& [Structure, Count] : FTargets) {
+    if (Table.DSPStructureExist(Structure.Name, Structure.Type))
+      Met.push_back(StructureText(Structure));
+    else if (Count > 1)
+      Repeated.push_back(StructureText(Structure));
+  }
+  std::string Text;
+  if (!Met.empty()) Text = Format("Structures that are there already: %s.", JoinedInShort(std::move(Met)));
+  if (!Repeated.empty())
+    Text += Format("%sStructures that come more than once: %s.", Text.empty() ? "" : " ",
+                   JoinedInShort(std::move(Repeated)));
+  if (!Text.empty()) throw EPolicyUnanswered(TPolicy::ExistingStructures, Text);
+}
+
+void TStructureImport::Begin(std::size_t, TEIObject& Object) {
+  auto* const Section = dynamic_cast<TEIDSPStructureCommon*>(&Object);
+  if (!Section) return;
+  if (!FSettings.ObjectName.empty()) Section->Item.ObjectName = FSettings.ObjectName;
+  if (FSettings.ObjectType != 0) Section->Item.ObjectType = FSettings.ObjectType;
+  if (!FSettings.RootNode.empty()) Section->RootNode = FSettings.RootNode;
+  Section->ChangeStructureProperties = FSettings.ChangeStructureProperties;
+  // What an answer made of these for another structure is not for this one.
+  Section->ClearRoot = FSettings.ClearRoot;
+  Section->OverwriteOptions = FSettings.OverwriteOptions;
+  FAsk.FLeftAlone = false;
+  Section->SetOverwriteAsk(FAsk);
+}
+
+void TStructureImport::End(TItem& Item, const TEIObject*) {
+  if (Item.State != TItemState::Done || !FAsk.FLeftAlone) return;
+  Item.State = TItemState::LeftOut;
+  Item.Note = "the structure is already there";
+}
+
+}  // namespace velkrund

@@ -1,0 +1,44 @@
+#include "jobs/structures/StructureSearch.h"
+
+#include "jobs/policies/Policies.h"
+#include "jobs/report/StructureId.h"
+#include "jobs/report/Wording.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+void TStructureSearch::Missing(const std::string& What) const {
+  throw EStructureMissing(Format("There is no %s in the database %s", What, FDatabase));
+}
+
+TDSPListItem TStructureSearch::FindOfAnyType(const std::string& Name) {
+  if (!FByName) {
+    FByName.emplace();
+    for (const TDSPListItem& Item : FTable.List()) FByName->emplace(LowerCase(Item.ObjectName), Item);
+  }
+  const auto [First, End] = FByName->equal_range(LowerCase(Name));
+  if (First == End) Missing(Format("structure '%s'", Name));
+  if (std::next(First) == End) return First->second;
+  std::vector<std::string> Types;
+  for (auto Found = First; Found != End; ++Found) Types.push_back(TypeText(Found->second.ObjectType));
+  throw ESettingsError(
+      Format("There are structures '%s' of several types: choose with {ObjectType} (%s)", Name, Joined(Types)));
+}
+
+TDSPListItem TStructureSearch::Find(const std::string& Name, std::int32_t Type) {
+  if (Type == 0) return FindOfAnyType(Name);
+  std::optional<TDSPListItem> Item = FTable.GetStructureProperties(Name, Type);
+  if (!Item) Missing(Format("structure '%s' of type %d", Name, Type));
+  return *Item;
+}
+
+std::vector<TDSPListItem> StructuresLike(TDSPTable& Table, std::int32_t Type, const std::string& Name) {
+  std::vector<TDSPListItem> Result;
+  for (const TDSPListItem& Item : Table.List())
+    if ((Type == 0 || Item.ObjectType == Type) && (Name.empty() || SameText(Item.ObjectName, Name)))
+      Result.push_back(Item);
+  return Result;
+}
+
+}  // namespace velkrund

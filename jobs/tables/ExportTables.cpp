@@ -1,0 +1,65 @@
+#include "jobs/tables/ExportTables.h"
+
+#include <set>
+
+#include "jobs/report/Wording.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobExportTables;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::Tables>("Tables", "the tables to save; empty: all of the database"),
+    JobProperty<&TThis::Fields>("Fields", "for one table: the only fields to save; empty: all"),
+};
+
+constinit const TPropertyTable Table{&ExportJobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobExportTables");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobExportTablesInterface", Table);
+
+void TJobExportTables::CheckSettings() const {
+  TExportJob::CheckSettings();
+  if (Several() && !Fields.empty())
+    throw ESettingsError("{Fields} names fields of one table, but several tables are exported");
+}
+
+std::vector<std::string> TJobExportTables::AllTables() {
+  std::vector<std::string> Result, LeftOut;
+  for (const TTableInfo& Table : Manager().Tables(DatabaseName))
+    (Table.Kind == TTableKind::Table ? Result : LeftOut).push_back(FullName(Table));
+  if (Result.empty()) FOutcome.Notes.emplace_back("there are no tables");
+  if (!LeftOut.empty())
+    FOutcome.Notes.push_back("left out, being views or tables that the engine does not keep: " + Joined(LeftOut));
+  return Result;
+}
+
+/// The tables under their physical names, each once. A name that is none ends the run before anything is written.
+std::vector<TItem> TJobExportTables::Plan() {
+  FFields = TStringList(Fields);
+  FOperation.Fields = Fields.empty() ? nullptr : &FFields;
+  std::vector<TItem> Result;
+  std::set<std::string> Seen;
+  for (const std::string& Name : Tables.empty() ? AllTables() : Tables) {
+    const std::unique_ptr<TTable> Table = Manager().GetUserTable(Name, DatabaseName, false);
+    if (!Table) throw EDatabaseError(Format("There is no table '%s' in the database %s", Name, FOutcome.Database));
+    for (const std::string& Field : Fields)
+      if (!Table->FindField(Field))
+        throw EDatabaseError(Format("There is no field '%s' in the table '%s'", Field, Table->TableName()));
+    if (!Seen.insert(Table->TableName()).second) continue;
+    TItem Item;
+    Item.Section = SectionName.empty() ? Table->TableName() : SectionName;
+    Item.Table = Table->TableName();
+    Result.push_back(std::move(Item));
+  }
+  return Result;
+}
+
+}  // namespace velkrund

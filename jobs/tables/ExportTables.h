@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "jobs/run/ExportJob.h"
+#include "jobs/run/JobInterface.h"
+#include "velkrund/dictionary/TableDataOperations.h"
+
+namespace velkrund {
+
+/// Saves the rows of tables as sections of a file.
+class TJobExportTables final : public TExportJob {
+ public:
+  TJobExportTables() : TExportJob("table", TSectionRole::TableData, "rows") {}
+
+  std::vector<std::string> Tables;  // none: all that the engine itself keeps
+  std::vector<std::string> Fields;  // of one table: the only ones to save; none: all
+
+  void CheckSettings() const override;
+
+  static const TUtilOperationDescriptor Descriptor;
+  static const TInterfaceDescriptor Interface;
+
+ protected:
+  bool Several() const override { return Tables.size() != 1; }
+  std::vector<TItem> Plan() override;
+  TExportUtilOperation& Operation() override { return FOperation; }
+  void Prepare(const TItem& Item) override { FOperation.TableName = Item.Table; }
+  void AfterRun(TItem& Item) override { Item.Counts = FOperation.Report; }
+
+ private:
+  std::vector<std::string> AllTables();
+
+  TUOExportTableData FOperation;
+  TStringList FFields;  // as the operation has them
+};
+
+using TJobExportTablesInterface = TJobInterface<TJobExportTables>;
+
+}  // namespace velkrund

@@ -1,0 +1,48 @@
+#include "jobs/tables/ImportTables.h"
+
+#include "jobs/files/SectionChoice.h"
+#include "jobs/tables/TableImport.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobImportTables;
+
+constexpr TProperty Properties[] = {
+    JobProperty<&TThis::FileName>("FileName", "the file to read; - is standard input"),
+    JobProperty<&TThis::Sections>("Sections",
+                                  "names or indexes of the sections to load; empty: all table data sections"),
+    JobProperty<&TThis::TableName>("TableName", "for one section: the table to load; empty: the one that it names"),
+    JobProperty<&TThis::Fields>("Fields", "the only fields to load; empty: all"),
+    JobProperty<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
+};
+
+constinit const TPropertyTable Table{&SectionsJobProperties, Properties};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobImportTables");
+constinit const TInterfaceDescriptor TThis::Interface =
+    JobInterfaceDescriptor<TThis>("TJobImportTablesInterface", Table);
+
+TImportJob::TParts TJobImportTables::MakeParts() {
+  TParts Result;
+  Result.emplace(TSectionRole::TableData,
+                 std::make_unique<TTableImport>(
+                     Manager(), Policies, TTableImport::TSettings{DatabaseName, DatabaseText(), TableName, Fields}));
+  return Result;
+}
+
+/// What else the file holds is named in the report.
+std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<std::string>& Hidden) {
+  const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name(), Hidden};
+  std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
+  if (Result.size() > 1 && !TableName.empty())
+    throw ESettingsError(Format(
+        "{TableName} names one table, but %d sections are to be loaded: choose one with {Sections}", Result.size()));
+  return Result;
+}
+
+}  // namespace velkrund

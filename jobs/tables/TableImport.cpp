@@ -1,0 +1,126 @@
+#include "jobs/tables/TableImport.h"
+
+#include <algorithm>
+
+#include "jobs/files/SectionChoice.h"
+#include "jobs/policies/Questions.h"
+#include "jobs/report/Wording.h"
+#include "velkrund/dictionary/TableData.h"
+#include "velkrund/eif/EIErrors.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+std::string RowsText(const std::string& Table, std::int64_t Rows) {
+  return Format("Table '%s' has %s", Table, Counted(Rows, "row"));
+}
+
+}  // namespace
+
+TTableImport::TTableImport(TApplicationManager& Manager, const TPolicies& Policies, TSettings Settings)
+    : FManager(Manager), FPolicies(Policies), FSettings(std::move(Settings)), FFields(FSettings.Fields) {}
+
+TTableImport::TTarget& TTableImport::TargetFor(TTable& Table) {
+  const auto IsIt = [&](const TTarget& Target) { return Target.Table == Table.TableName(); };
+  const auto Known = std::find_if(FTargets.begin(), FTargets.end(), IsIt);
+  if (Known != FTargets.end()) return *Known;
+  TTarget Target{Table.TableName()};
+  Target.Keep = FPolicies.ExistingRows != TExisting::Replace;
+  const bool Counts = FPolicies.ExistingRows == TExisting::Ask || FPolicies.ExistingRows == TExisting::Skip;
+  if (Counts) Target.Rows = Table.RecordCount();
+  FTargets.push_back(std::move(Target));
+  return FTargets.back();
+}
+
+void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) {
+  const TEISectionList& Sections = Input.File().Sections();
+  Item.Table = FSettings.TableName.empty() ? TableOf(Sections[Index]) : FSettings.TableName;
+  const std::unique_ptr<TTable> Table = FManager.GetUserTable(Item.Table, FSettings.DatabaseName, true);
+  if (!Table && FSettings.HasToFit)
+    throw EDatabaseError(Format("There is no table '%s' in the database %s; it is wanted for %s", Item.Table,
+                                FSettings.DatabaseText, SectionText(Sections, Index)));
+  if (!Table) return;  // the import of the section says so
+  if (FSettings.HasToFit) CheckFields(Input, Index, *Table);
+  Item.Table = Table->TableName();
+  TTarget& Target = TargetFor(*Table);
+  Target.Sections.push_back(Number);
+  FPlaces.emplace(Number, static_cast<std::size_t>(&Target - FTargets.data()));
+}
+
+/// Fields that nobody has: the section would refuse them too, after other sections were loaded.
+void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) const {
+  const std::optional<std::vector<std::string>> Names = FieldsOf(Input.File(), Index);
+  if (!Names) return;  // the import says what is wrong with the body
+  const TEISectionList& Sections = Input.File().Sections();
+  const auto InFile = [&](const std::string& Field) {
+    return std::any_of(Names->begin(), Names->end(), [&](const std::string& Name) { return SameText(Name, Field); });
+  };
+  for (const std::string& Field : FSettings.Fields)
+    if (!InFile(Field))
+      throw EEIError(
+          Format("There is no field '%s' in %s: it has %s", Field, SectionText(Sections, Index), Joined(*Names)));
+  const std::vector<std::string>& Wanted = FSettings.Fields.empty() ? *Names : FSettings.Fields;
+  const auto InTable = [&](const std::string& Field) { return Table.FindField(Field) != nullptr; };
+  if (std::none_of(Wanted.begin(), Wanted.end(), InTable))
+    throw EEIError(Format("The table '%s' has none of the fields of %s: %s", Table.TableName(),
+                          SectionText(Sections, Index), Joined(Wanted)));
+}
+
+void TTableImport::RefuseUnanswered() const {
+  std::vector<std::string> Met;
+  for (const TTarget& Target : FTargets)
+    if (Target.Rows > 0) Met.push_back(RowsText(Target.Table, Target.Rows));
+  if (!Met.empty() && !CanAsk()) throw EPolicyUnanswered(TPolicy::ExistingRows, Joined(Met) + ".");
+}
+
+void TTableImport::Settle(TOutcome& Outcome) {
+  if (FPolicies.ExistingRows == TExisting::Ask) RefuseUnanswered();
+  TRepeatedQuestion Question;
+  for (TTarget& Target : FTargets) {
+    if (Target.Rows == 0) continue;
+    TAnswer Answer = TAnswer::No;
+    if (FPolicies.ExistingRows == TExisting::Ask)
+      Answer = Question.Ask({RowsText(Target.Table, Target.Rows) + ". Delete them and put the file's in their place?",
+                             {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Append, TAnswer::Cancel},
+                             TPolicy::ExistingRows});
+    Target.Keep = Answer != TAnswer::Yes;
+    Target.LeaveOut = Answer == TAnswer::No;
+    if (!Target.LeaveOut) continue;
+    for (const std::size_t Number : Target.Sections) {
+      Outcome.Items[Number].State = TItemState::LeftOut;
+      Outcome.Items[Number].Note = Format("the table keeps its %s", Counted(Target.Rows, "row"));
+    }
+  }
+}
+
+const TTableImport::TTarget* TTableImport::Find(std::size_t Number) const {
+  const auto Place = FPlaces.find(Number);
+  return Place == FPlaces.end() ? nullptr : &FTargets[Place->second];
+}
+
+std::optional<TLoadTarget> TTableImport::TargetOf(std::size_t Number) const {
+  const TTarget* const Target = Find(Number);
+  if (!Target) return std::nullopt;
+  return TLoadTarget{Target->Table, !Target->Keep};
+}
+
+void TTableImport::Begin(std::size_t Number, TEIObject& Object) {
+  auto* const Data = dynamic_cast<TEICommonTableData*>(&Object);
+  if (!Data) return;
+  const TTarget* const Target = Find(Number);
+  if (Target) Data->TableName = Target->Table;
+  Data->Append = Target ? Target->Keep : FPolicies.ExistingRows != TExisting::Replace;
+  Data->SkipMissingFields = FPolicies.MissingFields == TMissingFields::Skip;
+  if (FPolicies.Lenient) Data->StrictValues = false;
+  if (!FSettings.Fields.empty()) Data->Fields = &FFields;
+}
+
+void TTableImport::End(TItem& Item, const TEIObject* Object) {
+  if (const auto* const Data = dynamic_cast<const TEICommonTableData*>(Object)) Item.Counts = *Data->Report;
+}
+
+}  // namespace velkrund

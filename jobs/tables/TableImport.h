@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "jobs/policies/Policies.h"
+#include "jobs/run/ImportJob.h"
+
+namespace velkrund {
+
+/// The table data sections of an import: which table each goes into, what becomes of the rows that are there, and which
+/// fields are moved.
+class TTableImport final : public TImportPart {
+ public:
+  struct TSettings {
+    std::string DatabaseName;
+    std::string DatabaseText;              // for messages
+    std::string TableName = {};            // the one to load; empty: the one that the section names
+    std::vector<std::string> Fields = {};  // the only ones to move; none: all
+    bool HasToFit = true;                  // a table that is not there, or has none of the fields, ends the run at once
+  };
+
+  /// Manager, Policies: borrowed.
+  TTableImport(TApplicationManager& Manager, const TPolicies& Policies, TSettings Settings);
+
+  void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) override;
+  void Settle(TOutcome& Outcome) override;
+  std::optional<TLoadTarget> TargetOf(std::size_t Number) const override;
+  void Begin(std::size_t Number, TEIObject& Object) override;
+  void End(TItem& Item, const TEIObject* Object) override;
+
+ private:
+  /// Of several sections for one table the later ones join the rows that were loaded, or are left out together.
+  struct TTarget {
+    std::string Table;      // the physical name
+    std::int64_t Rows = 0;  // that are there; counted only where they are asked about
+    bool Keep = false;      // these rows
+    bool LeaveOut = false;
+    std::vector<std::size_t> Sections = {};  // numbers of items
+  };
+
+  TTarget& TargetFor(TTable& Table);
+  void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
+  void RefuseUnanswered() const;
+  const TTarget* Find(std::size_t Number) const;
+
+  TApplicationManager& FManager;
+  const TPolicies& FPolicies;
+  const TSettings FSettings;
+  const TStringList FFields;
+  std::vector<TTarget> FTargets;               // by table, in the order in which they were met
+  std::map<std::size_t, std::size_t> FPlaces;  // of a section's target, by the number of its item
+};
+
+}  // namespace velkrund

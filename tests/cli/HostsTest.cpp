@@ -1,0 +1,283 @@
+#include <signal.h>
+
+#include "tests/cli/CommandTest.h"
+#include "tests/support/postgresql/PostgreSQLDatabase.h"
+
+namespace velkrund::tests {
+namespace {
+
+/// The same runs through two hosts, the command and a program in C: each has to do, to refuse and to leave the same.
+class THostsTest : public TCommandTest {
+ protected:
+  THostsTest() {
+    const std::string Tables =
+        "CREATE TABLE L (I INTEGER PRIMARY KEY, P INTEGER REFERENCES O);"
+        "CREATE TABLE O (I INTEGER PRIMARY KEY, N TEXT);"
+        "CREATE TABLE X (I INTEGER PRIMARY KEY, Y INTEGER REFERENCES Y);"
+        "CREATE TABLE Y (I INTEGER PRIMARY KEY, X INTEGER REFERENCES X);";
+    Query("full.db", Tables +
+                         "INSERT INTO O VALUES (1, 'one'), (2, '\xD0\x94va'); INSERT INTO L VALUES (1, 1), (2, 2);"
+                         "INSERT INTO X VALUES (1, 1); INSERT INTO Y VALUES (1, 1);");
+    Query("empty.db", Tables);
+    Query("rows.db", Tables + "INSERT INTO O VALUES (7, 'old'); INSERT INTO L VALUES (8, 7);");
+    Query("broken.db", Tables + "INSERT INTO L VALUES (8, 70);");
+    Query("other.db", "CREATE TABLE O (OTHER TEXT); CREATE TABLE L (I INTEGER PRIMARY KEY CHECK (I <> 2), P INTEGER)");
+    EXPECT_EQ(Run({"export", "table", "-d", "sqlite:full.db", "--all", "-o", "all.eif"}).ExitCode, 0);
+    EXPECT_EQ(Run({"export", "table", "-d", "sqlite:full.db", "-t", "L", "-o", "l.eif"}).ExitCode, 0);
+    EXPECT_EQ(Run({"export", "table", "-d", "sqlite:full.db", "-t", "O", "-o", "o.eif"}).ExitCode, 0);
+    Write("forms.eif", Form("A") + Form("B"));
+    Write("bad.eif", Read("l.eif") + Form("A") + Read("o.eif").replace(Read("o.eif").find("<1|"), 3, "<1||"));
+    Write("cut.eif", Read("o.eif") + Read("l.eif").substr(0, Read("l.eif").size() - 5));
+    Write("twice.eif", Read("o.eif") + Read("o.eif"));
+    EXPECT_EQ(Run({"import", "structure", "-d", "sqlite:rows.db", "-i", "forms.eif"}).ExitCode, 0);
+  }
+
+  static std::string Form(const std::string& Name) {
+    return "[SECTION]\r\nEncoding = UTF8\r\nName = " + Name +
+           "\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = 12\r\nObjectName = " + Name +
+           "\r\nTableName = \r\nParentObject = \r\nRootNode = \r\n[DATA]\r\n [REMARKS]\r\n  \r\n [TREE]\r\n"
+           "  Caption:string = 'x'\r\n[END]\r\n";
+  }
+
+  struct TCase {
+    TArguments Command;  // W is the database, w.eif the file that is worked on
+    TArguments Job;      // class and properties
+    std::string Database = "empty.db", File = "all.eif";
+    int ExitCode = 0;
+    std::string Says = {};  // both hosts
+  };
+
+  /// The documents of both hosts name the same, times apart.
+  static nlohmann::json Comparable(const std::string& Text) {
+    nlohmann::json Result = nlohmann::json::parse(Text, nullptr, false);
+    const std::function<void(nlohmann::json&)> WithoutTimes = [&](nlohmann::json& Part) {
+      if (Part.is_object()) Part.erase("seconds");
+      if (!Part.is_structured()) return;  // it would be its own only member
+      for (auto& Member : Part) WithoutTimes(Member);
+    };
+    WithoutTimes(Result);
+    return Result;
+  }
+
+  struct TLeft {
+    TOutcome Outcome;
+    std::string Rows, File;
+  };
+  TLeft RunOn(const TCase& Case, const TArguments& Line) {
+    remove(Path("w.eif").c_str());
+    if (!Case.File.empty()) Write("w.eif", Read(Case.File));
+    Write("w.db", Read(Case.Database));
+    TLeft Result{Run(Line), {}, {}};
+    Result.Rows = Query("w.db",
+                        "SELECT 'O', O.* FROM O; SELECT 'L', L.* FROM L;"
+                        "SELECT 'T', * FROM pragma_table_list WHERE name = 'velkrund_structures'");
+    if (Case.Database != "other.db") Result.Rows += Query("w.db", "SELECT 'X', X.* FROM X; SELECT 'Y', Y.* FROM Y");
+    if (Result.Rows.find("velkrund_structures") != std::string::npos)
+      Result.Rows += Query("w.db", "SELECT hex(tree), * FROM velkrund_structures ORDER BY 2, 3");
+    Result.File = Exists("w.eif") ? Read("w.eif") : "none";
+    return Result;
+  }
+
+  void Check(const std::vector<TCase>& Cases) {
+    for (const TCase& Case : Cases) {
+      TArguments Command = Case.Command, Job = Case.Job;
+      Command.push_back("--json");
+      Job.insert(Job.begin(), VELKRUND_RUN_JOB);
+      const TLeft A = RunOn(Case, Command), B = RunOn(Case, Job);
+      const std::string What = Joined(Command) + "\n" + A.Outcome.Errors + Joined(Job) + "\n" + B.Outcome.Errors;
+      EXPECT_EQ(A.Outcome.ExitCode, Case.ExitCode) << What;
+      EXPECT_EQ(B.Outcome.ExitCode, Case.ExitCode) << What;
+      EXPECT_NE((A.Outcome.Errors + A.Outcome.Output).find(Case.Says), std::string::npos) << What;
+      EXPECT_NE((B.Outcome.Errors + B.Outcome.Output).find(Case.Says), std::string::npos) << What;
+      EXPECT_EQ(A.Rows, B.Rows) << What;
+      EXPECT_EQ(A.File, B.File) << What;
+      const nlohmann::json Document = Comparable(A.Outcome.Output);
+      EXPECT_FALSE(Document.is_discarded()) << What;
+      // An error before the run has begun is told in each host's own words.
+      if (!Document.contains("error") || Document.contains("sections")) {
+        EXPECT_EQ(Document, Comparable(B.Outcome.Output)) << What;
+      }
+    }
+  }
+};
+
+TEST_F(THostsTest, DoAndRefuseTheSame) {
+  const std::string Tables = "TJobImportTablesInterface", Files = "TJobImportFilesInterface",
+                    D = "DatabaseName=sqlite:w.db";
+  const std::string ExportTables = "TJobExportTablesInterface", Structures = "TJobImportStructuresInterface";
+  const std::string Broken = "2 values refer to rows that are not there (before: 0), for example row 1 to a row of 'O'";
+  const TArguments ImportTable = {"import", "table", "-d", "sqlite:w.db", "-i", "w.eif"};
+  const TArguments ImportFile = {"import", "file", "-d", "sqlite:w.db", "-i", "w.eif"};
+  const auto With = [](TArguments Line, const TArguments& More) {
+    Line.insert(Line.end(), More.begin(), More.end());
+    return Line;
+  };
+  Check({
+      // Parents before children, circles, and references to nothing.
+      {ImportTable, {Tables, D, "FileName=w.eif"}},
+      {ImportFile, {Files, D, "FileNames=w.eif"}},
+      {ImportTable, {Tables, D, "FileName=w.eif"}, "empty.db", "l.eif", 1, Broken},
+      {ImportFile, {Files, D, "FileNames=w.eif"}, "empty.db", "l.eif", 1, Broken},
+      {With(ImportFile, {"-i", "o.eif"}), {Files, D, "FileNames=w.eif,o.eif"}, "empty.db", "l.eif"},
+      {With(ImportTable, {"--section", "X"}),
+       {Tables, D, "FileName=w.eif", "Sections=X"},
+       "empty.db",
+       "all.eif",
+       1,
+       "Foreign keys of the table 'X' would be broken"},
+      {ImportTable, {Tables, D, "FileName=w.eif"}, "broken.db", "o.eif"},
+      // Rows that are there.
+      {ImportTable,
+       {Tables, D, "FileName=w.eif"},
+       "rows.db",
+       "all.eif",
+       1,
+       "Table 'L' has 1 row, Table 'O' has 1 row."},
+      {ImportFile, {Files, D, "FileNames=w.eif"}, "rows.db", "all.eif", 1, "Table 'L' has 1 row, Table 'O' has 1 row."},
+      {With(ImportTable, {"--replace"}), {Tables, D, "FileName=w.eif", "ExistingRows=replace"}, "rows.db"},
+      {With(ImportFile, {"--append"}), {Files, D, "FileNames=w.eif", "ExistingRows=append"}, "rows.db"},
+      {With(ImportTable, {"--replace"}),
+       {Tables, D, "FileName=w.eif", "ExistingRows=replace"},
+       "rows.db",
+       "o.eif",
+       1,
+       "Foreign keys of the table 'L' would be broken"},
+      // What does not fit, and what fails on the way.
+      {ImportTable, {Tables, D, "FileName=w.eif"}, "other.db", "o.eif", 1, "The table 'O' has none of the fields of"},
+      {ImportFile, {Files, D, "FileNames=w.eif"}, "other.db", "o.eif", 1, "none of the fields"},
+      {ImportTable, {Tables, D, "FileName=w.eif"}, "other.db", "l.eif", 1, "CHECK constraint failed"},
+      {ImportFile, {Files, D, "FileNames=w.eif", "OnError=continue"}, "empty.db", "bad.eif", 1, "FileName: w.eif"},
+      {ImportTable, {Tables, D, "FileName=w.eif"}, "empty.db", "cut.eif", 1, "w.eif"},
+  });
+  Check({
+      {{"export", "table", "-d", "sqlite:w.db", "--all", "-o", "w.eif"},
+       {ExportTables, D, "FileName=w.eif"},
+       "full.db",
+       ""},
+      {{"export", "table", "-d", "sqlite:w.db", "-t", "O", "-o", "w.eif"},
+       {ExportTables, D, "Tables=O", "FileName=w.eif"},
+       "full.db",
+       "all.eif",
+       1,
+       "Already in 'w.eif': the section 'O'."},
+      {{"export", "table", "-d", "sqlite:w.db", "-t", "O", "-o", "w.eif", "--overwrite", "yes"},
+       {ExportTables, D, "Tables=O", "FileName=w.eif", "ExistingSections=replace"},
+       "rows.db"},
+      {{"export", "table", "-d", "sqlite:w.db", "-t", "NONE", "-o", "w.eif"},
+       {ExportTables, D, "Tables=NONE", "FileName=w.eif"},
+       "full.db",
+       "",
+       1,
+       "There is no table 'NONE'"},
+      {{"export", "table", "-d", "sqlite:w.db", "--all", "-o", "w.eif", "--release", "rv17"},
+       {ExportTables, D, "FileName=w.eif", "ReleaseVersion=rv17"},
+       "full.db",
+       "w.db",
+       1,
+       "is no export/import file"},
+      {{"export", "structure", "-d", "sqlite:w.db", "--all", "-o", "w.eif"},
+       {"TJobExportStructuresInterface", D, "FileName=w.eif"},
+       "rows.db",
+       ""},
+      {{"import", "structure", "-d", "sqlite:w.db", "-i", "w.eif"},
+       {Structures, D, "FileName=w.eif"},
+       "rows.db",
+       "forms.eif",
+       1,
+       "Structures that are there already: A (12), B (12)."},
+      {{"import", "structure", "-d", "sqlite:w.db", "-i", "w.eif", "--overwrite", "no"},
+       {Structures, D, "FileName=w.eif", "ExistingStructures=skip"},
+       "rows.db",
+       "forms.eif"},
+      {{"import", "structure", "-d", "sqlite:w.db", "-i", "w.eif", "--section", "A", "--name", "C"},
+       {Structures, D, "FileName=w.eif", "Sections=A", "ObjectName=C"},
+       "rows.db",
+       "forms.eif"},
+      {{"dictionary", "list", "-d", "sqlite:w.db"}, {"TJobListStructuresInterface", D}, "rows.db"},
+      {{"dictionary", "show", "-d", "sqlite:w.db", "--name", "a"},
+       {"TJobShowStructureInterface", D, "ObjectName=a"},
+       "rows.db"},
+      {{"dictionary", "show", "-d", "sqlite:w.db", "--name", "Z"},
+       {"TJobShowStructureInterface", D, "ObjectName=Z"},
+       "rows.db",
+       "",
+       1,
+       "There is no structure 'Z'"},
+      {{"dictionary", "drop", "-d", "sqlite:w.db", "--name", "A"},
+       {"TJobDropStructureInterface", D, "ObjectName=A"},
+       "rows.db",
+       "",
+       1,
+       "Drop the structure 'A' of type 12?"},
+      {{"dictionary", "drop", "-d", "sqlite:w.db", "--name", "A", "--yes"},
+       {"TJobDropStructureInterface", D, "ObjectName=A", "Yes=true"},
+       "rows.db"},
+      {{"database", "info", "-d", "sqlite:w.db"}, {"TJobDatabaseInfoInterface", D}, "rows.db"},
+      {{"file", "list", "w.eif"}, {"TJobListSectionsInterface", "FileName=w.eif"}},
+      {{"file", "list", "w.eif"}, {"TJobListSectionsInterface", "FileName=w.eif"}, "empty.db", "cut.eif", 1, "w.eif"},
+      {{"file", "check", "w.eif"}, {"TJobCheckFilesInterface", "FileNames=w.eif"}},
+      {{"file", "check", "w.eif"}, {"TJobCheckFilesInterface", "FileNames=w.eif"}, "empty.db", "bad.eif", 1, "faulty"},
+      {{"file", "remove", "w.eif", "--name", "O"},
+       {"TJobRemoveSectionsInterface", "FileName=w.eif", "Names=O"},
+       "empty.db",
+       "twice.eif",
+       1,
+       "'w.eif' has several of that name"},
+      {{"file", "remove", "w.eif", "1"},
+       {"TJobRemoveSectionsInterface", "FileName=w.eif", "Indexes=1"},
+       "empty.db",
+       "twice.eif"},
+      {{"file", "remove", "w.eif", "9"},
+       {"TJobRemoveSectionsInterface", "FileName=w.eif", "Indexes=9"},
+       "empty.db",
+       "twice.eif",
+       1,
+       "no section with the index 9"},
+      {{"file", "repair", "w.eif"}, {"TJobRepairFileInterface", "FileName=w.eif"}, "empty.db", "cut.eif"},
+  });
+}
+
+TEST_F(THostsTest, MindPostgreSQLsKeysAlike) {
+  TPostgreSQLDatabase Database;
+  const TArguments Lines[] = {
+      {"import", "file", "-d", Database.Url(), "-i", "l.eif", "-i", "o.eif"},
+      {VELKRUND_RUN_JOB, "TJobImportFilesInterface", "DatabaseName=" + Database.Url(), "FileNames=l.eif,o.eif"}};
+  const TArguments Broken[] = {{"import", "table", "-d", Database.Url(), "-i", "l.eif", "--append"},
+                               {VELKRUND_RUN_JOB, "TJobImportTablesInterface", "DatabaseName=" + Database.Url(),
+                                "FileName=l.eif", "ExistingRows=append"}};
+  for (std::size_t Host = 0; Host < std::size(Lines); ++Host) {
+    Database.Run(
+        "DROP TABLE IF EXISTS \"L\"; DROP TABLE IF EXISTS \"O\"; CREATE TABLE \"O\" (\"I\" integer PRIMARY KEY, \"N\" "
+        "text); CREATE TABLE \"L\" (\"I\" integer PRIMARY KEY, \"P\" integer REFERENCES \"O\")");
+    const TOutcome Refused = Run(Broken[Host]);
+    EXPECT_EQ(Refused.ExitCode, 1);
+    EXPECT_NE(Refused.Errors.find("violates foreign key constraint"), std::string::npos) << Refused.Errors;
+    const TOutcome Outcome = Run(Lines[Host]);
+    EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+    EXPECT_EQ(Database.Rows("SELECT (SELECT count(*) FROM \"O\") || '|' || (SELECT count(*) FROM \"L\")"), "2|2\n");
+  }
+}
+
+TEST_F(THostsTest, KilledRunsLeaveWhatWasThere) {
+  Query("big.db",
+        "CREATE TABLE O (I INTEGER PRIMARY KEY, N TEXT);"
+        "WITH RECURSIVE R(I) AS (SELECT 1 UNION ALL SELECT I + 1 FROM R WHERE I < 300000)"
+        "INSERT INTO O SELECT I, 'a text of the row ' || I FROM R");
+  ASSERT_EQ(Run({"export", "table", "-d", "sqlite:big.db", "--all", "-o", "big.eif"}).ExitCode, 0);
+  const TArguments Lines[] = {{"import", "table", "-d", "sqlite:w.db", "-i", "big.eif", "--replace"},
+                              {VELKRUND_RUN_JOB, "TJobImportTablesInterface", "DatabaseName=sqlite:w.db",
+                               "FileName=big.eif", "ExistingRows=replace"}};
+  for (const TArguments& Line : Lines) {
+    Write("w.db", Read("rows.db"));
+    const std::size_t Before = Read("w.db").size();
+    const pid_t Process = Start(Line);
+    // In the middle of the rows: they have begun to go to the disk, and a transaction is open.
+    EXPECT_TRUE(WaitUntil([&] { return Exists("w.db-journal") && Read("w.db").size() > Before; })) << Joined(Line);
+    kill(Process, SIGKILL);
+    EXPECT_EQ(Finish(Process).ExitCode, 128 + SIGKILL) << Joined(Line);
+    EXPECT_EQ(Query("w.db", "SELECT * FROM O; SELECT * FROM L"), "7|old\n8|7") << Joined(Line);
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

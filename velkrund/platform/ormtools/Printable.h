@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velkrund {
+
+/// Text with line ends as one line feed, and other control characters and malformed bytes visible ("\x1B"), so that
+/// what came out of a file or a database can not take a terminal over.
+std::string Printable(std::string_view Text);
+
+}  // namespace velkrund

@@ -61,18 +61,17 @@ void TImportJob::LookAt(TInputFile& Input) {
     FUnreadable.emplace(Input.Name(), std::current_exception());
     return;
   }
-  if (Input.File().Losses().Any()) FOutcome.Notes.emplace_back("warning: section headers hold malformed characters");
-  std::vector<std::string> Hidden;
-  NoteLines(Input, Hidden);
-  for (const int Index : Choose(Input, Hidden)) Add(Input, Index);
+  if (Input.File().Losses().Any())
+    FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
+  for (const int Index : Choose(Input, NoteLines(Input))) Add(Input, Index);
 }
 
-/// Lines outside of sections, which an import passes over.
-void TImportJob::NoteLines(TInputFile& Input, std::vector<std::string>& Hidden) {
+/// Lines outside of sections, which an import passes over. Returns those that hide a section.
+std::vector<std::string> TImportJob::NoteLines(TInputFile& Input) {
   TStrayMarkers Found = FindStrayMarkers(Input.File());
   for (const std::string& Text : Found.Hidden) FOutcome.Notes.push_back("warning: " + Input.Name() + ": " + Text);
   for (const std::string& Text : Found.Doubtful) FOutcome.Notes.push_back(Input.Name() + ": " + Text);
-  Hidden = std::move(Found.Hidden);
+  return std::move(Found.Hidden);
 }
 
 void TImportJob::Add(TInputFile& Input, int Index) {
@@ -124,7 +123,7 @@ void TImportJob::Import() {
   int Result = 0;
   try {
     Result = Operation.Execute();
-  } catch (const std::exception& Error) {
+  } catch (const std::exception&) {
     // What the run ends with after the failure of an item is told with the item.
     if (!FStopped) FOutcome.Fail(std::current_exception());
     FStopped = true;
@@ -135,8 +134,8 @@ void TImportJob::Import() {
 
 void TImportJob::Conclude(int Result) {
   if (Result != 0 || FStopped || !FOutcome.Cancelled.empty()) return;
-  if (IsCanceled() || FOutcome.Any(TItemState::Cancelled))
-    FOutcome.Cancelled = "cancelled; what was finished before stays";
+  if (!IsCanceled() && !FOutcome.Any(TItemState::Cancelled)) return;
+  FOutcome.Cancelled = FOutcome.Any(TItemState::TakenBack) ? "cancelled" : "cancelled; what was finished before stays";
 }
 
 const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {
@@ -189,6 +188,7 @@ void TImportJob::FileFailed(const std::string& FileName, const std::exception& E
   TItem Item;
   Item.File = FileName;
   FOutcome.Items.push_back(std::move(Item));
+  FUnreadable.erase(FileName);
   Fail(FOutcome.Items.back(), Error);
 }
 

@@ -68,7 +68,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   using TPlace = std::pair<std::string, std::int64_t>;  // a file, the position of a section
 
   void LookAt(TInputFile& Input);
-  void NoteLines(TInputFile& Input, std::vector<std::string>& Hidden);
+  std::vector<std::string> NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void CheckEmptying() const;
   std::int64_t Bytes(bool OfTables) const;
@@ -93,7 +93,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   const char* const FKind;
   TParts FParts;
   std::unique_ptr<TInputFiles> FInputs;                   // during a run
-  std::map<std::string, std::exception_ptr> FUnreadable;  // files
+  std::map<std::string, std::exception_ptr> FUnreadable;  // files, until that is told
   std::map<TPlace, TStep> FSteps;
   std::optional<TErrorPolicy> FErrors;
   std::optional<TItemAccount> FAccount;  // of the section that is being imported

@@ -249,5 +249,57 @@ TEST_F(CPlatform, HostsDecideAboutStructuresThatExist) {
   }
 }
 
+TEST_F(CPlatform, JobsAskBeforeTheyChangeAndForgetAfterwards) {
+  VelkrundOperation* Job = VelkrundCreateOperation("TJobImportTablesInterface", nullptr);
+  const auto Set = [&](const char* Name, const std::string& Text) {
+    EXPECT_TRUE(VelkrundSetProperty(Job, Name, Text.c_str())) << VelkrundLastError();
+  };
+  const auto Rows = [this] { return SQL("copy.db", "SELECT count(*) FROM C"); };
+  Set("DatabaseName", "sqlite:" + Folder / "copy.db");
+  Set("FileName",
+      Folder.Write("t.eif",
+                   "[SECTION]\r\nName = s\r\nType = TableData\r\nVersion = 200\r\nTableName = C\r\n[DATA]\r\n"
+                   " [FIELDS]\r\n  ID\r\n [RECORDS]\r\n  <1>\r\n  <2>\r\n[END]\r\n"));
+  constexpr std::int32_t NoHook = -1;
+  const struct {
+    std::int32_t Answer;
+    const char *Existing, *Outcome, *Rows;
+  } Cases[] = {
+      {NoHook, "ask", "0EPolicyUnanswered", "1\n"},
+      {0, "ask", "0EQuestionUnanswered", "1\n"},
+      {1, "ask", "0EQuestionUnanswered", "1\n"},
+      {2, "ask", "0", "1\n"},
+      {7, "ask", "1", "1\n"},
+      {NoHook, "skip", "1", "1\n"},
+      {NoHook, "append", "1", "3\n"},
+      {6, "ask", "1", "2\n"},
+      {NoHook, "replace", "1", "2\n"},
+      {2, "ask", "0", "2\n"},
+  };
+  for (const auto& Case : Cases) {
+    EXPECT_TRUE(VelkrundSetMessageBox(Case.Answer == NoHook ? nullptr : &Answer));
+    HookAnswer = Case.Answer, AskedFlags = 0;
+    Set("ExistingRows", Case.Existing);
+    std::string Outcome = std::to_string(VelkrundExecute(Job));
+    Outcome += VelkrundLastError();
+    EXPECT_EQ(Outcome.substr(0, Outcome.find(':')), Case.Outcome) << Case.Existing << Case.Answer;
+    EXPECT_EQ(Rows(), Case.Rows) << Case.Existing << Case.Answer;
+    EXPECT_EQ(AskedFlags, Case.Answer == NoHook ? 0U : 3U);
+  }
+
+  // Making databases is a setting of one run.
+  Set("DatabaseName", "sqlite:" + Folder / "made.db");
+  Set("CreateDatabase", "true");
+  EXPECT_FALSE(VelkrundExecute(Job));
+  EXPECT_TRUE(std::string_view(VelkrundLastError()).starts_with("EDatabaseError:There is no table 'C'"))
+      << VelkrundLastError();
+  Set("DatabaseName", "sqlite:" + Folder / "none.db");
+  Set("CreateDatabase", "false");
+  EXPECT_FALSE(VelkrundExecute(Job));
+  EXPECT_NE(std::string_view(VelkrundLastError()).find("does not exist"), std::string_view::npos)
+      << VelkrundLastError();
+  EXPECT_TRUE(VelkrundDestroyOperation(Job));
+}
+
 }  // namespace
 }  // namespace velkrund::tests

@@ -45,9 +45,9 @@ VELKRUND_API const char* VelkrundLastError(void);
 
 /* --- The platform: what databases are there, and where files are. One at a time. --------------------------------- */
 
-/* Makes the jobs known too, see below. ConfigFile: a velkrund.toml; NULL: $VELKRUND_CONFIG, ./velkrund.toml, the user's one, or the defaults. Relative
- * names in it are relative to its folder. Databases are named by its entries or by URLs such as "sqlite:shop.db"; they
- * have to exist. */
+/* Makes the jobs known too, see below. ConfigFile: a velkrund.toml; NULL: $VELKRUND_CONFIG, ./velkrund.toml, the user's
+ * one, or the defaults. Relative names in it are relative to its folder. Databases are named by its entries or by URLs
+ * such as "sqlite:shop.db"; they have to exist. */
 VELKRUND_API int VelkrundInstallPlatform(const char* ConfigFile);
 /* Fails while operations or files exist. */
 VELKRUND_API int VelkrundRemovePlatform(void);
@@ -72,18 +72,18 @@ typedef struct VelkrundPropertyInfo {
   int32_t ReadOnly; /* 0 or 1 */
 } VelkrundPropertyInfo;
 
-/* The classes of operations, such as "TUOExportTableDataInterface", and once a platform is installed those of jobs, such
- * as "TJobImportFilesInterface".
+/* The classes of operations, such as "TUOExportTableDataInterface", and once a platform is installed those of jobs,
+ * such as "TJobImportFilesInterface".
  *
- * A job is a whole run as a person asks for it: it opens and closes its files itself, settles what is there already before
- * the first change, keeps together what foreign keys tie together, and refuses what the command line program refuses. What
- * it would ask about is decided by properties (ExistingRows, ExistingSections, ExistingStructures, OnError, Yes), else by
- * the message box; where neither decides it is an error that names the property. Rows, sections and structures that are
- * there are never touched unasked. The property Report has what became of everything, as a JSON document; other properties
- * have the counts. examples/run_job.c runs any of them.
+ * A job is a whole run as a person asks for it: it opens and closes its files itself, settles what is there already
+ * before the first change, keeps together what foreign keys tie together, and refuses what the command line program
+ * refuses. What it would ask about is decided by properties (ExistingRows, ExistingSections, ExistingStructures,
+ * OnError, Yes), else by the message box; where neither decides it is an error that names the property. Rows, sections
+ * and structures that are there are never touched unasked. The property Report has what became of everything, as a JSON
+ * document; other properties have the counts. examples/run_job.c runs any of them.
  *
- * Single operations do one step and what they are told: TUOImportTableDataInterface and the imports of files empty a table
- * before they load it, unless the property Append says otherwise. */
+ * Single operations do one step and what they are told: TUOImportTableDataInterface and the imports of files empty a
+ * table before they load it, unless the property Append says otherwise. */
 VELKRUND_API int32_t VelkrundClassCount(void);
 /* Index: 0 .. VelkrundClassCount() - 1. */
 VELKRUND_API const char* VelkrundClassName(int32_t Index);
@@ -124,8 +124,8 @@ VELKRUND_API int VelkrundStartOperationProgress(VelkrundManager* Manager, const 
  * makes the question an error. Whether a structure that exists is overwritten is asked with 3: yes replaces it, no
  * leaves it as it is, cancel ends the run. The property OverwriteExisting of TUOImportDSPStructureInterface answers
  * that beforehand, and can also have the structure updated. Jobs ask with 3 too: about rows that are there (yes deletes
- * them, no leaves the table out), sections that are there (yes replaces, no leaves out), whether to go on after an error,
- * and whether to remove or drop. */
+ * them, no leaves the table out), sections that are there (yes replaces, no leaves out), whether to go on after an
+ * error, and whether to remove or drop. */
 typedef int32_t (*VelkrundMessageBoxProc)(uintptr_t Window, const VelkrundChar* Text, const VelkrundChar* Caption,
                                           uint32_t Flags, int32_t Extra1, int32_t Extra2);
 /* NULL: nobody answers. To be called while no operation runs. */

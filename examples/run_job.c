@@ -61,26 +61,30 @@ static int Set(VelkrundOperation* Operation, const char* Text) {
   }
   memcpy(Name, Text, Length);
   Name[Length] = '\0';
-  return VelkrundSetProperty(Operation, Name, Equals + 1) ? Done : Fail();
+  if (VelkrundSetProperty(Operation, Name, Equals + 1)) return Done;
+  Fail();
+  return WrongUsage;
 }
 
 /* Operations that are no jobs have none. */
-static void PrintReport(VelkrundOperation* Operation) {
+static bool PrintReport(VelkrundOperation* Operation) {
   const size_t Size = VelkrundGetProperty(Operation, "Report", NULL, 0);
   char* Text = Size ? malloc(Size) : NULL;
-  if (Text && VelkrundGetProperty(Operation, "Report", Text, Size)) fputs(Text, stdout);
+  const bool Printed = Text && VelkrundGetProperty(Operation, "Report", Text, Size) && fputs(Text, stdout) >= 0;
   free(Text);
+  return Printed;
 }
 
-static int Run(VelkrundOperation* Operation, char** Properties, int Count) {
+static int Run(const char* ClassName, VelkrundOperation* Operation, char** Properties, int Count) {
   char Error[4096];
   int At, Result;
   for (At = 0; At < Count; ++At)
     if ((Result = Set(Operation, Properties[At])) != Done) return Result;
   Result = VelkrundExecute(Operation) ? Done : *VelkrundLastError() ? Failed : Cancelled;
   snprintf(Error, sizeof Error, "%s", VelkrundLastError());
-  PrintReport(Operation);
-  if (Result == Failed) fprintf(stderr, "%s\n", Error);
+  if (!PrintReport(Operation) && Result == Done && strncmp(ClassName, "TJob", 4) == 0) return Fail();
+  if (strncmp(Error, "ESettingsError:", 15) == 0) Result = WrongUsage;
+  if (Result == Failed || Result == WrongUsage) fprintf(stderr, "%s\n", Error);
   if (Result == Cancelled) fprintf(stderr, "Cancelled\n");
   return Result;
 }
@@ -89,7 +93,7 @@ static int Job(char** Arguments, int Count) {
   const VelkrundCallbacks Callbacks = {NULL, OnCancel, NULL, OnLog, 0, 100};
   VelkrundManager* Manager = VelkrundCreateManager(&Callbacks);
   VelkrundOperation* Operation = VelkrundCreateOperation(Arguments[0], Manager);
-  const int Result = Operation ? Run(Operation, Arguments + 1, Count - 1) : Fail();
+  const int Result = Operation ? Run(Arguments[0], Operation, Arguments + 1, Count - 1) : Fail();
   VelkrundDestroyOperation(Operation);
   VelkrundDestroyManager(Manager);
   return Result;

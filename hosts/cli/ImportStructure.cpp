@@ -1,6 +1,7 @@
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "jobs/structures/ImportStructures.h"
+#include "jobs/structures/StructureSearch.h"
 
 namespace velkrund {
 
@@ -36,10 +37,9 @@ class TImportStructure final : public TCommand {
   int Run(TSession& Session) override { return RunSectionsJob(Session, FInterface); }
 
  private:
-  static constexpr std::int32_t NotGiven = -1;
-
   TJobImportStructuresInterface FInterface;
   TJobImportStructures& FJob = FInterface.Job();
+  std::int32_t FType = AnyType;
 };
 
 std::vector<TOptionGroup> TImportStructure::Options() {
@@ -49,8 +49,7 @@ std::vector<TOptionGroup> TImportStructure::Options() {
         Required(Text("-i,--input", "FILE", "the file to read; - is standard input", FJob.FileName)),
         List("--section", "NAME|INDEX", "the section to load; a number is an index as file list shows it",
              FJob.Sections),
-        Number("--type", "T", "the object type to load it as (default: the one that the section names)",
-               FJob.ObjectType),
+        Number("--type", "T", "the object type to load it as (default: the one that the section names)", FType),
         Text("--name", "NAME", "the structure to load it into (default: the one that the section names)",
              FJob.ObjectName),
         Text("--root", "NODE",
@@ -73,7 +72,11 @@ std::vector<TOptionGroup> TImportStructure::Options() {
       Shared.General()};
 }
 
-void TImportStructure::CheckOptions() { FJob.CheckSettings(); }
+void TImportStructure::CheckOptions() {
+  if (FType == 0) throw EUsage("--type 0 is no type to load a structure as");
+  if (FType != AnyType) FJob.ObjectType = FType;
+  FJob.CheckSettings();
+}
 
 std::string_view TImportStructure::Remedy(TPolicy Policy) const {
   if (Policy != TPolicy::ExistingStructures) return TCommand::Remedy(Policy);

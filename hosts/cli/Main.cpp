@@ -59,7 +59,7 @@ int RunReported(TCommand& Command, TConsole& Console) {
   } catch (const EUsage&) {
     throw;
   } catch (const ESettingsError& Error) {
-    throw EUsage(WithOptionNames(Error.Text()));
+    throw EUsage(Error.Worded(&OptionOf));
   } catch (const EAbort& Abort) {
     return Report(Abort.what(), ExitCancelled);
   } catch (const std::exception& Error) {

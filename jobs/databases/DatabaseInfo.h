@@ -9,13 +9,14 @@ class TJobDatabaseInfo final : public TJob {
  public:
   const TDatabaseInfo& Info() const { return FInfo; }
   /// As messages name the database.
-  std::string Database() const { return DatabaseText(); }
+  const std::string& Database() const { return DatabaseText(); }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
 
  protected:
   void Run() override { FInfo = Manager().DatabaseInfo(DatabaseName); }
+  void Forget() override { FInfo = {}; }
   TDocument Document() const override;
 
  private:

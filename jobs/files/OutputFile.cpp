@@ -22,10 +22,11 @@ constexpr char CommentMark = ';';
 
 }  // namespace
 
-TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, TComplain Complain)
+TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TComplain Complain)
     : FFiles(Files), FComplain(std::move(Complain)), FName(Name) {
   if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(FFiles);
   FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : FFiles);
+  FFile->SetStrictText(StrictText);
   FFile->SetFileName(Name == "-" ? "standard output" : Name);
   if (FSpool)
     FFile->Open();

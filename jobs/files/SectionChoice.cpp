@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "jobs/report/Wording.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -83,6 +83,7 @@ std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {
   Source.Stream().SetPosition(Section.DataPosition);
   TEIStream Body(Source.Stream(), Section.DataSize);
   Body.SetEncoding(Section.Encoding());
+  Body.SetStrictText(Source.StrictText());
   try {
     return dynamic_cast<TEICommonTableData&>(*Source.CreateEIObject(Index)).ReadFieldNames(Body);
   } catch (const Exception&) {

@@ -6,10 +6,22 @@ namespace velkrund {
 
 namespace {
 
-std::string WithoutBraces(std::string Text) {
-  std::erase_if(Text, [](char C) { return C == '{' || C == '}'; });
-  return Text;
+// Around the names of properties; no text of a person has them.
+constexpr char Opening = '\x1E', Closing = '\x1F';
+
+std::string WithNames(std::string_view Text, const std::function<std::string(std::string_view)>& NameOf) {
+  std::string Result;
+  for (std::size_t Open = Text.find(Opening); Open != std::string_view::npos; Open = Text.find(Opening)) {
+    const std::size_t Close = Text.find(Closing, Open);
+    if (Close == std::string_view::npos) break;
+    Result += Text.substr(0, Open);
+    Result += NameOf(Text.substr(Open + 1, Close - Open - 1));
+    Text.remove_prefix(Close + 1);
+  }
+  return Result += Text;
 }
+
+std::string SameName(std::string_view Property) { return std::string(Property); }
 
 }  // namespace
 
@@ -34,6 +46,12 @@ EPolicyUnanswered::EPolicyUnanswered(TPolicy Policy, const std::string& Stakes)
       FPolicy(Policy),
       FStakes(Stakes) {}
 
-ESettingsError::ESettingsError(const std::string& Text) : Exception(WithoutBraces(Text)), FText(Text) {}
+std::string Setting(std::string_view Property) { return Opening + std::string(Property) + Closing; }
+
+ESettingsError::ESettingsError(const std::string& Text) : Exception(WithNames(Text, &SameName)), FText(Text) {}
+
+std::string ESettingsError::Worded(const std::function<std::string(std::string_view Property)>& NameOf) const {
+  return WithNames(FText, NameOf);
+}
 
 }  // namespace velkrund

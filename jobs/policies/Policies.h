@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <string>
 #include <string_view>
 
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -54,14 +56,18 @@ class EPolicyUnanswered final : public EQuestionUnanswered {
 /// How to decide by properties: "Set ExistingRows to replace or append".
 std::string_view Remedy(TPolicy Policy);
 
-/// Settings of a job that contradict each other, or what they meet. The message names them by their properties, in
-/// braces in Text, which hosts replace by what people set there.
+/// The name of a property as it stands in the text of an ESettingsError, where hosts find it.
+std::string Setting(std::string_view Property);
+
+/// Settings of a job that contradict each other, or what they meet. The message names them by their properties; hosts
+/// can put what people set there in their place.
 class ESettingsError final : public Exception {
  public:
-  /// Text: "{TableName} names one table, but 2 sections are to be loaded".
+  /// Text: Setting("TableName") + " names one table, but 2 sections are to be loaded".
   explicit ESettingsError(const std::string& Text);
   const char* ClassName() const noexcept override { return "ESettingsError"; }
-  const std::string& Text() const { return FText; }
+  /// The message with a host's own names.
+  std::string Worded(const std::function<std::string(std::string_view Property)>& NameOf) const;
 
  private:
   std::string FText;

@@ -44,7 +44,11 @@ bool CanAsk() { return Windows().CanAsk(); }
 TAnswer Ask(const TQuestion& Question) {
   if (!CanAsk()) throw EPolicyUnanswered(Question.Policy, Question.Text);
   TQuestionForm Form(Question);
-  Synchronize([&Form] { Form.ShowModal(); });
+  try {
+    Synchronize([&Form] { Form.ShowModal(); });
+  } catch (const EQuestionUnanswered&) {
+    throw EPolicyUnanswered(Question.Policy, Question.Text);
+  }
   if (Form.Answer() == TAnswer::Cancel) throw EAbort("Cancelled at a question");
   return Form.Answer();
 }

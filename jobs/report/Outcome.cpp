@@ -108,7 +108,7 @@ TDocument TOutcome::Document() const {
   TDocument Result;
   Result.Set("command", Command).Set("database", Database).Set("file", File);
   Result.Set("exitCode", static_cast<int>(End())).Set("sections", std::move(Sections)).Set("notes", Notes);
-  if (!Error.empty()) Result.Set("error", Error);
+  if (const std::string& Text = Error.empty() ? EndedBy : Error; !Text.empty()) Result.Set("error", Text);
   Result.Set("rows", All.Rows.value_or(0)).Set("bytes", All.Bytes).Set("seconds", All.Seconds);
   return Result;
 }

@@ -14,7 +14,7 @@
 namespace velkrund {
 
 /// How a run ended. The numbers are those of programs that run jobs, and stand in documents.
-enum class TEnd : int { Done = 0, Failed = 1, Cancelled = 3 };
+enum class TEnd : int { Done = 0, Failed = 1, WrongSettings = 2, Cancelled = 3 };
 
 enum class TItemState {
   Done,
@@ -71,6 +71,7 @@ struct TOutcome {
   std::vector<std::string> Notes = {};  // about the run as a whole
   std::string Error = {};               // what ended the run besides the items
   std::string Cancelled = {};           // the same
+  std::string EndedBy = {};             // the error of an item that ended the run
   std::exception_ptr FirstError = {};   // of the run or of an item
 
   /// Enters an error of an item, which fails, or of the run.

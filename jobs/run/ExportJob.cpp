@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <map>
 
-#include "jobs/report/Wording.h"
 #include "jobs/run/ItemAccount.h"
 #include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -28,10 +28,12 @@ constexpr TProperty Properties[] = {
 constinit const TPropertyTable ExportJobProperties{&SectionsJobProperties, Properties};
 
 void TExportJob::CheckSettings() const {
+  Require(FileName, "FileName");
   if (Encoding == TKvEncoding::Utf8 && ReleaseVersion == TExportReleaseVersion::rv17)
-    throw ESettingsError("{Encoding} utf8 does not go with {ReleaseVersion} rv17, whose readers know ansi only");
+    throw ESettingsError(Format("%s utf8 does not go with %s rv17, whose readers know ansi only", Setting("Encoding"),
+                                Setting("ReleaseVersion")));
   if (Several() && !SectionName.empty())
-    throw ESettingsError(Format("{SectionName} names one section, but several %ss are exported", FKind));
+    throw ESettingsError(Format("%s names one section, but several %ss are exported", Setting("SectionName"), FKind));
 }
 
 void TExportJob::Run() {
@@ -40,12 +42,12 @@ void TExportJob::Run() {
   FOutcome.Items = Plan();
   FReplaced.clear();
   FSteps.assign(FOutcome.Items.size(), {});
-  FOutput = std::make_unique<TOutputFile>(Files(), FileName, [this](const std::string& Text) { Complain(Text); });
+  FOutput = std::make_unique<TOutputFile>(Files(), FileName, !Policies.AllowLoss,
+                                          [this](const std::string& Text) { Complain(Text); });
   struct TCloser {
     std::unique_ptr<TOutputFile>& Output;
     ~TCloser() { Output.reset(); }
   } const Closer{FOutput};
-  FOutput->File().SetStrictText(!Policies.AllowLoss);
   Settle();
   Write();
   Finish();

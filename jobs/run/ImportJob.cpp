@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "jobs/files/StrayMarkers.h"
-#include "jobs/report/Wording.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -45,7 +45,8 @@ void TImportJob::Run() {
     }
   } const Closer{*this};
   for (const auto& Input : FInputs->Inputs()) LookAt(*Input);
-  for (const auto& [Role, Part] : FParts) Part->Settle(FOutcome);
+  // Rows first: they are what can be lost.
+  for (auto Part = FParts.rbegin(); Part != FParts.rend(); ++Part) Part->second->Settle(FOutcome);
   CheckEmptying();
   Import();
 }
@@ -88,16 +89,14 @@ void TImportJob::Add(TInputFile& Input, int Index) {
   FSteps.emplace(TPlace(Input.Name(), Section.Position), Step);
 }
 
-/// What the tables' loading would refuse, before structures are changed that come first.
+/// What the loading of the tables would refuse, before anything is changed.
 void TImportJob::CheckEmptying() const {
   std::vector<TLoadTarget> Targets;
-  bool OnlyTables = true;
   for (const auto& [Place, Step] : FSteps) {
-    OnlyTables = OnlyTables && Step.IsTable;
     if (FOutcome.Items[Step.Number].State == TItemState::LeftOut || !Step.Part) continue;
     if (std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number)) Targets.push_back(std::move(*Target));
   }
-  if (!OnlyTables && !Targets.empty() && Relations()) Relations()->Load(DatabaseName, Targets);
+  if (!Targets.empty() && Relations()) Relations()->Load(DatabaseName, Targets);
 }
 
 std::int64_t TImportJob::Bytes(bool OfTables) const {
@@ -123,9 +122,12 @@ void TImportJob::Import() {
   int Result = 0;
   try {
     Result = Operation.Execute();
-  } catch (const std::exception&) {
-    // What the run ends with after the failure of an item is told with the item.
-    if (!FStopped) FOutcome.Fail(std::current_exception());
+  } catch (const std::exception& Error) {
+    // What the run ends with after the failure of an item has been told with the item.
+    if (FStopped)
+      FOutcome.EndedBy = ErrorText(Error);
+    else
+      FOutcome.Fail(std::current_exception());
     FStopped = true;
   }
   EndPart();
@@ -202,7 +204,8 @@ void TImportJob::Fail(TItem& Item, const std::exception& Error) {
     return;
   }
   FOutcome.Fail(Item, std::current_exception());
-  Fault(Item.Note);
+  // Without a listener it stands in the log that the operation writes.
+  if (Listener) Fault(Item.Note);
 }
 
 std::optional<bool> TImportJob::GoOn(const std::exception&) {
@@ -211,7 +214,7 @@ std::optional<bool> TImportJob::GoOn(const std::exception&) {
 }
 
 bool TImportJob::MayGoOn() {
-  if (!FOutcome.Any(TItemState::NotReached) && FUnreadable.empty()) return true;
+  if (IsLast()) return true;
   try {
     return FErrors->GoOn(Manager().LString("M_Velkrund_DSPUtils_ContinueImport"));
   } catch (const EPolicyUnanswered& Unanswered) {
@@ -221,6 +224,13 @@ bool TImportJob::MayGoOn() {
     FOutcome.Cancelled = Abort.what();
     throw;
   }
+}
+
+/// Whether nothing is left to go on with. What structures describe is made last.
+bool TImportJob::IsLast() const {
+  const bool HasStructures =
+      std::any_of(FSteps.begin(), FSteps.end(), [](const auto& Step) { return !Step.second.IsTable; });
+  return !FOutcome.Any(TItemState::NotReached) && FUnreadable.empty() && !(HasStructures && MakesObjects());
 }
 
 void TImportJob::TakenBack(const std::exception*) {

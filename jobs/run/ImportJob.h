@@ -77,6 +77,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TItem& Item, const std::exception& Error);
   bool MayGoOn();
+  bool IsLast() const;
 
   // TImportFileObserver
   TEIFile* OpenedFile(const std::string& FileName) override;

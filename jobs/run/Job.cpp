@@ -33,6 +33,7 @@ int TJob::Execute() {
   FRaised = nullptr;
   SetParts(1);
   try {
+    Forget();
     CheckSettings();
     if (NeedsDatabase()) CheckDatabaseName();
     const TCancelWhileWaiting Waiting(Manager().Databases(), Canceled());
@@ -41,6 +42,10 @@ int TJob::Execute() {
     FRaised = std::current_exception();
     FEnd = TEnd::Cancelled;
     return 0;
+  } catch (const ESettingsError&) {
+    FRaised = std::current_exception();
+    FEnd = TEnd::WrongSettings;
+    throw;
   } catch (...) {
     FRaised = std::current_exception();
     FEnd = TEnd::Failed;
@@ -73,7 +78,11 @@ TStandaloneManager& TJob::Manager() const {
 
 TFileSystem& TJob::Files() const { return BaseMng().Files(); }
 
-std::string TJob::DatabaseText() const {
+void TJob::Require(const std::string& Value, std::string_view Property) {
+  if (Value.empty()) throw ESettingsError(Setting(Property) + " is missing");
+}
+
+std::string TJob::TextOfDatabase() const {
   const TConfiguration& Configuration = Manager().Configuration();
   const std::string& Meant = DatabaseName.empty() ? Configuration.DefaultDatabase : DatabaseName;
   const auto Entry = Configuration.Databases.find(Meant);
@@ -81,15 +90,17 @@ std::string TJob::DatabaseText() const {
   return Meant + " (" + WithoutSecrets(Entry->second.Url) + ")";
 }
 
-void TJob::CheckDatabaseName() const {
+void TJob::CheckDatabaseName() {
   const TConfiguration& Configuration = Manager().Configuration();
   if (DatabaseName.empty() && Configuration.DefaultDatabase.empty())
-    throw ESettingsError("{DatabaseName} is missing, and the configuration has no default database");
+    throw ESettingsError(
+        Format("%s is missing, and the configuration has no default database", Setting("DatabaseName")));
   // The most likely slip: the file alone.
   const bool IsKnown = DatabaseName.empty() || Configuration.Databases.contains(DatabaseName);
   if (!IsKnown && !ParseDatabaseUrl(DatabaseName) && Files().Exists(DatabaseName))
     throw ESettingsError(Format("'%s' is a file; the address of a database file begins with its kind: sqlite:%s",
                                 DatabaseName, DatabaseName));
+  FDatabaseText = TextOfDatabase();
 }
 
 void TJob::SetParts(std::size_t Count) {

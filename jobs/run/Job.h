@@ -27,13 +27,16 @@ class TJob : public TDatabaseUtilOperation {
   TEnd End() const { return FEnd; }
   /// The error that ended the last run before it came to its end, EAbort included; null otherwise.
   const std::exception_ptr& Raised() const { return FRaised; }
-  /// The document about the last run; empty before the first.
+  /// The document about the last run; empty before the first. Raises an error where the result is none that a document
+  /// can hold.
   std::string Report() const;
 
   TJobListener* Listener = nullptr;  // borrowed; null: progress and log of the operation
 
  protected:
   virtual void Run() = 0;
+  /// Drops the result of the run before.
+  virtual void Forget() = 0;
   /// Whether DatabaseName has to mean a database.
   virtual bool NeedsDatabase() const { return true; }
   /// What became of it, when Run has returned.
@@ -44,8 +47,11 @@ class TJob : public TDatabaseUtilOperation {
 
   TStandaloneManager& Manager() const;
   TFileSystem& Files() const;
-  /// What people may see of the database: its name, and the address behind it, without passwords.
-  std::string DatabaseText() const;
+  /// What people may see of the database of this run, or of the last one: its name, and the address behind it, without
+  /// passwords.
+  const std::string& DatabaseText() const { return FDatabaseText; }
+  /// Raises ESettingsError for a setting that has to be there and is empty.
+  static void Require(const std::string& Value, std::string_view Property);
   /// Polled by what is no operation.
   std::function<bool()> Canceled() const {
     return [this] { return IsCanceled(); };
@@ -62,8 +68,10 @@ class TJob : public TDatabaseUtilOperation {
   void Complain(const std::string& Text) const;
 
  private:
-  void CheckDatabaseName() const;
+  void CheckDatabaseName();
+  std::string TextOfDatabase() const;
 
+  std::string FDatabaseText;
   TEnd FEnd = TEnd::Done;
   std::exception_ptr FRaised;
   bool FHasRun = false;
@@ -84,6 +92,7 @@ class TSectionsJob : public TPolicyJob {
  protected:
   TEnd Conclusion() const override { return FOutcome.End(); }
   std::exception_ptr Failure() const override;
+  void Forget() override { FOutcome = {}; }
   TDocument Document() const override { return FOutcome.Document(); }
 
   TOutcome FOutcome;

@@ -4,10 +4,10 @@
 
 #include "jobs/files/SectionChoice.h"
 #include "jobs/files/StrayMarkers.h"
-#include "jobs/report/Wording.h"
 #include "jobs/sections/SectionCheck.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -70,15 +70,18 @@ const char* CheckText(TItemState State) {
 }
 
 void TJobCheckFiles::CheckSettings() const {
-  if (FileNames.empty()) throw ESettingsError("{FileNames} names no file");
+  if (FileNames.empty()) throw ESettingsError(Format("%s names no file", Setting("FileNames")));
   if (std::count(FileNames.begin(), FileNames.end(), "-") > 1)
     throw ESettingsError("standard input can be read only once");
 }
 
-void TJobCheckFiles::Run() {
+void TJobCheckFiles::Forget() {
   FChecked.clear();
   FTotals = {};
   FFirstFault.clear();
+}
+
+void TJobCheckFiles::Run() {
   SetParts(FileNames.size());
   for (const std::string& Name : FileNames) {
     if (FTotals.Cancelled) break;

@@ -61,6 +61,7 @@ class TJobCheckFiles final : public TPolicyJob {
 
  protected:
   void Run() override;
+  void Forget() override;
   bool NeedsDatabase() const override { return false; }
   TEnd Conclusion() const override;
   std::exception_ptr Failure() const override;

@@ -27,10 +27,10 @@ constinit const TInterfaceDescriptor TThis::Interface =
     JobInterfaceDescriptor<TThis>("TJobImportFilesInterface", Table);
 
 void TJobImportFiles::CheckSettings() const {
-  if (FileNames.empty()) throw ESettingsError("{FileNames} names no file");
+  if (FileNames.empty()) throw ESettingsError(Format("%s names no file", Setting("FileNames")));
   std::set<std::string> Seen;
   for (const std::string& Name : FileNames)
-    if (!Seen.insert(Name).second) throw ESettingsError(Format("{FileNames} names '%s' twice", Name));
+    if (!Seen.insert(Name).second) throw ESettingsError(Format("%s names '%s' twice", Setting("FileNames"), Name));
 }
 
 TImportJob::TParts TJobImportFiles::MakeParts() {

@@ -43,9 +43,15 @@ constinit const TInterfaceDescriptor TThis::Interface =
 
 const char* EncodingText(TKvEncoding Encoding) { return Encoding == TKvEncoding::Utf8 ? "utf8" : "ansi"; }
 
-void TJobListSections::Run() {
+void TJobListSections::Forget() {
   FFound.clear();
+  FSize = 0;
+  FHasMalformed = false;
   FFault = nullptr;
+}
+
+void TJobListSections::Run() {
+  FFile = FileName;
   TInputFile Input(Files(), FileName, Canceled());
   Input.File().SetStrictText(false);  // a damaged name is to be seen, not to be refused
   try {
@@ -64,7 +70,7 @@ TDocument TJobListSections::Document() const {
   TDocument Sections = TDocument::List();
   for (std::size_t Index = 0; Index < FFound.size(); ++Index) Sections.Add(DocumentOf(FFound[Index], Index));
   TDocument Result;
-  Result.Set("file", FileName).Set("size", FSize).Set("sections", std::move(Sections));
+  Result.Set("file", FFile).Set("size", FSize).Set("sections", std::move(Sections));
   if (FFault) Result.Set("error", MessageOf(FFault));
   return Result;
 }

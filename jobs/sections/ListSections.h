@@ -34,17 +34,21 @@ class TJobListSections final : public TJob {
   /// Headers hold malformed characters, shown as U+FFFD.
   bool HasMalformed() const { return FHasMalformed; }
 
+  void CheckSettings() const override { Require(FileName, "FileName"); }
+
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
 
  protected:
   void Run() override;
+  void Forget() override;
   bool NeedsDatabase() const override { return false; }
   TEnd Conclusion() const override { return FFault ? TEnd::Failed : TEnd::Done; }
   std::exception_ptr Failure() const override { return FFault; }
   TDocument Document() const override;
 
  private:
+  std::string FFile;  // of the last run
   std::vector<TListedSection> FFound;
   std::int64_t FSize = 0;
   bool FHasMalformed = false;

@@ -6,8 +6,8 @@
 #include "jobs/files/SectionChoice.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/policies/Questions.h"
-#include "jobs/report/Wording.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -30,11 +30,13 @@ constinit const TInterfaceDescriptor TThis::Interface =
     JobInterfaceDescriptor<TThis>("TJobRemoveSectionsInterface", Table);
 
 void TJobRemoveSections::CheckSettings() const {
-  if (Indexes.empty() && Names.empty()) throw ESettingsError("say which sections: {Indexes} or {Names}");
+  Require(FileName, "FileName");
+  if (Indexes.empty() && Names.empty())
+    throw ESettingsError(Format("say which sections: %s or %s", Setting("Indexes"), Setting("Names")));
   const auto IsDigit = [](char C) { return C >= '0' && C <= '9'; };
   for (const std::string& Index : Indexes)
     if (Index.empty() || !std::all_of(Index.begin(), Index.end(), IsDigit))
-      throw ESettingsError(Format("'%s' is no index; sections are named with {Names}", Index));
+      throw ESettingsError(Format("'%s' is no index; sections are named with %s", Index, Setting("Names")));
   if (IsPipe(FileName))
     throw ESettingsError(Format("'%s' is a pipe: there is nothing to take a section out of", FileName));
 }
@@ -57,8 +59,13 @@ std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
   return Result;
 }
 
-void TJobRemoveSections::Run() {
+void TJobRemoveSections::Forget() {
   FRemoved.clear();
+  FLeft = 0;
+}
+
+void TJobRemoveSections::Run() {
+  FFile = FileName;
   TEIFile File(Files());
   File.SetStrictText(false);  // texts are not touched
   File.SetFileName(FileName);
@@ -80,7 +87,7 @@ TDocument TJobRemoveSections::Document() const {
     Removed.Add(std::move(Entry));
   }
   TDocument Result;
-  Result.Set("file", FileName).Set("removed", std::move(Removed)).Set("sectionsLeft", FLeft);
+  Result.Set("file", FFile).Set("removed", std::move(Removed)).Set("sectionsLeft", FLeft);
   return Result;
 }
 

@@ -33,12 +33,14 @@ class TJobRemoveSections final : public TPolicyJob {
 
  protected:
   void Run() override;
+  void Forget() override;
   bool NeedsDatabase() const override { return false; }
   TDocument Document() const override;
 
  private:
   std::set<int> Chosen(const TEISectionList& Sections) const;
 
+  std::string FFile;  // of the last run
   std::vector<TRemoved> FRemoved;
   int FLeft = 0;
 };

@@ -20,12 +20,18 @@ constinit const TInterfaceDescriptor TJobRepairFile::Interface =
     JobInterfaceDescriptor<TJobRepairFile>("TJobRepairFileInterface", Table);
 
 void TJobRepairFile::CheckSettings() const {
+  Require(FileName, "FileName");
   if (IsPipe(FileName)) throw ESettingsError(Format("'%s' is a pipe: there is nothing to cut off", FileName));
+}
+
+void TJobRepairFile::Run() {
+  FFile = FileName;
+  FRepair = RepairFile(Files(), FileName, Canceled());
 }
 
 TDocument TJobRepairFile::Document() const {
   TDocument Result;
-  Result.Set("file", FileName).Set("bytesCut", FRepair.Bytes).Set("sectionsLeft", FRepair.SectionsLeft);
+  Result.Set("file", FFile).Set("bytesCut", FRepair.Bytes).Set("sectionsLeft", FRepair.SectionsLeft);
   if (FRepair.Position >= 0) Result.Set("position", FRepair.Position).Set("cutFile", FRepair.CutFile);
   if (!FRepair.Fault.empty()) Result.Set("fault", FRepair.Fault);
   return Result;

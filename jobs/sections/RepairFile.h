@@ -20,11 +20,13 @@ class TJobRepairFile final : public TJob {
   static const TInterfaceDescriptor Interface;
 
  protected:
-  void Run() override { FRepair = RepairFile(Files(), FileName, Canceled()); }
+  void Run() override;
+  void Forget() override { FRepair = {}; }
   bool NeedsDatabase() const override { return false; }
   TDocument Document() const override;
 
  private:
+  std::string FFile;  // of the last run
   TSectionRepair FRepair;
 };
 

@@ -2,7 +2,6 @@
 
 #include <set>
 
-#include "jobs/structures/StructureSearch.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -13,7 +12,7 @@ using TThis = TJobExportStructures;
 
 constexpr TProperty Properties[] = {
     JobProperty<&TThis::Names>("Names", "the structures to save; empty: all, or all of the type"),
-    JobProperty<&TThis::ObjectType>("ObjectType", "their object type; 0: any"),
+    JobProperty<&TThis::ObjectType>("ObjectType", "their object type; -1: any"),
     JobProperty<&TThis::RootNode>("RootNode", "of one structure: only this node with all below it"),
 };
 
@@ -28,7 +27,8 @@ constinit const TInterfaceDescriptor TThis::Interface =
 void TJobExportStructures::CheckSettings() const {
   TExportJob::CheckSettings();
   if (Several() && !RootNode.empty())
-    throw ESettingsError("{RootNode} names a node of one structure, but several structures are exported");
+    throw ESettingsError(
+        Format("%s names a node of one structure, but several structures are exported", Setting("RootNode")));
 }
 
 /// The structures under their stored names, each once. A name that is none ends the run before anything is written.
@@ -50,7 +50,7 @@ std::vector<TItem> TJobExportStructures::Plan() {
   }
   if (Result.empty())
     FOutcome.Notes.push_back(
-        Format("there are no structures%s", ObjectType != 0 ? Format(" of type %d", ObjectType) : ""));
+        Format("there are no structures%s", ObjectType != AnyType ? Format(" of type %d", ObjectType) : ""));
   return Result;
 }
 

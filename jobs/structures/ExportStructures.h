@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "jobs/run/ExportJob.h"
+#include "jobs/structures/StructureSearch.h"
 #include "velkrund/dsp/DSPStructureOperations.h"
 
 namespace velkrund {
@@ -14,9 +15,9 @@ class TJobExportStructures final : public TExportJob {
  public:
   TJobExportStructures() : TExportJob("structure", TSectionRole::Structure, "bytes") {}
 
-  std::vector<std::string> Names;  // none: all structures, or all of the type
-  std::int32_t ObjectType = 0;     // 0: any; a name that structures of several types have is an error then
-  std::string RootNode;            // of one structure: only this node with all below it
+  std::vector<std::string> Names;     // none: all structures, or all of the type
+  std::int32_t ObjectType = AnyType;  // a name that structures of several types have is an error then
+  std::string RootNode;               // of one structure: only this node with all below it
 
   void CheckSettings() const override;
 

@@ -36,9 +36,13 @@ constinit const TInterfaceDescriptor TThis::Interface =
     JobInterfaceDescriptor<TThis>("TJobImportStructuresInterface", Table);
 
 void TJobImportStructures::CheckSettings() const {
-  if (!ClearRoot && Existing() != TExisting::Replace)
+  Require(FileName, "FileName");
+  if (Merge && Policies.ExistingStructures != TExisting::Ask)
     throw ESettingsError(
-        "{ClearRoot} goes with {ExistingStructures} or {Merge}, which say that structures are replaced");
+        Format("%s and %s contradict each other: give one of them", Setting("Merge"), Setting("ExistingStructures")));
+  if (!ClearRoot && Existing() != TExisting::Replace)
+    throw ESettingsError(Format("%s goes with %s or %s, which say that structures are replaced", Setting("ClearRoot"),
+                                Setting("ExistingStructures"), Setting("Merge")));
 }
 
 TImportJob::TParts TJobImportStructures::MakeParts() {
@@ -56,10 +60,9 @@ std::vector<int> TJobImportStructures::Choose(TInputFile& Input, const std::vect
   const TSectionChoice Choice{TSectionRole::Structure, "structure", Sections, Input.Name(), Hidden};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && (ObjectType != 0 || !ObjectName.empty() || !RootNode.empty()))
-    throw ESettingsError(Format(
-        "{ObjectType}, {ObjectName} and {RootNode} are for one section, but %d are to be loaded: choose one with "
-        "{Sections}",
-        Result.size()));
+    throw ESettingsError(Format("%s, %s and %s are for one section, but %d are to be loaded: choose one with %s",
+                                Setting("ObjectType"), Setting("ObjectName"), Setting("RootNode"), Result.size(),
+                                Setting("Sections")));
   return Result;
 }
 

@@ -1,7 +1,6 @@
 #include "jobs/structures/StoredStructures.h"
 
 #include "jobs/policies/Questions.h"
-#include "jobs/structures/StructureSearch.h"
 #include "jobs/structures/TreeText.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -14,7 +13,7 @@ namespace {
 template <typename TJobClass>
 constexpr TProperty ChoiceProperties[] = {
     JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectName>("ObjectName", "the structure's name, in any case"),
-    JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; 0: any"),
+    JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; -1: any"),
 };
 
 constinit const TPropertyTable ListTable{&JobProperties, ChoiceProperties<TJobListStructures>};
@@ -56,8 +55,12 @@ TDocument TJobListStructures::Document() const {
   return Result;
 }
 
-void TJobShowStructure::Run() {
+void TJobShowStructure::Forget() {
+  FFound = {};
   FForm.reset();
+}
+
+void TJobShowStructure::Run() {
   FFound =
       TStructureSearch(DSPContainer().Table(DatabaseName), DatabaseText()).Find(Choice.ObjectName, Choice.ObjectType);
   FForm = DSPContainer().CreateFormManager(DatabaseName);
@@ -68,7 +71,7 @@ void TJobShowStructure::Run() {
         Format("The tree of the structure '%s' of type %d can not be loaded", FFound.ObjectName, FFound.ObjectType));
 }
 
-void TJobShowStructure::WriteTree(const std::function<void(std::string_view Lines)>& Write) const {
+void TJobShowStructure::WriteTree(const std::function<void(std::string_view Lines)>& Write) {
   if (FForm) WriteTreeText(FForm->Root(), Write);
 }
 

@@ -8,14 +8,15 @@
 #include <vector>
 
 #include "jobs/run/JobInterface.h"
+#include "jobs/structures/StructureSearch.h"
 #include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
 
-/// Which stored structures a job is about: ObjectType 0 is any, an empty ObjectName too. Names are found ignoring case.
+/// Which stored structures a job is about: of AnyType, of any name where it is empty. Names are found ignoring case.
 struct TStructureChoice {
   std::string ObjectName;
-  std::int32_t ObjectType = 0;
+  std::int32_t ObjectType = AnyType;
 };
 
 /// Lists the stored structures of a database, by type, then by name.
@@ -29,6 +30,7 @@ class TJobListStructures final : public TJob {
 
  protected:
   void Run() override;
+  void Forget() override { FFound.clear(); }
   TDocument Document() const override;
 
  private:
@@ -40,14 +42,17 @@ class TJobShowStructure final : public TJob {
  public:
   TStructureChoice Choice;
   const TDSPListItem& Found() const { return FFound; }
+
+  void CheckSettings() const override { Require(Choice.ObjectName, "ObjectName"); }
   /// The tree of the last run, in lines for people.
-  void WriteTree(const std::function<void(std::string_view Lines)>& Write) const;
+  void WriteTree(const std::function<void(std::string_view Lines)>& Write);
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
 
  protected:
   void Run() override;
+  void Forget() override;
   TDocument Document() const override;
 
  private:
@@ -59,6 +64,8 @@ class TJobShowStructure final : public TJob {
 class TJobDropStructure final : public TPolicyJob {
  public:
   TStructureChoice Choice;
+  void CheckSettings() const override { Require(Choice.ObjectName, "ObjectName"); }
+
   /// "the structure 'CLIENTS' of type 12".
   std::string WhatWasDropped() const;
 
@@ -67,6 +74,7 @@ class TJobDropStructure final : public TPolicyJob {
 
  protected:
   void Run() override;
+  void Forget() override { FFound = {}; }
   TDocument Document() const override;
 
  private:

@@ -1,11 +1,11 @@
 #include "jobs/structures/StructureImport.h"
 
 #include "jobs/policies/Questions.h"
-#include "jobs/report/Wording.h"
 #include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 

@@ -2,9 +2,9 @@
 
 #include "jobs/policies/Policies.h"
 #include "jobs/report/StructureId.h"
-#include "jobs/report/Wording.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -22,12 +22,12 @@ TDSPListItem TStructureSearch::FindOfAnyType(const std::string& Name) {
   if (std::next(First) == End) return First->second;
   std::vector<std::string> Types;
   for (auto Found = First; Found != End; ++Found) Types.push_back(TypeText(Found->second.ObjectType));
-  throw ESettingsError(
-      Format("There are structures '%s' of several types: choose with {ObjectType} (%s)", Name, Joined(Types)));
+  throw ESettingsError(Format("There are structures '%s' of several types: choose with %s (%s)", Name,
+                              Setting("ObjectType"), Joined(Types)));
 }
 
 TDSPListItem TStructureSearch::Find(const std::string& Name, std::int32_t Type) {
-  if (Type == 0) return FindOfAnyType(Name);
+  if (Type == AnyType) return FindOfAnyType(Name);
   std::optional<TDSPListItem> Item = FTable.GetStructureProperties(Name, Type);
   if (!Item) Missing(Format("structure '%s' of type %d", Name, Type));
   return *Item;
@@ -36,7 +36,7 @@ TDSPListItem TStructureSearch::Find(const std::string& Name, std::int32_t Type) 
 std::vector<TDSPListItem> StructuresLike(TDSPTable& Table, std::int32_t Type, const std::string& Name) {
   std::vector<TDSPListItem> Result;
   for (const TDSPListItem& Item : Table.List())
-    if ((Type == 0 || Item.ObjectType == Type) && (Name.empty() || SameText(Item.ObjectName, Name)))
+    if ((Type == AnyType || Item.ObjectType == Type) && (Name.empty() || SameText(Item.ObjectName, Name)))
       Result.push_back(Item);
   return Result;
 }

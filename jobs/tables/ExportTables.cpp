@@ -2,9 +2,9 @@
 
 #include <set>
 
-#include "jobs/report/Wording.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -28,7 +28,7 @@ constinit const TInterfaceDescriptor TThis::Interface =
 void TJobExportTables::CheckSettings() const {
   TExportJob::CheckSettings();
   if (Several() && !Fields.empty())
-    throw ESettingsError("{Fields} names fields of one table, but several tables are exported");
+    throw ESettingsError(Format("%s names fields of one table, but several tables are exported", Setting("Fields")));
 }
 
 std::vector<std::string> TJobExportTables::AllTables() {

@@ -40,8 +40,8 @@ std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<s
   const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name(), Hidden};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && !TableName.empty())
-    throw ESettingsError(Format(
-        "{TableName} names one table, but %d sections are to be loaded: choose one with {Sections}", Result.size()));
+    throw ESettingsError(Format("%s names one table, but %d sections are to be loaded: choose one with %s",
+                                Setting("TableName"), Result.size(), Setting("Sections")));
   return Result;
 }
 

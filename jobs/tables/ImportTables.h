@@ -18,6 +18,8 @@ class TJobImportTables final : public TImportJob {
   std::string TableName;              // for one section: the table to load; empty: the one that the section names
   std::vector<std::string> Fields;    // the only ones to load; none: all
 
+  void CheckSettings() const override { Require(FileName, "FileName"); }
+
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
 

@@ -4,12 +4,12 @@
 
 #include "jobs/files/SectionChoice.h"
 #include "jobs/policies/Questions.h"
-#include "jobs/report/Wording.h"
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/eif/EIErrors.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 

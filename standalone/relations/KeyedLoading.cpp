@@ -6,16 +6,9 @@
 #include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
-
-namespace {
-
-std::string Counted(std::int64_t Count, std::string_view Noun) {
-  return Format("%d %s%s", Count, Noun, Count == 1 ? "" : "s");
-}
-
-}  // namespace
 
 TKeyedLoading::TKeyedLoading(TStandaloneManager& Manager, std::string DatabaseName,
                              const std::vector<TLoadTarget>& Targets)

@@ -44,18 +44,9 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
   return "--yes";
 }
 
-std::string WithOptionNames(std::string_view Text) {
-  std::string Result;
-  for (std::size_t Open = Text.find('{'); Open != std::string_view::npos; Open = Text.find('{')) {
-    const std::size_t Close = Text.find('}', Open);
-    if (Close == std::string_view::npos) break;
-    const std::string_view Setting = Text.substr(Open + 1, Close - Open - 1);
-    const auto Option = OptionNames.find(Setting);
-    Result += Text.substr(0, Open);
-    Result += Option == OptionNames.end() ? Setting : Option->second;
-    Text.remove_prefix(Close + 1);
-  }
-  return Result += Text;
+std::string OptionOf(std::string_view Property) {
+  const auto Option = OptionNames.find(Property);
+  return std::string(Option == OptionNames.end() ? Property : Option->second);
 }
 
 }  // namespace velkrund

@@ -55,8 +55,8 @@ class TCommand {
   TSharedOptions Shared;
 };
 
-/// A text about settings of a job, which stand in braces, by the names of options.
-std::string WithOptionNames(std::string_view Text);
+/// The option by which people give a job's property; its own name where there is none.
+std::string OptionOf(std::string_view Property);
 
 /// A command and the options that it declared: what texts about it are made from.
 struct TDeclaredCommand {

@@ -175,9 +175,8 @@ class TParser {
       if (!Option.Choices.empty() &&
           std::find(Option.Choices.begin(), Option.Choices.end(), Value) == Option.Choices.end())
         Refuse(Format("%s takes %s, not '%s'", Option.Name(), Option.Value, Value));
-      const std::optional<std::int32_t> Number = Option.IsNumber ? StrToInt32(Value) : std::nullopt;
-      if (Option.IsNumber && !Number) Refuse(Format("%s takes a whole number, not '%s'", Option.Name(), Value));
-      if (Number == 0) Refuse(Format("%s 0 is no type of structures", Option.Name()));
+      if (Option.IsNumber && !StrToInt32(Value))
+        Refuse(Format("%s takes a whole number, not '%s'", Option.Name(), Value));
       if (!Option.IsSwitch() && Value.empty()) Refuse(Format("%s needs a value that is not empty", Option.Name()));
     }
     try {
@@ -185,7 +184,7 @@ class TParser {
     } catch (const EUsage& Error) {
       Refuse(Error.what());
     } catch (const ESettingsError& Error) {
-      Refuse(WithOptionNames(Error.Text()));
+      Refuse(Error.Worded(&OptionOf));
     }
     return Parsed;
   }

@@ -17,7 +17,7 @@ struct TOption {
   std::vector<std::string> Choices = {};                            // the only values; empty: any
   bool Repeatable = false;
   bool Required = false;
-  bool IsNumber = false;                  // only whole numbers of 32 bits but 0
+  bool IsNumber = false;                  // only whole numbers of 32 bits
   std::vector<std::string> NotWith = {};  // names of options that contradict this one
 
   /// The name to use in messages: the long one where there is one.
@@ -35,7 +35,7 @@ struct TOptionGroup {
 
 TOption Switch(std::string Names, std::string Help, bool& Target);
 TOption Text(std::string Names, std::string Value, std::string Help, std::string& Target);
-/// The number of a type of structures: any whole number but 0, which stands for none.
+/// A whole number.
 TOption Number(std::string Names, std::string Value, std::string Help, std::int32_t& Target);
 /// May be given several times.
 TOption List(std::string Names, std::string Value, std::string Help, std::vector<std::string>& Target);

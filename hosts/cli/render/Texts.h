@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "jobs/report/Wording.h"
 #include "standalone/windows/terminal/TerminalText.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 

@@ -40,9 +40,11 @@ int TMessageBoxWindows::ShowModal(TForm& Form) {
     return Answer ? mrOk : NobodyAtTheScreen().ShowModal(Form);
   }
   TLButton* const Yes = FirstOf(Form, {"YesButton", "RewriteButton", "OverwriteButton"});
-  TLButton* const No = FirstOf(Form, {"NoButton", "SkipButton"});
+  TLButton* const Cancel = FirstOf(Form, {"CancelButton"});
+  TLButton* No = FirstOf(Form, {"NoButton", "SkipButton"});
+  if (!No) No = Cancel;
   if (!Yes || !No) return NobodyAtTheScreen().ShowModal(Form);
-  const std::string Text = Form.Message() + Legend(YesKey, *Yes) + Legend(NoKey, *No);
+  const std::string Text = Form.Message() + Legend(YesKey, *Yes) + (No == Cancel ? "" : Legend(NoKey, *No));
   switch (const int Answer = FShow(Text, Form.Caption, MB_YESNOCANCEL)) {
     case 0:
       return NobodyAtTheScreen().ShowModal(Form);
@@ -53,7 +55,7 @@ int TMessageBoxWindows::ShowModal(TForm& Form) {
       Form.Click(*No);
       break;
     case IDCANCEL:
-      if (TLButton* const Cancel = FirstOf(Form, {"CancelButton"}))
+      if (Cancel)
         Form.Click(*Cancel);
       else
         throw EAbort("Cancelled at a question");

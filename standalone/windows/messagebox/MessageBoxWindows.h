@@ -9,8 +9,9 @@
 namespace velkrund {
 
 /// Forms as message boxes of yes, no and cancel, for hosts that have nothing else. Yes is the button that does most of
-/// what the form offers (yes, replace, overwrite), no the one that leaves things alone (no, skip); where their captions
-/// say otherwise than yes and no, the text explains them. Buttons beside these, and check boxes, are not offered.
+/// what the form offers (yes, replace, overwrite), no the one that leaves things alone (no, skip, else cancel); where
+/// their captions say otherwise than yes and no, the text explains them. Buttons beside these, and check boxes, are not
+/// offered.
 class TMessageBoxWindows final : public TWindowSystem {
  public:
   /// Flags: MB_YESNOCANCEL, or MB_OK for what is no question. Returns the answer's code; 0: nobody can answer.

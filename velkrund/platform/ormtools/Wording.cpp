@@ -1,4 +1,4 @@
-#include "jobs/report/Wording.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 #include <algorithm>
 

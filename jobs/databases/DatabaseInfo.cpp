@@ -3,9 +3,9 @@
 namespace velkrund {
 
 constinit const TUtilOperationDescriptor TJobDatabaseInfo::Descriptor =
-    JobDescriptor<TJobDatabaseInfo>("TJobDatabaseInfo");
+    OperationDescriptor<TJobDatabaseInfo>("TJobDatabaseInfo");
 constinit const TInterfaceDescriptor TJobDatabaseInfo::Interface =
-    JobInterfaceDescriptor<TJobDatabaseInfo>("TJobDatabaseInfoInterface", JobProperties);
+    TJobInterface<TJobDatabaseInfo>::Describe("TJobDatabaseInfoInterface", {&JobProperties, {}});
 
 const char* KindText(TTableKind Kind) {
   switch (Kind) {

@@ -17,10 +17,10 @@ constexpr std::string_view Releases[] = {"rv17", "rv20"};
 constexpr std::string_view Encodings[] = {"default", "ansi", "utf8"};
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
-    JobProperty<&TExportJob::SectionName>("SectionName", "for one section: its name; empty: as the job names it"),
-    JobChoice<&TExportJob::ReleaseVersion>("ReleaseVersion", "release whose readers the file has to suit", Releases),
-    OptionalJobChoice<&TExportJob::Encoding>("Encoding", "of the sections; default: utf8, with rv17 ansi", Encodings),
+    PropertyOf<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
+    PropertyOf<&TExportJob::SectionName>("SectionName", "for one section: its name; empty: as the job names it"),
+    ChoiceOf<&TExportJob::ReleaseVersion>("ReleaseVersion", "release whose readers the file has to suit", Releases),
+    ChoiceOf<&TExportJob::Encoding>("Encoding", "of the sections; default: utf8, with rv17 ansi", Encodings),
 };
 
 }  // namespace

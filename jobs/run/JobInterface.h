@@ -1,22 +1,21 @@
 #pragma once
 
-#include <memory>
-
 #include "jobs/run/Job.h"
-#include "jobs/run/JobProperties.h"
+#include "velkrund/operations/OperationInterface.h"
+#include "velkrund/operations/PropertyAccess.h"
 
 namespace velkrund {
 
-/// The scriptable face of a job, the same for all: what a job has of its own stands in its property table. Makes the
-/// job and owns it.
+/// The scriptable face of a job, the same for all: what a job has of its own stands in its property table, and
+/// TJobClass::Interface describes it.
 template <typename TJobClass>
-class TJobInterface final : public TUtilOperationInterface {
+class TJobInterface final : public TOperationInterface<TJobInterface<TJobClass>, TJobClass> {
  public:
-  explicit TJobInterface(TRBaseManager* Manager = nullptr)
-      : TUtilOperationInterface(TUtilOperationClass(TJobClass::Descriptor), Manager) {}
-  TInterfaceClass ClassType() const override { return TInterfaceClass(TJobClass::Interface); }
+  using TOperationInterface<TJobInterface, TJobClass>::TOperationInterface;
 
-  TJobClass& Job() const { return static_cast<TJobClass&>(Operation()); }
+  TJobClass& Job() const { return this->Operation(); }
+
+  static constexpr const TInterfaceDescriptor& Descriptor = TJobClass::Interface;
 };
 
 // Properties that jobs share; the tables of single jobs begin with one of these.
@@ -24,20 +23,5 @@ class TJobInterface final : public TUtilOperationInterface {
 extern const TPropertyTable JobProperties;          // Report
 extern const TPropertyTable PolicyJobProperties;    // and the policies
 extern const TPropertyTable SectionsJobProperties;  // and the counts
-
-/// What a job class defines as its Descriptor. Name: "TJobExportTables".
-template <typename TJobClass>
-constexpr TUtilOperationDescriptor JobDescriptor(const char* Name) {
-  return {Name, nullptr, []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TJobClass>(); }};
-}
-
-/// What it defines as its Interface. Name: "TJobExportTablesInterface".
-template <typename TJobClass>
-constexpr TInterfaceDescriptor JobInterfaceDescriptor(const char* Name, const TPropertyTable& Properties) {
-  return {Name, &TUtilOperationInterface::Descriptor, &Properties,
-          [](TRBaseManager* Manager) -> std::unique_ptr<TUtilOperationInterface> {
-            return std::make_unique<TJobInterface<TJobClass>>(Manager);
-          }};
-}
 
 }  // namespace velkrund

@@ -16,13 +16,11 @@ namespace {
 using TThis = TJobCheckFiles;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::FileNames>("FileNames", "the files; - is standard input"),
-    JobCount<TThis, [](const TThis& Job) -> std::int64_t { return Job.Totals().Faults; }>(
+    PropertyOf<&TThis::FileNames>("FileNames", "the files; - is standard input"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Faults; }>(
         "Faults", "faulty or hidden sections, faulty headers and files of the last run"),
-    JobCount<TThis, [](const TThis& Job) { return Job.Totals().Rows; }>("Rows", "rows of the sections without a fault"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Rows; }>("Rows", "rows of the sections without a fault"),
 };
-
-constinit const TPropertyTable Table{&PolicyJobProperties, Properties};
 
 TDocument DocumentOf(const TCheckedSection& Section, std::size_t Index) {
   const TItem& Item = Section.Item;
@@ -50,8 +48,9 @@ TDocument DocumentOf(const TCheckedFile& File) {
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobCheckFiles");
-constinit const TInterfaceDescriptor TThis::Interface = JobInterfaceDescriptor<TThis>("TJobCheckFilesInterface", Table);
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobCheckFiles");
+constinit const TInterfaceDescriptor TThis::Interface =
+    TJobInterface<TThis>::Describe("TJobCheckFilesInterface", {&PolicyJobProperties, Properties});
 
 const char* CheckText(TItemState State) {
   switch (State) {

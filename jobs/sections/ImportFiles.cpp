@@ -14,17 +14,15 @@ namespace {
 using TThis = TJobImportFiles;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),
-    JobProperty<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
+    PropertyOf<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),
+    PropertyOf<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
 };
-
-constinit const TPropertyTable Table{&SectionsJobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobImportFiles");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobImportFiles");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobImportFilesInterface", Table);
+    TJobInterface<TThis>::Describe("TJobImportFilesInterface", {&SectionsJobProperties, Properties});
 
 void TJobImportFiles::CheckSettings() const {
   if (FileNames.empty()) throw ESettingsError(Format("%s names no file", Setting("FileNames")));

@@ -10,10 +10,8 @@ namespace {
 using TThis = TJobListSections;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::FileName>("FileName", "the file; - is standard input"),
+    PropertyOf<&TThis::FileName>("FileName", "the file; - is standard input"),
 };
-
-constinit const TPropertyTable Table{&JobProperties, Properties};
 
 TListedSection Listed(const TEISection& Section) {
   TListedSection Result{Section.Name(), std::string(Section.TypeName()), Section.Version(), Section.Encoding()};
@@ -37,9 +35,9 @@ TDocument DocumentOf(const TListedSection& Section, std::size_t Index) {
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobListSections");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobListSections");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobListSectionsInterface", Table);
+    TJobInterface<TThis>::Describe("TJobListSectionsInterface", {&JobProperties, Properties});
 
 const char* EncodingText(TKvEncoding Encoding) { return Encoding == TKvEncoding::Utf8 ? "utf8" : "ansi"; }
 

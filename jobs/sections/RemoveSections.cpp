@@ -16,18 +16,16 @@ namespace {
 using TThis = TJobRemoveSections;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::FileName>("FileName", "the file"),
-    JobProperty<&TThis::Indexes>("Indexes", "sections to remove, by index from 0"),
-    JobProperty<&TThis::Names>("Names", "sections to remove, by name"),
+    PropertyOf<&TThis::FileName>("FileName", "the file"),
+    PropertyOf<&TThis::Indexes>("Indexes", "sections to remove, by index from 0"),
+    PropertyOf<&TThis::Names>("Names", "sections to remove, by name"),
 };
-
-constinit const TPropertyTable Table{&PolicyJobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobRemoveSections");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobRemoveSections");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobRemoveSectionsInterface", Table);
+    TJobInterface<TThis>::Describe("TJobRemoveSectionsInterface", {&PolicyJobProperties, Properties});
 
 void TJobRemoveSections::CheckSettings() const {
   Require(FileName, "FileName");

@@ -8,16 +8,15 @@ namespace velkrund {
 namespace {
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TJobRepairFile::FileName>("FileName", "the file"),
+    PropertyOf<&TJobRepairFile::FileName>("FileName", "the file"),
 };
-
-constinit const TPropertyTable Table{&JobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TJobRepairFile::Descriptor = JobDescriptor<TJobRepairFile>("TJobRepairFile");
+constinit const TUtilOperationDescriptor TJobRepairFile::Descriptor =
+    OperationDescriptor<TJobRepairFile>("TJobRepairFile");
 constinit const TInterfaceDescriptor TJobRepairFile::Interface =
-    JobInterfaceDescriptor<TJobRepairFile>("TJobRepairFileInterface", Table);
+    TJobInterface<TJobRepairFile>::Describe("TJobRepairFileInterface", {&JobProperties, Properties});
 
 void TJobRepairFile::CheckSettings() const {
   Require(FileName, "FileName");

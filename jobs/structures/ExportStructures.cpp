@@ -11,18 +11,16 @@ namespace {
 using TThis = TJobExportStructures;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::Names>("Names", "the structures to save; empty: all, or all of the type"),
-    JobProperty<&TThis::ObjectType>("ObjectType", "their object type; -1: any"),
-    JobProperty<&TThis::RootNode>("RootNode", "of one structure: only this node with all below it"),
+    PropertyOf<&TThis::Names>("Names", "the structures to save; empty: all, or all of the type"),
+    PropertyOf<&TThis::ObjectType>("ObjectType", "their object type; -1: any"),
+    PropertyOf<&TThis::RootNode>("RootNode", "of one structure: only this node with all below it"),
 };
-
-constinit const TPropertyTable Table{&ExportJobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobExportStructures");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobExportStructures");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobExportStructuresInterface", Table);
+    TJobInterface<TThis>::Describe("TJobExportStructuresInterface", {&ExportJobProperties, Properties});
 
 void TJobExportStructures::CheckSettings() const {
   TExportJob::CheckSettings();

@@ -14,26 +14,23 @@ using enum TDSPImportOverwriteOptions;
 constexpr std::string_view MergeChoices[] = {"no", "skip", "replace", "difference"};
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::FileName>("FileName", "the file to read; - is standard input"),
-    JobProperty<&TThis::Sections>("Sections",
-                                  "names or indexes of the sections to load; empty: all structure sections"),
-    JobProperty<&TThis::ObjectName>("ObjectName", "for one section: the structure to load; empty: the one it names"),
-    JobProperty<&TThis::ObjectType>("ObjectType", "for one section: the type to load it as; 0: the one it names"),
-    JobProperty<&TThis::RootNode>("RootNode", "for one section: the node to load; empty: the one it names"),
-    OptionalJobChoice<&TThis::Merge>("Merge", "load into structures that are there, and what becomes of equal nodes",
-                                     MergeChoices),
-    JobProperty<&TThis::ClearRoot>("ClearRoot", "empty what is replaced first"),
-    JobProperty<&TThis::ChangeProperties>("ChangeProperties", "store table name, parent object and remarks too"),
-    JobProperty<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
+    PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
+    PropertyOf<&TThis::Sections>("Sections", "names or indexes of the sections to load; empty: all structure sections"),
+    PropertyOf<&TThis::ObjectName>("ObjectName", "for one section: the structure to load; empty: the one it names"),
+    PropertyOf<&TThis::ObjectType>("ObjectType", "for one section: the type to load it as; 0: the one it names"),
+    PropertyOf<&TThis::RootNode>("RootNode", "for one section: the node to load; empty: the one it names"),
+    ChoiceOf<&TThis::Merge>("Merge", "load into structures that are there, and what becomes of equal nodes",
+                            MergeChoices),
+    PropertyOf<&TThis::ClearRoot>("ClearRoot", "empty what is replaced first"),
+    PropertyOf<&TThis::ChangeProperties>("ChangeProperties", "store table name, parent object and remarks too"),
+    PropertyOf<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
 };
-
-constinit const TPropertyTable Table{&SectionsJobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobImportStructures");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobImportStructures");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobImportStructuresInterface", Table);
+    TJobInterface<TThis>::Describe("TJobImportStructuresInterface", {&SectionsJobProperties, Properties});
 
 void TJobImportStructures::CheckSettings() const {
   Require(FileName, "FileName");

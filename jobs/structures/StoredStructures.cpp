@@ -12,13 +12,9 @@ namespace {
 
 template <typename TJobClass>
 constexpr TProperty ChoiceProperties[] = {
-    JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectName>("ObjectName", "the structure's name, in any case"),
-    JobProperty<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; -1: any"),
+    PropertyOf<&TJobClass::Choice, &TStructureChoice::ObjectName>("ObjectName", "the structure's name, in any case"),
+    PropertyOf<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; -1: any"),
 };
-
-constinit const TPropertyTable ListTable{&JobProperties, ChoiceProperties<TJobListStructures>};
-constinit const TPropertyTable ShowTable{&JobProperties, ChoiceProperties<TJobShowStructure>};
-constinit const TPropertyTable DropTable{&PolicyJobProperties, ChoiceProperties<TJobDropStructure>};
 
 /// Everything about a structure but its tree.
 TDocument PropertiesDocument(const TDSPListItem& Item) {
@@ -31,17 +27,17 @@ TDocument PropertiesDocument(const TDSPListItem& Item) {
 }  // namespace
 
 constinit const TUtilOperationDescriptor TJobListStructures::Descriptor =
-    JobDescriptor<TJobListStructures>("TJobListStructures");
-constinit const TInterfaceDescriptor TJobListStructures::Interface =
-    JobInterfaceDescriptor<TJobListStructures>("TJobListStructuresInterface", ListTable);
+    OperationDescriptor<TJobListStructures>("TJobListStructures");
+constinit const TInterfaceDescriptor TJobListStructures::Interface = TJobInterface<TJobListStructures>::Describe(
+    "TJobListStructuresInterface", {&JobProperties, ChoiceProperties<TJobListStructures>});
 constinit const TUtilOperationDescriptor TJobShowStructure::Descriptor =
-    JobDescriptor<TJobShowStructure>("TJobShowStructure");
-constinit const TInterfaceDescriptor TJobShowStructure::Interface =
-    JobInterfaceDescriptor<TJobShowStructure>("TJobShowStructureInterface", ShowTable);
+    OperationDescriptor<TJobShowStructure>("TJobShowStructure");
+constinit const TInterfaceDescriptor TJobShowStructure::Interface = TJobInterface<TJobShowStructure>::Describe(
+    "TJobShowStructureInterface", {&JobProperties, ChoiceProperties<TJobShowStructure>});
 constinit const TUtilOperationDescriptor TJobDropStructure::Descriptor =
-    JobDescriptor<TJobDropStructure>("TJobDropStructure");
-constinit const TInterfaceDescriptor TJobDropStructure::Interface =
-    JobInterfaceDescriptor<TJobDropStructure>("TJobDropStructureInterface", DropTable);
+    OperationDescriptor<TJobDropStructure>("TJobDropStructure");
+constinit const TInterfaceDescriptor TJobDropStructure::Interface = TJobInterface<TJobDropStructure>::Describe(
+    "TJobDropStructureInterface", {&PolicyJobProperties, ChoiceProperties<TJobDropStructure>});
 
 void TJobListStructures::Run() {
   FFound = StructuresLike(DSPContainer().Table(DatabaseName), Choice.ObjectType, Choice.ObjectName);

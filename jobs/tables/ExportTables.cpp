@@ -13,17 +13,15 @@ namespace {
 using TThis = TJobExportTables;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::Tables>("Tables", "the tables to save; empty: all of the database"),
-    JobProperty<&TThis::Fields>("Fields", "for one table: the only fields to save; empty: all"),
+    PropertyOf<&TThis::Tables>("Tables", "the tables to save; empty: all of the database"),
+    PropertyOf<&TThis::Fields>("Fields", "for one table: the only fields to save; empty: all"),
 };
-
-constinit const TPropertyTable Table{&ExportJobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobExportTables");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobExportTables");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobExportTablesInterface", Table);
+    TJobInterface<TThis>::Describe("TJobExportTablesInterface", {&ExportJobProperties, Properties});
 
 void TJobExportTables::CheckSettings() const {
   TExportJob::CheckSettings();
@@ -43,8 +41,7 @@ std::vector<std::string> TJobExportTables::AllTables() {
 
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
 std::vector<TItem> TJobExportTables::Plan() {
-  FFields = TStringList(Fields);
-  FOperation.Fields = Fields.empty() ? nullptr : &FFields;
+  FOperation.Fields = TStringList(Fields);
   std::vector<TItem> Result;
   std::set<std::string> Seen;
   for (const std::string& Name : Tables.empty() ? AllTables() : Tables) {

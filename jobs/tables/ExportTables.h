@@ -33,7 +33,6 @@ class TJobExportTables final : public TExportJob {
   std::vector<std::string> AllTables();
 
   TUOExportTableData FOperation;
-  TStringList FFields;  // as the operation has them
 };
 
 using TJobExportTablesInterface = TJobInterface<TJobExportTables>;

@@ -11,21 +11,19 @@ namespace {
 using TThis = TJobImportTables;
 
 constexpr TProperty Properties[] = {
-    JobProperty<&TThis::FileName>("FileName", "the file to read; - is standard input"),
-    JobProperty<&TThis::Sections>("Sections",
-                                  "names or indexes of the sections to load; empty: all table data sections"),
-    JobProperty<&TThis::TableName>("TableName", "for one section: the table to load; empty: the one that it names"),
-    JobProperty<&TThis::Fields>("Fields", "the only fields to load; empty: all"),
-    JobProperty<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
+    PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
+    PropertyOf<&TThis::Sections>("Sections",
+                                 "names or indexes of the sections to load; empty: all table data sections"),
+    PropertyOf<&TThis::TableName>("TableName", "for one section: the table to load; empty: the one that it names"),
+    PropertyOf<&TThis::Fields>("Fields", "the only fields to load; empty: all"),
+    PropertyOf<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
 };
-
-constinit const TPropertyTable Table{&SectionsJobProperties, Properties};
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TThis::Descriptor = JobDescriptor<TThis>("TJobImportTables");
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobImportTables");
 constinit const TInterfaceDescriptor TThis::Interface =
-    JobInterfaceDescriptor<TThis>("TJobImportTablesInterface", Table);
+    TJobInterface<TThis>::Describe("TJobImportTablesInterface", {&SectionsJobProperties, Properties});
 
 TImportJob::TParts TJobImportTables::MakeParts() {
   TParts Result;

@@ -143,10 +143,9 @@ TEST_F(TableOperations, PropertiesByName) {
   EXPECT_TRUE(Import.Append);
   EXPECT_EQ(Import.DatabaseName, "db");
   EXPECT_EQ(Import.FSectionNumber, 3);
-  ASSERT_NE(Import.Fields, nullptr);
-  EXPECT_EQ(Import.Fields->IndexOf("b"), 1);
+  EXPECT_EQ(Import.Fields.IndexOf("b"), 1);
   SetProperty(*Object, "Fields", std::vector<std::string>());
-  EXPECT_EQ(Import.Fields, nullptr);
+  EXPECT_EQ(Import.Fields.Count(), 0);
   EXPECT_EQ(std::get<bool>(GetProperty(*Object, "SkipMissingFields")), true);
   for (const auto& [Name, Value] : TStringPairs{
            {"Nope", "1"}, {"Append", "maybe"}, {"LastError", "x"}, {"SectionNumber", "9999999999"}, {"Source", "1"}})

@@ -12,13 +12,13 @@ namespace velkrund {
 /// Loads a table data section into a table.
 class TUOImportTableData : public TImportUtilOperation {
  public:
-  std::string TableName;                // empty: the table that the section names
-  bool Append = false;                  // keep the rows that are there; otherwise an SQL table is emptied first
-  bool SkipMissingFields = true;        // fields of the file that the table lacks are passed over; otherwise an error
-  const TStringList* Fields = nullptr;  // borrowed; null: all fields of the file
-  std::optional<bool> StrictValues;     // an unparseable value is an error, or NULL; nothing: as the application has it
-  TTableLoading* Loading = nullptr;     // borrowed; the tables that are loaded in one go with it; null: it alone
-  TTableDataReport Report;              // of the last run
+  std::string TableName;             // empty: the table that the section names
+  bool Append = false;               // keep the rows that are there; otherwise an SQL table is emptied first
+  bool SkipMissingFields = true;     // fields of the file that the table lacks are passed over; otherwise an error
+  TStringList Fields;                // the only ones to load; empty: all fields of the file
+  std::optional<bool> StrictValues;  // an unparseable value is an error, or NULL; nothing: as the application has it
+  TTableLoading* Loading = nullptr;  // borrowed; the tables that are loaded in one go with it; null: it alone
+  TTableDataReport Report;           // of the last run
 
   static const TUtilOperationDescriptor Descriptor;
 
@@ -30,9 +30,9 @@ class TUOImportTableData : public TImportUtilOperation {
 class TUOExportTableData : public TExportUtilOperation {
  public:
   std::string TableName;
-  TTable* Table = nullptr;              // borrowed, opened; null: TableName in DatabaseName is opened
-  const TStringList* Fields = nullptr;  // borrowed; null: all fields of the table
-  TTableDataReport Report;              // of the last run
+  TTable* Table = nullptr;  // borrowed, opened; null: TableName in DatabaseName is opened
+  TStringList Fields;       // empty: all fields of the table
+  TTableDataReport Report;  // of the last run
 
   static const TUtilOperationDescriptor Descriptor;
 
@@ -40,51 +40,34 @@ class TUOExportTableData : public TExportUtilOperation {
   std::unique_ptr<TEIObject> CreateEIObject() override;
 };
 
-class TUOImportTableDataInterface : public TImportUtilOperationInterface {
+class TUOImportTableDataInterface
+    : public TOperationInterface<TUOImportTableDataInterface, TUOImportTableData, TImportUtilOperationInterface> {
  public:
-  explicit TUOImportTableDataInterface(TRBaseManager* Manager = nullptr);
-  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
-
-  const std::string& TableName() const { return Import().TableName; }
-  void SetTableName(const std::string& Name) { Import().TableName = Name; }
-  bool Append() const { return Import().Append; }
-  void SetAppend(bool Value) { Import().Append = Value; }
-  bool SkipMissingFields() const { return Import().SkipMissingFields; }
-  void SetSkipMissingFields(bool Value) { Import().SkipMissingFields = Value; }
-  /// Passed on only when it holds a name.
-  std::vector<std::string> Fields() const { return {FFields.begin(), FFields.end()}; }
-  void SetFields(const std::vector<std::string>& Names);
-
-  static const TPropertyTable PropertyTable;
+  using TOperationInterface::TOperationInterface;
   static const TInterfaceDescriptor Descriptor;
 
- private:
-  TUOImportTableData& Import() const { return static_cast<TUOImportTableData&>(Operation()); }
-
-  TStringList FFields;
+  const std::string& TableName() const { return Operation().TableName; }
+  void SetTableName(const std::string& Name) { Operation().TableName = Name; }
+  bool Append() const { return Operation().Append; }
+  void SetAppend(bool Value) { Operation().Append = Value; }
+  bool SkipMissingFields() const { return Operation().SkipMissingFields; }
+  void SetSkipMissingFields(bool Value) { Operation().SkipMissingFields = Value; }
+  const std::vector<std::string>& Fields() const { return Operation().Fields.Items(); }
+  void SetFields(const std::vector<std::string>& Names) { Operation().Fields = TStringList(Names); }
 };
 
-class TUOExportTableDataInterface : public TExportUtilOperationInterface {
+class TUOExportTableDataInterface
+    : public TOperationInterface<TUOExportTableDataInterface, TUOExportTableData, TExportUtilOperationInterface> {
  public:
-  explicit TUOExportTableDataInterface(TRBaseManager* Manager = nullptr);
-  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
-
-  const std::string& TableName() const { return Export().TableName; }
-  void SetTableName(const std::string& Name) { Export().TableName = Name; }
-  /// Borrowed.
-  TTable* Table() const { return Export().Table; }
-  void SetTable(TTable* Table) { Export().Table = Table; }
-  /// Passed on only when it holds a name.
-  std::vector<std::string> Fields() const { return {FFields.begin(), FFields.end()}; }
-  void SetFields(const std::vector<std::string>& Names);
-
-  static const TPropertyTable PropertyTable;
+  using TOperationInterface::TOperationInterface;
   static const TInterfaceDescriptor Descriptor;
 
- private:
-  TUOExportTableData& Export() const { return static_cast<TUOExportTableData&>(Operation()); }
-
-  TStringList FFields;
+  const std::string& TableName() const { return Operation().TableName; }
+  void SetTableName(const std::string& Name) { Operation().TableName = Name; }
+  TTable* Table() const { return Operation().Table; }  // borrowed
+  void SetTable(TTable* Table) { Operation().Table = Table; }
+  const std::vector<std::string>& Fields() const { return Operation().Fields.Items(); }
+  void SetFields(const std::vector<std::string>& Names) { Operation().Fields = TStringList(Names); }
 };
 
 }  // namespace velkrund

@@ -9,66 +9,44 @@ namespace velkrund {
 
 namespace {
 
-using TImport = TUOImportDSPStructureInterface;
-using TExport = TUOExportDSPStructureInterface;
+using TImport = TUOImportDSPStructure;
+using TExport = TUOExportDSPStructure;
 
 constexpr std::string_view OverwriteNames[] = {"skip", "replace", "difference"};
 constexpr std::string_view ExistingNames[] = {"ask", "skip", "replace", "update"};
 
-template <typename TOperation>
-std::unique_ptr<TUtilOperation> MakeOperation() {
-  return std::make_unique<TOperation>();
-}
-
-template <typename TInterface>
-std::unique_ptr<TUtilOperationInterface> MakeInterface(TRBaseManager* Manager) {
-  return std::make_unique<TInterface>(Manager);
-}
-
 constexpr TProperty ImportProperties[] = {
-    StringProperty<TImport, &TImport::ObjectName, &TImport::SetObjectName>(
-        "ObjectName", "structure to load into; empty: the one that the section names"),
-    IntegerProperty<TImport, &TImport::ObjectType, &TImport::SetObjectType>(
-        "ObjectType", "its object type; 0: the one that the section names"),
-    StringProperty<TImport, &TImport::RootNode, &TImport::SetRootNode>("RootNode",
-                                                                       "full name of the node to load into"),
-    BooleanProperty<TImport, &TImport::UseCustomRootNode, &TImport::SetUseCustomRootNode>(
-        "UseCustomRootNode", "load into RootNode instead of the node that the section names"),
-    BooleanProperty<TImport, &TImport::ClearRoot, &TImport::SetClearRoot>("ClearRoot",
-                                                                          "remove what is stored there first"),
-    BooleanProperty<TImport, &TImport::ChangeStructureproperties, &TImport::SetChangeStructureproperties>(
-        "ChangeStructureproperties", "store table name, parent object and remarks too"),
-    EnumProperty<TImport, TDSPImportOverwriteOptions, &TImport::OverwriteOptions, &TImport::SetOverwriteOptions>(
-        "OverwriteOptions", "what becomes of nodes that are there already", OverwriteNames),
-    EnumProperty<TImport, TOverwriteExisting, &TImport::OverwriteExisting, &TImport::SetOverwriteExisting>(
+    PropertyOf<&TImport::ObjectName>("ObjectName", "structure to load into; empty: the one that the section names"),
+    PropertyOf<&TImport::ObjectType>("ObjectType", "its object type; 0: the one that the section names"),
+    PropertyOf<&TImport::RootNode>("RootNode", "full name of the node to load into"),
+    PropertyOf<&TImport::UseCustomRootNode>("UseCustomRootNode",
+                                            "load into RootNode instead of the node that the section names"),
+    PropertyOf<&TImport::ClearRoot>("ClearRoot", "remove what is stored there first"),
+    PropertyOf<&TImport::ChangeStructureproperties>("ChangeStructureproperties",
+                                                    "store table name, parent object and remarks too"),
+    ChoiceOf<&TImport::OverwriteOptions>("OverwriteOptions", "what becomes of nodes that are there already",
+                                         OverwriteNames),
+    ChoiceOf<&TImport::OverwriteExisting, &TImport::SetOverwriteExisting>(
         "OverwriteExisting",
         "a structure that exists: ask, skip it, replace it as OverwriteOptions and ClearRoot say, or update it",
         ExistingNames),
 };
 
 constexpr TProperty ExportProperties[] = {
-    StringProperty<TExport, &TExport::ObjectName, &TExport::SetObjectName>("ObjectName", "structure to save"),
-    IntegerProperty<TExport, &TExport::ObjectType, &TExport::SetObjectType>("ObjectType", "its object type"),
-    StringProperty<TExport, &TExport::RootNode, &TExport::SetRootNode>(
-        "RootNode", "full name of the node to save with all below it; empty: the whole tree"),
+    PropertyOf<&TExport::ObjectName>("ObjectName", "structure to save"),
+    PropertyOf<&TExport::ObjectType>("ObjectType", "its object type"),
+    PropertyOf<&TExport::RootNode>("RootNode",
+                                   "full name of the node to save with all below it; empty: the whole tree"),
 };
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TUOImportDSPStructure::Descriptor{"TUOImportDSPStructure", nullptr,
-                                                                           &MakeOperation<TUOImportDSPStructure>};
-constinit const TUtilOperationDescriptor TUOExportDSPStructure::Descriptor{"TUOExportDSPStructure", nullptr,
-                                                                           &MakeOperation<TUOExportDSPStructure>};
-
-constinit const TPropertyTable TImport::PropertyTable{&TImportUtilOperationInterface::PropertyTable, ImportProperties};
-constinit const TInterfaceDescriptor TImport::Descriptor{"TUOImportDSPStructureInterface",
-                                                         &TImportUtilOperationInterface::Descriptor,
-                                                         &TImport::PropertyTable, &MakeInterface<TImport>};
-
-constinit const TPropertyTable TExport::PropertyTable{&TExportUtilOperationInterface::PropertyTable, ExportProperties};
-constinit const TInterfaceDescriptor TExport::Descriptor{"TUOExportDSPStructureInterface",
-                                                         &TExportUtilOperationInterface::Descriptor,
-                                                         &TExport::PropertyTable, &MakeInterface<TExport>};
+constinit const TUtilOperationDescriptor TImport::Descriptor = OperationDescriptor<TImport>("TUOImportDSPStructure");
+constinit const TUtilOperationDescriptor TExport::Descriptor = OperationDescriptor<TExport>("TUOExportDSPStructure");
+constinit const TInterfaceDescriptor TUOImportDSPStructureInterface::Descriptor =
+    Describe("TUOImportDSPStructureInterface", ImportProperties);
+constinit const TInterfaceDescriptor TUOExportDSPStructureInterface::Descriptor =
+    Describe("TUOExportDSPStructureInterface", ExportProperties);
 
 TUOImportDSPStructure::TUOImportDSPStructure() {
   OverwriteAsk.FYes = true;
@@ -109,11 +87,7 @@ void TUOImportDSPStructure::InitEIObject(TEIObject& Object) {
 }
 
 std::unique_ptr<TEIObject> TUOExportDSPStructure::CreateEIObject() {
-  std::unique_ptr<TEIDSPStructureCommon> Section;
-  if (FReleaseVersion == TExportReleaseVersion::rv20)
-    Section = std::make_unique<TEIDSPStructure>();
-  else
-    Section = std::make_unique<TEIDSPStructureOld>();
+  auto Section = MakeForRelease<TEIDSPStructureCommon, TEIDSPStructure, TEIDSPStructureOld>();
   auto Item = DSPContainer().Table(DatabaseName).GetStructureProperties(ObjectName, ObjectType);
   if (!Item)
     throw Exception(
@@ -123,11 +97,5 @@ std::unique_ptr<TEIObject> TUOExportDSPStructure::CreateEIObject() {
   Section->Item = std::move(*Item);
   return Section;
 }
-
-TUOImportDSPStructureInterface::TUOImportDSPStructureInterface(TRBaseManager* Manager)
-    : TImportUtilOperationInterface(TUtilOperationClass(TUOImportDSPStructure::Descriptor), Manager) {}
-
-TUOExportDSPStructureInterface::TUOExportDSPStructureInterface(TRBaseManager* Manager)
-    : TExportUtilOperationInterface(TUtilOperationClass(TUOExportDSPStructure::Descriptor), Manager) {}
 
 }  // namespace velkrund

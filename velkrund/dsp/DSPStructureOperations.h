@@ -57,52 +57,42 @@ class TUOExportDSPStructure : public TExportUtilOperation {
   std::unique_ptr<TEIObject> CreateEIObject() override;
 };
 
-class TUOImportDSPStructureInterface : public TImportUtilOperationInterface {
+class TUOImportDSPStructureInterface
+    : public TOperationInterface<TUOImportDSPStructureInterface, TUOImportDSPStructure, TImportUtilOperationInterface> {
  public:
-  explicit TUOImportDSPStructureInterface(TRBaseManager* Manager = nullptr);
-  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
-
-  const std::string& ObjectName() const { return Import().ObjectName; }
-  void SetObjectName(const std::string& Name) { Import().ObjectName = Name; }
-  int ObjectType() const { return Import().ObjectType; }
-  void SetObjectType(int Type) { Import().ObjectType = Type; }
-  const std::string& RootNode() const { return Import().RootNode; }
-  void SetRootNode(const std::string& FullName) { Import().RootNode = FullName; }
-  bool UseCustomRootNode() const { return Import().UseCustomRootNode; }
-  void SetUseCustomRootNode(bool Value) { Import().UseCustomRootNode = Value; }
-  bool ClearRoot() const { return Import().ClearRoot; }
-  void SetClearRoot(bool Value) { Import().ClearRoot = Value; }
-  bool ChangeStructureproperties() const { return Import().ChangeStructureproperties; }
-  void SetChangeStructureproperties(bool Value) { Import().ChangeStructureproperties = Value; }
-  TDSPImportOverwriteOptions OverwriteOptions() const { return Import().OverwriteOptions; }
-  void SetOverwriteOptions(TDSPImportOverwriteOptions Options) { Import().OverwriteOptions = Options; }
-  TOverwriteExisting OverwriteExisting() const { return Import().OverwriteExisting(); }
-  void SetOverwriteExisting(TOverwriteExisting Answer) { Import().SetOverwriteExisting(Answer); }
-
-  static const TPropertyTable PropertyTable;
+  using TOperationInterface::TOperationInterface;
   static const TInterfaceDescriptor Descriptor;
 
- private:
-  TUOImportDSPStructure& Import() const { return static_cast<TUOImportDSPStructure&>(Operation()); }
+  const std::string& ObjectName() const { return Operation().ObjectName; }
+  void SetObjectName(const std::string& Name) { Operation().ObjectName = Name; }
+  int ObjectType() const { return Operation().ObjectType; }
+  void SetObjectType(int Type) { Operation().ObjectType = Type; }
+  const std::string& RootNode() const { return Operation().RootNode; }
+  void SetRootNode(const std::string& FullName) { Operation().RootNode = FullName; }
+  bool UseCustomRootNode() const { return Operation().UseCustomRootNode; }
+  void SetUseCustomRootNode(bool Value) { Operation().UseCustomRootNode = Value; }
+  bool ClearRoot() const { return Operation().ClearRoot; }
+  void SetClearRoot(bool Value) { Operation().ClearRoot = Value; }
+  bool ChangeStructureproperties() const { return Operation().ChangeStructureproperties; }
+  void SetChangeStructureproperties(bool Value) { Operation().ChangeStructureproperties = Value; }
+  TDSPImportOverwriteOptions OverwriteOptions() const { return Operation().OverwriteOptions; }
+  void SetOverwriteOptions(TDSPImportOverwriteOptions Options) { Operation().OverwriteOptions = Options; }
+  TOverwriteExisting OverwriteExisting() const { return Operation().OverwriteExisting(); }
+  void SetOverwriteExisting(TOverwriteExisting Answer) { Operation().SetOverwriteExisting(Answer); }
 };
 
-class TUOExportDSPStructureInterface : public TExportUtilOperationInterface {
+class TUOExportDSPStructureInterface
+    : public TOperationInterface<TUOExportDSPStructureInterface, TUOExportDSPStructure, TExportUtilOperationInterface> {
  public:
-  explicit TUOExportDSPStructureInterface(TRBaseManager* Manager = nullptr);
-  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
-
-  const std::string& ObjectName() const { return Export().ObjectName; }
-  void SetObjectName(const std::string& Name) { Export().ObjectName = Name; }
-  int ObjectType() const { return Export().ObjectType; }
-  void SetObjectType(int Type) { Export().ObjectType = Type; }
-  const std::string& RootNode() const { return Export().RootNode; }
-  void SetRootNode(const std::string& FullName) { Export().RootNode = FullName; }
-
-  static const TPropertyTable PropertyTable;
+  using TOperationInterface::TOperationInterface;
   static const TInterfaceDescriptor Descriptor;
 
- private:
-  TUOExportDSPStructure& Export() const { return static_cast<TUOExportDSPStructure&>(Operation()); }
+  const std::string& ObjectName() const { return Operation().ObjectName; }
+  void SetObjectName(const std::string& Name) { Operation().ObjectName = Name; }
+  int ObjectType() const { return Operation().ObjectType; }
+  void SetObjectType(int Type) { Operation().ObjectType = Type; }
+  const std::string& RootNode() const { return Operation().RootNode; }
+  void SetRootNode(const std::string& FullName) { Operation().RootNode = FullName; }
 };
 
 }  // namespace velkrund

@@ -10,6 +10,7 @@
 #include "velkrund/operations/ImportFiles.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/OperationErrors.h"
+#include "velkrund/operations/OperationInterface.h"
 #include "velkrund/operations/Properties.h"
 #include "velkrund/operations/Rbaseint.h"
 #include "velkrund/operations/RecreateContainer.h"

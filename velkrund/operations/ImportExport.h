@@ -38,6 +38,12 @@ class TExportUtilOperation : public TDatabaseUtilOperation {
 
  protected:
   virtual std::unique_ptr<TEIObject> CreateEIObject() = 0;
+  /// An object of the class that suits the release, as their base.
+  template <typename TBase, typename TFor20, typename TFor17>
+  std::unique_ptr<TBase> MakeForRelease() const {
+    if (FReleaseVersion == TExportReleaseVersion::rv20) return std::make_unique<TFor20>();
+    return std::make_unique<TFor17>();
+  }
 };
 
 }  // namespace velkrund

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "velkrund/operations/ImportExport.h"
-#include "velkrund/operations/UtilOperationInterface.h"
+#include "velkrund/operations/OperationInterface.h"
 
 namespace velkrund {
 
@@ -11,44 +11,42 @@ namespace velkrund {
 class TImportUtilOperationInterface : public TUtilOperationInterface {
  public:
   /// Borrowed: an opened file that outlives the run.
-  TEIFile* Source() const { return FSource; }
-  void SetSource(TEIFile* Source);
-  int SectionNumber() const { return Import().FSectionNumber; }
-  void SetSectionNumber(int Number) { Import().FSectionNumber = Number; }
+  TEIFile* Source() const { return Operation().FSource; }
+  void SetSource(TEIFile* Source) { Operation().FSource = Source; }
+  int SectionNumber() const { return Operation().FSectionNumber; }
+  void SetSectionNumber(int Number) { Operation().FSectionNumber = Number; }
 
-  static const TPropertyTable PropertyTable;
+  TImportUtilOperation& Operation() const {
+    return static_cast<TImportUtilOperation&>(TUtilOperationInterface::Operation());
+  }
+
   static const TInterfaceDescriptor Descriptor;
 
  protected:
   using TUtilOperationInterface::TUtilOperationInterface;
-  TImportUtilOperation& Import() const { return static_cast<TImportUtilOperation&>(Operation()); }
-
- private:
-  TEIFile* FSource = nullptr;
 };
 
 /// The face of an operation that exports one section.
 class TExportUtilOperationInterface : public TUtilOperationInterface {
  public:
   /// Borrowed: an opened file that outlives the run.
-  TEIFile* Target() const { return FTarget; }
-  void SetTarget(TEIFile* Target);
-  const std::string& SectionName() const { return Export().FSectionName; }
-  void SetSectionName(const std::string& Name) { Export().FSectionName = Name; }
-  TExportReleaseVersion ReleaseVersion() const { return Export().FReleaseVersion; }
-  void SetReleaseVersion(TExportReleaseVersion Release) { Export().FReleaseVersion = Release; }
-  TKvEncoding Encoding() const { return Export().FEncoding; }
-  void SetEncoding(TKvEncoding Encoding) { Export().FEncoding = Encoding; }
+  TEIFile* Target() const { return Operation().FTarget; }
+  void SetTarget(TEIFile* Target) { Operation().FTarget = Target; }
+  const std::string& SectionName() const { return Operation().FSectionName; }
+  void SetSectionName(const std::string& Name) { Operation().FSectionName = Name; }
+  TExportReleaseVersion ReleaseVersion() const { return Operation().FReleaseVersion; }
+  void SetReleaseVersion(TExportReleaseVersion Release) { Operation().FReleaseVersion = Release; }
+  TKvEncoding Encoding() const { return Operation().FEncoding; }
+  void SetEncoding(TKvEncoding Encoding) { Operation().FEncoding = Encoding; }
 
-  static const TPropertyTable PropertyTable;
+  TExportUtilOperation& Operation() const {
+    return static_cast<TExportUtilOperation&>(TUtilOperationInterface::Operation());
+  }
+
   static const TInterfaceDescriptor Descriptor;
 
  protected:
   using TUtilOperationInterface::TUtilOperationInterface;
-  TExportUtilOperation& Export() const { return static_cast<TExportUtilOperation&>(Operation()); }
-
- private:
-  TEIFile* FTarget = nullptr;
 };
 
 }  // namespace velkrund

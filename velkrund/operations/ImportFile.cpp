@@ -64,8 +64,8 @@ void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TUOImportFile::Descriptor{
-    "TUOImportFile", nullptr, []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TUOImportFile>(); }};
+constinit const TUtilOperationDescriptor TUOImportFile::Descriptor =
+    OperationDescriptor<TUOImportFile>("TUOImportFile");
 
 TMissingTableHook SetMissingTableHook(TMissingTableHook Hook) {
   return std::exchange(InstalledMissingTableHook, std::move(Hook));

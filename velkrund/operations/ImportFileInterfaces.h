@@ -4,49 +4,35 @@
 #include <vector>
 
 #include "velkrund/operations/ImportFiles.h"
-#include "velkrund/operations/UtilOperationInterface.h"
+#include "velkrund/operations/OperationInterface.h"
 
 namespace velkrund {
 
 /// The face of the import of a whole file.
-class TUOImportFileInterface : public TUtilOperationInterface {
+class TUOImportFileInterface : public TOperationInterface<TUOImportFileInterface, TUOImportFile> {
  public:
-  explicit TUOImportFileInterface(TRBaseManager* Manager = nullptr);
-  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
-
-  const std::string& FileName() const { return Import().FFileName; }
-  void SetFileName(const std::string& Name) { Import().FFileName = Name; }
-  bool IsCrypted() const { return Import().FCrypted; }
-  void SetIsCrypted(bool Value) { Import().FCrypted = Value; }
-  bool CreateDBStructures() const { return Import().fCreateDBStructures; }
-  void SetCreateDBStructures(bool Value) { Import().fCreateDBStructures = Value; }
-  bool ContinueOnError() const { return Import().ContinueOnError; }
-  void SetContinueOnError(bool Value) { Import().ContinueOnError = Value; }
-
-  static const TPropertyTable PropertyTable;
+  using TOperationInterface::TOperationInterface;
   static const TInterfaceDescriptor Descriptor;
 
- protected:
-  using TUtilOperationInterface::TUtilOperationInterface;
-
- private:
-  TUOImportFile& Import() const { return static_cast<TUOImportFile&>(Operation()); }
+  const std::string& FileName() const { return Operation().FFileName; }
+  void SetFileName(const std::string& Name) { Operation().FFileName = Name; }
+  bool IsCrypted() const { return Operation().FCrypted; }
+  void SetIsCrypted(bool Value) { Operation().FCrypted = Value; }
+  bool CreateDBStructures() const { return Operation().fCreateDBStructures; }
+  void SetCreateDBStructures(bool Value) { Operation().fCreateDBStructures = Value; }
+  bool ContinueOnError() const { return Operation().ContinueOnError; }
+  void SetContinueOnError(bool Value) { Operation().ContinueOnError = Value; }
 };
 
 /// The face of the import of several files.
-class TUOImportFilesInterface : public TUOImportFileInterface {
+class TUOImportFilesInterface
+    : public TOperationInterface<TUOImportFilesInterface, TUOImportFiles, TUOImportFileInterface> {
  public:
-  explicit TUOImportFilesInterface(TRBaseManager* Manager = nullptr);
-  TInterfaceClass ClassType() const override { return TInterfaceClass(Descriptor); }
-
-  const std::vector<std::string>& Files() const { return Import().FFiles; }
-  void SetFiles(const std::vector<std::string>& Names) { Import().FFiles = Names; }
-
-  static const TPropertyTable PropertyTable;
+  using TOperationInterface::TOperationInterface;
   static const TInterfaceDescriptor Descriptor;
 
- private:
-  TUOImportFiles& Import() const { return static_cast<TUOImportFiles&>(Operation()); }
+  const std::vector<std::string>& Files() const { return Operation().FFiles; }
+  void SetFiles(const std::vector<std::string>& Names) { Operation().FFiles = Names; }
 };
 
 }  // namespace velkrund

@@ -4,9 +4,8 @@
 
 namespace velkrund {
 
-constinit const TUtilOperationDescriptor TUOImportFiles::Descriptor{
-    "TUOImportFiles", &TUOImportFile::Descriptor,
-    []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TUOImportFiles>(); }};
+constinit const TUtilOperationDescriptor TUOImportFiles::Descriptor =
+    OperationDescriptor<TUOImportFiles>("TUOImportFiles", &TUOImportFile::Descriptor);
 
 int TUOImportFiles::ImportAll() {
   if (FFiles.empty()) throw Exception("There is no file to import: the list of files is empty");

@@ -1,122 +1,130 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
-#include <string>
+#include <span>
+#include <string_view>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
 
+#include "velkrund/operations/PropertyConversion.h"
 #include "velkrund/operations/UtilOperationInterface.h"
 
 namespace velkrund {
 
-// Makers of property table rows from the accessors of an interface class, so that every table is plain constant data.
+// Makers of property table rows, so that every table is plain constant data. What a row reads and writes are members of
+// the operation or, where the class is one of interfaces, of the interface object; the row's type is that of the
+// member.
+//
+//   PropertyOf<&TUOExportTableData::TableName>          a member
+//   PropertyOf<&TPolicyJob::Policies, &TPolicies::Yes>  a member of a member
+//   PropertyOf<&TThis::Answer, &TThis::SetAnswer>       what one operation reads and another one writes
+//   ReadOnlyOf<&TUORecreateContainer::Count>            what an operation, or a function of the object, gives
 
 namespace property_access {
 
-template <typename TClass, auto Getter>
-decltype(auto) Read(const TUtilOperationInterface& Object) {
-  return std::invoke(Getter, static_cast<const TClass&>(Object));
+/// The class that a member belongs to, or whose object a function takes.
+template <typename TFunction>
+struct TOwnerOf : TOwnerOf<decltype(&TFunction::operator())> {};
+template <typename TValue, typename TClass>
+struct TOwnerOf<TValue TClass::*> {
+  using TOwner = TClass;
+};
+template <typename TValue, typename TFunction, typename TClass>
+struct TOwnerOf<TValue (TFunction::*)(const TClass&) const> {
+  using TOwner = TClass;
+};
+
+template <typename TOwner, typename TObject>
+auto& OwnerIn(TObject& Object) {
+  using TResult = std::conditional_t<std::is_const_v<TObject>, const TOwner, TOwner>;
+  if constexpr (std::is_base_of_v<TUtilOperationInterface, TOwner>)
+    return static_cast<TResult&>(Object);
+  else
+    return static_cast<TResult&>(Object.Operation());
 }
 
-template <typename TClass, auto Setter, typename TValue>
-void Write(TUtilOperationInterface& Object, TValue&& Value) {
-  std::invoke(Setter, static_cast<TClass&>(Object), std::forward<TValue>(Value));
+template <auto Getter>
+struct TReading {
+  using TOwner = typename TOwnerOf<decltype(Getter)>::TOwner;
+  using TValue = std::remove_cvref_t<std::invoke_result_t<decltype(Getter), const TOwner&>>;
+  static TValue Get(const TUtilOperationInterface& Object) { return std::invoke(Getter, OwnerIn<TOwner>(Object)); }
+};
+
+template <auto First, auto... Rest>
+auto& At(auto& Object) {
+  if constexpr (sizeof...(Rest) == 0)
+    return Object.*First;
+  else
+    return At<Rest...>(Object.*First);
+}
+
+/// A member, or a path of members.
+template <auto First, auto... Rest>
+struct TAccess {
+  using TOwner = typename TOwnerOf<decltype(First)>::TOwner;
+  using TValue = std::remove_cvref_t<decltype(At<First, Rest...>(std::declval<TOwner&>()))>;
+  static TValue Get(const TUtilOperationInterface& Object) { return At<First, Rest...>(OwnerIn<TOwner>(Object)); }
+  static void Set(TUtilOperationInterface& Object, TValue Value) {
+    At<First, Rest...>(OwnerIn<TOwner>(Object)) = std::move(Value);
+  }
+};
+
+template <auto Getter, auto Setter>
+requires std::is_member_function_pointer_v<decltype(Getter)>
+struct TAccess<Getter, Setter> : TReading<Getter> {
+  using typename TReading<Getter>::TOwner;
+  using typename TReading<Getter>::TValue;
+  static void Set(TUtilOperationInterface& Object, const TValue& Value) {
+    std::invoke(Setter, OwnerIn<TOwner>(Object), Value);
+  }
+};
+
+template <typename TAccess>
+constexpr TProperty Row(std::string_view Name, std::string_view Help,
+                        std::span<const std::string_view> EnumNames = {}) {
+  using TValue = typename TAccess::TValue;
+  TProperty Result = {
+      Name,
+      TypeOf<TValue>(),
+      [](const TUtilOperationInterface& Object) -> TPropertyValue { return ToProperty<TValue>(TAccess::Get(Object)); },
+      nullptr,
+      Help,
+      EnumNames};
+  if constexpr (requires { &TAccess::Set; })
+    Result.Set = [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
+      TAccess::Set(Object, FromProperty<TValue>(Value));
+    };
+  if constexpr (std::is_pointer_v<TValue>) Result.ObjectType = &typeid(std::remove_pointer_t<TValue>);
+  return Result;
 }
 
 }  // namespace property_access
 
-template <typename TClass, auto Getter, auto Setter>
-constexpr TProperty BooleanProperty(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::Boolean,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return property_access::Read<TClass, Getter>(Object);
-          },
-          [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
-            property_access::Write<TClass, Setter>(Object, std::get<bool>(Value));
-          },
-          Help};
+template <auto... Members>
+constexpr TProperty PropertyOf(std::string_view Name, std::string_view Help) {
+  using TAccess = property_access::TAccess<Members...>;
+  using TValue = typename TAccess::TValue;
+  static_assert(!property_access::IsChoice<TValue>, "a choice needs names");
+  static_assert(property_access::TypeOf<TValue>() != TPropertyType::Integer || std::is_same_v<TValue, std::int32_t>,
+                "what is written has the range of 32 bits");
+  return property_access::Row<TAccess>(Name, Help);
 }
 
-template <typename TClass, auto Getter, auto Setter>
-constexpr TProperty IntegerProperty(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::Integer,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return static_cast<std::int64_t>(property_access::Read<TClass, Getter>(Object));
-          },
-          [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
-            property_access::Write<TClass, Setter>(Object, static_cast<int>(std::get<std::int64_t>(Value)));
-          },
-          Help};
+/// EnumNames: by ordinal, from 0. An enumeration that may be left out (std::optional) has ordinal 0 for no value; its
+/// own ordinals begin with 1.
+template <auto... Members>
+constexpr TProperty ChoiceOf(std::string_view Name, std::string_view Help,
+                             std::span<const std::string_view> EnumNames) {
+  using TAccess = property_access::TAccess<Members...>;
+  static_assert(property_access::IsChoice<typename TAccess::TValue>);
+  return property_access::Row<TAccess>(Name, Help, EnumNames);
 }
 
-template <typename TClass, auto Getter, auto Setter>
-constexpr TProperty StringProperty(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::String,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return std::string(property_access::Read<TClass, Getter>(Object));
-          },
-          [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
-            property_access::Write<TClass, Setter>(Object, std::get<std::string>(Value));
-          },
-          Help};
-}
-
-template <typename TClass, auto Getter>
-constexpr TProperty ReadOnlyString(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::String,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return std::string(property_access::Read<TClass, Getter>(Object));
-          },
-          nullptr, Help};
-}
-
-template <typename TClass, auto Getter>
-constexpr TProperty ReadOnlyInteger(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::Integer,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return static_cast<std::int64_t>(property_access::Read<TClass, Getter>(Object));
-          },
-          nullptr, Help};
-}
-
-template <typename TClass, typename TEnum, auto Getter, auto Setter>
-constexpr TProperty EnumProperty(std::string_view Name, std::string_view Help,
-                                 std::span<const std::string_view> EnumNames) {
-  return {Name,
-          TPropertyType::Enumeration,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return static_cast<std::int64_t>(property_access::Read<TClass, Getter>(Object));
-          },
-          [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
-            property_access::Write<TClass, Setter>(Object, static_cast<TEnum>(std::get<std::int64_t>(Value)));
-          },
-          Help,
-          EnumNames};
-}
-
-template <typename TClass, auto Getter, auto Setter>
-constexpr TProperty StringListProperty(std::string_view Name, std::string_view Help) {
-  return {Name, TPropertyType::StringList,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return std::vector<std::string>(property_access::Read<TClass, Getter>(Object));
-          },
-          [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
-            property_access::Write<TClass, Setter>(Object, std::get<std::vector<std::string>>(Value));
-          },
-          Help};
-}
-
-template <typename TClass, typename TObject, auto Getter, auto Setter>
-constexpr TProperty ObjectProperty(std::string_view Name, std::string_view Help) {
-  return {Name,
-          TPropertyType::Object,
-          [](const TUtilOperationInterface& Object) -> TPropertyValue {
-            return static_cast<void*>(property_access::Read<TClass, Getter>(Object));
-          },
-          [](TUtilOperationInterface& Object, const TPropertyValue& Value) {
-            property_access::Write<TClass, Setter>(Object, static_cast<TObject*>(std::get<void*>(Value)));
-          },
-          Help,
-          {},
-          &typeid(TObject)};
+template <auto Getter>
+constexpr TProperty ReadOnlyOf(std::string_view Name, std::string_view Help) {
+  return property_access::Row<property_access::TReading<Getter>>(Name, Help);
 }
 
 }  // namespace velkrund

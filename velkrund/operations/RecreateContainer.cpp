@@ -25,9 +25,8 @@ std::int64_t StartValueOf(const TEISection& Section) {
 
 }  // namespace
 
-constinit const TUtilOperationDescriptor TUORecreateContainer::Descriptor{
-    "TUORecreateContainer", nullptr,
-    []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TUORecreateContainer>(); }};
+constinit const TUtilOperationDescriptor TUORecreateContainer::Descriptor =
+    OperationDescriptor<TUORecreateContainer>("TUORecreateContainer");
 
 std::unique_ptr<TRecreateOperation> TRecreateOperationList::Create(int ObjectType) const {
   const auto Found = FFactories.find(ObjectType);

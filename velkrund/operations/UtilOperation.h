@@ -23,6 +23,13 @@ struct TUtilOperationDescriptor {
   std::unique_ptr<TUtilOperation> (*Factory)();
 };
 
+/// What an operation class defines as its Descriptor. Name: that of the class.
+template <typename TOperation>
+constexpr TUtilOperationDescriptor OperationDescriptor(const char* Name,
+                                                       const TUtilOperationDescriptor* Parent = nullptr) {
+  return {Name, Parent, []() -> std::unique_ptr<TUtilOperation> { return std::make_unique<TOperation>(); }};
+}
+
 /// An operation class as a value.
 class TUtilOperationClass : public TClassRef<TUtilOperationDescriptor> {
  public:

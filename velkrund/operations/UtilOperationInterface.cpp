@@ -16,14 +16,14 @@ using TBase = TUtilOperationInterface;
 using TCopy = TCopyDatabaseUtilOperationInterface;
 
 constexpr TProperty BaseProperties[] = {
-    StringProperty<TBase, &TBase::DatabaseName, &TBase::SetDatabaseName>("DatabaseName", "database to work on"),
-    BooleanProperty<TBase, &TBase::ShowProgress, &TBase::SetShowProgress>("ShowProgress", "whether progress is shown"),
-    ReadOnlyString<TBase, &TBase::LastError>("LastError", "class and message of the last failure, empty after success"),
+    PropertyOf<&TBase::DatabaseName, &TBase::SetDatabaseName>("DatabaseName", "database to work on"),
+    PropertyOf<&TBase::ShowProgress, &TBase::SetShowProgress>("ShowProgress", "whether progress is shown"),
+    ReadOnlyOf<&TBase::LastError>("LastError", "class and message of the last failure, empty after success"),
 };
 
 constexpr TProperty CopyProperties[] = {
-    StringProperty<TCopy, &TCopy::TargetDatabaseName, &TCopy::SetTargetDatabaseName>("TargetDatabaseName",
-                                                                                     "database that receives the copy"),
+    PropertyOf<&TCopy::TargetDatabaseName, &TCopy::SetTargetDatabaseName>("TargetDatabaseName",
+                                                                          "database that receives the copy"),
 };
 
 TProgressRunner InstalledRunner;
@@ -53,13 +53,12 @@ class TCallbacksOfHost {
 
 }  // namespace
 
-constinit const TPropertyTable TBase::PropertyTable{nullptr, BaseProperties};
-constinit const TInterfaceDescriptor TBase::Descriptor{"TUtilOperationInterface", nullptr, &TBase::PropertyTable,
+constinit const TInterfaceDescriptor TBase::Descriptor{
+    "TUtilOperationInterface", nullptr, {nullptr, BaseProperties}, nullptr};
+constinit const TInterfaceDescriptor TCopy::Descriptor{"TCopyDatabaseUtilOperationInterface",
+                                                       &TBase::Descriptor,
+                                                       {&TBase::Descriptor.Properties, CopyProperties},
                                                        nullptr};
-
-constinit const TPropertyTable TCopy::PropertyTable{&TBase::PropertyTable, CopyProperties};
-constinit const TInterfaceDescriptor TCopy::Descriptor{"TCopyDatabaseUtilOperationInterface", &TBase::Descriptor,
-                                                       &TCopy::PropertyTable, nullptr};
 
 std::unique_ptr<TUtilOperationInterface> TInterfaceClass::Create(TRBaseManager* Manager) const {
   if (!Descriptor() || !Descriptor()->Factory)

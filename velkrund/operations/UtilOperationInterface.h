@@ -16,7 +16,7 @@ namespace velkrund {
 struct TInterfaceDescriptor {
   const char* Name;
   const TInterfaceDescriptor* Parent;
-  const TPropertyTable* Properties;
+  TPropertyTable Properties;
   std::unique_ptr<TUtilOperationInterface> (*Factory)(TRBaseManager* Manager);  // null: abstract
 };
 
@@ -24,7 +24,7 @@ struct TInterfaceDescriptor {
 class TInterfaceClass : public TClassRef<TInterfaceDescriptor> {
  public:
   using TClassRef::TClassRef;
-  const TPropertyTable& Properties() const { return *Descriptor()->Properties; }
+  const TPropertyTable& Properties() const { return Descriptor()->Properties; }
   /// Manager: borrowed, may be null. Raises EAccessViolation for no class and for an abstract one.
   std::unique_ptr<TUtilOperationInterface> Create(TRBaseManager* Manager) const;
 };
@@ -63,7 +63,6 @@ class TUtilOperationInterface {
   /// The operation, owned by the interface.
   TUtilOperation& Operation() const { return *FParent; }
 
-  static const TPropertyTable PropertyTable;
   static const TInterfaceDescriptor Descriptor;
 
  protected:
@@ -91,7 +90,6 @@ class TCopyDatabaseUtilOperationInterface : public TUtilOperationInterface {
   std::string TargetDatabaseName() const;
   void SetTargetDatabaseName(const std::string& Name);
 
-  static const TPropertyTable PropertyTable;
   static const TInterfaceDescriptor Descriptor;
 
  protected:

@@ -20,6 +20,7 @@ class TStringList {
   explicit TStringList(std::vector<std::string> Items) : FItems(std::move(Items)) {}
 
   int Count() const { return static_cast<int>(FItems.size()); }
+  const std::vector<std::string>& Items() const { return FItems; }
   /// Raises EListError outside the list.
   const std::string& operator[](int Index) const;
   void Add(std::string Text) { FItems.push_back(std::move(Text)); }

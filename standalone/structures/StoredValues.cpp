@@ -1,7 +1,6 @@
 #include "standalone/structures/StoredValues.h"
 
 #include <bit>
-#include <limits>
 
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/structures/DSPErrors.h"
@@ -20,31 +19,10 @@ std::uint64_t Unsigned(std::int64_t Number) {
 }
 std::int64_t Signed(std::uint64_t Number) { return static_cast<std::int64_t>((Number >> 1U) ^ (0 - (Number & 1U))); }
 
-template <typename T>
-bool Holds(std::int64_t Number) {
-  return Number >= std::numeric_limits<T>::min() && Number <= std::numeric_limits<T>::max();
-}
-
 bool HoldsNumber(TKvKind Kind, std::int64_t Number) {
-  switch (Kind) {
-    case TKvKind::Byte:
-      return Holds<std::uint8_t>(Number);
-    case TKvKind::SmallInt:
-      return Holds<std::int16_t>(Number);
-    case TKvKind::Word:
-      return Holds<std::uint16_t>(Number);
-    case TKvKind::Integer:
-      return Holds<std::int32_t>(Number);
-    case TKvKind::LongWord:
-      return Holds<std::uint32_t>(Number);
-    case TKvKind::SysDate:
-    case TKvKind::DateTime:
-      return Number >= MinDateTime.Microseconds && Number <= MaxDateTime.Microseconds;
-    case TKvKind::SysTime:
-      return Number >= 0 && Number < MicrosecondsPerDay;
-    default:
-      return true;
-  }
+  if (IsIntegerKind(Kind)) return HoldsInteger(Kind, Number);
+  if (IsMomentKind(Kind)) return Number >= MinDateTime.Microseconds && Number <= MaxDateTime.Microseconds;
+  return Kind != TKvKind::SysTime || (Number >= 0 && Number < MicrosecondsPerDay);
 }
 
 bool SetNumber(TKvKind Kind, std::int64_t Number, TKvVariant& Value) {
@@ -87,23 +65,15 @@ void AppendStoredFixed(std::string& Out, std::uint64_t Number, std::size_t Size)
 }
 
 void AppendStoredValue(std::string& Out, const TKvVariant& Value) {
-  switch (const TKvKind Kind = Value.Kind()) {
-    case TKvKind::Null:
-      break;
-    case TKvKind::Boolean:
-    case TKvKind::WordBool:
-      Out += Value.AsBoolean() ? '\1' : '\0';
-      break;
-    case TKvKind::Double:
-    case TKvKind::Extended:
-      AppendStoredFixed(Out, std::bit_cast<std::uint64_t>(Value.AsReal()), sizeof(double));
-      break;
-    default:
-      if (HasBytes(Kind))
-        AppendStoredText(Out, Value.AsText());
-      else
-        AppendStoredNumber(Out, Unsigned(Value.AsInteger()));
-  }
+  const TKvKind Kind = Value.Kind();
+  if (HasBytes(Kind))
+    AppendStoredText(Out, Value.AsText());
+  else if (IsBooleanKind(Kind))
+    Out += Value.AsBoolean() ? '\1' : '\0';
+  else if (IsRealKind(Kind))
+    AppendStoredFixed(Out, std::bit_cast<std::uint64_t>(Value.AsReal()), sizeof(double));
+  else if (Kind != TKvKind::Null)
+    AppendStoredNumber(Out, Unsigned(Value.AsInteger()));
 }
 
 std::string_view TStoredBytes::Take(std::uint64_t Size) {
@@ -138,18 +108,9 @@ std::uint64_t TStoredBytes::Fixed(std::size_t Size) {
 
 void ReadStoredValue(TStoredBytes& Bytes, TKvKind Kind, TKvVariant& Value) {
   if (HasBytes(Kind)) return Value.SetText(Bytes.Text(), Kind);
-  switch (Kind) {
-    case TKvKind::Null:
-      return Value.SetNull();
-    case TKvKind::Boolean:
-    case TKvKind::WordBool:
-      return Value.SetBoolean(Bytes.Byte() != 0, Kind);
-    case TKvKind::Double:
-    case TKvKind::Extended:
-      return Value.SetReal(std::bit_cast<double>(Bytes.Fixed(sizeof(double))), Kind);
-    default:
-      break;
-  }
+  if (Kind == TKvKind::Null) return Value.SetNull();
+  if (IsBooleanKind(Kind)) return Value.SetBoolean(Bytes.Byte() != 0, Kind);
+  if (IsRealKind(Kind)) return Value.SetReal(std::bit_cast<double>(Bytes.Fixed(sizeof(double))), Kind);
   const std::int64_t Number = Signed(Bytes.Number());
   if (!SetNumber(Kind, Number, Value)) throw EDSPError(Format("unknown value kind %d", static_cast<int>(Kind)));
   if (!HoldsNumber(Kind, Number)) throw EDSPError(Format("a value of kind %d is out of range", static_cast<int>(Kind)));

@@ -112,7 +112,7 @@ void TEITableData::FieldToString(TField& Field, std::string& Text) {
 void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, std::string& Text) {
   std::string_view Source = Value.AsText();
   std::string Decoded;
-  if (Value.Kind() == TKvKind::AnsiChar || Value.Kind() == TKvKind::AnsiString) {
+  if (IsAnsiKind(Value.Kind())) {
     WorkSettings().AnsiCodePage->Decode(Source, Decoded);
     Source = Decoded;
   }

@@ -62,7 +62,7 @@ bool ReadTruth(std::string_view Text, TKvKind Kind, TKvVariant& Value) {
 
 bool ReadText(std::string_view Text, TKvKind Kind, TKvVariant& Value) {
   std::string& Out = Value.StartText();
-  if (Kind == TKvKind::AnsiChar || Kind == TKvKind::AnsiString) {
+  if (IsAnsiKind(Kind)) {
     ReadAnsiEscaped(Text, Out);
   } else {
     Out = Text;
@@ -111,10 +111,10 @@ void AppendVariantForm(std::string& Out, const TKvVariant& Value, TTextLosses& L
   }
   Out += WordOf(Kind);
   Out += '(';
-  if (Kind == TKvKind::Char || Kind == TKvKind::String)
-    Losses.Malformed += AppendEscaped(Out, Value.AsText(), TEscapePlace::Alone);
-  else if (Kind == TKvKind::AnsiChar || Kind == TKvKind::AnsiString)
+  if (IsAnsiKind(Kind))
     AppendAnsiEscaped(Out, Value.AsText());
+  else if (IsTextKind(Kind))
+    Losses.Malformed += AppendEscaped(Out, Value.AsText(), TEscapePlace::Alone);
   else if (Kind == TKvKind::Bytes)
     AppendHexBytes(Out, Value.AsText());
   else

@@ -1,8 +1,5 @@
 #include "velkrund/dsp/NodeValueParts.h"
 
-#include <limits>
-#include <utility>
-
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -11,28 +8,6 @@
 namespace velkrund {
 
 namespace {
-
-template <typename T>
-bool InRange(std::int64_t Value) {
-  return std::in_range<T>(Value);
-}
-
-bool KindHolds(TKvKind Kind, std::int64_t Value) {
-  switch (Kind) {
-    case TKvKind::Byte:
-      return InRange<std::uint8_t>(Value);
-    case TKvKind::SmallInt:
-      return InRange<std::int16_t>(Value);
-    case TKvKind::Word:
-      return InRange<std::uint16_t>(Value);
-    case TKvKind::Integer:
-      return InRange<std::int32_t>(Value);
-    case TKvKind::LongWord:
-      return InRange<std::uint32_t>(Value);
-    default:
-      return Kind == TKvKind::Int64;
-  }
-}
 
 // The characters beyond ASCII as one question mark a UTF-16 unit, so that places can be counted.
 std::string Counted(std::string_view Text) {
@@ -87,7 +62,7 @@ bool ReadInteger(std::string_view Text, TKvKind Kind, TKvVariant& Value) {
     return Unsigned.has_value();
   }
   const auto Integer = StrToInt64(Text);
-  if (!Integer || !KindHolds(Kind, *Integer)) return false;
+  if (!Integer || !HoldsInteger(Kind, *Integer)) return false;
   Value.SetInteger(*Integer, Kind);
   return true;
 }

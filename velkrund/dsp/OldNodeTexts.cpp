@@ -77,7 +77,7 @@ std::optional<TDSPValueType> TOldNodeTexts::FindType(std::string_view Text) cons
 }
 
 void TOldNodeTexts::AppendText(std::string& Out, const TKvVariant& Value, TTextLosses& Losses) const {
-  if (Value.Kind() == TKvKind::AnsiChar || Value.Kind() == TKvKind::AnsiString)
+  if (IsAnsiKind(Value.Kind()))
     AppendOldEscapedBytes(Out, Value.AsText(), FPage, TEscapePlace::Alone);
   else
     Losses.Unrepresentable += AppendOldEscaped(Out, Value.AsText(), FPage, TEscapePlace::Alone);

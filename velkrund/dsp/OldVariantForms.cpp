@@ -102,7 +102,7 @@ void TOldNodeTexts::AppendVariant(std::string& Out, const TKvVariant& Value, TTe
     case TKvKind::String:
     case TKvKind::AnsiChar:
     case TKvKind::AnsiString:
-      Out += Value.Kind() == TKvKind::Char || Value.Kind() == TKvKind::String ? "OLESTR(" : "STRING(";
+      Out += IsAnsiKind(Value.Kind()) ? "STRING(" : "OLESTR(";
       AppendText(Out, Value, Losses);
       Out += ')';
       return;

@@ -14,7 +14,7 @@ TPostgreSQLParameters::TPostgreSQLParameters(std::span<const TKvVariant> Values,
   for (const TKvVariant& Value : Values) {
     const bool IsBytes = Value.Kind() == TKvKind::Bytes;
     std::string& Text = FTexts.emplace_back();
-    if (Value.Kind() == TKvKind::AnsiChar || Value.Kind() == TKvKind::AnsiString)
+    if (IsAnsiKind(Value.Kind()))
       CodePage.Decode(Value.AsText(), Text);
     else
       Value.AppendAsText(Text);

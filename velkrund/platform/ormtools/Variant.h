@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "velkrund/platform/ormtools/Currency.h"
 #include "velkrund/platform/ormtools/Dates.h"
@@ -36,12 +37,33 @@ enum class TKvKind : std::uint8_t {
 };
 
 /// What a kind is, for code that treats families of kinds alike.
-constexpr bool IsTextKind(TKvKind Kind) {
-  return Kind == TKvKind::Char || Kind == TKvKind::String || Kind == TKvKind::AnsiChar || Kind == TKvKind::AnsiString;
-}
+constexpr bool IsAnsiKind(TKvKind Kind) { return Kind == TKvKind::AnsiChar || Kind == TKvKind::AnsiString; }
+constexpr bool IsTextKind(TKvKind Kind) { return Kind == TKvKind::Char || Kind == TKvKind::String || IsAnsiKind(Kind); }
 constexpr bool HasBytes(TKvKind Kind) { return IsTextKind(Kind) || Kind == TKvKind::Bytes; }
 constexpr bool IsIntegerKind(TKvKind Kind) {
   return (Kind >= TKvKind::Byte && Kind <= TKvKind::LongWord) || Kind == TKvKind::Int64;
+}
+constexpr bool IsRealKind(TKvKind Kind) { return Kind == TKvKind::Double || Kind == TKvKind::Extended; }
+constexpr bool IsBooleanKind(TKvKind Kind) { return Kind == TKvKind::Boolean || Kind == TKvKind::WordBool; }
+/// Points in time: what AsDateTime reads.
+constexpr bool IsMomentKind(TKvKind Kind) { return Kind == TKvKind::SysDate || Kind == TKvKind::DateTime; }
+
+/// Whether Kind is an integer kind whose range holds Value.
+constexpr bool HoldsInteger(TKvKind Kind, std::int64_t Value) {
+  switch (Kind) {
+    case TKvKind::Byte:
+      return std::in_range<std::uint8_t>(Value);
+    case TKvKind::SmallInt:
+      return std::in_range<std::int16_t>(Value);
+    case TKvKind::Word:
+      return std::in_range<std::uint16_t>(Value);
+    case TKvKind::Integer:
+      return std::in_range<std::int32_t>(Value);
+    case TKvKind::LongWord:
+      return std::in_range<std::uint32_t>(Value);
+    default:
+      return Kind == TKvKind::Int64;
+  }
 }
 
 /// A tagged value: what a field, a parameter or a structure's node holds. Assigning into a value reuses its buffer, so

@@ -12,11 +12,6 @@ namespace {
 // Midnight of 1899-12-30, the day number 0.
 constexpr TDateTime DayZero{-25'569 * MicrosecondsPerDay};
 
-bool IsReal(TKvKind Kind) { return Kind == TKvKind::Double || Kind == TKvKind::Extended; }
-bool IsTruth(TKvKind Kind) { return Kind == TKvKind::Boolean || Kind == TKvKind::WordBool; }
-bool IsMoment(TKvKind Kind) { return Kind == TKvKind::SysDate || Kind == TKvKind::DateTime; }
-bool IsAnsi(TKvKind Kind) { return Kind == TKvKind::AnsiChar || Kind == TKvKind::AnsiString; }
-
 void SetZero(TKvVariant& Value, TKvKind Kind) {
   switch (Kind) {
     case TKvKind::Null:
@@ -58,31 +53,31 @@ void TDSPNode::CanNotBe(std::string_view What) const {
 
 std::string TDSPNode::GetAsString() const {
   std::string Text;
-  if (IsAnsi(FValue.Kind()))
+  if (IsAnsiKind(FValue.Kind()))
     WorkSettings().AnsiCodePage->Decode(FValue.AsText(), Text);
   else
     FValue.AppendAsText(Text);
   return Text;
 }
 
-bool TDSPNode::GetAsBoolean() const { return IsTruth(FValue.Kind()) ? FValue.AsBoolean() : GetAsDouble() != 0; }
+bool TDSPNode::GetAsBoolean() const { return IsBooleanKind(FValue.Kind()) ? FValue.AsBoolean() : GetAsDouble() != 0; }
 
 double TDSPNode::GetAsDouble() const {
   const TKvKind Kind = FValue.Kind();
-  if (IsReal(Kind)) return FValue.AsReal();
+  if (IsRealKind(Kind)) return FValue.AsReal();
   if (IsIntegerKind(Kind)) return static_cast<double>(FValue.AsInteger());
   if (Kind == TKvKind::UInt64) return static_cast<double>(FValue.AsUnsigned());
   if (Kind == TKvKind::Currency) return CurrencyToReal(FValue.AsCurrency());
-  if (IsMoment(Kind)) return DateTimeToDayNumber(FValue.AsDateTime());
+  if (IsMomentKind(Kind)) return DateTimeToDayNumber(FValue.AsDateTime());
   if (Kind == TKvKind::SysTime) return static_cast<double>(FValue.AsTimeOfDay()) / MicrosecondsPerDay;
   CanNotBe("number");
 }
 
 TDateTime TDSPNode::GetAsDateTime() const {
   const TKvKind Kind = FValue.Kind();
-  if (IsMoment(Kind)) return FValue.AsDateTime();
+  if (IsMomentKind(Kind)) return FValue.AsDateTime();
   if (Kind == TKvKind::SysTime) return {DayZero.Microseconds + FValue.AsTimeOfDay()};
-  const auto Moment = IsReal(Kind) ? DayNumberToDateTime(FValue.AsReal()) : std::nullopt;
+  const auto Moment = IsRealKind(Kind) ? DayNumberToDateTime(FValue.AsReal()) : std::nullopt;
   return Moment ? *Moment : (CanNotBe("date"), DayZero);
 }
 
@@ -93,7 +88,7 @@ TCurrency TDSPNode::GetAsCurrency() const {
 }
 
 std::string TDSPNode::GetAsANSIString() const {
-  if (IsAnsi(FValue.Kind())) return std::string(FValue.AsText());
+  if (IsAnsiKind(FValue.Kind())) return std::string(FValue.AsText());
   std::string Bytes;
   WorkSettings().AnsiCodePage->Encode(GetAsString(), Bytes);
   return Bytes;

@@ -1,6 +1,5 @@
 // Variant forms of version 100, which knows fewer kinds: values take the nearest one that holds them exactly.
 
-#include <limits>
 #include <utility>
 
 #include "velkrund/dsp/NodeEscapes.h"
@@ -28,17 +27,10 @@ void AppendRealForm(std::string& Out, std::string_view Word, double Value) {
   Out += ')';
 }
 
-// Whether a double holds the integer. Its limit is compared first: a double beyond it cannot be turned back.
-template <typename T>
-bool IsExact(T Value) {
-  const auto Real = static_cast<double>(Value);
-  return Real < static_cast<double>(std::numeric_limits<T>::max()) && static_cast<T>(Real) == Value;
-}
-
 template <typename T>
 void AppendInteger(std::string& Out, T Value, const TKvVariant& Source) {
   if (std::in_range<std::int32_t>(Value)) return AppendForm(Out, "INTEGER", Source);
-  if (!IsExact(Value)) InvalidVariantKind(Source.Kind());
+  if (!IsExactAsReal(Value)) InvalidVariantKind(Source.Kind());
   AppendRealForm(Out, "DOUBLE", static_cast<double>(Value));
 }
 

@@ -94,11 +94,8 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutInteger(std::int64_t Value, 
     case TPostgreSQLType::Oid:
       return PutWhole(Value, 0, std::numeric_limits<std::uint32_t>::max(), Out);
     case TPostgreSQLType::Float4:
-    case TPostgreSQLType::Float8: {
-      const auto Real = static_cast<double>(Value);
-      if (ExactInteger(Real) != Value) return WouldBeRounded;
-      return PutFloat(Real, Out);
-    }
+    case TPostgreSQLType::Float8:
+      return IsExactAsReal(Value) ? PutFloat(static_cast<double>(Value), Out) : WouldBeRounded;
     case TPostgreSQLType::Boolean:
       if (Value != 0 && Value != 1) return "of the integers the column holds 0 and 1 only";
       return PutBoolean(Value == 1, Out);

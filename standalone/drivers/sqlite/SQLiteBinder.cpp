@@ -12,11 +12,6 @@ namespace {
 
 constexpr std::uint64_t MaxInt64 = 0x7FFF'FFFF'FFFF'FFFF;
 
-bool IsExactAsReal(std::int64_t Value) {
-  const double Real = static_cast<double>(Value);
-  return Real < 0x1p63 && static_cast<std::int64_t>(Real) == Value;
-}
-
 /// Lone surrogates have no place in the engine's UTF-16, though they have one in our texts.
 bool HasLoneSurrogate(std::string_view Text) {
   for (std::size_t At = 0; (At = Text.find('\xED', At)) != std::string_view::npos; ++At)

@@ -43,9 +43,6 @@ constexpr std::array<TNamedKind, 10> NamedKinds = {{
 
 bool IsBlank(char C) { return C == ' ' || (C >= '\t' && C <= '\r'); }
 
-/// Whole numbers up to here are exact in a double.
-constexpr std::int64_t MaxExactInteger = std::int64_t{1} << 53;
-
 }  // namespace
 
 TAffinity AffinityOf(std::string_view DeclaredType, bool Strict) {

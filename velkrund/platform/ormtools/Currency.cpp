@@ -76,8 +76,7 @@ std::optional<TCurrency> StrToCurrency(std::string_view Text) {
 
 double CurrencyToReal(TCurrency Value) {
   // Both operands are exact, so the quotient is the nearest double.
-  constexpr std::int64_t Exact = std::int64_t{1} << std::numeric_limits<double>::digits;
-  if (Value.TenThousandths >= -Exact && Value.TenThousandths <= Exact)
+  if (Value.TenThousandths >= -MaxExactInteger && Value.TenThousandths <= MaxExactInteger)
     return static_cast<double>(Value.TenThousandths) / static_cast<double>(Scale);
   const std::string Text = CurrencyToStr(Value);
   double Result = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,19 @@ std::optional<double> StrToReal(std::string_view Text);
 /// The same; on failure ErrorPosition is the 1-based position of the first character that does not fit (length + 1
 /// when the text ends too early), 0 on success.
 std::optional<double> StrToReal(std::string_view Text, std::size_t& ErrorPosition);
+
+/// All integers from its negative to it are doubles.
+inline constexpr std::int64_t MaxExactInteger = std::int64_t{1} << std::numeric_limits<double>::digits;
+
+/// Whether a double holds exactly that integer. The limit is compared first: a double beyond it can not be turned back.
+constexpr bool IsExactAsReal(std::int64_t Value) {
+  const auto Real = static_cast<double>(Value);
+  return Real < 0x1p63 && static_cast<std::int64_t>(Real) == Value;
+}
+constexpr bool IsExactAsReal(std::uint64_t Value) {
+  const auto Real = static_cast<double>(Value);
+  return Real < 0x1p64 && static_cast<std::uint64_t>(Real) == Value;
+}
 
 /// Hexadecimal digits only, upper or lower case; at most 16 of them.
 std::optional<std::uint64_t> HexToUnsigned(std::string_view Text);

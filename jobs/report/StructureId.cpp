@@ -1,6 +1,7 @@
 #include "jobs/report/StructureId.h"
 
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
 
 namespace velkrund {
 
@@ -8,16 +9,16 @@ std::string StructureText(const TStructureId& Structure) { return Format("%s (%d
 
 std::string_view KindOfStructure(int Type) {
   switch (Type) {
-    case 10:
+    case TableObjectType:
       return "table";
-    case 12:
+    case VisualFormObjectType:
       return "visual form";
-    case 71:
+    case GeneratorObjectType:
       return "generator";
-    case 72:
+    case ViewObjectType:
       return "view";
-    case 73:
-    case 74:
+    case ExecStoredProcObjectType:
+    case SelectStoredProcObjectType:
       return "stored procedure";
     default:
       return {};

@@ -73,7 +73,7 @@ class ImportFile : public testing::Test, public TImportFileObserver {
   ImportFile() {
     Journal = &Done;
     for (const TEIObjectClass Class : Classes) EITypeList().RegisterEIObject(Class);
-    RecreateOperations().Register(TUORecreateContainer::ViewType, [] { return std::make_unique<TCreated>(); });
+    RecreateOperations().Register(ViewObjectType, [] { return std::make_unique<TCreated>(); });
   }
   ~ImportFile() override {
     for (const TEIObjectClass Class : Classes) EITypeList().UnregisterEIObject(Class);

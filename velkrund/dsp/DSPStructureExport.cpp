@@ -5,15 +5,9 @@
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/structures/DSPContainer.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
 
 namespace velkrund {
-
-namespace {
-
-// Structures of this type hold the text of a program.
-constexpr int ExecutableProcedure = 73;
-
-}  // namespace
 
 void TEIDSPStructureCommon::WriteRemarks(TEIStream& Stream) const {
   std::string_view Rest = Item.Remarks;
@@ -40,7 +34,7 @@ void TEIDSPStructureCommon::ExportData(TEIStream& Stream) {
     throw EDSPUtilError(
         Format("Can not export DSP structure. Specified node not found (%s;Node:'%s').", Identity(), RootNode));
   const auto Texts = NodeTexts();
-  TDSPTreeWriter Writer(Stream, *Texts, Item.ObjectType == ExecutableProcedure);
+  TDSPTreeWriter Writer(Stream, *Texts, Item.ObjectType == ExecStoredProcObjectType);
   Writer.Write(*Start, !RootNode.empty(), [this] {
     if (IsCanceled()) throw EAbort("Export of a structure is cancelled");
   });

@@ -49,7 +49,7 @@ TRecreateOperation* TUORecreateContainer::Add(int ObjectType, const std::string&
   Operation->Owner = this;
   Operation->ObjectName = Name;
   Operation->DatabaseName = DatabaseName;
-  if (ObjectType == GeneratorType && Section)
+  if (ObjectType == GeneratorObjectType && Section)
     if (const std::int64_t StartValue = StartValueOf(*Section); StartValue > 0) Operation->SetStartValue(StartValue);
   FEntries.push_back({Name, ObjectType, std::move(Operation)});
   return FEntries.back().Operation.get();
@@ -101,7 +101,8 @@ TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndVi
   for (TEntry& Entry : FEntries) {
     if (IsCanceled()) return {};
     if (Entry.Name.empty()) continue;
-    if (GeneratorsAndViewsOnly && Entry.ObjectType != GeneratorType && Entry.ObjectType != ViewType) continue;
+    if (GeneratorsAndViewsOnly && Entry.ObjectType != GeneratorObjectType && Entry.ObjectType != ViewObjectType)
+      continue;
     Create(Entry, Sweep);
   }
   return Sweep;

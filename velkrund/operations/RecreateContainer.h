@@ -9,6 +9,7 @@
 
 #include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/UtilOperation.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
 
 namespace velkrund {
 
@@ -46,12 +47,6 @@ using TRecreateOperationsGuard = THookGuard<TRecreateOperationList, &SetRecreate
 /// failed is tried again as long as something else could be created. Generators and views come before procedures.
 class TUORecreateContainer : public TDatabaseUtilOperation {
  public:
-  // Object types of the platform that the container takes.
-  static constexpr int GeneratorType = 71;
-  static constexpr int ViewType = 72;
-  static constexpr int ExecStoredProcType = 73;
-  static constexpr int SelectStoredProcType = 74;
-
   /// Returns the new entry's operation, owned by the container; null, and nothing added, for other types. Section:
   /// where the object comes from, its "StartValue" is that of a generator; may be null. DatabaseName must be set
   /// before.
@@ -62,8 +57,9 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   TRecreateOperation* Items(int Index) const;
   /// -1 for an index out of range.
   int GetObjectType(int Index) const;
+  /// Generators, views and stored procedures.
   static bool OurObjectType(int ObjectType) {
-    return ObjectType >= GeneratorType && ObjectType <= SelectStoredProcType;
+    return ObjectType >= GeneratorObjectType && ObjectType <= SelectStoredProcObjectType;
   }
   /// The names of what is not created yet, each followed by ";", cut with " more..." beyond 500 UTF-16 units.
   std::string GatherObjectsNames() const;

@@ -17,7 +17,6 @@ namespace velkrund {
 
 namespace {
 
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr char CommentMark = ';';
 
 }  // namespace

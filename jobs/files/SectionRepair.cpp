@@ -10,13 +10,14 @@
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
 namespace {
 
 constexpr std::size_t BlockSize = 256 * 1024;
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF", SectionMarker = "[SECTION]", EndMarker = "[END]";
+constexpr std::string_view SectionMarker = "[SECTION]", EndMarker = "[END]";
 
 /// Watches the bytes of lines go by for lines that are markers. Keeps no line: one may be as long as the file.
 class TMarkerWatch {

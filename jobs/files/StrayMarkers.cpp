@@ -10,7 +10,6 @@ namespace velkrund {
 
 namespace {
 
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t ExcerptLength = 40;  // in UTF-16 units
 // A file whose lines end with a line feed alone is one line, however long.
 constexpr std::size_t HeadBytes = 4096;

@@ -31,7 +31,7 @@ void AppendNodeName(std::string& Out, std::string_view Name, const TCodePage* Pa
     const std::size_t Start = At;
     const char32_t Code = NextCodePoint(Name, At);
     const std::string_view Character = Name.substr(Start, At - Start);
-    const bool Broken = Code == 0xFFFD && Character != "\xEF\xBF\xBD";
+    const bool Broken = Code == 0xFFFD && Character != ReplacementUtf8;
     const auto Byte = Page ? Page->FromUnicode(Code) : std::nullopt;
     if (Broken) ++Losses.Malformed;
     if (Page && !Byte)

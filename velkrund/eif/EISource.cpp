@@ -13,8 +13,6 @@ namespace velkrund {
 
 namespace {
 
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
-
 // A header is read back trimmed and line by line: what would not come back as it was must not be written.
 void CheckHeaderValue(std::string_view Name, std::string_view Value) {
   if (Trim(Value) != Value || Value.find('\r') != std::string_view::npos)

@@ -110,14 +110,14 @@ std::int64_t AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace
     }
     std::size_t Next = At;
     const char32_t Code = NextCodePoint(Text, Next);
-    const bool Broken = Code == 0xFFFD && Text.substr(At, 3) != "\xEF\xBF\xBD";
+    const bool Broken = Code == 0xFFFD && Text.substr(At, 3) != ReplacementUtf8;
     if (Code >= 0xA0 && !Broken) {
       At = Next;
       continue;
     }
     FlushRun();
     if (Broken)
-      Out += "\xEF\xBF\xBD", ++Malformed;
+      Out += ReplacementUtf8, ++Malformed;
     else
       AppendEscape(Out, Code);
     RunStart = At = Next;

@@ -25,7 +25,7 @@ std::string Printable(std::string_view Text) {
     const char32_t Code = NextCodePoint(Text, At);
     const std::string_view Bytes = Text.substr(Start, At - Start);
     if (Code == '\r' && At < Text.size() && Text[At] == '\n') continue;
-    const bool Malformed = Code == 0xFFFD && Bytes != "\xEF\xBF\xBD";
+    const bool Malformed = Code == 0xFFFD && Bytes != ReplacementUtf8;
     if (Malformed || IsControl(Code))
       AppendVisible(Result, Bytes);
     else

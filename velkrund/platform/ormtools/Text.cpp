@@ -6,7 +6,6 @@ namespace velkrund {
 namespace {
 
 constexpr char32_t Replacement = 0xFFFD;
-constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
 
 unsigned char ByteAt(std::string_view Text, std::size_t Position) { return static_cast<unsigned char>(Text[Position]); }
 

@@ -11,6 +11,11 @@ namespace velkrund {
 // form (ED A0 80 .. ED BF BF); every function here takes it as one valid character. Where a rule counts characters it
 // means UTF-16 units: a character beyond U+FFFF is two of them.
 
+/// Stands before the first line of a file, where it says that the file is UTF-8.
+inline constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+/// U+FFFD, in place of what is malformed.
+inline constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
+
 /// Number of bytes of the longest beginning of Text that is ASCII.
 std::size_t AsciiPrefix(std::string_view Text);
 

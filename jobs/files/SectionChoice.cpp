@@ -74,8 +74,8 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
 }
 
 std::string TableOf(const TEISection& Section) {
-  const int Index = Section.FParameters.IndexOf("TableName");
-  return Index < 0 ? std::string() : Section.FParameters.ParamValues(Index);
+  const std::string* const Name = Section.FindParam("TableName");
+  return Name ? *Name : std::string();
 }
 
 std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {

@@ -13,12 +13,11 @@ namespace {
 
 /// The structure that a section names; nothing where its header is faulty.
 std::optional<TStructureId> StructureOf(const TEISection& Section) {
-  const TEISectionParameters& Parameters = Section.FParameters;
-  const int Type = Parameters.IndexOf("ObjectType"), Name = Parameters.IndexOf("ObjectName");
-  if (Type < 0 || Name < 0) return std::nullopt;
-  const std::optional<std::int32_t> Number = StrToInt32(Parameters.ParamValues(Type));
+  const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
+  if (!Type || !Name) return std::nullopt;
+  const std::optional<std::int32_t> Number = StrToInt32(*Type);
   if (!Number) return std::nullopt;
-  return TStructureId{*Number, Parameters.ParamValues(Name)};
+  return TStructureId{*Number, *Name};
 }
 
 }  // namespace

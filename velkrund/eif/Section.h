@@ -23,6 +23,8 @@ class TEISection {
   const std::string& ParamName(int Index) const { return FParameters.ParamNames(Index); }
   /// Raises EEIError when absent.
   const std::string& ParamValue(std::string_view Name) const { return FParameters.Values(Name); }
+  /// Null when absent.
+  const std::string* FindParam(std::string_view Name) const { return FParameters.Find(Name); }
   std::string_view TypeName() const { return ObjectClass.TypeName(); }
 
   std::string FName;

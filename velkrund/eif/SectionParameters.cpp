@@ -25,15 +25,19 @@ int TEISectionParameters::IndexOf(std::string_view Name) const {
   return -1;
 }
 
+const std::string* TEISectionParameters::Find(std::string_view Name) const {
+  const int Index = IndexOf(Name);
+  return Index < 0 ? nullptr : &ParamValues(Index);
+}
+
 void TEISectionParameters::AddParam(std::string_view Name, std::string_view Value) {
   if (!FNames.insert(LowerCase(Name)).second) throw EEIError(Format("Parameter '%s' is already exist", Name));
   FList.emplace_back(Name, Value);
 }
 
 const std::string& TEISectionParameters::Values(std::string_view Name) const {
-  const int Index = IndexOf(Name);
-  if (Index < 0) throw EEIError("Parameter '%s' not found");
-  return ParamValues(Index);
+  if (const std::string* const Value = Find(Name)) return *Value;
+  throw EEIError("Parameter '%s' not found");
 }
 
 void TEISectionParameters::SetValues(std::string_view Name, std::string Value) {

@@ -19,6 +19,8 @@ class TEISectionParameters {
   void SetParamValues(int Index, std::string Value);
   /// -1 when absent.
   int IndexOf(std::string_view Name) const;
+  /// The value; null when absent.
+  const std::string* Find(std::string_view Name) const;
 
   /// EEIError "Parameter '%s' is already exist".
   void AddParam(std::string_view Name, std::string_view Value);

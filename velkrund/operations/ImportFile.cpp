@@ -54,12 +54,10 @@ class TSettingsOfHost {
 };
 
 void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName) {
-  constexpr std::string_view TableNameParameter = "TableName";
   if (!InstalledMissingTableHook) return;
   if (InstalledMissingTableHook(Section, DatabaseName) != TMissingTable::Declined) return;
-  const bool NamesTable = Section.FParameters.IndexOf(TableNameParameter) >= 0;
-  throw Exception(
-      Format("Creation of table '%s' cancelled", NamesTable ? Section.ParamValue(TableNameParameter) : Section.Name()));
+  const std::string* const TableName = Section.FindParam("TableName");
+  throw Exception(Format("Creation of table '%s' cancelled", TableName ? *TableName : Section.Name()));
 }
 
 }  // namespace

@@ -6,10 +6,10 @@
 namespace velkrund {
 
 std::optional<TLoadTarget> TImportFileObserver::TargetOf(const TEIFile&, const TEISection& Section) {
-  constexpr std::string_view TableNameParameter = "TableName";
-  if (Section.FParameters.IndexOf(TableNameParameter) < 0) return std::nullopt;
+  const std::string* const TableName = Section.FindParam("TableName");
+  if (!TableName) return std::nullopt;
   try {
-    const auto Table = BaseMng().GetUserTable(Section.ParamValue(TableNameParameter), FDatabaseName, true);
+    const auto Table = BaseMng().GetUserTable(*TableName, FDatabaseName, true);
     if (Table) return TLoadTarget{Table->TableName()};
   } catch (const EDatabaseError&) {
     // The section's import meets the same error, and a person is asked about it.

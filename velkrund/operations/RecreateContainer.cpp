@@ -15,12 +15,11 @@ namespace velkrund {
 namespace {
 
 constexpr std::size_t MaxNamesLength = 500;
-constexpr std::string_view StartValueParameter = "StartValue";
 
 /// 0 when the section names none.
 std::int64_t StartValueOf(const TEISection& Section) {
-  if (Section.FParameters.IndexOf(StartValueParameter) < 0) return 0;
-  return StrToInt64(Section.ParamValue(StartValueParameter)).value_or(0);
+  const std::string* const Value = Section.FindParam("StartValue");
+  return Value ? StrToInt64(*Value).value_or(0) : 0;
 }
 
 }  // namespace

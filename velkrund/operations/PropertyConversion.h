@@ -14,12 +14,12 @@ namespace velkrund::property_access {
 // Which property a C++ type makes, and its values there and back. The caller has checked type and range.
 
 template <typename TValue>
-constexpr bool IsOptional = false;
+inline constexpr bool IsOptional = false;
 template <typename TValue>
-constexpr bool IsOptional<std::optional<TValue>> = true;
+inline constexpr bool IsOptional<std::optional<TValue>> = true;
 
 template <typename TValue>
-constexpr bool IsChoice = std::is_enum_v<TValue> || IsOptional<TValue>;
+inline constexpr bool IsChoice = std::is_enum_v<TValue> || IsOptional<TValue>;
 
 template <typename TValue>
 constexpr TPropertyType TypeOf() {

@@ -21,8 +21,8 @@ enum class TOnError : int { Ask = 0, Continue = 1, Stop = 2 };
 enum class TMissingFields : int { Skip = 0, Refuse = 1 };
 
 /// Everything that a person would be asked about or has to allow, decided beforehand: one record for all jobs. What is
-/// left at Ask is asked, through the installed window system, before anything is changed; where nobody can be asked it
-/// is an EPolicyUnanswered.
+/// left at Ask is asked, through the installed window system: about structures as each one comes, about all else before
+/// anything is changed. Where nobody can be asked it is an EPolicyUnanswered, before anything is changed.
 struct TPolicies {
   TExisting ExistingRows = TExisting::Ask;
   TExisting ExistingSections = TExisting::Ask;

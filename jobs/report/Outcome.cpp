@@ -83,7 +83,8 @@ int TOutcome::Count(TItemState State) const {
 TEnd TOutcome::End() const {
   if (!Error.empty()) return TEnd::Failed;
   if (!Cancelled.empty() || Any(TItemState::Cancelled)) return TEnd::Cancelled;
-  return Any(TItemState::Failed) ? TEnd::Failed : TEnd::Done;
+  if (Any(TItemState::Failed)) return TEnd::Failed;
+  return Any(TItemState::NotReached) ? TEnd::Cancelled : TEnd::Done;
 }
 
 TTotals TOutcome::Totals() const {

@@ -17,6 +17,9 @@ constexpr std::string_view Releases[] = {"rv17", "rv20"};
 constexpr std::string_view Encodings[] = {"default", "ansi", "utf8"};
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::ExistingSections,
+    TPolicyRows::OnError,
+    TPolicyRows::AllowLoss,
     PropertyOf<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
     PropertyOf<&TExportJob::SectionName>("SectionName", "for one section: its name; empty: as the job names it"),
     ChoiceOf<&TExportJob::ReleaseVersion>("ReleaseVersion", "release whose readers the file has to suit", Releases),
@@ -107,14 +110,16 @@ void TExportJob::SetUpOperation() {
 
 void TExportJob::Write() {
   SetUpOperation();
-  SetParts(FOutcome.Items.size());
+  const auto Count = static_cast<double>(FOutcome.Items.size());
   // Rows of one section refer to rows of another.
   TReadTransaction Moment(Manager().Databases(), DatabaseName);
   for (std::size_t I = 0; I < FOutcome.Items.size(); ++I) {
     TItem& Item = FOutcome.Items[I];
     if (Item.State == TItemState::LeftOut) continue;
+    SetShare(static_cast<double>(I) / Count, static_cast<double>(I + 1) / Count);
     WriteOne(Item, FSteps[I]);
-    if (Item.State == TItemState::Failed ? IsLast(I) || !GoOn() : Item.State != TItemState::Done || IsCanceled()) break;
+    if (Item.State == TItemState::Failed ? IsLast(I) || !GoOn(Item) : Item.State != TItemState::Done || IsCanceled())
+      break;
     if (Item.State != TItemState::Failed) continue;
     Moment.Renew();
     FOutcome.Notes.push_back(Format("what follows '%s' is of a later moment than what stands before", Item.Section));
@@ -147,9 +152,11 @@ bool TExportJob::IsLast(std::size_t Index) const {
                       [](const TItem& Later) { return Later.State != TItemState::LeftOut; });
 }
 
-bool TExportJob::GoOn() {
+bool TExportJob::GoOn(const TItem& Failed) {
+  constexpr const char* Question = "Go on with the next one?";
   try {
-    return FErrors->GoOn("Go on with the next one?");
+    // Who hears of errors as they come has been told.
+    return FErrors->GoOn(Listener ? Question : Failed.Note + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
   } catch (const EAbort& Abort) {
@@ -159,6 +166,8 @@ bool TExportJob::GoOn() {
 }
 
 void TExportJob::Finish() {
+  const bool Broken = !FOutcome.Any(TItemState::Failed) && FOutcome.Any(TItemState::NotReached);
+  if (Broken && FOutcome.Cancelled.empty()) FOutcome.Cancelled = "cancelled; what was finished before stays";
   // A wish to stop that came before has been obeyed; what is finished is put right now.
   const bool Stopped = IsCanceled();
   try {

@@ -56,7 +56,7 @@ class TExportJob : public TSectionsJob {
   void Write();
   void WriteOne(TItem& Item, const TStep& Step);
   bool IsLast(std::size_t Index) const;
-  bool GoOn();
+  bool GoOn(const TItem& Failed);
   void Finish();
 
   const char* const FKind;

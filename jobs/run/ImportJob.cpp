@@ -32,7 +32,7 @@ void TImportJob::Run() {
   FUnreadable.clear();
   FSteps.clear();
   FErrors.emplace(Policies.OnError);
-  FTablesBegun = FStopped = false;
+  FStopped = false;
   FParts = MakeParts();
   const TCreateMissing Create(Manager().Databases(), CreateDatabase);
   FInputs = std::make_unique<TInputFiles>(Files(), Names(), Canceled());
@@ -53,8 +53,12 @@ void TImportJob::Run() {
 
 void TImportJob::LookAt(TInputFile& Input) {
   Input.File().SetStrictText(!Policies.AllowLoss);
+  std::vector<std::string> Hidden;
   try {
     Input.Open();
+    Hidden = NoteLines(Input);
+    if (GoesOnWithoutFile() && Input.File().Sections().Count() == 0)
+      throw EEIError(Format("'%s' holds no section%s%s", Input.Name(), Hidden.empty() ? "" : ": ", Joined(Hidden)));
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {
@@ -64,7 +68,7 @@ void TImportJob::LookAt(TInputFile& Input) {
   }
   if (Input.File().Losses().Any())
     FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
-  for (const int Index : Choose(Input, NoteLines(Input))) Add(Input, Index);
+  for (const int Index : Choose(Input, Hidden)) Add(Input, Index);
 }
 
 /// Lines outside of sections, which an import passes over. Returns those that hide a section.
@@ -86,7 +90,8 @@ void TImportJob::Add(TInputFile& Input, int Index) {
   if (FInputs->Inputs().size() > 1) Item.File = Input.Name();
   if (Step.Part) Step.Part->Add(Input, Index, Item, Step.Number);
   FOutcome.Items.push_back(std::move(Item));
-  FSteps.emplace(TPlace(Input.Name(), Section.Position), Step);
+  if (!FSteps.emplace(TPlace(Input.Name(), Section.Position), Step).second)
+    throw ESettingsError(Format("two inputs go by the name '%s': give one of the files another name", Input.Name()));
 }
 
 /// What the loading of the tables would refuse, before anything is changed.
@@ -99,10 +104,10 @@ void TImportJob::CheckEmptying() const {
   if (!Targets.empty() && Relations()) Relations()->Load(DatabaseName, Targets);
 }
 
-std::int64_t TImportJob::Bytes(bool OfTables) const {
+std::int64_t TImportJob::Bytes() const {
   std::int64_t Result = 0;
   for (const auto& [Place, Step] : FSteps)
-    if (Step.IsTable == OfTables && FOutcome.Items[Step.Number].State != TItemState::LeftOut) Result += Step.Bytes;
+    if (FOutcome.Items[Step.Number].State != TItemState::LeftOut) Result += Step.Bytes;
   return Result;
 }
 
@@ -114,11 +119,9 @@ void TImportJob::Import() {
   Operation.FileSystem = FInputs.get();
   Operation.fCreateDBStructures = MakesObjects();
   Operation.Observer = this;
-  Operation.FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
-    ShowPart(Current, Total, Name);
-  };
-  // Of several files the operation counts each one's structures, then all tables together.
-  BeginPart(FOutcome.File, "bytes", FInputs->Inputs().size() > 1 ? -1 : Bytes(false) + Bytes(true));
+  FTotal = Bytes();
+  FReached = 0;
+  BeginPart(FOutcome.File, "bytes", FTotal);
   int Result = 0;
   try {
     Result = Operation.Execute();
@@ -167,9 +170,12 @@ void TImportJob::BeginTables(const TTableLoading& Loading) {
 
 bool TImportJob::BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) {
   const TStep& Step = StepOf(File, Section);
-  if (FInputs->Inputs().size() > 1 && Step.IsTable && !FTablesBegun) BeginPart(FOutcome.File, "bytes", Bytes(true));
-  FTablesBegun = FTablesBegun || Step.IsTable;
   SetSubject(FOutcome.Items[Step.Number].Subject());
+  // The operation counts the bytes of each file and of all tables; here those of the whole run count.
+  Object.OnProgress = [this, Bytes = Step.Bytes](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    const double Share = Total > 0 ? std::clamp(static_cast<double>(Current) / Total, 0.0, 1.0) : 0;
+    ReportProgress(FShow, FReached + static_cast<std::int64_t>(Share * static_cast<double>(Bytes)), FTotal, Name);
+  };
   if (Step.Part) Step.Part->Begin(Step.Number, Object);
   FAccount.emplace(File);
   return true;
@@ -181,6 +187,7 @@ void TImportJob::EndSection(const TEIFile& File, const TEISection& Section, cons
   TItem& Item = FOutcome.Items[Step.Number];
   if (FAccount) FAccount->Close(Item);
   Item.Bytes = Step.Bytes;
+  FReached += Step.Bytes;
   Item.State = Object && Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
   if (Step.Part) Step.Part->End(Item, Object);
   if (Error) Fail(Item, *Error);
@@ -208,20 +215,22 @@ void TImportJob::Fail(TItem& Item, const std::exception& Error) {
   if (Listener) Fault(Item.Note);
 }
 
-std::optional<bool> TImportJob::GoOn(const std::exception&) {
-  FStopped = !MayGoOn();
+std::optional<bool> TImportJob::GoOn(const std::exception& Error) {
+  FStopped = !MayGoOn(Error);
   return !FStopped;
 }
 
-bool TImportJob::MayGoOn() {
+bool TImportJob::MayGoOn(const std::exception& Error) {
   if (IsLast()) return true;
   try {
-    return FErrors->GoOn(Manager().LString("M_Velkrund_DSPUtils_ContinueImport"));
+    const std::string Question = Manager().LString("M_Velkrund_DSPUtils_ContinueImport");
+    // Who hears of errors as they come has been told.
+    return FErrors->GoOn(Listener ? Question : ErrorText(Error) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
     return false;
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancelled = Format("%s; what was finished before stays", Abort.what());
     throw;
   }
 }

@@ -36,7 +36,7 @@ class TImportPart {
 };
 
 /// Loads sections of files into a database: the one engine of all imports. Everything that can be known, and every
-/// question about what is there, comes before the first change.
+/// question about rows that are there, comes before the first change.
 class TImportJob : public TSectionsJob, private TImportFileObserver {
  public:
   bool CreateDatabase = false;  // make the database when it does not exist
@@ -71,12 +71,12 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   std::vector<std::string> NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void CheckEmptying() const;
-  std::int64_t Bytes(bool OfTables) const;
+  std::int64_t Bytes() const;
   void Import();
   void Conclude(int Result);
   const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TItem& Item, const std::exception& Error);
-  bool MayGoOn();
+  bool MayGoOn(const std::exception& Error);
   bool IsLast() const;
 
   // TImportFileObserver
@@ -98,8 +98,11 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   std::map<TPlace, TStep> FSteps;
   std::optional<TErrorPolicy> FErrors;
   std::optional<TItemAccount> FAccount;  // of the section that is being imported
-  bool FTablesBegun = false;
-  bool FStopped = false;  // after an error
+  const TProgressCallback FShow = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ShowPart(Current, Total, Name);
+  };
+  std::int64_t FTotal = 0, FReached = 0;  // bytes of sections: of the run, and of those that were ended
+  bool FStopped = false;                  // after an error
 };
 
 }  // namespace velkrund

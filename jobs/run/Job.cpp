@@ -1,6 +1,6 @@
 #include "jobs/run/Job.h"
 
-#include <limits>
+#include <algorithm>
 
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -26,18 +26,34 @@ class TCancelWhileWaiting {
   std::function<bool()> FBefore;
 };
 
+/// Lets a database go that was not open before: whoever works on for long does not hold on to a file that others may
+/// replace meanwhile.
+class TLetGo {
+ public:
+  TLetGo(TDatabases& Databases, const std::string& Name)
+      : FDatabases(Databases), FName(Name), FWasOpen(Databases.IsOpen(Name)) {}
+  TLetGo(const TLetGo&) = delete;
+  TLetGo& operator=(const TLetGo&) = delete;
+  ~TLetGo() {
+    if (!FWasOpen && FDatabases.IsOpen(FName)) FDatabases.Close(FName);
+  }
+
+ private:
+  TDatabases& FDatabases;
+  const std::string FName;
+  const bool FWasOpen;
+};
+
 }  // namespace
 
 int TJob::Execute() {
   FHasRun = true;
   FRaised = nullptr;
-  SetParts(1);
+  SetShare(0, 1);
   try {
     Forget();
     CheckSettings();
-    if (NeedsDatabase()) CheckDatabaseName();
-    const TCancelWhileWaiting Waiting(Manager().Databases(), Canceled());
-    Run();
+    RunOnDatabase();
   } catch (const EAbort&) {
     FRaised = std::current_exception();
     FEnd = TEnd::Cancelled;
@@ -54,6 +70,15 @@ int TJob::Execute() {
   FEnd = Conclusion();
   if (FEnd == TEnd::Failed) std::rethrow_exception(Failure());
   return FEnd == TEnd::Done ? 1 : 0;
+}
+
+void TJob::RunOnDatabase() {
+  TDatabases& Databases = Manager().Databases();
+  const TCancelWhileWaiting Waiting(Databases, Canceled());
+  if (!NeedsDatabase()) return Run();
+  CheckDatabaseName();
+  const TLetGo LetGo(Databases, DatabaseName);
+  Run();
 }
 
 std::string TJob::Report() const {
@@ -103,9 +128,9 @@ void TJob::CheckDatabaseName() {
   FDatabaseText = TextOfDatabase();
 }
 
-void TJob::SetParts(std::size_t Count) {
-  FParts = std::max<std::size_t>(Count, 1);
-  FPart = 0;
+void TJob::SetShare(double From, double To) {
+  FFrom = From;
+  FTo = To;
 }
 
 void TJob::BeginPart(const std::string& Subject, const std::string& Unit, std::int64_t Total) {
@@ -118,16 +143,15 @@ void TJob::SetSubject(const std::string& Subject) {
 
 void TJob::ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const {
   if (Listener) return Listener->Progress(Current, Total);
-  if (FParts == 1) return ShowProgress(Current, Total, Name);
-  const double Share = Total > 0 ? static_cast<double>(Current) / Total : 0;
-  ShowProgress(
-      static_cast<std::int32_t>((static_cast<double>(FPart) + Share) / static_cast<double>(FParts) * Millionths),
-      Millionths, Name);
+  const double Share = Total > 0 ? std::clamp(static_cast<double>(Current) / Total, 0.0, 1.0) : 0;
+  ShowProgress(static_cast<std::int32_t>((FFrom + Share * (FTo - FFrom)) * Millionths), Millionths, Name);
 }
 
 void TJob::EndPart() {
-  ++FPart;
-  if (Listener) Listener->End();
+  if (Listener)
+    Listener->End();
+  else
+    ShowPart(1, 1, {});
 }
 
 void TJob::Fault(const std::string& Text) const {

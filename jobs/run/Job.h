@@ -57,8 +57,9 @@ class TJob : public TDatabaseUtilOperation {
     return [this] { return IsCanceled(); };
   }
 
-  // Progress. The run has that many parts, each between Begin and End; hosts without a listener see one whole.
-  void SetParts(std::size_t Count);
+  // Progress. A listener hears of each part between Begin and End; hosts without one see the whole, of which a part
+  // covers what SetShare says, from one share to another (0 .. 1); all of it unless told.
+  void SetShare(double From, double To);
   void BeginPart(const std::string& Subject, const std::string& Unit, std::int64_t Total = -1);
   void SetSubject(const std::string& Subject);
   void ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const;
@@ -68,6 +69,7 @@ class TJob : public TDatabaseUtilOperation {
   void Complain(const std::string& Text) const;
 
  private:
+  void RunOnDatabase();
   void CheckDatabaseName();
   std::string TextOfDatabase() const;
 
@@ -75,7 +77,7 @@ class TJob : public TDatabaseUtilOperation {
   TEnd FEnd = TEnd::Done;
   std::exception_ptr FRaised;
   bool FHasRun = false;
-  std::size_t FParts = 1, FPart = 0;
+  double FFrom = 0, FTo = 1;  // of the whole
 };
 
 /// A job that meets what is there already.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "jobs/policies/PolicyProperties.h"
 #include "jobs/run/Job.h"
 #include "velkrund/operations/OperationInterface.h"
 #include "velkrund/operations/PropertyAccess.h"
@@ -18,10 +19,12 @@ class TJobInterface final : public TOperationInterface<TJobInterface<TJobClass>,
   static constexpr const TInterfaceDescriptor& Descriptor = TJobClass::Interface;
 };
 
+/// Rows for the policies that a job obeys.
+using TPolicyRows = TPolicyProperties<&TPolicyJob::Policies>;
+
 // Properties that jobs share; the tables of single jobs begin with one of these.
 
 extern const TPropertyTable JobProperties;          // Report
-extern const TPropertyTable PolicyJobProperties;    // and the policies
 extern const TPropertyTable SectionsJobProperties;  // and the counts
 
 }  // namespace velkrund

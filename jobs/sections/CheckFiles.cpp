@@ -16,6 +16,7 @@ namespace {
 using TThis = TJobCheckFiles;
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::AllowLoss,
     PropertyOf<&TThis::FileNames>("FileNames", "the files; - is standard input"),
     ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Faults; }>(
         "Faults", "faulty or hidden sections, faulty headers and files of the last run"),
@@ -50,7 +51,7 @@ TDocument DocumentOf(const TCheckedFile& File) {
 
 constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobCheckFiles");
 constinit const TInterfaceDescriptor TThis::Interface =
-    TJobInterface<TThis>::Describe("TJobCheckFilesInterface", {&PolicyJobProperties, Properties});
+    TJobInterface<TThis>::Describe("TJobCheckFilesInterface", {&JobProperties, Properties});
 
 const char* CheckText(TItemState State) {
   switch (State) {
@@ -81,7 +82,6 @@ void TJobCheckFiles::Forget() {
 }
 
 void TJobCheckFiles::Run() {
-  SetParts(FileNames.size());
   for (const std::string& Name : FileNames) {
     if (FTotals.Cancelled) break;
     FChecked.push_back({Name, Name});
@@ -129,8 +129,11 @@ void TJobCheckFiles::CheckSections(TInputFile& Input, TCheckedFile& Result) {
   TSectionChecker Checker(Manager(), Wish, [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
     ShowPart(Current, Total, Name);
   });
+  const double Before = static_cast<double>(FChecked.size() - 1) / static_cast<double>(FileNames.size());
+  const double Share = 1.0 / static_cast<double>(FileNames.size()) / std::max(Sections.Count(), 1);
   for (int Index = 0; Index < Sections.Count(); ++Index) {
     const TEISection& Section = Sections[Index];
+    SetShare(Before + static_cast<double>(Index) * Share, Before + static_cast<double>(Index + 1) * Share);
     BeginPart(Section.Name(), "bytes", Section.DataSize);
     TSectionChecker::TChecked Read = Checker.Check(Input.File(), Index);
     EndPart();

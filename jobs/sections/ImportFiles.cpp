@@ -14,6 +14,12 @@ namespace {
 using TThis = TJobImportFiles;
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::ExistingRows,
+    TPolicyRows::ExistingStructures,
+    TPolicyRows::OnError,
+    TPolicyRows::MissingFields,
+    TPolicyRows::AllowLoss,
+    TPolicyRows::Lenient,
     PropertyOf<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),
     PropertyOf<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
 };

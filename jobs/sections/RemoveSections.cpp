@@ -16,6 +16,7 @@ namespace {
 using TThis = TJobRemoveSections;
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::Yes,
     PropertyOf<&TThis::FileName>("FileName", "the file"),
     PropertyOf<&TThis::Indexes>("Indexes", "sections to remove, by index from 0"),
     PropertyOf<&TThis::Names>("Names", "sections to remove, by name"),
@@ -25,7 +26,7 @@ constexpr TProperty Properties[] = {
 
 constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobRemoveSections");
 constinit const TInterfaceDescriptor TThis::Interface =
-    TJobInterface<TThis>::Describe("TJobRemoveSectionsInterface", {&PolicyJobProperties, Properties});
+    TJobInterface<TThis>::Describe("TJobRemoveSectionsInterface", {&JobProperties, Properties});
 
 void TJobRemoveSections::CheckSettings() const {
   Require(FileName, "FileName");

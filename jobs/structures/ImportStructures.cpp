@@ -14,6 +14,9 @@ using enum TDSPImportOverwriteOptions;
 constexpr std::string_view MergeChoices[] = {"no", "skip", "replace", "difference"};
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::ExistingStructures,
+    TPolicyRows::OnError,
+    TPolicyRows::AllowLoss,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
     PropertyOf<&TThis::Sections>("Sections", "names or indexes of the sections to load; empty: all structure sections"),
     PropertyOf<&TThis::ObjectName>("ObjectName", "for one section: the structure to load; empty: the one it names"),

@@ -16,6 +16,12 @@ constexpr TProperty ChoiceProperties[] = {
     PropertyOf<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; -1: any"),
 };
 
+constexpr TProperty DropProperties[] = {
+    ChoiceProperties<TJobDropStructure>[0],
+    ChoiceProperties<TJobDropStructure>[1],
+    TPolicyRows::Yes,
+};
+
 /// Everything about a structure but its tree.
 TDocument PropertiesDocument(const TDSPListItem& Item) {
   TDocument Result;
@@ -36,8 +42,8 @@ constinit const TInterfaceDescriptor TJobShowStructure::Interface = TJobInterfac
     "TJobShowStructureInterface", {&JobProperties, ChoiceProperties<TJobShowStructure>});
 constinit const TUtilOperationDescriptor TJobDropStructure::Descriptor =
     OperationDescriptor<TJobDropStructure>("TJobDropStructure");
-constinit const TInterfaceDescriptor TJobDropStructure::Interface = TJobInterface<TJobDropStructure>::Describe(
-    "TJobDropStructureInterface", {&PolicyJobProperties, ChoiceProperties<TJobDropStructure>});
+constinit const TInterfaceDescriptor TJobDropStructure::Interface =
+    TJobInterface<TJobDropStructure>::Describe("TJobDropStructureInterface", {&JobProperties, DropProperties});
 
 void TJobListStructures::Run() {
   FFound = StructuresLike(DSPContainer().Table(DatabaseName), Choice.ObjectType, Choice.ObjectName);

@@ -11,6 +11,11 @@ namespace {
 using TThis = TJobImportTables;
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::ExistingRows,
+    TPolicyRows::OnError,
+    TPolicyRows::MissingFields,
+    TPolicyRows::AllowLoss,
+    TPolicyRows::Lenient,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
     PropertyOf<&TThis::Sections>("Sections",
                                  "names or indexes of the sections to load; empty: all table data sections"),

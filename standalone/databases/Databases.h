@@ -46,7 +46,9 @@ class TDatabases {
 
   /// Whether two names mean the same database.
   bool IsSameDatabase(const std::string& A, const std::string& B) const;
-  /// Frees the connection, rolling an open transaction back. Its tables must be freed before.
+  /// Whether there is a connection under that very name.
+  bool IsOpen(const std::string& Name) const { return FNames.contains(Name); }
+  /// Frees the connection, if there is one, rolling an open transaction back. Its tables must be freed before.
   void Close(const std::string& Name);
 
  private:

@@ -29,6 +29,9 @@ class THostsTest : public TCommandTest {
     Write("bad.eif", Read("l.eif") + Form("A") + Read("o.eif").replace(Read("o.eif").find("<1|"), 3, "<1||"));
     Write("cut.eif", Read("o.eif") + Read("l.eif").substr(0, Read("l.eif").size() - 5));
     Write("twice.eif", Read("o.eif") + Read("o.eif"));
+    Write("typeless.eif", Form("C") + Form("D").replace(Form("D").find("= 12"), 4, "= x") + Form("E"));
+    Write("malformed.eif", Read("o.eif").replace(Read("o.eif").find("Name = O"), 8, "Name = Q\xFF"));
+    Write("lines.eif", "[SECTION]\nName = O\n");
     EXPECT_EQ(Run({"import", "structure", "-d", "sqlite:rows.db", "-i", "forms.eif"}).ExitCode, 0);
   }
 
@@ -193,6 +196,30 @@ TEST_F(THostsTest, DoAndRefuseTheSame) {
        {Structures, D, "FileName=w.eif", "Sections=A", "ObjectName=C"},
        "rows.db",
        "forms.eif"},
+      // One section with a faulty header fails alone.
+      {{"import", "structure", "-d", "sqlite:w.db", "-i", "w.eif", "--on-error", "continue"},
+       {Structures, D, "FileName=w.eif", "OnError=continue"},
+       "rows.db",
+       "typeless.eif",
+       1,
+       "x"},
+      // What nobody can read is added to by permission alone.
+      {{"export", "table", "-d", "sqlite:w.db", "-t", "L", "-o", "w.eif"},
+       {ExportTables, D, "Tables=L", "FileName=w.eif"},
+       "full.db",
+       "malformed.eif",
+       1,
+       "Allow losses"},
+      {{"export", "table", "-d", "sqlite:w.db", "-t", "L", "-o", "w.eif", "--allow-loss"},
+       {ExportTables, D, "Tables=L", "FileName=w.eif", "AllowLoss=true"},
+       "full.db",
+       "malformed.eif"},
+      {{"import", "file", "-d", "sqlite:w.db", "-i", "w.eif"},
+       {"TJobImportFilesInterface", D, "FileNames=w.eif"},
+       "empty.db",
+       "lines.eif",
+       1,
+       "holds no section"},
       {{"dictionary", "list", "-d", "sqlite:w.db"}, {"TJobListStructuresInterface", D}, "rows.db"},
       {{"dictionary", "show", "-d", "sqlite:w.db", "--name", "a"},
        {"TJobShowStructureInterface", D, "ObjectName=a"},

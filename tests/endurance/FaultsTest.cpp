@@ -61,7 +61,7 @@ std::string ErrorOf(const std::function<void()>& Work) {
 
 std::string ExportA(TFileSystem& Files, const TScene& Scene, const std::vector<int>& Replaced) {
   std::string Error = ErrorOf([&] {
-    TOutputFile Output(Files, Scene.F(), [](const std::string&) {});
+    TOutputFile Output(Files, Scene.F(), false, [](const std::string&) {});
     TUOExportTableDataInterface Operation;
     Operation.SetTarget(&Output.File());
     Operation.SetDatabaseName(Scene.Database("a.db"));
@@ -140,7 +140,7 @@ class TFaultsTest : public testing::Test {
             "CREATE TABLE A(ID INTEGER PRIMARY KEY, V); CREATE TABLE B(V UNIQUE);"
             "INSERT INTO A VALUES(7, hex(zeroblob(20000))), (8, NULL); INSERT INTO B VALUES('old')");
     TRealPlatform Platform;
-    TOutputFile Output(Platform.Manager.Files(), FTemplate.F(), {});
+    TOutputFile Output(Platform.Manager.Files(), FTemplate.F(), false, {});
     for (const char* Table : {"A", "B"}) {
       TUOExportTableDataInterface Operation;
       Operation.SetTarget(&Output.File());

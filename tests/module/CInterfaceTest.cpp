@@ -1,69 +1,12 @@
-#include <gtest/gtest.h>
-#include <sqlite3.h>
-#include <sys/wait.h>
+#include "tests/module/CInterface.h"
 
 #include <functional>
-
-#include "tests/support/TemporaryFolder.h"
-#include "velkrund/module/Velkrund.h"
 
 namespace velkrund::tests {
 namespace {
 
 constexpr const char* ImportFiles = "TUOImportFilesInterface";
 constexpr const char* ImportTable = "TUOImportTableDataInterface";
-
-std::u16string Asked;
-std::uint32_t AskedFlags = 0;
-std::int32_t HookAnswer = 0;
-
-std::int32_t Answer(std::uintptr_t, const VelkrundChar* Text, const VelkrundChar*, std::uint32_t Flags, std::int32_t,
-                    std::int32_t) {
-  Asked = Text;
-  AskedFlags = Flags;
-  return HookAnswer;
-}
-
-/// A database with a table of three rows, and a configuration that names it.
-class CInterface : public testing::Test {
- protected:
-  CInterface() {
-    Folder.Write("velkrund.toml", "[database.shop]\nurl = \"sqlite:shop.db\"\n");
-    SQL("shop.db", "CREATE TABLE T (ID INTEGER, NAME TEXT); INSERT INTO T VALUES (1, 'a'), (2, 'b'), (3, NULL);");
-    SQL("copy.db", "CREATE TABLE C (ID INTEGER, NAME TEXT); INSERT INTO C VALUES (9, 'kept');");
-  }
-
-  /// The rows of a query's single column, one a line.
-  std::string SQL(const std::string& File, const std::string& Statements) const {
-    sqlite3* Database = nullptr;
-    std::string Rows;
-    EXPECT_EQ(sqlite3_open((Folder / File).c_str(), &Database), SQLITE_OK);
-    const auto Take = [](void* Out, int, char** Values, char**) {
-      *static_cast<std::string*>(Out) += std::string(Values[0] ? Values[0] : "NULL") + "\n";
-      return 0;
-    };
-    EXPECT_EQ(sqlite3_exec(Database, Statements.c_str(), Take, &Rows, nullptr), SQLITE_OK) << sqlite3_errmsg(Database);
-    sqlite3_close(Database);
-    return Rows;
-  }
-
-  /// Runs the example in the folder; its messages are left in Messages.
-  int Example(const std::string& Arguments) {
-    const std::string Command = "cd '" + Folder / "" + "' && '" VELKRUND_EXAMPLE "' " + Arguments + " > out 2> err";
-    const int Status = std::system(Command.c_str());
-    Messages = Folder.Read("err");
-    return WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
-  }
-
-  std::string Get(VelkrundOperation* Operation, const char* Name, std::size_t Size = 100) {
-    std::string Text(Size, '#');
-    const std::size_t Needed = VelkrundGetProperty(Operation, Name, Text.data(), Size);
-    return std::to_string(Needed) + ":" + Text.c_str();
-  }
-
-  TTemporaryFolder Folder;
-  std::string Messages;
-};
 
 TEST_F(CInterface, ExampleExportsImportsAndCancels) {
   constexpr const char* Rows = "SELECT ID || ',' || ifnull(NAME, 'NULL') FROM C ORDER BY ID";
@@ -93,16 +36,6 @@ TEST_F(CInterface, ExampleExportsImportsAndCancels) {
     EXPECT_NE(Messages.find(Case.Message), std::string::npos) << Messages;
   }
 }
-
-/// The same process with a platform of its own.
-class CPlatform : public CInterface {
- protected:
-  CPlatform() { EXPECT_TRUE(VelkrundInstallPlatform((Folder / "velkrund.toml").c_str())) << VelkrundLastError(); }
-  ~CPlatform() override {
-    EXPECT_TRUE(VelkrundSetMessageBox(nullptr));
-    EXPECT_TRUE(VelkrundRemovePlatform()) << VelkrundLastError();
-  }
-};
 
 TEST_F(CPlatform, FailuresAreTexts) {
   VelkrundOperation* Import = VelkrundCreateOperation(ImportTable, nullptr);
@@ -247,58 +180,6 @@ TEST_F(CPlatform, HostsDecideAboutStructuresThatExist) {
     EXPECT_EQ(Asked.find(u"'S'") != std::u16string::npos, Case.Flags != 0);
     EXPECT_EQ(Asked.ends_with(u"\r\nYes: Replace\r\nNo: Skip"), Case.Flags != 0) << "what the answers mean";
   }
-}
-
-TEST_F(CPlatform, JobsAskBeforeTheyChangeAndForgetAfterwards) {
-  VelkrundOperation* Job = VelkrundCreateOperation("TJobImportTablesInterface", nullptr);
-  const auto Set = [&](const char* Name, const std::string& Text) {
-    EXPECT_TRUE(VelkrundSetProperty(Job, Name, Text.c_str())) << VelkrundLastError();
-  };
-  const auto Rows = [this] { return SQL("copy.db", "SELECT count(*) FROM C"); };
-  Set("DatabaseName", "sqlite:" + Folder / "copy.db");
-  Set("FileName",
-      Folder.Write("t.eif",
-                   "[SECTION]\r\nName = s\r\nType = TableData\r\nVersion = 200\r\nTableName = C\r\n[DATA]\r\n"
-                   " [FIELDS]\r\n  ID\r\n [RECORDS]\r\n  <1>\r\n  <2>\r\n[END]\r\n"));
-  constexpr std::int32_t NoHook = -1;
-  const struct {
-    std::int32_t Answer;
-    const char *Existing, *Outcome, *Rows;
-  } Cases[] = {
-      {NoHook, "ask", "0EPolicyUnanswered", "1\n"},
-      {0, "ask", "0EQuestionUnanswered", "1\n"},
-      {1, "ask", "0EQuestionUnanswered", "1\n"},
-      {2, "ask", "0", "1\n"},
-      {7, "ask", "1", "1\n"},
-      {NoHook, "skip", "1", "1\n"},
-      {NoHook, "append", "1", "3\n"},
-      {6, "ask", "1", "2\n"},
-      {NoHook, "replace", "1", "2\n"},
-      {2, "ask", "0", "2\n"},
-  };
-  for (const auto& Case : Cases) {
-    EXPECT_TRUE(VelkrundSetMessageBox(Case.Answer == NoHook ? nullptr : &Answer));
-    HookAnswer = Case.Answer, AskedFlags = 0;
-    Set("ExistingRows", Case.Existing);
-    std::string Outcome = std::to_string(VelkrundExecute(Job));
-    Outcome += VelkrundLastError();
-    EXPECT_EQ(Outcome.substr(0, Outcome.find(':')), Case.Outcome) << Case.Existing << Case.Answer;
-    EXPECT_EQ(Rows(), Case.Rows) << Case.Existing << Case.Answer;
-    EXPECT_EQ(AskedFlags, Case.Answer == NoHook ? 0U : 3U);
-  }
-
-  // Making databases is a setting of one run.
-  Set("DatabaseName", "sqlite:" + Folder / "made.db");
-  Set("CreateDatabase", "true");
-  EXPECT_FALSE(VelkrundExecute(Job));
-  EXPECT_TRUE(std::string_view(VelkrundLastError()).starts_with("EDatabaseError:There is no table 'C'"))
-      << VelkrundLastError();
-  Set("DatabaseName", "sqlite:" + Folder / "none.db");
-  Set("CreateDatabase", "false");
-  EXPECT_FALSE(VelkrundExecute(Job));
-  EXPECT_NE(std::string_view(VelkrundLastError()).find("does not exist"), std::string_view::npos)
-      << VelkrundLastError();
-  EXPECT_TRUE(VelkrundDestroyOperation(Job));
 }
 
 }  // namespace

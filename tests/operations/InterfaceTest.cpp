@@ -185,15 +185,16 @@ TEST(Interface, ProgressWindowRunsTheOperationWhenThereIsOne) {
   TScriptedInterface Object;
   Object.SetShowProgress(true);
   int Runs = 0;
-  Object.Scripted().Action = [&](TScripted&) { return ++Runs, 0; };
-  EXPECT_EQ(Object.Execute(), 1) << "the window's way always gives 1";
+  Object.Scripted().Action = [&](TScripted&) { return ++Runs, 7; };
+  EXPECT_EQ(Object.Execute(), 7);
   {
     const TProgressRunnerGuard Runner(
-        [&](TUtilOperation& Operation, const std::string&) { Runs += 10, Operation.Execute(); });
-    EXPECT_EQ(Object.Execute(), 1);
+        [&](TUtilOperation& Operation, const std::string&) { return Runs += 10, 10 * Operation.Execute(); });
+    EXPECT_EQ(Object.Execute(), 70);
   }
   EXPECT_EQ(Runs, 12);
-  EXPECT_EQ(Object.Execute(), 1);
+  Object.Scripted().Action = [&](TScripted&) { return ++Runs, 0; };
+  EXPECT_EQ(Object.Execute(), 0) << "a cancelled operation";
   EXPECT_EQ(Runs, 13) << "the runner is gone";
 }
 

@@ -125,7 +125,8 @@ TEST_P(Keys, FilesAreOnePlan) {
       {{"o:1"}, Filled, 0, Before, Enforced() ? "" : "all: o - check", Outside},
       // The failure of one.
       {{"o:1 l:1,"}, Filled, 0, Before, "all: o l - back", "Field value is missing"},
-      {{"o:1 l:1,1 nowhere:1"}, Filled, 0, Before, "all: o nowhere - back", "Error opening table"},
+      // What has no table takes no part.
+      {{"o:1 l:1,1 nowhere:1"}, Filled, 1, "o1 l1,1", "all: o nowhere l ", None, 1},
       {{"x:1 nowhere:1 x:2,"}, None, 1, "x1", "each: x nowhere x ", None, 2},
       // Second thoughts.
       {{"o:1 l:1,1"}, Filled, 0, Before, "all: o - back", None, 0, "o"},

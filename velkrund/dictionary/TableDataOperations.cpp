@@ -39,7 +39,6 @@ void TUOImportTableData::InitEIObject(TEIObject& Object) {
   Section.Fields = Fields.Count() ? &Fields : nullptr;
   Section.StrictValues = StrictValues.value_or(Section.StrictValues);
   if (!TableName.empty()) Section.TableName = TableName;
-  Section.Loading = Loading;
   Section.Report = &Report;
 }
 

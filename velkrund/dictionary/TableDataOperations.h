@@ -17,7 +17,6 @@ class TUOImportTableData : public TImportUtilOperation {
   bool SkipMissingFields = true;     // fields of the file that the table lacks are passed over; otherwise an error
   TStringList Fields;                // the only ones to load; empty: all fields of the file
   std::optional<bool> StrictValues;  // an unparseable value is an error, or NULL; nothing: as the application has it
-  TTableLoading* Loading = nullptr;  // borrowed; the tables that are loaded in one go with it; null: it alone
   TTableDataReport Report;           // of the last run
 
   static const TUtilOperationDescriptor Descriptor;

@@ -24,6 +24,7 @@ struct VelkrundOperation {
   std::shared_ptr<velkrund::TRBaseManager> Manager;                 // may be empty
   std::map<std::string, std::shared_ptr<velkrund::TEIFile>> Files;  // by property name
   std::unique_ptr<velkrund::TUtilOperationInterface> Object;
+  bool Running = false;  // its settings are in use
   velkrund::TCHandleCount Counted;
 };
 

@@ -43,6 +43,17 @@ TUtilOperationInterface& ObjectOf(VelkrundOperation* Operation, const char* Name
   return *Operation->Object;
 }
 
+void RequireAtRest(const VelkrundOperation* Operation) {
+  if (Operation && Operation->Running)
+    throw EPropertyError("The operation is running: callbacks can neither change it nor destroy it");
+}
+
+TUtilOperationInterface& ObjectToChange(VelkrundOperation* Operation, const char* Name) {
+  TUtilOperationInterface& Object = ObjectOf(Operation, Name);
+  RequireAtRest(Operation);
+  return Object;
+}
+
 int AskHost(VelkrundMessageBoxProc MessageBox, TWindowHandle Window, std::u16string_view Text,
             std::u16string_view Caption, std::uint32_t Flags, std::int32_t Extra1, std::int32_t Extra2) {
   const std::u16string Question(Text);
@@ -102,6 +113,7 @@ VelkrundOperation* VelkrundCreateOperation(const char* ClassName, VelkrundManage
 
 int VelkrundDestroyOperation(VelkrundOperation* Operation) {
   return GuardedC(0, [Operation] {
+    RequireAtRest(Operation);
     const std::unique_ptr<VelkrundOperation> Owned(Operation);
     return 1;
   });
@@ -109,7 +121,7 @@ int VelkrundDestroyOperation(VelkrundOperation* Operation) {
 
 int VelkrundSetProperty(VelkrundOperation* Operation, const char* Name, const char* Text) {
   return GuardedC(0, [&] {
-    TUtilOperationInterface& Object = ObjectOf(Operation, Name);
+    TUtilOperationInterface& Object = ObjectToChange(Operation, Name);
     RequireCArgument(Text, "Text");
     SetPropertyText(Object, Name, Text);
     return 1;
@@ -118,7 +130,7 @@ int VelkrundSetProperty(VelkrundOperation* Operation, const char* Name, const ch
 
 int VelkrundSetList(VelkrundOperation* Operation, const char* Name, const char* const* Items, size_t Count) {
   return GuardedC(0, [&] {
-    TUtilOperationInterface& Object = ObjectOf(Operation, Name);
+    TUtilOperationInterface& Object = ObjectToChange(Operation, Name);
     if (Count) RequireCArgument(Items, "Items");
     for (std::size_t Index = 0; Index < Count; ++Index) RequireCArgument(Items[Index], "Items");
     SetPropertyItems(Object, Name, {Items, Items + Count});
@@ -128,7 +140,7 @@ int VelkrundSetList(VelkrundOperation* Operation, const char* Name, const char* 
 
 int VelkrundSetFile(VelkrundOperation* Operation, const char* Name, VelkrundFile* File) {
   return GuardedC(0, [&] {
-    TUtilOperationInterface& Object = ObjectOf(Operation, Name);
+    TUtilOperationInterface& Object = ObjectToChange(Operation, Name);
     const TProperty* Property = Object.ClassType().Properties().Find(Name);
     if (Property && (!Property->ObjectType || *Property->ObjectType != typeid(TEIFile)))
       throw EPropertyError(Format("Property '%s' takes no file", Name));
@@ -154,7 +166,9 @@ int32_t VelkrundExecute(VelkrundOperation* Operation) {
   return GuardedC<std::int32_t>(0, [&] {
     RequireCArgument(Operation, "Operation");
     const TOnlyOne Alone;
+    Operation->Running = true;
     const int Result = Operation->Object->Execute();
+    Operation->Running = false;
     KeepCError(Operation->Object->LastError());
     return Result;
   });

@@ -10,7 +10,8 @@
  * Ownership. What a Create or Open function returns is yours until you hand it to its Destroy or Close function, which
  *            take NULL too. Operations and files have to be gone before the platform is removed.
  * Threads.   One operation runs at a time in a process. A handle is used by one thread at a time; callbacks are called
- *            on the thread that called VelkrundExecute, and must not run another operation.
+ *            on the thread that called VelkrundExecute, and must not run another operation, nor change or destroy the
+ *            running one.
  */
 
 #ifdef __cplusplus
@@ -47,7 +48,7 @@ VELKRUND_API const char* VelkrundLastError(void);
 
 /* Makes the jobs known too, see below. ConfigFile: a velkrund.toml; NULL: $VELKRUND_CONFIG, ./velkrund.toml, the user's
  * one, or the defaults. Relative names in it are relative to its folder. Databases are named by its entries or by URLs
- * such as "sqlite:shop.db"; they have to exist. */
+ * such as "sqlite:shop.db"; they have to exist, unless a job is told to make one. */
 VELKRUND_API int VelkrundInstallPlatform(const char* ConfigFile);
 /* Fails while operations or files exist. */
 VELKRUND_API int VelkrundRemovePlatform(void);
@@ -56,7 +57,7 @@ VELKRUND_API int VelkrundRemovePlatform(void);
 
 typedef enum VelkrundType {
   VELKRUND_BOOLEAN,     /* true, false */
-  VELKRUND_INTEGER,     /* 32 bits, decimal */
+  VELKRUND_INTEGER,     /* decimal; of 32 bits where it can be set, counts may be larger */
   VELKRUND_STRING,      /* as it is */
   VELKRUND_ENUMERATION, /* one of the property's Choices, or its number from 0 */
   VELKRUND_STRING_LIST, /* a,b,c */
@@ -79,11 +80,13 @@ typedef struct VelkrundPropertyInfo {
  * before the first change, keeps together what foreign keys tie together, and refuses what the command line program
  * refuses. What it would ask about is decided by properties (ExistingRows, ExistingSections, ExistingStructures,
  * OnError, Yes), else by the message box; where neither decides it is an error that names the property. Rows, sections
- * and structures that are there are never touched unasked. The property Report has what became of everything, as a JSON
- * document; other properties have the counts. examples/run_job.c runs any of them.
+ * and structures that are there are never touched unasked; structures are asked about as each one comes, all else
+ * before the first change. The property Report has what became of everything, as a JSON document; other properties have
+ * the counts. examples/run_job.c runs any of them.
  *
- * Single operations do one step and what they are told: TUOImportTableDataInterface and the imports of files empty a
- * table before they load it, unless the property Append says otherwise. */
+ * Single operations do one step and what they are told: TUOImportTableDataInterface empties a table before it loads it,
+ * unless its property Append says otherwise, and the imports of files (TUOImportFileInterface and
+ * TUOImportFilesInterface) always do. */
 VELKRUND_API int32_t VelkrundClassCount(void);
 /* Index: 0 .. VelkrundClassCount() - 1. */
 VELKRUND_API const char* VelkrundClassName(int32_t Index);
@@ -100,7 +103,7 @@ typedef void (*VelkrundProgressProc)(int32_t Current, int32_t Total, int32_t OpC
 /* true: stop. Called often. */
 typedef bool (*VelkrundCancelProc)(void);
 /* What happens in operations beside their result: sections that failed while the import goes on, database objects that
- * are not created. Level: 1 errors and warnings, 2 what may still come right. */
+ * are not created. Level: 1 errors, 2 warnings and what may still come right. */
 typedef void (*VelkrundLogProc)(const VelkrundChar* Message);
 typedef void (*VelkrundLevelLogProc)(const VelkrundChar* Message, int32_t Level);
 

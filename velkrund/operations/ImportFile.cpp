@@ -132,7 +132,7 @@ void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Containe
     const TEISection& Section = Source.File->Sections()[Index];
     if (!Host().Takes(*Source.File, Section)) continue;
     (IsTableData(Section) ? Source.Tables : Source.Structures).push_back(Index);
-    if (Section.ObjectClass.Role() == TSectionRole::Structure)
+    if (fCreateDBStructures && Section.ObjectClass.Role() == TSectionRole::Structure)
       Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
   }
   for (const TStructure& Structure : Structures) AddTo(Container, Structure.Type, Structure.Name, *Structure.Section);
@@ -140,7 +140,7 @@ void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Containe
 
 void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::string& Name,
                           const TEISection& Section) {
-  if (Container.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type) || !fCreateDBStructures) return;
+  if (Container.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type)) return;
   WriteLog(TTraceLevel::Error, Format("'%s' (type %d) is stored as a structure only: the application has nothing that "
                                       "creates objects of this type in the database",
                                       Name, Type));
@@ -168,9 +168,9 @@ bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
                Relations() ? Host().TargetOf(*Source.File, Source.File->Sections()[Index]) : std::nullopt);
   Plan.Settle(DatabaseName);
   FTogether = Plan.AreOne();
-  if (Plan.Loading()) Plan.Loading()->Begin();
   bool Whole = false;
   try {
+    if (Plan.Loading()) Plan.Loading()->Begin();
     Whole = ImportSteps(Plan);
   } catch (...) {
     Plan.Abandon();
@@ -222,7 +222,9 @@ void TUOImportFile::ImportSection(TEIFile& File, int Index, TTableLoading* Loadi
   } catch (const std::exception& Error) {
     Host().EndSection(File, Section, Object.get(), &Error);
     if (EndsEverything(Error)) throw;
-    ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName);
+    // What comes in one go with others takes them back with it.
+    const bool MayGoOn = !Loading || !FTogether;
+    ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName, MayGoOn);
     return;
   }
   FStopping = FStopping || Object->Stopped();
@@ -241,10 +243,11 @@ std::unique_ptr<TEIObject> TUOImportFile::MakeObject(TEIFile& File, int Index) {
   return Object;
 }
 
-void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name) {
+void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name,
+                                    bool MayGoOn) {
   const std::string Report = Format(BaseMng().LString(Key), Name) + "\r\n" + Error.what();
   WriteLog(TTraceLevel::Error, Report);
-  if (!ContinueOnError || FTogether) throw;
+  if (!ContinueOnError || !MayGoOn) throw;
   if (const std::optional<bool> Decided = Host().GoOn(Error)) {
     ContinueOnError = *Decided;
     if (*Decided) return;

@@ -76,7 +76,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }
   /// Within the handler of Error: traces it, and returns when a person wants to go on. Otherwise it raises. Key: of the
   /// text that says what Name was.
-  void ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name);
+  void ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name, bool MayGoOn = true);
 
  private:
   /// Without an observer nobody has a say.

@@ -107,8 +107,7 @@ int TUtilOperationInterface::ExecuteInternal() {
     return FParent->Execute();
   }
   if (!FShowProgress) return FParent->Execute();
-  ExecuteUtilOperation(*FParent, {});
-  return 1;
+  return ExecuteUtilOperation(*FParent, {});
 }
 
 std::string TUtilOperationInterface::DatabaseName() const {
@@ -154,11 +153,8 @@ TInterfaceClassList& InterfaceClasses() {
 
 TProgressRunner SetProgressRunner(TProgressRunner Runner) { return std::exchange(InstalledRunner, std::move(Runner)); }
 
-void ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title) {
-  if (InstalledRunner)
-    InstalledRunner(Operation, Title);
-  else
-    Operation.Execute();
+int ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title) {
+  return InstalledRunner ? InstalledRunner(Operation, Title) : Operation.Execute();
 }
 
 }  // namespace velkrund

@@ -111,12 +111,14 @@ class TInterfaceClassList {
 
 TInterfaceClassList& InterfaceClasses();
 
-/// The progress window: runs the operation on a worker thread behind it and returns when it closes.
-using TProgressRunner = std::function<void(TUtilOperation& Operation, const std::string& Title)>;
+/// The progress window: runs the operation on a worker thread behind it and returns the operation's result, or raises
+/// its error, when it closes.
+using TProgressRunner = std::function<int(TUtilOperation& Operation, const std::string& Title)>;
 /// Installs the runner of the host's window system and returns the one before; an empty one: there is none.
 TProgressRunner SetProgressRunner(TProgressRunner Runner);
 using TProgressRunnerGuard = THookGuard<TProgressRunner, &SetProgressRunner>;
-/// Runs the operation behind the progress window; without a window system, on the caller's thread and without display.
-void ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title);
+/// Runs the operation behind the progress window and returns its result; without a window system, on the caller's
+/// thread and without display.
+int ExecuteUtilOperation(TUtilOperation& Operation, const std::string& Title);
 
 }  // namespace velkrund

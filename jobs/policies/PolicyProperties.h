@@ -1,0 +1,39 @@
+#pragma once
+
+#include "jobs/policies/Policies.h"
+#include "velkrund/operations/PropertyAccess.h"
+
+namespace velkrund {
+
+/// The rows of property tables for policies, which every job that obeys one has in the same words. Record: the member
+/// of the operation that holds them.
+template <auto Record>
+struct TPolicyProperties {
+  static constexpr std::string_view RowChoices[] = {"ask", "skip", "replace", "append"};
+  static constexpr std::string_view SectionChoices[] = {"ask", "skip", "replace", "add"};
+  static constexpr std::string_view StructureChoices[] = {"ask", "skip", "replace", "update"};
+  static constexpr std::string_view ErrorChoices[] = {"ask", "continue", "stop"};
+  static constexpr std::string_view FieldChoices[] = {"skip", "refuse"};
+
+  static constexpr TProperty ExistingRows = ChoiceOf<Record, &TPolicies::ExistingRows>(
+      "ExistingRows", "rows that are in a table already: ask, leave the table out, delete them first, keep them",
+      RowChoices);
+  static constexpr TProperty ExistingSections = ChoiceOf<Record, &TPolicies::ExistingSections>(
+      "ExistingSections", "a section of the same name in the file: ask, leave out, take its place, stand beside it",
+      SectionChoices);
+  static constexpr TProperty ExistingStructures = ChoiceOf<Record, &TPolicies::ExistingStructures>(
+      "ExistingStructures", "a structure that is stored already: ask, leave it as it is, replace it, update it",
+      StructureChoices);
+  static constexpr TProperty OnError = ChoiceOf<Record, &TPolicies::OnError>(
+      "OnError", "after something failed: ask, go on with the next one, stop", ErrorChoices);
+  static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(
+      "MissingFields", "fields of the file that the table lacks: pass over them, refuse the section", FieldChoices);
+  static constexpr TProperty AllowLoss =
+      PropertyOf<Record, &TPolicies::AllowLoss>("AllowLoss", "go on where characters can not be kept; counted");
+  static constexpr TProperty Lenient =
+      PropertyOf<Record, &TPolicies::Lenient>("Lenient", "values that can not be read become NULL; counted");
+  static constexpr TProperty Yes =
+      PropertyOf<Record, &TPolicies::Yes>("Yes", "answer to questions that have no policy of their own");
+};
+
+}  // namespace velkrund

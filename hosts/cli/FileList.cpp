@@ -1,3 +1,5 @@
+#include <iterator>
+
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
@@ -20,13 +22,20 @@ const TCommandTexts FileListTexts = {
 std::string TextOf(const std::vector<TListedSection>& Sections) {
   std::vector<std::vector<std::string>> Rows = {
       {"INDEX", "NAME", "TYPE", "VERSION", "ENCODING", "POSITION", "SIZE", "PARAMETERS"}};
+  Rows.reserve(Sections.size() + 1);
   for (std::size_t Index = 0; Index < Sections.size(); ++Index) {
     const TListedSection& Section = Sections[Index];
     std::vector<std::string> Parameters;
     for (const auto& [Name, Value] : Section.Parameters) Parameters.push_back(Printable(Name + "=" + Value));
-    Rows.push_back({std::to_string(Index), Printable(Section.Name), Section.Type, std::to_string(Section.Version),
-                    EncodingText(Section.Encoding), std::to_string(Section.Position), std::to_string(Section.Size),
-                    Joined(Parameters)});
+    std::string Cells[] = {std::to_string(Index),
+                           Printable(Section.Name),
+                           Section.Type,
+                           std::to_string(Section.Version),
+                           EncodingText(Section.Encoding),
+                           std::to_string(Section.Position),
+                           std::to_string(Section.Size),
+                           Joined(Parameters)};
+    Rows.emplace_back(std::make_move_iterator(std::begin(Cells)), std::make_move_iterator(std::end(Cells)));
   }
   return ColumnsText(Rows, {true, false, false, true, false, true, true, false});
 }

@@ -15,6 +15,7 @@ constexpr TProperty Properties[] = {
 
 TListedSection Listed(const TEISection& Section) {
   TListedSection Result{Section.Name(), std::string(Section.TypeName()), Section.Version(), Section.Encoding()};
+  Result.Parameters.reserve(static_cast<std::size_t>(Section.ParamCount()));
   for (int I = 0; I < Section.ParamCount(); ++I)
     Result.Parameters.emplace_back(Section.ParamName(I), Section.FParameters.ParamValues(I));
   Result.Position = Section.Position;
@@ -59,6 +60,7 @@ void TJobListSections::Run() {
     FFault = std::current_exception();
   }
   const TEISectionList& Sections = Input.File().Sections();
+  FFound.reserve(static_cast<std::size_t>(Sections.Count()));
   for (int Index = 0; Index < Sections.Count(); ++Index) FFound.push_back(Listed(Sections[Index]));
   FSize = Input.File().Stream().Size();
   FHasMalformed = Input.File().Losses().Any();

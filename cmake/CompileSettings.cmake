@@ -44,6 +44,9 @@ endif()
 if(VELKRUND_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   find_program(VELKRUND_CCACHE_PROGRAM ccache)
   if(VELKRUND_CCACHE_PROGRAM)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${VELKRUND_CCACHE_PROGRAM}")
+    # Clones and presets share what they compile alike. Precompiled headers ask for the sloppiness.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros "${VELKRUND_CCACHE_PROGRAM}")
   endif()
 endif()

@@ -3,9 +3,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace velkrund::tests {
 
@@ -32,7 +33,9 @@ class TTemporaryFolder {
   }
   std::string Read(const std::string& Name) const {
     std::ifstream File(*this / Name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(File), {}};
+    std::ostringstream Content;  // takes blocks; an iterator goes from byte to byte, and through a checker's hands
+    Content << File.rdbuf();
+    return std::move(Content).str();
   }
 
  private:

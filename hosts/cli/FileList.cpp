@@ -26,7 +26,8 @@ std::string TextOf(const std::vector<TListedSection>& Sections) {
   for (std::size_t Index = 0; Index < Sections.size(); ++Index) {
     const TListedSection& Section = Sections[Index];
     std::vector<std::string> Parameters;
-    for (const auto& [Name, Value] : Section.Parameters) Parameters.push_back(Printable(Name + "=" + Value));
+    for (const auto& [Name, Value] : Section.Parameters)
+      Parameters.push_back(Printable(Name).append(1, '=').append(Printable(Value)));
     std::string Cells[] = {std::to_string(Index),
                            Printable(Section.Name),
                            Section.Type,

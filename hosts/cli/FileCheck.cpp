@@ -18,7 +18,7 @@ const TCommandTexts FileCheckTexts = {
     "FILE...",
     "Takes no lock and needs no database. What a section says is checked as far as that is possible without the table "
     "that it is for: every value is one that some column could take, whatever the configuration says about values that "
-    "can not be read. After a faulty section the next one is checked; after a faulty header there is no next one.\n\n"
+    "cannot be read. After a faulty section the next one is checked; after a faulty header there is no next one.\n\n"
     "What looks like a section and is read by nobody is a fault: its lines end with a line feed alone, or its "
     "\"[SECTION]\" line is damaged or holds something else too. Sections of the same type and name, and other lines "
     "outside of sections that begin as markers do, are named but are no faults.",
@@ -68,7 +68,7 @@ void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
   if (!File.Error.empty()) {
     const auto Count = static_cast<std::int64_t>(File.Sections.size());
-    Say(File.Text + ": " + (File.IsOpen ? "faulty behind " + Counted(Count, "section") : "can not be opened"));
+    Say(File.Text + ": " + (File.IsOpen ? "faulty behind " + Counted(Count, "section") : "cannot be opened"));
     SayFault(File.Text, File.Error);
   } else if (File.Sections.empty()) {
     Say(File.Text + ": no section");

@@ -15,7 +15,7 @@ namespace {
 
 int RunCommand(TCommand& Command, TConsole& Console) {
   if (Command.WritesStandardOutput() && Command.Shared.Json)
-    throw EUsage("--json and the file can not both go to standard output");
+    throw EUsage("--json and the file cannot both go to standard output");
   const std::unique_ptr<TWindowSystem> Person = FindPerson(Console, Command.ReadsStandardInput());
   TUnattendedWindows Nobody([&](std::string_view Text) { Console.Message(Text); });
   TScriptedWindows Windows(Person ? Person.get() : &Nobody);

@@ -34,7 +34,7 @@ class TDefaultTexts::TReader {
 
  private:
   [[noreturn]] void Refuse(std::string_view What) const {
-    throw ETextsError(Format("The file of texts can not be used. Line %d: %s", FNumber, What));
+    throw ETextsError(Format("The file of texts cannot be used. Line %d: %s", FNumber, What));
   }
 
   bool NextLine() {

@@ -19,10 +19,10 @@ namespace {
 std::string NameBeside(const std::string& Original) { return Original + ".velkrund-new"; }
 
 [[noreturn]] void RaiseSystemError(const char* What, const std::string& Path) {
-  throw EWriteError(Format("Can not %s '%s': %s", What, Path, std::generic_category().message(errno)));
+  throw EWriteError(Format("Cannot %s '%s': %s", What, Path, std::generic_category().message(errno)));
 }
 
-/// False: it has no permissions to copy, or they can not be given.
+/// False: it has no permissions to copy, or they cannot be given.
 bool CopyRights(const std::string& Original, int Descriptor) {
   struct stat Status;
   if (stat(Original.c_str(), &Status) != 0) return false;

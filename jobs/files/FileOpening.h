@@ -9,7 +9,7 @@ namespace velkrund {
 /// "-", or a path that leads to a pipe or a device: nothing that can be read or written at a position.
 bool IsPipe(const std::string& Name);
 
-/// Opens the file. That it can not be opened at all is told by the plain error, without the story of its content.
+/// Opens the file. That it cannot be opened at all is told by the plain error, without the story of its content.
 void OpenPlainly(TEIFile& File);
 
 }  // namespace velkrund

@@ -18,7 +18,7 @@ void FillFromPath(TSpool& Spool, const std::string& Path, const TSpool::TCancele
   const int Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
   if (Descriptor < 0) {
     if (Canceled && Canceled()) throw EAbort("Cancelled while waiting for a pipe");
-    throw EFOpenError(Format("Can not open file '%s': %s", Path, std::generic_category().message(errno)));
+    throw EFOpenError(Format("Cannot open file '%s': %s", Path, std::generic_category().message(errno)));
   }
   try {
     Spool.FillFrom(Descriptor, Path, Canceled);

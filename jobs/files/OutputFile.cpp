@@ -93,7 +93,7 @@ void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCancel
   }
   const int Descriptor = open(FName.c_str(), O_WRONLY | O_CLOEXEC);
   if (Descriptor < 0)
-    throw EFOpenError(Format("Can not open file '%s': %s", FName, std::generic_category().message(errno)));
+    throw EFOpenError(Format("Cannot open file '%s': %s", FName, std::generic_category().message(errno)));
   try {
     FSpool->DrainTo(Descriptor, FName, Canceled);
   } catch (...) {

@@ -14,7 +14,7 @@ namespace velkrund {
 /// What was written is safe after Finish. A file that was made here and got no section is removed again.
 class TOutputFile {
  public:
-  /// Told of what can not be put right any more.
+  /// Told of what cannot be put right any more.
   using TComplain = std::function<void(const std::string& Text)>;
 
   /// Opens the file or makes it. Name: a path, or "-" for standard output. A file that is there and is no export/import

@@ -25,7 +25,7 @@ struct TSectionRepair {
 ///
 /// The file is locked against other writers meanwhile. A fault of any other kind, one with a "[SECTION]" or "[END]"
 /// line behind it above all, is an EEIError with its text. Canceled: true raises EAbort. After an error the file is as
-/// it was, and the new one is gone; only when the shortened file can not be synced are both left.
+/// it was, and the new one is gone; only when the shortened file cannot be synced are both left.
 TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std::function<bool()>& Canceled);
 
 }  // namespace velkrund

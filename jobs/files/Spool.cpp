@@ -56,7 +56,7 @@ std::string MakeTemporaryFile() {
   const int Descriptor = mkstemp(Path.data());
   if (Descriptor < 0)
     throw EFCreateError(
-        Format("Can not create a temporary file '%s': %s. TMPDIR names the folder to use", Path, Reason(errno)));
+        Format("Cannot create a temporary file '%s': %s. TMPDIR names the folder to use", Path, Reason(errno)));
   close(Descriptor);
   return Path;
 }
@@ -87,7 +87,7 @@ void TSpool::FillFrom(int Descriptor, const std::string& Name, const TCanceled& 
       FFile->WriteAt(Position, {Block.data(), static_cast<std::size_t>(Got)});
       Position += Got;
     } else if (errno != EINTR && errno != EAGAIN) {
-      throw EReadError(Format("Can not read %s: %s", Name, Reason(errno)));
+      throw EReadError(Format("Cannot read %s: %s", Name, Reason(errno)));
     }
   }
 }
@@ -106,10 +106,10 @@ std::unique_ptr<TFile> TSpool::Open(const std::string&, TFileMode) { return std:
 bool TSpool::Exists(const std::string&) { return true; }
 
 void TSpool::Replace(const std::string&, const std::string& To) {
-  throw EWriteError(Format("Can not replace '%s': it is a pipe", To));
+  throw EWriteError(Format("Cannot replace '%s': it is a pipe", To));
 }
 
-void TSpool::Remove(const std::string& Path) { throw EWriteError(Format("Can not remove '%s': it is a pipe", Path)); }
+void TSpool::Remove(const std::string& Path) { throw EWriteError(Format("Cannot remove '%s': it is a pipe", Path)); }
 
 void WriteToDescriptor(int Descriptor, std::string_view Data, const std::string& Name,
                        const TSpool::TCanceled& Canceled) {
@@ -119,7 +119,7 @@ void WriteToDescriptor(int Descriptor, std::string_view Data, const std::string&
     if (Put >= 0)
       Data.remove_prefix(static_cast<std::size_t>(Put));
     else if (errno != EINTR && errno != EAGAIN)
-      throw EWriteError(Format("Can not write to %s: %s", Name, Reason(errno)));
+      throw EWriteError(Format("Cannot write to %s: %s", Name, Reason(errno)));
   }
 }
 

@@ -29,9 +29,9 @@ struct TPolicyProperties {
   static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(
       "MissingFields", "fields of the file that the table lacks: pass over them, refuse the section", FieldChoices);
   static constexpr TProperty AllowLoss =
-      PropertyOf<Record, &TPolicies::AllowLoss>("AllowLoss", "go on where characters can not be kept; counted");
+      PropertyOf<Record, &TPolicies::AllowLoss>("AllowLoss", "go on where characters cannot be kept; counted");
   static constexpr TProperty Lenient =
-      PropertyOf<Record, &TPolicies::Lenient>("Lenient", "values that can not be read become NULL; counted");
+      PropertyOf<Record, &TPolicies::Lenient>("Lenient", "values that cannot be read become NULL; counted");
   static constexpr TProperty Yes =
       PropertyOf<Record, &TPolicies::Yes>("Yes", "answer to questions that have no policy of their own");
 };

@@ -53,7 +53,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual TParts MakeParts() = 0;
   /// The sections of a file to import, by index. Hidden: sections of the file that no reader sees.
   virtual std::vector<int> Choose(TInputFile& Input, const std::vector<std::string>& Hidden) = 0;
-  /// Whether a file that can not be read is a failed item among others; otherwise it ends the run at once.
+  /// Whether a file that cannot be read is a failed item among others; otherwise it ends the run at once.
   virtual bool GoesOnWithoutFile() const { return false; }
   /// Whether the objects that structures describe are made too.
   virtual bool MakesObjects() const { return true; }

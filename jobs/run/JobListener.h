@@ -26,7 +26,7 @@ class TJobListener {
   virtual void Fault(const std::string& /*Text*/) {}
   /// The run goes no further after an error, since nobody could be asked what the policy leaves open.
   virtual void Stopped(TPolicy /*Policy*/) {}
-  /// What can not be put right any more.
+  /// What cannot be put right any more.
   virtual void Complain(const std::string& /*Text*/) {}
 };
 

@@ -70,7 +70,7 @@ void TJobShowStructure::Run() {
   FForm->ObjectName = FFound.ObjectName;
   if (!FForm->LoadPureStructure())
     throw EDSPError(
-        Format("The tree of the structure '%s' of type %d can not be loaded", FFound.ObjectName, FFound.ObjectType));
+        Format("The tree of the structure '%s' of type %d cannot be loaded", FFound.ObjectName, FFound.ObjectType));
 }
 
 void TJobShowStructure::WriteTree(const std::function<void(std::string_view Lines)>& Write) {

@@ -66,7 +66,7 @@ void TCatalogue::Create(const TCatalogueTable& Table) {
     FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
   } catch (const EDatabaseError& Error) {
     throw EDatabaseError(Format(
-        "Can not make the table %s, in which this program keeps what is its own: %s. Should another one have made "
+        "Cannot make the table %s, in which this program keeps what is its own: %s. Should another one have made "
         "it at the same moment, try again",
         Table.Name, Error.what()));
   }

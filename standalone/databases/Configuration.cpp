@@ -183,7 +183,7 @@ TConfiguration LoadConfiguration(const std::string& FileName) {
   Result.FileName = FileName;
   std::error_code Error;
   if (!std::filesystem::is_regular_file(FileName, Error))
-    throw EConfigurationError(Format("Can not read the configuration '%s': it is no file", FileName));
+    throw EConfigurationError(Format("Cannot read the configuration '%s': it is no file", FileName));
   Result.Folder = std::filesystem::absolute(FileName).parent_path().string();
   try {
     TConfigurationReader(FileName, Result).Read(toml::parse_file(FileName));

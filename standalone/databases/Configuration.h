@@ -9,12 +9,12 @@
 
 namespace velkrund {
 
-/// A configuration file that can not be read or says something wrong; the message names file, line and key.
+/// A configuration file that cannot be read or says something wrong; the message names file, line and key.
 VELKRUND_EXCEPTION(EConfigurationError, Exception);
 
 struct TDatabaseEntry {
   std::string Url;           // variables already replaced, where they are set
-  std::string Problem = {};  // why the entry can not be used: a variable that is not set. Other entries may be used
+  std::string Problem = {};  // why the entry cannot be used: a variable that is not set. Other entries may be used
 };
 
 enum class TTraceLevelSetting { Off, Error, Info, Detail };
@@ -23,8 +23,8 @@ enum class TTraceLevelSetting { Off, Error, Info, Detail };
 ///
 ///     default_database = "shop"     # the database that is meant when none is named
 ///     code_page = 1251              # of ANSI sections and 8-bit values: 1250 .. 1258
-///     strict_values = true          # a value that can not be parsed is an error, otherwise NULL
-///     strict_text = false           # so are characters that the code page can not hold; otherwise "?"
+///     strict_values = true          # a value that cannot be parsed is an error, otherwise NULL
+///     strict_text = false           # so are characters that the code page cannot hold; otherwise "?"
 ///     work_as_17_version = false    # ANSI section headers without their "Encoding" line
 ///     language = "en"               # of messages; the environment's when not given
 ///     busy_seconds = 10             # how long to wait for a database that another program keeps busy

@@ -85,7 +85,7 @@ void TDatabases::Start(const std::string& Name, const std::function<void(TConnec
 
 TDatabases::TDatabase& TDatabases::InTransaction(const std::string& Name, std::string_view What) {
   TDatabase& Target = Database(Name);
-  if (Target.Depth == 0) throw EDatabaseError(Format("Can not %s: no transaction has been started", What));
+  if (Target.Depth == 0) throw EDatabaseError(Format("Cannot %s: no transaction has been started", What));
   --Target.Depth;
   return Target;
 }
@@ -106,7 +106,7 @@ void TDatabases::CommitTransaction(const std::string& Name) {
       Target.Connection->Rollback();
     } catch (const std::exception& Error) {
       // The error on its way out is the one to tell.
-      Note(Format("Can not roll back: %s", Error.what()));
+      Note(Format("Cannot roll back: %s", Error.what()));
     }
     throw;
   }

@@ -23,7 +23,7 @@ class TDatabases {
   TDatabases& operator=(const TDatabases&) = delete;
 
   /// Name: of the configuration, else a URL; empty: the default database. Raises EDatabaseError, and
-  /// EConfigurationError for an entry that can not be used.
+  /// EConfigurationError for an entry that cannot be used.
   TConnection& Connection(const std::string& Name);
 
   /// Only the outermost start and end reach the engine. An inner roll back dooms the outer transaction: its commit then

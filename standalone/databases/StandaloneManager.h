@@ -19,7 +19,7 @@ struct TDatabaseInfo {
   struct TTableSize {
     TTableInfo Table;
     std::optional<std::int64_t> Rows;   // nothing for views and foreign tables
-    std::optional<std::int64_t> Bytes;  // with indexes; nothing when the engine can not tell
+    std::optional<std::int64_t> Bytes;  // with indexes; nothing when the engine cannot tell
     std::string Problem = {};           // why it could not be looked into
   };
 
@@ -39,7 +39,7 @@ class TStandaloneManager final : public TApplicationManager {
   using TLookUpText = std::function<std::optional<std::string>(std::string_view Key)>;
   using TReportError = std::function<void(const std::exception& Error)>;
 
-  /// Raises EConfigurationError for a trace file that can not be opened.
+  /// Raises EConfigurationError for a trace file that cannot be opened.
   explicit TStandaloneManager(const TConfiguration& Configuration);
   ~TStandaloneManager() override;
 

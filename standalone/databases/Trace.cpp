@@ -21,11 +21,11 @@ spdlog::sink_ptr MakeSink(const std::string& FileName) {
   // Otherwise it would be made, however it is misspelt.
   if (const auto Folder = std::filesystem::absolute(FileName).parent_path(); !std::filesystem::exists(Folder))
     throw EConfigurationError(
-        Format("Can not open the trace file '%s': there is no folder '%s'", FileName, Folder.string()));
+        Format("Cannot open the trace file '%s': there is no folder '%s'", FileName, Folder.string()));
   try {
     return std::make_shared<spdlog::sinks::basic_file_sink_mt>(FileName);
   } catch (const spdlog::spdlog_ex& Error) {
-    throw EConfigurationError(Format("Can not open the trace file '%s': %s", FileName, Error.what()));
+    throw EConfigurationError(Format("Cannot open the trace file '%s': %s", FileName, Error.what()));
   }
 }
 

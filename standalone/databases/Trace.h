@@ -13,7 +13,7 @@ namespace velkrund {
 /// threads.
 class TTrace {
  public:
-  /// FileName: appended to; empty: standard error. Raises EConfigurationError when the file can not be opened.
+  /// FileName: appended to; empty: standard error. Raises EConfigurationError when the file cannot be opened.
   TTrace(TTraceLevelSetting Level, const std::string& FileName);
   ~TTrace();
 

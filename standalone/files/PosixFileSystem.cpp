@@ -20,7 +20,7 @@ std::string Reason(int Error) { return std::generic_category().message(Error); }
 
 template <typename TError>
 [[noreturn]] void Raise(const char* What, const std::string& Path, const std::string& Why) {
-  throw TError(Format("Can not %s file '%s': %s", What, Path, Why));
+  throw TError(Format("Cannot %s file '%s': %s", What, Path, Why));
 }
 
 /// Repeats a system call that a signal has interrupted.
@@ -50,7 +50,7 @@ void SyncFolder(const std::string& Path) {
   const std::size_t Slash = Path.rfind('/');
   const std::string Folder = Slash == std::string::npos ? "." : Path.substr(0, Slash + 1);
   const TDescriptor Descriptor(Uninterrupted([&] { return open(Folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-  // Some file systems can not sync a folder and say so with EINVAL.
+  // Some file systems cannot sync a folder and say so with EINVAL.
   if (Descriptor.Number() < 0 || (fsync(Descriptor.Number()) < 0 && errno != EINVAL))
     Raise<EWriteError>("sync the folder of", Path, Reason(errno));
 }

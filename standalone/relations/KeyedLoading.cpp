@@ -76,7 +76,7 @@ void TKeyedLoading::CheckEmptying() const {
     if (!Tie.ActsOnDelete || !Tie.OfTwo() || !IsEmptied(Tie.Parent) || IsEmptied(Tie.Child)) continue;
     if (const std::int64_t Rows = FConnection.Schema().RowCount(Tie.ChildTable))
       throw EDatabaseError(
-          Format("Can not empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
+          Format("Cannot empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
                  "may refer to it. Replace the rows of both in one run, or keep the rows that are there",
                  Tie.Parent, Tie.Child, Counted(Rows, "row")));
   }
@@ -115,7 +115,7 @@ void TKeyedLoading::CountBroken() {
     try {
       FBrokenBefore.emplace(Tie.Child, FConnection.Schema().BrokenReferences(Tie.ChildTable).Count);
     } catch (const EDatabaseError& Error) {
-      // A key that the engine itself can not follow.
+      // A key that the engine itself cannot follow.
       FUnchecked.emplace(Tie.Child, Error.what());
     }
   }

@@ -45,7 +45,7 @@ int ReadNode(TStoredBytes& Bytes, TDSPNode& Node) {
   ReadValue(Bytes, Node);
   const std::uint64_t Count = Bytes.Number();
   if (Count > Bytes.Left() / SmallestNode)
-    throw EDSPError(Format("node '%s' can not have so many children", Node.Name()));
+    throw EDSPError(Format("node '%s' cannot have so many children", Node.Name()));
   return static_cast<int>(Count);
 }
 

@@ -37,7 +37,7 @@ class TStoredBytes {
   std::string_view FRest;
 };
 
-/// Raises EDSPError for a kind that does not exist, and for a number that the kind can not hold.
+/// Raises EDSPError for a kind that does not exist, and for a number that the kind cannot hold.
 void ReadStoredValue(TStoredBytes& Bytes, TKvKind Kind, TKvVariant& Value);
 
 }  // namespace velkrund

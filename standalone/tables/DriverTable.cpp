@@ -77,12 +77,12 @@ bool TDriverTable::Next() {
 
 void TDriverTable::BeginAppend() {
   if (!FReadWrite)
-    throw EDatabaseError(Format("Can not append to table '%s': it is open for reading only", TableName()));
+    throw EDatabaseError(Format("Cannot append to table '%s': it is open for reading only", TableName()));
   // An append that failed or was cancelled has had no end.
   FAppending = false;
   FAppender.reset();
   FAppendOptions.FirstRecord = 1;
-  // What can not be written at all shows here, before the first record.
+  // What cannot be written at all shows here, before the first record.
   OpenAppender();
   FAppending = true;
 }
@@ -112,14 +112,14 @@ bool TDriverTable::AssignedAsBefore() const {
 }
 
 void TDriverTable::AppendRecord() {
-  if (!FAppending) throw EDatabaseError(Format("Can not append to table '%s': no append has begun", TableName()));
+  if (!FAppending) throw EDatabaseError(Format("Cannot append to table '%s': no append has begun", TableName()));
   if (!FAppender || !AssignedAsBefore()) OpenAppender();
   FAppender->Append(FValues);
   ++FAppendOptions.FirstRecord;
 }
 
 void TDriverTable::EndAppend() {
-  if (!FAppending) throw EDatabaseError(Format("Can not append to table '%s': no append has begun", TableName()));
+  if (!FAppending) throw EDatabaseError(Format("Cannot append to table '%s': no append has begun", TableName()));
   FAppending = false;
   if (FAppender) FAppender->Finish();
   FAppender.reset();

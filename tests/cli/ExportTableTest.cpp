@@ -169,7 +169,7 @@ TEST_F(TExportTableTest, FilesThatCanNotBeUsed) {
       {Export({"-t", "A", "-o", "locked.eif", "--add"}), "in use"},
       {Export({"-t", "A", "-o", "/dev/full"}), "No space left on device"},
       {{"file", "remove", "locked.eif", "0"}, "in use"},
-      {{"import", "table", "-d", "sqlite:empty.db", "-i", "missing"}, "Can not open file 'missing': No such file"},
+      {{"import", "table", "-d", "sqlite:empty.db", "-i", "missing"}, "Cannot open file 'missing': No such file"},
       {{"import", "table", "-d", "sqlite:empty.db", "-i", "text.txt"}, "holds no table data section"},
       {{"export", "table", "-d", "sqlite:none.db", "-t", "A", "-o", "F"}, "does not exist"},
       {{"export", "table", "-d", "other:x", "-t", "A", "-o", "F"}, "unknown scheme"},

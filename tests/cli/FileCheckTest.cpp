@@ -101,7 +101,7 @@ TEST_F(TFileCheckTest, ItGoesOnBehindAFaultAndNotesWhatNoReaderSees) {
             "F: section 3 'S' (TableData): ok, 1 row, 47 bytes\n"
             "F: a section that is not read\n"
             "F: faulty behind 4 sections\n"
-            "none: can not be opened\n"
+            "none: cannot be opened\n"
             "G: section 0 'S' (TableData): ok, 1 row, 47 bytes\n");
   EXPECT_NE(Text.Errors.find("; 5 faults\n"), std::string::npos) << Text.Errors;
 

@@ -80,7 +80,7 @@ TEST_F(TFileRepairTest, OnlyWhatNeverEndedIsCut) {
     EXPECT_NE(Outcome.Errors.find("Version is not numeric value (Position:108).; FileName: F; Line: 9 "),
               std::string::npos)
         << Outcome.Errors;
-    EXPECT_EQ(Outcome.Errors.find("cutting can not mend it; nothing was changed") == std::string::npos, Case.IsCut);
+    EXPECT_EQ(Outcome.Errors.find("cutting cannot mend it; nothing was changed") == std::string::npos, Case.IsCut);
     unlink(Path("F.cut").c_str());
   }
   for (const char* Sound : {"", "; a comment\r\n", "no [SEC", "\n[SEC", "[SECTION]x\r\n[SECTIOM"}) {
@@ -115,7 +115,7 @@ TEST_F(TFileRepairTest, WhatCanNotBeDoneLeavesAllAsItWas) {
   // A file size limit stands in for a full disk.
   const TOutcome Full = Shell("trap '' XFSZ; ulimit -f 8; $V file repair F");
   EXPECT_EQ(Full.ExitCode, 1);
-  EXPECT_NE(Full.Errors.find("Can not write file 'F.velkrund-new': File too large"), std::string::npos) << Full.Errors;
+  EXPECT_NE(Full.Errors.find("Cannot write file 'F.velkrund-new': File too large"), std::string::npos) << Full.Errors;
 
   const int Writer = open(Path("F").c_str(), O_RDWR);
   struct flock Lock = {};
@@ -125,9 +125,9 @@ TEST_F(TFileRepairTest, WhatCanNotBeDoneLeavesAllAsItWas) {
     const char* File;
     int ExitCode;
     const char* Error;
-  } Cases[] = {{"F", 1, "Can not open file 'F': it is in use by another program"},
-               {"none", 1, "Can not open file 'none': No such file or directory"},
-               {"folder", 1, "Can not open file 'folder': Is a directory"},
+  } Cases[] = {{"F", 1, "Cannot open file 'F': it is in use by another program"},
+               {"none", 1, "Cannot open file 'none': No such file or directory"},
+               {"folder", 1, "Cannot open file 'folder': Is a directory"},
                {"-", 2, "'-' is a pipe: there is nothing to cut off"}};
   for (const auto& Case : Cases) {
     const TOutcome Outcome = Run({"file", "repair", Case.File});

@@ -65,7 +65,7 @@ TEST_F(TRelatedTablesTest, WhereSQLiteEnforcesNothing) {
        {"--replace"},
        1,
        "1|2",
-       "Can not empty the table 'L': 2 of its rows stay"},
+       "Cannot empty the table 'L': 2 of its rows stay"},
   };
   const auto Ask = [this](const std::string& Text) { return Query("other.db", Text); };
   Query("other.db", Tables);

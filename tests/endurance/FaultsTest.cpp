@@ -329,7 +329,7 @@ TEST_F(TFaultsTest, AFailedAppendToAHugeFileKeepsAllOfIt) {
   Operation.SetTableName("A");
   Operation.SetSectionName("A");
   EXPECT_EQ(Operation.Execute(), 0);
-  EXPECT_NE(Operation.LastError().find("Can not write file '" + FTemplate.F()), std::string::npos);
+  EXPECT_NE(Operation.LastError().find("Cannot write file '" + FTemplate.F()), std::string::npos);
   EXPECT_TRUE(TFault::Due().Met);
   EXPECT_EQ(static_cast<std::int64_t>(fs::file_size(FTemplate.F())), Size);
   EXPECT_EQ(Operation.Execute(), 1);

@@ -8,7 +8,7 @@ namespace {
 
 template <typename TError>
 void MayFail(TOperation Operation, const char* What, const std::string& Path) {
-  if (TFault::Due().Strikes(Operation)) throw TError(Format("Can not %s file '%s': Injected fault", What, Path));
+  if (TFault::Due().Strikes(Operation)) throw TError(Format("Cannot %s file '%s': Injected fault", What, Path));
 }
 
 class TFaultyFile final : public TFile {

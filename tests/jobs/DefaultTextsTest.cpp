@@ -68,7 +68,7 @@ TEST(DefaultTexts, AFileThatIsNotAsItHasToBeIsRefusedByLine) {
       TDefaultTexts Texts(WithLineEnds(File));
       ADD_FAILURE() << "accepted: " << To;
     } catch (const ETextsError& Error) {
-      EXPECT_EQ(Error.what(), "The file of texts can not be used. " + std::string(Says)) << From;
+      EXPECT_EQ(Error.what(), "The file of texts cannot be used. " + std::string(Says)) << From;
     }
   }
   EXPECT_THROW(TDefaultTexts(""), ETextsError);

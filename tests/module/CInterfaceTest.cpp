@@ -26,9 +26,9 @@ TEST_F(CInterface, ExampleExportsImportsAndCancels) {
     const char* Message;
   } Cases[] = {
       {"shop NOPE t.eif", 1, "EDicUtilError:Can not export table data. Error opening table (TableName:'NOPE')"},
-      {"--config none.toml shop T t.eif", 1, "EConfigurationError:Can not read the configuration 'none.toml'"},
+      {"--config none.toml shop T t.eif", 1, "EConfigurationError:Cannot read the configuration 'none.toml'"},
       {"sqlite:none.db T t.eif", 1, "EDatabaseError:The database file"},
-      {"shop T no/such/t.eif", 1, "EFCreateError:Can not create file 'no/such/t.eif'"},
+      {"shop T no/such/t.eif", 1, "EFCreateError:Cannot create file 'no/such/t.eif'"},
       {"shop T", 2, "export_table [--config FILE]"},
   };
   for (const auto& Case : Cases) {

@@ -87,7 +87,7 @@ TEST_P(BadFiles, ExportsThatFailLeaveTheFile) {
       {"WIDE", TExportReleaseVersion::rv17,
        "EDicUtilError:A text has characters that code page 1251 lacks (Field:'V';Record:1)."},
       {"EDGE", TExportReleaseVersion::rv20,
-       "EDicUtilError:Can not export table data. A field line can not hold the name ' x'"},
+       "EDicUtilError:Can not export table data. A field line cannot hold the name ' x'"},
       {"NONE", TExportReleaseVersion::rv20,
        "EDicUtilError:Can not export table data. Error opening table (TableName:'NONE')"},
   };

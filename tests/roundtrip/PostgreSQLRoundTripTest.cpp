@@ -95,7 +95,7 @@ TEST_F(PostgreSQLRoundTrip, HostileNamesOfSchemasTablesAndColumns) {
     EXPECT_EQ(Database.Cells("SELECT * FROM " + Table), "value\t1\n");
   }
   EXPECT_EQ(Database.Cells("SELECT * FROM kept"), "");
-  // What a field line can not carry is refused by name.
+  // What a field line cannot carry is refused by name.
   for (const std::string Name : {" ends ", "a\nb", "[x]"}) {
     Database.Run("DROP TABLE IF EXISTS t; CREATE TABLE t (" + Quoted(Name) + " integer)");
     EXPECT_THAT(Platform.Export(Database, "t", Folder / "1.eif"), HasSubstr("'" + Name + "'"));

@@ -190,7 +190,7 @@ TEST_P(StructureRoundTrip, WhatTheCatalogueCanNotBe) {
   for (const char* Statement : {"DROP TABLE velkrund_structures", "DROP TABLE velkrund_catalogue",
                                 "CREATE VIEW velkrund_catalogue AS SELECT 2"})
     Database.Run(Statement);
-  EXPECT_THAT(Import(Database, "new.eif"), HasSubstr("Can not make the table velkrund_catalogue"));
+  EXPECT_THAT(Import(Database, "new.eif"), HasSubstr("Cannot make the table velkrund_catalogue"));
 }
 
 }  // namespace

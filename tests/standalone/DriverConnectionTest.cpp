@@ -116,7 +116,7 @@ TEST_P(DriverConnectionTest, ViewsAreReadAndNotWritten) {
   Run("CREATE VIEW \"V\" AS SELECT A FROM T");
   EXPECT_EQ(Connection->Schema().FindTable("v")->Kind, TTableKind::View);
   EXPECT_THAT(Rows(*Connection, "V"), ElementsAre("18 4"));
-  EXPECT_EQ(ErrorOf([&] { Open("V").BeginAppend(); }), "EDatabaseError: Can not append to table 'V': it is a view");
+  EXPECT_EQ(ErrorOf([&] { Open("V").BeginAppend(); }), "EDatabaseError: Cannot append to table 'V': it is a view");
 }
 
 }  // namespace

@@ -228,7 +228,7 @@ TEST_P(DriverRowsTest, AnEngineErrorNamesRecordAndColumnAndIsUndoneByRollingBack
   Append(1, true);
   Append(2, true);
   const std::string Error = ErrorOf([&] { Append(3, false), Table.EndAppend(); });
-  EXPECT_THAT(Error, HasSubstr("EDatabaseError: Can not append record 3 to table 'T'"));
+  EXPECT_THAT(Error, HasSubstr("EDatabaseError: Cannot append record 3 to table 'T'"));
   EXPECT_THAT(Error, HasSubstr("B"));
   Connection->Rollback();
   EXPECT_EQ(Connection->Schema().RowCount(Table.Description().Table), 0);

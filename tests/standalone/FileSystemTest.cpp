@@ -40,12 +40,12 @@ TEST_F(FileSystemTest, EachModeOnAFileThatIsThereAndOneThatIsNot) {
   };
   const TCase Cases[] = {
       {TFileMode::Read, true, "no error", "old"},
-      {TFileMode::Read, false, "EFOpenError: Can not open file '" + Missing + "': No such file", ""},
+      {TFileMode::Read, false, "EFOpenError: Cannot open file '" + Missing + "': No such file", ""},
       {TFileMode::ReadWrite, true, "no error", "old"},
-      {TFileMode::ReadWrite, false, "EFOpenError: Can not open file '" + Missing + "': No such file", ""},
+      {TFileMode::ReadWrite, false, "EFOpenError: Cannot open file '" + Missing + "': No such file", ""},
       {TFileMode::Create, true, "no error", ""},
       {TFileMode::Create, false, "no error", ""},
-      {TFileMode::CreateNew, true, "EFCreateError: Can not create file '" + Folder / "there" + "': File exists", "old"},
+      {TFileMode::CreateNew, true, "EFCreateError: Cannot create file '" + Folder / "there" + "': File exists", "old"},
       {TFileMode::CreateNew, false, "no error", ""},
   };
   for (const TCase& Case : Cases) {
@@ -62,8 +62,8 @@ TEST_F(FileSystemTest, AWriterKeepsOtherWritersOutAndNobodyElse) {
   const std::string Path = Folder.Write("a", "content");
   auto Writer = Files.Open(Path, TFileMode::ReadWrite);
   const std::string InUse = "file '" + Path + "': it is in use by another program";
-  EXPECT_EQ(ErrorOf([&] { Files.Open(Path, TFileMode::ReadWrite); }), "EFOpenError: Can not open " + InUse);
-  EXPECT_EQ(ErrorOf([&] { Files.Open(Path, TFileMode::Create); }), "EFCreateError: Can not create " + InUse);
+  EXPECT_EQ(ErrorOf([&] { Files.Open(Path, TFileMode::ReadWrite); }), "EFOpenError: Cannot open " + InUse);
+  EXPECT_EQ(ErrorOf([&] { Files.Open(Path, TFileMode::Create); }), "EFCreateError: Cannot create " + InUse);
   EXPECT_EQ(Folder.Read("a"), "content") << "emptied before the lock was had";
   EXPECT_EQ(Files.Open(Path, TFileMode::Read)->Size(), 7);
   Writer.reset();
@@ -82,7 +82,7 @@ TEST_F(FileSystemTest, ReplacesRemovesAndFinds) {
   EXPECT_EQ(Folder.Read("old"), "new");
   EXPECT_FALSE(Files.Exists(Folder / "new"));
   EXPECT_THAT(ErrorOf([&] { Files.Replace(Folder / "new", Folder / "old"); }),
-              StartsWith("EWriteError: Can not replace file '" + Folder / "old" + "': No such file"));
+              StartsWith("EWriteError: Cannot replace file '" + Folder / "old" + "': No such file"));
   Files.Remove(Folder / "old");
   EXPECT_FALSE(Files.Exists(Folder / "old"));
   EXPECT_EQ(ErrorOf([&] { Files.Remove(Folder / "old"); }), "no error");
@@ -91,7 +91,7 @@ TEST_F(FileSystemTest, ReplacesRemovesAndFinds) {
 TEST_F(FileSystemTest, AFullDiskIsAnError) {
   auto File = Files.Open("/dev/full", TFileMode::Create);
   EXPECT_EQ(ErrorOf([&] { File->WriteAt(0, "x"); }),
-            "EWriteError: Can not write file '/dev/full': No space left on device");
+            "EWriteError: Cannot write file '/dev/full': No space left on device");
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
        "EDatabaseError: The database 'host=127.0.0.1 password=***' is not in velkrund.toml, and it is no address "
        "(SCHEME:...)"},
       {"secret",
-       "EDatabaseError: The database address 'postgresql://me:***' can not be read: special characters in a URL have "
+       "EDatabaseError: The database address 'postgresql://me:***' cannot be read: special characters in a URL have "
        "to be written as %XX, a value with blanks between apostrophes"},
       {"odbc:DSN=x;PWD=geheim",
        "EDatabaseError: The database 'odbc:DSN=x;PWD=***' has the unknown scheme 'odbc'; known are: sqlite, "

@@ -25,7 +25,7 @@ TEST_F(PostgreSQLConnectionTest, OpeningSaysWhatIsWrongAndNoPassword) {
   Connection = Connect(Raw.Url());
   EXPECT_TRUE(Connection->Capabilities().ReadOnly);
   EXPECT_EQ(Append("t", {Integer(1)}),
-            "EDatabaseError: Can not append to table 't': the database is opened for reading only");
+            "EDatabaseError: Cannot append to table 't': the database is opened for reading only");
 }
 
 TEST_F(PostgreSQLConnectionTest, OneDatabaseHasOneIdentity) {

@@ -78,7 +78,7 @@ TEST_F(PostgreSQLRowsTest, NoRowIsDroppedWithoutAWord) {
       "CREATE TABLE t (a integer);"
       "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END';"
       "CREATE TRIGGER g BEFORE INSERT ON t FOR EACH ROW WHEN (NEW.a = 2) EXECUTE FUNCTION f()");
-  EXPECT_THAT(Append("t", {Integer(1), Integer(2), Integer(3)}), HasSubstr("Can not append"));
+  EXPECT_THAT(Append("t", {Integer(1), Integer(2), Integer(3)}), HasSubstr("Cannot append"));
 }
 
 TEST_F(PostgreSQLRowsTest, RowsMayReferToLaterOnesOfTheSameTable) {

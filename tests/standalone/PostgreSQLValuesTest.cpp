@@ -127,7 +127,7 @@ TEST_F(PostgreSQLValuesTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
       EXPECT_EQ(Error, "no error");
       EXPECT_EQ(Raw.Rows("SELECT v FROM s WHERE v IS NOT NULL"), std::string(Case.Stored) + "\n");
     } else {
-      EXPECT_THAT(Error, HasSubstr("Can not append record 2 to table 's'"));
+      EXPECT_THAT(Error, HasSubstr("Cannot append record 2 to table 's'"));
       EXPECT_THAT(Error, HasSubstr(Case.Type == "price" ? "price" : "'v'"));
       EXPECT_EQ(Raw.Rows("SELECT v FROM s"), "");
     }

@@ -24,7 +24,7 @@ TEST_F(SQLiteConnectionTest, OpeningSaysWhatIsWrong) {
       {"", "EDatabaseError: The database address 'sqlite:' names no file"},
       {Folder / "missing.db", "EDatabaseError: The database file '" + Folder / "missing.db" + "' does not exist"},
       {Folder / "", "EDatabaseError: The database '" + Folder / "" + "' is a folder"},
-      {Folder / "text.db", "EDatabaseError: Can not open the database '" + Folder / "text.db" +
+      {Folder / "text.db", "EDatabaseError: Cannot open the database '" + Folder / "text.db" +
                                "': file is not a database (SQLite error 26)"},
       {Folder / "empty.db", "no error"},
   };
@@ -50,12 +50,12 @@ TEST_F(SQLiteConnectionTest, AFileWithoutWriteRightsIsReadAndNotWritten) {
     Connection = Connect(Path, {});
     EXPECT_TRUE(Connection->Capabilities().ReadOnly);
     EXPECT_THAT(Rows(*Connection, "T"), ElementsAre("18 1"));
-    EXPECT_THAT(ErrorOf([&] { Run("DELETE FROM T"); }), HasSubstr("its file or folder can not be written"));
+    EXPECT_THAT(ErrorOf([&] { Run("DELETE FROM T"); }), HasSubstr("its file or folder cannot be written"));
     Connection->Begin(TIsolationLevel::RepeatableRead);
     Open("T").BeginAppend();
   });
   ASSERT_EQ(seteuid(User), 0);
-  EXPECT_EQ(Refused, "EDatabaseError: Can not append to table 'T': the database is opened for reading only");
+  EXPECT_EQ(Refused, "EDatabaseError: Cannot append to table 'T': the database is opened for reading only");
 }
 
 TEST_F(SQLiteConnectionTest, ARolledBackStatementOfTheEngineEndsTheTransaction) {

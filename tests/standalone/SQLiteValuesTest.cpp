@@ -127,7 +127,7 @@ TEST_F(SQLiteValuesTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
   const auto Unsigned = [](std::uint64_t N) { return [N](TKvVariant& V) { V.SetUnsigned(N); }; };
   const auto Real = [](double R) { return [R](TKvVariant& V) { V.SetReal(R); }; };
   const auto Currency = [](std::int64_t N) { return [N](TKvVariant& V) { V.SetCurrency({N}); }; };
-  const std::string Refused = "EDatabaseError: Can not append record 1 to table 'S', column 'C': ";
+  const std::string Refused = "EDatabaseError: Cannot append record 1 to table 'S', column 'C': ";
   struct TCase {
     std::string Definition;
     std::function<void(TKvVariant&)> Set;
@@ -163,12 +163,12 @@ TEST_F(SQLiteValuesTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
       {"(C INTEGER)", Currency(15'000), "real 1.5"},
       {"(C BLOB)", Ansi, "blob X'C0E1'"},
       {"(C TEXT)", Ansi, "text 'Аб'"},
-      {"(C INTEGER PRIMARY KEY)", [](TKvVariant& V) { V.SetNull(); }, Refused + "it can not hold NULL"},
+      {"(C INTEGER PRIMARY KEY)", [](TKvVariant& V) { V.SetNull(); }, Refused + "it cannot hold NULL"},
       {"(C INT PRIMARY KEY)", [](TKvVariant& V) { V.SetNull(); }, "null NULL"},
       {"(C INTEGER PRIMARY KEY DESC)", [](TKvVariant& V) { V.SetNull(); }, "null NULL"},
       {"(C TEXT PRIMARY KEY, D) WITHOUT ROWID", Text("k"), "text 'k'"},
       {"(C INTEGER) STRICT", Text("x"),
-       "EDatabaseError: Can not append record 1 to table 'S': cannot store TEXT value in INTEGER column S.C (SQLite "
+       "EDatabaseError: Cannot append record 1 to table 'S': cannot store TEXT value in INTEGER column S.C (SQLite "
        "error 3091)"},
   };
   for (const TCase& Case : Cases) {
@@ -231,7 +231,7 @@ TEST_F(SQLiteValuesTest, WideDatabasesHoldTheSameTexts) {
   Table.AppendRecord();
   Table.FieldByName("C").Buffer().SetText("\xED\xA0\x80");
   EXPECT_THAT(ErrorOf([&] { Table.AppendRecord(), Table.EndAppend(); }),
-              HasSubstr("record 2 to table 'T', column 'C': the text has characters that UTF-16 can not hold"));
+              HasSubstr("record 2 to table 'T', column 'C': the text has characters that UTF-16 cannot hold"));
   const std::string Nul(1, '\0');
   EXPECT_THAT(Rows(*Wide, "T"), ElementsAre("10 имя 🌸" + Nul + "b|14 2024-02-29", "10 東" + Nul + "京|0 "));
 }

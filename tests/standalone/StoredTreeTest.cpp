@@ -91,7 +91,7 @@ TEST(StoredTree, WrongPartsAreRefusedWhateverTheChecksumSays) {
       {"VKTR\1", "it is cut off"},
       {Sealed(std::string("VKTR\2\0\0\0", 8)), "its format has the version 2, only 1 is known"},
       {Of("\0\x17\0"sv), "unknown value type 23"},
-      {Of("\0\0\x05"sv), "can not have so many children"},
+      {Of("\0\0\x05"sv), "cannot have so many children"},
       {Of("\0\0\0\0"sv), "something stands behind its last node"},
       {Of("\x09\0\0"sv), "it is cut off"},
       {Of("\0\5\1\0\0"sv), "unknown value kind 1"},
@@ -99,7 +99,7 @@ TEST(StoredTree, WrongPartsAreRefusedWhateverTheChecksumSays) {
       {Of("\0\x08\x80\x04\0"sv), "a value of kind 2 is out of range"},  // 256 as a byte
       {Of("\0\x10\1\0"sv), "a value of kind 15 is out of range"},       // a time before midnight
       {Of("\0\x02\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\1\0"sv), "a number in it is too large"},
-      {Of("\0\x0D\2ab\0"sv), "can not hold a value of kind 9"},  // two characters in the place of one
+      {Of("\0\x0D\2ab\0"sv), "cannot hold a value of kind 9"},  // two characters in the place of one
   };
   for (const auto& Case : Cases) EXPECT_THAT(ReadError(Case.Bytes), HasSubstr(Case.Says));
   EXPECT_EQ(ReadError(Of("\0\0\0"sv)), "no error");

@@ -76,7 +76,7 @@ class TEICommonTableData : public TEIObject {
   void Unparseable(TField& Field, const std::string& Message);
   /// Whether the section is written in the code page.
   bool WritesAnsi() const { return FWritesAnsi; }
-  /// Whether characters that can not be kept are errors: as the stream has it, outside of a run as the application had.
+  /// Whether characters that cannot be kept are errors: as the stream has it, outside of a run as the application had.
   bool StrictText() const { return FStrictText; }
 
  private:

@@ -15,7 +15,7 @@ void CheckFieldNames(const TStringList& Sorted) {
     const std::string& Name = Sorted[Index];
     if (Name.empty() || Trim(Name) != Name || Name.front() == '[' || Name.find_first_of("\r\n") != std::string::npos)
       throw EDicUtilError(
-          Format("Can not export table data. A field line can not hold the name '%s': it is empty, begins "
+          Format("Can not export table data. A field line cannot hold the name '%s': it is empty, begins "
                  "with '[', has blanks at an end or a line end inside",
                  Name));
     if (Index > 0 && SameText(Sorted[Index - 1], Name))

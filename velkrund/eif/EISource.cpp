@@ -17,7 +17,7 @@ namespace {
 void CheckHeaderValue(std::string_view Name, std::string_view Value) {
   if (Trim(Value) != Value || Value.find('\r') != std::string_view::npos)
     throw EEIError(
-        Format("A section header can not hold the %s '%s': it has blanks or control characters at an end, or a "
+        Format("A section header cannot hold the %s '%s': it has blanks or control characters at an end, or a "
                "line end inside",
                Name, Value));
 }
@@ -109,7 +109,7 @@ void TEISource::ExportObject(TEIObject& Object, const std::string& Name) {
     } catch (const std::exception& Error) {
       // The first error is the one to tell; that the file could not be cut back is for the trace.
       BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error,
-                           Format("Can not cut an unfinished section off at %d: %s", RollbackPoint, Error.what()));
+                           Format("Cannot cut an unfinished section off at %d: %s", RollbackPoint, Error.what()));
     }
     throw;
   }
@@ -123,7 +123,7 @@ void TEISource::WriteSection(TEIObject& Object, const std::string& Name, TEISect
     WritelnString("Encoding = UTF8", Encoding);
   else if (!WorkSettings().WorkAs17Version)
     WritelnString("Encoding = ANSI", Encoding);
-  if (Name.empty()) throw EEIError("Can not export a section without a name");
+  if (Name.empty()) throw EEIError("Cannot export a section without a name");
   WriteHeaderLine("Name", Name, Encoding);
   Section.FName = Name;
   WriteHeaderLine("Type", Object.TypeName(), Encoding);

@@ -65,7 +65,7 @@ class TEISource {
   TKvEncoding DefaultEncoding() const { return FDefaultEncoding; }
   /// The encoding of sections to be written.
   void SetDefaultEncoding(TKvEncoding Encoding) { FDefaultEncoding = Encoding; }
-  /// Whether characters that an encoding can not carry, and malformed UTF-8, are errors; otherwise they are replaced
+  /// Whether characters that an encoding cannot carry, and malformed UTF-8, are errors; otherwise they are replaced
   /// and counted. Holds for headers and bodies. As the application has it when the source is made.
   bool StrictText() const { return FStrictText; }
   void SetStrictText(bool Strict) { FStrictText = Strict; }

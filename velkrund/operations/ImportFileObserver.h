@@ -21,7 +21,7 @@ class TImportFileObserver {
   virtual bool Takes(const TEIFile& /*File*/, const TEISection& /*Section*/) { return true; }
   /// The table that a table data section is to be loaded into, where foreign keys are minded; nothing: it takes no part
   /// in that. Asked once for each, when all structures are there. By default the table that the section names under its
-  /// physical name, emptied, and nothing when it can not be opened.
+  /// physical name, emptied, and nothing when it cannot be opened.
   virtual std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section);
   /// Before the first table data section, where foreign keys are minded: what was asked for is begun. Loading: alive
   /// until the last of those sections has been ended.
@@ -38,7 +38,7 @@ class TImportFileObserver {
   /// All tables that were loaded in one go have been taken back. Error: of the check at the end or of the commit, null
   /// when a section failed or the run was cancelled.
   virtual void TakenBack(const std::exception* /*Error*/) {}
-  /// A file that can not be opened, or whose headers are wrong.
+  /// A file that cannot be opened, or whose headers are wrong.
   virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
 
  private:

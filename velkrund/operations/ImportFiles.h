@@ -9,7 +9,7 @@ namespace velkrund {
 
 /// Imports several files as one: the structures of all of them, then the table data of all of them, then the database
 /// objects that the structures describe. Progress counts the bytes of each file's structures, then those of all tables.
-/// A file that can not be opened is asked about as a failed section is, and then left out.
+/// A file that cannot be opened is asked about as a failed section is, and then left out.
 class TUOImportFiles : public TUOImportFile {
  public:
   std::vector<std::string> FFiles;  // in the order of their import; an empty list is an error

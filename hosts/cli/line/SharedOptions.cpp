@@ -12,7 +12,7 @@ TOption TSharedOptions::DatabaseOption() {
 TOption TSharedOptions::AllowLossOption(TPolicies& Policies) {
   return Switch(
       "--allow-loss",
-      "go on where characters can not be kept, because the code page lacks them or the text is malformed; the "
+      "go on where characters cannot be kept, because the code page lacks them or the text is malformed; the "
       "report counts them. Without it they are an error",
       Policies.AllowLoss);
 }
@@ -34,7 +34,7 @@ std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& C
                              {{"skip", TMissingFields::Skip}, {"error", TMissingFields::Refuse}},
                              Policies.MissingFields),
       Switch("--lenient",
-             "values that can not be read become NULL, the report counts them. Without it they are an error",
+             "values that cannot be read become NULL, the report counts them. Without it they are an error",
              Policies.Lenient),
       Switch("--create", "make the database when it does not exist", CreateDatabase)};
 }

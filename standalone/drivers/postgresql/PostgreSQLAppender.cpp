@@ -36,7 +36,7 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTab
     : FSession(Session),
       FTableName(FullName(Table.Table)),
       FTableBareName(Table.Table.Name),
-      FWhat(Format("Can not append to table '%s'", FTableName)),
+      FWhat(Format("Cannot append to table '%s'", FTableName)),
       FMovesSequences(Options.CanRecreateAutoSequence),
       FPieceFirst(Options.FirstRecord),
       FRecord(Options.FirstRecord) {
@@ -59,8 +59,8 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTab
 TPostgreSQLAppender::~TPostgreSQLAppender() { Abandon(); }
 
 std::string TPostgreSQLAppender::Records(std::int64_t First, std::int64_t Last) const {
-  if (First == Last) return Format("Can not append record %d to table '%s'", First, FTableName);
-  return Format("Can not append records %d .. %d to table '%s'", First, Last, FTableName);
+  if (First == Last) return Format("Cannot append record %d to table '%s'", First, FTableName);
+  return Format("Cannot append records %d .. %d to table '%s'", First, Last, FTableName);
 }
 
 void TPostgreSQLAppender::CheckUsable() const {

@@ -43,7 +43,7 @@ void TPostgreSQLCursor::Read(int Column, TKvVariant& Value) {
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
                                               std::span<const int> Columns, TPostgreSQLReading Reading) {
   TPostgreSQLSource Source{
-      Session, Format("Can not read table '%s'", FullName(Table.Table)), FullName(Table.Table), {}, {}};
+      Session, Format("Cannot read table '%s'", FullName(Table.Table)), FullName(Table.Table), {}, {}};
   const TPostgreSQLTable Known = ReadPostgreSQLTable(Session, Table.Table, Source.What);
   std::vector<TPostgreSQLColumn> Asked;
   for (const int Column : Columns)

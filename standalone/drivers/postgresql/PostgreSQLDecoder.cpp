@@ -44,7 +44,7 @@ TPostgreSQLDecoder::TPostgreSQLDecoder(const TPostgreSQLColumn& Column, const TP
     : FType(Column.Type), FCurrency(Column.Info.Kind == TKvKind::Currency), FMinorUnits(Money.MinorUnits) {}
 
 void TPostgreSQLDecoder::RaiseMalformed() const {
-  throw EDatabaseError("Can not read a value: the server sent it in a form that is not known here");
+  throw EDatabaseError("Cannot read a value: the server sent it in a form that is not known here");
 }
 
 void TPostgreSQLDecoder::Decode(std::string_view Bytes, TKvVariant& Value) const {

@@ -36,13 +36,13 @@ TParameters Given(const PQconninfoOption* Options) {
   return Result;
 }
 
-/// Why tells the place, in words that quote what can not be read: that may be a piece of the password.
+/// Why tells the place, in words that quote what cannot be read: that may be a piece of the password.
 [[noreturn]] void RaiseUnreadable(const TDatabaseUrl& Url, std::string_view Why) {
   const std::string Shown = ShownName(Url);
   if (Shown == Url.Text())
-    throw EDatabaseError(Format("The database address '%s' can not be read: %s", Shown, Trim(Why)));
+    throw EDatabaseError(Format("The database address '%s' cannot be read: %s", Shown, Trim(Why)));
   throw EDatabaseError(
-      Format("The database address '%s' can not be read: special characters in a URL have to be "
+      Format("The database address '%s' cannot be read: special characters in a URL have to be "
              "written as %%XX, a value with blanks between apostrophes",
              std::string_view(Shown).substr(0, Shown.find("***") + 3)));
 }

@@ -15,7 +15,7 @@ namespace velkrund {
 /// its readers would change is refused.
 class TPostgreSQLEncoder {
  public:
-  /// Nothing: written. Otherwise why the value can not be stored.
+  /// Nothing: written. Otherwise why the value cannot be stored.
   using TRefusal = const char*;
 
   /// CodePage: of 8-bit texts; outlives the encoder.

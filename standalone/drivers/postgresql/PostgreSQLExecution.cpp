@@ -11,7 +11,7 @@ namespace velkrund {
 namespace {
 
 /// What begins a message about a statement that is not the driver's own.
-constexpr std::string_view ExecutionFailed = "Can not execute a statement";
+constexpr std::string_view ExecutionFailed = "Cannot execute a statement";
 
 /// Whether a statement with this tag tells how many rows it has changed.
 bool CountsChanges(std::string_view Tag) {
@@ -101,7 +101,7 @@ TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std:
   // The one thing that is an error of syntax before the server has looked at a word of it.
   if (Last.Diagnostic(PG_DIAG_SQLSTATE) == "42601" && Last.Diagnostic(PG_DIAG_STATEMENT_POSITION).empty() &&
       Last.Diagnostic(PG_DIAG_SOURCE_FUNCTION) == "exec_parse_message")
-    throw EDatabaseError(Format("Can not execute more than one statement at once: %s", Statement));
+    throw EDatabaseError(Format("Cannot execute more than one statement at once: %s", Statement));
   if (!Last.Handle() || Last.IsError()) Raise(What, Last, Statement);
   if (PQresultStatus(Last.Handle()) == PGRES_EMPTY_QUERY) throw EDatabaseError(Format("%s: it is empty", What));
   return Last;

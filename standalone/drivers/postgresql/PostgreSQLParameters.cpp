@@ -20,9 +20,9 @@ TPostgreSQLParameters::TPostgreSQLParameters(std::span<const TKvVariant> Values,
       Value.AppendAsText(Text);
     if (!IsBytes && Text.find('\0') != std::string::npos)
       throw EDatabaseError(
-          Format("Can not execute a statement, parameter %d: the engine has no character U+0000", FTexts.size()));
+          Format("Cannot execute a statement, parameter %d: the engine has no character U+0000", FTexts.size()));
     if (Text.size() > std::numeric_limits<int>::max())
-      throw EDatabaseError(Format("Can not execute a statement, parameter %d: %d bytes are more than the engine takes",
+      throw EDatabaseError(Format("Cannot execute a statement, parameter %d: %d bytes are more than the engine takes",
                                   FTexts.size(), Text.size()));
     FValues.push_back(Value.IsNull() ? nullptr : Text.c_str());
     FTypes.push_back(IsBytes ? PostgreSQLBytesType : 0);

@@ -13,7 +13,7 @@ namespace velkrund {
 /// bytes as such.
 class TPostgreSQLParameters {
  public:
-  /// CodePage: of 8-bit texts. Raises EDatabaseError for a value that the engine can not hold.
+  /// CodePage: of 8-bit texts. Raises EDatabaseError for a value that the engine cannot hold.
   TPostgreSQLParameters(std::span<const TKvVariant> Values, const TCodePage& CodePage);
 
   int Count() const { return static_cast<int>(FValues.size()); }

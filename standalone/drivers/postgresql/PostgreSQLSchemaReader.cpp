@@ -76,14 +76,14 @@ std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::Candid
 
 std::vector<TTableInfo> TPostgreSQLSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
-  for (TCandidate& Found : Candidates("Can not list the tables", {}))
+  for (TCandidate& Found : Candidates("Cannot list the tables", {}))
     if (!Found.IsPartition) Result.push_back(std::move(Found.Info));
   return Result;
 }
 
 std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Name) {
   if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
-  const std::string What = Format("Can not look for table '%s'", Name);
+  const std::string What = Format("Cannot look for table '%s'", Name);
   constexpr int OnPath = 2;
   constexpr int NoMatch = 3;
   const auto Rank = [&](const TCandidate& Candidate, auto Same) {
@@ -119,7 +119,7 @@ std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Na
 
 TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
   TPostgreSQLTable Known =
-      ReadPostgreSQLTable(FSession, Table, Format("Can not read the columns of table '%s'", FullName(Table)));
+      ReadPostgreSQLTable(FSession, Table, Format("Cannot read the columns of table '%s'", FullName(Table)));
   TTableDescription Result{Table, {}};
   for (TPostgreSQLColumn& Column : Known.Columns) Result.Columns.push_back(std::move(Column.Info));
   return Result;
@@ -127,7 +127,7 @@ TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
 
 std::int64_t TPostgreSQLSchemaReader::RowCount(const TTableInfo& Table) {
   return FSession
-      .Query(Format("Can not count the rows of table '%s'", FullName(Table)),
+      .Query(Format("Cannot count the rows of table '%s'", FullName(Table)),
              "SELECT pg_catalog.count(*) FROM " + FSession.Dialect().SQLName(Table))
       .Integer(0, 0);
 }
@@ -137,7 +137,7 @@ std::optional<std::int64_t> TPostgreSQLSchemaReader::TableBytes(const TTableInfo
   // A partitioned table keeps nothing itself. The function takes the names as a statement would.
   const std::string Name = FSession.Dialect().QualifiedName(Table);
   return FSession
-      .Query(Format("Can not measure table '%s'", FullName(Table)),
+      .Query(Format("Cannot measure table '%s'", FullName(Table)),
              "SELECT coalesce(pg_catalog.sum(pg_catalog.pg_total_relation_size(t.relid)), 0) "
              "FROM (SELECT $1::pg_catalog.text::pg_catalog.regclass AS relid UNION SELECT p.relid FROM "
              "pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p) t",
@@ -149,7 +149,7 @@ bool TPostgreSQLSchemaReader::HasCatalogueTable(const std::string& Name) {
   // A view of that name would run whatever its maker has put into it.
   const std::string Quoted = QuoteStandardName(Name);
   return FSession
-      .Query(Format("Can not look for table '%s'", Name),
+      .Query(Format("Cannot look for table '%s'", Name),
              CatalogueStatement("SELECT EXISTS (SELECT FROM pg_catalog.pg_class c WHERE c.relkind = 'r' "
                                 "AND c.oid = pg_catalog.to_regclass($1::pg_catalog.text))"),
              {Quoted.c_str()})
@@ -157,7 +157,7 @@ bool TPostgreSQLSchemaReader::HasCatalogueTable(const std::string& Name) {
 }
 
 std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
-  const TPostgreSQLResult Rows = FSession.Query("Can not list the foreign keys", CatalogueStatement(KeysStatement));
+  const TPostgreSQLResult Rows = FSession.Query("Cannot list the foreign keys", CatalogueStatement(KeysStatement));
   const auto TableAt = [&](int Row, int Column) {
     return TTableInfo{Rows.Copy(Row, Column), ShownSchema(Rows.Text(Row, Column + 1)), TTableKind::Table,
                       Rows.Boolean(Row, Column + 2)};

@@ -29,7 +29,7 @@ void CheckRights(const std::string& What, std::string_view Column, std::string_v
   if (CanRead && CanSet) return;
   const std::string Missing = CanRead ? "UPDATE" : CanSet ? "SELECT" : "SELECT, UPDATE";
   throw EDatabaseError(
-      Format("%s: the sequence of its column '%s' can not be moved behind the highest key, since the "
+      Format("%s: the sequence of its column '%s' cannot be moved behind the highest key, since the "
              "right to do so is missing: let its owner GRANT %s ON SEQUENCE %s",
              What, Column, Missing, Sequence));
 }

@@ -84,7 +84,7 @@ void TPostgreSQLSession::SetUp() {
 }
 
 std::string TPostgreSQLSession::About(std::string_view Failed) const {
-  return Format("Can not %s the database '%s'", Failed, FShownName);
+  return Format("Cannot %s the database '%s'", Failed, FShownName);
 }
 
 bool TPostgreSQLSession::IsLost() const { return PQstatus(Handle()) != CONNECTION_OK; }

@@ -170,7 +170,7 @@ TPostgreSQLMoney ReadPostgreSQLMoney(TPostgreSQLSession& Session, const std::vec
   const auto IsMoney = [](const TPostgreSQLColumn& Column) { return Column.Type == TPostgreSQLType::Money; };
   if (std::none_of(Columns.begin(), Columns.end(), IsMoney)) return Result;
   const TPostgreSQLResult One =
-      Session.Query("Can not ask how amounts are written",
+      Session.Query("Cannot ask how amounts are written",
                     "SELECT pg_catalog.concat('x', pg_catalog.encode("
                     "pg_catalog.cash_send(m), 'hex'))::bit(64)::bigint, pg_catalog.cash_out(m) "
                     "FROM (SELECT 1::bigint::pg_catalog.money AS m) one");

@@ -15,7 +15,7 @@ namespace {
 /// Kibibytes, negative as the engine wants it. A larger cache makes indexes no faster, only memory scarcer.
 constexpr std::int64_t AppendCacheSize = -8'192;
 
-std::string What(const std::string& TableName) { return Format("Can not append to table '%s'", TableName); }
+std::string What(const std::string& TableName) { return Format("Cannot append to table '%s'", TableName); }
 
 /// What one statement of several rows takes: beyond, the cost of a statement no longer shows.
 constexpr std::size_t MostPlaces = 128;
@@ -133,7 +133,7 @@ void TSQLiteAppender::InsertHeld() {
   FHeldCount = 0;
 }
 
-/// False: a value can not be stored.
+/// False: a value cannot be stored.
 bool TSQLiteAppender::BindHeld() {
   for (std::size_t I = 0; I < FHeldCount; ++I)
     if (FMany->Binders[I].Bind(FHeld[I])) return false;
@@ -156,12 +156,12 @@ void TSQLiteAppender::InsertOne(TRow Row) {
 }
 
 std::string TSQLiteAppender::RecordText() const {
-  return Format("Can not append record %d to table '%s'", FRecord, FTableName);
+  return Format("Cannot append record %d to table '%s'", FRecord, FTableName);
 }
 
 std::string TSQLiteAppender::HeldText() const {
   const auto Last = FRecord + static_cast<std::int64_t>(FHeldCount / FNames.size()) - 1;
-  return Format("Can not append records %d to %d to table '%s'", FRecord, Last, FTableName);
+  return Format("Cannot append records %d to %d to table '%s'", FRecord, Last, FTableName);
 }
 
 void TSQLiteAppender::RaiseRefused(std::size_t Place, std::string_view Reason) const {

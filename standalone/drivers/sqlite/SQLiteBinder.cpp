@@ -24,7 +24,7 @@ bool HasLoneSurrogate(std::string_view Text) {
 TSQLiteBinder::TRefusal TSQLiteBinder::Bind(const TKvVariant& Value) {
   switch (Value.Kind()) {
     case TKvKind::Null:
-      if (FColumn.IsRowNumber) return "it can not hold NULL";
+      if (FColumn.IsRowNumber) return "it cannot hold NULL";
       return Result(sqlite3_bind_null(FStatement, FPlace));
     case TKvKind::Byte:
     case TKvKind::SmallInt:
@@ -99,7 +99,7 @@ TSQLiteBinder::TRefusal TSQLiteBinder::BindText(std::string_view Text) {
   if (FColumn.Affinity > TAffinity::Text && !Text.empty() && Text.front() <= '9' && IsNumberText(Text))
     return BindNumberText(Text);
   if (FTexts.Wide && (FindMalformedUtf8(Text) != std::string_view::npos || HasLoneSurrogate(Text)))
-    return "the text has characters that UTF-16 can not hold";
+    return "the text has characters that UTF-16 cannot hold";
   return LendText(Text);
 }
 

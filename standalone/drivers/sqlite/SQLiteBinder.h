@@ -25,7 +25,7 @@ class TSQLiteBinder {
     bool HoldsBytes = false;   // 8-bit texts stay bytes
     bool IsRowNumber = false;  // the engine would put a number of its own in the place of NULL
   };
-  /// Nothing: bound. Otherwise why the value can not be stored.
+  /// Nothing: bound. Otherwise why the value cannot be stored.
   using TRefusal = const char*;
 
   /// Place: 1 for the first.

@@ -53,7 +53,7 @@ bool SetDateKind(std::string_view Text, TKvKind Leading, std::string& Scratch, T
 }
 
 std::string_view BytesOf(const void* Bytes, int Size) {
-  if (!Bytes && Size > 0) throw EDatabaseError("Can not read a value: out of memory");
+  if (!Bytes && Size > 0) throw EDatabaseError("Cannot read a value: out of memory");
   return {static_cast<const char*>(Bytes), static_cast<std::size_t>(Size)};
 }
 
@@ -80,7 +80,7 @@ void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value) {
 }
 
 TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, bool Wide)
-    : FStatement(Database, SelectText(Table, Columns), Format("Can not read table '%s'", Table.Table.Name),
+    : FStatement(Database, SelectText(Table, Columns), Format("Cannot read table '%s'", Table.Table.Name),
                  TSQLiteStatement::TUse::Often),
       FWide(Wide) {
   FKinds.reserve(Columns.size());

@@ -63,7 +63,7 @@ void TSQLiteDatabase::RemoveUnused() noexcept {
 bool TSQLiteDatabase::InTransaction() const { return sqlite3_get_autocommit(FHandle.get()) == 0; }
 
 std::string TSQLiteDatabase::About(std::string_view Failed) const {
-  return Format("Can not %s the database '%s'", Failed, FPath);
+  return Format("Cannot %s the database '%s'", Failed, FPath);
 }
 
 void TSQLiteDatabase::CheckReadable() {

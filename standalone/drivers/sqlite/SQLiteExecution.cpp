@@ -10,7 +10,7 @@
 namespace velkrund {
 namespace {
 
-constexpr const char* What = "Can not execute a statement";
+constexpr const char* What = "Cannot execute a statement";
 
 }  // namespace
 
@@ -35,7 +35,7 @@ void TSQLiteExecution::CheckSingle(sqlite3* Database, const std::string& Text) c
   if (!Handle()) throw EDatabaseError(Format("%s: it is empty", What));
   for (std::string_view Rest = FStatement.Rest(); !Rest.empty();) {
     const TSQLiteStatement Next(Database, Rest, What);
-    if (Next.Handle()) throw EDatabaseError(Format("Can not execute more than one statement at once: %s", Text));
+    if (Next.Handle()) throw EDatabaseError(Format("Cannot execute more than one statement at once: %s", Text));
     Rest = Next.Rest();
   }
 }

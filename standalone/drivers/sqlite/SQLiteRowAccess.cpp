@@ -17,7 +17,7 @@ bool RowsDependOnStatement(sqlite3* Database, const std::string& Table) {
       "SELECT 1 FROM pragma_foreign_keys WHERE foreign_keys UNION ALL "
       "SELECT 1 FROM main.sqlite_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1) UNION ALL "
       "SELECT 1 FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)",
-      Format("Can not append to table '%s'", Table));
+      Format("Cannot append to table '%s'", Table));
   return Found.BindText(1, Table).Step();
 }
 
@@ -31,7 +31,7 @@ int RowNumberColumn(sqlite3* Database, const TTableDescription& Table, bool With
   }
   if (WithoutRowId || Result < 0) return -1;
   TSQLiteStatement KeyIndex(Database, "SELECT 1 FROM pragma_index_list(?1, 'main') WHERE origin = 'pk'",
-                            Format("Can not append to table '%s'", Table.Table.Name));
+                            Format("Cannot append to table '%s'", Table.Table.Name));
   return KeyIndex.BindText(1, Table.Table.Name).Step() ? -1 : Result;
 }
 
@@ -44,7 +44,7 @@ std::unique_ptr<TCursor> TSQLiteRowAccess::OpenCursor(const TTableDescription& T
 std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescription& Table,
                                                               std::span<const int> Columns,
                                                               const TAppendOptions& Options) {
-  const std::string What = Format("Can not append to table '%s'", Table.Table.Name);
+  const std::string What = Format("Cannot append to table '%s'", Table.Table.Name);
   if (Table.Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
   if (FReadOnly) throw EDatabaseError(What + ": the database is opened for reading only");
   sqlite3* Database = FDatabase.Handle();

@@ -33,14 +33,14 @@ bool IsUserTable(std::string_view Name, std::string_view Type) {
 std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
   TSQLiteStatement List(FDatabase, "SELECT name, type FROM pragma_table_list WHERE schema = 'main' ORDER BY name",
-                        "Can not list the tables");
+                        "Cannot list the tables");
   while (List.Step())
     if (IsUserTable(List.Text(0), List.Text(1))) Result.push_back({List.Text(0), {}, KindOfTable(List.Text(1))});
   return Result;
 }
 
 std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) {
-  const std::string What = Format("Can not look for table '%s'", Name);
+  const std::string What = Format("Cannot look for table '%s'", Name);
   // The names alone first: the list with its kinds prepares every view.
   std::vector<std::string> Found;
   TSQLiteStatement Names(FDatabase, "SELECT name FROM main.sqlite_schema WHERE type IN ('table', 'view') ORDER BY name",
@@ -67,7 +67,7 @@ TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
   TTableDescription Result{Table, {}};
   TSQLiteStatement Columns(
       FDatabase, "SELECT name, type, \"notnull\", pk, hidden FROM pragma_table_xinfo(?1, 'main') ORDER BY cid",
-      Format("Can not read the columns of table '%s'", Table.Name));
+      Format("Cannot read the columns of table '%s'", Table.Name));
   Columns.BindText(1, Table.Name);
   while (Columns.Step()) {
     const std::int64_t Hidden = Columns.Integer(4);
@@ -87,7 +87,7 @@ TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
 
 std::int64_t TSQLiteSchemaReader::RowCount(const TTableInfo& Table) {
   TSQLiteStatement Count(FDatabase, "SELECT count(*) FROM main." + QuoteStandardName(Table.Name),
-                         Format("Can not count the rows of table '%s'", Table.Name));
+                         Format("Cannot count the rows of table '%s'", Table.Name));
   Count.Step();
   return Count.Integer(0);
 }
@@ -97,14 +97,14 @@ std::optional<std::int64_t> TSQLiteSchemaReader::TableBytes(const TTableInfo& Ta
   TSQLiteStatement Bytes(FDatabase,
                          "SELECT sum(pgsize) FROM dbstat('main', 1) WHERE name IN "
                          "(SELECT name FROM main.sqlite_schema WHERE tbl_name = ?1 AND rootpage > 0)",
-                         Format("Can not measure table '%s'", Table.Name));
+                         Format("Cannot measure table '%s'", Table.Name));
   Bytes.BindText(1, Table.Name).Step();
   return Bytes.Integer(0);
 }
 
 bool TSQLiteSchemaReader::HasCatalogueTable(const std::string& Name) {
   TSQLiteStatement Found(FDatabase, "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1",
-                         Format("Can not look for table '%s'", Name));
+                         Format("Cannot look for table '%s'", Name));
   return Found.BindText(1, Name).Step();
 }
 
@@ -117,7 +117,7 @@ std::vector<TForeignKey> TSQLiteSchemaReader::ForeignKeys() {
       "FROM main.sqlite_schema f CROSS JOIN pragma_foreign_key_list(f.name, 'main') k "
       "CROSS JOIN main.sqlite_schema t ON t.name = k.\"table\" COLLATE NOCASE AND t.type = 'table' "
       "WHERE f.type = 'table' AND k.seq = 0 ORDER BY f.name, k.id",
-      Format("Can not list the foreign keys of the database '%s'", sqlite3_db_filename(FDatabase, "main")));
+      Format("Cannot list the foreign keys of the database '%s'", sqlite3_db_filename(FDatabase, "main")));
   std::vector<TForeignKey> Result;
   while (Keys.Step())
     Result.push_back(
@@ -127,7 +127,7 @@ std::vector<TForeignKey> TSQLiteSchemaReader::ForeignKeys() {
 
 TBrokenReferences TSQLiteSchemaReader::BrokenReferences(const TTableInfo& Table) {
   TSQLiteStatement Broken(FDatabase, "SELECT count(*), min(rowid), parent FROM pragma_foreign_key_check(?1, 'main')",
-                          Format("Can not check the foreign keys of table '%s'", Table.Name));
+                          Format("Cannot check the foreign keys of table '%s'", Table.Name));
   Broken.BindText(1, Table.Name).Step();
   TBrokenReferences Result{Broken.Integer(0)};
   if (Result.Count == 0) return Result;

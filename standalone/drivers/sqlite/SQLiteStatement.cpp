@@ -17,7 +17,7 @@ std::string_view Hint(int Code) {
     case SQLITE_BUSY:
       return "; another program is using the database, and has done so for longer than busy_seconds";
     case SQLITE_READONLY:
-      return "; its file or folder can not be written";
+      return "; its file or folder cannot be written";
     default:
       return {};
   }

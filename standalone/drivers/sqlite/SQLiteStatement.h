@@ -18,7 +18,7 @@ class TSQLiteStatement {
  public:
   enum class TUse { Once, Often };
 
-  /// What: how an error message begins, e.g. "Can not read table 'A'".
+  /// What: how an error message begins, e.g. "Cannot read table 'A'".
   TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use = TUse::Once);
   TSQLiteStatement(const TSQLiteStatement&) = delete;
   TSQLiteStatement& operator=(const TSQLiteStatement&) = delete;

@@ -112,7 +112,7 @@ void TPostgreSQLDatabase::Reconnect() {
     if (PQstatus(FConnection) == CONNECTION_OK) return;
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   } while (std::chrono::steady_clock::now() < End);
-  Check(FConnection, false, "can not connect again");
+  Check(FConnection, false, "cannot connect again");
 }
 
 TPostgreSQLServer::TPostgreSQLServer() {

@@ -10,7 +10,7 @@ void EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
   BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);
   if (const std::int64_t Rows = Table.RecordCount())
     throw EDatabaseError(
-        Format("Can not empty the table '%s': %d of its rows stay, kept by a trigger or a rule of the database",
+        Format("Cannot empty the table '%s': %d of its rows stay, kept by a trigger or a rule of the database",
                Table.TableName(), Rows));
 }
 

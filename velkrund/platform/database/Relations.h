@@ -34,7 +34,7 @@ class TTableLoading {
   virtual bool Empties(const std::string& Table) const = 0;
   /// Rows were loaded; what comes for the table later is added.
   virtual void SetLoaded(const std::string& Table) = 0;
-  /// Tables whose keys the engine can not check, in its words; known once Begin has returned.
+  /// Tables whose keys the engine cannot check, in its words; known once Begin has returned.
   virtual std::vector<std::string> Warnings() const = 0;
   /// Not Whole, or an error such as references that were not broken before: all is taken back.
   virtual void End(bool Whole) = 0;

@@ -15,7 +15,7 @@ TTransaction::~TTransaction() {
     BaseMng().RollbackTransaction(FDatabaseName);
   } catch (const std::exception& Error) {
     // A connection that cannot roll back has lost the transaction anyway.
-    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Format("Can not roll back: %s", Error.what()));
+    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Format("Cannot roll back: %s", Error.what()));
   }
 }
 

@@ -33,7 +33,7 @@ std::optional<double> StrToReal(std::string_view Text, std::size_t& ErrorPositio
 /// All integers from its negative to it are doubles.
 inline constexpr std::int64_t MaxExactInteger = std::int64_t{1} << std::numeric_limits<double>::digits;
 
-/// Whether a double holds exactly that integer. The limit is compared first: a double beyond it can not be turned back.
+/// Whether a double holds exactly that integer. The limit is compared first: a double beyond it cannot be turned back.
 constexpr bool IsExactAsReal(std::int64_t Value) {
   const auto Real = static_cast<double>(Value);
   return Real < 0x1p63 && static_cast<std::int64_t>(Real) == Value;

@@ -19,7 +19,7 @@ class TDSPFormManager {
   virtual ~TDSPFormManager() = default;
 
   /// Reads the stored tree. A structure that is not stored yet has an empty tree, which is no failure; false when the
-  /// tree can not be had.
+  /// tree cannot be had.
   virtual bool LoadPureStructure() = 0;
   /// Stores the tree; its properties stay as they are, empty ones for a structure that is new. False when it could not
   /// be stored.

@@ -41,7 +41,7 @@ void TDSPNode::SetValueType(TDSPValueType Type) {
 
 void TDSPNode::SetValue(TKvVariant Value) {
   if (!FitsType(FType, Value))
-    throw EDSPError(Format("Node '%s' of type %d can not hold a value of kind %d", FParent ? GetFullName() : FName,
+    throw EDSPError(Format("Node '%s' of type %d cannot hold a value of kind %d", FParent ? GetFullName() : FName,
                            static_cast<int>(FType), static_cast<int>(Value.Kind())));
   FValue = std::move(Value);
 }

@@ -10,11 +10,10 @@ TOption TSharedOptions::DatabaseOption() {
 }
 
 TOption TSharedOptions::AllowLossOption(TPolicies& Policies) {
-  return Switch(
-      "--allow-loss",
-      "go on where characters cannot be kept, because the code page lacks them or the text is malformed; the "
-      "report counts them. Without it they are an error",
-      Policies.AllowLoss);
+  return Switch("--allow-loss",
+                "go on where characters cannot be kept, because the code page lacks them or the text is malformed; the "
+                "report counts them. Without it they are an error",
+                Policies.AllowLoss);
 }
 
 TOption TSharedOptions::OnErrorOption(TPolicies& Policies) {

@@ -1,17 +1,30 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+#include "velkrund/platform/ormtools/ErrorInfo.h"
 
 namespace velkrund {
 
-/// The general error: a message for people, and the name of its class for logs and scripts. Every error that the module
-/// raises derives from it. Messages are UTF-8.
+/// The general error: a message for people, the name of its class for logs and scripts, and what is known of its place
+/// and cause as data. Every error that the module raises derives from it. Messages are UTF-8.
 class Exception : public std::runtime_error {
  public:
   explicit Exception(const std::string& Message) : std::runtime_error(Message) {}
+  Exception(const std::string& Message, TErrorInfo Info)
+      : std::runtime_error(Message), FInfo(std::make_shared<TErrorInfo>(std::move(Info))) {}
   virtual const char* ClassName() const noexcept { return "Exception"; }
+
+  const TErrorInfo& Info() const noexcept;
+  /// For handlers that know more than who raised it: adds what is not known yet, then they raise it on.
+  void Add(const TErrorInfo& Info);
+
+ private:
+  std::shared_ptr<TErrorInfo> FInfo;  // null: nothing is known. Shared by copies, so that copying cannot fail
 };
 
 /// Defines an error class that adds only a name to its base.
@@ -56,6 +69,20 @@ class EUnansweredError : public Exception, public std::nested_exception {
  private:
   std::string FClassName;
 };
+
+/// An error in all its parts, for reports.
+struct TErrorFacts {
+  std::string ClassName;           // of the innermost cause, as Message
+  std::string Message;             // the innermost cause's, unchanged
+  TErrorInfo Info;                 // of the whole chain; what is known further in counts, and the code is never unknown
+  std::vector<std::string> Chain;  // class, ": " and message of what wraps the cause, outermost first; mostly empty
+
+  /// "Class:message", as operations tell it.
+  std::string Text() const { return ClassName + ":" + Message; }
+};
+TErrorFacts FactsOf(const std::exception& Error);
+/// Error: not null.
+TErrorFacts FactsOf(const std::exception_ptr& Error);
 
 /// The class name of Error; that of a foreign error is the type's own.
 std::string ExceptionClassName(const std::exception& Error);

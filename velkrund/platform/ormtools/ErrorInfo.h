@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace velkrund {
+
+/// What kind of error it is, for programs and for whoever knows what to do about it. The words, docs/json.md lists
+/// them, do not change once released.
+enum class TErrorCode {
+  Other,
+  Cancelled,
+  Unanswered,     // a question that nobody can answer
+  Settings,       // of a job, or a command line
+  Configuration,  // the file of it
+  FileMissing,
+  FileAccess,  // missing rights
+  FileInUse,
+  FileOpen,
+  FileRead,
+  FileWrite,
+  DiskFull,
+  FileKind,        // it is no export/import file
+  FileStructure,   // headers and marker lines
+  SectionMissing,  // named, and not in the file
+  Record,          // the layout of a section's body
+  Value,           // one value cannot be read or stored
+  Text,            // characters would be lost
+  DatabaseName,    // neither a known name nor an address
+  DatabaseMissing,
+  DatabaseReadOnly,
+  DatabaseBusy,
+  DatabaseAccess,  // login or rights
+  Connection,      // no server, or no longer
+  Database,        // anything else that an engine says
+  TableMissing,
+  FieldMissing,
+  RowRefused,  // by a constraint or a trigger
+  References,  // rows would refer to nothing
+  StructureMissing,
+  Structure,  // a stored structure, or the text of one
+};
+
+/// The word of a code: "file-missing".
+std::string_view ErrorCodeText(TErrorCode Code);
+
+/// What is known of an error beside its message. Empty, or 0, is unknown. Texts are UTF-8.
+struct TErrorInfo {
+  TErrorCode Code = TErrorCode::Other;
+  std::string File = {};     // as people named it
+  std::int64_t Line = 0;     // of File, from 1
+  std::string Section = {};  // its name
+  std::string Table = {};
+  std::string Column = {};      // of the table, or the field of a section
+  std::int64_t Record = 0;      // of the section, from 1
+  std::string Value = {};       // that was refused, shortened
+  std::string Database = {};    // without passwords
+  std::string EngineCode = {};  // the engine's own: an SQLSTATE, or a number of SQLite
+  std::string Statement = {};   // what the engine was asked to do, shortened
+
+  /// Takes what is not known yet from Other.
+  void Fill(const TErrorInfo& Other);
+};
+
+/// Text as it is shown in an error: at most so many UTF-16 units, then "...".
+std::string Shortened(std::string_view Text, std::int64_t MaxUnits = 60);
+
+}  // namespace velkrund

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "hosts/cli/Errors.h"
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
@@ -39,9 +40,6 @@ class TCheckShown final : public TCheckListener {
   void Say(const std::string& Line) const {
     if (!FSession.Json()) FSession.Console.Result(Printable(Line) + "\n");
   }
-  void SayFault(const std::string& Where, const std::string& Error) const {
-    FSession.Console.Message(Format("velkrund: %s: %s", Where, Error));
-  }
 
   const TSession& FSession;
 };
@@ -57,19 +55,19 @@ void TCheckShown::SectionChecked(const TCheckedFile& File, const TCheckedSection
   if (Item.Losses.Unrepresentable)
     Facts.push_back(Counted(Item.Losses.Unrepresentable, "character") + " that the code page lacks");
   Say(Where + ": " + CheckText(Item.State) + (Facts.empty() ? "" : ", " + Joined(Facts)));
-  if (Item.State == TItemState::Failed) SayFault(Where, Item.Note);
+  if (Item.Error) SayError(FSession, *Item.Error);
 }
 
 void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Hidden : File.Hidden) {
     Say(File.Text + ": a section that is not read");
-    SayFault(File.Text, Hidden);
+    FSession.Console.Message(Format("velkrund: %s: %s", File.Text, Hidden));
   }
   for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
-  if (!File.Error.empty()) {
+  if (File.Error) {
     const auto Count = static_cast<std::int64_t>(File.Sections.size());
     Say(File.Text + ": " + (File.IsOpen ? "faulty behind " + Counted(Count, "section") : "cannot be opened"));
-    SayFault(File.Text, File.Error);
+    SayError(FSession, *File.Error);
   } else if (File.Sections.empty()) {
     Say(File.Text + ": no section");
   }

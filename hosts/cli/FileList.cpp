@@ -1,5 +1,6 @@
 #include <iterator>
 
+#include "hosts/cli/Errors.h"
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
@@ -60,7 +61,7 @@ int TFileList::Run(TSession& Session) {
   RunJob(Session, FInterface);
   if (!Session.Json()) Session.Console.Result(TextOf(FJob.Found()));
   if (FJob.HasMalformed()) Session.Console.Message("warning: headers hold malformed characters, shown as U+FFFD");
-  if (FJob.End() == TEnd::Failed) Session.Console.Message("velkrund: " + FJob.HeaderFault());
+  if (FJob.HeaderFault()) SayError(Session, FactsOf(FJob.HeaderFault()));
   return static_cast<int>(FJob.End());
 }
 

@@ -1,19 +1,19 @@
+#include "hosts/cli/Errors.h"
 #include "hosts/cli/ExitCodes.h"
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/PersonAtTerminal.h"
-#include "hosts/cli/Session.h"
 #include "hosts/cli/UnattendedWindows.h"
 #include "hosts/cli/line/CommandLine.h"
 #include "jobs/application/Application.h"
-#include "jobs/structures/StructureSearch.h"
+#include "jobs/report/ErrorReport.h"
 #include "standalone/windows/scripted/ScriptedWindows.h"
-#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
 namespace {
 
-int RunCommand(TCommand& Command, TConsole& Console) {
+int RunCommand(TCommand& Command, TSession& Session) {
+  TConsole& Console = Session.Console;
   if (Command.WritesStandardOutput() && Command.Shared.Json)
     throw EUsage("--json and the file cannot both go to standard output");
   const std::unique_ptr<TWindowSystem> Person = FindPerson(Console, Command.ReadsStandardInput());
@@ -21,49 +21,36 @@ int RunCommand(TCommand& Command, TConsole& Console) {
   TScriptedWindows Windows(Person ? Person.get() : &Nobody);
   if (Command.Shared.Yes) Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
   const TApplication Application(Command.Shared.ApplicationOptions(), &Windows);
-  TProgress Progress(Console, Command.Shared.Progress);
-  TSession Session{Console, Progress, Command};
   return Command.Run(Session);
 }
 
-/// What people are told: the system's own errors speak for themselves, of foreign ones the class says where to look.
-std::string TextForPeople(const TCommand& Command, const std::exception& Error) {
-  if (const auto* const Unanswered = dynamic_cast<const EPolicyUnanswered*>(&Error))
-    return UnansweredText(Unanswered->Stakes(), Command.Remedy(Unanswered->Policy()));
-  if (dynamic_cast<const EStructureMissing*>(&Error))
-    return std::string(Error.what()) + "; velkrund dictionary list shows what there is";
-  const bool IsOwn = dynamic_cast<const Exception*>(&Error) != nullptr;
-  return IsOwn ? Error.what() : ExceptionClassName(Error) + ": " + Error.what();
-}
-
-/// The same as a document, where one was asked for. A program that reads it gets one in every case.
-void PrintErrorDocument(const TCommand& Command, TConsole& Console, const std::string& Error, int ExitCode) {
-  if (!Command.Shared.Json || Command.WritesStandardOutput()) return;
-  TDocument Document;
-  Document.Set("exitCode", ExitCode).Set("error", Error);
+/// An error as a document, where one was asked for. A program that reads it gets one in every case.
+void PrintErrorDocument(const TSession& Session, const TErrorFacts& Error, TEnd End) {
+  if (!Session.Json() || Session.Command.WritesStandardOutput()) return;
   try {
-    Console.Result(Document.Text());
+    Session.Console.Result(ErrorDocument(Error, Session.Command.Name(), End).Text());
   } catch (const std::exception& Failure) {
-    Console.Message(std::string("velkrund: ") + Failure.what());
+    SayError(Session, FactsOf(Failure));
   }
 }
 
+TEnd EndOf(const std::exception& Error) {
+  if (dynamic_cast<const EAbort*>(&Error)) return TEnd::Cancelled;
+  const bool Wrong = dynamic_cast<const EUsage*>(&Error) || dynamic_cast<const ESettingsError*>(&Error);
+  return Wrong ? TEnd::WrongSettings : TEnd::Failed;
+}
+
 int RunReported(TCommand& Command, TConsole& Console) {
-  const auto Report = [&](const std::string& Error, int ExitCode) {
-    PrintErrorDocument(Command, Console, Error, ExitCode);
-    Console.Message("velkrund: " + Error);
-    return ExitCode;
-  };
+  TProgress Progress(Console, Command.Shared.Progress);
+  TSession Session{Console, Progress, Command};
   try {
-    return RunCommand(Command, Console);
-  } catch (const EUsage&) {
-    throw;
-  } catch (const ESettingsError& Error) {
-    throw EUsage(Error.Worded(&OptionOf));
-  } catch (const EAbort& Abort) {
-    return Report(Abort.what(), ExitCancelled);
+    return RunCommand(Command, Session);
   } catch (const std::exception& Error) {
-    return Report(TextForPeople(Command, Error), ExitFailed);
+    const TErrorFacts Facts = FactsForPeople(Command, Error);
+    const TEnd End = EndOf(Error);
+    PrintErrorDocument(Session, Facts, End);
+    SayError(Session, Facts);
+    return static_cast<int>(End);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "hosts/cli/RunJob.h"
 
+#include "hosts/cli/Errors.h"
 #include "hosts/cli/Interrupt.h"
 #include "hosts/cli/render/ReportText.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -19,7 +20,7 @@ class TShown final : public TJobListener {
   void SetSubject(const std::string& Subject) override { FSession.Progress.SetName(Subject); }
   void Progress(std::int32_t Current, std::int32_t Total) override { FSession.Progress.Show(Current, Total); }
   void End() override { FSession.Progress.End(); }
-  void Fault(const std::string& Text) override { FSession.Console.Message("velkrund: " + Text); }
+  void Fault(const TErrorFacts& Error) override { SayError(FSession, Error); }
   void Stopped(TPolicy Policy) override {
     FSession.Console.Message(Format("velkrund: stopped there. There is no terminal to ask whether to go on: give %s",
                                     FSession.Command.Remedy(Policy)));
@@ -32,7 +33,8 @@ class TShown final : public TJobListener {
 
 }  // namespace
 
-void RunJob(const TSession& Session, TUtilOperationInterface& Interface) {
+void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
+  Session.Interface = &Interface;
   auto& Job = static_cast<TJob&>(Interface.Operation());
   TShown Shown(Session);
   Job.Listener = &Shown;
@@ -45,10 +47,10 @@ void RunJob(const TSession& Session, TUtilOperationInterface& Interface) {
   if (Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(Job.Report());
 }
 
-int RunSectionsJob(const TSession& Session, TUtilOperationInterface& Interface) {
+int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface) {
   RunJob(Session, Interface);
   const TOutcome& Outcome = static_cast<const TSectionsJob&>(Interface.Operation()).Outcome();
-  if (!Outcome.Error.empty()) Session.Console.Message("velkrund: " + Outcome.Error);
+  if (Outcome.Error) SayError(Session, *Outcome.Error);
   Session.Console.Message(ReportText(Outcome));
   return static_cast<int>(Outcome.End());
 }

@@ -10,8 +10,8 @@ namespace velkrund {
 /// Runs a command's job with its progress and its errors shown as they come, stopped by the person's wish. An error
 /// that ended it early is raised again. Its document is printed where one was asked for, unless standard output carries
 /// the data.
-void RunJob(const TSession& Session, TUtilOperationInterface& Interface);
+void RunJob(TSession& Session, TUtilOperationInterface& Interface);
 /// The same for a job on sections, whose end report follows; the exit code.
-int RunSectionsJob(const TSession& Session, TUtilOperationInterface& Interface);
+int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface);
 
 }  // namespace velkrund

@@ -19,7 +19,7 @@ const char* KindText(TTableKind Kind) {
   return "table";
 }
 
-TDocument TJobDatabaseInfo::Document() const {
+void TJobDatabaseInfo::Describe(TDocument& Document) const {
   TDocument Tables = TDocument::List();
   for (const auto& [Table, Count, Bytes, Problem] : FInfo.Tables) {
     TDocument Entry;
@@ -29,11 +29,9 @@ TDocument TJobDatabaseInfo::Document() const {
     if (!Problem.empty()) Entry.Set("problem", Problem);
     Tables.Add(std::move(Entry));
   }
-  TDocument Result;
-  Result.Set("database", DatabaseText()).Set("engine", FInfo.Engine).Set("version", FInfo.EngineVersion);
-  Result.Set("readOnly", FInfo.ReadOnly).Set("catalogueVersion", FInfo.CatalogueVersion);
-  Result.Set("tables", std::move(Tables));
-  return Result;
+  Document.Set("database", DatabaseText()).Set("engine", FInfo.Engine).Set("version", FInfo.EngineVersion);
+  Document.Set("readOnly", FInfo.ReadOnly).Set("catalogueVersion", FInfo.CatalogueVersion);
+  Document.Set("tables", std::move(Tables));
 }
 
 }  // namespace velkrund

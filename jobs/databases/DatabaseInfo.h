@@ -10,6 +10,7 @@ class TJobDatabaseInfo final : public TJob {
   const TDatabaseInfo& Info() const { return FInfo; }
   /// As messages name the database.
   const std::string& Database() const { return DatabaseText(); }
+  std::string CommandName() const override { return "database info"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -17,7 +18,8 @@ class TJobDatabaseInfo final : public TJob {
  protected:
   void Run() override { FInfo = Manager().DatabaseInfo(DatabaseName); }
   void Forget() override { FInfo = {}; }
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "database"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   TDatabaseInfo FInfo;

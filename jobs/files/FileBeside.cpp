@@ -19,7 +19,9 @@ namespace {
 std::string NameBeside(const std::string& Original) { return Original + ".velkrund-new"; }
 
 [[noreturn]] void RaiseSystemError(const char* What, const std::string& Path) {
-  throw EWriteError(Format("Cannot %s '%s': %s", What, Path, std::generic_category().message(errno)));
+  const int Error = errno;
+  throw EWriteError(Format("Cannot %s '%s': %s", What, Path, std::generic_category().message(Error)),
+                    {.Code = FileErrorCode(Error), .File = Path});
 }
 
 /// False: it has no permissions to copy, or they cannot be given.

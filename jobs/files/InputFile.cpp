@@ -17,8 +17,10 @@ namespace {
 void FillFromPath(TSpool& Spool, const std::string& Path, const TSpool::TCanceled& Canceled) {
   const int Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
   if (Descriptor < 0) {
+    const int Error = errno;
     if (Canceled && Canceled()) throw EAbort("Cancelled while waiting for a pipe");
-    throw EFOpenError(Format("Cannot open file '%s': %s", Path, std::generic_category().message(errno)));
+    throw EFOpenError(Format("Cannot open file '%s': %s", Path, std::generic_category().message(Error)),
+                      {.Code = FileErrorCode(Error), .File = Path});
   }
   try {
     Spool.FillFrom(Descriptor, Path, Canceled);

@@ -71,7 +71,9 @@ void TOutputFile::RefuseForeignFile() {
   if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
   Text = Trim(Text);
   if (!Text.empty() && Text.front() != CommentMark)
-    throw EFOpenError(Format("File '%s' is there already and is no export/import file: nothing is added to it", FName));
+    throw EFOpenError(
+        Format("File '%s' is there already and is not an export/import file: nothing is added to it", FName),
+        {.Code = TErrorCode::FileKind, .File = FName});
 }
 
 TOutputFile::~TOutputFile() {
@@ -92,8 +94,11 @@ void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCancel
     return;
   }
   const int Descriptor = open(FName.c_str(), O_WRONLY | O_CLOEXEC);
-  if (Descriptor < 0)
-    throw EFOpenError(Format("Cannot open file '%s': %s", FName, std::generic_category().message(errno)));
+  if (Descriptor < 0) {
+    const int Error = errno;
+    throw EFOpenError(Format("Cannot open file '%s': %s", FName, std::generic_category().message(Error)),
+                      {.Code = FileErrorCode(Error), .File = FName});
+  }
   try {
     FSpool->DrainTo(Descriptor, FName, Canceled);
   } catch (...) {

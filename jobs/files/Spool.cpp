@@ -54,9 +54,12 @@ std::string MakeTemporaryFile() {
   std::string Path = Folder && *Folder ? Folder : "/tmp";
   Path += "/velkrund-XXXXXX";
   const int Descriptor = mkstemp(Path.data());
-  if (Descriptor < 0)
+  if (Descriptor < 0) {
+    const int Error = errno;
     throw EFCreateError(
-        Format("Cannot create a temporary file '%s': %s. TMPDIR names the folder to use", Path, Reason(errno)));
+        Format("Cannot create a temporary file '%s': %s. TMPDIR names the folder to use", Path, Reason(Error)),
+        {.Code = FileErrorCode(Error), .File = Path});
+  }
   close(Descriptor);
   return Path;
 }
@@ -87,7 +90,7 @@ void TSpool::FillFrom(int Descriptor, const std::string& Name, const TCanceled& 
       FFile->WriteAt(Position, {Block.data(), static_cast<std::size_t>(Got)});
       Position += Got;
     } else if (errno != EINTR && errno != EAGAIN) {
-      throw EReadError(Format("Cannot read %s: %s", Name, Reason(errno)));
+      throw EReadError(Format("Cannot read %s: %s", Name, Reason(errno)), {.File = Name});
     }
   }
 }
@@ -111,6 +114,15 @@ void TSpool::Replace(const std::string&, const std::string& To) {
 
 void TSpool::Remove(const std::string& Path) { throw EWriteError(Format("Cannot remove '%s': it is a pipe", Path)); }
 
+namespace {
+
+[[noreturn]] void RaiseNotWritten(const std::string& Name, int Error) {
+  throw EWriteError(Format("Cannot write to %s: %s", Name, Reason(Error)),
+                    {.Code = FileErrorCode(Error), .File = Name});
+}
+
+}  // namespace
+
 void WriteToDescriptor(int Descriptor, std::string_view Data, const std::string& Name,
                        const TSpool::TCanceled& Canceled) {
   while (!Data.empty()) {
@@ -119,7 +131,7 @@ void WriteToDescriptor(int Descriptor, std::string_view Data, const std::string&
     if (Put >= 0)
       Data.remove_prefix(static_cast<std::size_t>(Put));
     else if (errno != EINTR && errno != EAGAIN)
-      throw EWriteError(Format("Cannot write to %s: %s", Name, Reason(errno)));
+      RaiseNotWritten(Name, errno);
   }
 }
 

@@ -21,6 +21,13 @@ TDocument::TDocument(TDocument&&) noexcept = default;
 TDocument& TDocument::operator=(TDocument&&) noexcept = default;
 TDocument::~TDocument() = default;
 
+TDocument TDocument::Headed(std::string_view Schema, std::string_view Command, int ExitCode) {
+  TDocument Result;
+  Result.Set("schema", std::string("velkrund/").append(Schema).append("/1"));
+  Result.Set("command", Command).Set("exitCode", ExitCode);
+  return Result;
+}
+
 TDocument TDocument::List() {
   TDocument Result;
   Result.FValue->Json = TJson::array();

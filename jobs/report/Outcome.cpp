@@ -2,19 +2,11 @@
 
 #include <algorithm>
 
-#include "velkrund/platform/ormtools/Exceptions.h"
+#include "jobs/report/ErrorReport.h"
 
 namespace velkrund {
 
 namespace {
-
-std::string TextOf(const std::exception_ptr& Reason) {
-  try {
-    std::rethrow_exception(Reason);
-  } catch (const std::exception& Error) {
-    return ErrorText(Error);
-  }
-}
 
 TDocument ItemDocument(const TItem& Item) {
   TDocument Result;
@@ -23,7 +15,8 @@ TDocument ItemDocument(const TItem& Item) {
   if (!Item.Table.empty()) Result.Set("table", Item.Table);
   if (Item.Structure) Result.Set("structure", Item.Structure->Name).Set("objectType", Item.Structure->Type);
   Result.Set("state", StateText(Item.State));
-  if (!Item.Note.empty()) Result.Set(Item.State == TItemState::Failed ? "error" : "note", Item.Note);
+  if (!Item.Note.empty()) Result.Set("note", Item.Note);
+  if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
   if (Item.State != TItemState::Done) return Result;
   const std::optional<std::int64_t> Rows = Item.Rows();
   if (Rows) Result.Set("rows", *Rows);
@@ -36,42 +29,32 @@ TDocument ItemDocument(const TItem& Item) {
 
 }  // namespace
 
-const char* StateText(TItemState State) {
+std::string_view StateText(TItemState State) {
   switch (State) {
     case TItemState::Done:
       return "done";
     case TItemState::LeftOut:
-      return "left out";
+      return "left-out";
     case TItemState::Failed:
       return "failed";
     case TItemState::Cancelled:
       return "cancelled";
     case TItemState::TakenBack:
-      return "taken back";
+      return "taken-back";
     case TItemState::NotReached:
       break;
   }
-  return "not reached";
-}
-
-std::string ErrorText(const std::exception& Error) { return ExceptionClassName(Error) + ":" + Error.what(); }
-
-std::string MessageOf(const std::exception_ptr& Error) {
-  try {
-    std::rethrow_exception(Error);
-  } catch (const std::exception& Raised) {
-    return Raised.what();
-  }
+  return "not-reached";
 }
 
 void TOutcome::Fail(TItem& Item, const std::exception_ptr& Reason) {
   Item.State = TItemState::Failed;
-  Item.Note = TextOf(Reason);
+  Item.Error = FactsOf(Reason);
   if (!FirstError) FirstError = Reason;
 }
 
 void TOutcome::Fail(const std::exception_ptr& Reason) {
-  Error = TextOf(Reason);
+  Error = FactsOf(Reason);
   if (!FirstError) FirstError = Reason;
 }
 
@@ -81,7 +64,7 @@ int TOutcome::Count(TItemState State) const {
 }
 
 TEnd TOutcome::End() const {
-  if (!Error.empty()) return TEnd::Failed;
+  if (Error) return TEnd::Failed;
   if (!Cancelled.empty() || Any(TItemState::Cancelled)) return TEnd::Cancelled;
   if (Any(TItemState::Failed)) return TEnd::Failed;
   return Any(TItemState::NotReached) ? TEnd::Cancelled : TEnd::Done;
@@ -102,16 +85,13 @@ TTotals TOutcome::Totals() const {
   return Result;
 }
 
-TDocument TOutcome::Document() const {
+void TOutcome::Describe(TDocument& Document) const {
   const TTotals All = Totals();
   TDocument Sections = TDocument::List();
   for (const TItem& Item : Items) Sections.Add(ItemDocument(Item));
-  TDocument Result;
-  Result.Set("command", Command).Set("database", Database).Set("file", File);
-  Result.Set("exitCode", static_cast<int>(End())).Set("sections", std::move(Sections)).Set("notes", Notes);
-  if (const std::string& Text = Error.empty() ? EndedBy : Error; !Text.empty()) Result.Set("error", Text);
-  Result.Set("rows", All.Rows.value_or(0)).Set("bytes", All.Bytes).Set("seconds", All.Seconds);
-  return Result;
+  Document.Set("database", Database).Set("file", File).Set("sections", std::move(Sections)).Set("notes", Notes);
+  if (const auto& Reason = Error ? Error : EndedBy) Document.Set("error", ErrorDocument(*Reason));
+  Document.Set("rows", All.Rows.value_or(0)).Set("bytes", All.Bytes).Set("seconds", All.Seconds);
 }
 
 }  // namespace velkrund

@@ -4,11 +4,13 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "jobs/report/Document.h"
 #include "jobs/report/StructureId.h"
 #include "velkrund/dictionary/TableData.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 
 namespace velkrund {
@@ -25,13 +27,8 @@ enum class TItemState {
   TakenBack,   // done, and undone when the rest failed
 };
 
-/// "done", "left out" ...
-const char* StateText(TItemState State);
-
-/// Class, ":" and message of an error, as it stands in reports.
-std::string ErrorText(const std::exception& Error);
-/// The message alone. Error: not null.
-std::string MessageOf(const std::exception_ptr& Error);
+/// "done", "left-out" ...: words for programs.
+std::string_view StateText(TItemState State);
 
 /// What became of one section.
 struct TItem {
@@ -39,7 +36,8 @@ struct TItem {
   std::string Table = {};    // empty: the section is for something else; only tables have rows
   std::string File = {};     // empty: the run's only one
   TItemState State = TItemState::NotReached;
-  std::string Note = {};   // why it was left out, or the error
+  std::string Note = {};  // why it was left out
+  std::optional<TErrorFacts> Error = {};
   std::int64_t Bytes = 0;  // of the section's body
   double Seconds = 0;
   TTableDataReport Counts = {};
@@ -64,15 +62,14 @@ struct TTotals {
 
 /// What became of a run over sections: the whole of it, for texts, documents and hosts.
 struct TOutcome {
-  std::string Command;  // "export table"
-  std::string Done;     // "exported"
+  std::string Done;  // "exported"
   std::string Database, File;
   std::vector<TItem> Items = {};
-  std::vector<std::string> Notes = {};  // about the run as a whole
-  std::string Error = {};               // what ended the run besides the items
-  std::string Cancelled = {};           // the same
-  std::string EndedBy = {};             // the error of an item that ended the run
-  std::exception_ptr FirstError = {};   // of the run or of an item
+  std::vector<std::string> Notes = {};      // about the run as a whole
+  std::optional<TErrorFacts> Error = {};    // what ended the run besides the items
+  std::string Cancelled = {};               // the same
+  std::optional<TErrorFacts> EndedBy = {};  // the error of an item that ended the run
+  std::exception_ptr FirstError = {};       // of the run or of an item
 
   /// Enters an error of an item, which fails, or of the run.
   void Fail(TItem& Item, const std::exception_ptr& Reason);
@@ -82,7 +79,7 @@ struct TOutcome {
   int Count(TItemState State) const;
   TEnd End() const;
   TTotals Totals() const;
-  TDocument Document() const;
+  void Describe(TDocument& Document) const;
 };
 
 }  // namespace velkrund

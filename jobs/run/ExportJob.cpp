@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "jobs/report/ErrorReport.h"
 #include "jobs/run/ItemAccount.h"
 #include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -40,7 +41,7 @@ void TExportJob::CheckSettings() const {
 }
 
 void TExportJob::Run() {
-  FOutcome = {Format("export %s", FKind), "exported", DatabaseText(), FileName};
+  FOutcome = {"exported", DatabaseText(), FileName};
   FErrors.emplace(Policies.OnError);
   FOutcome.Items = Plan();
   FReplaced.clear();
@@ -140,7 +141,7 @@ void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
   EndPart();
   Account.Close(Item);
   AfterRun(Item);
-  if (Item.State == TItemState::Failed) Fault(Item.Note);
+  if (Item.Error) Fault(*Item.Error);
   if (Item.State != TItemState::Done) return;
   const TEISectionList& Sections = FOutput->File().Sections();
   Item.Bytes = Sections[Sections.Count() - 1].DataSize;
@@ -156,7 +157,7 @@ bool TExportJob::GoOn(const TItem& Failed) {
   constexpr const char* Question = "Go on with the next one?";
   try {
     // Who hears of errors as they come has been told.
-    return FErrors->GoOn(Listener ? Question : Failed.Note + "\r\n" + Question);
+    return FErrors->GoOn(Listener ? Question : ErrorLine(*Failed.Error) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
   } catch (const EAbort& Abort) {

@@ -25,6 +25,7 @@ class TExportJob : public TSectionsJob {
   std::optional<TKvEncoding> Encoding;  // nothing: UTF-8, for rv17 ANSI
 
   void CheckSettings() const override;
+  std::string CommandName() const override { return std::string("export ") + FKind; }
 
  protected:
   /// Kind: of the sections, for the document: "table". Role: of sections whose names count.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jobs/files/StrayMarkers.h"
+#include "jobs/report/ErrorReport.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -28,7 +29,7 @@ class TCreateMissing {
 }  // namespace
 
 void TImportJob::Run() {
-  FOutcome = {Format("import %s", FKind), "imported", DatabaseText(), Joined(Names())};
+  FOutcome = {"imported", DatabaseText(), Joined(Names())};
   FUnreadable.clear();
   FSteps.clear();
   FErrors.emplace(Policies.OnError);
@@ -128,7 +129,7 @@ void TImportJob::Import() {
   } catch (const std::exception& Error) {
     // What the run ends with after the failure of an item has been told with the item.
     if (FStopped)
-      FOutcome.EndedBy = ErrorText(Error);
+      FOutcome.EndedBy = FactsOf(Error);
     else
       FOutcome.Fail(std::current_exception());
     FStopped = true;
@@ -212,7 +213,7 @@ void TImportJob::Fail(TItem& Item, const std::exception& Error) {
   }
   FOutcome.Fail(Item, std::current_exception());
   // Without a listener it stands in the log that the operation writes.
-  if (Listener) Fault(Item.Note);
+  if (Listener) Fault(*Item.Error);
 }
 
 std::optional<bool> TImportJob::GoOn(const std::exception& Error) {
@@ -225,7 +226,7 @@ bool TImportJob::MayGoOn(const std::exception& Error) {
   try {
     const std::string Question = Manager().LString("M_Velkrund_DSPUtils_ContinueImport");
     // Who hears of errors as they come has been told.
-    return FErrors->GoOn(Listener ? Question : ErrorText(Error) + "\r\n" + Question);
+    return FErrors->GoOn(Listener ? Question : ErrorLine(FactsOf(Error)) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
     return false;

@@ -41,6 +41,8 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
  public:
   bool CreateDatabase = false;  // make the database when it does not exist
 
+  std::string CommandName() const override { return std::string("import ") + FKind; }
+
  protected:
   using TParts = std::map<TSectionRole, std::unique_ptr<TImportPart>>;
 

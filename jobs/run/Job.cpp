@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jobs/report/ErrorReport.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -62,6 +63,11 @@ int TJob::Execute() {
     FRaised = std::current_exception();
     FEnd = TEnd::WrongSettings;
     throw;
+  } catch (Exception& Error) {
+    if (!FDatabaseText.empty()) Error.Add({.Database = FDatabaseText});
+    FRaised = std::current_exception();
+    FEnd = TEnd::Failed;
+    throw;
   } catch (...) {
     FRaised = std::current_exception();
     FEnd = TEnd::Failed;
@@ -83,16 +89,9 @@ void TJob::RunOnDatabase() {
 
 std::string TJob::Report() const {
   if (!FHasRun) return {};
-  if (!FRaised) return Document().Text();
-  TDocument Result;
-  Result.Set("exitCode", static_cast<int>(FEnd));
-  try {
-    std::rethrow_exception(FRaised);
-  } catch (const Exception& Error) {
-    Result.Set("error", Error.what());
-  } catch (const std::exception& Error) {
-    Result.Set("error", ExceptionClassName(Error) + ": " + Error.what());
-  }
+  TDocument Result = FRaised ? ErrorDocument(FactsOf(FRaised), CommandName(), FEnd)
+                             : TDocument::Headed(Schema(), CommandName(), static_cast<int>(FEnd));
+  if (!FRaised) Describe(Result);
   return Result.Text();
 }
 
@@ -154,11 +153,11 @@ void TJob::EndPart() {
     ShowPart(1, 1, {});
 }
 
-void TJob::Fault(const std::string& Text) const {
+void TJob::Fault(const TErrorFacts& Error) const {
   if (Listener)
-    Listener->Fault(Text);
+    Listener->Fault(Error);
   else
-    WriteLog(TTraceLevel::Error, Text);
+    WriteLog(TTraceLevel::Error, ErrorLine(Error));
 }
 
 void TJob::Stop(TPolicy Policy) const {
@@ -177,7 +176,7 @@ void TJob::Complain(const std::string& Text) const {
 
 std::exception_ptr TSectionsJob::Failure() const {
   const int Failed = FOutcome.Count(TItemState::Failed);
-  if (Failed + (FOutcome.Error.empty() ? 0 : 1) <= 1) return FOutcome.FirstError;
+  if (Failed + (FOutcome.Error ? 1 : 0) <= 1) return FOutcome.FirstError;
   try {
     std::rethrow_exception(FOutcome.FirstError);
   } catch (const std::exception& Error) {

@@ -27,9 +27,11 @@ class TJob : public TDatabaseUtilOperation {
   TEnd End() const { return FEnd; }
   /// The error that ended the last run before it came to its end, EAbort included; null otherwise.
   const std::exception_ptr& Raised() const { return FRaised; }
-  /// The document about the last run; empty before the first. Raises an error where the result is none that a document
-  /// can hold.
+  /// The document about the last run; empty before the first; docs/json.md describes it. Raises an error where the
+  /// result is none that a document can hold.
   std::string Report() const;
+  /// The line of the command that does the same, without options: "export table".
+  virtual std::string CommandName() const = 0;
 
   TJobListener* Listener = nullptr;  // borrowed; null: progress and log of the operation
 
@@ -43,7 +45,10 @@ class TJob : public TDatabaseUtilOperation {
   virtual TEnd Conclusion() const { return TEnd::Done; }
   /// The error to raise for a run that has failed.
   virtual std::exception_ptr Failure() const { return nullptr; }
-  virtual TDocument Document() const = 0;
+  /// The form of the document, without its version: "transfer".
+  virtual std::string_view Schema() const = 0;
+  /// Adds what the document says beside schema, command and exit code.
+  virtual void Describe(TDocument& Document) const = 0;
 
   TStandaloneManager& Manager() const;
   TFileSystem& Files() const;
@@ -64,7 +69,7 @@ class TJob : public TDatabaseUtilOperation {
   void SetSubject(const std::string& Subject);
   void ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const;
   void EndPart();
-  void Fault(const std::string& Text) const;
+  void Fault(const TErrorFacts& Error) const;
   void Stop(TPolicy Policy) const;
   void Complain(const std::string& Text) const;
 
@@ -95,7 +100,8 @@ class TSectionsJob : public TPolicyJob {
   TEnd Conclusion() const override { return FOutcome.End(); }
   std::exception_ptr Failure() const override;
   void Forget() override { FOutcome = {}; }
-  TDocument Document() const override { return FOutcome.Document(); }
+  std::string_view Schema() const override { return "transfer"; }
+  void Describe(TDocument& Document) const override { FOutcome.Describe(Document); }
 
   TOutcome FOutcome;
 };

@@ -22,8 +22,8 @@ class TJobListener {
   virtual void Progress(std::int32_t /*Current*/, std::int32_t /*Total*/) {}
   virtual void End() {}
 
-  /// An error while the run may go on. Text: class and message.
-  virtual void Fault(const std::string& /*Text*/) {}
+  /// An error while the run may go on.
+  virtual void Fault(const TErrorFacts& /*Error*/) {}
   /// The run goes no further after an error, since nobody could be asked what the policy leaves open.
   virtual void Stopped(TPolicy /*Policy*/) {}
   /// What cannot be put right any more.

@@ -4,6 +4,7 @@
 
 #include "jobs/files/SectionChoice.h"
 #include "jobs/files/StrayMarkers.h"
+#include "jobs/report/ErrorReport.h"
 #include "jobs/sections/SectionCheck.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -32,7 +33,7 @@ TDocument DocumentOf(const TCheckedSection& Section, std::size_t Index) {
   if (Section.HasRows) Result.Set("rows", Item.Counts.RowCount);
   Result.Set("bytes", Item.Bytes).Set("charactersLost", Item.Losses.Unrepresentable);
   Result.Set("malformedCharacters", Item.Losses.Malformed);
-  if (!Item.Note.empty()) Result.Set("error", Item.Note);
+  if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
   return Result;
 }
 
@@ -43,7 +44,7 @@ TDocument DocumentOf(const TCheckedFile& File) {
   TDocument Result;
   Result.Set("file", File.Name).Set("sections", std::move(Sections)).Set("hidden", File.Hidden);
   Result.Set("notes", File.Notes);
-  if (!File.Error.empty()) Result.Set("error", File.Error);
+  if (File.Error) Result.Set("error", ErrorDocument(*File.Error));
   return Result;
 }
 
@@ -66,7 +67,7 @@ const char* CheckText(TItemState State) {
     case TItemState::TakenBack:
       break;
   }
-  return "not reached";
+  return "not-reached";
 }
 
 void TJobCheckFiles::CheckSettings() const {
@@ -100,11 +101,11 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
   try {
     if (Result.IsOpen) CheckGaps(Input, Result);
   } catch (const EStreamError& Failure) {
-    if (Result.Error.empty()) Result.Error = Failure.what();
+    if (!Result.Error) Result.Error = FactsOf(Failure);
   }
   if (CheckListener) CheckListener->FileChecked(Result);
   for (const std::string& Hidden : Result.Hidden) NoteFault(Result.Text, Hidden);
-  if (!Result.Error.empty()) NoteFault(Result.Text, Result.Error);
+  if (Result.Error) NoteFault({}, ErrorLine(*Result.Error));
 }
 
 /// False: cancelled.
@@ -115,10 +116,10 @@ bool TJobCheckFiles::Open(TInputFile& Input, TCheckedFile& Result) {
     FTotals.Cancelled = true;
     return false;
   } catch (const EFOpenError& Failure) {
-    Result.Error = Failure.what();
+    Result.Error = FactsOf(Failure);
     Result.IsOpen = false;
   } catch (const std::exception& Failure) {
-    Result.Error = Failure.what();
+    Result.Error = FactsOf(Failure);
   }
   return true;
 }
@@ -155,7 +156,7 @@ void TJobCheckFiles::Count(const TCheckedFile& File, const TCheckedSection& Sect
     FTotals.Bytes += Item.Bytes;
   }
   if (CheckListener) CheckListener->SectionChecked(File, Section);
-  if (Item.State == TItemState::Failed) NoteFault(File.Text + ": " + Section.Text, Item.Note);
+  if (Item.Error) NoteFault({}, ErrorLine(*Item.Error));
 }
 
 void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
@@ -166,9 +167,9 @@ void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
 
 void TJobCheckFiles::NoteFault(const std::string& Where, const std::string& Text) {
   ++FTotals.Faults;
-  const std::string Fault = Where + ": " + Text;
+  const std::string Fault = Where.empty() ? Text : Where + ": " + Text;
   if (FFirstFault.empty()) FFirstFault = Fault;
-  if (!CheckListener) TJob::Fault(Fault);
+  if (!CheckListener) WriteLog(TTraceLevel::Error, Fault);
 }
 
 TEnd TJobCheckFiles::Conclusion() const {
@@ -181,14 +182,12 @@ std::exception_ptr TJobCheckFiles::Failure() const {
       EJobFailed(FTotals.Faults == 1 ? FFirstFault : Format("%d faults. The first: %s", FTotals.Faults, FFirstFault)));
 }
 
-TDocument TJobCheckFiles::Document() const {
+void TJobCheckFiles::Describe(TDocument& Document) const {
   TDocument Files = TDocument::List();
   for (const TCheckedFile& File : FChecked) Files.Add(DocumentOf(File));
-  TDocument Result;
-  Result.Set("command", "file check").Set("exitCode", static_cast<int>(Conclusion())).Set("files", std::move(Files));
-  Result.Set("faults", FTotals.Faults).Set("rows", FTotals.Rows).Set("bytes", FTotals.Bytes);
-  Result.Set("seconds", FTotals.Seconds);
-  return Result;
+  Document.Set("files", std::move(Files));
+  Document.Set("faults", FTotals.Faults).Set("rows", FTotals.Rows).Set("bytes", FTotals.Bytes);
+  Document.Set("seconds", FTotals.Seconds);
 }
 
 }  // namespace velkrund

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,13 +21,13 @@ struct TCheckedFile {
   std::string Name;  // as it was given
   std::string Text;  // for messages
   std::vector<TCheckedSection> Sections = {};
-  std::vector<std::string> Hidden = {};  // what looks like a section that nobody reads: faults
-  std::vector<std::string> Notes = {};   // what is no fault
-  std::string Error = {};                // of the headers, or why it could not be opened
+  std::vector<std::string> Hidden = {};   // what looks like a section that nobody reads: faults
+  std::vector<std::string> Notes = {};    // what is no fault
+  std::optional<TErrorFacts> Error = {};  // of the headers, or why it could not be opened
   bool IsOpen = true;
 };
 
-/// "ok", "faulty", "cancelled" or "not reached".
+/// "ok", "faulty", "cancelled" or "not-reached".
 const char* CheckText(TItemState State);
 
 /// Hears of results as they come.
@@ -55,6 +56,7 @@ class TJobCheckFiles final : public TPolicyJob {
   const std::vector<TCheckedFile>& Checked() const { return FChecked; }
 
   void CheckSettings() const override;
+  std::string CommandName() const override { return "file check"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -65,7 +67,8 @@ class TJobCheckFiles final : public TPolicyJob {
   bool NeedsDatabase() const override { return false; }
   TEnd Conclusion() const override;
   std::exception_ptr Failure() const override;
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "check"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   void CheckFile(TCheckedFile& Result);
@@ -73,6 +76,7 @@ class TJobCheckFiles final : public TPolicyJob {
   void CheckSections(TInputFile& Input, TCheckedFile& Result);
   void CheckGaps(TInputFile& Input, TCheckedFile& Result);
   void Count(const TCheckedFile& File, const TCheckedSection& Section);
+  /// Where: empty where Text says it.
   void NoteFault(const std::string& Where, const std::string& Text);
 
   std::vector<TCheckedFile> FChecked;

@@ -1,7 +1,7 @@
 #include "jobs/sections/ListSections.h"
 
 #include "jobs/files/InputFile.h"
-#include "velkrund/platform/ormtools/Exceptions.h"
+#include "jobs/report/ErrorReport.h"
 
 namespace velkrund {
 
@@ -66,13 +66,11 @@ void TJobListSections::Run() {
   FHasMalformed = Input.File().Losses().Any();
 }
 
-TDocument TJobListSections::Document() const {
+void TJobListSections::Describe(TDocument& Document) const {
   TDocument Sections = TDocument::List();
   for (std::size_t Index = 0; Index < FFound.size(); ++Index) Sections.Add(DocumentOf(FFound[Index], Index));
-  TDocument Result;
-  Result.Set("file", FFile).Set("size", FSize).Set("sections", std::move(Sections));
-  if (FFault) Result.Set("error", MessageOf(FFault));
-  return Result;
+  Document.Set("file", FFile).Set("size", FSize).Set("sections", std::move(Sections));
+  if (FFault) Document.Set("error", ErrorDocument(FactsOf(FFault)));
 }
 
 }  // namespace velkrund

@@ -29,12 +29,13 @@ class TJobListSections final : public TJob {
   std::string FileName;  // "-": standard input
 
   const std::vector<TListedSection>& Found() const { return FFound; }
-  /// What the headers could not be read for; empty when they could.
-  std::string HeaderFault() const { return FFault ? MessageOf(FFault) : std::string(); }
+  /// What the headers could not be read for; null when they could.
+  const std::exception_ptr& HeaderFault() const { return FFault; }
   /// Headers hold malformed characters, shown as U+FFFD.
   bool HasMalformed() const { return FHasMalformed; }
 
   void CheckSettings() const override { Require(FileName, "FileName"); }
+  std::string CommandName() const override { return "file list"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -45,7 +46,8 @@ class TJobListSections final : public TJob {
   bool NeedsDatabase() const override { return false; }
   TEnd Conclusion() const override { return FFault ? TEnd::Failed : TEnd::Done; }
   std::exception_ptr Failure() const override { return FFault; }
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "sections"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   std::string FFile;  // of the last run

@@ -78,16 +78,14 @@ void TJobRemoveSections::Run() {
   RemoveSections(Files(), File, {Going.begin(), Going.end()}, Canceled());
 }
 
-TDocument TJobRemoveSections::Document() const {
+void TJobRemoveSections::Describe(TDocument& Document) const {
   TDocument Removed = TDocument::List();
   for (const TRemoved& Section : FRemoved) {
     TDocument Entry;
     Entry.Set("index", Section.Index).Set("name", Section.Name).Set("type", Section.Type);
     Removed.Add(std::move(Entry));
   }
-  TDocument Result;
-  Result.Set("file", FFile).Set("removed", std::move(Removed)).Set("sectionsLeft", FLeft);
-  return Result;
+  Document.Set("file", FFile).Set("removed", std::move(Removed)).Set("sectionsLeft", FLeft);
 }
 
 }  // namespace velkrund

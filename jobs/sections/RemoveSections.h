@@ -27,6 +27,7 @@ class TJobRemoveSections final : public TPolicyJob {
   int SectionsLeft() const { return FLeft; }
 
   void CheckSettings() const override;
+  std::string CommandName() const override { return "file remove"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -35,7 +36,8 @@ class TJobRemoveSections final : public TPolicyJob {
   void Run() override;
   void Forget() override;
   bool NeedsDatabase() const override { return false; }
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "removal"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   std::set<int> Chosen(const TEISectionList& Sections) const;

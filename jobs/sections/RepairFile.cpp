@@ -28,12 +28,10 @@ void TJobRepairFile::Run() {
   FRepair = RepairFile(Files(), FileName, Canceled());
 }
 
-TDocument TJobRepairFile::Document() const {
-  TDocument Result;
-  Result.Set("file", FFile).Set("bytesCut", FRepair.Bytes).Set("sectionsLeft", FRepair.SectionsLeft);
-  if (FRepair.Position >= 0) Result.Set("position", FRepair.Position).Set("cutFile", FRepair.CutFile);
-  if (!FRepair.Fault.empty()) Result.Set("fault", FRepair.Fault);
-  return Result;
+void TJobRepairFile::Describe(TDocument& Document) const {
+  Document.Set("file", FFile).Set("bytesCut", FRepair.Bytes).Set("sectionsLeft", FRepair.SectionsLeft);
+  if (FRepair.Position >= 0) Document.Set("position", FRepair.Position).Set("cutFile", FRepair.CutFile);
+  if (!FRepair.Fault.empty()) Document.Set("fault", FRepair.Fault);
 }
 
 }  // namespace velkrund

@@ -15,6 +15,7 @@ class TJobRepairFile final : public TJob {
   const TSectionRepair& Repair() const { return FRepair; }
 
   void CheckSettings() const override;
+  std::string CommandName() const override { return "file repair"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -23,7 +24,8 @@ class TJobRepairFile final : public TJob {
   void Run() override;
   void Forget() override { FRepair = {}; }
   bool NeedsDatabase() const override { return false; }
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "repair"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   std::string FFile;  // of the last run

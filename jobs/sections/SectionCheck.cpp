@@ -35,7 +35,8 @@ TSectionChecker::TChecked TSectionChecker::Check(TEIFile& File, int Index) {
     Item.State = TItemState::Cancelled;
   } catch (const std::exception& Error) {
     Item.State = TItemState::Failed;
-    Item.Note = Error.what();
+    Item.Error = FactsOf(Error);
+    Item.Error->Info.Fill({.File = File.FileName(), .Section = Section.Name()});
   }
   Account.Close(Item);
   Item.Bytes = Section.DataSize;

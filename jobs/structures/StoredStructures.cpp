@@ -49,12 +49,10 @@ void TJobListStructures::Run() {
   FFound = StructuresLike(DSPContainer().Table(DatabaseName), Choice.ObjectType, Choice.ObjectName);
 }
 
-TDocument TJobListStructures::Document() const {
+void TJobListStructures::Describe(TDocument& Document) const {
   TDocument Structures = TDocument::List();
   for (const TDSPListItem& Item : FFound) Structures.Add(PropertiesDocument(Item));
-  TDocument Result;
-  Result.Set("database", DatabaseText()).Set("structures", std::move(Structures));
-  return Result;
+  Document.Set("database", DatabaseText()).Set("structures", std::move(Structures));
 }
 
 void TJobShowStructure::Forget() {
@@ -77,10 +75,9 @@ void TJobShowStructure::WriteTree(const std::function<void(std::string_view Line
   if (FForm) WriteTreeText(FForm->Root(), Write);
 }
 
-TDocument TJobShowStructure::Document() const {
-  TDocument Result = PropertiesDocument(FFound);
-  Result.Set("nodes", TreeDocument(FForm->Root()));
-  return Result;
+void TJobShowStructure::Describe(TDocument& Document) const {
+  Document.Set("database", DatabaseText()).Set("structure", PropertiesDocument(FFound));
+  Document.Set("nodes", TreeDocument(FForm->Root()));
 }
 
 std::string TJobDropStructure::WhatWasDropped() const {
@@ -97,10 +94,8 @@ void TJobDropStructure::Run() {
   Transaction.Commit();
 }
 
-TDocument TJobDropStructure::Document() const {
-  TDocument Result;
-  Result.Set("database", DatabaseText()).Set("dropped", PropertiesDocument(FFound));
-  return Result;
+void TJobDropStructure::Describe(TDocument& Document) const {
+  Document.Set("database", DatabaseText()).Set("dropped", PropertiesDocument(FFound));
 }
 
 }  // namespace velkrund

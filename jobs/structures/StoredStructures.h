@@ -24,6 +24,7 @@ class TJobListStructures final : public TJob {
  public:
   TStructureChoice Choice;
   const std::vector<TDSPListItem>& Found() const { return FFound; }
+  std::string CommandName() const override { return "dictionary list"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -31,7 +32,8 @@ class TJobListStructures final : public TJob {
  protected:
   void Run() override;
   void Forget() override { FFound.clear(); }
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "structures"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   std::vector<TDSPListItem> FFound;
@@ -46,6 +48,7 @@ class TJobShowStructure final : public TJob {
   void CheckSettings() const override { Require(Choice.ObjectName, "ObjectName"); }
   /// The tree of the last run, in lines for people.
   void WriteTree(const std::function<void(std::string_view Lines)>& Write);
+  std::string CommandName() const override { return "dictionary show"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -53,7 +56,8 @@ class TJobShowStructure final : public TJob {
  protected:
   void Run() override;
   void Forget() override;
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "structure"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   TDSPListItem FFound;
@@ -68,6 +72,7 @@ class TJobDropStructure final : public TPolicyJob {
 
   /// "the structure 'CLIENTS' of type 12".
   std::string WhatWasDropped() const;
+  std::string CommandName() const override { return "dictionary drop"; }
 
   static const TUtilOperationDescriptor Descriptor;
   static const TInterfaceDescriptor Interface;
@@ -75,7 +80,8 @@ class TJobDropStructure final : public TPolicyJob {
  protected:
   void Run() override;
   void Forget() override { FFound = {}; }
-  TDocument Document() const override;
+  std::string_view Schema() const override { return "drop"; }
+  void Describe(TDocument& Document) const override;
 
  private:
   TDSPListItem FFound;

@@ -9,7 +9,8 @@
 namespace velkrund {
 
 void TStructureSearch::Missing(const std::string& What) const {
-  throw EStructureMissing(Format("There is no %s in the database %s", What, FDatabase));
+  throw EStructureMissing(Format("There is no %s in the database %s", What, FDatabase),
+                          {.Code = TErrorCode::StructureMissing});
 }
 
 TDSPListItem TStructureSearch::FindOfAnyType(const std::string& Name) {

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
+#include "velkrund/platform/ormtools/ErrorInfo.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
@@ -30,5 +32,9 @@ class TBulkAppender {
   /// Hands over what is still held back; nothing can be appended afterwards.
   virtual void Finish() = 0;
 };
+
+/// What is known of a value that a table does not take, for errors.
+TErrorInfo RefusedValue(const std::string& Table, const std::string& Column, std::int64_t Record,
+                        const TKvVariant& Value);
 
 }  // namespace velkrund

@@ -19,8 +19,16 @@ constexpr mode_t NewFileRights = 0666;  // less the process's mask
 std::string Reason(int Error) { return std::generic_category().message(Error); }
 
 template <typename TError>
-[[noreturn]] void Raise(const char* What, const std::string& Path, const std::string& Why) {
-  throw TError(Format("Cannot %s file '%s': %s", What, Path, Why));
+[[noreturn]] void Raise(const char* What, const std::string& Path, const std::string& Why,
+                        TErrorCode Code = TErrorCode::Other) {
+  throw TError(Format("Cannot %s file '%s': %s", What, Path, Why), {.Code = Code, .File = Path});
+}
+
+/// After a system call that has failed.
+template <typename TError>
+[[noreturn]] void RaiseSystemError(const char* What, const std::string& Path) {
+  const int Error = errno;
+  Raise<TError>(What, Path, Reason(Error), FileErrorCode(Error));
 }
 
 /// Repeats a system call that a signal has interrupted.
@@ -52,7 +60,7 @@ void SyncFolder(const std::string& Path) {
   const TDescriptor Descriptor(Uninterrupted([&] { return open(Folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   // Some file systems cannot sync a folder and say so with EINVAL.
   if (Descriptor.Number() < 0 || (fsync(Descriptor.Number()) < 0 && errno != EINVAL))
-    Raise<EWriteError>("sync the folder of", Path, Reason(errno));
+    RaiseSystemError<EWriteError>("sync the folder of", Path);
 }
 
 class TPosixFile final : public TFile {
@@ -66,7 +74,7 @@ class TPosixFile final : public TFile {
       const ssize_t Got = Uninterrupted([&] {
         return pread(FDescriptor.Number(), Buffer + Done, Count - Done, Position + static_cast<std::int64_t>(Done));
       });
-      if (Got < 0) Raise<EReadError>("read", FPath, Reason(errno));
+      if (Got < 0) RaiseSystemError<EReadError>("read", FPath);
       if (Got == 0) break;
       Done += static_cast<std::size_t>(Got);
     }
@@ -77,7 +85,7 @@ class TPosixFile final : public TFile {
     while (!Data.empty()) {
       const ssize_t Put =
           Uninterrupted([&] { return pwrite(FDescriptor.Number(), Data.data(), Data.size(), Position); });
-      if (Put < 0) Raise<EWriteError>("write", FPath, Reason(errno));
+      if (Put < 0) RaiseSystemError<EWriteError>("write", FPath);
       Position += Put;
       Data.remove_prefix(static_cast<std::size_t>(Put));
     }
@@ -85,18 +93,17 @@ class TPosixFile final : public TFile {
 
   std::int64_t Size() override {
     struct stat Status;
-    if (fstat(FDescriptor.Number(), &Status) < 0) Raise<EReadError>("get the size of", FPath, Reason(errno));
+    if (fstat(FDescriptor.Number(), &Status) < 0) RaiseSystemError<EReadError>("get the size of", FPath);
     return Status.st_size;
   }
 
   void SetSize(std::int64_t Size) override {
     if (Uninterrupted([&] { return ftruncate(FDescriptor.Number(), Size); }) < 0)
-      Raise<EWriteError>("set the size of", FPath, Reason(errno));
+      RaiseSystemError<EWriteError>("set the size of", FPath);
   }
 
   void Sync() override {
-    if (Uninterrupted([&] { return fsync(FDescriptor.Number()); }) < 0)
-      Raise<EWriteError>("sync", FPath, Reason(errno));
+    if (Uninterrupted([&] { return fsync(FDescriptor.Number()); }) < 0) RaiseSystemError<EWriteError>("sync", FPath);
     if (std::exchange(FFolderToSync, false)) SyncFolder(FPath);
   }
 
@@ -108,9 +115,13 @@ class TPosixFile final : public TFile {
 
 bool IsCreating(TFileMode Mode) { return Mode == TFileMode::Create || Mode == TFileMode::CreateNew; }
 
-[[noreturn]] void RaiseNotOpened(TFileMode Mode, const std::string& Path, const std::string& Why) {
-  if (IsCreating(Mode)) Raise<EFCreateError>("create", Path, Why);
-  Raise<EFOpenError>("open", Path, Why);
+[[noreturn]] void RaiseNotOpened(TFileMode Mode, const std::string& Path, const std::string& Why, TErrorCode Code) {
+  if (IsCreating(Mode)) Raise<EFCreateError>("create", Path, Why, Code);
+  Raise<EFOpenError>("open", Path, Why, Code);
+}
+
+[[noreturn]] void RaiseNotOpened(TFileMode Mode, const std::string& Path, int Error) {
+  RaiseNotOpened(Mode, Path, Reason(Error), FileErrorCode(Error));
 }
 
 int OpenFlags(TFileMode Mode) {
@@ -132,8 +143,8 @@ void LockForWriting(int Descriptor, TFileMode Mode, const std::string& Path) {
   Lock.l_type = F_WRLCK;
   Lock.l_whence = SEEK_SET;
   if (Uninterrupted([&] { return fcntl(Descriptor, F_OFD_SETLK, &Lock); }) == 0) return;
-  const bool InUse = errno == EAGAIN || errno == EACCES;
-  RaiseNotOpened(Mode, Path, InUse ? "it is in use by another program" : Reason(errno));
+  if (errno != EAGAIN && errno != EACCES) RaiseNotOpened(Mode, Path, errno);
+  RaiseNotOpened(Mode, Path, "it is in use by another program", TErrorCode::FileInUse);
 }
 
 /// Whether the path still leads to the open file: another writer may have put a new one in its place meanwhile.
@@ -145,14 +156,15 @@ bool IsStillAt(const struct stat& Opened, const std::string& Path) {
 }  // namespace
 
 std::unique_ptr<TFile> TPosixFileSystem::Open(const std::string& Path, TFileMode Mode) {
-  if (Path.find('\0') != std::string::npos) RaiseNotOpened(Mode, Path, "the name holds a character U+0000");
+  if (Path.find('\0') != std::string::npos)
+    RaiseNotOpened(Mode, Path, "the name holds a character U+0000", TErrorCode::FileMissing);
   for (;;) {
     const bool IsNew = IsCreating(Mode) && !Exists(Path);
     TDescriptor Descriptor(
         Uninterrupted([&] { return open(Path.c_str(), OpenFlags(Mode) | O_CLOEXEC, NewFileRights); }));
     struct stat Status;
-    if (Descriptor.Number() < 0 || fstat(Descriptor.Number(), &Status) < 0) RaiseNotOpened(Mode, Path, Reason(errno));
-    if (S_ISDIR(Status.st_mode)) RaiseNotOpened(Mode, Path, Reason(EISDIR));
+    if (Descriptor.Number() < 0 || fstat(Descriptor.Number(), &Status) < 0) RaiseNotOpened(Mode, Path, errno);
+    if (S_ISDIR(Status.st_mode)) RaiseNotOpened(Mode, Path, EISDIR);
     if (Mode != TFileMode::Read) {
       LockForWriting(Descriptor.Number(), Mode, Path);
       if (!IsStillAt(Status, Path)) continue;
@@ -170,12 +182,12 @@ bool TPosixFileSystem::Exists(const std::string& Path) {
 
 void TPosixFileSystem::Replace(const std::string& From, const std::string& To) {
   if (rename(From.c_str(), To.c_str()) < 0)
-    Raise<EWriteError>("replace", To, Format("%s (by '%s')", Reason(errno), From));
+    Raise<EWriteError>("replace", To, Format("%s (by '%s')", Reason(errno), From), FileErrorCode(errno));
   SyncFolder(To);
 }
 
 void TPosixFileSystem::Remove(const std::string& Path) {
-  if (unlink(Path.c_str()) < 0 && errno != ENOENT) Raise<EWriteError>("remove", Path, Reason(errno));
+  if (unlink(Path.c_str()) < 0 && errno != ENOENT) RaiseSystemError<EWriteError>("remove", Path);
 }
 
 }  // namespace velkrund

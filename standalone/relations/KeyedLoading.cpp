@@ -78,7 +78,8 @@ void TKeyedLoading::CheckEmptying() const {
       throw EDatabaseError(
           Format("Cannot empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
                  "may refer to it. Replace the rows of both in one run, or keep the rows that are there",
-                 Tie.Parent, Tie.Child, Counted(Rows, "row")));
+                 Tie.Parent, Tie.Child, Counted(Rows, "row")),
+          {.Code = TErrorCode::References, .Table = Tie.Parent});
   }
 }
 
@@ -131,10 +132,12 @@ void TKeyedLoading::CheckBroken() const {
   for (const auto& [Name, Before] : FBrokenBefore) {
     const TBrokenReferences After = FConnection.Schema().BrokenReferences({Name, {}});
     if (After.Count <= Before) continue;
-    throw EDatabaseError(Format(
-        "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s refer to "
-        "rows that are not there (before: %d), for example %s. Load what they refer to in the same run, or before",
-        Name, Counted(After.Count, "value"), Before, After.Example));
+    throw EDatabaseError(
+        Format(
+            "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s refer to "
+            "rows that are not there (before: %d), for example %s. Load what they refer to in the same run, or before",
+            Name, Counted(After.Count, "value"), Before, After.Example),
+        {.Code = TErrorCode::References, .Table = Name});
   }
 }
 

@@ -111,8 +111,8 @@ TEST_F(TExportTableTest, AFailureLeavesEverythingAsItWas) {
     std::string Says;
   };
   const TCase Cases[] = {
-      {{"-t", "A", "--encoding", "ansi", "--section", "N"}, false, "velkrund: E"},
-      {{"-t", "A", "--encoding", "ansi", "--overwrite", "yes"}, true, "velkrund: E"},
+      {{"-t", "A", "--encoding", "ansi", "--section", "N"}, false, "velkrund: A text has characters"},
+      {{"-t", "A", "--encoding", "ansi", "--overwrite", "yes"}, true, "velkrund: A text has characters"},
       {{"-t", "NONE"}, false, "no table 'NONE'"},
       {{"-t", "B", "-t", "NONE"}, true, "no table 'NONE'"},
       {{"-t", "B", "--fields", "ID,WRONG"}, false, "no field 'WRONG'"},
@@ -162,8 +162,8 @@ TEST_F(TExportTableTest, FilesThatCanNotBeUsed) {
     std::string Says;
   };
   const TCase Cases[] = {
-      {Export({"-t", "A", "-o", "text.txt"}), "no export/import file"},
-      {Export({"-t", "A", "-o", "shop.db"}), "no export/import file"},
+      {Export({"-t", "A", "-o", "text.txt"}), "is not an export/import file"},
+      {Export({"-t", "A", "-o", "shop.db"}), "is not an export/import file"},
       {Export({"-t", "A", "-o", "missing/F"}), "No such file or directory"},
       {Export({"-t", "A", "-o", ".captured"}), "Is a directory"},
       {Export({"-t", "A", "-o", "locked.eif", "--add"}), "in use"},

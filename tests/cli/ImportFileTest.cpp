@@ -62,7 +62,7 @@ TEST_F(TImportFileTest, TheReportCountsWhatBecameOfEverySection) {
             "more.eif A done 1\nnone.eif  failed -\n");
   EXPECT_EQ(Report["exitCode"], 1);
   EXPECT_EQ(Report["rows"], 4);
-  EXPECT_NE(Report["sections"][0]["error"].get<std::string>().find("UNIQUE constraint failed: A.ID"),
+  EXPECT_NE(Report["sections"][0]["error"]["message"].get<std::string>().find("UNIQUE constraint failed: A.ID"),
             std::string::npos);
 }
 

@@ -38,7 +38,7 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
           {"", {"-i", "F", "--section", "A", "--fields", "ID,WRONG"}, 1, "0|0", "no field 'WRONG'"},
           {"", {"-i", "lost.eif"}, 1, "0|0", "no table 'NONE'"},
           {"", {"-i", "lost.eif", "-t", "A"}, 0, "1|0", "imported table A"},
-          {"", {"-i", "typo.eif"}, 1, "0|0", "Value: abc; FileName: typo.eif; Line: 12"},
+          {"", {"-i", "typo.eif"}, 1, "0|0", "velkrund: typo.eif:12: "},
           {"", {"-i", "typo.eif", "--lenient"}, 0, "0|2", "1 value could not be read and became NULL"},
           {"", {"-i", "more.eif"}, 0, "0|2", "were left out: EXTRA"},
           {"", {"-i", "more.eif", "--missing-fields", "skip"}, 0, "0|2", "EXTRA"},

@@ -233,8 +233,8 @@ TEST_F(TStructureTest, FilesOfStructuresAndTables) {
   };
   const TCase Cases[] = {
       {{}, 1, "old|", ""},
-      {{"--overwrite", "no"}, 1, "old|", "left out, not reached, failed, not reached"},
-      {{"--overwrite", "no", "--on-error", "continue"}, 1, "old|", "left out, done, failed, done"},
+      {{"--overwrite", "no"}, 1, "old|", "left-out, not-reached, failed, not-reached"},
+      {{"--overwrite", "no", "--on-error", "continue"}, 1, "old|", "left-out, done, failed, done"},
       {{"--overwrite", "yes", "--on-error", "continue"}, 1, "new|", "done, done, failed, done"},
   };
   for (const auto& [Options, ExitCode, Expected, States] : Cases) {
@@ -249,7 +249,8 @@ TEST_F(TStructureTest, FilesOfStructuresAndTables) {
       for (const auto& Item : Report["sections"])
         Found += (Found.empty() ? "" : ", ") + Item["state"].get<std::string>();
     else
-      EXPECT_THAT(Report["error"].get<std::string>(), HasSubstr("there already: S (12). Give --overwrite yes"));
+      EXPECT_THAT(Report["error"]["message"].get<std::string>(),
+                  HasSubstr("there already: S (12). Give --overwrite yes"));
     EXPECT_EQ(Outcome.ExitCode, ExitCode) << Joined(Options) << "\n" << Outcome.Errors;
     EXPECT_EQ(Found, States) << Joined(Options) << "\n" << Outcome.Errors;
     EXPECT_EQ(Nodes("S"), Expected) << Joined(Options);
@@ -282,7 +283,7 @@ TEST_F(TStructureTest, ListsAndShowsWhatIsStored) {
   EXPECT_EQ(RunJson(On("dictionary", "list", {"--type", "12"}))["structures"].dump(),
             R"([{"name":"S","parentObject":"P","remarks":"first\r\nsecond","tableName":"T","type":12}])");
   const auto Document = RunJson(On("dictionary", "show", {"--name", "S"}));
-  EXPECT_EQ(Document["remarks"], "first\r\nsecond");
+  EXPECT_EQ(Document["structure"]["remarks"], "first\r\nsecond");
   std::string Values;
   for (const auto& Node : Document["nodes"][0]["nodes"])
     Values += Node["name"].get<std::string>() + " " + Node["type"].dump() + " " + Node["value"].dump() + "\n";

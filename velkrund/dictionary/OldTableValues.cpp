@@ -22,7 +22,8 @@ template <typename T>
 void AppendBounded(std::string& Text, T Value) {
   if (std::cmp_less(Value, MinInteger) || std::cmp_greater(Value, MaxInteger))
     throw EDicUtilError(Format("Can not export table data. Field value %s is out of bounds %d and %d.",
-                               std::to_string(Value), MinInteger, MaxInteger));
+                               std::to_string(Value), MinInteger, MaxInteger),
+                        {.Code = TErrorCode::Value, .Value = std::to_string(Value)});
   AppendInteger(Text, static_cast<std::int64_t>(Value));
 }
 

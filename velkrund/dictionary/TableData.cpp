@@ -48,7 +48,8 @@ TTable& TEICommonTableData::TakeTable(std::unique_ptr<TTable>& Owned, std::strin
   if (Table) return *Table;
   Owned = BaseMng().GetUserTable(TableName, DatabaseName, true);
   if (!Owned)
-    throw EDicUtilError(Format("Can not %s table data. Error opening table (TableName:'%s')", Purpose, TableName));
+    throw EDicUtilError(Format("Can not %s table data. Error opening table (TableName:'%s')", Purpose, TableName),
+                        {.Code = TErrorCode::TableMissing, .Table = TableName});
   return *Owned;
 }
 
@@ -61,14 +62,16 @@ void TEICommonTableData::TextLost(const TField& Field, std::int64_t Unrepresenta
   const std::string Place = Format("(Field:'%s';Record:%d)", Field.Name(), Report->RowCount + 1);
   if (Malformed)
     throw EDicUtilError(
-        Format("A text is not valid UTF-8 %s. Allow losses to keep it with replacement characters", Place));
+        Format("A text is not valid UTF-8 %s. Allow losses to keep it with replacement characters", Place),
+        {.Code = TErrorCode::Text});
   throw EDicUtilError(
       Format("A text has characters that code page %d lacks %s. Use version 200 in UTF-8, or allow losses",
-             WorkSettings().AnsiCodePage->Number(), Place));
+             WorkSettings().AnsiCodePage->Number(), Place),
+      {.Code = TErrorCode::Text});
 }
 
 void TEICommonTableData::Unparseable(TField& Field, const std::string& Message) {
-  if (StrictValues) throw EDicUtilError(Message);
+  if (StrictValues) throw EDicUtilError(Message, {.Code = TErrorCode::UnreadableValue});
   Field.Buffer().SetNull();
   ++Report->NullsMade;
 }

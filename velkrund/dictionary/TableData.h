@@ -10,6 +10,7 @@
 #include "velkrund/eif/EIObject.h"
 #include "velkrund/eif/EIStream.h"
 #include "velkrund/platform/database/Tables.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/StringLists.h"
 
 namespace velkrund {
@@ -85,19 +86,27 @@ class TEICommonTableData : public TEIObject {
   void BeginRun(TEIStream& Stream);
   TTable& TakeTable(std::unique_ptr<TTable>& Owned, std::string_view Purpose);
   TStringList ExportedNames(TTable& Source) const;
+  void AppendValue(TField& Column);
   void ExportRecords(TTable& Source, const std::vector<TField*>& Columns, TEIStream& Stream);
   std::string_view NextLine(TEIStream& Stream);
   bool ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines);
   std::vector<TImportField> ResolveFields(TTable& Target, const std::vector<std::string>& Names);
   bool Selected(std::string_view Name) const { return !Fields || Fields->IndexOf(Name) >= 0; }
+  void ImportInto(TTable& Target, const std::vector<std::string>& Names, TEIStream& Stream);
   void ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ReadRecord(TEIStream& Stream);
   void RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream);
+  std::span<char> NextValue(char*& At);
+  std::string ValueInFile(std::size_t Column, TEIStream& Stream);
+  void PlaceError(Exception& Error, TEIStream& Stream);
   [[noreturn]] void RecordError(std::string_view What, TEIStream& Stream) const;
 
   TTableDataReport FOwnReport;
   std::string FRecord;
+  std::int64_t FRecordStart = 0;   // of the record at hand, within the body
+  std::int64_t FRecordsStart = 0;  // of the first one
+  std::int64_t FRecordsLine = 0;   // lines before it
   bool FWritesAnsi = false;
   bool FStrictText;
   TTextLosses* FLosses = nullptr;  // borrowed from the stream, during a run

@@ -42,15 +42,29 @@ TStringList TEICommonTableData::ExportedNames(TTable& Source) const {
 void TEICommonTableData::ExportData(TEIStream& Stream) {
   BeginRun(Stream);
   Stream.Writeln(" [FIELDS]");
-  std::unique_ptr<TTable> Owned;
-  TTable& Source = TakeTable(Owned, "export");
-  std::vector<TField*> Columns;
-  for (const std::string& Name : ExportedNames(Source)) {
-    Stream.Writeln(std::string(Indentation) += Name);
-    Columns.push_back(&Source.FieldByName(Name));
+  try {
+    std::unique_ptr<TTable> Owned;
+    TTable& Source = TakeTable(Owned, "export");
+    std::vector<TField*> Columns;
+    for (const std::string& Name : ExportedNames(Source)) {
+      Stream.Writeln(std::string(Indentation) += Name);
+      Columns.push_back(&Source.FieldByName(Name));
+    }
+    Stream.Writeln(" [RECORDS]");
+    ExportRecords(Source, Columns, Stream);
+  } catch (Exception& Error) {
+    Error.Add({.Table = TableName});
+    throw;
   }
-  Stream.Writeln(" [RECORDS]");
-  ExportRecords(Source, Columns, Stream);
+}
+
+void TEICommonTableData::AppendValue(TField& Column) {
+  try {
+    FieldToString(Column, FRecord);
+  } catch (Exception& Error) {
+    Error.Add({.Column = Column.Name(), .Record = Report->RowCount + 1});
+    throw;
+  }
 }
 
 void TEICommonTableData::ExportRecords(TTable& Source, const std::vector<TField*>& Columns, TEIStream& Stream) {
@@ -62,7 +76,7 @@ void TEICommonTableData::ExportRecords(TTable& Source, const std::vector<TField*
     char Separator = '<';
     for (TField* Column : Columns) {
       FRecord += Separator;
-      FieldToString(*Column, FRecord);
+      AppendValue(*Column);
       Separator = '|';
     }
     if (Columns.empty()) FRecord += '<';

@@ -21,7 +21,9 @@ constexpr std::string_view Prefix = "Can not import table data. ";
 // however many there are; no engine has as many columns.
 constexpr std::size_t MaxFieldLines = 16 * 1024 * 1024;
 
-[[noreturn]] void ImportError(const std::string& What) { throw EDicUtilError(std::string(Prefix) + What); }
+[[noreturn]] void ImportError(const std::string& What, TErrorInfo Info = {.Code = TErrorCode::Record}) {
+  throw EDicUtilError(std::string(Prefix) + What, std::move(Info));
+}
 
 std::span<char> TrimInPlace(std::span<char> Text) {
   const std::string_view All(Text.data(), Text.size());
@@ -76,23 +78,55 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
     // The last of the values would stand for all, and the field whose name is damaged would have none.
     if (Field && Wanted && !Taken.insert(Field).second) ImportError(Format("The field '%s' stands twice", Name));
     if (!Field && Wanted) {
-      if (!SkipMissingFields) ImportError(Format("Import field '%s' is missing", Name));
+      if (!SkipMissingFields)
+        ImportError(Format("Import field '%s' is missing", Name), {.Code = TErrorCode::FieldMissing, .Column = Name});
       Report->SkippedFields.push_back(Name);
     }
     Columns.push_back({Name, Wanted ? Field : nullptr});
   }
   // Every row would be one of nothing but defaults.
   if (Taken.empty() && !Names.empty())
-    ImportError(Format("The table '%s' has none of the fields that are to be loaded", Target.TableName()));
+    ImportError(Format("The table '%s' has none of the fields that are to be loaded", Target.TableName()),
+                {.Code = TErrorCode::FieldMissing});
   return Columns;
 }
 
 void TEICommonTableData::ImportData(TEIStream& Stream) {
   BeginRun(Stream);
   FStopped = false;
-  const std::vector<std::string> Names = ReadFieldNames(Stream);
-  std::unique_ptr<TTable> Owned;
-  TTable& Target = TakeTable(Owned, "import");
+  try {
+    const std::vector<std::string> Names = ReadFieldNames(Stream);
+    FRecordsStart = Stream.Position();
+    FRecordsLine = Stream.ReadLnCnt();
+    std::unique_ptr<TTable> Owned;
+    ImportInto(TakeTable(Owned, "import"), Names, Stream);
+  } catch (Exception& Error) {
+    PlaceError(Error, Stream);
+    throw;
+  }
+}
+
+/// Adds what the table's own errors do not know: the line in the file, which is that of their record. The engine may
+/// have held rows back: then it is not the one last read.
+void TEICommonTableData::PlaceError(Exception& Error, TEIStream& Stream) {
+  Error.Add({.Table = TableName});
+  if (!dynamic_cast<const EDatabaseError*>(&Error)) return;
+  Stream.SetErrorLine(-1);
+  const std::int64_t Record = Error.Info().Record;
+  if (Record < 1 || Record > Report->RowCount + 1) return;
+  const std::int64_t LinesRead = Stream.ReadLnCnt();
+  Stream.SetReadLnCnt(FRecordsLine);
+  Stream.SetPosition(FRecordsStart);
+  try {
+    for (std::int64_t Before = 1; Before < Record; ++Before) ReadRecord(Stream);
+    Stream.SetErrorLine(Stream.ReadLnCnt() + 1);
+  } catch (const std::exception&) {
+    // The file has changed meanwhile; the error itself is the one to tell.
+  }
+  Stream.SetReadLnCnt(LinesRead);
+}
+
+void TEICommonTableData::ImportInto(TTable& Target, const std::vector<std::string>& Names, TEIStream& Stream) {
   const std::vector<TImportField> Columns = ResolveFields(Target, Names);
   auto* const SQLTable = dynamic_cast<TODBCTable*>(&Target);
   TTransaction Transaction(DatabaseName);
@@ -119,7 +153,7 @@ void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField
 }
 
 void TEICommonTableData::ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
-  while (Stream.Position() < Stream.Size()) {
+  while ((FRecordStart = Stream.Position()) < Stream.Size()) {
     Target.ClearData();
     ReadRecord(Stream);
     RecordToFields(Columns, Stream);
@@ -146,25 +180,56 @@ void TEICommonTableData::ReadRecord(TEIStream& Stream) {
   if (FRecord.size() < 2 || FRecord.back() != '>') RecordError("'>' is missing", Stream);
 }
 
+/// The value that begins at At, trimmed; At is moved to the next one. Behind the record's end values are empty.
+std::span<char> TEICommonTableData::NextValue(char*& At) {
+  char* const End = FRecord.data() + FRecord.size() - 1;
+  char* const Start = std::min(At, End);
+  const auto Left = static_cast<std::size_t>(End - Start);
+  char* Stop = Left ? static_cast<char*>(std::memchr(Start, '|', Left)) : nullptr;
+  if (!Stop) Stop = End;
+  At = Stop + 1;
+  return TrimInPlace({Start, Stop});
+}
+
 void TEICommonTableData::RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream) {
   char* At = FRecord.data() + 1;
-  char* const End = FRecord.data() + FRecord.size() - 1;
-  for (const TImportField& Column : Columns) {
-    char* const Start = std::min(At, End);
-    const auto Left = static_cast<std::size_t>(End - Start);
-    char* Stop = Left ? static_cast<char*>(std::memchr(Start, '|', Left)) : nullptr;
-    if (!Stop) Stop = End;
-    At = Stop + 1;
-    const std::span<char> Value = TrimInPlace({Start, Stop});
-    if (Value.empty())
-      ImportError(Format("Invalid record data structure. Field value is missing (Position:%d;Field:'%s')",
-                         Stream.Position(), Column.Name));
-    if (Column.Target) StringToField(Value, *Column.Target);
+  std::size_t Index = 0;
+  try {
+    for (; Index < Columns.size(); ++Index) {
+      const TImportField& Column = Columns[Index];
+      const std::span<char> Value = NextValue(At);
+      if (Value.empty())
+        ImportError(Format("Invalid record data structure. Field value is missing (Position:%d;Field:'%s')",
+                           Stream.Position(), Column.Name));
+      if (Column.Target) StringToField(Value, *Column.Target);
+    }
+  } catch (Exception& Error) {
+    Error.Add({.Column = Columns[Index].Name, .Record = Report->RowCount + 1, .Value = ValueInFile(Index, Stream)});
+    throw;
   }
 }
 
+/// Values are decoded where they stand: what was there is read again.
+std::string TEICommonTableData::ValueInFile(std::size_t Column, TEIStream& Stream) {
+  const std::int64_t LinesRead = Stream.ReadLnCnt();
+  std::string Result;
+  try {
+    Stream.SetPosition(FRecordStart);
+    ReadRecord(Stream);
+    char* At = FRecord.data() + 1;
+    for (std::size_t Before = 0; Before < Column; ++Before) NextValue(At);
+    const std::span<char> Value = NextValue(At);
+    Result = Shortened({Value.data(), Value.size()});
+  } catch (const std::exception&) {
+    // The file has changed meanwhile; the error on its way out is the one to tell.
+  }
+  Stream.SetReadLnCnt(LinesRead);
+  return Result;
+}
+
 void TEICommonTableData::RecordError(std::string_view What, TEIStream& Stream) const {
-  ImportError(Format("Invalid record data structure. %s (Position:%d)", What, Stream.Position()));
+  ImportError(Format("Invalid record data structure. %s (Position:%d)", What, Stream.Position()),
+              {.Code = TErrorCode::Record, .Record = Report->RowCount + 1, .Value = Shortened(FRecord)});
 }
 
 }  // namespace velkrund

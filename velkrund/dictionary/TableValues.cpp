@@ -24,12 +24,14 @@ void ReadText(std::span<char> Text, TKvVariant& Value) {
   std::string BadDigits;
   const std::size_t Length = UnescapeInPlace(Inside, BadDigits);
   if (!BadDigits.empty())
-    throw EDicUtilError(Format("Error importing table data. Invalid character (#$%s) in string constant.", BadDigits));
+    throw EDicUtilError(Format("Error importing table data. Invalid character (#$%s) in string constant.", BadDigits),
+                        {.Code = TErrorCode::Value});
   Value.BorrowText({Inside.data(), Length});
 }
 
 void ReadBytes(std::span<char> Digits, TKvVariant& Value) {
-  if (Digits.size() % 2 != 0) throw EDicUtilError("Error importing table data. Incorrect binary value");
+  if (Digits.size() % 2 != 0)
+    throw EDicUtilError("Error importing table data. Incorrect binary value", {.Code = TErrorCode::Value});
   char* Out = Digits.data();
   for (std::size_t At = 0; At < Digits.size(); At += 2) {
     const std::size_t High = HexDigit(Digits[At]), Low = HexDigit(Digits[At + 1]);

@@ -69,21 +69,25 @@ void TEISource::Open() {
     FReadLnCnt = 0;
     for (std::int64_t Start = 0; FindMarkerLine("[SECTION]", Start);) {
       FUnreadPosition = Start;
+      FUnreadName.clear();
       ReadSection();
       FUnreadPosition = -1;
     }
   } catch (const std::exception& Error) {
-    Decorate(Error, FReadLnCnt);
+    Decorate(Error, FReadLnCnt, {.Line = FReadLnCnt, .Section = FUnreadName});
   }
 }
 
-void TEISource::Decorate(const std::exception& Error, std::int64_t Line) const {
+void TEISource::Decorate(const std::exception& Error, std::int64_t Line, TErrorInfo Place) const {
   std::string Message = Error.what();
-  if (const auto FileName = ErrorFileName()) Message += Format("; FileName: %s", *FileName);
+  if (const auto FileName = ErrorFileName()) {
+    Message += Format("; FileName: %s", *FileName);
+    Place.File = *FileName;
+  }
   Message += Format("; Line: %d OwnerException: ", Line);
   Message += LineEnd;
   Message += Kv_FullExceptionInfo(Error);
-  std::throw_with_nested(EEIError(Message));
+  std::throw_with_nested(EEIError(Message, std::move(Place)));
 }
 
 void TEISource::ExportObject(TEIObject& Object, const std::string& Name) {
@@ -164,7 +168,8 @@ void TEISource::ImportObject(TEIObject& Object) {
   } catch (const EQuestionUnanswered&) {
     throw;
   } catch (const std::exception& Error) {
-    Decorate(Error, Section.DataLinePosition + Body.ReadLnCnt());
+    const std::int64_t Line = Body.ErrorLine() >= 0 ? Section.DataLinePosition + Body.ErrorLine() : 0;
+    Decorate(Error, Section.DataLinePosition + Body.ReadLnCnt(), {.Line = Line, .Section = Section.Name()});
   }
 }
 

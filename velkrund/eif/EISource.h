@@ -96,7 +96,7 @@ class TEISource {
   bool FindMarkerLine(std::string_view Marker, std::int64_t& LineStart);
   std::string_view ReadRaw();
   [[noreturn]] void StructureError(std::string_view What, std::string_view Detail = {});
-  [[noreturn]] void Decorate(const std::exception& Error, std::int64_t Line) const;
+  [[noreturn]] void Decorate(const std::exception& Error, std::int64_t Line, TErrorInfo Place) const;
   void WriteSection(TEIObject& Object, const std::string& Name, TEISection& Section);
   void WriteHeaderLine(std::string_view Name, std::string_view Value, TKvEncoding Encoding);
   void DeleteMarked(const std::vector<bool>& Marks);
@@ -106,6 +106,7 @@ class TEISource {
 
   std::int64_t FReadLnCnt = -1;
   std::int64_t FUnreadPosition = -1;
+  std::string FUnreadName;  // of the section that Open is reading
   TKvEncoding FDefaultEncoding = TKvEncoding::Ansi;
   bool FStrictText;
   TEISectionList FSections;

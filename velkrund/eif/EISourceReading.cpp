@@ -85,7 +85,7 @@ void TEISource::ReadHeaderLine(TEISection& Section, std::string& TypeName, std::
   const std::string_view Name = Trim(Line.substr(0, Equals));
   const std::string_view Value = Equals == std::string_view::npos ? std::string_view() : Trim(Line.substr(Equals + 1));
   if (Name == "Name") {
-    Section.FName = Value;
+    Section.FName = FUnreadName = Value;
   } else if (Name == "Type") {
     TypeName = Value;
   } else if (Name == "Version") {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -50,6 +51,9 @@ class TEIStream final : public TStream {
   /// Lines read by Readln; -1 when they are not counted.
   std::int64_t ReadLnCnt() const { return FReadLnCnt; }
   void SetReadLnCnt(std::int64_t Count) { FReadLnCnt = Count; }
+  /// The line of the view that an error is about, from 1, where it is not the one last read; -1: none can be told.
+  void SetErrorLine(std::int64_t Line) { FErrorLine = Line; }
+  std::int64_t ErrorLine() const { return FErrorLine.value_or(FReadLnCnt); }
   TTextLosses& Losses() { return *FLosses; }
   /// The position in the underlying stream, for error texts about the place in a file.
   std::int64_t SourcePosition() { return FStream.Position(); }
@@ -61,6 +65,7 @@ class TEIStream final : public TStream {
   std::int64_t FOrigin;
   std::int64_t FDataSize;
   std::int64_t FReadLnCnt = -1;
+  std::optional<std::int64_t> FErrorLine;
   TKvEncoding FEncoding = TKvEncoding::Ansi;
   bool FStrictText;
   TLineCodec FCodec;

@@ -13,8 +13,10 @@ constexpr std::size_t ExcerptBytes = 60;
 }  // namespace
 
 void RefuseTextRead(std::int64_t Position) {
-  throw EEIError(Format(
-      "The text is not valid UTF-8 (Position:%d). Allow losses to read it with replacement characters", Position));
+  throw EEIError(
+      Format("The text is not valid UTF-8 (Position:%d). Allow losses to read it with replacement characters",
+             Position),
+      {.Code = TErrorCode::Text});
 }
 
 void RefuseTextWritten(std::string_view Text, std::int64_t Position) {
@@ -23,10 +25,12 @@ void RefuseTextWritten(std::string_view Text, std::int64_t Position) {
   if (FindMalformedUtf8(Text) != std::string_view::npos)
     throw EEIError(
         Format("The text '%s' is not valid UTF-8 (Position:%d). Allow losses to write it with replacement characters",
-               Excerpt, Position));
-  throw EEIError(Format(
-      "The text '%s' has characters that code page %d lacks (Position:%d). Write the file in UTF-8, or allow losses",
-      Excerpt, WorkSettings().AnsiCodePage->Number(), Position));
+               Excerpt, Position),
+        {.Code = TErrorCode::Text});
+  throw EEIError(Format("The text '%s' has characters that code page %d lacks (Position:%d). Write the file in UTF-8, "
+                        "or allow losses",
+                        Excerpt, WorkSettings().AnsiCodePage->Number(), Position),
+                 {.Code = TErrorCode::Text});
 }
 
 }  // namespace velkrund

@@ -8,14 +8,18 @@ namespace {
 
 /// What people give where a job has a setting.
 const std::map<std::string_view, std::string_view> OptionNames = {
+    {"AllowLoss", "--allow-loss"},
     {"ClearRoot", "--no-clear-root"},
+    {"CreateDatabase", "--create"},
     {"DatabaseName", "--database"},
     {"Encoding", "--encoding"},
     {"ExistingStructures", "--overwrite yes"},
     {"Fields", "--fields"},
     {"FileNames", "--input"},
     {"Indexes", "INDEX"},
+    {"Lenient", "--lenient"},
     {"Merge", "--merge"},
+    {"MissingFields", "--missing-fields"},
     {"Names", "--name"},
     {"ObjectName", "--name"},
     {"ObjectType", "--type"},

@@ -39,6 +39,8 @@ class TCommand {
   virtual ~TCommand() = default;
 
   virtual const TCommandTexts& Texts() const = 0;
+  /// "export table".
+  std::string Name() const { return std::string(Texts().Verb).append(" ").append(Texts().Object); }
   /// Called once. The options store into the command.
   virtual std::vector<TOptionGroup> Options() = 0;
   /// After parsing: what the options say together. Raises EUsage, or a job's ESettingsError.

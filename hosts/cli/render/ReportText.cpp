@@ -1,5 +1,7 @@
 #include "hosts/cli/render/ReportText.h"
 
+#include <algorithm>
+
 #include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -18,6 +20,12 @@ std::string ItemText(const TItem& Item) {
 std::string AmountText(const std::optional<std::int64_t>& Rows, std::int64_t Bytes, double Seconds) {
   return Format("%s%s, %s", Rows ? Counted(*Rows, "row") + ", " : "", ByteText(static_cast<double>(Bytes)),
                 DurationText(Seconds));
+}
+
+std::string StateForPeople(TItemState State) {
+  std::string Result(StateText(State));
+  std::replace(Result.begin(), Result.end(), '-', ' ');
+  return Result;
 }
 
 /// What a person has to know about a section that is otherwise done.
@@ -40,7 +48,7 @@ std::string ReportText(const TOutcome& Outcome) {
   std::string Result;
   for (const TItem& Item : Outcome.Items) {
     const bool IsDone = Item.State == TItemState::Done;
-    Result += Format("%s %s", IsDone ? Outcome.Done : StateText(Item.State), ItemText(Item));
+    Result += Format("%s %s", IsDone ? Outcome.Done : StateForPeople(Item.State), ItemText(Item));
     if (IsDone) Result += ": " + AmountText(Item.Rows(), Item.Bytes, Item.Seconds);
     if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
     Result += "\n";

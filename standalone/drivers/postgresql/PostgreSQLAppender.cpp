@@ -26,7 +26,8 @@ std::string InsertText(const std::string& Table, const std::vector<std::string>&
 void CheckTakesRows(const TTableInfo& Table, const TPostgreSQLTable& Known, bool ReadOnly, const std::string& What) {
   if (Known.IsMaterializedView()) throw EDatabaseError(What + ": it is a materialized view");
   if (Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
-  if (ReadOnly) throw EDatabaseError(What + ": the database is opened for reading only");
+  if (ReadOnly)
+    throw EDatabaseError(What + ": the database is opened for reading only", {.Code = TErrorCode::DatabaseReadOnly});
 }
 
 }  // namespace
@@ -74,7 +75,7 @@ void TPostgreSQLAppender::GiveUp(std::string Why) {
 
 void TPostgreSQLAppender::Fail(const std::string& Message) {
   GiveUp(Message);
-  throw EDatabaseError(Message);
+  throw EDatabaseError(Message, {.Code = TErrorCode::RowRefused, .Table = FTableName});
 }
 
 void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
@@ -85,7 +86,7 @@ void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
     if (I > 0) FRows += '\t';
     if (const TPostgreSQLEncoder::TRefusal Refusal = FEncoders[I].Append(*Row[I], FRows)) {
       FRows.resize(Start);
-      throw EDatabaseError(Format("%s, column '%s': %s", Records(FRecord, FRecord), FNames[I], Refusal));
+      RaiseRefused(I, *Row[I], Refusal);
     }
   }
   FRows += '\n';
@@ -93,6 +94,11 @@ void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
   ++FRecord;
   if (FRows.size() >= ChunkSize) Send();
   if (FPieceSize >= MaxPieceSize && !FOneWhole) EndPiece();
+}
+
+void TPostgreSQLAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
+  throw EDatabaseError(Format("%s, column '%s': %s", Records(FRecord, FRecord), FNames[Column], Reason),
+                       RefusedValue(FTableName, FNames[Column], FRecord, Value));
 }
 
 void TPostgreSQLAppender::BeginPiece() {
@@ -156,13 +162,14 @@ void TPostgreSQLAppender::RaisePiece(const TPostgreSQLResult& Result) {
   const std::int64_t Last = FRecord - 1;
   const TCopyErrorPlace Place = PlaceOfCopyError(Result, FTableBareName, FNames);
   std::string What = Records(FPieceFirst, Last);
+  TErrorInfo Known{.Table = FTableName, .Column = Place.Column};
   if (Place.Line >= 1 && Place.Line <= FRecord - FPieceFirst) {
-    const std::int64_t Record = FPieceFirst + Place.Line - 1;
-    What = Records(Record, Record);
+    Known.Record = FPieceFirst + Place.Line - 1;
+    What = Records(Known.Record, Known.Record);
   }
   if (!Place.Column.empty()) What += Format(", column '%s'", Place.Column);
   try {
-    FSession.Raise(What, Result);
+    FSession.Raise(What, Result, {}, Known);
   } catch (const std::exception& Error) {
     GiveUp(Error.what());
     throw;

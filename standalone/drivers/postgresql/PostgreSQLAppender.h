@@ -34,6 +34,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   [[noreturn]] void RaisePiece(const TPostgreSQLResult& Result);
   void GiveUp(std::string Why);
   [[noreturn]] void Fail(const std::string& Message);
+  [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
   std::string Records(std::int64_t First, std::int64_t Last) const;
 
   TPostgreSQLSession& FSession;

@@ -9,7 +9,21 @@
 namespace velkrund {
 namespace {
 
-constexpr std::size_t MaxStatementInMessage = 300;
+constexpr std::int64_t MaxStatementInMessage = 300;
+
+struct TStateCode {
+  std::string_view State;  // an SQLSTATE, or the class that it begins with
+  TErrorCode Code;
+};
+
+/// The first that fits counts.
+constexpr TStateCode StateCodes[] = {
+    {"23503", TErrorCode::References},     {"23", TErrorCode::RowRefused},      {"3D000", TErrorCode::DatabaseMissing},
+    {"42501", TErrorCode::DatabaseAccess}, {"28", TErrorCode::DatabaseAccess},  {"25006", TErrorCode::DatabaseReadOnly},
+    {"55P03", TErrorCode::DatabaseBusy},   {"40", TErrorCode::DatabaseBusy},    {"22", TErrorCode::Value},
+    {"53100", TErrorCode::DiskFull},       {"53300", TErrorCode::Connection},   {"57P", TErrorCode::Connection},
+    {"08", TErrorCode::Connection},        {"42P01", TErrorCode::TableMissing}, {"42703", TErrorCode::FieldMissing},
+};
 
 /// The client library's own messages have several lines.
 std::string OneLine(std::string_view Text) {
@@ -87,11 +101,23 @@ std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection
   AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_DETAIL));
   AppendRemark(Message, Result.Diagnostic(PG_DIAG_MESSAGE_HINT));
   AppendRemark(Message, Advice(Connection, Result));
-  if (!Statement.empty()) {
-    const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));
-    Message += Format("; statement: %s%s", Shown, Shown.size() < Statement.size() ? "..." : "");
-  }
+  if (!Statement.empty()) Message += "; statement: " + Shortened(Statement, MaxStatementInMessage);
   return Message;
+}
+
+TErrorInfo PostgreSQLErrorInfo(const TPostgreSQLResult& Result, std::string_view Statement) {
+  TErrorInfo Info{.Code = TErrorCode::Database,
+                  .Table = std::string(Result.Diagnostic(PG_DIAG_TABLE_NAME)),
+                  .Column = std::string(Result.Diagnostic(PG_DIAG_COLUMN_NAME)),
+                  .EngineCode = std::string(Result.Diagnostic(PG_DIAG_SQLSTATE)),
+                  .Statement = std::string(Statement)};
+  if (Info.EngineCode.empty()) Info.Code = TErrorCode::Connection;
+  for (const auto& [State, Code] : StateCodes) {
+    if (!Info.EngineCode.starts_with(State)) continue;
+    Info.Code = Code;
+    break;
+  }
+  return Info;
 }
 
 std::string PostgreSQLNoticeText(const pg_result* Notice) { return OneLine(PQresultErrorMessage(Notice)); }

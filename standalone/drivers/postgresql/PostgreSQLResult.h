@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "velkrund/platform/ormtools/ErrorInfo.h"
+
 struct pg_conn;
 struct pg_result;
 
@@ -47,6 +49,10 @@ class TPostgreSQLResult {
 /// is empty.
 std::string PostgreSQLErrorText(std::string_view What, const pg_conn* Connection, const TPostgreSQLResult& Result,
                                 std::string_view Statement = {});
+
+/// What Result says beside its text: the kind of error, the server's code, and where it names them table and column.
+/// Without a result, or without a code in it, the connection is at fault.
+TErrorInfo PostgreSQLErrorInfo(const TPostgreSQLResult& Result, std::string_view Statement = {});
 
 /// What the server remarks on the way, with its severity, on one line.
 std::string PostgreSQLNoticeText(const pg_result* Notice);

@@ -55,7 +55,9 @@ TPostgreSQLSession::TPostgreSQLSession(const std::string& ConnectionInfo, std::s
       FWait(Options.Canceled),
       FConnection(Connect(ConnectionInfo)) {
   if (!FConnection) throw EDatabaseError(About("open") + ": out of memory");
-  if (IsLost()) throw EDatabaseError(PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()));
+  if (IsLost())
+    throw EDatabaseError(PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()),
+                         PostgreSQLErrorInfo(TPostgreSQLResult()));
   PQsetNoticeReceiver(Handle(), TakeNotice, this);
   SetUp();
 }
@@ -89,7 +91,8 @@ std::string TPostgreSQLSession::About(std::string_view Failed) const {
 
 bool TPostgreSQLSession::IsLost() const { return PQstatus(Handle()) != CONNECTION_OK; }
 
-void TPostgreSQLSession::Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement) {
+void TPostgreSQLSession::Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement,
+                               const TErrorInfo& Place) {
   std::string Message = PostgreSQLErrorText(What, Handle(), Result, Statement);
   if (IsLost()) {
     Message += "; the connection is lost";
@@ -97,7 +100,9 @@ void TPostgreSQLSession::Raise(std::string_view What, const TPostgreSQLResult& R
   }
   if (FWait.Stopped() && Result.Diagnostic(PG_DIAG_SQLSTATE) == StoppedCode)
     throw EAbort(Format("%s: cancelled while the server was at it", What));
-  throw EDatabaseError(Message);
+  TErrorInfo Info = Place;
+  Info.Fill(PostgreSQLErrorInfo(Result, Statement));
+  throw EDatabaseError(Message, std::move(Info));
 }
 
 void TPostgreSQLSession::NoteTransaction() {
@@ -117,14 +122,15 @@ void TPostgreSQLSession::CheckAlive(std::string_view What) {
   }
   if (!IsLost()) return;
   if (FTransactionOpen)
-    throw EDatabaseError(
-        Format("%s: the connection to the database '%s' is lost, and the server has undone the "
-               "transaction",
-               What, FShownName));
+    throw EDatabaseError(Format("%s: the connection to the database '%s' is lost, and the server has undone the "
+                                "transaction",
+                                What, FShownName),
+                         {.Code = TErrorCode::Connection});
   PQreset(Handle());
   if (IsLost())
     throw EDatabaseError(
-        PostgreSQLErrorText(Format("%s: %s again", What, About("open")), Handle(), TPostgreSQLResult()));
+        PostgreSQLErrorText(Format("%s: %s again", What, About("open")), Handle(), TPostgreSQLResult()),
+        {.Code = TErrorCode::Connection});
   SetUp();
 }
 
@@ -158,9 +164,11 @@ void TPostgreSQLSession::Commit() {
   const TPostgreSQLResult Result = Run("COMMIT", {}, TFormat::Text);
   if (IsLost()) {
     FTransactionOpen = false;
-    throw EDatabaseError(PostgreSQLErrorText(What, Handle(), Result) +
-                         "; the connection was lost before the server answered: whether the transaction is committed "
-                         "is not known");
+    throw EDatabaseError(
+        PostgreSQLErrorText(What, Handle(), Result) +
+            "; the connection was lost before the server answered: whether the transaction is committed "
+            "is not known",
+        {.Code = TErrorCode::Connection});
   }
   if (!Result.Handle() || Result.IsError()) Raise(What, Result);
   if (Result.Tag() == "ROLLBACK") throw EDatabaseError(What + ": the server has rolled it back after an error");

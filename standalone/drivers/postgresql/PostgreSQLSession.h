@@ -90,7 +90,9 @@ class TPostgreSQLSession {
   void CloseLater(std::string CursorName);
 
   /// Raises what Result says, and what a lost connection means; EAbort when it says that the statement was stopped.
-  [[noreturn]] void Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement = {});
+  /// Place: what is known beside.
+  [[noreturn]] void Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement = {},
+                          const TErrorInfo& Place = {});
   /// How a message about the whole database begins.
   std::string About(std::string_view Failed) const;
 

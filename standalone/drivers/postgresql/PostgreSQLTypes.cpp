@@ -142,7 +142,8 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
   const std::string& Schema = Session.Dialect().SchemaOf(Table);
   const TPostgreSQLResult Rows = Session.Query(What, TableStatement(), {Schema.c_str(), Table.Name.c_str()});
   if (Rows.RowCount() == 0)
-    throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)));
+    throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)),
+                         {.Code = TErrorCode::TableMissing});
   TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), {}};
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TPostgreSQLColumn Column;

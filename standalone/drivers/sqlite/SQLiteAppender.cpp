@@ -121,14 +121,16 @@ void TSQLiteAppender::InsertHeld() {
     // Where a row was at fault, the engine has undone the statement and nothing else, and meets it again. After a
     // failure of another kind the transaction may be gone: rows sent now would stay for good.
     const bool FaultOfARow = Code == SQLITE_CONSTRAINT || Code == SQLITE_MISMATCH || Code == SQLITE_TOOBIG;
-    if (!FaultOfARow || Alone != (sqlite3_get_autocommit(FDatabase) != 0)) RaiseEngineError(*FMany, HeldText());
+    if (!FaultOfARow || Alone != (sqlite3_get_autocommit(FDatabase) != 0))
+      RaiseEngineError(*FMany, HeldText(), {.Table = FTableName});
     sqlite3_reset(FMany->Statement.Handle());
     return InsertHeldOneByOne();
   }
   sqlite3_reset(FMany->Statement.Handle());
   const std::size_t Rows = FHeldCount / FNames.size();
   if (static_cast<std::size_t>(sqlite3_changes(FDatabase)) != Rows)
-    throw EDatabaseError(HeldText() + ": the engine has ignored some of them");
+    throw EDatabaseError(HeldText() + ": the engine has ignored some of them",
+                         {.Code = TErrorCode::RowRefused, .Table = FTableName});
   FRecord += static_cast<std::int64_t>(Rows);
   FHeldCount = 0;
 }
@@ -147,11 +149,15 @@ void TSQLiteAppender::InsertHeldOneByOne() {
 
 void TSQLiteAppender::InsertOne(TRow Row) {
   for (std::size_t I = 0; I < Row.size(); ++I)
-    if (const TSQLiteBinder::TRefusal Refusal = FOne.Binders[I].Bind(*Row[I])) RaiseRefused(I, Refusal);
-  if (sqlite3_step(FOne.Statement.Handle()) != SQLITE_DONE) RaiseEngineError(FOne, RecordText());
+    if (const TSQLiteBinder::TRefusal Refusal = FOne.Binders[I].Bind(*Row[I])) RaiseRefused(I, *Row[I], Refusal);
+  if (sqlite3_step(FOne.Statement.Handle()) != SQLITE_DONE) RaiseEngineError(FOne, RecordText(), Place());
   sqlite3_reset(FOne.Statement.Handle());
   // A trigger can drop the row; nobody would miss it until it is needed.
-  if (sqlite3_changes(FDatabase) != 1) throw EDatabaseError(RecordText() + ": a trigger of the table has ignored it");
+  if (sqlite3_changes(FDatabase) != 1) {
+    TErrorInfo Ignored = Place();
+    Ignored.Code = TErrorCode::RowRefused;
+    throw EDatabaseError(RecordText() + ": a trigger of the table has ignored it", std::move(Ignored));
+  }
   ++FRecord;
 }
 
@@ -164,13 +170,16 @@ std::string TSQLiteAppender::HeldText() const {
   return Format("Cannot append records %d to %d to table '%s'", FRecord, Last, FTableName);
 }
 
-void TSQLiteAppender::RaiseRefused(std::size_t Place, std::string_view Reason) const {
-  throw EDatabaseError(Format("%s, column '%s': %s", RecordText(), FNames[Place], Reason));
+TErrorInfo TSQLiteAppender::Place() const { return {.Table = FTableName, .Record = FRecord}; }
+
+void TSQLiteAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
+  throw EDatabaseError(Format("%s, column '%s': %s", RecordText(), FNames[Column], Reason),
+                       RefusedValue(FTableName, FNames[Column], FRecord, Value));
 }
 
-void TSQLiteAppender::RaiseEngineError(const TInsert& Insert, const std::string& What) const {
+void TSQLiteAppender::RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const {
   try {
-    RaiseSQLiteError(FDatabase, What);
+    RaiseSQLiteError(FDatabase, What, std::move(Place));
   } catch (...) {
     sqlite3_reset(Insert.Statement.Handle());
     throw;

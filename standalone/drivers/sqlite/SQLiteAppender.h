@@ -49,8 +49,9 @@ class TSQLiteAppender final : public TBulkAppender {
   bool BindHeld();
   void InsertHeldOneByOne();
   void InsertOne(TRow Row);
-  [[noreturn]] void RaiseRefused(std::size_t Place, std::string_view Reason) const;
-  [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What) const;
+  TErrorInfo Place() const;
+  [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
+  [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const;
   std::string RecordText() const;
   std::string HeldText() const;
   void SetCacheSize(std::int64_t Size);

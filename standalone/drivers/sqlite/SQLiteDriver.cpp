@@ -22,9 +22,10 @@ std::string PathOf(const TDatabaseUrl& Url, const TConnectOptions& Options) {
 void CheckFile(const std::string& Path, bool CreateMissing) {
   std::error_code Error;
   const std::filesystem::file_status Status = std::filesystem::status(Path, Error);
-  if (std::filesystem::is_directory(Status)) throw EDatabaseError(Format("The database '%s' is a folder", Path));
+  if (std::filesystem::is_directory(Status))
+    throw EDatabaseError(Format("The database '%s' is a folder", Path), {.Code = TErrorCode::DatabaseMissing});
   if (Status.type() == std::filesystem::file_type::not_found && !CreateMissing)
-    throw EDatabaseError(Format("The database file '%s' does not exist", Path));
+    throw EDatabaseError(Format("The database file '%s' does not exist", Path), {.Code = TErrorCode::DatabaseMissing});
 }
 
 }  // namespace

@@ -46,12 +46,14 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
                                                               const TAppendOptions& Options) {
   const std::string What = Format("Cannot append to table '%s'", Table.Table.Name);
   if (Table.Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
-  if (FReadOnly) throw EDatabaseError(What + ": the database is opened for reading only");
+  if (FReadOnly)
+    throw EDatabaseError(What + ": the database is opened for reading only", {.Code = TErrorCode::DatabaseReadOnly});
   sqlite3* Database = FDatabase.Handle();
   TSQLiteAppender::TTraits Traits;
   Traits.Texts = FDatabase.Texts();
   TSQLiteStatement Info(Database, "SELECT strict, wr FROM pragma_table_list(?1) WHERE schema = 'main'", What);
-  if (!Info.BindText(1, Table.Table.Name).Step()) throw EDatabaseError(What + ": the table does not exist");
+  if (!Info.BindText(1, Table.Table.Name).Step())
+    throw EDatabaseError(What + ": the table does not exist", {.Code = TErrorCode::TableMissing});
   Traits.Strict = Info.Integer(0) != 0;
   Traits.RowNumberColumn = RowNumberColumn(Database, Table, Info.Integer(1) != 0);
   Traits.OneByOne = Table.Table.Kind != TTableKind::Table || RowsDependOnStatement(Database, Table.Table.Name);

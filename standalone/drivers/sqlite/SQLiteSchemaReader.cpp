@@ -81,7 +81,9 @@ TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
     Column.Generated = Hidden == GeneratedVirtual || Hidden == GeneratedStored;
     Result.Columns.push_back(std::move(Column));
   }
-  if (Result.Columns.empty()) throw EDatabaseError(Format("There is no table '%s' in the database", Table.Name));
+  if (Result.Columns.empty())
+    throw EDatabaseError(Format("There is no table '%s' in the database", Table.Name),
+                         {.Code = TErrorCode::TableMissing, .Table = Table.Name});
   return Result;
 }
 

@@ -5,12 +5,35 @@
 #include "standalone/drivers/sqlite/SQLiteWait.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 namespace {
 
-constexpr std::size_t MaxStatementInMessage = 300;
+constexpr std::int64_t MaxStatementInMessage = 300;
+
+TErrorCode CodeOf(int Code) {
+  if (Code == SQLITE_CONSTRAINT_FOREIGNKEY) return TErrorCode::References;
+  switch (Code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return TErrorCode::DatabaseBusy;
+    case SQLITE_READONLY:
+      return TErrorCode::DatabaseReadOnly;
+    case SQLITE_FULL:
+      return TErrorCode::DiskFull;
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+    case SQLITE_CANTOPEN:
+      return TErrorCode::DatabaseAccess;
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+      return TErrorCode::RowRefused;
+    case SQLITE_TOOBIG:
+      return TErrorCode::Value;
+    default:
+      return TErrorCode::Database;
+  }
+}
 
 std::string_view Hint(int Code) {
   switch (Code & 0xFF) {
@@ -25,16 +48,15 @@ std::string_view Hint(int Code) {
 
 }  // namespace
 
-void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view Statement) {
+void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place) {
   const int Code = sqlite3_extended_errcode(Database);
   const bool Stopped = (Code & 0xFF) == SQLITE_BUSY && TSQLiteWait::TakeStopped(Database);
   if (Stopped || Code == SQLITE_INTERRUPT) throw EAbort(Format("%s: cancelled", What));
   std::string Message = Format("%s: %s (SQLite error %d)%s", What, sqlite3_errmsg(Database), Code, Hint(Code));
-  if (!Statement.empty()) {
-    const std::string_view Shown = Statement.substr(0, Utf16Prefix(Statement, MaxStatementInMessage));
-    Message += Format("; statement: %s%s", Shown, Shown.size() < Statement.size() ? "..." : "");
-  }
-  throw EDatabaseError(Message);
+  if (!Place.Statement.empty()) Message += "; statement: " + Shortened(Place.Statement, MaxStatementInMessage);
+  Place.Code = CodeOf(Code);
+  Place.EngineCode = std::to_string(Code);
+  throw EDatabaseError(Message, std::move(Place));
 }
 
 TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use)
@@ -42,7 +64,7 @@ TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std
   const char* Rest = nullptr;
   const unsigned Flags = Use == TUse::Often ? SQLITE_PREPARE_PERSISTENT : 0;
   if (sqlite3_prepare_v3(Database, Text.data(), static_cast<int>(Text.size()), Flags, &FHandle, &Rest) != SQLITE_OK)
-    RaiseSQLiteError(Database, FWhat, Text);
+    RaiseSQLiteError(Database, FWhat, {.Statement = std::string(Text)});
   FRest = Text.substr(static_cast<std::size_t>(Rest - Text.data()));
 }
 
@@ -58,7 +80,7 @@ TSQLiteStatement& TSQLiteStatement::BindText(int Place, std::string_view Text) {
 bool TSQLiteStatement::Step() {
   const int Code = sqlite3_step(FHandle);
   if (Code == SQLITE_ROW) return true;
-  if (Code != SQLITE_DONE) RaiseSQLiteError(FDatabase, FWhat, sqlite3_sql(FHandle));
+  if (Code != SQLITE_DONE) RaiseSQLiteError(FDatabase, FWhat, {.Statement = sqlite3_sql(FHandle)});
   return false;
 }
 

@@ -4,14 +4,16 @@
 #include <string>
 #include <string_view>
 
+#include "velkrund/platform/ormtools/ErrorInfo.h"
+
 struct sqlite3;
 struct sqlite3_stmt;
 
 namespace velkrund {
 
-/// Raises EDatabaseError: What, the engine's message and code, and the statement unless it is empty; EAbort when the
-/// connection was told to stop.
-[[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, std::string_view Statement = {});
+/// Raises EDatabaseError: What, the engine's message and code, and Place's statement unless it is empty; EAbort when
+/// the connection was told to stop.
+[[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place = {});
 
 /// A prepared statement.
 class TSQLiteStatement {

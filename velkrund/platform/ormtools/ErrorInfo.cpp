@@ -1,5 +1,7 @@
 #include "velkrund/platform/ormtools/ErrorInfo.h"
 
+#include <system_error>
+
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
@@ -47,6 +49,8 @@ std::string_view ErrorCodeText(TErrorCode Code) {
       return "record";
     case TErrorCode::Value:
       return "value";
+    case TErrorCode::UnreadableValue:
+      return "unreadable-value";
     case TErrorCode::Text:
       return "text";
     case TErrorCode::DatabaseName:
@@ -79,6 +83,23 @@ std::string_view ErrorCodeText(TErrorCode Code) {
       break;
   }
   return "other";
+}
+
+TErrorCode FileErrorCode(int Error) {
+  switch (static_cast<std::errc>(Error)) {
+    case std::errc::no_such_file_or_directory:
+    case std::errc::not_a_directory:
+      return TErrorCode::FileMissing;
+    case std::errc::permission_denied:
+    case std::errc::operation_not_permitted:
+    case std::errc::read_only_file_system:
+      return TErrorCode::FileAccess;
+    case std::errc::no_space_on_device:
+    case std::errc::file_too_large:
+      return TErrorCode::DiskFull;
+    default:
+      return TErrorCode::Other;
+  }
 }
 
 void TErrorInfo::Fill(const TErrorInfo& Other) {

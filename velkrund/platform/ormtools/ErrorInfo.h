@@ -21,13 +21,14 @@ enum class TErrorCode {
   FileRead,
   FileWrite,
   DiskFull,
-  FileKind,        // it is no export/import file
-  FileStructure,   // headers and marker lines
-  SectionMissing,  // named, and not in the file
-  Record,          // the layout of a section's body
-  Value,           // one value cannot be read or stored
-  Text,            // characters would be lost
-  DatabaseName,    // neither a known name nor an address
+  FileKind,         // it is no export/import file
+  FileStructure,    // headers and marker lines
+  SectionMissing,   // named, and not in the file
+  Record,           // the layout of a section's body
+  Value,            // one value that its kind, or the table, does not take
+  UnreadableValue,  // one that is of no kind at all; a run can be told to make it NULL
+  Text,             // characters would be lost
+  DatabaseName,     // neither a known name nor an address
   DatabaseMissing,
   DatabaseReadOnly,
   DatabaseBusy,
@@ -44,6 +45,9 @@ enum class TErrorCode {
 
 /// The word of a code: "file-missing".
 std::string_view ErrorCodeText(TErrorCode Code);
+
+/// Of a failed operation on a file. Error: a value of errno. Other: none that says more than what failed.
+TErrorCode FileErrorCode(int Error);
 
 /// What is known of an error beside its message. Empty, or 0, is unknown. Texts are UTF-8.
 struct TErrorInfo {

@@ -1,0 +1,74 @@
+#include "hosts/cli/Errors.h"
+
+#include "hosts/cli/UnattendedWindows.h"
+#include "jobs/report/ErrorReport.h"
+#include "jobs/sections/CheckFiles.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+struct TPropertyRemedy {
+  TErrorCode Code;
+  std::string_view Property;  // that a job has to have, so that its option helps
+  std::string_view Text;      // behind the option's name; empty where the message says what it does
+};
+
+constexpr TPropertyRemedy PropertyRemedies[] = {
+    {TErrorCode::UnreadableValue, "Lenient", "makes such values NULL and counts them"},
+    {TErrorCode::Text, "AllowLoss", ""},
+    {TErrorCode::FieldMissing, "MissingFields", "skip passes over fields that the table lacks"},
+    {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},
+};
+
+bool IsAboutFile(TErrorCode Code) {
+  return Code == TErrorCode::FileStructure || Code == TErrorCode::Record || Code == TErrorCode::Structure;
+}
+
+/// What can be done about it with another command, or outside; empty where the message says all that is known.
+std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
+  const TErrorInfo& Info = Error.Info;
+  const bool InFile = Info.Line > 0 && Info.File != "standard input";
+  if (Info.Code == TErrorCode::FileStructure && InFile && Error.Message.find("end not found") != std::string::npos)
+    return Format("if an export was broken off there, velkrund file repair '%s' cuts it off", Info.File);
+  const bool Checks = Session.Interface && Session.Interface->ClassType() == TInterfaceClass(TJobCheckFiles::Interface);
+  if (IsAboutFile(Info.Code) && InFile && !Checks)
+    return Format("velkrund file check '%s' names every fault", Info.File);
+  if (Info.Code == TErrorCode::StructureMissing) return "velkrund dictionary list shows what there is";
+  if (Info.Code == TErrorCode::TableMissing) return "velkrund database info shows what there is";
+  if (Info.Code == TErrorCode::DiskFull) return "make room, then run it again";
+  if (Info.Code == TErrorCode::FileInUse) return "run it again when that is done";
+  return {};
+}
+
+/// The end of the line: how it goes on behind a message.
+std::string RemedyText(const TSession& Session, const TErrorFacts& Error) {
+  const auto Behind = [&](const std::string& Remedy) { return (Error.Message.ends_with('.') ? " " : "; ") + Remedy; };
+  for (const auto& [Code, Property, Text] : PropertyRemedies) {
+    if (Code != Error.Info.Code || !Session.Interface) continue;
+    if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
+    return Text.empty() ? Format(" (%s)", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
+  }
+  const std::string Remedy = OtherRemedy(Session, Error);
+  return Remedy.empty() ? Remedy : Behind(Remedy);
+}
+
+}  // namespace
+
+TErrorFacts FactsForPeople(const TCommand& Command, const std::exception& Error) {
+  TErrorFacts Result = FactsOf(Error);
+  if (const auto* const Unanswered = dynamic_cast<const EPolicyUnanswered*>(&Error))
+    Result.Message = UnansweredText(Unanswered->Stakes(), Command.Remedy(Unanswered->Policy()));
+  else if (const auto* const Settings = dynamic_cast<const ESettingsError*>(&Error))
+    Result.Message = Settings->Worded(&OptionOf);
+  return Result;
+}
+
+void SayError(const TSession& Session, const TErrorFacts& Error) {
+  std::string Line = "velkrund: " + ErrorLine(Error) + RemedyText(Session, Error);
+  if (Session.Command.Shared.Verbose) Line += "\n" + ErrorDetails(Error);
+  Session.Console.Message(Line);
+}
+
+}  // namespace velkrund

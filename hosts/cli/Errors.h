@@ -1,0 +1,16 @@
+#pragma once
+
+#include <exception>
+
+#include "hosts/cli/Session.h"
+
+namespace velkrund {
+
+/// An error as the command tells it: its own words for what a job says by the names of properties.
+TErrorFacts FactsForPeople(const TCommand& Command, const std::exception& Error);
+
+/// Says an error on one line of standard error: where, what, and what can be done about it with this command; with
+/// --verbose what stands behind it too.
+void SayError(const TSession& Session, const TErrorFacts& Error);
+
+}  // namespace velkrund

@@ -1,0 +1,91 @@
+#include "jobs/report/ErrorReport.h"
+
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
+
+namespace velkrund {
+
+namespace {
+
+bool Says(const std::string& Message, const std::string& Text) { return Message.find(Text) != std::string::npos; }
+
+bool Names(const std::string& Message, const std::string& Name) { return Says(Message, "'" + Name + "'"); }
+
+std::string OnOneLine(const std::string& Text) {
+  std::string Result;
+  for (const char C : Text) {
+    const bool IsBreak = C == '\r' || C == '\n';
+    if (!IsBreak) Result += C;
+    if (IsBreak && !Result.ends_with(' ')) Result += ' ';
+  }
+  return Result;
+}
+
+/// What the message does not say itself.
+std::string PlaceText(const TErrorFacts& Facts) {
+  const TErrorInfo& Info = Facts.Info;
+  std::vector<std::string> Parts;
+  const auto Add = [&](const char* What, const std::string& Text) {
+    if (!Text.empty() && !Names(Facts.Message, Text)) Parts.push_back(Format("%s %s", What, Text));
+  };
+  Add("table", Info.Table);
+  if (Info.Line == 0) Add("section", Info.Section);
+  Add("field", Info.Column);
+  const std::string Record = std::to_string(Info.Record);
+  const bool SaysRecord = Says(Facts.Message, "record " + Record) || Says(Facts.Message, "Record:" + Record);
+  if (Info.Record > 0 && !SaysRecord) Parts.push_back("record " + Record);
+  if (!Info.Value.empty() && !Says(Facts.Message, Info.Value)) Parts.push_back("value " + Info.Value);
+  return Joined(Parts);
+}
+
+}  // namespace
+
+std::string ErrorLine(const TErrorFacts& Facts) {
+  const TErrorInfo& Info = Facts.Info;
+  std::string Result;
+  if (!Info.File.empty() && (Info.Line > 0 || !Names(Facts.Message, Info.File))) {
+    Result = Info.File + ":";
+    if (Info.Line > 0) Result += std::to_string(Info.Line) + ":";
+    Result += " ";
+  }
+  Result += Facts.Message;
+  if (const std::string Place = PlaceText(Facts); !Place.empty()) Result += Format(" (%s)", Place);
+  return OnOneLine(Result);
+}
+
+std::string ErrorDetails(const TErrorFacts& Facts) {
+  std::string Result = Format("  class %s, code %s", Facts.ClassName, ErrorCodeText(Facts.Info.Code));
+  if (!Facts.Info.EngineCode.empty()) Result += ", the engine's code " + Facts.Info.EngineCode;
+  Result += "\n";
+  for (const std::string& Text : Facts.Chain) Result += Format("  within %s\n", OnOneLine(Text));
+  return Result;
+}
+
+TDocument ErrorDocument(const TErrorFacts& Facts) {
+  const TErrorInfo& Info = Facts.Info;
+  TDocument Result;
+  Result.Set("code", ErrorCodeText(Info.Code)).Set("class", Facts.ClassName).Set("message", Facts.Message);
+  const auto Set = [&](const char* Name, const auto& Value) {
+    if (Value != std::decay_t<decltype(Value)>()) Result.Set(Name, Value);
+  };
+  Set("file", Info.File);
+  Set("line", Info.Line);
+  Set("section", Info.Section);
+  Set("database", Info.Database);
+  Set("table", Info.Table);
+  Set("column", Info.Column);
+  Set("record", Info.Record);
+  Set("value", Info.Value);
+  Set("engineCode", Info.EngineCode);
+  Set("statement", Info.Statement);
+  if (!Facts.Chain.empty()) Result.Set("within", Facts.Chain);
+  return Result;
+}
+
+TDocument ErrorDocument(const TErrorFacts& Facts, const std::string& Command, TEnd End) {
+  TDocument Result = TDocument::Headed("error", Command, static_cast<int>(End));
+  Result.Set("error", ErrorDocument(Facts));
+  return Result;
+}
+
+}  // namespace velkrund

@@ -28,7 +28,7 @@ class TDictionaryDrop final : public TCommand {
   }
   int Run(TSession& Session) override {
     RunJob(Session, FInterface);
-    Session.Console.Message("dropped " + FInterface.Job().WhatWasDropped());
+    Session.Say("dropped " + FInterface.Job().WhatWasDropped());
     return ExitDone;
   }
 

@@ -66,6 +66,10 @@ TErrorFacts FactsForPeople(const TCommand& Command, const std::exception& Error)
 }
 
 void SayError(const TSession& Session, const TErrorFacts& Error) {
+  // Programs have it in the report.
+  if (Session.Console.TellsEvents()) return;
+  // Whoever reads results and has seen enough knows it; only data would be missed.
+  if (Error.Info.Code == TErrorCode::PipeClosed && !Session.Command.WritesStandardOutput()) return;
   std::string Line = "velkrund: " + ErrorLine(Error) + RemedyText(Session, Error);
   if (Session.Command.Shared.Verbose) Line += "\n" + ErrorDetails(Error);
   Session.Console.Message(Line);

@@ -61,7 +61,7 @@ void TCheckShown::SectionChecked(const TCheckedFile& File, const TCheckedSection
 void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Hidden : File.Hidden) {
     Say(File.Text + ": a section that is not read");
-    FSession.Console.Message(Format("velkrund: %s: %s", File.Text, Hidden));
+    FSession.Say(Format("velkrund: %s: %s", File.Text, Hidden));
   }
   for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
   if (File.Error) {
@@ -97,10 +97,9 @@ int TFileCheck::Run(TSession& Session) {
   FJob.CheckListener = &Shown;
   RunJob(Session, FInterface);
   const TJobCheckFiles::TTotals& Totals = FJob.Totals();
-  Session.Console.Message(Format("checked %s: %s, %s, %s; %s%s", Counted(Totals.Sections, "section"),
-                                 Counted(Totals.Rows, "row"), ByteText(static_cast<double>(Totals.Bytes)),
-                                 DurationText(Totals.Seconds), Counted(Totals.Faults, "fault"),
-                                 Totals.Cancelled ? "; cancelled" : ""));
+  Session.Say(Format("checked %s: %s, %s, %s; %s%s", Counted(Totals.Sections, "section"), Counted(Totals.Rows, "row"),
+                     ByteText(static_cast<double>(Totals.Bytes)), DurationText(Totals.Seconds),
+                     Counted(Totals.Faults, "fault"), Totals.Cancelled ? "; cancelled" : ""));
   return static_cast<int>(FJob.End());
 }
 

@@ -44,7 +44,7 @@ int TFileRemove::Run(TSession& Session) {
   RunJob(Session, FInterface);
   std::string Text;
   for (const TJobRemoveSections::TRemoved& Section : FJob.Removed()) Text += "removed " + Section.Text + "\n";
-  Session.Console.Message(Text + Counted(FJob.SectionsLeft(), "section") + " left");
+  Session.Say(Text + Counted(FJob.SectionsLeft(), "section") + " left");
   return ExitDone;
 }
 

@@ -38,12 +38,12 @@ int TFileRepair::Run(TSession& Session) {
   const TSectionRepair& Repair = FJob.Repair();
   const std::string Left = Counted(Repair.SectionsLeft, "section");
   if (Repair.Position < 0) {
-    Session.Console.Message(Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
+    Session.Say(Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
     return ExitDone;
   }
   if (!Repair.Fault.empty()) Session.Console.Message("the fault was: " + Repair.Fault);
-  Session.Console.Message(Format("cut off an unfinished section from position %d on: %s, now in '%s'\n%s left",
-                                 Repair.Position, Counted(Repair.Bytes, "byte"), Repair.CutFile, Left));
+  Session.Say(Format("cut off an unfinished section from position %d on: %s, now in '%s'\n%s left", Repair.Position,
+                     Counted(Repair.Bytes, "byte"), Repair.CutFile, Left));
   return ExitDone;
 }
 

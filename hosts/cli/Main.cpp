@@ -34,6 +34,14 @@ void PrintErrorDocument(const TSession& Session, const TErrorFacts& Error, TEnd 
   }
 }
 
+/// The last event.
+void TellEnd(TSession& Session, int ExitCode) {
+  TDocument Told = TConsole::NewEvent("end");
+  Told.Set("exitCode", ExitCode);
+  if (Session.Report) Told.Set("report", std::move(*Session.Report));
+  Session.Console.Event(Told);
+}
+
 TEnd EndOf(const std::exception& Error) {
   if (dynamic_cast<const EAbort*>(&Error)) return TEnd::Cancelled;
   const bool Wrong = dynamic_cast<const EUsage*>(&Error) || dynamic_cast<const ESettingsError*>(&Error);
@@ -43,15 +51,20 @@ TEnd EndOf(const std::exception& Error) {
 int RunReported(TCommand& Command, TConsole& Console) {
   TProgress Progress(Console, Command.Shared.Progress);
   TSession Session{Console, Progress, Command};
+  if (Command.Shared.Progress == TProgressStyle::Json) Console.TellEvents();
+  int ExitCode;
   try {
-    return RunCommand(Command, Session);
+    ExitCode = RunCommand(Command, Session);
   } catch (const std::exception& Error) {
     const TErrorFacts Facts = FactsForPeople(Command, Error);
     const TEnd End = EndOf(Error);
     PrintErrorDocument(Session, Facts, End);
     SayError(Session, Facts);
-    return static_cast<int>(End);
+    Session.Report = ErrorDocument(Facts, Command.Name(), End);
+    ExitCode = static_cast<int>(End);
   }
+  if (Console.TellsEvents()) TellEnd(Session, ExitCode);
+  return ExitCode;
 }
 
 int RunProgram(int Count, const char* const* Arguments) {

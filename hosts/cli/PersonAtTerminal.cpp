@@ -3,12 +3,15 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "hosts/cli/EventWindows.h"
 #include "hosts/cli/Interrupt.h"
 #include "standalone/windows/terminal/TerminalWindows.h"
 
 namespace velkrund {
 
 std::unique_ptr<TWindowSystem> FindPerson(TConsole& Console, bool InputIsData) {
+  if (Console.TellsEvents())
+    return InputIsData ? nullptr : std::make_unique<TEventWindows>(Console, STDIN_FILENO, &TInterrupt::Requested);
   if (!isatty(STDERR_FILENO)) return nullptr;
   if (!InputIsData) {
     if (!isatty(STDIN_FILENO)) return nullptr;

@@ -9,7 +9,7 @@ namespace velkrund {
 
 namespace {
 
-/// Shows what a running job tells.
+/// Shows what a running job tells, to people or to the program that runs this one.
 class TShown final : public TJobListener {
  public:
   explicit TShown(const TSession& Session) : FSession(Session) {}
@@ -20,7 +20,17 @@ class TShown final : public TJobListener {
   void SetSubject(const std::string& Subject) override { FSession.Progress.SetName(Subject); }
   void Progress(std::int32_t Current, std::int32_t Total) override { FSession.Progress.Show(Current, Total); }
   void End() override { FSession.Progress.End(); }
-  void Fault(const TErrorFacts& Error) override { SayError(FSession, Error); }
+  void Doing(const std::string& Text) override { FSession.Progress.Doing(Text); }
+  void Item(const std::function<TDocument()>& Describe) override {
+    if (!FSession.Console.TellsEvents()) return;
+    TDocument Told = TConsole::NewEvent("item");
+    Told.Set("item", Describe());
+    FSession.Console.Event(Told);
+  }
+  void Fault(const TErrorFacts& Error) override {
+    // The item has it.
+    if (!FSession.Console.TellsEvents()) SayError(FSession, Error);
+  }
   void Stopped(TPolicy Policy) override {
     FSession.Console.Message(Format("velkrund: stopped there. There is no terminal to ask whether to go on: give %s",
                                     FSession.Command.Remedy(Policy)));
@@ -43,6 +53,7 @@ void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
   Interface.SetDatabaseName(Session.Command.Shared.Database);
   Interface.Execute();
   Job.Listener = nullptr;
+  if (Session.Console.TellsEvents()) Session.Report = Job.Result();
   if (Job.Raised()) std::rethrow_exception(Job.Raised());
   if (Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(Job.Report());
 }
@@ -51,7 +62,7 @@ int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface) {
   RunJob(Session, Interface);
   const TOutcome& Outcome = static_cast<const TSectionsJob&>(Interface.Operation()).Outcome();
   if (Outcome.Error) SayError(Session, *Outcome.Error);
-  Session.Console.Message(ReportText(Outcome));
+  Session.Say(ReportText(Outcome));
   return static_cast<int>(Outcome.End());
 }
 

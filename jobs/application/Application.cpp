@@ -13,6 +13,7 @@ namespace {
 TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
   TConfiguration Result = FindAndLoadConfiguration(Options.ConfigFile);
   if (Options.Trace) Result.TraceLevel = TTraceLevelSetting::Detail;
+  if (Options.KeepsStandardError && Result.TraceFile.empty()) Result.TraceLevel = TTraceLevelSetting::Off;
   return Result;
 }
 

@@ -12,8 +12,9 @@ namespace velkrund {
 
 /// What a host decides about the platform that it starts.
 struct TApplicationOptions {
-  std::string ConfigFile;  // empty: looked for in the usual places
-  bool Trace = false;      // trace everything, whatever the configuration says
+  std::string ConfigFile;           // empty: looked for in the usual places
+  bool Trace = false;               // trace everything, whatever the configuration says
+  bool KeepsStandardError = false;  // standard error is the host's alone: a trace without a file is none
 };
 
 /// A running host: reads the configuration, builds the stand-alone platform from it, installs it, starts the module and

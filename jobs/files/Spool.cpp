@@ -90,7 +90,7 @@ void TSpool::FillFrom(int Descriptor, const std::string& Name, const TCanceled& 
       FFile->WriteAt(Position, {Block.data(), static_cast<std::size_t>(Got)});
       Position += Got;
     } else if (errno != EINTR && errno != EAGAIN) {
-      throw EReadError(Format("Cannot read %s: %s", Name, Reason(errno)), {.File = Name});
+      throw EReadError(Format("Cannot read %s: %s", Name, Reason(errno)), {.Code = FileErrorCode(errno)});
     }
   }
 }
@@ -117,8 +117,7 @@ void TSpool::Remove(const std::string& Path) { throw EWriteError(Format("Cannot 
 namespace {
 
 [[noreturn]] void RaiseNotWritten(const std::string& Name, int Error) {
-  throw EWriteError(Format("Cannot write to %s: %s", Name, Reason(Error)),
-                    {.Code = FileErrorCode(Error), .File = Name});
+  throw EWriteError(Format("Cannot write to %s: %s", Name, Reason(Error)), {.Code = FileErrorCode(Error)});
 }
 
 }  // namespace

@@ -78,4 +78,8 @@ void TDocument::Add(TDocument Value) { FValue->Json.push_back(std::move(Value.FV
 
 std::string TDocument::Text() const { return FValue->Json.dump(2, ' ', false, TJson::error_handler_t::replace) + "\n"; }
 
+std::string TDocument::Line() const {
+  return FValue->Json.dump(-1, ' ', false, TJson::error_handler_t::replace) + "\n";
+}
+
 }  // namespace velkrund

@@ -51,6 +51,8 @@ class TDocument {
 
   /// As it is printed, with a line end; bytes that are no UTF-8 are replaced.
   std::string Text() const;
+  /// The same on one line.
+  std::string Line() const;
 
  private:
   struct TValue;

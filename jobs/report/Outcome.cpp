@@ -6,8 +6,6 @@
 
 namespace velkrund {
 
-namespace {
-
 TDocument ItemDocument(const TItem& Item) {
   TDocument Result;
   if (!Item.File.empty()) Result.Set("file", Item.File);
@@ -21,13 +19,11 @@ TDocument ItemDocument(const TItem& Item) {
   const std::optional<std::int64_t> Rows = Item.Rows();
   if (Rows) Result.Set("rows", *Rows);
   Result.Set("bytes", Item.Bytes).Set("seconds", Item.Seconds);
-  if (Rows) Result.Set("nullsMade", Item.Counts.NullsMade);
+  if (Rows) Result.Set("rowsDeleted", Item.Counts.DeletedRows).Set("nullsMade", Item.Counts.NullsMade);
   Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
   if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
   return Result;
 }
-
-}  // namespace
 
 std::string_view StateText(TItemState State) {
   switch (State) {

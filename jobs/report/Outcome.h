@@ -51,6 +51,8 @@ struct TItem {
   }
 };
 
+TDocument ItemDocument(const TItem& Item);
+
 /// Of the sections that were done.
 struct TTotals {
   std::int64_t Sections = 0, Bytes = 0;

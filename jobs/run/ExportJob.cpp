@@ -142,10 +142,12 @@ void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
   Account.Close(Item);
   AfterRun(Item);
   if (Item.Error) Fault(*Item.Error);
-  if (Item.State != TItemState::Done) return;
-  const TEISectionList& Sections = FOutput->File().Sections();
-  Item.Bytes = Sections[Sections.Count() - 1].DataSize;
-  if (Step.Replace) FReplaced.insert(FReplaced.end(), Step.Existing.begin(), Step.Existing.end());
+  if (Item.State == TItemState::Done) {
+    const TEISectionList& Sections = FOutput->File().Sections();
+    Item.Bytes = Sections[Sections.Count() - 1].DataSize;
+    if (Step.Replace) FReplaced.insert(FReplaced.end(), Step.Existing.begin(), Step.Existing.end());
+  }
+  TellItem([&Item] { return ItemDocument(Item); });
 }
 
 bool TExportJob::IsLast(std::size_t Index) const {

@@ -13,18 +13,24 @@ namespace {
 
 constexpr std::int32_t Millionths = 1'000'000;
 
-/// While an engine lets the job wait, it asks the job whether to go on.
-class TCancelWhileWaiting {
+/// While an engine lets the job wait, it asks the job whether to go on, and tells it what it waits for.
+class TWhileWaiting {
  public:
-  TCancelWhileWaiting(TDatabases& Databases, std::function<bool()> Canceled)
-      : FDatabases(Databases), FBefore(Databases.SetCanceled(std::move(Canceled))) {}
-  TCancelWhileWaiting(const TCancelWhileWaiting&) = delete;
-  TCancelWhileWaiting& operator=(const TCancelWhileWaiting&) = delete;
-  ~TCancelWhileWaiting() { FDatabases.SetCanceled(std::move(FBefore)); }
+  TWhileWaiting(TDatabases& Databases, TDatabases::TCanceled Canceled, TDatabases::TNotice Notice)
+      : FDatabases(Databases),
+        FCanceledBefore(Databases.SetCanceled(std::move(Canceled))),
+        FNoticeBefore(Databases.SetNotice(std::move(Notice))) {}
+  TWhileWaiting(const TWhileWaiting&) = delete;
+  TWhileWaiting& operator=(const TWhileWaiting&) = delete;
+  ~TWhileWaiting() {
+    FDatabases.SetCanceled(std::move(FCanceledBefore));
+    FDatabases.SetNotice(std::move(FNoticeBefore));
+  }
 
  private:
   TDatabases& FDatabases;
-  std::function<bool()> FBefore;
+  TDatabases::TCanceled FCanceledBefore;
+  TDatabases::TNotice FNoticeBefore;
 };
 
 /// Lets a database go that was not open before: whoever works on for long does not hold on to a file that others may
@@ -80,19 +86,22 @@ int TJob::Execute() {
 
 void TJob::RunOnDatabase() {
   TDatabases& Databases = Manager().Databases();
-  const TCancelWhileWaiting Waiting(Databases, Canceled());
+  const TWhileWaiting Waiting(Databases, Canceled(), [this](const std::string& Text) {
+    if (Listener) Listener->Doing(Text);
+  });
   if (!NeedsDatabase()) return Run();
   CheckDatabaseName();
   const TLetGo LetGo(Databases, DatabaseName);
   Run();
 }
 
-std::string TJob::Report() const {
-  if (!FHasRun) return {};
+std::string TJob::Report() const { return FHasRun ? Result().Text() : std::string(); }
+
+TDocument TJob::Result() const {
   TDocument Result = FRaised ? ErrorDocument(FactsOf(FRaised), CommandName(), FEnd)
                              : TDocument::Headed(Schema(), CommandName(), static_cast<int>(FEnd));
   if (!FRaised) Describe(Result);
-  return Result.Text();
+  return Result;
 }
 
 TStandaloneManager& TJob::Manager() const {
@@ -151,6 +160,10 @@ void TJob::EndPart() {
     Listener->End();
   else
     ShowPart(1, 1, {});
+}
+
+void TJob::TellItem(const std::function<TDocument()>& Describe) const {
+  if (Listener) Listener->Item(Describe);
 }
 
 void TJob::Fault(const TErrorFacts& Error) const {

@@ -30,6 +30,8 @@ class TJob : public TDatabaseUtilOperation {
   /// The document about the last run; empty before the first; docs/json.md describes it. Raises an error where the
   /// result is none that a document can hold.
   std::string Report() const;
+  /// The same to be put into another document.
+  TDocument Result() const;
   /// The line of the command that does the same, without options: "export table".
   virtual std::string CommandName() const = 0;
 
@@ -69,6 +71,7 @@ class TJob : public TDatabaseUtilOperation {
   void SetSubject(const std::string& Subject);
   void ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const;
   void EndPart();
+  void TellItem(const std::function<TDocument()>& Describe) const;
   void Fault(const TErrorFacts& Error) const;
   void Stop(TPolicy Policy) const;
   void Complain(const std::string& Text) const;

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "jobs/policies/Policies.h"
+#include "jobs/report/Document.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 
@@ -21,6 +24,12 @@ class TJobListener {
   /// Called for every row: has to be quick. Total may be scaled: only the proportion counts where Begin told a total.
   virtual void Progress(std::int32_t /*Current*/, std::int32_t /*Total*/) {}
   virtual void End() {}
+  /// What begins takes its time, and there is nothing to count: "taking back what was changed". Ends with the next call
+  /// of any other kind.
+  virtual void Doing(const std::string& /*Text*/) {}
+  /// Something that is counted for itself, such as a section, has come to an end. Describe: as the report will have it,
+  /// unless it is taken back later.
+  virtual void Item(const std::function<TDocument()>& /*Describe*/) {}
 
   /// An error while the run may go on.
   virtual void Fault(const TErrorFacts& /*Error*/) {}

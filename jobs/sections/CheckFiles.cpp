@@ -141,6 +141,7 @@ void TJobCheckFiles::CheckSections(TInputFile& Input, TCheckedFile& Result) {
     TCheckedSection Checked{std::move(Read.Item), std::string(Section.TypeName()), SectionText(Sections, Index),
                             Section.Version(), Read.HasRows};
     Count(Result, Checked);
+    TellItem([&] { return std::move(DocumentOf(Checked, static_cast<std::size_t>(Index)).Set("file", Result.Name)); });
     Result.Sections.push_back(std::move(Checked));
   }
 }

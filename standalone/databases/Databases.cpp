@@ -66,19 +66,20 @@ TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
 TConnection& TDatabases::Connection(const std::string& Name) { return *Database(Name).Connection; }
 
 void TDatabases::StartTransaction(const std::string& Name, TIsolationLevel Level) {
-  Start(Name, [=](TConnection& Connection) { Connection.Begin(Level); });
+  Start(Name, false, [=](TConnection& Connection) { Connection.Begin(Level); });
 }
 
 void TDatabases::StartReading(const std::string& Name) {
-  Start(Name, [](TConnection& Connection) { Connection.BeginReading(); });
+  Start(Name, true, [](TConnection& Connection) { Connection.BeginReading(); });
 }
 
-void TDatabases::Start(const std::string& Name, const std::function<void(TConnection&)>& Begin) {
+void TDatabases::Start(const std::string& Name, bool Reads, const std::function<void(TConnection&)>& Begin) {
   TDatabase& Target = Database(Name);
   if (Target.Depth == 0) {
     Note("Starting a transaction");
     Begin(*Target.Connection);
     Target.Doomed = false;
+    Target.Reads = Reads;
   }
   ++Target.Depth;
 }
@@ -119,6 +120,7 @@ void TDatabases::RollbackTransaction(const std::string& Name) {
     return;
   }
   Note("Rolling the transaction back");
+  if (!Target.Reads) Tell("taking back what was changed");
   Target.Connection->Rollback();
 }
 

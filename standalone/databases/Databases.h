@@ -43,6 +43,12 @@ class TDatabases {
   /// Asked while an engine lets its caller wait, on every connection: true ends what is waited for, with EAbort.
   /// Returns who was asked before.
   TCanceled SetCanceled(TCanceled Canceled) { return std::exchange(FCanceled, std::move(Canceled)); }
+  using TNotice = std::function<void(const std::string& Text)>;
+  /// Told what takes its time and has nothing to count. Returns who was told before.
+  TNotice SetNotice(TNotice Notice) { return std::exchange(FNotice, std::move(Notice)); }
+  void Tell(const std::string& Text) const {
+    if (FNotice) FNotice(Text);
+  }
 
   /// Whether two names mean the same database.
   bool IsSameDatabase(const std::string& A, const std::string& B) const;
@@ -56,6 +62,7 @@ class TDatabases {
     std::unique_ptr<TConnection> Connection;
     int Depth = 0;        // transactions started and not ended
     bool Doomed = false;  // an inner one was rolled back
+    bool Reads = false;   // and writes nothing
   };
   struct TAddress {
     const TDriver* Driver;
@@ -67,7 +74,7 @@ class TDatabases {
   void Note(const std::string& Line) { FTrace(TTraceLevel::Detail, Line); }
   TAddress Resolve(const std::string& Name) const;
   TDatabase& Database(const std::string& Name);
-  void Start(const std::string& Name, const std::function<void(TConnection&)>& Begin);
+  void Start(const std::string& Name, bool Reads, const std::function<void(TConnection&)>& Begin);
   TDatabase& InTransaction(const std::string& Name, std::string_view What);
 
   TConfiguration FConfiguration;
@@ -78,6 +85,7 @@ class TDatabases {
   bool FCreateMissing = false;
   std::chrono::milliseconds FBusyTime;
   TCanceled FCanceled;                                    // may be empty
+  TNotice FNotice;                                        // the same
   std::map<std::string, TDatabase> FOpen;                 // by identity
   std::map<std::string, TDatabase*, std::less<>> FNames;  // by the name asked for; "" is the default
 };

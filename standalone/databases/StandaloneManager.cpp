@@ -99,6 +99,14 @@ void TStandaloneManager::WriteTrace(std::string_view Subsystem, TTraceLevel Leve
   FTrace.Write(Subsystem, Level, Text);
 }
 
+void TStandaloneManager::Notice(const std::string& Text) noexcept {
+  try {
+    FDatabases.Tell(Text);
+  } catch (...) {
+    // It is said for convenience only.
+  }
+}
+
 void TStandaloneManager::ReportError(const std::exception& Error) noexcept {
   try {
     const std::string Text = Kv_FullExceptionInfo(Error);

@@ -53,6 +53,7 @@ class TStandaloneManager final : public TApplicationManager {
   TFileSystem& Files() override { return FFiles; }
   std::string LString(std::string_view Key) const override;
   void WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept override;
+  void Notice(const std::string& Text) noexcept override;
   void ReportError(const std::exception& Error) noexcept override;
 
   // For hosts. Settings and look-ups are changed while no operation runs.

@@ -67,6 +67,11 @@ bool TKeyedLoading::Empties(const std::string& Table) const {
   return Found != FTables.end() && Found->second.Empty && !Found->second.Emptied;
 }
 
+std::int64_t TKeyedLoading::DeletedRows(const std::string& Table) const {
+  const auto Found = FTables.find(Table);
+  return Found == FTables.end() ? 0 : Found->second.Deleted;
+}
+
 void TKeyedLoading::SetLoaded(const std::string& Table) {
   if (const auto Found = FTables.find(Table); Found != FTables.end()) Found->second.Emptied = true;
 }
@@ -104,7 +109,8 @@ void TKeyedLoading::EmptyTables() {
   for (auto Table = FOrder.rbegin(); Table != FOrder.rend(); ++Table) {
     if (!Empties(*Table)) continue;
     const auto Target = FManager.GetUserTable(*Table, FDatabaseName, true);
-    if (auto* SQLTable = dynamic_cast<TODBCTable*>(Target.get())) EmptyTable(*SQLTable, FDatabaseName);
+    if (auto* SQLTable = dynamic_cast<TODBCTable*>(Target.get()))
+      FTables.at(*Table).Deleted = EmptyTable(*SQLTable, FDatabaseName);
   }
   for (auto& [Name, Table] : FTables) Table.Emptied = true;
 }

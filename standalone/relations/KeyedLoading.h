@@ -22,6 +22,7 @@ class TKeyedLoading final : public TTableLoading {
   bool AreOne() const override { return FAreOne; }
   void Begin() override;
   bool Empties(const std::string& Table) const override;
+  std::int64_t DeletedRows(const std::string& Table) const override;
   void SetLoaded(const std::string& Table) override;
   std::vector<std::string> Warnings() const override;
   void End(bool Whole) override;
@@ -38,6 +39,7 @@ class TKeyedLoading final : public TTableLoading {
   struct TLoaded {
     bool Empty;                             // its rows are deleted first
     bool Emptied = false;                   // by Begin, or rows were loaded since
+    std::int64_t Deleted = 0;               // by Begin
     std::vector<std::string> Parents = {};  // those that are loaded
     bool Visited = false;
     std::size_t Rank = 0;

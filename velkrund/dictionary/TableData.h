@@ -18,6 +18,7 @@ namespace velkrund {
 /// What a run did, for reports.
 struct TTableDataReport {
   std::int64_t RowCount = 0;
+  std::int64_t DeletedRows = 0;            // that were in the table before an import
   std::int64_t NullsMade = 0;              // values that could not be read, where that is no error
   std::vector<std::string> SkippedFields;  // fields of the file that the table lacks
 };

@@ -134,7 +134,10 @@ void TEICommonTableData::ImportInto(TTable& Target, const std::vector<std::strin
   if (SQLTable && !Loading) Alone = LoadingOf(*SQLTable, !Append, DatabaseName);
   if (Alone) Alone->Begin();
   TTableLoading* const Together = SQLTable && Loading ? Loading : Alone.get();
-  if (SQLTable && (Together ? Together->Empties(Target.TableName()) : !Append)) EmptyTable(*SQLTable, DatabaseName);
+  if (SQLTable && (Together ? Together->Empties(Target.TableName()) : !Append))
+    Report->DeletedRows = EmptyTable(*SQLTable, DatabaseName);
+  else if (Together && !Append)
+    Report->DeletedRows = Together->DeletedRows(Target.TableName());
   ImportRows(Target, Columns, Stream);
   if (FStopped) return;
   if (Alone) Alone->End(true);

@@ -52,11 +52,14 @@ TOptionGroup TSharedOptions::General() {
             "configuration folder",
             ConfigFile),
        Switch("--json", "print the result as one JSON document", Json),
-       Choice<TProgressStyle>("--progress", "how progress is shown (default: auto, a bar on a terminal)",
+       Choice<TProgressStyle>("--progress",
+                              "how progress is shown (default: auto, a bar on a terminal); json: standard error "
+                              "carries events for programs and nothing else",
                               {{"auto", TProgressStyle::Auto},
                                {"bar", TProgressStyle::Bar},
                                {"plain", TProgressStyle::Plain},
-                               {"none", TProgressStyle::None}},
+                               {"none", TProgressStyle::None},
+                               {"json", TProgressStyle::Json}},
                               Progress),
        Switch("-y,--yes", "answer yes to questions that have no option of their own", Yes),
        Switch("-v,--verbose", "trace what is done to standard error, or to the configuration's trace file", Verbose)}};
@@ -66,6 +69,7 @@ TApplicationOptions TSharedOptions::ApplicationOptions() const {
   TApplicationOptions Result;
   Result.ConfigFile = ConfigFile;
   Result.Trace = Verbose;
+  Result.KeepsStandardError = Progress == TProgressStyle::Json;
   return Result;
 }
 

@@ -13,4 +13,29 @@ void TConsole::Result(std::string_view Text) {
   WriteToDescriptor(STDOUT_FILENO, Text, "standard output", {});
 }
 
+TDocument TConsole::NewEvent(std::string_view Kind) {
+  TDocument Result;
+  Result.Set("event", Kind);
+  return Result;
+}
+
+void TConsole::Event(const TDocument& Told) noexcept {
+  try {
+    WriteToDescriptor(STDERR_FILENO, Told.Line(), "standard error", {});
+  } catch (...) {
+    // Nobody listens any more; the work itself goes on.
+  }
+}
+
+void TConsole::Message(std::string_view Text) noexcept {
+  if (!FTellsEvents) return TTerminal::Message(Text);
+  try {
+    TDocument Told = NewEvent("message");
+    Told.Set("text", Text);
+    Event(Told);
+  } catch (...) {
+    // As above.
+  }
+}
+
 }  // namespace velkrund

@@ -2,16 +2,28 @@
 
 #include <string_view>
 
+#include "jobs/report/Document.h"
 #include "standalone/windows/terminal/Terminal.h"
 
 namespace velkrund {
 
-/// The program's standard output for results, and standard error for everything said to people.
+/// The program's standard output for results, and standard error for everything said to people or, once TellEvents was
+/// called, to the program that runs this one: then it carries events only, a JSON object a line.
 class TConsole final : public TTerminal {
  public:
   TConsole();
   /// Raises EWriteError: a reader that is gone, a full disk.
   void Result(std::string_view Text);
+
+  void TellEvents() { FTellsEvents = true; }
+  bool TellsEvents() const { return FTellsEvents; }
+  /// Where events are told: an object that NewEvent has begun.
+  void Event(const TDocument& Told) noexcept;
+  static TDocument NewEvent(std::string_view Kind);
+  void Message(std::string_view Text) noexcept;
+
+ private:
+  bool FTellsEvents = false;
 };
 
 }  // namespace velkrund

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -14,13 +15,17 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int LongestBar = 40, ShortestBar = 10;
-constexpr double SecondsUntilTimeLeft = 0.5;  // before that a guess would be wild
+// Before that a guess would be wild.
+constexpr double SecondsUntilTimeLeft = 0.5;
+constexpr double FractionUntilTimeLeft = 0.01;
 
 }  // namespace
 
 TProgress::TProgress(TConsole& Console, TProgressStyle Style) : FConsole(Console), FStyle(Style) {
   if (FStyle == TProgressStyle::Auto) FStyle = Console.MessagesAreSeen() ? TProgressStyle::Bar : TProgressStyle::None;
-  FInterval = FStyle == TProgressStyle::Bar ? TClock::duration(100ms) : TClock::duration(2s);
+  FInterval = FStyle == TProgressStyle::Bar    ? TClock::duration(100ms)
+              : FStyle == TProgressStyle::Json ? TClock::duration(200ms)
+                                               : TClock::duration(2s);
 }
 
 void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t Total) {
@@ -31,6 +36,11 @@ void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t To
   FStart = TClock::now();
   FNext = FStart + FInterval;
   FGlances.Begin(FStart);
+  if (FStyle != TProgressStyle::Json) return;
+  TDocument Told = TConsole::NewEvent("begin");
+  Told.Set("subject", Name).Set("unit", FUnit);
+  Told.Set("total", FTotal < 0 ? std::nullopt : std::optional<std::int64_t>(FTotal));
+  FConsole.Event(Told);
 }
 
 void TProgress::SetName(const std::string& Name) { FName = Printable(Name); }
@@ -42,14 +52,30 @@ void TProgress::Show(std::int32_t Current, std::int32_t Total) {
   FNext = Now + FInterval;
   const double Fraction = std::clamp(static_cast<double>(Current) / Total, 0.0, 1.0);
   FCount = FTotal < 0 ? Current : std::llround(Fraction * static_cast<double>(FTotal));
-  const std::string Text = Line(Fraction, std::chrono::duration<double>(Now - FStart).count());
+  const double Seconds = std::chrono::duration<double>(Now - FStart).count();
+  if (FStyle == TProgressStyle::Json) return Tell(Fraction, Seconds);
+  const std::string Text = Line(Fraction, Seconds);
   if (FStyle == TProgressStyle::Bar)
     FConsole.Status(Bar(Fraction, Text));
   else
     FConsole.Message(FName + ": " + Text);
 }
 
+void TProgress::Doing(const std::string& Text) {
+  if (FStyle == TProgressStyle::None) return;
+  if (FStyle == TProgressStyle::Bar)
+    FConsole.Status(CutToWidth(Printable(Text) + " ...", FConsole.Width() - 1));
+  else
+    FConsole.Message(Text);
+}
+
 void TProgress::End() { FConsole.ClearStatus(); }
+
+void TProgress::Tell(double Fraction, double Seconds) const {
+  TDocument Told = TConsole::NewEvent("progress");
+  Told.Set("subject", FName).Set("unit", FUnit).Set("count", FCount).Set("fraction", Fraction).Set("seconds", Seconds);
+  FConsole.Event(Told);
+}
 
 std::string TProgress::Line(double Fraction, double Seconds) const {
   const double Rate = static_cast<double>(FCount) / std::max(Seconds, 1e-6);
@@ -59,7 +85,7 @@ std::string TProgress::Line(double Fraction, double Seconds) const {
     Result += Format("%s  %s/s", ByteText(static_cast<double>(FCount)), ByteText(Rate));
   else
     Result += Format("%s %s  %s %s/s", ShortNumber(static_cast<double>(FCount)), FUnit, ShortNumber(Rate), FUnit);
-  if (Seconds >= SecondsUntilTimeLeft && Fraction > 0)
+  if (Seconds >= SecondsUntilTimeLeft && Fraction >= FractionUntilTimeLeft)
     Result += Format("  %s left", ClockText(std::llround(std::ceil(Seconds / Fraction * (1 - Fraction)))));
   return Result;
 }

@@ -9,10 +9,10 @@
 
 namespace velkrund {
 
-enum class TProgressStyle { Auto, Bar, Plain, None };
+enum class TProgressStyle { Auto, Bar, Plain, None, Json };
 
-/// How far a run has come, for people: a bar with rate and time left that is drawn over and over on a terminal, or
-/// lines. Told of every row, it shows something a few times a second.
+/// How far a run has come: for people a bar with rate and time left that is drawn over and over on a terminal, or
+/// lines; for programs events. Told of every row, it shows something a few times a second.
 class TProgress {
  public:
   /// Console: borrowed. Auto: a bar on a terminal, nothing elsewhere.
@@ -24,12 +24,15 @@ class TProgress {
   void SetName(const std::string& Name);
   /// Total may be scaled: only the proportion counts where Begin knew the total.
   void Show(std::int32_t Current, std::int32_t Total);
+  /// Something that has no measure has begun.
+  void Doing(const std::string& Text);
   /// Takes the bar away.
   void End();
 
  private:
   using TClock = TGlances::TClock;
 
+  void Tell(double Fraction, double Seconds) const;
   std::string Line(double Fraction, double Seconds) const;
   std::string Bar(double Fraction, const std::string& Rest) const;
 

@@ -42,6 +42,20 @@ std::vector<std::string> Warnings(const TItem& Item) {
   return Result;
 }
 
+/// The last line, which nobody overlooks: a run that has failed does not end with what went well.
+std::string SumText(const TOutcome& Outcome) {
+  const TTotals All = Outcome.Totals();
+  if (Outcome.End() == TEnd::Done && All.Sections > 1)
+    return Format("in all %s: %s\n", Counted(All.Sections, "section"), AmountText(All.Rows, All.Bytes, All.Seconds));
+  if (Outcome.End() == TEnd::Done || Outcome.Items.size() < 2) return {};
+  std::vector<std::string> Parts;
+  for (const TItemState State : {TItemState::Done, TItemState::LeftOut, TItemState::TakenBack, TItemState::NotReached,
+                                 TItemState::Cancelled, TItemState::Failed})
+    if (const int Count = Outcome.Count(State))
+      Parts.push_back(Format("%d %s", Count, State == TItemState::Done ? Outcome.Done : StateForPeople(State)));
+  return Format("of %s %s\n", Counted(static_cast<std::int64_t>(Outcome.Items.size()), "section"), Joined(Parts));
+}
+
 }  // namespace
 
 std::string ReportText(const TOutcome& Outcome) {
@@ -50,6 +64,8 @@ std::string ReportText(const TOutcome& Outcome) {
     const bool IsDone = Item.State == TItemState::Done;
     Result += Format("%s %s", IsDone ? Outcome.Done : StateForPeople(Item.State), ItemText(Item));
     if (IsDone) Result += ": " + AmountText(Item.Rows(), Item.Bytes, Item.Seconds);
+    if (IsDone && Item.Counts.DeletedRows > 0)
+      Result += Format("; %s that were there deleted", Counted(Item.Counts.DeletedRows, "row"));
     if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
     Result += "\n";
     if (IsDone)
@@ -57,10 +73,7 @@ std::string ReportText(const TOutcome& Outcome) {
   }
   if (!Outcome.Cancelled.empty()) Result += Outcome.Cancelled + "\n";
   for (const std::string& Note : Outcome.Notes) Result += Note + "\n";
-  const TTotals All = Outcome.Totals();
-  if (All.Sections > 1)
-    Result += Format("in all %s: %s\n", Counted(All.Sections, "section"), AmountText(All.Rows, All.Bytes, All.Seconds));
-  return Result;
+  return Result + SumText(Outcome);
 }
 
 }  // namespace velkrund

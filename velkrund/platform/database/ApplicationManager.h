@@ -60,6 +60,8 @@ class TApplicationManager {
   virtual std::string LString(std::string_view Key) const = 0;
   /// A line for the platform's trace. Never raises.
   virtual void WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept = 0;
+  /// For whoever shows progress: what begins now takes its time, and there is nothing to count. Never raises.
+  virtual void Notice(const std::string& /*Text*/) noexcept {}
   /// Presents an error that nobody else can handle. Never raises.
   virtual void ReportError(const std::exception& Error) noexcept = 0;
 };

@@ -6,12 +6,15 @@
 
 namespace velkrund {
 
-void EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
-  BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);
+std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
+  BaseMng().Notice(Format("emptying the table '%s'", Table.TableName()));
+  const std::int64_t Deleted = BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);
   if (const std::int64_t Rows = Table.RecordCount())
     throw EDatabaseError(
         Format("Cannot empty the table '%s': %d of its rows stay, kept by a trigger or a rule of the database",
-               Table.TableName(), Rows));
+               Table.TableName(), Rows),
+        {.Code = TErrorCode::RowRefused, .Table = Table.TableName()});
+  return Deleted;
 }
 
 }  // namespace velkrund

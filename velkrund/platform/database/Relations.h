@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,6 +33,8 @@ class TTableLoading {
   /// Whether the table's rows still have to be deleted before the next rows come: not after Begin emptied it, nor after
   /// SetLoaded. False for a table that is no target.
   virtual bool Empties(const std::string& Table) const = 0;
+  /// How many rows of the table Begin has deleted.
+  virtual std::int64_t DeletedRows(const std::string& Table) const = 0;
   /// Rows were loaded; what comes for the table later is added.
   virtual void SetLoaded(const std::string& Table) = 0;
   /// Tables whose keys the engine cannot check, in its words; known once Begin has returned.

@@ -39,6 +39,8 @@ std::string_view ErrorCodeText(TErrorCode Code) {
       return "file-write";
     case TErrorCode::DiskFull:
       return "disk-full";
+    case TErrorCode::PipeClosed:
+      return "pipe-closed";
     case TErrorCode::FileKind:
       return "file-kind";
     case TErrorCode::FileStructure:
@@ -97,6 +99,8 @@ TErrorCode FileErrorCode(int Error) {
     case std::errc::no_space_on_device:
     case std::errc::file_too_large:
       return TErrorCode::DiskFull;
+    case std::errc::broken_pipe:
+      return TErrorCode::PipeClosed;
     default:
       return TErrorCode::Other;
   }

@@ -21,6 +21,7 @@ enum class TErrorCode {
   FileRead,
   FileWrite,
   DiskFull,
+  PipeClosed,       // by its reader
   FileKind,         // it is no export/import file
   FileStructure,    // headers and marker lines
   SectionMissing,   // named, and not in the file

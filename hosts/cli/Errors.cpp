@@ -31,7 +31,7 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
   const TErrorInfo& Info = Error.Info;
   const bool InFile = Info.Line > 0 && Info.File != "standard input";
   if (Info.Code == TErrorCode::FileStructure && InFile && Error.Message.find("end not found") != std::string::npos)
-    return Format("if an export was broken off there, velkrund file repair '%s' cuts it off", Info.File);
+    return Format("velkrund file repair '%s' cuts off what an export has left unfinished", Info.File);
   const bool Checks = Session.Interface && Session.Interface->ClassType() == TInterfaceClass(TJobCheckFiles::Interface);
   if (IsAboutFile(Info.Code) && InFile && !Checks)
     return Format("velkrund file check '%s' names every fault", Info.File);
@@ -42,13 +42,13 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
   return {};
 }
 
-/// The end of the line: how it goes on behind a message.
-std::string RemedyText(const TSession& Session, const TErrorFacts& Error) {
-  const auto Behind = [&](const std::string& Remedy) { return (Error.Message.ends_with('.') ? " " : "; ") + Remedy; };
+/// How a line goes on behind the error itself.
+std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::string_view Line) {
+  const auto Behind = [&](const std::string& Remedy) { return (Line.ends_with('.') ? " " : "; ") + Remedy; };
   for (const auto& [Code, Property, Text] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
-    return Text.empty() ? Format(" (%s)", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
+    return Text.empty() ? Format(": %s", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
   }
   const std::string Remedy = OtherRemedy(Session, Error);
   return Remedy.empty() ? Remedy : Behind(Remedy);
@@ -70,7 +70,8 @@ void SayError(const TSession& Session, const TErrorFacts& Error) {
   if (Session.Console.TellsEvents()) return;
   // Whoever reads results and has seen enough knows it; only data would be missed.
   if (Error.Info.Code == TErrorCode::PipeClosed && !Session.Command.WritesStandardOutput()) return;
-  std::string Line = "velkrund: " + ErrorLine(Error) + RemedyText(Session, Error);
+  std::string Line = "velkrund: " + ErrorLine(Error);
+  Line += RemedyText(Session, Error, Line);
   if (Session.Command.Shared.Verbose) Line += "\n" + ErrorDetails(Error);
   Session.Console.Message(Line);
 }

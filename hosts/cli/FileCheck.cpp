@@ -66,10 +66,12 @@ void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
   if (File.Error) {
     const auto Count = static_cast<std::int64_t>(File.Sections.size());
-    Say(File.Text + ": " + (File.IsOpen ? "faulty behind " + Counted(Count, "section") : "cannot be opened"));
+    const bool IsForeign = File.Error->Info.Code == TErrorCode::FileKind;
+    Say(File.Text + ": " +
+        (!File.IsOpen ? "cannot be opened"
+         : IsForeign  ? "no section"
+                      : "faulty behind " + Counted(Count, "section")));
     SayError(FSession, *File.Error);
-  } else if (File.Sections.empty()) {
-    Say(File.Text + ": no section");
   }
 }
 

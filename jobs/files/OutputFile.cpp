@@ -7,19 +7,13 @@
 #include <system_error>
 
 #include "jobs/files/FileBeside.h"
+#include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/SectionRemoval.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
-
-namespace {
-
-constexpr char CommentMark = ';';
-
-}  // namespace
 
 TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TComplain Complain)
     : FFiles(Files), FComplain(std::move(Complain)), FName(Name) {
@@ -63,17 +57,9 @@ void TOutputFile::RemoveUnlessUsed() {
 }
 
 void TOutputFile::RefuseForeignFile() {
-  if (FFile->Sections().Count() > 0) return;
-  std::string Start(4096, '\0');
-  FFile->Stream().SetPosition(0);
-  Start.resize(FFile->Stream().Read(Start.data(), Start.size()));
-  std::string_view Text = Start;
-  if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
-  Text = Trim(Text);
-  if (!Text.empty() && Text.front() != CommentMark)
-    throw EFOpenError(
-        Format("File '%s' is there already and is not an export/import file: nothing is added to it", FName),
-        {.Code = TErrorCode::FileKind, .File = FName});
+  if (const std::optional<TForeignKind> Kind = ForeignKind(*FFile))
+    throw EFOpenError(Format("File '%s' is there already and is %s: nothing is added to it", FName, Kind->What),
+                      {.Code = TErrorCode::FileKind, .File = FName});
 }
 
 TOutputFile::~TOutputFile() {

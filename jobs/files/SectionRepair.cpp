@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "jobs/files/FileBeside.h"
+#include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/database/ApplicationManager.h"
@@ -193,7 +194,10 @@ TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std
   Result.Position = OpenAndFindCut(File, Canceled, Result.Fault);
   Result.SectionsLeft = File.Sections().Count();
   RemoveLeftBeside(Files, Path);
-  if (Result.Position < 0) return Result;
+  if (Result.Position < 0) {
+    RefuseForeignFile(File, Path);
+    return Result;
+  }
   Result.Bytes = File.Stream().Size() - Result.Position;
   const std::string CutFile = CutName(Files, File, Result.Position, Canceled);
   const bool IsThere = Files.Exists(CutFile);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jobs/files/FileKind.h"
 #include "jobs/files/StrayMarkers.h"
 #include "jobs/report/ErrorReport.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -57,9 +58,8 @@ void TImportJob::LookAt(TInputFile& Input) {
   std::vector<std::string> Hidden;
   try {
     Input.Open();
+    RequireSections(Input.File(), Input.Name());
     Hidden = NoteLines(Input);
-    if (GoesOnWithoutFile() && Input.File().Sections().Count() == 0)
-      throw EEIError(Format("'%s' holds no section%s%s", Input.Name(), Hidden.empty() ? "" : ": ", Joined(Hidden)));
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {

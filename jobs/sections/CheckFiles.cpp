@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jobs/files/FileKind.h"
 #include "jobs/files/SectionChoice.h"
 #include "jobs/files/StrayMarkers.h"
 #include "jobs/report/ErrorReport.h"
@@ -112,6 +113,7 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
 bool TJobCheckFiles::Open(TInputFile& Input, TCheckedFile& Result) {
   try {
     Input.Open();
+    RequireSections(Input.File(), Input.Name());
   } catch (const EAbort&) {
     FTotals.Cancelled = true;
     return false;

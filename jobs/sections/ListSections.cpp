@@ -1,5 +1,6 @@
 #include "jobs/sections/ListSections.h"
 
+#include "jobs/files/FileKind.h"
 #include "jobs/files/InputFile.h"
 #include "jobs/report/ErrorReport.h"
 
@@ -59,6 +60,7 @@ void TJobListSections::Run() {
     if (Input.File().Sections().Count() == 0) throw;
     FFault = std::current_exception();
   }
+  RefuseForeignFile(Input.File(), Input.Name());
   const TEISectionList& Sections = Input.File().Sections();
   FFound.reserve(static_cast<std::size_t>(Sections.Count()));
   for (int Index = 0; Index < Sections.Count(); ++Index) FFound.push_back(Listed(Sections[Index]));

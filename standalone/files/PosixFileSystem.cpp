@@ -121,7 +121,11 @@ bool IsCreating(TFileMode Mode) { return Mode == TFileMode::Create || Mode == TF
 }
 
 [[noreturn]] void RaiseNotOpened(TFileMode Mode, const std::string& Path, int Error) {
-  RaiseNotOpened(Mode, Path, Reason(Error), FileErrorCode(Error));
+  std::string Why = Reason(Error);
+  // What is missing is the folder.
+  if (IsCreating(Mode) && Error == ENOENT && Path.rfind('/') != std::string::npos)
+    Why = Format("there is no folder '%s'", Path.substr(0, Path.rfind('/')));
+  RaiseNotOpened(Mode, Path, Why, FileErrorCode(Error));
 }
 
 int OpenFlags(TFileMode Mode) {

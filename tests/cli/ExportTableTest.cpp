@@ -163,14 +163,14 @@ TEST_F(TExportTableTest, FilesThatCanNotBeUsed) {
   };
   const TCase Cases[] = {
       {Export({"-t", "A", "-o", "text.txt"}), "is not an export/import file"},
-      {Export({"-t", "A", "-o", "shop.db"}), "is not an export/import file"},
-      {Export({"-t", "A", "-o", "missing/F"}), "No such file or directory"},
+      {Export({"-t", "A", "-o", "shop.db"}), "is an SQLite database: nothing is added to it"},
+      {Export({"-t", "A", "-o", "missing/F"}), "there is no folder 'missing'"},
       {Export({"-t", "A", "-o", ".captured"}), "Is a directory"},
       {Export({"-t", "A", "-o", "locked.eif", "--add"}), "in use"},
       {Export({"-t", "A", "-o", "/dev/full"}), "No space left on device"},
       {{"file", "remove", "locked.eif", "0"}, "in use"},
       {{"import", "table", "-d", "sqlite:empty.db", "-i", "missing"}, "Cannot open file 'missing': No such file"},
-      {{"import", "table", "-d", "sqlite:empty.db", "-i", "text.txt"}, "holds no table data section"},
+      {{"import", "table", "-d", "sqlite:empty.db", "-i", "text.txt"}, "is not an export/import file: no line of it"},
       {{"export", "table", "-d", "sqlite:none.db", "-t", "A", "-o", "F"}, "does not exist"},
       {{"export", "table", "-d", "other:x", "-t", "A", "-o", "F"}, "unknown scheme"},
       {{"database", "info", "-d", "sqlite:text.txt"}, "text.txt"},

@@ -77,15 +77,14 @@ TEST_F(TFileRepairTest, OnlyWhatNeverEndedIsCut) {
     EXPECT_EQ(Outcome.ExitCode, Case.IsCut ? 0 : 1) << Case.Tail.substr(0, 99);
     EXPECT_EQ(Read("F"), Case.IsCut ? Good : Good + Case.Tail);
     EXPECT_EQ(Read("F.cut"), Case.IsCut ? Case.Tail : "");
-    EXPECT_NE(Outcome.Errors.find("Version is not numeric value (Position:108).; FileName: F; Line: 9 "),
-              std::string::npos)
-        << Outcome.Errors;
+    EXPECT_NE(Outcome.Errors.find("Version is not numeric value (Position:108)."), std::string::npos) << Outcome.Errors;
     EXPECT_EQ(Outcome.Errors.find("cutting cannot mend it; nothing was changed") == std::string::npos, Case.IsCut);
     unlink(Path("F.cut").c_str());
   }
   for (const char* Sound : {"", "; a comment\r\n", "no [SEC", "\n[SEC", "[SECTION]x\r\n[SECTIOM"}) {
     Write("F", Sound);
-    EXPECT_EQ(Repair().Errors, "nothing to repair: 'F' has 0 sections\n") << Sound;
+    const bool IsOurs = *Sound == '\0' || *Sound == ';';
+    EXPECT_EQ(Repair().ExitCode, IsOurs ? 0 : 1) << Sound;
     EXPECT_EQ(Read("F"), Sound);
   }
   EXPECT_EQ(Files(), TArguments{"F"});

@@ -177,7 +177,7 @@ TEST_F(THostsTest, DoAndRefuseTheSame) {
        "full.db",
        "w.db",
        1,
-       "is not an export/import file"},
+       "is an SQLite database: nothing is added to it"},
       {{"export", "structure", "-d", "sqlite:w.db", "--all", "-o", "w.eif"},
        {"TJobExportStructuresInterface", D, "FileName=w.eif"},
        "rows.db",

@@ -162,7 +162,7 @@ void TPostgreSQLAppender::RaisePiece(const TPostgreSQLResult& Result) {
   const std::int64_t Last = FRecord - 1;
   const TCopyErrorPlace Place = PlaceOfCopyError(Result, FTableBareName, FNames);
   std::string What = Records(FPieceFirst, Last);
-  TErrorInfo Known{.Table = FTableName, .Column = Place.Column};
+  TErrorInfo Known{.Table = FTableName, .Column = Place.Column, .Record = FPieceFirst == Last ? Last : 0};
   if (Place.Line >= 1 && Place.Line <= FRecord - FPieceFirst) {
     Known.Record = FPieceFirst + Place.Line - 1;
     What = Records(Known.Record, Known.Record);

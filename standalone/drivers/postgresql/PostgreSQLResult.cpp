@@ -25,10 +25,12 @@ constexpr TStateCode StateCodes[] = {
     {"08", TErrorCode::Connection},        {"42P01", TErrorCode::TableMissing}, {"42703", TErrorCode::FieldMissing},
 };
 
-/// The client library's own messages have several lines.
+/// The client library's own messages have several lines, whose ends are ends of sentences.
 std::string OneLine(std::string_view Text) {
   std::string Result;
   for (const char C : Trim(Text)) {
+    if (C == '\n' && !Result.empty() && std::string_view(".:;,? ").find(Result.back()) == std::string_view::npos)
+      Result += '.';
     const bool Blank = C == '\n' || C == '\t' || C == '\r' || C == ' ';
     if (!Blank)
       Result += C;

@@ -23,7 +23,7 @@ void CheckFile(const std::string& Path, bool CreateMissing) {
   std::error_code Error;
   const std::filesystem::file_status Status = std::filesystem::status(Path, Error);
   if (std::filesystem::is_directory(Status))
-    throw EDatabaseError(Format("The database '%s' is a folder", Path), {.Code = TErrorCode::DatabaseMissing});
+    throw EDatabaseError(Format("The database '%s' is a folder", Path), {.Code = TErrorCode::DatabaseName});
   if (Status.type() == std::filesystem::file_type::not_found && !CreateMissing)
     throw EDatabaseError(Format("The database file '%s' does not exist", Path), {.Code = TErrorCode::DatabaseMissing});
 }

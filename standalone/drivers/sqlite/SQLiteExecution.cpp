@@ -16,7 +16,7 @@ constexpr const char* What = "Cannot execute a statement";
 
 TSQLiteExecution::TSQLiteExecution(const TSQLiteDatabase& Database, const std::string& Text,
                                    std::span<const TKvVariant> Parameters)
-    : FStatement(Database.Handle(), Text, What) {
+    : FStatement(Database.Handle(), Text, What, TSQLiteStatement::TUse::Foreign) {
   CheckSingle(Database.Handle(), Text);
   const int Places = sqlite3_bind_parameter_count(Handle());
   if (Places != static_cast<int>(Parameters.size()))
@@ -34,7 +34,7 @@ TSQLiteExecution::TSQLiteExecution(const TSQLiteDatabase& Database, const std::s
 void TSQLiteExecution::CheckSingle(sqlite3* Database, const std::string& Text) const {
   if (!Handle()) throw EDatabaseError(Format("%s: it is empty", What));
   for (std::string_view Rest = FStatement.Rest(); !Rest.empty();) {
-    const TSQLiteStatement Next(Database, Rest, What);
+    const TSQLiteStatement Next(Database, Rest, What, TSQLiteStatement::TUse::Foreign);
     if (Next.Handle()) throw EDatabaseError(Format("Cannot execute more than one statement at once: %s", Text));
     Rest = Next.Rest();
   }

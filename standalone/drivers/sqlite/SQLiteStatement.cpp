@@ -48,23 +48,23 @@ std::string_view Hint(int Code) {
 
 }  // namespace
 
-void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place) {
+void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place, bool ShowStatement) {
   const int Code = sqlite3_extended_errcode(Database);
   const bool Stopped = (Code & 0xFF) == SQLITE_BUSY && TSQLiteWait::TakeStopped(Database);
   if (Stopped || Code == SQLITE_INTERRUPT) throw EAbort(Format("%s: cancelled", What));
   std::string Message = Format("%s: %s (SQLite error %d)%s", What, sqlite3_errmsg(Database), Code, Hint(Code));
-  if (!Place.Statement.empty()) Message += "; statement: " + Shortened(Place.Statement, MaxStatementInMessage);
+  if (ShowStatement) Message += "; statement: " + Shortened(Place.Statement, MaxStatementInMessage);
   Place.Code = CodeOf(Code);
   Place.EngineCode = std::to_string(Code);
   throw EDatabaseError(Message, std::move(Place));
 }
 
 TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use)
-    : FDatabase(Database), FWhat(std::move(What)) {
+    : FDatabase(Database), FWhat(std::move(What)), FUse(Use) {
   const char* Rest = nullptr;
   const unsigned Flags = Use == TUse::Often ? SQLITE_PREPARE_PERSISTENT : 0;
   if (sqlite3_prepare_v3(Database, Text.data(), static_cast<int>(Text.size()), Flags, &FHandle, &Rest) != SQLITE_OK)
-    RaiseSQLiteError(Database, FWhat, {.Statement = std::string(Text)});
+    RaiseSQLiteError(Database, FWhat, {.Statement = std::string(Text)}, FUse == TUse::Foreign);
   FRest = Text.substr(static_cast<std::size_t>(Rest - Text.data()));
 }
 
@@ -80,7 +80,8 @@ TSQLiteStatement& TSQLiteStatement::BindText(int Place, std::string_view Text) {
 bool TSQLiteStatement::Step() {
   const int Code = sqlite3_step(FHandle);
   if (Code == SQLITE_ROW) return true;
-  if (Code != SQLITE_DONE) RaiseSQLiteError(FDatabase, FWhat, {.Statement = sqlite3_sql(FHandle)});
+  if (Code != SQLITE_DONE)
+    RaiseSQLiteError(FDatabase, FWhat, {.Statement = sqlite3_sql(FHandle)}, FUse == TUse::Foreign);
   return false;
 }
 

@@ -11,14 +11,16 @@ struct sqlite3_stmt;
 
 namespace velkrund {
 
-/// Raises EDatabaseError: What, the engine's message and code, and Place's statement unless it is empty; EAbort when
-/// the connection was told to stop.
-[[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place = {});
+/// Raises EDatabaseError: What, the engine's message and code; EAbort when the connection was told to stop. Place: what
+/// is known beside. ShowStatement: the message ends with its statement.
+[[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place = {},
+                                   bool ShowStatement = false);
 
 /// A prepared statement.
 class TSQLiteStatement {
  public:
-  enum class TUse { Once, Often };
+  /// Foreign: the statement is not the driver's own, so that errors show it.
+  enum class TUse { Once, Often, Foreign };
 
   /// What: how an error message begins, e.g. "Cannot read table 'A'".
   TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use = TUse::Once);
@@ -43,6 +45,7 @@ class TSQLiteStatement {
   sqlite3_stmt* FHandle = nullptr;
   std::string_view FRest;
   std::string FWhat;
+  const TUse FUse;
 };
 
 }  // namespace velkrund

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "velkrund/eif/EIFile.h"
+
+namespace velkrund {
+
+/// What a file is that is no export/import file, and what to do about it: "compressed (gzip)", "unpack it first".
+struct TForeignKind {
+  std::string What;
+  std::string Advice;  // %s: the name of the file; may be empty
+};
+
+/// Looks at the beginning of a file without sections, and moves its stream. Nothing for a file that has sections, and
+/// for one that could get them: with nothing but remarks in it. File: opened.
+std::optional<TForeignKind> ForeignKind(TEIFile& File);
+
+/// Raises EEIError for such a file, and for one whose sections no reader sees. Name: for the message.
+void RefuseForeignFile(TEIFile& File, const std::string& Name);
+/// The same, and for a file without any section.
+void RequireSections(TEIFile& File, const std::string& Name);
+
+}  // namespace velkrund

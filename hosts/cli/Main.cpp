@@ -77,6 +77,8 @@ int RunProgram(int Count, const char* const* Arguments) {
     Console.Result(Line.Text);
     return ExitDone;
   } catch (const EUsage& Error) {
+    if (AsksForDocument(Count, Arguments))
+      Console.Result(ErrorDocument(FactsOf(Error), {}, TEnd::WrongSettings).Text());
     Console.Message(std::string("velkrund: ") + Error.what());
     return ExitUsage;
   } catch (const std::exception& Error) {

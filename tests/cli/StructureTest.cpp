@@ -201,7 +201,10 @@ TEST_F(TStructureTest, ExportFindsStructuresAndSections) {
       {{"--all", "--overwrite", "no"}, 0, "CLIENTS (12) CLIENTS (10) G (71)", "left out structure Clients (12)"},
       {{"--all", "--type", "71"}, 0, "CLIENTS (12) G (71)", ""},
       {{"--all", "--type", "5"}, 0, "CLIENTS (12)", "there are no structures of type 5"},
-      {{"--name", "G", "--name", "CLIENT"}, 1, "CLIENTS (12)", "There is no structure 'CLIENT' in the database"},
+      {{"--name", "G", "--name", "CLIENT"},
+       1,
+       "CLIENTS (12)",
+       "did you mean 'CLIENTS'? (velkrund dictionary list shows what there is)"},
       {{"--name", "G", "--type", "12"}, 1, "CLIENTS (12)", "velkrund dictionary list shows what there is"},
       {{"--name", "G", "--root", "none"}, 1, "CLIENTS (12)", "node not found (OT:71;ON:'G';Node:'none')"},
   };
@@ -333,7 +336,10 @@ TEST_F(TStructureTest, DropsAfterAQuestion) {
       {{"--name", "G"}, 1, "Drop the structure 'G' of type 71? Give --yes", 3},
       {{"--name", "s", "--yes"}, 2, "choose with --type", 3},
       {{"--name", "s", "--type", "12", "--yes"}, 0, "dropped the structure 'S' of type 12", 2},
-      {{"--name", "s", "--type", "12", "--yes"}, 1, "There is no structure 's' of type 12", 2},
+      {{"--name", "s", "--type", "12", "--yes"},
+       1,
+       "of that name there is one of type 10 table (velkrund dictionary list",
+       2},
       {{"--name", "s", "--yes"}, 0, "dropped the structure 'S' of type 10", 1},
   };
   for (const auto& [Options, ExitCode, Says, Left] : Cases) {

@@ -53,13 +53,13 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
       {{"export", "structure", "-o", "F", "--name", "A", "--name", "B", "--root", "R"}, "--root names a node of one"},
       {{"import", "structure", "-i", "F", "--overwrite", "yes", "--merge", "skip"}, "--overwrite and --merge"},
       {{"import", "structure", "-i", "F", "--no-clear-root"}, "--no-clear-root goes with"},
-      {{"import", "structure", "-i", "F", "--type", "0"}, "--type 0 is no type"},
+      {{"import", "structure", "-i", "F", "--type", "0"}, "--type 0 is not a type"},
       {{"dictionary", "show"}, "--name is required"},
       {{"dictionary", "drop", "--type", "12"}, "--name is required"},
       {{"file", "list"}, "FILE is required"},
       {{"file", "remove", "F"}, "INDEX or --name"},
-      {{"file", "remove", "F", "-1"}, "'-1' is no index"},
-      {{"file", "remove", "F", "ORDERS"}, "'ORDERS' is no index"},
+      {{"file", "remove", "F", "-1"}, "'-1' is not an index"},
+      {{"file", "remove", "F", "ORDERS"}, "'ORDERS' is not an index"},
       {{"file", "remove", "-", "0"}, "is a pipe"},
   };
   Write("shop.db", "");

@@ -55,6 +55,7 @@ TEST(Nearest, NamesWhatWasMeantAndGuessesNothingElse) {
   EXPECT_EQ(ContentHint("lins", {"LINES", "B"}, ": it has "), ": it has LINES, B; did you mean 'LINES'?");
   EXPECT_EQ(ContentHint("lins", std::vector<std::string>(100, "LINES"), ": it has "), "; did you mean 'LINES'?");
   EXPECT_EQ(ContentHint("lins", {}, ": it has "), "");
+  EXPECT_EQ(ContentHint("zzz", std::vector<std::string>(100, "L"), ": it has ").substr(0, 14), ": it has L, L,");
 }
 
 TEST(Nearest, IsQuickAmongManyAndLongNames) {

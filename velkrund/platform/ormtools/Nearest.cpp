@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t MostSlips = 4;          // more is another word
 constexpr std::size_t ShortestBeginning = 3;  // fewer letters begin too much
 constexpr std::size_t LongestText = 1000;     // nobody typed more
-constexpr std::size_t MostShownCandidates = 10;
+constexpr std::size_t MostShownBesideGuess = 10;
 
 std::u32string Folded(std::string_view Text) {
   std::u32string Result;
@@ -71,8 +71,9 @@ std::string NearestHint(std::string_view Text, const std::vector<std::string>& C
 }
 
 std::string ContentHint(std::string_view Text, const std::vector<std::string>& Candidates, std::string_view Intro) {
-  const bool IsShort = !Candidates.empty() && Candidates.size() <= MostShownCandidates;
-  return (IsShort ? std::string(Intro) + Joined(Candidates) : "") + NearestHint(Text, Candidates);
+  const std::string Meant = NearestHint(Text, Candidates);
+  if (Candidates.empty() || (Candidates.size() > MostShownBesideGuess && !Meant.empty())) return Meant;
+  return std::string(Intro) + JoinedInShort(Candidates) + Meant;
 }
 
 }  // namespace velkrund

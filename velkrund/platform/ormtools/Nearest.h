@@ -15,8 +15,8 @@ std::string Nearest(std::string_view Text, const std::vector<std::string>& Candi
 /// The same as the end of a message: "; did you mean 'ORDERS'?".
 std::string NearestHint(std::string_view Text, const std::vector<std::string>& Candidates);
 
-/// What there is, where that is short enough for a message, and what was most likely meant: ": it has LINES, ORDERS;
-/// did you mean 'ORDERS'?". Intro: ": it has ".
+/// What there is, and what was most likely meant: ": it has LINES, ORDERS; did you mean 'ORDERS'?". Intro: ": it has ".
+/// Of a long list what was meant is enough; else it is cut.
 std::string ContentHint(std::string_view Text, const std::vector<std::string>& Candidates, std::string_view Intro);
 
 }  // namespace velkrund

@@ -71,7 +71,7 @@ std::string NearestHint(std::string_view Text, const std::vector<std::string>& C
 }
 
 std::string ContentHint(std::string_view Text, const std::vector<std::string>& Candidates, std::string_view Intro) {
-  const std::string Meant = NearestHint(Text, Candidates);
+  std::string Meant = NearestHint(Text, Candidates);
   if (Candidates.empty() || (Candidates.size() > MostShownBesideGuess && !Meant.empty())) return Meant;
   return std::string(Intro) + JoinedInShort(Candidates) + Meant;
 }

@@ -44,7 +44,8 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
 
 /// The end of the line: how it goes on behind a message.
 std::string RemedyText(const TSession& Session, const TErrorFacts& Error) {
-  const auto Behind = [&](const std::string& Remedy) { return (Error.Message.ends_with('.') ? " " : "; ") + Remedy; };
+  const bool IsSentence = Error.Message.ends_with('.') || Error.Message.ends_with('?');
+  const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
   for (const auto& [Code, Property, Text] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;

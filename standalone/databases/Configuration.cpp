@@ -58,7 +58,7 @@ class TConfigurationReader {
   };
 
   std::string Problem(const TEntry& Entry, const std::string& Why) const {
-    return Format("%s, line %d, key '%s': %s", FFileName, LineOf(Entry), Entry.Key, Why);
+    return Format("%s:%d: key '%s': %s", FFileName, LineOf(Entry), Entry.Key, Why);
   }
 
   [[noreturn]] void Raise(const TEntry& Entry, const std::string& Why) const {
@@ -202,7 +202,7 @@ TConfiguration LoadConfiguration(const std::string& FileName) {
     TConfigurationReader(FileName, Result).Read(toml::parse_file(FileName));
   } catch (const toml::parse_error& Failure) {
     const std::int64_t Line = Failure.source().begin.line;
-    throw EConfigurationError(Format("%s, line %d: %s", FileName, Line, Failure.description()),
+    throw EConfigurationError(Format("%s:%d: %s", FileName, Line, Failure.description()),
                               {.File = FileName, .Line = Line});
   }
   return Result;

@@ -204,7 +204,7 @@ TEST_F(TStructureTest, ExportFindsStructuresAndSections) {
       {{"--name", "G", "--name", "CLIENT"},
        1,
        "CLIENTS (12)",
-       "did you mean 'CLIENTS'? (velkrund dictionary list shows what there is)"},
+       "did you mean 'CLIENTS'? velkrund dictionary list shows what there is"},
       {{"--name", "G", "--type", "12"}, 1, "CLIENTS (12)", "velkrund dictionary list shows what there is"},
       {{"--name", "G", "--root", "none"}, 1, "CLIENTS (12)", "node not found (OT:71;ON:'G';Node:'none')"},
   };
@@ -338,7 +338,7 @@ TEST_F(TStructureTest, DropsAfterAQuestion) {
       {{"--name", "s", "--type", "12", "--yes"}, 0, "dropped the structure 'S' of type 12", 2},
       {{"--name", "s", "--type", "12", "--yes"},
        1,
-       "of that name there is one of type 10 table (velkrund dictionary list",
+       "of that name there is one of type 10 table; velkrund dictionary list",
        2},
       {{"--name", "s", "--yes"}, 0, "dropped the structure 'S' of type 10", 1},
   };

@@ -85,7 +85,8 @@ std::string BashOptions(const TDeclaredCommand& Declared) {
     if (!Option.IsArgument()) Words.push_back(Option.Name());
     TakesFiles = TakesFiles || (Option.IsArgument() && Option.Value == FileValue);
   }
-  return Format("      '%s') Options+=' %s'%s ;;\n", Name(Declared), Spaced(Words), TakesFiles ? " Files=yes" : "");
+  return Format("      '%s') Options+=' %s'%s ;;\n", Declared.Command->Name(), Spaced(Words),
+                TakesFiles ? " Files=yes" : "");
 }
 
 }  // namespace
@@ -104,7 +105,8 @@ std::string BashCompletion(const TDeclaredCommands& Commands) {
     Objects += Format("      %s) Words='%s --help' ;;\n", Verb, Spaced(Words));
   }
   for (const TDeclaredCommand& Declared : Commands) {
-    for (const TOption& Option : OptionsOf(Declared)) Values += BashValue("      ", Name(Declared) + " ", Option);
+    for (const TOption& Option : OptionsOf(Declared))
+      Values += BashValue("      ", Declared.Command->Name() + " ", Option);
     Options += BashOptions(Declared);
   }
   return Format(BashScript, Spaced(GeneralNames), Between(GeneralSpellings(Commands, false), " | "), General,

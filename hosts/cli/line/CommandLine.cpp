@@ -55,7 +55,7 @@ class TLine {
   std::string Reached() const {
     if (!IsVerb(Word(0))) return "velkrund";
     const TCommand* const Command = Find(Word(0), Word(1));
-    return "velkrund " + (Command ? NameOf(*Command) : Word(0));
+    return "velkrund " + (Command ? Command->Name() : Word(0));
   }
 
  private:
@@ -127,8 +127,8 @@ class TLine {
     if (Find(Word(1), Word(0))) return Hint({Word(1) + " " + Word(0)});
     TArguments All, OfObject;
     for (const auto& Command : FCommands) {
-      All.push_back(NameOf(*Command));
-      if (Command->Texts().Object == Wrong) OfObject.push_back(NameOf(*Command));
+      All.push_back(Command->Name());
+      if (Command->Texts().Object == Wrong) OfObject.push_back(Command->Name());
     }
     if (!OfObject.empty()) return Hint(OfObject);
     const std::string Guess = NearestHint(Wrong, Known);
@@ -154,9 +154,6 @@ class TLine {
     });
   }
 
-  static std::string NameOf(const TCommand& Command) {
-    return Format("%s %s", Command.Texts().Verb, Command.Texts().Object);
-  }
   /// Empty where there is none.
   const std::string& Word(std::size_t Index) const {
     static const std::string None;

@@ -3,13 +3,8 @@
 #include <algorithm>
 
 #include "hosts/cli/line/CompletionParts.h"
-#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
-
-std::string Name(const TDeclaredCommand& Declared) {
-  return Format("%s %s", Declared.Command->Texts().Verb, Declared.Command->Texts().Object);
-}
 
 std::vector<TOption> OptionsOf(const TDeclaredCommand& Declared) {
   std::vector<TOption> Result;

@@ -14,8 +14,6 @@ using TDeclaredCommands = std::vector<TDeclaredCommand>;
 
 inline constexpr std::string_view FileValue = "FILE";
 
-/// "export table".
-std::string Name(const TDeclaredCommand& Declared);
 /// Its own options; those that all commands have stand once in a script.
 std::vector<TOption> OptionsOf(const TDeclaredCommand& Declared);
 /// The general options that stand alone, or those behind which a value stands, in every spelling.

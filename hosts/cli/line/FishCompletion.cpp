@@ -73,7 +73,7 @@ std::string FishCompletion(const TDeclaredCommands& Commands) {
   for (const TDeclaredCommand& Declared : Commands) {
     Result += "\n";
     for (const TOption& Option : OptionsOf(Declared))
-      Result += FishOption("__velkrund_after -m " + Name(Declared), Option);
+      Result += FishOption("__velkrund_after -m " + Declared.Command->Name(), Option);
   }
   return Result;
 }

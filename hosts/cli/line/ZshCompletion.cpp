@@ -88,7 +88,7 @@ std::string ZshCompletion(const TDeclaredCommands& Commands) {
     Objects += "'--help:tells about the commands') ;;\n";
   }
   for (const TDeclaredCommand& Declared : Commands) {
-    Arguments += Format("      '%s')\n        _arguments -s -S $General", Name(Declared));
+    Arguments += Format("      '%s')\n        _arguments -s -S $General", Declared.Command->Name());
     for (const TOption& Option : OptionsOf(Declared)) Arguments += " \\\n          " + ZshOption(Option);
     Arguments += "\n        ;;\n";
   }

@@ -44,7 +44,8 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
 
 /// How a line goes on behind the error itself.
 std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::string_view Line) {
-  const auto Behind = [&](const std::string& Remedy) { return (Line.ends_with('.') ? " " : "; ") + Remedy; };
+  const bool IsSentence = Line.ends_with('.') || Line.ends_with('?');
+  const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
   for (const auto& [Code, Property, Text] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;

@@ -73,7 +73,7 @@ std::vector<TOptionGroup> TImportStructure::Options() {
 }
 
 void TImportStructure::CheckOptions() {
-  if (FType == 0) throw EUsage("--type 0 is no type to load a structure as");
+  if (FType == 0) throw EUsage("--type 0 is not a type to load a structure as");
   if (FType != AnyType) FJob.ObjectType = FType;
   FJob.CheckSettings();
 }

@@ -67,6 +67,15 @@ int RunReported(TCommand& Command, TConsole& Console) {
   return ExitCode;
 }
 
+/// The same for a line that names no command, or says something wrong to it.
+void PrintUsageDocument(TConsole& Console, const EUsage& Error) {
+  try {
+    Console.Result(ErrorDocument(FactsOf(Error), {}, TEnd::WrongSettings).Text());
+  } catch (const std::exception& Failure) {
+    Console.Message(std::string("velkrund: ") + Failure.what());
+  }
+}
+
 int RunProgram(int Count, const char* const* Arguments) {
   TConsole Console;
   try {
@@ -77,6 +86,7 @@ int RunProgram(int Count, const char* const* Arguments) {
     Console.Result(Line.Text);
     return ExitDone;
   } catch (const EUsage& Error) {
+    if (AsksForDocument(Count, Arguments)) PrintUsageDocument(Console, Error);
     Console.Message(std::string("velkrund: ") + Error.what());
     return ExitUsage;
   } catch (const std::exception& Error) {

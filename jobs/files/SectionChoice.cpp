@@ -4,6 +4,7 @@
 
 #include "velkrund/dictionary/TableData.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -41,11 +42,18 @@ int TheSection(const TEISectionList& Sections, const std::string& Text, const st
   if (IsNumber) {
     const std::optional<std::int32_t> Index = StrToInt32(Text);
     if (Index && *Index < Sections.Count()) return *Index;
-    throw EEIError(Format("'%s' has no section with the index %s: %s", FileName, Text, ContentText(Sections)));
+    throw EEIError(Format("'%s' has no section with the index %s: %s", FileName, Text, ContentText(Sections)),
+                   {.Code = TErrorCode::SectionMissing, .File = FileName, .Section = Text});
   }
   const std::vector<int> Found = SectionsNamed(Sections, Text);
   if (Found.size() == 1) return Found.front();
-  if (Found.empty()) throw EEIError(Format("'%s' has no section '%s': %s", FileName, Text, ContentText(Sections)));
+  if (Found.empty()) {
+    std::vector<std::string> Names;
+    for (int Index = 0; Index < Sections.Count(); ++Index) Names.push_back(Sections[Index].Name());
+    throw EEIError(
+        Format("'%s' has no section '%s': %s%s", FileName, Text, ContentText(Sections), NearestHint(Text, Names)),
+        {.Code = TErrorCode::SectionMissing, .File = FileName, .Section = Text});
+  }
   std::vector<std::string> Texts;
   for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
   throw EEIError(Format("'%s' has several sections of that name, choose by index: %s", FileName, Joined(Texts)));

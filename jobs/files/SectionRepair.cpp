@@ -121,7 +121,7 @@ std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled
     if (File.UnreadPosition() < 0 || !IsStructureFault(Error)) throw;
     if (!WasNeverFinished(File, Canceled))
       throw EEIError(
-          Format("This is no unfinished section at the end of the file, so that cutting cannot mend it; "
+          Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
                  "nothing was changed. %s",
                  Error.what()));
     Fault = Error.what();

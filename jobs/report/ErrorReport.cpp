@@ -48,6 +48,7 @@ std::string ErrorLine(const TErrorFacts& Facts) {
     if (Info.Line > 0) Result += std::to_string(Info.Line) + ":";
     Result += " ";
   }
+  if (Facts.Message.starts_with(Result)) Result.clear();  // it says so itself
   Result += Facts.Message;
   if (const std::string Place = PlaceText(Facts); !Place.empty()) Result += Format(" (%s)", Place);
   return OnOneLine(Result);

@@ -35,7 +35,7 @@ void TJobRemoveSections::CheckSettings() const {
   const auto IsDigit = [](char C) { return C >= '0' && C <= '9'; };
   for (const std::string& Index : Indexes)
     if (Index.empty() || !std::all_of(Index.begin(), Index.end(), IsDigit))
-      throw ESettingsError(Format("'%s' is no index; sections are named with %s", Index, Setting("Names")));
+      throw ESettingsError(Format("'%s' is not an index; sections are named with %s", Index, Setting("Names")));
   if (IsPipe(FileName))
     throw ESettingsError(Format("'%s' is a pipe: there is nothing to take a section out of", FileName));
 }

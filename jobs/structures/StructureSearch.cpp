@@ -3,14 +3,25 @@
 #include "jobs/policies/Policies.h"
 #include "jobs/report/StructureId.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
-void TStructureSearch::Missing(const std::string& What) const {
-  throw EStructureMissing(Format("There is no %s in the database %s", What, FDatabase),
-                          {.Code = TErrorCode::StructureMissing});
+void TStructureSearch::Missing(const std::string& Name, std::int32_t Type) const {
+  std::vector<std::string> Names, OtherTypes;
+  for (const TDSPListItem& Item : FTable.List()) {
+    if (Type == AnyType || Item.ObjectType == Type)
+      Names.push_back(Item.ObjectName);
+    else if (SameText(Item.ObjectName, Name))
+      OtherTypes.push_back(TypeText(Item.ObjectType));
+  }
+  const std::string Hint =
+      OtherTypes.empty() ? NearestHint(Name, Names) : "; of that name there is one of type " + Joined(OtherTypes);
+  throw EStructureMissing(Format("There is no structure '%s'%s in the database %s%s", Name,
+                                 Type == AnyType ? "" : Format(" of type %d", Type), FDatabase, Hint),
+                          {.Code = TErrorCode::StructureMissing, .Value = Name, .Database = FDatabase});
 }
 
 TDSPListItem TStructureSearch::FindOfAnyType(const std::string& Name) {
@@ -19,7 +30,7 @@ TDSPListItem TStructureSearch::FindOfAnyType(const std::string& Name) {
     for (const TDSPListItem& Item : FTable.List()) FByName->emplace(LowerCase(Item.ObjectName), Item);
   }
   const auto [First, End] = FByName->equal_range(LowerCase(Name));
-  if (First == End) Missing(Format("structure '%s'", Name));
+  if (First == End) Missing(Name, AnyType);
   if (std::next(First) == End) return First->second;
   std::vector<std::string> Types;
   for (auto Found = First; Found != End; ++Found) Types.push_back(TypeText(Found->second.ObjectType));
@@ -30,7 +41,7 @@ TDSPListItem TStructureSearch::FindOfAnyType(const std::string& Name) {
 TDSPListItem TStructureSearch::Find(const std::string& Name, std::int32_t Type) {
   if (Type == AnyType) return FindOfAnyType(Name);
   std::optional<TDSPListItem> Item = FTable.GetStructureProperties(Name, Type);
-  if (!Item) Missing(Format("structure '%s' of type %d", Name, Type));
+  if (!Item) Missing(Name, Type);
   return *Item;
 }
 

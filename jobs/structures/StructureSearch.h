@@ -29,7 +29,7 @@ class TStructureSearch {
 
  private:
   TDSPListItem FindOfAnyType(const std::string& Name);
-  [[noreturn]] void Missing(const std::string& What) const;
+  [[noreturn]] void Missing(const std::string& Name, std::int32_t Type) const;
 
   TDSPTable& FTable;
   const std::string FDatabase;

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "velkrund/platform/ormtools/Exceptions.h"
+#include "jobs/tables/TableSearch.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
@@ -44,12 +44,11 @@ std::vector<TItem> TJobExportTables::Plan() {
   FOperation.Fields = TStringList(Fields);
   std::vector<TItem> Result;
   std::set<std::string> Seen;
+  const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
   for (const std::string& Name : Tables.empty() ? AllTables() : Tables) {
-    const std::unique_ptr<TTable> Table = Manager().GetUserTable(Name, DatabaseName, false);
-    if (!Table) throw EDatabaseError(Format("There is no table '%s' in the database %s", Name, FOutcome.Database));
-    for (const std::string& Field : Fields)
-      if (!Table->FindField(Field))
-        throw EDatabaseError(Format("There is no field '%s' in the table '%s'", Field, Table->TableName()));
+    const std::unique_ptr<TTable> Table = Search.Find(Name, false);
+    if (!Table) Search.Missing(Name);
+    for (const std::string& Field : Fields) Search.RequireField(*Table, Field);
     if (!Seen.insert(Table->TableName()).second) continue;
     TItem Item;
     Item.Section = SectionName.empty() ? Table->TableName() : SectionName;

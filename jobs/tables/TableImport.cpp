@@ -8,6 +8,7 @@
 #include "velkrund/eif/EIErrors.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
@@ -21,8 +22,11 @@ std::string RowsText(const std::string& Table, std::int64_t Rows) {
 
 }  // namespace
 
-TTableImport::TTableImport(TApplicationManager& Manager, const TPolicies& Policies, TSettings Settings)
-    : FManager(Manager), FPolicies(Policies), FSettings(std::move(Settings)), FFields(FSettings.Fields) {}
+TTableImport::TTableImport(TStandaloneManager& Manager, const TPolicies& Policies, TSettings Settings)
+    : FPolicies(Policies),
+      FSettings(std::move(Settings)),
+      FSearch(Manager, FSettings.DatabaseName, FSettings.DatabaseText),
+      FFields(FSettings.Fields) {}
 
 TTableImport::TTarget& TTableImport::TargetFor(TTable& Table) {
   const auto IsIt = [&](const TTarget& Target) { return Target.Table == Table.TableName(); };
@@ -39,10 +43,8 @@ TTableImport::TTarget& TTableImport::TargetFor(TTable& Table) {
 void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) {
   const TEISectionList& Sections = Input.File().Sections();
   Item.Table = FSettings.TableName.empty() ? TableOf(Sections[Index]) : FSettings.TableName;
-  const std::unique_ptr<TTable> Table = FManager.GetUserTable(Item.Table, FSettings.DatabaseName, true);
-  if (!Table && FSettings.HasToFit)
-    throw EDatabaseError(Format("There is no table '%s' in the database %s; it is wanted for %s", Item.Table,
-                                FSettings.DatabaseText, SectionText(Sections, Index)));
+  const std::unique_ptr<TTable> Table = FSearch.Find(Item.Table, true);
+  if (!Table && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
   if (!Table) return;  // the import of the section says so
   if (FSettings.HasToFit) CheckFields(Input, Index, *Table);
   Item.Table = Table->TableName();
@@ -62,12 +64,18 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) cons
   for (const std::string& Field : FSettings.Fields)
     if (!InFile(Field))
       throw EEIError(
-          Format("There is no field '%s' in %s: it has %s", Field, SectionText(Sections, Index), Joined(*Names)));
+          Format("There is no field '%s' in %s%s", Field, SectionText(Sections, Index),
+                 ContentHint(Field, *Names, ": it has ")),
+          {.Code = TErrorCode::FieldMissing, .File = Input.Name(), .Section = Sections[Index].Name(), .Column = Field});
   const std::vector<std::string>& Wanted = FSettings.Fields.empty() ? *Names : FSettings.Fields;
   const auto InTable = [&](const std::string& Field) { return Table.FindField(Field) != nullptr; };
   if (std::none_of(Wanted.begin(), Wanted.end(), InTable))
     throw EEIError(Format("The table '%s' has none of the fields of %s: %s", Table.TableName(),
-                          SectionText(Sections, Index), Joined(Wanted)));
+                          SectionText(Sections, Index), JoinedInShort(Wanted)),
+                   {.Code = TErrorCode::FieldMissing,
+                    .File = Input.Name(),
+                    .Section = Sections[Index].Name(),
+                    .Table = Table.TableName()});
 }
 
 void TTableImport::RefuseUnanswered() const {

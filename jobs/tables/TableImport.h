@@ -5,6 +5,7 @@
 
 #include "jobs/policies/Policies.h"
 #include "jobs/run/ImportJob.h"
+#include "jobs/tables/TableSearch.h"
 
 namespace velkrund {
 
@@ -21,7 +22,7 @@ class TTableImport final : public TImportPart {
   };
 
   /// Manager, Policies: borrowed.
-  TTableImport(TApplicationManager& Manager, const TPolicies& Policies, TSettings Settings);
+  TTableImport(TStandaloneManager& Manager, const TPolicies& Policies, TSettings Settings);
 
   void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) override;
   void Settle(TOutcome& Outcome) override;
@@ -44,9 +45,9 @@ class TTableImport final : public TImportPart {
   void RefuseUnanswered() const;
   const TTarget* Find(std::size_t Number) const;
 
-  TApplicationManager& FManager;
   const TPolicies& FPolicies;
   const TSettings FSettings;
+  const TTableSearch FSearch;
   const TStringList FFields;
   std::vector<TTarget> FTargets;               // by table, in the order in which they were met
   std::map<std::size_t, std::size_t> FPlaces;  // of a section's target, by the number of its item

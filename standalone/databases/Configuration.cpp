@@ -2,7 +2,7 @@
 
 #include <toml++/toml.h>
 
-#include <array>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -10,6 +10,7 @@
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 
 namespace velkrund {
 namespace {
@@ -57,12 +58,14 @@ class TConfigurationReader {
   };
 
   std::string Problem(const TEntry& Entry, const std::string& Why) const {
-    return Format("%s, line %d, key '%s': %s", FFileName, Entry.Node.source().begin.line, Entry.Key, Why);
+    return Format("%s:%d: key '%s': %s", FFileName, LineOf(Entry), Entry.Key, Why);
   }
 
   [[noreturn]] void Raise(const TEntry& Entry, const std::string& Why) const {
-    throw EConfigurationError(Problem(Entry, Why));
+    throw EConfigurationError(Problem(Entry, Why), {.File = FFileName, .Line = LineOf(Entry)});
   }
+
+  static std::int64_t LineOf(const TEntry& Entry) { return Entry.Node.source().begin.line; }
 
   void ReadTable(const toml::table& Table, const std::string& Prefix, const std::vector<TKnownKey>& Known) const {
     for (const auto& [Key, Node] : Table) {
@@ -70,9 +73,15 @@ class TConfigurationReader {
       const TEntry Entry{Prefix + std::string(Name), Node};
       const auto Same = [Name](const TKnownKey& Candidate) { return Candidate.Name == Name; };
       const auto Found = std::find_if(Known.begin(), Known.end(), Same);
-      if (Found == Known.end()) Raise(Entry, "the key is unknown");
+      if (Found == Known.end()) Raise(Entry, "the key is unknown" + KeyHint(Name, Known));
       Found->Read(Entry);
     }
+  }
+
+  static std::string KeyHint(std::string_view Name, const std::vector<TKnownKey>& Known) {
+    std::vector<std::string> Names;
+    for (const TKnownKey& Key : Known) Names.emplace_back(Key.Name);
+    return ContentHint(Name, Names, "; known are ");
   }
 
   const toml::table& Table(const TEntry& Entry) const {
@@ -114,9 +123,11 @@ class TConfigurationReader {
   }
 
   TTraceLevelSetting TraceLevel(const TEntry& Entry) const {
-    constexpr std::array<std::string_view, 4> Names = {"off", "error", "info", "detail"};
-    const auto Found = std::find(Names.begin(), Names.end(), Text(Entry));
-    if (Found == Names.end()) Raise(Entry, "off, error, info or detail is needed");
+    static const std::vector<std::string> Names = {"off", "error", "info", "detail"};
+    const std::string Level = Text(Entry);
+    const auto Found = std::find(Names.begin(), Names.end(), Level);
+    if (Found == Names.end())
+      Raise(Entry, Format("off, error, info or detail is needed, not '%s'%s", Level, NearestHint(Level, Names)));
     return static_cast<TTraceLevelSetting>(Found - Names.begin());
   }
 
@@ -131,9 +142,10 @@ class TConfigurationReader {
 
   void ReadUrl(const TEntry& Entry, TDatabaseEntry& Database) const {
     Database.Url = Text(Entry);
+    Database.Line = LineOf(Entry);
     ReplaceVariables(Entry, Database);
     if (Database.Problem.empty() && !ParseDatabaseUrl(Database.Url))
-      Raise(Entry, Format("'%s' is no database address (SCHEME:...)", WithoutSecrets(Database.Url)));
+      Raise(Entry, Format("'%s' is not a database address (SCHEME:...)", WithoutSecrets(Database.Url)));
   }
 
   void ReplaceVariables(const TEntry& Entry, TDatabaseEntry& Database) const {
@@ -183,12 +195,15 @@ TConfiguration LoadConfiguration(const std::string& FileName) {
   Result.FileName = FileName;
   std::error_code Error;
   if (!std::filesystem::is_regular_file(FileName, Error))
-    throw EConfigurationError(Format("Cannot read the configuration '%s': it is no file", FileName));
+    throw EConfigurationError(Format("Cannot read the configuration '%s': it is not a file", FileName),
+                              {.File = FileName});
   Result.Folder = std::filesystem::absolute(FileName).parent_path().string();
   try {
     TConfigurationReader(FileName, Result).Read(toml::parse_file(FileName));
   } catch (const toml::parse_error& Failure) {
-    throw EConfigurationError(Format("%s, line %d: %s", FileName, Failure.source().begin.line, Failure.description()));
+    const std::int64_t Line = Failure.source().begin.line;
+    throw EConfigurationError(Format("%s:%d: %s", FileName, Line, Failure.description()),
+                              {.File = FileName, .Line = Line});
   }
   return Result;
 }

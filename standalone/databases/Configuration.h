@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@ VELKRUND_EXCEPTION(EConfigurationError, Exception);
 struct TDatabaseEntry {
   std::string Url;           // variables already replaced, where they are set
   std::string Problem = {};  // why the entry cannot be used: a variable that is not set. Other entries may be used
+  std::int64_t Line = 0;     // of the address
 };
 
 enum class TTraceLevelSetting { Off, Error, Info, Detail };

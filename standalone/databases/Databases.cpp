@@ -1,6 +1,7 @@
 #include "standalone/databases/Databases.h"
 
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 
 namespace velkrund {
 
@@ -17,9 +18,19 @@ void TDatabases::SetDefaultDatabase(std::string Name) {
   FNames.erase(std::string());
 }
 
+void TDatabases::RefuseName(const std::string& Name) const {
+  std::vector<std::string> Names;
+  for (const auto& [Known, Entry] : FConfiguration.Databases) Names.push_back(Known);
+  const std::string Shown = WithoutSecrets(Name);
+  throw EDatabaseError(Format("The database '%s' is not in %s, and it is not an address (SCHEME:...)%s", Shown,
+                              FConfiguration.FileName.empty() ? "the configuration" : FConfiguration.FileName,
+                              ContentHint(Name, Names, "; the configuration has ")),
+                       {.Code = TErrorCode::DatabaseName, .Database = Shown});
+}
+
 TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   if (Name.empty() && FDefaultDatabase.empty())
-    throw EDatabaseError("No database is named, and there is no default database");
+    throw EDatabaseError("No database is named, and there is no default database", {.Code = TErrorCode::DatabaseName});
   const std::string& Meant = Name.empty() ? FDefaultDatabase : Name;
   TConnectOptions Options;
   Options.CreateMissing = FCreateMissing;
@@ -30,21 +41,23 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   Options.Trace = FTrace;
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
-    if (!Entry->second.Problem.empty()) throw EConfigurationError(Entry->second.Problem);
+    if (!Entry->second.Problem.empty())
+      throw EConfigurationError(Entry->second.Problem,
+                                {.File = FConfiguration.FileName, .Line = Entry->second.Line, .Database = Meant});
     Address = Entry->second.Url;
     Options.BaseFolder = FConfiguration.Folder;
   } else if (Name.empty() && FDefaultIsConfigured) {
     Options.BaseFolder = FConfiguration.Folder;
   }
   std::optional<TDatabaseUrl> Url = ParseDatabaseUrl(Address);
-  if (!Url)
-    throw EDatabaseError(Format("The database '%s' is not in %s, and it is no address (SCHEME:...)",
-                                WithoutSecrets(Meant),
-                                FConfiguration.FileName.empty() ? "the configuration" : FConfiguration.FileName));
+  if (!Url) RefuseName(Meant);
   const TDriver* Driver = FDrivers.Find(Url->Scheme);
-  if (!Driver)
-    throw EDatabaseError(Format("The database '%s' has the unknown scheme '%s'; known are: %s", WithoutSecrets(Meant),
-                                Url->Scheme, FDrivers.Schemes()));
+  if (!Driver) {
+    const std::string Shown = WithoutSecrets(Meant);
+    throw EDatabaseError(Format("The database '%s' has the unknown scheme '%s'%s", Shown, Url->Scheme,
+                                ContentHint(Url->Scheme, FDrivers.Schemes(), "; known are: ")),
+                         {.Code = TErrorCode::DatabaseName, .Database = Shown});
+  }
   std::string Identity = std::string(Driver->Scheme()) + ":" + Driver->Identity(*Url, Options);
   return {Driver, std::move(*Url), std::move(Options), std::move(Identity)};
 }

@@ -72,6 +72,7 @@ class TDatabases {
   };
 
   void Note(const std::string& Line) { FTrace(TTraceLevel::Detail, Line); }
+  [[noreturn]] void RefuseName(const std::string& Name) const;
   TAddress Resolve(const std::string& Name) const;
   TDatabase& Database(const std::string& Name);
   void Start(const std::string& Name, bool Reads, const std::function<void(TConnection&)>& Begin);

@@ -16,12 +16,9 @@ const TDriver* TDriverRegistry::Find(std::string_view Scheme) const {
   return nullptr;
 }
 
-std::string TDriverRegistry::Schemes() const {
-  std::string Result;
-  for (const auto& Driver : FDrivers) {
-    if (!Result.empty()) Result += ", ";
-    Result += Driver->Scheme();
-  }
+std::vector<std::string> TDriverRegistry::Schemes() const {
+  std::vector<std::string> Result;
+  for (const auto& Driver : FDrivers) Result.emplace_back(Driver->Scheme());
   return Result;
 }
 

@@ -52,8 +52,7 @@ class TDriverRegistry {
   void Add(std::unique_ptr<TDriver> Driver);
   /// Null when there is none of that scheme.
   const TDriver* Find(std::string_view Scheme) const;
-  /// The known schemes, separated by ", ".
-  std::string Schemes() const;
+  std::vector<std::string> Schemes() const;
 
  private:
   std::vector<std::unique_ptr<TDriver>> FDrivers;

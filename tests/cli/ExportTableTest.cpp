@@ -113,9 +113,10 @@ TEST_F(TExportTableTest, AFailureLeavesEverythingAsItWas) {
   const TCase Cases[] = {
       {{"-t", "A", "--encoding", "ansi", "--section", "N"}, false, "velkrund: A text has characters"},
       {{"-t", "A", "--encoding", "ansi", "--overwrite", "yes"}, true, "velkrund: A text has characters"},
-      {{"-t", "NONE"}, false, "no table 'NONE'"},
+      {{"-t", "NONE"}, false, "no table 'NONE' in the database sqlite:shop.db: it has A, B; velkrund"},
       {{"-t", "B", "-t", "NONE"}, true, "no table 'NONE'"},
-      {{"-t", "B", "--fields", "ID,WRONG"}, false, "no field 'WRONG'"},
+      {{"-t", "B", "--fields", "ID,WRONG"}, false, "no field 'WRONG' in the table 'B': it has ID, X\n"},
+      {{"-t", "A", "--fields", "ID,naem"}, false, "it has ID, NAME, PRICE, BIN, AT; did you mean 'NAME'?\n"},
   };
   for (const auto& [Options, FileIsThere, Says] : Cases) {
     unlink(Path("F").c_str());

@@ -14,11 +14,22 @@ struct TWrongLine {
 TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
   const TWrongLine Lines[] = {
       {{}, "export, import, dictionary, file, database"},
-      {{"exprot", "table"}, "did you mean 'export'?"},
+      {{"exprot", "table", "-d", "sqlite:x", "--all"},
+       "there are export, import, dictionary, file, database; did you mean 'export'?"},
+      {{"table", "export", "--all"}, "did you mean 'export table'?"},
+      {{"file", "import"}, "did you mean 'import file'?"},
+      {{"list"}, "did you mean 'dictionary list' or 'file list'?"},
+      {{"frobnicate"}, "'frobnicate' is not a verb: there are export, import, dictionary, file, database\n"},
+      {{"-d", "sqlite:x", "export", "table"}, "'-d' has to stand behind the verb and the object"},
+      {{"--jsno", "file", "list", "F"}, "did you mean '--json'?"},
+      {{"--config"}, "--config takes exactly one value"},
+      {{"--config", "a", "file", "list", "F", "--config", "b"}, "--config takes exactly one value"},
       {{"export"}, "say what to do: table, structure"},
       {{"export", "tabel"}, "did you mean 'table'?"},
       {{"export", "table", "--tabel", "A"}, "did you mean '--table'?"},
-      {{"export", "table", "--zzzzzz"}, "'--zzzzzz' is not understood"},
+      {{"export", "table", "-T", "A"}, "did you mean '-t'?"},
+      {{"export", "table", "--zzzzzz"}, "'--zzzzzz' is not understood here\n"},
+      {{"file", "list", "F", "--", "--jsno"}, "'--jsno' is not understood here\n"},
       {{"export", "table", "-t", "A"}, "--output is required"},
       {{"export", "table", "-o", "F"}, "--table NAME or --all"},
       {{"export", "table", "-o", "F", "-t"}, "--table takes exactly one value"},
@@ -26,6 +37,7 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
       {{"export", "table", "-o", "F", "--all", "-t", "A"}, "--table and --all contradict"},
       {{"export", "table", "-o", "F", "-t", "A", "--add", "--overwrite", "no"}, "--add and --overwrite contradict"},
       {{"export", "table", "-o", "F", "-t", "A", "--overwrite", "maybe"}, "--overwrite takes ask|yes|no, not 'maybe'"},
+      {{"export", "table", "-o", "F", "-t", "A", "--overwrite", "yse"}, "not 'yse'; did you mean 'yes'?"},
       {{"export", "table", "-o", "F", "-t", "A", "--encoding", "utf8", "--release", "rv17"}, "--release rv17"},
       {{"export", "table", "-o", "F", "-t", "A", "-t", "B", "--section", "S"}, "--section names one section"},
       {{"export", "table", "-o", "F", "--all", "--fields", "A"}, "--fields names fields of one table"},
@@ -41,13 +53,13 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
       {{"export", "structure", "-o", "F", "--name", "A", "--name", "B", "--root", "R"}, "--root names a node of one"},
       {{"import", "structure", "-i", "F", "--overwrite", "yes", "--merge", "skip"}, "--overwrite and --merge"},
       {{"import", "structure", "-i", "F", "--no-clear-root"}, "--no-clear-root goes with"},
-      {{"import", "structure", "-i", "F", "--type", "0"}, "--type 0 is no type"},
+      {{"import", "structure", "-i", "F", "--type", "0"}, "--type 0 is not a type"},
       {{"dictionary", "show"}, "--name is required"},
       {{"dictionary", "drop", "--type", "12"}, "--name is required"},
       {{"file", "list"}, "FILE is required"},
       {{"file", "remove", "F"}, "INDEX or --name"},
-      {{"file", "remove", "F", "-1"}, "'-1' is no index"},
-      {{"file", "remove", "F", "ORDERS"}, "'ORDERS' is no index"},
+      {{"file", "remove", "F", "-1"}, "'-1' is not an index"},
+      {{"file", "remove", "F", "ORDERS"}, "'ORDERS' is not an index"},
       {{"file", "remove", "-", "0"}, "is a pipe"},
   };
   Write("shop.db", "");
@@ -67,6 +79,8 @@ TEST_F(TUsageTest, HelpAndVersionGoToStandardOutput) {
       {{"file", "--help"}, "file remove"},
       {{"export", "table", "--help"}, "--overwrite ask|yes|no"},
       {{"import", "table", "-h"}, "--missing-fields skip|error"},
+      {{"-h", "--json", "import", "table", "--zzz"}, "--missing-fields skip|error"},
+      {{"import", "-h", "--zzz"}, "import structure"},
       {{"import", "structure", "-h"}, "--merge skip|replace|difference"},
       {{"file", "list", "-h"}, "file list orders.eif"},
       {{"file", "remove", "-h"}, "--name NAME"},
@@ -78,6 +92,29 @@ TEST_F(TUsageTest, HelpAndVersionGoToStandardOutput) {
     EXPECT_EQ(Outcome.ExitCode, 0) << Joined(Arguments);
     EXPECT_NE(Outcome.Output.find(Says), std::string::npos) << Joined(Arguments) << "\n" << Outcome.Output;
     EXPECT_EQ(Outcome.Errors, "") << Joined(Arguments);
+  }
+}
+
+TEST_F(TUsageTest, GeneralOptionsStandAnywhereAndBehindTheMarkThereAreArguments) {
+  ASSERT_EQ(Shell("printf '\\r\\n' > -odd.eif").ExitCode, 0);
+  const TArguments Lines[] = {{"file", "list", "--json", "--", "-odd.eif"},
+                              {"--json", "file", "list", "--json", "--", "-odd.eif"},
+                              {"-vy", "--progress", "none", "file", "--json", "list", "--", "-odd.eif"},
+                              {"--progress=none", "file", "-y", "list", "--json", "--", "-odd.eif"}};
+  const std::string Expected = Run(Lines[0]).Output;
+  EXPECT_EQ(nlohmann::json::parse(Expected)["sections"].size(), 0U);
+  for (const TArguments& Line : Lines) EXPECT_EQ(Run(Line).Output, Expected) << Joined(Line);
+}
+
+TEST_F(TUsageTest, WrongUsageIsADocumentToo) {
+  for (const TArguments& Line : {TArguments{"--json"},
+                                 {"exprot", "--json"},
+                                 {"--json", "file", "list"},
+                                 {"import", "table", "-i", "F", "--json"}}) {
+    const TOutcome Outcome = Run(Line);
+    EXPECT_EQ(Outcome.ExitCode, 2) << Joined(Line);
+    EXPECT_EQ(nlohmann::json::parse(Outcome.Output)["exitCode"], 2) << Joined(Line);
+    EXPECT_NE(Outcome.Errors, "") << Joined(Line);
   }
 }
 

@@ -28,12 +28,10 @@ class Errors : public testing::Test {
 /// The position behind the last line of a body that ends with it.
 std::string At(const std::string& Body) { return Format("(Position:%d)", Before.size() + Body.size()); }
 
-/// The error about the full name of a node.
-std::string NoName(const char* Action, const char* RootNode) {
-  return Format(
-      "EDSPUtilError: Can not %s DSP structure. '%s' is no full name of a node (OT:12;ON:'S'): of the names "
-      "between '\\' one is empty, begins with a blank or holds ':'",
-      Action, RootNode);
+/// The error about a name that is none of a node.
+std::string NotFound(const char* Action, const char* RootNode) {
+  return Format("EDSPUtilError: Can not %s DSP structure. Specified node not found (OT:12;ON:'S';Node:'%s').", Action,
+                RootNode);
 }
 
 TEST_F(Errors, OfTheLines) {
@@ -59,12 +57,12 @@ TEST_F(Errors, OfTheLines) {
       {Body("    a\n"), "R", Tree + "Invalid level structure ", true},
       {Body("  R\n  a\n"), "R", Tree + "Invalid level structure ", true},
       {Body(""), "R", Tree + "Unexpected end of tree section ", true},
-      {Body("  a\n"), "kept\\", NoName("import", "kept\\"), false},
-      {Body("  a\n"), "\\kept", NoName("import", "\\kept"), false},
-      {Body("  a\n"), "kept\\\\b", NoName("import", "kept\\\\b"), false},
-      {Body("  a\n"), "\\", NoName("import", "\\"), false},
-      {Body("  a\n"), "kept\\a:b", NoName("import", "kept\\a:b"), false},
-      {Body("  a\n"), "kept\\ a", NoName("import", "kept\\ a"), false},
+      {Body("  a\n"), "kept\\", NotFound("import", "kept\\"), false},
+      {Body("  a\n"), "\\kept", NotFound("import", "\\kept"), false},
+      {Body("  a\n"), "kept\\\\b", NotFound("import", "kept\\\\b"), false},
+      {Body("  a\n"), "\\", NotFound("import", "\\"), false},
+      {Body("  a\n"), "kept\\a:b", NotFound("import", "kept\\a:b"), false},
+      {Body("  a\n"), "kept\\ a", NotFound("import", "kept\\ a"), false},
       {Body("  :integer = 1\n"), "", Tree + "Empty name of node ", true},
       {Body("  #12:integer = 1\n"), "", Tree + "Empty name of node ", true},
       {Body("  \n"), "", Tree + "Empty name of node ", true},
@@ -113,8 +111,8 @@ TEST_F(Errors, OfTheValues) {
       {3, "boolean = yes", Node + "yes') for type 3."},
       {3, "double = 1,5", Error + "Invalid node value('1,5') for type 4."},
       {3, "integer = 1.5", "EConvertError: '1.5'" + NoInteger},
-      {2, "integer = 2147483648", Node + "2147483648') for type 2."},
-      {2, "byte = 256", Node + "256') for type 8."},
+      {2, "integer = 2147483648", "EConvertError: '2147483648'" + NoInteger},
+      {2, "byte = 256", "EConvertError: '256'" + NoInteger},
       {2, "SysDate = 2023-02-29", "EConvertError: '2023-02-29' is not a valid date"},
       {2, "Currency = 1,000", "EConvertError: '1,000' is not a valid currency value"},
       {3, "binary = 0A F", Error + "Incorrect binary value"},
@@ -183,10 +181,9 @@ TEST_F(Errors, OfExport) {
 TEST_F(Errors, OfTheStore) {
   const auto Made = Section<TEIDSPStructure>();
   Made->RootNode = "kept\\x";
-  EXPECT_EQ(ErrorOf([&] { Export(*Made); }),
-            "EDSPUtilError: Can not export DSP structure. Specified node not found (OT:12;ON:'S';Node:'kept\\x').");
+  EXPECT_EQ(ErrorOf([&] { Export(*Made); }), NotFound("export", "kept\\x"));
   Made->RootNode = "kept\\";
-  EXPECT_EQ(ErrorOf([&] { Export(*Made); }), NoName("export", "kept\\"));
+  EXPECT_EQ(ErrorOf([&] { Export(*Made); }), NotFound("export", "kept\\"));
   Made->RootNode.clear();
   Made->Item.ObjectType = 10;
   EXPECT_EQ(ErrorOf([&] { Export(*Made); }),

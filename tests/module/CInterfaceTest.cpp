@@ -50,11 +50,18 @@ TEST_F(CPlatform, FailuresAreTexts) {
     std::int64_t Failure = 0;
   } Cases[] = {
       {[&] { return VelkrundCreateOperation("TNone", nullptr) != nullptr; },
-       "EPropertyError:There is no operation class 'TNone'"},
+       "EPropertyError:There is no operation class 'TNone'; VelkrundClassName tells what there is"},
+      {[&] { return VelkrundCreateOperation("TUOImportTableDateInterface", nullptr) != nullptr; },
+       "EPropertyError:There is no operation class 'TUOImportTableDateInterface'; did you mean "
+       "'TUOImportTableDataInterface'?"},
       {[&] { return VelkrundSetProperty(Import, "Nope", "1"); },
        "EPropertyError:TUOImportTableDataInterface has no property 'Nope'"},
       {[&] { return VelkrundSetProperty(Import, "Append", "maybe"); },
-       "EPropertyError:'maybe' is no value for property 'Append'"},
+       "EPropertyError:'maybe' is not a value for property 'Append'; it takes true, false"},
+      {[&] { return VelkrundSetProperty(Import, "Apend", "true"); },
+       "EPropertyError:TUOImportTableDataInterface has no property 'Apend'; its properties are DatabaseName, "
+       "ShowProgress, LastError, Source, SectionNumber, TableName, Append, SkipMissingFields, Fields; did you mean "
+       "'Append'?"},
       {[&] { return VelkrundSetProperty(Import, "LastError", "x"); },
        "EPropertyError:Property 'LastError' is read-only"},
       {[&] { return VelkrundSetFile(Export, "Table", File); }, "EPropertyError:Property 'Table' takes no file"},

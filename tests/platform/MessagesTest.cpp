@@ -6,6 +6,7 @@
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 
 namespace velkrund::tests {
 namespace {
@@ -24,6 +25,44 @@ TEST(Format, FillsPlaceholdersInOrder) {
       {Format(""), ""},
   };
   for (const auto& [Result, Expected] : Rows) EXPECT_EQ(Result, Expected);
+}
+
+TEST(Nearest, NamesWhatWasMeantAndGuessesNothingElse) {
+  const std::vector<std::string> Names = {"LINES",   "ORDERS", "ORDERS_OLD", "A",
+                                          "Клиенты", "shop",   "yes",        "CUSTOMER_ADDRESSES"};
+  const std::pair<const char*, const char*> Rows[] = {
+      {"ORDRES", "ORDERS"},
+      {"orders_odl", "ORDERS_OLD"},
+      {"ORDER", "ORDERS"},
+      {"LNIES", "LINES"},
+      {"клиенти", "Клиенты"},
+      {"КЛЕНТЫ", "Клиенты"},
+      {"shpo", "shop"},
+      {"SHOP", "shop"},
+      {"a", "A"},
+      {"yse", "yes"},
+      {"CUSTMER_ADRESES", "CUSTOMER_ADDRESSES"},
+      {"cust", "CUSTOMER_ADDRESSES"},
+      {"B", ""},
+      {"", ""},
+      {"no", ""},
+      {"maybe", ""},
+      {"кл", ""},
+      {"STAFF", ""},
+      {"ship\xFF", "shop"},
+  };
+  for (const auto& [Text, Meant] : Rows) EXPECT_EQ(Nearest(Text, Names), Meant) << Text;
+  EXPECT_EQ(ContentHint("lins", {"LINES", "B"}, ": it has "), ": it has LINES, B; did you mean 'LINES'?");
+  EXPECT_EQ(ContentHint("lins", std::vector<std::string>(100, "LINES"), ": it has "), "; did you mean 'LINES'?");
+  EXPECT_EQ(ContentHint("lins", {}, ": it has "), "");
+  EXPECT_EQ(ContentHint("zzz", std::vector<std::string>(100, "L"), ": it has ").substr(0, 14), ": it has L, L,");
+}
+
+TEST(Nearest, IsQuickAmongManyAndLongNames) {
+  std::vector<std::string> Names(5'000, std::string(900, 'x'));
+  Names.push_back(std::string(899, 'x') + "y");
+  EXPECT_EQ(Nearest(std::string(898, 'x') + "y", Names), Names.back());
+  EXPECT_EQ(Nearest(std::string(10'000'000, 'x'), Names), "");
 }
 
 /// Throws errors innermost first, each around the one before, and describes what comes out.

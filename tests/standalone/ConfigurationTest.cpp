@@ -9,6 +9,7 @@ namespace velkrund::tests {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 /// Sets a variable of the environment, and how it was before again.
 class TVariable {
@@ -70,27 +71,38 @@ TEST(ConfigurationTest, SaysFileLineAndKeyOfWhatIsWrong) {
     const char* Error;  // behind the file's name
   };
   const TCase Cases[] = {
-      {"\ndefault_databse = 'x'", ", line 2, key 'default_databse': the key is unknown"},
-      {"default_database = 5", ", line 1, key 'default_database': a text is needed"},
-      {"strict_values = 'yes'", ", line 1, key 'strict_values': true or false is needed"},
-      {"code_page = 1200", ", line 1, key 'code_page': a code page of 1250 .. 1258 is needed"},
-      {"busy_seconds = -1", ", line 1, key 'busy_seconds': a number of seconds of 0 .. 86400 is needed"},
-      {"busy_seconds = nan", ", line 1, key 'busy_seconds': a number of seconds of 0 .. 86400 is needed"},
-      {"trace = 'info'", ", line 1, key 'trace': a table is needed"},
-      {"[trace]\nlevel = 'loud'", ", line 2, key 'trace.level': off, error, info or detail is needed"},
-      {"[database]\nshop = 'sqlite:x'", ", line 2, key 'database.shop': a table is needed"},
-      {"[database.shop]", ", line 1, key 'database.shop': the key 'url' is missing"},
+      {"\ndefault_databse = 'x'",
+       ":2: key 'default_databse': the key is unknown; known are default_database, code_page, strict_values, "
+       "strict_text, work_as_17_version, language, busy_seconds, trace, database; did you mean 'default_database'?"},
+      {"default_database = 5", ":1: key 'default_database': a text is needed"},
+      {"strict_values = 'yes'", ":1: key 'strict_values': true or false is needed"},
+      {"code_page = 1200", ":1: key 'code_page': a code page of 1250 .. 1258 is needed"},
+      {"busy_seconds = -1", ":1: key 'busy_seconds': a number of seconds of 0 .. 86400 is needed"},
+      {"busy_seconds = nan", ":1: key 'busy_seconds': a number of seconds of 0 .. 86400 is needed"},
+      {"trace = 'info'", ":1: key 'trace': a table is needed"},
+      {"[trace]\nlevel = 'loud'", ":2: key 'trace.level': off, error, info or detail is needed, not 'loud'"},
+      {"[trace]\nlevel = 'debug'\nfiel = 't'",
+       ":3: key 'trace.fiel': the key is unknown; known are level, file; did you mean 'file'?"},
+      {"[trace]\nlevel = 'Detial'",
+       ":2: key 'trace.level': off, error, info or detail is needed, not 'Detial'; did you mean 'detail'?"},
+      {"[database]\nshop = 'sqlite:x'", ":2: key 'database.shop': a table is needed"},
+      {"[database.shop]", ":1: key 'database.shop': the key 'url' is missing"},
       {"[database.shop]\nurl = 'shop.db'",
-       ", line 2, key 'database.shop.url': 'shop.db' is no database address (SCHEME:...)"},
-      {"[database.shop]\nurl = 'sqlite:x'\npasword = 'x'", ", line 3, key 'database.shop.pasword': the key is unknown"},
-      {"strict_values = true\nstrict_values = ", ", line 2: "},
+       ":2: key 'database.shop.url': 'shop.db' is not a database address (SCHEME:...)"},
+      {"[database.shop]\nurl = 'sqlite:x'\npasword = 'x'",
+       ":3: key 'database.shop.pasword': the key is unknown; known are url"},
+      {"strict_values = true\nstrict_values = ", ":2: "},
   };
   TTemporaryFolder Folder;
   for (const TCase& Case : Cases) {
     const std::string Path = Folder.Write("velkrund.toml", Case.Content);
     EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Path); }), HasSubstr("EConfigurationError: " + Path + Case.Error));
+    const TErrorInfo Info = InfoOf([&] { LoadConfiguration(Path); });
+    EXPECT_EQ(Info.Code, TErrorCode::Configuration);
+    EXPECT_EQ(Info.File, Path);
+    EXPECT_THAT(Case.Error, StartsWith(":" + std::to_string(Info.Line) + ": "));
   }
-  EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Folder / "none.toml"); }), HasSubstr("it is no file"));
+  EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Folder / "none.toml"); }), HasSubstr("it is not a file"));
 }
 
 TEST(ConfigurationTest, AVariableThatIsNotSetConcernsItsDatabaseAlone) {
@@ -102,7 +114,7 @@ TEST(ConfigurationTest, AVariableThatIsNotSetConcernsItsDatabaseAlone) {
   EXPECT_TRUE(Manager.Tables("shop").empty());
   EXPECT_EQ(ErrorOf([&] { Manager.Tables("office"); }),
             "EConfigurationError: " + Path +
-                ", line 2, key 'database.office.url': the environment variable VELKRUND_TEST_UNSET is not set");
+                ":2: key 'database.office.url': the environment variable VELKRUND_TEST_UNSET is not set");
 }
 
 TEST(ConfigurationTest, IsLookedForFromTheNearestPlaceOn) {

@@ -73,10 +73,15 @@ TEST_F(ManagerTest, DatabasesAreFoundByNameAndByAddress) {
       {"", "no error"},
       {"shop", "no error"},
       {"SQLITE:" + Folder / "shop.db", "no error"},
-      {"Shop", "EDatabaseError: The database 'Shop' is not in velkrund.toml, and it is no address (SCHEME:...)"},
+      {"Shop",
+       "EDatabaseError: The database 'Shop' is not in velkrund.toml, and it is not an address (SCHEME:...); the "
+       "configuration has secret, shop; did you mean 'shop'?"},
       {"host=127.0.0.1 password=geheim",
-       "EDatabaseError: The database 'host=127.0.0.1 password=***' is not in velkrund.toml, and it is no address "
-       "(SCHEME:...)"},
+       "EDatabaseError: The database 'host=127.0.0.1 password=***' is not in velkrund.toml, and it is not an address "
+       "(SCHEME:...); the configuration has secret, shop"},
+      {"sqllite:shop.db",
+       "EDatabaseError: The database 'sqllite:shop.db' has the unknown scheme 'sqllite'; known are: sqlite, "
+       "postgresql; did you mean 'sqlite'?"},
       {"secret",
        "EDatabaseError: The database address 'postgresql://me:***' cannot be read: special characters in a URL have "
        "to be written as %XX, a value with blanks between apostrophes"},

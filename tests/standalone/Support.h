@@ -22,6 +22,17 @@ std::string ErrorOf(TCall Call) {
   return "no error";
 }
 
+/// What the error that Call raises carries as data.
+template <typename TCall>
+TErrorInfo InfoOf(TCall Call) {
+  try {
+    Call();
+  } catch (const std::exception& Error) {
+    return FactsOf(Error).Info;
+  }
+  return {};
+}
+
 /// Kind and text of a value: "18 7".
 inline std::string Shown(const TKvVariant& Value) {
   std::string Result = std::to_string(static_cast<int>(Value.Kind())) + " ";

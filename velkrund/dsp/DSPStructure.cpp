@@ -112,14 +112,15 @@ void TEIDSPStructureCommon::CheckRootNode(const char* Action) const {
   if (RootNode.empty()) return;
   for (std::string_view Rest = RootNode;;) {
     const std::size_t End = Rest.find(DSPNameSeparator);
-    if (!IsWritableName(Rest.substr(0, End)))
-      throw EDSPUtilError(Format(
-          "Can not %s DSP structure. '%s' is no full name of a node (%s): of the names between '\\' one is empty, "
-          "begins with a blank or holds ':'",
-          Action, RootNode, Identity()));
+    if (!IsWritableName(Rest.substr(0, End))) RootNodeNotFound(Action);
     if (End == std::string_view::npos) return;
     Rest.remove_prefix(End + 1);
   }
+}
+
+void TEIDSPStructureCommon::RootNodeNotFound(const char* Action) const {
+  throw EDSPUtilError(
+      Format("Can not %s DSP structure. Specified node not found (%s;Node:'%s').", Action, Identity(), RootNode));
 }
 
 std::unique_ptr<TDSPFormManager> TEIDSPStructureCommon::OpenForm() const {

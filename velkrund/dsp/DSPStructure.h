@@ -70,6 +70,7 @@ class TEIDSPStructureCommon : public TEIObject {
   std::string Identity() const;
   /// Raises an error for a RootNode that names no node which a section can hold. Action: "export", "import".
   void CheckRootNode(const char* Action) const;
+  [[noreturn]] void RootNodeNotFound(const char* Action) const;
   std::unique_ptr<TDSPFormManager> OpenForm() const;
   std::string SettingName(const char* Setting) const;
   void WriteRemarks(TEIStream& Stream) const;

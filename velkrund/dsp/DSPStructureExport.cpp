@@ -30,9 +30,7 @@ void TEIDSPStructureCommon::ExportData(TEIStream& Stream) {
       !Manager->LoadPureStructure())
     throw EDSPUtilError(Format("Can not export DSP structure. Error loading DSP form (%s).", Identity()));
   TDSPNode* const Start = Manager->FindSection(RootNode);
-  if (!Start)
-    throw EDSPUtilError(
-        Format("Can not export DSP structure. Specified node not found (%s;Node:'%s').", Identity(), RootNode));
+  if (!Start) RootNodeNotFound("export");
   const auto Texts = NodeTexts();
   TDSPTreeWriter Writer(Stream, *Texts, Item.ObjectType == ExecStoredProcObjectType);
   Writer.Write(*Start, !RootNode.empty(), [this] {

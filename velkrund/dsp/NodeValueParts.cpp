@@ -69,7 +69,6 @@ bool ReadInteger(std::string_view Text, TKvKind Kind, TKvVariant& Value) {
 
 void ReadNodeInteger(std::string_view Text, TDSPValueType Type, TKvVariant& Value) {
   if (ReadInteger(Text, KindOfType(Type), Value)) return;
-  if (StrToInt64(Text)) InvalidNodeValue(Text, Type);
   throw EConvertError(Format("'%s' is not a valid integer value", Text));
 }
 

@@ -18,7 +18,7 @@ double ReadReal(std::string_view Text, TDSPValueType Type);
 
 /// Reads a decimal of an integer kind; false when it is none, or outside the kind's range.
 bool ReadInteger(std::string_view Text, TKvKind Kind, TKvVariant& Value);
-/// The same for a node: EConvertError for what is no integer, InvalidNodeValue for one outside the range.
+/// The same for a node: EConvertError for what is no integer of the type, one outside its range too.
 void ReadNodeInteger(std::string_view Text, TDSPValueType Type, TKvVariant& Value);
 
 /// Bytes as pairs of hexadecimal digits with one blank between: "0A FF 10".

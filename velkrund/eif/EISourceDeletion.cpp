@@ -72,7 +72,7 @@ void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
       Start = Stream().Position();
       if (Stream().Peek().empty())
         throw EReadError(
-            Format("Cannot remove section %d: its beginning is no more there (Position:%d). The file was "
+            Format("Cannot remove section %d: its beginning is no longer there (Position:%d). The file was "
                    "changed meanwhile; open it again",
                    Index, Start));
     }

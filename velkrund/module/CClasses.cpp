@@ -5,6 +5,7 @@
 #include "velkrund/module/Module.h"
 #include "velkrund/operations/OperationErrors.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 
 namespace velkrund {
 
@@ -71,7 +72,11 @@ TInterfaceClass InterfaceClassNamed(const char* Name) {
   RequireCArgument(Name, "ClassName");
   StartModule();
   if (const TInterfaceClass Class = InterfaceClasses().Find(Name)) return Class;
-  throw EPropertyError(Format("There is no operation class '%s'", Name));
+  std::vector<std::string> Names;
+  for (const TInterfaceClass& Class : InterfaceClasses().All()) Names.emplace_back(Class.Name());
+  const std::string Hint = NearestHint(Name, Names);
+  throw EPropertyError(Format("There is no operation class '%s'%s", Name,
+                              Hint.empty() ? "; VelkrundClassName tells what there is" : Hint));
 }
 
 }  // namespace velkrund

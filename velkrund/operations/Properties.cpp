@@ -3,6 +3,7 @@
 #include "velkrund/operations/OperationErrors.h"
 #include "velkrund/operations/UtilOperationInterface.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -13,7 +14,10 @@ namespace {
 const TProperty& PropertyOf(const TUtilOperationInterface& Object, std::string_view Name) {
   const TInterfaceClass Class = Object.ClassType();
   if (const TProperty* Property = Class.Properties().Find(Name)) return *Property;
-  throw EPropertyError(Format("%s has no property '%s'", Class.Name(), Name));
+  std::vector<std::string> Names;
+  for (const TProperty* const Property : Class.Properties().All()) Names.emplace_back(Property->Name);
+  throw EPropertyError(
+      Format("%s has no property '%s'%s", Class.Name(), Name, ContentHint(Name, Names, "; its properties are ")));
 }
 
 bool HoldsType(const TPropertyValue& Value, TPropertyType Type) {
@@ -95,6 +99,13 @@ std::optional<TPropertyValue> ParseValue(const TProperty& Property, std::string_
   return std::nullopt;
 }
 
+/// What the property takes, where that can be listed.
+std::string ValuesHint(const TProperty& Property, std::string_view Text) {
+  std::vector<std::string> Values(Property.EnumNames.begin(), Property.EnumNames.end());
+  if (Property.Type == TPropertyType::Boolean) Values = {"true", "false"};
+  return ContentHint(Text, Values, "; it takes ");
+}
+
 }  // namespace
 
 const TProperty* TPropertyTable::Find(std::string_view Name) const {
@@ -127,7 +138,9 @@ void SetProperty(TUtilOperationInterface& Object, std::string_view Name, const T
 void SetPropertyText(TUtilOperationInterface& Object, std::string_view Name, std::string_view Text) {
   const TProperty& Property = PropertyOf(Object, Name);
   const auto Value = ParseValue(Property, Text);
-  if (!Value) throw EPropertyError(Format("'%s' is no value for property '%s'", Text, Property.Name));
+  if (!Value)
+    throw EPropertyError(
+        Format("'%s' is not a value for property '%s'%s", Text, Property.Name, ValuesHint(Property, Text)));
   SetProperty(Object, Property.Name, *Value);
 }
 

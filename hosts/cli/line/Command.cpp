@@ -1,5 +1,6 @@
 #include "hosts/cli/line/Command.h"
 
+#include <algorithm>
 #include <map>
 
 namespace velkrund {
@@ -46,6 +47,11 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
       break;
   }
   return "--yes";
+}
+
+const TOptionGroup& GeneralOptions(const std::vector<TDeclaredCommand>& Commands) {
+  const std::vector<TOptionGroup>& Groups = Commands.front().Groups;
+  return *std::find_if(Groups.begin(), Groups.end(), [](const TOptionGroup& Group) { return Group.IsGeneral; });
 }
 
 std::string OptionOf(std::string_view Property) {

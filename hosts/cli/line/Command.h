@@ -65,5 +65,7 @@ struct TDeclaredCommand {
   const TCommand* Command;
   std::vector<TOptionGroup> Groups;
 };
+/// The options that all of them have. Commands: at least one.
+const TOptionGroup& GeneralOptions(const std::vector<TDeclaredCommand>& Commands);
 
 }  // namespace velkrund

@@ -1,230 +1,216 @@
 #include "hosts/cli/line/CommandLine.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
-#include <numeric>
 
 #include "hosts/cli/line/Completion.h"
 #include "hosts/cli/line/Help.h"
 #include "hosts/cli/line/ManualPage.h"
-#include "hosts/cli/render/Texts.h"
+#include "hosts/cli/line/OptionParser.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Nearest.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
 namespace {
 
-struct TParsedOption {
-  TOption Option;
-  CLI::Option* Parser;  // owned by its application
-};
+using TArguments = std::vector<std::string>;
 
-struct TParsedCommand {
-  TCommand* Command;
-  CLI::App* Parser;  // owned by the application
-  TDeclaredCommand Declared;
-  std::vector<TParsedOption> Options;
-};
+bool IsOption(const std::string& Argument) { return Argument.size() > 1 && Argument.starts_with('-'); }
 
-/// The commands as the parser sees them: the program, its verbs, their objects.
-class TParser {
+bool HasName(const TOption& Option, const std::string& Name) {
+  const std::vector<std::string> Names = CommaSeparated(Option.Names);
+  return std::find(Names.begin(), Names.end(), Name) != Names.end();
+}
+
+/// The arguments that may be options.
+TArguments BeforeTheEnd(const TArguments& Arguments) {
+  return {Arguments.begin(), std::find(Arguments.begin(), Arguments.end(), "--")};
+}
+
+TArguments ArgumentsOf(int Count, const char* const* Arguments) {
+  return Count > 1 ? TArguments(Arguments + 1, Arguments + Count) : TArguments();
+}
+
+class TLine {
  public:
-  explicit TParser(const TCommands& Commands) : FCommands(Commands), FApplication("", "velkrund") {
-    FApplication.require_subcommand(1)->allow_extras();
-    FApplication.set_version_flag("--version", Format("velkrund %s\n", VelkrundVersion()));
-    FApplication.add_flag_callback("--manual", [this] { Print(ManualPage(Declared())); });
-    FApplication.add_option("--completion", [this](const CLI::results_t& Values) {
-      if (!IsCompletedShell(Values.back()))
-        Refuse(Format("--completion takes %s, not '%s'", CompletedShells, Values.back()));
-      Print(Completion(Declared(), Values.back()));
-      return true;
-    });
-    for (const auto& Command : Commands) Add(*Command);
+  TLine(const TCommands& Commands, TArguments Arguments) : FCommands(Commands), FArguments(std::move(Arguments)) {
+    for (const auto& Command : Commands) FDeclared.push_back({Command.get(), Command->Options()});
+    const TArguments Options = BeforeTheEnd(FArguments);
+    FAsksHelp = std::any_of(Options.begin(), Options.end(),
+                            [](const std::string& Argument) { return Argument == "-h" || Argument == "--help"; });
   }
 
-  TParsedLine Parse(int Count, const char* const* Arguments) {
-    try {
-      FApplication.parse(Count, Arguments);
-    } catch (const CLI::CallForHelp&) {
-      return {nullptr, Help()};
-    } catch (const CLI::CallForVersion& Version) {
-      return {nullptr, Version.what()};
-    } catch (const CLI::Success&) {
-      return {nullptr, FText};
-    } catch (const CLI::ParseError& Error) {
-      RefuseExtras();
-      const std::string Message = Error.what();
-      // The parser's own words for a value that is missing, or given twice, are none for people.
-      if (dynamic_cast<const CLI::ArgumentMismatch*>(&Error))
-        Refuse(Message.substr(0, Message.find(':')) + " takes exactly one value");
-      if (!ReachedCommand()) Refuse("say what to do: " + Joined(Words()));
-      Refuse(Message);
-    }
-    RefuseExtras();
-    return {Finish().Command, {}};
+  TParsedLine Parse() {
+    TakeApart();
+    if (!FText.empty()) return {nullptr, FText};
+    TCommand* const Command = Find(Word(0), Word(1));
+    if (FAsksHelp) return {nullptr, Help(Command)};
+    if (!Command) RefuseWords();
+    ParseOptions(Declared(*Command), *Command, FRest);
+    return {Command, {}};
+  }
+
+  /// The words that lead to a command, as far as they do.
+  std::string Reached() const {
+    if (!IsVerb(Word(0))) return "velkrund";
+    const TCommand* const Command = Find(Word(0), Word(1));
+    return "velkrund " + (Command ? Command->Name() : Word(0));
   }
 
  private:
-  void Add(TCommand& Command) {
-    const TCommandTexts& Texts = Command.Texts();
-    CLI::App*& Verb = FVerbs[std::string(Texts.Verb)];
-    if (!Verb) Verb = FApplication.add_subcommand(std::string(Texts.Verb))->require_subcommand(1)->allow_extras();
-    CLI::App* Parser = Verb->add_subcommand(std::string(Texts.Object))->allow_extras();
-    TParsedCommand Parsed{&Command, Parser, {&Command, Command.Options()}, {}};
-    for (const TOptionGroup& Group : Parsed.Declared.Groups)
-      for (const TOption& Option : Group.Options) Parsed.Options.push_back({Option, AddOption(*Parser, Option)});
-    FParsed.push_back(std::move(Parsed));
-  }
-
-  static CLI::Option* AddOption(CLI::App& Parser, const TOption& Option) {
-    CLI::Option* Result;
-    if (Option.IsSwitch()) {
-      Result = Parser.add_flag_callback(Option.Names, [Set = Option.Set] { Set({}); });
-    } else {
-      Result = Parser.add_option(Option.Names, [Set = Option.Set](const CLI::results_t& Values) {
-        Set(Values);
-        return true;
-      });
-      if (Option.Repeatable && Option.IsArgument()) Result->expected(1, -1)->allow_extra_args();
-      // One value behind each: what follows is something else.
-      if (Option.Repeatable && !Option.IsArgument()) Result->take_all()->allow_extra_args(false);
+  /// Up to the second word there are general options alone, and those of the program. The former are moved behind it.
+  void TakeApart() {
+    auto At = FArguments.begin();
+    for (; At != FArguments.end() && *At != "--" && FWords.size() < 2 && FText.empty(); ++At) {
+      const std::string Name = At->substr(0, At->find('='));
+      if (!IsOption(*At)) {
+        FWords.push_back(*At);
+      } else if (const TOption* const Option = FindGeneral(Name)) {
+        FRest.push_back(*At);
+        if (Option->IsSwitch() || Name.size() < At->size()) continue;
+        if (At + 1 == FArguments.end()) throw EUsage(Name + " takes exactly one value");
+        FRest.push_back(*++At);
+      } else if (IsGeneralCluster(*At)) {
+        FRest.push_back(*At);
+      } else if (!FAsksHelp && !TakeProgramOption(Name, At)) {
+        RefuseOption(Name);
+      }
     }
-    if (Option.Required) Result->required();
-    return Result;
+    FRest.insert(FRest.end(), At, FArguments.end());
   }
 
-  /// Ends the parsing: the text is what was asked for.
-  [[noreturn]] void Print(std::string Text) {
-    FText = std::move(Text);
-    throw CLI::Success();
+  /// Options that stand for a command.
+  bool TakeProgramOption(const std::string& Name, TArguments::const_iterator At) {
+    if (!FWords.empty()) return false;
+    if (Name == "--version") FText = Format("velkrund %s\n", VelkrundVersion());
+    if (Name == "--manual") FText = ManualPage(FDeclared);
+    if (Name == "--completion") {
+      if (Name == *At && At + 1 == FArguments.end()) throw EUsage("--completion takes exactly one value");
+      const std::string Shell = Name == *At ? *(At + 1) : At->substr(Name.size() + 1);
+      if (!IsCompletedShell(Shell))
+        throw EUsage(Format("--completion takes %s, not '%s'%s", CompletedShells, Shell,
+                            NearestHint(Shell, {"bash", "zsh", "fish"})));
+      FText = Completion(FDeclared, Shell);
+    }
+    return !FText.empty();
   }
 
-  std::vector<TDeclaredCommand> Declared() const {
-    std::vector<TDeclaredCommand> Result;
-    for (const TParsedCommand& Parsed : FParsed) Result.push_back(Parsed.Declared);
-    return Result;
+  [[noreturn]] void RefuseOption(const std::string& Name) const {
+    std::vector<TOption> Known = General().Options;
+    if (FWords.empty())
+      for (const char* const Option : {"--version", "--manual", "--completion"}) Known.push_back({Option, {}, {}, {}});
+    const auto Has = [&Name](const TOption& Option) { return HasName(Option, Name); };
+    for (const TDeclaredCommand& Command : FDeclared)
+      for (const TOptionGroup& Group : Command.Groups)
+        if (std::any_of(Group.Options.begin(), Group.Options.end(), Has))
+          throw EUsage(Format("'%s' has to stand behind the verb and the object", Name));
+    throw EUsage(Format("'%s' is not understood here%s", Name, OptionHint(Name, Known)));
   }
 
-  /// The deepest of the program, its verbs and their objects that the line got to.
-  const CLI::App& Reached() const {
-    const CLI::App* Result = &FApplication;
-    while (!Result->get_subcommands().empty()) Result = Result->get_subcommands().front();
-    return *Result;
+  /// The words are not those of a command: says which one, and what was most likely meant.
+  [[noreturn]] void RefuseWords() const {
+    const bool KnowsVerb = IsVerb(Word(0));
+    const TArguments Known = KnowsVerb ? Objects(Word(0)) : Verbs();
+    const std::string& Wrong = Word(KnowsVerb ? 1 : 0);
+    if (Wrong.empty()) throw EUsage("say what to do: " + Joined(Known));
+    throw EUsage(Format("'%s' is not %s: there are %s%s", Wrong, KnowsVerb ? "an object of " + Word(0) : "a verb",
+                        Joined(Known), WordsHint(Wrong, Known)));
   }
 
-  const TParsedCommand* ReachedCommand() const {
-    for (const TParsedCommand& Parsed : FParsed)
-      if (Parsed.Parser == &Reached()) return &Parsed;
+  std::string WordsHint(const std::string& Wrong, const TArguments& Known) const {
+    const auto Hint = [](const TArguments& Names) {
+      std::string Result;
+      for (const std::string& Name : Names) Result += (Result.empty() ? "; did you mean '" : "' or '") + Name;
+      return Result + "'?";
+    };
+    if (Find(Word(1), Word(0))) return Hint({Word(1) + " " + Word(0)});
+    TArguments All, OfObject;
+    for (const auto& Command : FCommands) {
+      All.push_back(Command->Name());
+      if (Command->Texts().Object == Wrong) OfObject.push_back(Command->Name());
+    }
+    if (!OfObject.empty()) return Hint(OfObject);
+    const std::string Guess = NearestHint(Wrong, Known);
+    return Guess.empty() ? NearestHint(Word(1) + " " + Word(0), All) : Guess;
+  }
+
+  std::string Help(const TCommand* Command) const {
+    if (Command) return CommandHelp(*Command, Declared(*Command).Groups);
+    return ProgramHelp(FCommands, General(), IsVerb(Word(0)) ? Word(0) : "");
+  }
+
+  const TOptionGroup& General() const { return GeneralOptions(FDeclared); }
+  const TOption* FindGeneral(const std::string& Name) const {
+    for (const TOption& Option : General().Options)
+      if (HasName(Option, Name)) return &Option;
     return nullptr;
   }
 
-  std::string Help() const {
-    if (const TParsedCommand* Parsed = ReachedCommand()) return CommandHelp(*Parsed->Command, Parsed->Declared.Groups);
-    return ProgramHelp(FCommands, &Reached() == &FApplication ? "" : Reached().get_name());
+  /// "-vy".
+  bool IsGeneralCluster(const std::string& Argument) const {
+    return std::all_of(Argument.begin() + 1, Argument.end(), [this](char Letter) {
+      return FindGeneral({'-', Letter}) != nullptr;
+    });
   }
 
-  [[noreturn]] void Refuse(const std::string& Message) const {
-    std::string Name = "velkrund";
-    for (const CLI::App* App = &FApplication; !App->get_subcommands().empty();) {
-      App = App->get_subcommands().front();
-      Name += " " + App->get_name();
-    }
-    throw EUsage(Format("%s\n(%s --help tells more)", Message, Name));
+  /// Empty where there is none.
+  const std::string& Word(std::size_t Index) const {
+    static const std::string None;
+    return Index < FWords.size() ? FWords[Index] : None;
   }
-
-  /// What the parser could not place, with what was most likely meant.
-  void RefuseExtras() const {
-    const std::vector<std::string> Extras = FApplication.remaining(true);
-    if (Extras.empty()) return;
-    const auto IsOption = [](const std::string& Text) { return Text.starts_with('-') && Text != "-"; };
-    const auto Option = std::find_if(Extras.begin(), Extras.end(), IsOption);
-    const std::string& Unknown = Option != Extras.end() ? *Option : Extras.front();
-    const std::string Bare = Unknown.substr(0, Unknown.find('='));
-    const std::string Guess = Nearest(Bare, Option != Extras.end() ? OptionNames() : Words());
-    Refuse(Format("'%s' is not understood here%s", Bare, Guess.empty() ? "" : Format("; did you mean '%s'?", Guess)));
+  TCommand* Find(const std::string& Verb, const std::string& Object) const {
+    for (const auto& Command : FCommands)
+      if (Command->Texts().Verb == Verb && Command->Texts().Object == Object) return Command.get();
+    return nullptr;
   }
-
-  std::vector<std::string> OptionNames() const {
-    std::vector<std::string> Result = {"--help"};
-    if (const TParsedCommand* Parsed = ReachedCommand())
-      for (const TParsedOption& Option : Parsed->Options) Result.push_back(Option.Option.Name());
+  const TDeclaredCommand& Declared(const TCommand& Command) const {
+    return *std::find_if(FDeclared.begin(), FDeclared.end(),
+                         [&](const TDeclaredCommand& Candidate) { return Candidate.Command == &Command; });
+  }
+  bool IsVerb(const std::string& Word) const { return !Objects(Word).empty(); }
+  TArguments Objects(const std::string& Verb) const {
+    TArguments Result;
+    for (const auto& Command : FCommands)
+      if (Command->Texts().Verb == Verb) Result.emplace_back(Command->Texts().Object);
     return Result;
   }
-
-  std::vector<std::string> Words() const {
-    std::vector<std::string> Result;
-    for (const CLI::App* App : Reached().get_subcommands([](const CLI::App*) { return true; }))
-      Result.push_back(App->get_name());
+  TArguments Verbs() const {
+    TArguments Result;
+    for (const auto& Command : FCommands)
+      if (std::find(Result.begin(), Result.end(), Command->Texts().Verb) == Result.end())
+        Result.emplace_back(Command->Texts().Verb);
     return Result;
-  }
-
-  const TParsedCommand& Finish() const {
-    const TParsedCommand& Parsed = *ReachedCommand();
-    const auto Given = [&](const std::string& Name) {
-      return std::any_of(Parsed.Options.begin(), Parsed.Options.end(), [&](const TParsedOption& Candidate) {
-        return Candidate.Option.Name() == Name && Candidate.Parser->count() > 0;
-      });
-    };
-    for (const auto& [Option, Parser] : Parsed.Options) {
-      if (Parser->count() == 0) continue;
-      for (const std::string& Other : Option.NotWith)
-        if (Given(Other)) Refuse(Format("%s and %s contradict each other: give one of them", Option.Name(), Other));
-      const std::string Value = Option.IsSwitch() ? "" : Parser->results().back();
-      if (!Option.Choices.empty() &&
-          std::find(Option.Choices.begin(), Option.Choices.end(), Value) == Option.Choices.end())
-        Refuse(Format("%s takes %s, not '%s'", Option.Name(), Option.Value, Value));
-      if (Option.IsNumber && !StrToInt32(Value))
-        Refuse(Format("%s takes a whole number, not '%s'", Option.Name(), Value));
-      if (!Option.IsSwitch() && Value.empty()) Refuse(Format("%s needs a value that is not empty", Option.Name()));
-    }
-    try {
-      Parsed.Command->CheckOptions();
-    } catch (const EUsage& Error) {
-      Refuse(Error.what());
-    } catch (const ESettingsError& Error) {
-      Refuse(Error.Worded(&OptionOf));
-    }
-    return Parsed;
   }
 
   const TCommands& FCommands;
-  CLI::App FApplication;
-  std::map<std::string, CLI::App*> FVerbs;
-  std::vector<TParsedCommand> FParsed;
-  std::string FText;
+  const TArguments FArguments;
+  std::vector<TDeclaredCommand> FDeclared;
+  bool FAsksHelp = false;
+  TArguments FWords, FRest;
+  std::string FText;  // what is to be printed in place of a run
 };
-
-/// How many letters have to be changed, added, dropped or swapped with their neighbour.
-std::size_t Distance(const std::string& A, const std::string& B) {
-  std::vector<std::vector<std::size_t>> Cost(A.size() + 1, std::vector<std::size_t>(B.size() + 1));
-  for (std::size_t I = 0; I <= A.size(); ++I) Cost[I][0] = I;
-  std::iota(Cost[0].begin(), Cost[0].end(), 0U);
-  for (std::size_t I = 1; I <= A.size(); ++I) {
-    for (std::size_t J = 1; J <= B.size(); ++J) {
-      Cost[I][J] = std::min({Cost[I - 1][J] + 1, Cost[I][J - 1] + 1, Cost[I - 1][J - 1] + (A[I - 1] != B[J - 1])});
-      if (I > 1 && J > 1 && A[I - 1] == B[J - 2] && A[I - 2] == B[J - 1])
-        Cost[I][J] = std::min(Cost[I][J], Cost[I - 2][J - 2] + 1);
-    }
-  }
-  return Cost[A.size()][B.size()];
-}
 
 }  // namespace
 
 TParsedLine ParseCommandLine(const TCommands& Commands, int Count, const char* const* Arguments) {
-  return TParser(Commands).Parse(Count, Arguments);
+  TLine Line(Commands, ArgumentsOf(Count, Arguments));
+  try {
+    return Line.Parse();
+  } catch (const EUsage& Error) {
+    throw EUsage(Format("%s\n(%s --help tells more)", Error.what(), Line.Reached()));
+  }
 }
 
-std::string Nearest(const std::string& Text, const std::vector<std::string>& Candidates) {
-  std::string Result;
-  std::size_t Best = Text.size() / 3 + 1;  // a distance beyond that is no slip
-  for (const std::string& Candidate : Candidates) {
-    if (const std::size_t Found = Distance(Text, Candidate); Found < Best + (Result.empty() ? 1 : 0)) {
-      Best = Found;
-      Result = Candidate;
-    }
+bool AsksForDocument(int Count, const char* const* Arguments) {
+  const TArguments Options = BeforeTheEnd(ArgumentsOf(Count, Arguments));
+  bool Result = false;
+  for (std::size_t At = 0; At < Options.size(); ++At) {
+    const std::string& Option = Options[At];
+    const bool IsOutput = Option == "-o" || Option == "--output";
+    if (Option == "-o-" || Option == "--output=-" || (IsOutput && At + 1 < Options.size() && Options[At + 1] == "-"))
+      return false;
+    Result = Result || Option == "--json";
   }
   return Result;
 }

@@ -12,10 +12,12 @@ struct TParsedLine {
   std::string Text;
 };
 
-/// Parses the program's arguments. Raises EUsage; its message ends with where to find help.
+/// Parses the program's arguments: a verb and an object, then options and arguments of their command. General options
+/// may stand anywhere; behind "--" there are arguments alone. Raises EUsage; its message ends with where to find help.
 TParsedLine ParseCommandLine(const TCommands& Commands, int Count, const char* const* Arguments);
 
-/// The candidate that Text most likely meant; empty when none is near.
-std::string Nearest(const std::string& Text, const std::vector<std::string>& Candidates);
+/// Whether the line asks for a document on standard output, which carries nothing else: also of a line that cannot be
+/// parsed.
+bool AsksForDocument(int Count, const char* const* Arguments);
 
 }  // namespace velkrund

@@ -28,9 +28,15 @@ std::string OptionHelp(const TOption& Option) {
   return Result + "\n";
 }
 
+std::string GroupHelp(const TOptionGroup& Group) {
+  std::string Result = "\n" + Group.Title + ":\n";
+  for (const TOption& Option : Group.Options) Result += OptionHelp(Option);
+  return Result;
+}
+
 }  // namespace
 
-std::string ProgramHelp(const TCommands& Commands, std::string_view Verb) {
+std::string ProgramHelp(const TCommands& Commands, const TOptionGroup& General, std::string_view Verb) {
   std::string Result = Format("velkrund %s.\n\nUsage: velkrund ", ProgramSummary) +
                        (Verb.empty() ? std::string("VERB") : std::string(Verb)) + " OBJECT [options]\n\nCommands:\n";
   for (const auto& Command : Commands) {
@@ -38,6 +44,7 @@ std::string ProgramHelp(const TCommands& Commands, std::string_view Verb) {
     if (!Verb.empty() && Texts.Verb != Verb) continue;
     Result += "  " + Padded(Format("%s %s", Texts.Verb, Texts.Object), 20) + std::string(Texts.Summary) + "\n";
   }
+  Result += GroupHelp(General);
   Result +=
       "\nvelkrund VERB OBJECT --help tells all about a command; velkrund --version the version.\n"
       "velkrund --manual prints the manual page, velkrund --completion bash|zsh|fish what makes a shell complete\n"
@@ -51,10 +58,7 @@ std::string CommandHelp(const TCommand& Command, const std::vector<TOptionGroup>
   std::string Result = Format("%s: %s\n\nUsage: ", Name, Texts.Summary);
   Result += Wrapped(Format("%s %s [options]", Name, Texts.Usage), 7, Width) + "\n";
   if (!Texts.Details.empty()) Result += "\n" + Wrapped(Texts.Details, 0, Width) + "\n";
-  for (const TOptionGroup& Group : Options) {
-    Result += "\n" + Group.Title + ":\n";
-    for (const TOption& Option : Group.Options) Result += OptionHelp(Option);
-  }
+  for (const TOptionGroup& Group : Options) Result += GroupHelp(Group);
   Result += "\nExamples:\n";
   for (const TExample& Example : Texts.Examples)
     Result += Format("  velkrund %s\n      %s\n", Example.Line, Wrapped(Example.Meaning, 6, Width));

@@ -146,26 +146,14 @@ std::string OptionText(const TOption& Option) {
   return Result;
 }
 
-/// Whether the group stands in every command, as it is there.
-bool IsCommon(const TOptionGroup& Group, const std::vector<TDeclaredCommand>& Commands) {
-  const auto Same = [&](const TOptionGroup& Other) {
-    return Other.Title == Group.Title &&
-           std::equal(Group.Options.begin(), Group.Options.end(), Other.Options.begin(), Other.Options.end(),
-                      [](const TOption& A, const TOption& B) { return A.Names == B.Names && A.Help == B.Help; });
-  };
-  return std::all_of(Commands.begin(), Commands.end(), [&](const TDeclaredCommand& Command) {
-    return std::any_of(Command.Groups.begin(), Command.Groups.end(), Same);
-  });
-}
-
-std::string CommandText(const TDeclaredCommand& Declared, const std::vector<TDeclaredCommand>& Commands) {
+std::string CommandText(const TDeclaredCommand& Declared) {
   const TCommandTexts& Texts = Declared.Command->Texts();
   const std::string Name = Format("%s %s", Texts.Verb, Texts.Object);
   std::string Result = Format(".SS %s\n%s\n", Escaped(Name), Escaped(Sentence(Texts.Summary)));
   Result += Format(".PP\n%s %s\n", Bold("velkrund " + Name), Escaped(Format("%s [options]", Texts.Usage)));
   Result += Paragraphs(Texts.Details);
   for (const TOptionGroup& Group : Declared.Groups) {
-    if (IsCommon(Group, Commands)) continue;
+    if (Group.IsGeneral) continue;
     Result += ".PP\n" + Escaped(Group.Title) + ":\n";
     for (const TOption& Option : Group.Options) Result += OptionText(Option);
   }
@@ -175,13 +163,14 @@ std::string CommandText(const TDeclaredCommand& Declared, const std::vector<TDec
   return Result;
 }
 
-std::string GeneralOptions(const std::vector<TDeclaredCommand>& Commands) {
-  std::string Result = ".SH GENERAL OPTIONS\nEvery command has these.\n";
-  for (const TOptionGroup& Group : Commands.front().Groups)
-    if (IsCommon(Group, Commands))
-      for (const TOption& Option : Group.Options) Result += OptionText(Option);
+std::string GeneralText(const std::vector<TDeclaredCommand>& Commands) {
+  std::string Result =
+      ".SH GENERAL OPTIONS\nEvery command has these. They may stand anywhere on the line, "
+      "before the verb too.\n";
+  for (const TOption& Option : GeneralOptions(Commands).Options) Result += OptionText(Option);
   constexpr TMeaning Others[] = {
-      {"-h, --help", "Tells about the program, or about the command behind which it stands."},
+      {"-h, --help", "Tells about the program, or about the command that the line names."},
+      {"--", "Ends the options: what follows are arguments, even if they begin with a dash."},
       {"--version", "Prints the program's version. Without a command, as the following two."},
       {"--manual", "Prints this page, for troff."},
       {"--completion bash|zsh|fish",
@@ -207,8 +196,8 @@ std::string ManualPage(const std::vector<TDeclaredCommand>& Commands) {
       "committed section by section, so that after a failure the database is as it was before the section.\n\n"
       "Results go to standard output, everything else to standard error.");
   Result += ".SH COMMANDS\n";
-  for (const TDeclaredCommand& Declared : Commands) Result += CommandText(Declared, Commands);
-  Result += GeneralOptions(Commands);
+  for (const TDeclaredCommand& Declared : Commands) Result += CommandText(Declared);
+  Result += GeneralText(Commands);
   Result += ".SH EXIT STATUS\n" + Meanings(ExitStatus);
   Result += ".SH FILES\n" + Meanings(Files) + ".PP\n" + AsItStands(ConfigurationExample);
   Result += Paragraphs(

@@ -29,6 +29,7 @@ struct TOption {
 struct TOptionGroup {
   std::string Title;
   std::vector<TOption> Options;
+  bool IsGeneral = false;  // what every command has; understood anywhere on the line
 };
 
 // Makers of options that store into a variable, which outlives the parser.

@@ -46,7 +46,7 @@ TOption TSharedOptions::OverwriteStructuresOption(TPolicies& Policies) {
 
 TOptionGroup TSharedOptions::General() {
   return {
-      "General options",
+      "General options, anywhere on the line",
       {Text("--config", "FILE",
             "the configuration; without it $VELKRUND_CONFIG, ./velkrund.toml, then the one in the user's "
             "configuration folder",
@@ -62,7 +62,8 @@ TOptionGroup TSharedOptions::General() {
                                {"json", TProgressStyle::Json}},
                               Progress),
        Switch("-y,--yes", "answer yes to questions that have no option of their own", Yes),
-       Switch("-v,--verbose", "trace what is done to standard error, or to the configuration's trace file", Verbose)}};
+       Switch("-v,--verbose", "trace what is done to standard error, or to the configuration's trace file", Verbose)},
+      true};
 }
 
 TApplicationOptions TSharedOptions::ApplicationOptions() const {

@@ -236,19 +236,19 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoment(const TKvVariant& Val
     case TPostgreSQLType::Text:
       return PutOwnText(Value, Out);
     case TPostgreSQLType::Date:
-      if (IsTime) return "a time is no date";
+      if (IsTime) return "a time is not a date";
       if (Value.AsDateTime().Microseconds % MicrosecondsPerDay != 0) return "the column would drop its time";
       AppendSysDate(Out, Value.AsDateTime());
       return nullptr;
     case TPostgreSQLType::Time:
     case TPostgreSQLType::TimeTz:
-      if (!IsTime) return "a date is no time";
+      if (!IsTime) return "a date is not a time";
       if (WouldRound(Value.AsTimeOfDay())) return FractionLost;
       AppendSysTime(Out, Value.AsTimeOfDay());
       return nullptr;
     case TPostgreSQLType::Timestamp:
     case TPostgreSQLType::TimestampTz:
-      if (IsTime) return "a time is no date";
+      if (IsTime) return "a time is not a date";
       if (WouldRound(Value.AsDateTime().Microseconds)) return FractionLost;
       AppendSysDateTime(Out, Value.AsDateTime());
       return nullptr;

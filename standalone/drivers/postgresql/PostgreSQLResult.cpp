@@ -46,7 +46,8 @@ std::string_view Advice(const pg_conn* Connection, const TPostgreSQLResult& Erro
   if (Code == "55P03") return "another session has held its lock for longer than busy_seconds";
   const char* Encoding = PQparameterStatus(Connection, "server_encoding");
   if (Code == "22021" && Encoding && std::string_view(Encoding) == "SQL_ASCII")
-    return "the database has no encoding (SQL_ASCII), and these bytes, of a value or a name, are no UTF-8: rename what "
+    return "the database has no encoding (SQL_ASCII), and these bytes, of a value or a name, are not UTF-8: rename "
+           "what "
            "has such a name, export a view that converts such values, or convert the database";
   // The words are in the server's language, the function's name is not.
   if (Error.Diagnostic(PG_DIAG_SOURCE_FUNCTION) == "check_enable_rls")

@@ -47,7 +47,7 @@ void TDSPNode::SetValue(TKvVariant Value) {
 }
 
 void TDSPNode::CanNotBe(std::string_view What) const {
-  throw EDSPError(Format("The value of node '%s' (type %d) is no %s", FParent ? GetFullName() : FName,
+  throw EDSPError(Format("The value of node '%s' (type %d) is not %s", FParent ? GetFullName() : FName,
                          static_cast<int>(FType), What));
 }
 
@@ -70,7 +70,7 @@ double TDSPNode::GetAsDouble() const {
   if (Kind == TKvKind::Currency) return CurrencyToReal(FValue.AsCurrency());
   if (IsMomentKind(Kind)) return DateTimeToDayNumber(FValue.AsDateTime());
   if (Kind == TKvKind::SysTime) return static_cast<double>(FValue.AsTimeOfDay()) / MicrosecondsPerDay;
-  CanNotBe("number");
+  CanNotBe("a number");
 }
 
 TDateTime TDSPNode::GetAsDateTime() const {
@@ -78,13 +78,13 @@ TDateTime TDSPNode::GetAsDateTime() const {
   if (IsMomentKind(Kind)) return FValue.AsDateTime();
   if (Kind == TKvKind::SysTime) return {DayZero.Microseconds + FValue.AsTimeOfDay()};
   const auto Moment = IsRealKind(Kind) ? DayNumberToDateTime(FValue.AsReal()) : std::nullopt;
-  return Moment ? *Moment : (CanNotBe("date"), DayZero);
+  return Moment ? *Moment : (CanNotBe("a date"), DayZero);
 }
 
 TCurrency TDSPNode::GetAsCurrency() const {
   if (FValue.Kind() == TKvKind::Currency) return FValue.AsCurrency();
   const auto Amount = RealToCurrency(GetAsDouble());
-  return Amount ? *Amount : (CanNotBe("amount of money"), TCurrency());
+  return Amount ? *Amount : (CanNotBe("an amount of money"), TCurrency());
 }
 
 std::string TDSPNode::GetAsANSIString() const {
@@ -95,7 +95,7 @@ std::string TDSPNode::GetAsANSIString() const {
 }
 
 std::string_view TDSPNode::GetAsBinary() const {
-  if (FValue.Kind() != TKvKind::Bytes) CanNotBe("byte array");
+  if (FValue.Kind() != TKvKind::Bytes) CanNotBe("a byte array");
   return FValue.AsText();
 }
 

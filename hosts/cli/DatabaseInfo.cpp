@@ -3,6 +3,7 @@
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
+#include "jobs/report/ErrorReport.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Printable.h"
 
@@ -26,9 +27,9 @@ std::string NumberText(const std::optional<std::int64_t>& Number) { return Numbe
 std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::vector<std::vector<std::string>> Rows = {{"TABLE", "KIND", "ROWS", "SIZE"}};
   std::string Problems;
-  for (const auto& [Table, Count, Bytes, Problem] : Info.Tables) {
+  for (const auto& [Table, Count, Bytes, Error] : Info.Tables) {
     Rows.push_back({Printable(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
-    if (!Problem.empty()) Problems += "warning: " + Printable(Problem) + "\n";
+    if (Error) Problems += "warning: " + Printable(ErrorLine(*Error)) + "\n";
   }
   const std::string Catalogue = Info.CatalogueVersion ? Format("version %d", *Info.CatalogueVersion) : "none";
   return Format("database   %s\nengine     %s %s\naccess     %s\ncatalogue  %s\n\n", Name, Info.Engine,

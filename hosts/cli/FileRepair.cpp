@@ -1,6 +1,7 @@
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "hosts/cli/render/Texts.h"
+#include "jobs/report/ErrorReport.h"
 #include "jobs/sections/RepairFile.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -41,7 +42,7 @@ int TFileRepair::Run(TSession& Session) {
     Session.Say(Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
     return ExitDone;
   }
-  if (!Repair.Fault.empty()) Session.Console.Message("the fault was: " + Repair.Fault);
+  if (Repair.Fault) Session.Say("the fault was: " + ErrorLine(*Repair.Fault));
   Session.Say(Format("cut off an unfinished section from position %d on: %s, now in '%s'\n%s left", Repair.Position,
                      Counted(Repair.Bytes, "byte"), Repair.CutFile, Left));
   return ExitDone;

@@ -1,5 +1,7 @@
 #include "jobs/databases/DatabaseInfo.h"
 
+#include "jobs/report/ErrorReport.h"
+
 namespace velkrund {
 
 constinit const TUtilOperationDescriptor TJobDatabaseInfo::Descriptor =
@@ -21,12 +23,12 @@ const char* KindText(TTableKind Kind) {
 
 void TJobDatabaseInfo::Describe(TDocument& Document) const {
   TDocument Tables = TDocument::List();
-  for (const auto& [Table, Count, Bytes, Problem] : FInfo.Tables) {
+  for (const auto& [Table, Count, Bytes, Error] : FInfo.Tables) {
     TDocument Entry;
     Entry.Set("name", FullName(Table));
     if (!Table.Schema.empty()) Entry.Set("schema", Table.Schema);
-    Entry.Set("kind", KindText(Table.Kind)).Set("rows", Count).Set("bytes", Bytes);
-    if (!Problem.empty()) Entry.Set("problem", Problem);
+    Entry.Set("kind", KindText(Table.Kind)).Set("rows", Count).Set("size", Bytes);
+    if (Error) Entry.Set("error", ErrorDocument(*Error));
     Tables.Add(std::move(Entry));
   }
   Document.Set("database", DatabaseText()).Set("engine", FInfo.Engine).Set("version", FInfo.EngineVersion);

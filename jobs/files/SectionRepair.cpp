@@ -114,17 +114,18 @@ std::int64_t UnfinishedMarker(TStream& Stream) {
 }
 
 /// Opens the file for writing and finds where it has to be cut; -1: nowhere.
-std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled, std::string& Fault) {
+std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled, std::optional<TErrorFacts>& Fault) {
   try {
     OpenPlainly(File);
   } catch (const EEIError& Error) {
     if (File.UnreadPosition() < 0 || !IsStructureFault(Error)) throw;
+    Fault = FactsOf(Error);
     if (!WasNeverFinished(File, Canceled))
       throw EEIError(
           Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
                  "nothing was changed. %s",
-                 Error.what()));
-    Fault = Error.what();
+                 Fault->Message),
+          Fault->Info);
     return File.UnreadPosition();
   }
   return UnfinishedMarker(File.Stream());

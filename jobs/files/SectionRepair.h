@@ -2,18 +2,20 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/FileSystem.h"
 
 namespace velkrund {
 
 /// What a repair did.
 struct TSectionRepair {
-  std::int64_t Position = -1;  // where the file was cut; -1: there was nothing to repair
-  std::int64_t Bytes = 0;      // how many were cut off
-  std::string CutFile = {};    // where they are now
-  std::string Fault = {};      // what the file could not be read for; empty for a beginning that is no section yet
+  std::int64_t Position = -1;             // where the file was cut; -1: there was nothing to repair
+  std::int64_t Bytes = 0;                 // how many were cut off
+  std::string CutFile = {};               // where they are now
+  std::optional<TErrorFacts> Fault = {};  // why the file could not be read; nothing: a beginning that is no section yet
   int SectionsLeft = 0;
 };
 

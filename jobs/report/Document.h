@@ -41,10 +41,10 @@ class TDocument {
     else
       return SetSigned(Name, Value);
   }
-  /// Null where there is no value.
+  /// Nothing where there is no value.
   template <typename TValue>
   TDocument& Set(std::string_view Name, const std::optional<TValue>& Value) {
-    return Value ? Set(Name, *Value) : SetNull(Name);
+    return Value ? Set(Name, *Value) : *this;
   }
   /// To a list.
   void Add(TDocument Value);

@@ -74,7 +74,7 @@ TDocument ErrorDocument(const TErrorFacts& Facts) {
   Set("section", Info.Section);
   Set("database", Info.Database);
   Set("table", Info.Table);
-  Set("column", Info.Column);
+  Set("field", Info.Column);
   Set("record", Info.Record);
   Set("value", Info.Value);
   Set("engineCode", Info.EngineCode);

@@ -8,17 +8,17 @@ namespace velkrund {
 
 TDocument ItemDocument(const TItem& Item) {
   TDocument Result;
-  if (!Item.File.empty()) Result.Set("file", Item.File);
-  Result.Set("section", Item.Section);
+  Result.Set("file", Item.File);
+  if (!Item.Section.empty()) Result.Set("name", Item.Section);
   if (!Item.Table.empty()) Result.Set("table", Item.Table);
-  if (Item.Structure) Result.Set("structure", Item.Structure->Name).Set("objectType", Item.Structure->Type);
+  if (Item.Structure) Result.Set("structure", StructureDocument(*Item.Structure));
   Result.Set("state", StateText(Item.State));
-  if (!Item.Note.empty()) Result.Set("note", Item.Note);
+  if (!Item.Note.empty()) Result.Set("reason", Item.Note);
   if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
   if (Item.State != TItemState::Done) return Result;
   const std::optional<std::int64_t> Rows = Item.Rows();
   if (Rows) Result.Set("rows", *Rows);
-  Result.Set("bytes", Item.Bytes).Set("seconds", Item.Seconds);
+  Result.Set("size", Item.Bytes).Set("seconds", Item.Seconds);
   if (Rows) Result.Set("rowsDeleted", Item.Counts.DeletedRows).Set("nullsMade", Item.Counts.NullsMade);
   Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
   if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
@@ -85,9 +85,10 @@ void TOutcome::Describe(TDocument& Document) const {
   const TTotals All = Totals();
   TDocument Sections = TDocument::List();
   for (const TItem& Item : Items) Sections.Add(ItemDocument(Item));
-  Document.Set("database", Database).Set("file", File).Set("sections", std::move(Sections)).Set("notes", Notes);
-  if (const auto& Reason = Error ? Error : EndedBy) Document.Set("error", ErrorDocument(*Reason));
-  Document.Set("rows", All.Rows.value_or(0)).Set("bytes", All.Bytes).Set("seconds", All.Seconds);
+  Document.Set("database", Database).Set("files", Files).Set("sections", std::move(Sections)).Set("notes", Notes);
+  Document.Set("rows", All.Rows.value_or(0)).Set("size", All.Bytes).Set("seconds", All.Seconds);
+  Document.Set("nullsMade", All.NullsMade).Set("charactersLost", All.Losses.Unrepresentable);
+  Document.Set("malformedCharacters", All.Losses.Malformed);
 }
 
 }  // namespace velkrund

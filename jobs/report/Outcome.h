@@ -34,7 +34,7 @@ std::string_view StateText(TItemState State);
 struct TItem {
   std::string Section = {};  // empty: the file as a whole
   std::string Table = {};    // empty: the section is for something else; only tables have rows
-  std::string File = {};     // empty: the run's only one
+  std::string File = {};
   TItemState State = TItemState::NotReached;
   std::string Note = {};  // why it was left out
   std::optional<TErrorFacts> Error = {};
@@ -65,13 +65,13 @@ struct TTotals {
 /// What became of a run over sections: the whole of it, for texts, documents and hosts.
 struct TOutcome {
   std::string Done;  // "exported"
-  std::string Database, File;
+  std::string Database;
+  std::vector<std::string> Files;  // as messages name them
   std::vector<TItem> Items = {};
-  std::vector<std::string> Notes = {};      // about the run as a whole
-  std::optional<TErrorFacts> Error = {};    // what ended the run besides the items
-  std::string Cancelled = {};               // the same
-  std::optional<TErrorFacts> EndedBy = {};  // the error of an item that ended the run
-  std::exception_ptr FirstError = {};       // of the run or of an item
+  std::vector<std::string> Notes = {};    // about the run as a whole
+  std::optional<TErrorFacts> Error = {};  // what ended the run besides the items
+  std::string Cancelled = {};             // the same
+  std::exception_ptr FirstError = {};     // of the run or of an item
 
   /// Enters an error of an item, which fails, or of the run.
   void Fail(TItem& Item, const std::exception_ptr& Reason);

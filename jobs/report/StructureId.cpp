@@ -7,6 +7,12 @@ namespace velkrund {
 
 std::string StructureText(const TStructureId& Structure) { return Format("%s (%d)", Structure.Name, Structure.Type); }
 
+TDocument StructureDocument(const TStructureId& Structure) {
+  TDocument Result;
+  Result.Set("type", Structure.Type).Set("name", Structure.Name);
+  return Result;
+}
+
 std::string_view KindOfStructure(int Type) {
   switch (Type) {
     case TableObjectType:

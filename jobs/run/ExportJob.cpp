@@ -41,13 +41,15 @@ void TExportJob::CheckSettings() const {
 }
 
 void TExportJob::Run() {
-  FOutcome = {"exported", DatabaseText(), FileName};
+  FOutcome = {"exported", DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
   FOutcome.Items = Plan();
   FReplaced.clear();
   FSteps.assign(FOutcome.Items.size(), {});
   FOutput = std::make_unique<TOutputFile>(Files(), FileName, !Policies.AllowLoss,
                                           [this](const std::string& Text) { Complain(Text); });
+  FOutcome.Files = {FOutput->Name()};
+  for (TItem& Item : FOutcome.Items) Item.File = FOutput->Name();
   struct TCloser {
     std::unique_ptr<TOutputFile>& Output;
     ~TCloser() { Output.reset(); }

@@ -30,7 +30,7 @@ class TCreateMissing {
 }  // namespace
 
 void TImportJob::Run() {
-  FOutcome = {"imported", DatabaseText(), Joined(Names())};
+  FOutcome = {"imported", DatabaseText(), {}};
   FUnreadable.clear();
   FSteps.clear();
   FErrors.emplace(Policies.OnError);
@@ -38,6 +38,7 @@ void TImportJob::Run() {
   FParts = MakeParts();
   const TCreateMissing Create(Manager().Databases(), CreateDatabase);
   FInputs = std::make_unique<TInputFiles>(Files(), Names(), Canceled());
+  FOutcome.Files = FInputs->FileNames();
   struct TCloser {
     TImportJob& Job;
     ~TCloser() {
@@ -88,7 +89,7 @@ void TImportJob::Add(TInputFile& Input, int Index) {
                    Role == TSectionRole::TableData, FOutcome.Items.size()};
   TItem Item;
   Item.Section = Section.Name();
-  if (FInputs->Inputs().size() > 1) Item.File = Input.Name();
+  Item.File = Input.Name();
   if (Step.Part) Step.Part->Add(Input, Index, Item, Step.Number);
   FOutcome.Items.push_back(std::move(Item));
   if (!FSteps.emplace(TPlace(Input.Name(), Section.Position), Step).second)
@@ -122,16 +123,13 @@ void TImportJob::Import() {
   Operation.Observer = this;
   FTotal = Bytes();
   FReached = 0;
-  BeginPart(FOutcome.File, "bytes", FTotal);
+  BeginPart(Joined(FOutcome.Files), "bytes", FTotal);
   int Result = 0;
   try {
     Result = Operation.Execute();
-  } catch (const std::exception& Error) {
+  } catch (const std::exception&) {
     // What the run ends with after the failure of an item has been told with the item.
-    if (FStopped)
-      FOutcome.EndedBy = FactsOf(Error);
-    else
-      FOutcome.Fail(std::current_exception());
+    if (!FStopped) FOutcome.Fail(std::current_exception());
     FStopped = true;
   }
   EndPart();

@@ -98,9 +98,10 @@ void TJob::RunOnDatabase() {
 std::string TJob::Report() const { return FHasRun ? Result().Text() : std::string(); }
 
 TDocument TJob::Result() const {
-  TDocument Result = FRaised ? ErrorDocument(FactsOf(FRaised), CommandName(), FEnd)
-                             : TDocument::Headed(Schema(), CommandName(), static_cast<int>(FEnd));
-  if (!FRaised) Describe(Result);
+  if (FRaised) return ErrorDocument(FactsOf(FRaised), CommandName(), FEnd);
+  TDocument Result = TDocument::Headed(Schema(), CommandName(), static_cast<int>(FEnd));
+  if (FEnd != TEnd::Done) Result.Set("error", ErrorDocument(FactsOf(Failure())));
+  Describe(Result);
   return Result;
 }
 
@@ -188,13 +189,16 @@ void TJob::Complain(const std::string& Text) const {
 }
 
 std::exception_ptr TSectionsJob::Failure() const {
+  if (FOutcome.End() == TEnd::Cancelled)
+    return std::make_exception_ptr(EAbort(FOutcome.Cancelled.empty() ? "cancelled" : FOutcome.Cancelled));
   const int Failed = FOutcome.Count(TItemState::Failed);
   if (Failed + (FOutcome.Error ? 1 : 0) <= 1) return FOutcome.FirstError;
   try {
     std::rethrow_exception(FOutcome.FirstError);
   } catch (const std::exception& Error) {
-    return std::make_exception_ptr(EJobFailed(
-        Format("%d of %d sections failed. The first error: %s", Failed, FOutcome.Items.size(), Error.what())));
+    return std::make_exception_ptr(
+        EJobFailed(Format("%d of %d sections failed. The first error: %s", Failed, FOutcome.Items.size(), Error.what()),
+                   FactsOf(Error).Info));
   }
 }
 

@@ -45,7 +45,7 @@ class TJob : public TDatabaseUtilOperation {
   virtual bool NeedsDatabase() const { return true; }
   /// What became of it, when Run has returned.
   virtual TEnd Conclusion() const { return TEnd::Done; }
-  /// The error to raise for a run that has failed.
+  /// The error to raise for a run that has failed; an EAbort for one that was cancelled.
   virtual std::exception_ptr Failure() const { return nullptr; }
   /// The form of the document, without its version: "transfer".
   virtual std::string_view Schema() const = 0;

@@ -32,7 +32,8 @@ TDocument DocumentOf(const TCheckedSection& Section, std::size_t Index) {
   Result.Set("state", CheckText(Item.State));
   if (Item.State == TItemState::NotReached) return Result;
   if (Section.HasRows) Result.Set("rows", Item.Counts.RowCount);
-  Result.Set("bytes", Item.Bytes).Set("charactersLost", Item.Losses.Unrepresentable);
+  Result.Set("size", Item.Bytes).Set("seconds", Item.Seconds);
+  Result.Set("charactersLost", Item.Losses.Unrepresentable);
   Result.Set("malformedCharacters", Item.Losses.Malformed);
   if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
   return Result;
@@ -43,7 +44,7 @@ TDocument DocumentOf(const TCheckedFile& File) {
   for (std::size_t Index = 0; Index < File.Sections.size(); ++Index)
     Sections.Add(DocumentOf(File.Sections[Index], Index));
   TDocument Result;
-  Result.Set("file", File.Name).Set("sections", std::move(Sections)).Set("hidden", File.Hidden);
+  Result.Set("name", File.Text).Set("sections", std::move(Sections)).Set("hidden", File.Hidden);
   Result.Set("notes", File.Notes);
   if (File.Error) Result.Set("error", ErrorDocument(*File.Error));
   return Result;
@@ -105,8 +106,9 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
     if (!Result.Error) Result.Error = FactsOf(Failure);
   }
   if (CheckListener) CheckListener->FileChecked(Result);
-  for (const std::string& Hidden : Result.Hidden) NoteFault(Result.Text, Hidden);
-  if (Result.Error) NoteFault({}, ErrorLine(*Result.Error));
+  for (const std::string& Hidden : Result.Hidden)
+    NoteFault(Result.Text + ": " + Hidden, {.Code = TErrorCode::FileStructure, .File = Result.Text});
+  if (Result.Error) NoteFault(ErrorLine(*Result.Error), Result.Error->Info);
 }
 
 /// False: cancelled.
@@ -143,7 +145,7 @@ void TJobCheckFiles::CheckSections(TInputFile& Input, TCheckedFile& Result) {
     TCheckedSection Checked{std::move(Read.Item), std::string(Section.TypeName()), SectionText(Sections, Index),
                             Section.Version(), Read.HasRows};
     Count(Result, Checked);
-    TellItem([&] { return std::move(DocumentOf(Checked, static_cast<std::size_t>(Index)).Set("file", Result.Name)); });
+    TellItem([&] { return std::move(DocumentOf(Checked, static_cast<std::size_t>(Index)).Set("file", Result.Text)); });
     Result.Sections.push_back(std::move(Checked));
   }
 }
@@ -159,7 +161,7 @@ void TJobCheckFiles::Count(const TCheckedFile& File, const TCheckedSection& Sect
     FTotals.Bytes += Item.Bytes;
   }
   if (CheckListener) CheckListener->SectionChecked(File, Section);
-  if (Item.Error) NoteFault({}, ErrorLine(*Item.Error));
+  if (Item.Error) NoteFault(ErrorLine(*Item.Error), Item.Error->Info);
 }
 
 void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
@@ -168,11 +170,12 @@ void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
   for (std::string& Note : Found.Doubtful) Result.Notes.push_back(std::move(Note));
 }
 
-void TJobCheckFiles::NoteFault(const std::string& Where, const std::string& Text) {
-  ++FTotals.Faults;
-  const std::string Fault = Where.empty() ? Text : Where + ": " + Text;
-  if (FFirstFault.empty()) FFirstFault = Fault;
-  if (!CheckListener) WriteLog(TTraceLevel::Error, Fault);
+void TJobCheckFiles::NoteFault(const std::string& Text, const TErrorInfo& Info) {
+  if (++FTotals.Faults == 1) {
+    FFirstFault = Text;
+    FFirstInfo = Info;
+  }
+  if (!CheckListener) WriteLog(TTraceLevel::Error, Text);
 }
 
 TEnd TJobCheckFiles::Conclusion() const {
@@ -181,15 +184,16 @@ TEnd TJobCheckFiles::Conclusion() const {
 }
 
 std::exception_ptr TJobCheckFiles::Failure() const {
-  return std::make_exception_ptr(
-      EJobFailed(FTotals.Faults == 1 ? FFirstFault : Format("%d faults. The first: %s", FTotals.Faults, FFirstFault)));
+  if (FTotals.Faults == 0) return std::make_exception_ptr(EAbort("cancelled"));
+  return std::make_exception_ptr(EJobFailed(
+      FTotals.Faults == 1 ? FFirstFault : Format("%d faults. The first: %s", FTotals.Faults, FFirstFault), FFirstInfo));
 }
 
 void TJobCheckFiles::Describe(TDocument& Document) const {
   TDocument Files = TDocument::List();
   for (const TCheckedFile& File : FChecked) Files.Add(DocumentOf(File));
   Document.Set("files", std::move(Files));
-  Document.Set("faults", FTotals.Faults).Set("rows", FTotals.Rows).Set("bytes", FTotals.Bytes);
+  Document.Set("faults", FTotals.Faults).Set("rows", FTotals.Rows).Set("size", FTotals.Bytes);
   Document.Set("seconds", FTotals.Seconds);
 }
 

@@ -76,12 +76,12 @@ class TJobCheckFiles final : public TPolicyJob {
   void CheckSections(TInputFile& Input, TCheckedFile& Result);
   void CheckGaps(TInputFile& Input, TCheckedFile& Result);
   void Count(const TCheckedFile& File, const TCheckedSection& Section);
-  /// Where: empty where Text says it.
-  void NoteFault(const std::string& Where, const std::string& Text);
+  void NoteFault(const std::string& Text, const TErrorInfo& Info);
 
   std::vector<TCheckedFile> FChecked;
   TTotals FTotals;
   std::string FFirstFault;
+  TErrorInfo FFirstInfo;
 };
 
 using TJobCheckFilesInterface = TJobInterface<TJobCheckFiles>;

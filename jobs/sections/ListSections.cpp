@@ -2,7 +2,6 @@
 
 #include "jobs/files/FileKind.h"
 #include "jobs/files/InputFile.h"
-#include "jobs/report/ErrorReport.h"
 
 namespace velkrund {
 
@@ -51,9 +50,9 @@ void TJobListSections::Forget() {
 }
 
 void TJobListSections::Run() {
-  FFile = FileName;
   TInputFile Input(Files(), FileName, Canceled());
   Input.File().SetStrictText(false);  // a damaged name is to be seen, not to be refused
+  FFile = Input.Name();
   try {
     Input.Open();
   } catch (const EEIError&) {
@@ -72,7 +71,9 @@ void TJobListSections::Describe(TDocument& Document) const {
   TDocument Sections = TDocument::List();
   for (std::size_t Index = 0; Index < FFound.size(); ++Index) Sections.Add(DocumentOf(FFound[Index], Index));
   Document.Set("file", FFile).Set("size", FSize).Set("sections", std::move(Sections));
-  if (FFault) Document.Set("error", ErrorDocument(FactsOf(FFault)));
+  std::vector<std::string> Notes;
+  if (FHasMalformed) Notes.emplace_back("headers hold malformed characters, shown as U+FFFD");
+  Document.Set("notes", Notes);
 }
 
 }  // namespace velkrund

@@ -1,6 +1,7 @@
 #include "jobs/sections/RepairFile.h"
 
 #include "jobs/files/FileOpening.h"
+#include "jobs/report/ErrorReport.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -29,9 +30,12 @@ void TJobRepairFile::Run() {
 }
 
 void TJobRepairFile::Describe(TDocument& Document) const {
-  Document.Set("file", FFile).Set("bytesCut", FRepair.Bytes).Set("sectionsLeft", FRepair.SectionsLeft);
-  if (FRepair.Position >= 0) Document.Set("position", FRepair.Position).Set("cutFile", FRepair.CutFile);
-  if (!FRepair.Fault.empty()) Document.Set("fault", FRepair.Fault);
+  Document.Set("file", FFile).Set("sectionsLeft", FRepair.SectionsLeft);
+  if (FRepair.Position < 0) return;
+  TDocument Cut;
+  Cut.Set("position", FRepair.Position).Set("size", FRepair.Bytes).Set("file", FRepair.CutFile);
+  if (FRepair.Fault) Cut.Set("error", ErrorDocument(*FRepair.Fault));
+  Document.Set("cut", std::move(Cut));
 }
 
 }  // namespace velkrund

@@ -24,9 +24,8 @@ constexpr TProperty DropProperties[] = {
 
 /// Everything about a structure but its tree.
 TDocument PropertiesDocument(const TDSPListItem& Item) {
-  TDocument Result;
-  Result.Set("type", Item.ObjectType).Set("name", Item.ObjectName).Set("tableName", Item.TableName);
-  Result.Set("parentObject", Item.ParentObject).Set("remarks", Item.Remarks);
+  TDocument Result = StructureDocument({Item.ObjectType, Item.ObjectName});
+  Result.Set("table", Item.TableName).Set("parentObject", Item.ParentObject).Set("remarks", Item.Remarks);
   return Result;
 }
 
@@ -95,7 +94,7 @@ void TJobDropStructure::Run() {
 }
 
 void TJobDropStructure::Describe(TDocument& Document) const {
-  Document.Set("database", DatabaseText()).Set("dropped", PropertiesDocument(FFound));
+  Document.Set("database", DatabaseText()).Set("structure", PropertiesDocument(FFound));
 }
 
 }  // namespace velkrund

@@ -106,16 +106,13 @@ TDocument NodesDocument(TDSPNode& Parent, int Level) {
     TDSPNode& Node = Parent.GetNodes(Index);
     TDocument Entry;
     Entry.Set("name", Node.Name());
-    if (Node.HasValue())
-      Entry.Set("type", TypeWord(Node.ValueType()));
-    else
-      Entry.SetNull("type");
+    if (Node.HasValue()) Entry.Set("type", TypeWord(Node.ValueType()));
     if (Node.ValueType() == TDSPValueType::Variant) {
       TDocument Variant;
       Variant.Set("kind", KindWord(Node.Value().Kind()));
       SetValue(Variant, "value", Node);
       Entry.Set("value", std::move(Variant));
-    } else {
+    } else if (Node.HasValue() && Node.ValueType() != TDSPValueType::Deleted) {
       SetValue(Entry, "value", Node);
     }
     Entry.Set("nodes", NodesDocument(Node, Level + 1));

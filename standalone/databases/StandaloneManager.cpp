@@ -139,7 +139,7 @@ TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) 
         Size.Bytes = Connection.Schema().TableBytes(Table);
       }
     } catch (const EDatabaseError& Error) {
-      Size.Problem = Error.what();
+      Size.Error = FactsOf(Error);
     }
     Result.Tables.push_back(std::move(Size));
   }

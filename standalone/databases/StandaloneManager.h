@@ -18,9 +18,9 @@ namespace velkrund {
 struct TDatabaseInfo {
   struct TTableSize {
     TTableInfo Table;
-    std::optional<std::int64_t> Rows;   // nothing for views and foreign tables
-    std::optional<std::int64_t> Bytes;  // with indexes; nothing when the engine cannot tell
-    std::string Problem = {};           // why it could not be looked into
+    std::optional<std::int64_t> Rows;       // nothing for views and foreign tables
+    std::optional<std::int64_t> Bytes;      // with indexes; nothing when the engine cannot tell
+    std::optional<TErrorFacts> Error = {};  // why it could not be looked into
   };
 
   std::string Engine;

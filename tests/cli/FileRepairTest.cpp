@@ -77,7 +77,8 @@ TEST_F(TFileRepairTest, OnlyWhatNeverEndedIsCut) {
     EXPECT_EQ(Outcome.ExitCode, Case.IsCut ? 0 : 1) << Case.Tail.substr(0, 99);
     EXPECT_EQ(Read("F"), Case.IsCut ? Good : Good + Case.Tail);
     EXPECT_EQ(Read("F.cut"), Case.IsCut ? Case.Tail : "");
-    EXPECT_NE(Outcome.Errors.find("Version is not numeric value (Position:108)."), std::string::npos) << Outcome.Errors;
+    EXPECT_NE(Outcome.Errors.find("F:9: "), std::string::npos) << Outcome.Errors;
+    EXPECT_NE(Outcome.Errors.find("Version is not numeric value (Position:108)."), std::string::npos);
     EXPECT_EQ(Outcome.Errors.find("cutting cannot mend it; nothing was changed") == std::string::npos, Case.IsCut);
     unlink(Path("F.cut").c_str());
   }
@@ -96,9 +97,9 @@ TEST_F(TFileRepairTest, NothingIsOverwrittenAndRightsStay) {
   Write("F", "; kept\r\n" + Tail);
   chmod(Path("F").c_str(), 0660);
   const auto Json = RunJson({"file", "repair", "F"});
-  EXPECT_EQ(Json["cutFile"], "F.cut-2");
-  EXPECT_EQ(Json["position"], 8);
-  EXPECT_EQ(Json["bytesCut"], Tail.size());
+  EXPECT_EQ(Json["cut"]["file"], "F.cut-2");
+  EXPECT_EQ(Json["cut"]["position"], 8);
+  EXPECT_EQ(Json["cut"]["size"], Tail.size());
   EXPECT_EQ(Json["sectionsLeft"], 0);
   EXPECT_EQ(Read("F.cut"), "mine");
   EXPECT_EQ(Read("F.cut-2"), Tail);

@@ -59,8 +59,8 @@ TEST_F(TImportFileTest, TheReportCountsWhatBecameOfEverySection) {
       nullptr, false);
   std::string States;
   for (const auto& Item : Report["sections"])
-    States += Item["file"].get<std::string>() + " " + Item["section"].get<std::string>() + " " +
-              Item["state"].get<std::string>() + " " + (Item.contains("rows") ? Item["rows"].dump() : "-") + "\n";
+    States += Item["file"].get<std::string>() + " " + Item.value("name", "") + " " + Item["state"].get<std::string>() +
+              " " + (Item.contains("rows") ? Item["rows"].dump() : "-") + "\n";
   EXPECT_EQ(States,
             "faulty.eif A failed -\nfaulty.eif B done 2\nfaulty.eif B failed -\nfaulty.eif A done 1\n"
             "more.eif A done 1\nnone.eif  failed -\n");

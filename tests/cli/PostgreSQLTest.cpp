@@ -90,8 +90,9 @@ TEST_F(TPostgreSQLTest, DatabaseInfoShowsTablesAndNoPassword) {
   EXPECT_EQ(Info["engine"], "PostgreSQL");
   EXPECT_EQ(Info.dump().find("secret"), std::string::npos) << Info.dump();
   std::string Found;
-  for (const auto& Table : Info["tables"]) Found += Table["name"].get<std::string>() + " " + Table["rows"].dump() + ";";
-  EXPECT_EQ(Found, "p 2;v null;my own.t 1;");
+  for (const auto& Table : Info["tables"])
+    Found += Table["name"].get<std::string>() + " " + Table.value("rows", nlohmann::json("?")).dump() + ";";
+  EXPECT_EQ(Found, "p 2;v \"?\";my own.t 1;");
 }
 
 TEST_F(TPostgreSQLTest, AnImportThatEndsWhileTheServerWorksLeavesTheTable) {

@@ -9,12 +9,13 @@ namespace velkrund {
 
 namespace {
 
-std::string ItemText(const TItem& Item) {
+/// ShowsFile: there are several.
+std::string ItemText(const TItem& Item, bool ShowsFile) {
   if (Item.Section.empty()) return "file '" + Item.File + "'";
   std::string Result = Item.Table.empty() ? "" : "table " + Item.Table + ", ";
   if (Item.Structure) Result = "structure " + StructureText(*Item.Structure) + ", ";
   Result += "section '" + Item.Section + "'";
-  return Item.File.empty() ? Result : Result + " of '" + Item.File + "'";
+  return ShowsFile ? Result + " of '" + Item.File + "'" : Result;
 }
 
 std::string AmountText(const std::optional<std::int64_t>& Rows, std::int64_t Bytes, double Seconds) {
@@ -62,7 +63,8 @@ std::string ReportText(const TOutcome& Outcome) {
   std::string Result;
   for (const TItem& Item : Outcome.Items) {
     const bool IsDone = Item.State == TItemState::Done;
-    Result += Format("%s %s", IsDone ? Outcome.Done : StateForPeople(Item.State), ItemText(Item));
+    Result +=
+        Format("%s %s", IsDone ? Outcome.Done : StateForPeople(Item.State), ItemText(Item, Outcome.Files.size() > 1));
     if (IsDone) Result += ": " + AmountText(Item.Rows(), Item.Bytes, Item.Seconds);
     if (IsDone && Item.Counts.DeletedRows > 0)
       Result += Format("; %s that were there deleted", Counted(Item.Counts.DeletedRows, "row"));

@@ -70,9 +70,18 @@ class TConfigurationReader {
       const TEntry Entry{Prefix + std::string(Name), Node};
       const auto Same = [Name](const TKnownKey& Candidate) { return Candidate.Name == Name; };
       const auto Found = std::find_if(Known.begin(), Known.end(), Same);
-      if (Found == Known.end()) Raise(Entry, "the key is unknown");
+      if (Found == Known.end()) Raise(Entry, "the key is unknown; known are " + Listed(Known));
       Found->Read(Entry);
     }
+  }
+
+  static std::string Listed(const std::vector<TKnownKey>& Keys) {
+    std::string Result;
+    for (const TKnownKey& Key : Keys) {
+      if (!Result.empty()) Result += ", ";
+      Result += Key.Name;
+    }
+    return Result;
   }
 
   const toml::table& Table(const TEntry& Entry) const {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "velkrund/module/Velkrund.h"
@@ -47,20 +48,24 @@ void RequireCArgument(const void* Argument, std::string_view Name);
 /// Raises EAccessViolation where what a host's structure says of its size cannot be.
 void RequireCSize(std::size_t Size, std::size_t Least, std::string_view Name);
 
-/// What both sides know of a host's structure; the rest is as if it were left out.
+/// How much of a structure every host knows: its size in the first version that had it. A structure that grows gets the
+/// offset of its first new field here.
 template <typename TStruct>
-TStruct FromCStruct(const TStruct* Given, std::string_view Name) {
-  RequireCArgument(Given, Name);
-  RequireCSize(Given->Size, sizeof(TStruct), Name);
-  TStruct Result = {};
-  std::memcpy(&Result, Given, std::min(Given->Size, sizeof(TStruct)));
-  return Result;
-}
+inline constexpr std::size_t LeastCSize = sizeof(TStruct);
+
 /// To be called before work is done for nothing.
 template <typename TStruct>
 void RequireCStruct(const TStruct* Given, std::string_view Name) {
   RequireCArgument(Given, Name);
-  RequireCSize(Given->Size, sizeof(TStruct), Name);
+  RequireCSize(Given->Size, LeastCSize<TStruct>, Name);
+}
+/// What both sides know of a host's structure; the rest is as if it were left out.
+template <typename TStruct>
+TStruct FromCStruct(const TStruct* Given, std::string_view Name) {
+  RequireCStruct(Given, Name);
+  TStruct Result = {};
+  std::memcpy(&Result, Given, std::min(Given->Size, sizeof(TStruct)));
+  return Result;
 }
 /// Fills what both sides know of a host's structure, its size apart.
 template <typename TStruct>

@@ -37,8 +37,9 @@ static int Fail(VelkrundOperation* Operation) {
   VelkrundError Error = VELKRUND_ERROR_INIT;
   if (!VelkrundGetError(Operation, &Error)) return VELKRUND_FAILED;
   fprintf(stderr, "%s: %s (%s)\n", Error.Class, Error.Message, Error.Code);
-  if (*Error.Table) fprintf(stderr, "  table %s, column %s\n", Error.Table, *Error.Column ? Error.Column : "unknown");
-  if (*Error.File) fprintf(stderr, "  file %s, line %lld\n", Error.File, (long long)Error.Line);
+  if (*Error.Table) fprintf(stderr, "  table %s\n", Error.Table);
+  if (*Error.Column) fprintf(stderr, "  column %s\n", Error.Column);
+  if (Error.Line) fprintf(stderr, "  %s, line %lld\n", Error.File, (long long)Error.Line);
   return VELKRUND_FAILED;
 }
 

@@ -121,7 +121,7 @@ TEST_F(CListener, IsHeardBesideAManager) {
   EXPECT_EQ(Host.Reached, 100);
   EXPECT_EQ(Logged, 1);
   ASSERT_EQ(Host.Log.size(), 1U);
-  EXPECT_TRUE(Host.Log[0].starts_with("1E")) << Host.Log[0];
+  EXPECT_TRUE(Host.Log[0].starts_with("1A text has characters")) << Host.Log[0];
   EXPECT_EQ(Number(Export, "SectionsFailed"), 1);
   EXPECT_TRUE(VelkrundDestroyOperation(Export) && VelkrundDestroyManager(Manager));
 }
@@ -199,6 +199,11 @@ TEST_F(CListener, ErrorsAreToldInTheirParts) {
     EXPECT_TRUE(VelkrundGetError(Operation, &Error)) << VelkrundLastError();
     EXPECT_STREQ(Error.Class, "EDicUtilError");
     EXPECT_STREQ(Error.Code, "record");
+    EXPECT_EQ(Error.File, FileName);
+    EXPECT_EQ(Error.Line, 11);
+    EXPECT_STREQ(Error.Section, "s");
+    EXPECT_STREQ(Error.Table, "T");
+    EXPECT_EQ(Error.Record, 2);
     EXPECT_GE(Error.ContextCount, 1U);
     EXPECT_NE(std::string_view(Error.Context[0]).find("bad.eif"), std::string_view::npos) << Error.Context[0];
     EXPECT_EQ(std::string_view(Error.Message).find("bad.eif"), std::string_view::npos) << "the innermost alone";

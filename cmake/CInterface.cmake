@@ -13,14 +13,16 @@ add_library(velkrund-c SHARED)
 velkrund_gather(velkrund-c ${Compiled})
 set_target_properties(velkrund-c PROPERTIES LINK_DEPENDS "${Exports}")
 target_link_options(velkrund-c PRIVATE "LINKER:--version-script=${Exports}")
-target_include_directories(velkrund-c INTERFACE "${PROJECT_SOURCE_DIR}")
+target_include_directories(velkrund-c INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
+                           "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+set_target_properties(velkrund-c PROPERTIES EXPORT_NAME c)
+add_library(Velkrund::c ALIAS velkrund-c)
 
 # Relative, so that an installed copy can be moved.
 set(Prefix "${CMAKE_INSTALL_PREFIX}")
 cmake_path(RELATIVE_PATH Prefix BASE_DIRECTORY "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
            OUTPUT_VARIABLE VELKRUND_PREFIX_FROM_PC)
 configure_file(cmake/velkrund-c.pc.in velkrund-c.pc @ONLY)
-install(TARGETS velkrund-c)
 install(FILES "${PROJECT_BINARY_DIR}/velkrund-c.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 # The examples in C, which the tests run.

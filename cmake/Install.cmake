@@ -1,12 +1,34 @@
-# What `cmake --install` puts in place, headers apart: those are installed with the library that gathers their folders.
+# What `cmake --install` puts in place.
 
 include(CMakePackageConfigHelpers)
+
+# The headers that programs include, and what these include, found out when it is installed. Drivers, and whatever else only
+# our own sources include, is nobody's business.
+set(PublicHeaders "velkrund/*.h")
+if(VELKRUND_BUILD_STANDALONE)
+  list(APPEND PublicHeaders "jobs/*.h" "standalone/databases/*.h" "standalone/windows/*Windows.h")
+endif()
+install(CODE "
+  set(Source \"${PROJECT_SOURCE_DIR}\")
+  set(Public \"${PublicHeaders}\")
+  set(Private \"^velkrund/module/C\")  # what is behind the C functions
+  set(Destination \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_INCLUDEDIR}\")
+  include(\"${PROJECT_SOURCE_DIR}/cmake/InstallHeaders.cmake\")")
+
+# What there is to read. Links from one to another hold.
+set(TextDirectory "${CMAKE_INSTALL_DATAROOTDIR}/doc/velkrund")
+file(GLOB Documents CONFIGURE_DEPENDS docs/*.md)
+file(GLOB Examples CONFIGURE_DEPENDS examples/*)
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION "${TextDirectory}")
+install(FILES ${Documents} DESTINATION "${TextDirectory}/docs")
+install(FILES ${Examples} DESTINATION "${TextDirectory}/examples")
 set(PackageDirectory "${CMAKE_INSTALL_LIBDIR}/cmake/Velkrund")
 
 install(TARGETS velkrund EXPORT VelkrundTargets)
 install(EXPORT VelkrundTargets NAMESPACE Velkrund:: DESTINATION "${PackageDirectory}")
 
-# A component of the package: the gathered library velkrund-<name> of the folders of <name>/, and what it has to find.
+# A component of the package: the library velkrund-<name>, and what it has to find: the packages of the folders of <name>/ that
+# it gathers.
 function(velkrund_install_component Name)
   set(Finds)
   if(TARGET velkrund-${Name})
@@ -21,6 +43,7 @@ function(velkrund_install_component Name)
 endfunction()
 velkrund_install_component(standalone)
 velkrund_install_component(jobs)
+velkrund_install_component(c)
 
 if(TARGET hosts-cli)
   install(TARGETS hosts-cli)

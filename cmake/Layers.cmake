@@ -189,15 +189,10 @@ function(velkrund_gather Target)
   velkrund_link_time_optimization(${Target})
 endfunction()
 
-# Gathers the folders of one part of the tree into the library that is installed, Velkrund::<name>, and installs their
-# headers. It stands on the gathered libraries that are named after it.
+# Gathers the folders of one part of the tree into the library that is installed, Velkrund::<name>. It stands on the
+# gathered libraries that are named after it.
 function(velkrund_add_gathered_library Target Top)
   velkrund_layer_names(Folders ${Top})
-  foreach(Folder IN LISTS Folders)
-    velkrund_layer_files(Headers "${Folder}" h)
-    install(FILES ${Headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${Folder}")
-  endforeach()
-
   velkrund_compiled_layers(Compiled ${Folders})
   add_library(${Target})
   velkrund_gather(${Target} ${Compiled})

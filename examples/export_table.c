@@ -14,107 +14,95 @@
 
 #include "velkrund/module/Velkrund.h"
 
-enum { Done = 0, Failed = 1, WrongUsage = 2, Cancelled = 3 };
+/* What the callbacks of one operation need. */
+typedef struct Watch {
+  const char* What;
+  int64_t Shown; /* percent; -1: nothing yet */
+  bool CancelAtProgress, CancelNow;
+} Watch;
 
-/* Callbacks have no argument of their own: what they need is global. */
-static bool CancelAtProgress = false;
-static bool CancelNow = false;
-
-static void PrintText(const VelkrundChar* Text) {
-  for (; *Text; ++Text) putc(*Text < 0x80 ? (int)*Text : '?', stderr);
+static void OnProgress(void* UserData, int64_t Current, int64_t Total, const char* ObjectName) {
+  Watch* This = UserData;
+  const int64_t Percent = Total > 0 ? Current * 100 / Total : 0;
+  if (This->CancelAtProgress) This->CancelNow = true;
+  if (Percent == This->Shown) return;
+  This->Shown = Percent;
+  fprintf(stderr, "%s %s: %d %%\n", This->What, ObjectName, (int)Percent);
 }
 
-static void OnProgress(int32_t Current, int32_t Total, int32_t OpCurrent, int32_t OpTotal,
-                       const VelkrundChar* OperationName, const VelkrundChar* ObjectName) {
-  static int32_t Shown = -1;
-  (void)OpCurrent;
-  if (CancelAtProgress && OpTotal == 0) CancelNow = true; /* OpTotal is 100 when an operation is announced */
-  if (Current == Shown) return;
-  Shown = Current;
-  fprintf(stderr, "%3d of %d  ", (int)Current, (int)Total);
-  PrintText(OperationName);
-  fputs("  ", stderr);
-  PrintText(ObjectName);
-  putc('\n', stderr);
-}
+static int32_t OnCancel(void* UserData) { return ((const Watch*)UserData)->CancelNow; }
 
-static bool OnCancel(void) { return CancelNow; }
+/* The error of the operation's last run, or with NULL that of the last call. */
+static int Fail(VelkrundOperation* Operation) {
+  VelkrundError Error = VELKRUND_ERROR_INIT;
+  if (!VelkrundGetError(Operation, &Error)) return VELKRUND_FAILED;
+  fprintf(stderr, "%s: %s (%s)\n", Error.Class, Error.Message, Error.Code);
+  if (*Error.Table) fprintf(stderr, "  table %s\n", Error.Table);
+  if (*Error.Column) fprintf(stderr, "  column %s\n", Error.Column);
+  if (Error.Line) fprintf(stderr, "  %s, line %lld\n", Error.File, (long long)Error.Line);
+  return VELKRUND_FAILED;
+}
 
 /* Runs an operation on a file; the properties are pairs of name and text, ended by NULL. */
-static int Run(const char* ClassName, VelkrundManager* Manager, const char* FileProperty, VelkrundFile* File,
+static int Run(const char* ClassName, Watch* Watching, const char* FileProperty, VelkrundFile* File,
                const char* const* Properties) {
-  VelkrundOperation* Operation = VelkrundCreateOperation(ClassName, Manager);
-  int Result = Failed;
-  if (!Operation) {
-    fprintf(stderr, "%s\n", VelkrundLastError());
-    return Failed;
-  }
+  VelkrundOperation* Operation = VelkrundCreateOperation(ClassName, NULL);
+  VelkrundListener Listener = VELKRUND_LISTENER_INIT;
+  int64_t Rows = 0;
+  int Result = VELKRUND_FAILED;
+  if (!Operation) return Fail(NULL);
+  Listener.UserData = Watching;
+  Listener.Progress = OnProgress;
+  Listener.Cancel = OnCancel;
   while (*Properties && VelkrundSetProperty(Operation, Properties[0], Properties[1])) Properties += 2;
-  if (*Properties || !VelkrundSetFile(Operation, FileProperty, File)) {
-    fprintf(stderr, "%s\n", VelkrundLastError());
-  } else if (VelkrundExecute(Operation)) {
-    Result = Done;
-  } else if (*VelkrundLastError()) {
-    fprintf(stderr, "%s\n", VelkrundLastError());
+  if (*Properties || !VelkrundSetFile(Operation, FileProperty, File) || !VelkrundSetListener(Operation, &Listener)) {
+    Fail(NULL);
   } else {
-    fprintf(stderr, "Cancelled\n");
-    Result = Cancelled;
+    VelkrundExecute(Operation);
+    Result = VelkrundLastEnd(Operation);
+    if (Result == VELKRUND_CANCELLED)
+      fprintf(stderr, "Cancelled\n");
+    else if (Result != VELKRUND_DONE)
+      Fail(Operation);
+    else if (VelkrundGetInteger(Operation, "Rows", &Rows))
+      printf("%s: %lld rows\n", Watching->What, (long long)Rows);
   }
   VelkrundDestroyOperation(Operation);
   return Result;
 }
 
-static VelkrundFile* OpenFile(const char* FileName, VelkrundFileMode Mode) {
-  VelkrundFile* File = VelkrundOpenFile(FileName, Mode);
-  if (!File) fprintf(stderr, "%s\n", VelkrundLastError());
-  return File;
-}
-
-static int Export(VelkrundManager* Manager, const char* Database, const char* Table, const char* FileName) {
-  const char* const Properties[] = {"DatabaseName", Database,       "TableName", Table, "SectionName",
-                                    Table,          "ShowProgress", "true",      NULL};
-  VelkrundFile* File = OpenFile(FileName, VELKRUND_CREATE);
+static int Export(const char* Database, const char* Table, const char* FileName) {
+  const char* const Properties[] = {"DatabaseName", Database, "TableName", Table, "SectionName", Table, NULL};
+  Watch Watching = {"export", -1, false, false};
+  VelkrundFile* File = VelkrundOpenFile(FileName, VELKRUND_CREATE);
   int Result;
-  if (!File) return Failed;
-  Result = Run("TUOExportTableDataInterface", Manager, "Target", File, Properties);
+  if (!File) return Fail(NULL);
+  Result = Run("TUOExportTableDataInterface", &Watching, "Target", File, Properties);
   /* Only now is the file known to be on the disk. */
-  if (!VelkrundCloseFile(File) && Result == Done) {
-    fprintf(stderr, "%s\n", VelkrundLastError());
-    Result = Failed;
-  }
+  if (!VelkrundCloseFile(File) && Result == VELKRUND_DONE) Result = Fail(NULL);
   return Result;
 }
 
-static int Import(VelkrundManager* Manager, const char* Database, const char* Table, const char* FileName) {
-  const char* const Properties[] = {"DatabaseName", Database, "TableName", Table, "SectionNumber", "0",
-                                    "ShowProgress", "true",   NULL};
-  VelkrundFile* File = OpenFile(FileName, VELKRUND_READ);
-  VelkrundSectionInfo Section;
-  int Result = Failed;
-  if (!File) return Failed;
+static int Import(const char* Database, const char* Table, const char* FileName, bool Cancel) {
+  const char* const Properties[] = {"DatabaseName", Database, "TableName", Table, "SectionNumber", "0", NULL};
+  Watch Watching = {"import", -1, Cancel, false};
+  VelkrundFile* File = VelkrundOpenFile(FileName, VELKRUND_READ);
+  VelkrundSectionInfo Section = VELKRUND_SECTION_INFO_INIT;
+  int Result = VELKRUND_FAILED;
+  if (!File) return Fail(NULL);
   if (VelkrundDescribeSection(File, 0, &Section)) {
     printf("%s: section '%s', %s, version %d\n", FileName, Section.Name, Section.Type, (int)Section.Version);
-    Result = Run("TUOImportTableDataInterface", Manager, "Source", File, Properties);
+    Result = Run("TUOImportTableDataInterface", &Watching, "Source", File, Properties);
   } else {
-    fprintf(stderr, "%s\n", VelkrundLastError());
+    Fail(NULL);
   }
   VelkrundCloseFile(File);
   return Result;
 }
 
 static int Job(char** Names, int Count, bool Cancel) {
-  const VelkrundCallbacks Callbacks = {OnProgress, OnCancel, NULL, NULL, 0, 100};
-  VelkrundManager* Manager = VelkrundCreateManager(&Callbacks);
-  int Result;
-  VelkrundStartOperationProgress(Manager, "export", Count == 5 ? 50 : 100);
-  Result = Export(Manager, Names[0], Names[1], Names[2]);
-  if (Result == Done && Count == 5) {
-    CancelAtProgress = Cancel;
-    VelkrundStartOperationProgress(Manager, "import", 50);
-    Result = Import(Manager, Names[3], Names[4], Names[2]);
-  }
-  VelkrundDestroyManager(Manager);
-  return Result;
+  const int Result = Export(Names[0], Names[1], Names[2]);
+  return Result == VELKRUND_DONE && Count == 5 ? Import(Names[3], Names[4], Names[2], Cancel) : Result;
 }
 
 int main(int ArgumentCount, char** Arguments) {
@@ -131,13 +119,10 @@ int main(int ArgumentCount, char** Arguments) {
   }
   if (ArgumentCount - At != 3 && ArgumentCount - At != 5) {
     fprintf(stderr, "export_table [--config FILE] [--cancel] DATABASE TABLE FILE [TARGET_DATABASE TARGET_TABLE]\n");
-    return WrongUsage;
+    return VELKRUND_WRONG_SETTINGS;
   }
-  if (!VelkrundInstallPlatform(ConfigFile)) {
-    fprintf(stderr, "%s\n", VelkrundLastError());
-    return Failed;
-  }
+  if (!VelkrundInstallPlatform(ConfigFile)) return Fail(NULL);
   Result = Job(Arguments + At, ArgumentCount - At, Cancel);
-  if (!VelkrundRemovePlatform()) fprintf(stderr, "%s\n", VelkrundLastError());
+  if (!VelkrundRemovePlatform()) return Fail(NULL);
   return Result;
 }

@@ -39,6 +39,6 @@ TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Wi
   std::call_once(Registered, &RegisterJobClasses);
 }
 
-std::string_view VelkrundVersion() { return VELKRUND_VERSION; }
+std::string_view VelkrundVersion() { return VELKRUND_PROJECT_VERSION; }
 
 }  // namespace velkrund

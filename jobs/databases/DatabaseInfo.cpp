@@ -4,10 +4,26 @@
 
 namespace velkrund {
 
+namespace {
+
+using TThis = TJobDatabaseInfo;
+
+constexpr TProperty Properties[] = {
+    ReadOnlyOf<[](const TThis& Job) { return Job.Info().Engine; }>("Engine", "name of the engine"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Info().EngineVersion; }>("EngineVersion", "its version"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Info().ReadOnly; }>("ReadOnly", "whether nothing can be written"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Info().CatalogueVersion.value_or(-1); }>(
+        "CatalogueVersion", "of the platform's own tables; -1: there are none"),
+    ReadOnlyOf<[](const TThis& Job) { return static_cast<std::int64_t>(Job.Info().Tables.size()); }>(
+        "Tables", "tables, views and foreign tables that the last run found"),
+};
+
+}  // namespace
+
 constinit const TUtilOperationDescriptor TJobDatabaseInfo::Descriptor =
     OperationDescriptor<TJobDatabaseInfo>("TJobDatabaseInfo");
 constinit const TInterfaceDescriptor TJobDatabaseInfo::Interface =
-    TJobInterface<TJobDatabaseInfo>::Describe("TJobDatabaseInfoInterface", {&JobProperties, {}});
+    TJobInterface<TJobDatabaseInfo>::Describe("TJobDatabaseInfoInterface", {&JobProperties, Properties});
 
 const char* KindText(TTableKind Kind) {
   switch (Kind) {

@@ -10,15 +10,22 @@ constexpr TProperty Base[] = {
 
 using TCounted = TSectionsJob;
 
+template <TItemState State>
+constexpr TProperty CountOf(std::string_view Name, std::string_view Help) {
+  return ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Count(State); }>(Name, Help);
+}
+
 constexpr TProperty Counts[] = {
-    ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Count(TItemState::Done); }>(
-        "SectionsDone", "sections that were moved in the last run"),
-    ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Count(TItemState::LeftOut); }>(
-        "SectionsLeftOut", "sections that an answer left out"),
-    ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Count(TItemState::Failed); }>("SectionsFailed",
-                                                                                            "sections that failed"),
+    CountOf<TItemState::Done>("SectionsDone", "sections that were moved in the last run"),
+    CountOf<TItemState::LeftOut>("SectionsLeftOut", "sections that an answer left out"),
+    CountOf<TItemState::Failed>("SectionsFailed", "sections that failed"),
+    CountOf<TItemState::Cancelled>("SectionsCancelled", "sections during which the run was cancelled"),
+    CountOf<TItemState::NotReached>("SectionsNotReached", "sections that the run did not come to"),
+    CountOf<TItemState::TakenBack>("SectionsTakenBack", "sections that were undone when the rest failed"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Rows.value_or(0); }>(
         "Rows", "rows of the sections that were moved"),
+    ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Bytes; }>(
+        "Bytes", "bytes of the sections that were moved"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().NullsMade; }>(
         "NullsMade", "values that could not be read and became NULL"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Losses.Unrepresentable; }>(

@@ -22,7 +22,13 @@ constexpr TProperty Properties[] = {
     PropertyOf<&TThis::FileNames>("FileNames", "the files; - is standard input"),
     ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Faults; }>(
         "Faults", "faulty or hidden sections, faulty headers and files of the last run"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Sections; }>("Sections", "sections that were looked at"),
     ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Rows; }>("Rows", "rows of the sections without a fault"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Bytes; }>("Bytes", "bytes of the sections without a fault"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Losses.Unrepresentable; }>(
+        "CharactersLost", "characters that the code page lacks"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Totals().Losses.Malformed; }>("MalformedCharacters",
+                                                                               "malformed characters, in sections"),
 };
 
 TDocument DocumentOf(const TCheckedSection& Section, std::size_t Index) {
@@ -156,6 +162,8 @@ void TJobCheckFiles::Count(const TCheckedFile& File, const TCheckedSection& Sect
   if (Item.State == TItemState::NotReached) return;
   ++FTotals.Sections;
   FTotals.Seconds += Item.Seconds;
+  FTotals.Losses.Unrepresentable += Item.Losses.Unrepresentable;
+  FTotals.Losses.Malformed += Item.Losses.Malformed;
   if (Item.State == TItemState::Done) {
     FTotals.Rows += Section.HasRows ? Item.Counts.RowCount : 0;
     FTotals.Bytes += Item.Bytes;

@@ -49,6 +49,7 @@ class TJobCheckFiles final : public TPolicyJob {
     int Sections = 0;  // looked at
     int Faults = 0;    // faulty or hidden sections, faulty headers and files
     std::int64_t Rows = 0, Bytes = 0;
+    TTextLosses Losses = {};
     double Seconds = 0;
     bool Cancelled = false;
   };

@@ -11,6 +11,8 @@ using TThis = TJobListSections;
 
 constexpr TProperty Properties[] = {
     PropertyOf<&TThis::FileName>("FileName", "the file; - is standard input"),
+    ReadOnlyOf<[](const TThis& Job) { return static_cast<std::int64_t>(Job.Found().size()); }>(
+        "Sections", "sections that the last run found"),
 };
 
 TListedSection Listed(const TEISection& Section) {

@@ -20,6 +20,9 @@ constexpr TProperty Properties[] = {
     PropertyOf<&TThis::FileName>("FileName", "the file"),
     PropertyOf<&TThis::Indexes>("Indexes", "sections to remove, by index from 0"),
     PropertyOf<&TThis::Names>("Names", "sections to remove, by name"),
+    ReadOnlyOf<[](const TThis& Job) { return static_cast<std::int64_t>(Job.Removed().size()); }>(
+        "SectionsRemoved", "sections that the last run took out"),
+    ReadOnlyOf<&TThis::SectionsLeft>("SectionsLeft", "sections that are left in the file"),
 };
 
 }  // namespace

@@ -10,6 +10,11 @@ namespace {
 
 constexpr TProperty Properties[] = {
     PropertyOf<&TJobRepairFile::FileName>("FileName", "the file"),
+    ReadOnlyOf<[](const TJobRepairFile& Job) { return Job.Repair().Bytes; }>(
+        "BytesCut", "bytes that the last run cut off; 0: there was nothing to repair"),
+    ReadOnlyOf<[](const TJobRepairFile& Job) { return Job.Repair().CutFile; }>("CutFile", "where these bytes are now"),
+    ReadOnlyOf<[](const TJobRepairFile& Job) { return Job.Repair().SectionsLeft; }>("SectionsLeft",
+                                                                                    "sections of the repaired file"),
 };
 
 }  // namespace

@@ -16,6 +16,13 @@ constexpr TProperty ChoiceProperties[] = {
     PropertyOf<&TJobClass::Choice, &TStructureChoice::ObjectType>("ObjectType", "its object type; -1: any"),
 };
 
+constexpr TProperty ListProperties[] = {
+    ChoiceProperties<TJobListStructures>[0],
+    ChoiceProperties<TJobListStructures>[1],
+    ReadOnlyOf<[](const TJobListStructures& Job) { return static_cast<std::int64_t>(Job.Found().size()); }>(
+        "Structures", "structures that the last run found"),
+};
+
 constexpr TProperty DropProperties[] = {
     ChoiceProperties<TJobDropStructure>[0],
     ChoiceProperties<TJobDropStructure>[1],
@@ -33,8 +40,8 @@ TDocument PropertiesDocument(const TDSPListItem& Item) {
 
 constinit const TUtilOperationDescriptor TJobListStructures::Descriptor =
     OperationDescriptor<TJobListStructures>("TJobListStructures");
-constinit const TInterfaceDescriptor TJobListStructures::Interface = TJobInterface<TJobListStructures>::Describe(
-    "TJobListStructuresInterface", {&JobProperties, ChoiceProperties<TJobListStructures>});
+constinit const TInterfaceDescriptor TJobListStructures::Interface =
+    TJobInterface<TJobListStructures>::Describe("TJobListStructuresInterface", {&JobProperties, ListProperties});
 constinit const TUtilOperationDescriptor TJobShowStructure::Descriptor =
     OperationDescriptor<TJobShowStructure>("TJobShowStructure");
 constinit const TInterfaceDescriptor TJobShowStructure::Interface = TJobInterface<TJobShowStructure>::Describe(

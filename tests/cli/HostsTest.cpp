@@ -264,6 +264,28 @@ TEST_F(THostsTest, DoAndRefuseTheSame) {
   });
 }
 
+TEST_F(THostsTest, ProgramsInCTakePipes) {
+  const std::string D = "DatabaseName=sqlite:full.db";
+  const auto Job = [this](const TArguments& Arguments, const std::string& Input = {}) {
+    TArguments Line = {VELKRUND_RUN_JOB, "--report", "report"};
+    Line.insert(Line.end(), Arguments.begin(), Arguments.end());
+    const TOutcome Outcome = Run(Line, Input);
+    return std::to_string(Outcome.ExitCode) + Outcome.Output;
+  };
+  EXPECT_EQ(Job({"TJobExportTablesInterface", D, "FileName=-"}), "0" + Read("all.eif"));
+  EXPECT_EQ(nlohmann::json::parse(Read("report"))["rows"], 6);
+  EXPECT_EQ(Job({"TJobCheckFilesInterface", "FileNames=-"}, Read("all.eif")), "0");
+  EXPECT_EQ(nlohmann::json::parse(Read("report"))["rows"], 6);
+  EXPECT_EQ(Job({"TJobCheckFilesInterface", "FileNames=-"}, Read("bad.eif")), "1");
+  EXPECT_EQ(Job({"TJobListSectionsInterface", "FileName=-"}, Read("all.eif")), "0");
+  EXPECT_EQ(nlohmann::json::parse(Read("report"))["sections"].size(), 4U);
+  EXPECT_EQ(Job({"TJobImportFilesInterface", "DatabaseName=sqlite:empty.db", "FileNames=-"}, Read("all.eif")), "0");
+  EXPECT_EQ(Query("empty.db", "SELECT * FROM L"), "1|1\n2|2");
+  EXPECT_EQ(Job({"TJobImportTablesInterface", "DatabaseName=sqlite:broken.db", "FileName=-"}, Read("o.eif")), "0");
+  for (const char* const Class : {"TJobRepairFileInterface", "TJobRemoveSectionsInterface"})
+    EXPECT_EQ(Job({Class, "FileName=-"}), "2") << Class;
+}
+
 TEST_F(THostsTest, MindPostgreSQLsKeysAlike) {
   TPostgreSQLDatabase Database;
   const TArguments Lines[] = {

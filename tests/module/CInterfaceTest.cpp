@@ -11,24 +11,24 @@ constexpr const char* ImportTable = "TUOImportTableDataInterface";
 TEST_F(CInterface, ExampleExportsImportsAndCancels) {
   constexpr const char* Rows = "SELECT ID || ',' || ifnull(NAME, 'NULL') FROM C ORDER BY ID";
   EXPECT_EQ(Example("--cancel shop T t.eif sqlite:copy.db C"), 3) << Messages;
-  EXPECT_NE(Messages.find(" 50 of 100  import  \n"), std::string::npos) << Messages;
+  EXPECT_NE(Messages.find("export T: 0 %\n"), std::string::npos) << Messages;
   EXPECT_TRUE(Messages.ends_with("Cancelled\n")) << Messages;
   EXPECT_NE(Folder.Read("t.eif").find("[DATA]\r\n [FIELDS]\r\n  ID\r\n  NAME\r\n [RECORDS]\r\n  <1|'a'>\r\n"),
             std::string::npos);
   EXPECT_EQ(SQL("copy.db", Rows), "9,kept\n") << "a cancelled import changes nothing";
   EXPECT_EQ(Example("shop T t.eif sqlite:copy.db C"), 0) << Messages;
   EXPECT_EQ(SQL("copy.db", Rows), "1,a\n2,b\n3,NULL\n");
-  EXPECT_EQ(Folder.Read("out"), "t.eif: section 'T', TableData, version 200\n");
+  EXPECT_EQ(Folder.Read("out"), "export: 3 rows\nt.eif: section 'T', TableData, version 200\nimport: 3 rows\n");
 
   const struct {
     const char* Arguments;
     int ExitCode;
     const char* Message;
   } Cases[] = {
-      {"shop NOPE t.eif", 1, "EDicUtilError:Can not export table data. Error opening table (TableName:'NOPE')"},
-      {"--config none.toml shop T t.eif", 1, "EConfigurationError:Cannot read the configuration 'none.toml'"},
-      {"sqlite:none.db T t.eif", 1, "EDatabaseError:The database file"},
-      {"shop T no/such/t.eif", 1, "EFCreateError:Cannot create file 'no/such/t.eif'"},
+      {"shop NOPE t.eif", 1, "(TableName:'NOPE')"},
+      {"--config none.toml shop T t.eif", 1, "EConfigurationError: Cannot read the configuration 'none.toml'"},
+      {"sqlite:none.db T t.eif", 1, "EDatabaseError: The database file"},
+      {"shop T no/such/t.eif", 1, "EFCreateError: Cannot create file 'no/such/t.eif'"},
       {"shop T", 2, "export_table [--config FILE]"},
   };
   for (const auto& Case : Cases) {
@@ -43,7 +43,20 @@ TEST_F(CPlatform, FailuresAreTexts) {
   ASSERT_TRUE(Import && Export) << VelkrundLastError();
   VelkrundFile* File = VelkrundOpenFile((Folder / "new.eif").c_str(), VELKRUND_CREATE);
   ASSERT_TRUE(File) << VelkrundLastError();
-  VelkrundSectionInfo Section;
+  VelkrundManager* const Manager = VelkrundCreateManager(std::data({VelkrundCallbacks(VELKRUND_CALLBACKS_INIT)}));
+  ASSERT_TRUE(Manager) << VelkrundLastError();
+  VelkrundSectionInfo Section = VELKRUND_SECTION_INFO_INIT;
+  VelkrundPropertyInfo Property = VELKRUND_PROPERTY_INFO_INIT;
+  VelkrundTableInfo Table = VELKRUND_TABLE_INFO_INIT;
+  VelkrundCallbacks Callbacks = VELKRUND_CALLBACKS_INIT;
+  VelkrundListener Listener = VELKRUND_LISTENER_INIT;
+  VelkrundError Error = VELKRUND_ERROR_INIT;
+  std::int64_t Number = 0;
+  const auto Sized = [](auto& Struct, std::size_t Size) {
+    Struct.Size = Size;
+    return &Struct;
+  };
+  const std::string Existing = Folder.Write("existing.eif", "kept");
   const struct {
     std::function<std::int64_t()> Call;
     const char* Error;
@@ -70,7 +83,47 @@ TEST_F(CPlatform, FailuresAreTexts) {
       {[&] { return VelkrundSetList(Import, "TableName", nullptr, 0); },
        "EPropertyError:Property 'TableName' takes another type"},
       {[&] { return VelkrundDescribeSection(File, 0, &Section); }, "EListError:"},
+      {[&] { return VelkrundDescribeSection(File, -1, &Section); }, "EListError:"},
+      {[&] { return VelkrundDescribeProperty(ImportTable, 99, &Property); }, "EListError:Property 99 is out of bounds"},
+      {[&] { return VelkrundDescribeProperty("TNone", 0, &Property); }, "EPropertyError:There is no operation class"},
+      {[&] { return VelkrundClassName(-1) != nullptr; }, "EListError:Class -1 is out of bounds"},
+      {[&] { return VelkrundGetInteger(Import, "TableName", &Number); },
+       "EPropertyError:Property 'TableName' is no number"},
+      {[&] { return VelkrundTableCount(Import); }, "EPropertyError:A TUOImportTableDataInterface finds no tables", -1},
+      {[&] { return VelkrundDescribeTable(Import, 0, &Table); }, "EPropertyError:A TUOImportTableDataInterface finds"},
+      {[&] { return VelkrundOpenFile(Existing.c_str(), VELKRUND_CREATE_NEW) != nullptr; },
+       "EFCreateError:Cannot create"},
+      {[&] { return VelkrundOpenFile(Existing.c_str(), 4) != nullptr; }, "EEIError:There is no file mode 4"},
+      // What is not there.
       {[&] { return VelkrundSectionCount(nullptr); }, "EAccessViolation:The argument File is NULL", -1},
+      {[&] { return VelkrundOpenFile(nullptr, VELKRUND_READ) != nullptr; }, "EAccessViolation:The argument FileName"},
+      {[&] { return VelkrundDescribeSection(nullptr, 0, &Section); }, "EAccessViolation:The argument File is NULL"},
+      {[&] { return VelkrundPropertyCount(nullptr); }, "EAccessViolation:The argument ClassName is NULL"},
+      {[&] { return VelkrundDescribeProperty(ImportTable, 0, nullptr); }, "EAccessViolation:The argument Info is NULL"},
+      {[&] { return VelkrundCreateManager(nullptr) != nullptr; }, "EAccessViolation:The argument Callbacks is NULL"},
+      {[&] { return VelkrundStartOperationProgress(nullptr, "", 1); }, "EAccessViolation:The argument Manager is NULL"},
+      {[&] { return VelkrundStartOperationProgress(Manager, nullptr, 1); }, "EAccessViolation:The argument Name"},
+      {[&] { return VelkrundCreateOperation(nullptr, nullptr) != nullptr; }, "EAccessViolation:The argument ClassName"},
+      {[&] { return VelkrundSetProperty(nullptr, "Append", "1"); }, "EAccessViolation:The argument Operation is NULL"},
+      {[&] { return VelkrundSetProperty(Import, nullptr, "1"); }, "EAccessViolation:The argument Name is NULL"},
+      {[&] { return VelkrundSetProperty(Import, "Append", nullptr); }, "EAccessViolation:The argument Text is NULL"},
+      {[&] { return VelkrundSetList(Import, "Fields", nullptr, 1); }, "EAccessViolation:The argument Items is NULL"},
+      {[&] { return VelkrundSetFile(Import, nullptr, File); }, "EAccessViolation:The argument Name is NULL"},
+      {[&] { return static_cast<std::int64_t>(VelkrundGetProperty(Import, "Append", nullptr, 9)); },
+       "EAccessViolation:The argument Buffer is NULL"},
+      {[&] { return VelkrundGetInteger(Import, "Rows", nullptr); }, "EAccessViolation:The argument Value is NULL"},
+      {[&] { return VelkrundSetListener(nullptr, &Listener); }, "EAccessViolation:The argument Operation is NULL"},
+      {[&] { return VelkrundExecute(nullptr); }, "EAccessViolation:The argument Operation is NULL"},
+      {[&] { return VelkrundLastEnd(nullptr); }, "EAccessViolation:The argument Operation is NULL", VELKRUND_NOT_RUN},
+      {[&] { return VelkrundTableCount(nullptr); }, "EAccessViolation:The argument Operation is NULL", -1},
+      {[&] { return VelkrundGetError(Import, nullptr); }, "EAccessViolation:The argument Error is NULL"},
+      // Sizes that nobody has set.
+      {[&] { return VelkrundGetError(Import, Sized(Error, 0)); }, "EAccessViolation:The field Size of Error is 0"},
+      {[&] { return VelkrundDescribeProperty(ImportTable, 0, Sized(Property, sizeof Property - 1)); },
+       "EAccessViolation:The field Size of Info is"},
+      {[&] { return VelkrundCreateManager(Sized(Callbacks, 99999)) != nullptr; },
+       "EAccessViolation:The field Size of Callbacks is 99999"},
+      {[&] { return VelkrundSetListener(Import, Sized(Listener, 8)); }, "EAccessViolation:The field Size of Listener"},
       {[&] { return VelkrundOpenFile("nowhere.eif", VELKRUND_READ) != nullptr; }, "EEIError:"},
       {[&] { return VelkrundExecute(Import); }, "EAccessViolation:Access violation: the source"},
       {[&] { return VelkrundInstallPlatform(nullptr); }, "Exception:A platform is installed already"},
@@ -81,6 +134,7 @@ TEST_F(CPlatform, FailuresAreTexts) {
     EXPECT_EQ(Case.Call(), Case.Failure) << Case.Error;
     EXPECT_TRUE(std::string_view(VelkrundLastError()).starts_with(Case.Error)) << VelkrundLastError();
   }
+  EXPECT_EQ(Folder.Read("existing.eif"), "kept");
   EXPECT_EQ(VelkrundSectionCount(File), 0);
   EXPECT_STREQ(VelkrundLastError(), "");
   EXPECT_TRUE(VelkrundSetFile(Export, "Target", File));
@@ -88,7 +142,12 @@ TEST_F(CPlatform, FailuresAreTexts) {
   EXPECT_TRUE(VelkrundSetProperty(Export, "DatabaseName", "shop") && VelkrundSetProperty(Export, "TableName", "T") &&
               VelkrundSetProperty(Export, "SectionName", "S"));
   EXPECT_TRUE(VelkrundExecute(Export)) << "a file stays usable while an operation has it: " << VelkrundLastError();
-  EXPECT_TRUE(VelkrundDestroyOperation(Import) && VelkrundDestroyOperation(Export));
+  // Whatever order they go in, NULL among them.
+  VelkrundOperation* Managed = VelkrundCreateOperation(ImportTable, Manager);
+  EXPECT_TRUE(VelkrundDestroyManager(Manager) && VelkrundDestroyManager(nullptr) && VelkrundCloseFile(nullptr));
+  EXPECT_FALSE(VelkrundExecute(Managed));
+  EXPECT_TRUE(VelkrundDestroyOperation(Import) && VelkrundDestroyOperation(Export) &&
+              VelkrundDestroyOperation(Managed) && VelkrundDestroyOperation(nullptr));
 }
 
 TEST_F(CPlatform, PropertiesAreListedAndTravelAsTexts) {
@@ -96,7 +155,7 @@ TEST_F(CPlatform, PropertiesAreListedAndTravelAsTexts) {
   for (std::int32_t Class = 0; Class < VelkrundClassCount(); ++Class) {
     if (std::string_view(VelkrundClassName(Class)) != "TUOExportTableDataInterface") continue;
     for (std::int32_t Index = 0; Index < VelkrundPropertyCount(VelkrundClassName(Class)); ++Index) {
-      VelkrundPropertyInfo Info;
+      VelkrundPropertyInfo Info = VELKRUND_PROPERTY_INFO_INIT;
       ASSERT_TRUE(VelkrundDescribeProperty(VelkrundClassName(Class), Index, &Info));
       EXPECT_STRNE(Info.Help, "") << Info.Name;
       Types += Info.Name + std::string(":") + std::to_string(Info.Type) + (Info.ReadOnly ? "r" : "") + Info.Choices;
@@ -105,7 +164,7 @@ TEST_F(CPlatform, PropertiesAreListedAndTravelAsTexts) {
   }
   EXPECT_EQ(Types,
             "DatabaseName:2 ShowProgress:0 LastError:2r Target:6 SectionName:2 ReleaseVersion:3rv17,rv20 "
-            "Encoding:3ansi,utf8 TableName:2 Table:6 Fields:4 ");
+            "Encoding:3ansi,utf8 TableName:2 Table:6 Fields:4 Rows:1r ");
 
   VelkrundOperation* Export = VelkrundCreateOperation("TUOExportTableDataInterface", nullptr);
   const char* const Names[] = {"A,B", "C"};

@@ -63,8 +63,7 @@ bool ChangedWhileRunning = false;
 
 TEST_F(CPlatform, ACancelledExportNeverSaysDone) {
   SQL("shop.db", "CREATE TABLE U AS SELECT * FROM T; CREATE TABLE V AS SELECT * FROM T");
-  VelkrundCallbacks Callbacks = {};
-  Callbacks.RangeEnd = 100;
+  VelkrundCallbacks Callbacks = VELKRUND_CALLBACKS_INIT;
   Callbacks.Cancel = [] { return --PollsLeft < 0; };
   Callbacks.Progress = [](std::int32_t Current, std::int32_t, std::int32_t, std::int32_t, const VelkrundChar*,
                           const VelkrundChar*) {
@@ -86,6 +85,7 @@ TEST_F(CPlatform, ACancelledExportNeverSaysDone) {
     Shown = 0;
     IsDone = VelkrundExecute(RunningJob) != 0;
     EXPECT_STREQ(VelkrundLastError(), "") << Polls;
+    EXPECT_EQ(VelkrundLastEnd(RunningJob), IsDone ? VELKRUND_DONE : VELKRUND_CANCELLED) << Polls;
     EXPECT_EQ(Get(RunningJob, "SectionsDone") == "2:3", IsDone) << Polls;
   }
   EXPECT_TRUE(IsDone);

@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <map>
+#include <sstream>
+
 #include "standalone/databases/StandaloneManager.h"
 #include "tests/standalone/Support.h"
 
@@ -60,9 +64,46 @@ url = "sqlite:${VELKRUND_TEST_PASSWORD}/@"
   EXPECT_EQ(Read.Databases.at("whole").Url, "sqlite:a}b${c/@");
 }
 
-TEST(ConfigurationTest, ReadsTheExampleThatIsShipped) {
-  const TConfiguration Read = LoadConfiguration(VELKRUND_SOURCE_DIR "/examples/velkrund.toml");
+/// The lines of a text that set a key, by the key.
+std::map<std::string, std::string> KeyLines(const std::string& Text) {
+  std::map<std::string, std::string> Result;
+  std::istringstream Lines(Text);
+  for (std::string Line; std::getline(Lines, Line);)
+    if (const std::size_t Equals = Line.find(" = "); Equals != std::string::npos) Result[Line.substr(0, Equals)] = Line;
+  return Result;
+}
+
+TEST(ConfigurationTest, TheExampleThatIsShippedShowsEveryKeyWithItsDefault) {
+  const std::string Path = VELKRUND_SOURCE_DIR "/examples/velkrund.toml";
+  const TConfiguration Read = LoadConfiguration(Path), Defaults;
   EXPECT_EQ(Read.Databases.at(Read.DefaultDatabase).Url, "sqlite:shop.db");
+  EXPECT_EQ(Read.CodePage, Defaults.CodePage);
+  EXPECT_EQ(Read.StrictValues, Defaults.StrictValues);
+  EXPECT_EQ(Read.StrictText, Defaults.StrictText);
+  EXPECT_EQ(Read.WorkAs17Version, Defaults.WorkAs17Version);
+  EXPECT_EQ(Read.Language, Defaults.Language);
+  EXPECT_EQ(Read.BusyTime, Defaults.BusyTime);
+  EXPECT_EQ(Read.TraceLevel, Defaults.TraceLevel);
+
+  std::ifstream File(Path);
+  const std::string Text{std::istreambuf_iterator<char>(File), {}};
+  const std::map<std::string, std::string> Shown = KeyLines(Text);
+  TTemporaryFolder Folder;
+  const std::string KnownAre = "known are ";
+  int Keys = 0;
+  for (const char* const Place : {"", "[trace]\n", "[database.x]\n"}) {
+    const std::string Error =
+        ErrorOf([&] { LoadConfiguration(Folder.Write("velkrund.toml", std::string(Place) + "none = 1")); });
+    ASSERT_THAT(Error, HasSubstr(KnownAre));
+    std::istringstream Known(Error.substr(Error.find(KnownAre) + KnownAre.size()));
+    for (std::string Key; std::getline(Known >> std::ws, Key, ',');) {
+      if (Text.find("[" + Key) != std::string::npos) continue;  // the name of a section
+      ASSERT_TRUE(Shown.contains(Key)) << Key;
+      EXPECT_TRUE(Key == "url" || Shown.at(Key).find("# ") != std::string::npos) << "not explained: " << Key;
+      ++Keys;
+    }
+  }
+  EXPECT_EQ(Keys, 10);
 }
 
 TEST(ConfigurationTest, SaysFileLineAndKeyOfWhatIsWrong) {

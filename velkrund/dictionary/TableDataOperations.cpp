@@ -14,12 +14,20 @@ constexpr TProperty ImportProperties[] = {
     PropertyOf<&TImport::Append>("Append", "keep the rows that are there"),
     PropertyOf<&TImport::SkipMissingFields>("SkipMissingFields", "pass over fields that the table lacks"),
     PropertyOf<&TImport::Fields>("Fields", "the only fields to load; empty: all"),
+    ReadOnlyOf<[](const TImport& Import) { return Import.Report.RowCount; }>(
+        "Rows", "rows of the last run; those before its end, where it was not done"),
+    ReadOnlyOf<[](const TImport& Import) { return Import.Report.NullsMade; }>(
+        "NullsMade", "values that could not be read and became NULL"),
+    ReadOnlyOf<[](const TImport& Import) { return Import.Report.SkippedFields; }>(
+        "SkippedFields", "fields of the section that the table lacks"),
 };
 
 constexpr TProperty ExportProperties[] = {
     PropertyOf<&TExport::TableName>("TableName", "table to save"),
     PropertyOf<&TExport::Table>("Table", "opened TTable to save instead"),
     PropertyOf<&TExport::Fields>("Fields", "the fields to save; empty: all"),
+    ReadOnlyOf<[](const TExport& Export) { return Export.Report.RowCount; }>(
+        "Rows", "rows of the last run; those before its end, where it was not done"),
 };
 
 }  // namespace
@@ -30,6 +38,16 @@ constinit const TInterfaceDescriptor TUOImportTableDataInterface::Descriptor =
     Describe("TUOImportTableDataInterface", ImportProperties);
 constinit const TInterfaceDescriptor TUOExportTableDataInterface::Descriptor =
     Describe("TUOExportTableDataInterface", ExportProperties);
+
+int TUOImportTableData::Execute() {
+  Report = {};
+  return TImportUtilOperation::Execute();
+}
+
+int TUOExportTableData::Execute() {
+  Report = {};
+  return TExportUtilOperation::Execute();
+}
 
 void TUOImportTableData::InitEIObject(TEIObject& Object) {
   auto& Section = dynamic_cast<TEICommonTableData&>(Object);

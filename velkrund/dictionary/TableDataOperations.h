@@ -19,6 +19,8 @@ class TUOImportTableData : public TImportUtilOperation {
   std::optional<bool> StrictValues;  // an unparseable value is an error, or NULL; nothing: as the application has it
   TTableDataReport Report;           // of the last run
 
+  int Execute() override;
+
   static const TUtilOperationDescriptor Descriptor;
 
  protected:
@@ -32,6 +34,8 @@ class TUOExportTableData : public TExportUtilOperation {
   TTable* Table = nullptr;  // borrowed, opened; null: TableName in DatabaseName is opened
   TStringList Fields;       // empty: all fields of the table
   TTableDataReport Report;  // of the last run
+
+  int Execute() override;
 
   static const TUtilOperationDescriptor Descriptor;
 

@@ -21,11 +21,14 @@ TEIFile::TEIFile(std::unique_ptr<TStream> Stream) : FStream(std::move(Stream)) {
 
 TEIFile::~TEIFile() = default;
 
-void TEIFile::CreateFile() {
+void TEIFile::MakeFile(TFileMode Mode) {
   if (!FFileStream) return;
   FFileStream->SetFileName(FFileName);
-  FFileStream->Open(TFileMode::Create);
+  FFileStream->Open(Mode);
 }
+
+void TEIFile::CreateFile() { MakeFile(TFileMode::Create); }
+void TEIFile::CreateNewFile() { MakeFile(TFileMode::CreateNew); }
 
 void TEIFile::InternalOpen() {
   if (!FFileStream) return;

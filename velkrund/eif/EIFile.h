@@ -26,6 +26,8 @@ class TEIFile : public TEISource {
 
   /// Makes FileName new and empty; an existing file is emptied.
   void CreateFile() override;
+  /// The same; an existing file is an EFCreateError.
+  void CreateNewFile();
   TStream& Stream() override { return *FStream; }
   /// Returns when everything written has reached the disk. To be called before success is reported.
   void Sync();
@@ -39,6 +41,7 @@ class TEIFile : public TEISource {
 
  private:
   explicit TEIFile(std::unique_ptr<TBufferedStream> Stream);
+  void MakeFile(TFileMode Mode);
 
   std::unique_ptr<TStream> FStream;
   TBufferedStream* FFileStream = nullptr;  // FStream where it is a file, borrowed from it

@@ -53,13 +53,13 @@ int32_t VelkrundPropertyCount(const char* ClassName) {
 
 int VelkrundDescribeProperty(const char* ClassName, int32_t Index, VelkrundPropertyInfo* Info) {
   return GuardedC(0, [&] {
-    RequireCArgument(Info, "Info");
+    RequireCStruct(Info, "Info");
     const std::vector<const TProperty*> Properties = InterfaceClassNamed(ClassName).Properties().All();
     const TProperty& Property = *Element(Properties, Index, "Property");
     std::string Choices;
     for (const std::string_view Name : Property.EnumNames) (Choices += Choices.empty() ? "" : ",") += Name;
-    *Info = {Kept(std::string(Property.Name)), Kept(std::string(Property.Help)), Kept(Choices),
-             static_cast<VelkrundType>(Property.Type), Property.Set == nullptr};
+    ToCStruct(Info, {sizeof *Info, Kept(std::string(Property.Name)), Kept(std::string(Property.Help)), Kept(Choices),
+                     static_cast<VelkrundType>(Property.Type), Property.Set == nullptr});
     return 1;
   });
 }

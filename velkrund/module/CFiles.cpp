@@ -6,23 +6,30 @@ namespace velkrund {
 
 namespace {
 
-std::shared_ptr<TEIFile> OpenEIFile(const char* FileName, VelkrundFileMode Mode) {
-  auto File = std::make_shared<TEIFile>();
-  File->SetFileName(FileName);
+void OpenEIFile(TEIFile& File, const char* FileName, VelkrundFileMode Mode) {
+  File.SetFileName(FileName);
   switch (Mode) {
     case VELKRUND_READ:
-      File->SetReadonly(true);
+      File.SetReadonly(true);
       break;
     case VELKRUND_APPEND:
       break;
     case VELKRUND_CREATE:
-      File->CreateFile();
+      File.CreateFile();
+      break;
+    case VELKRUND_CREATE_NEW:
+      File.CreateNewFile();
       break;
     default:
-      throw EEIError(Format("There is no file mode %d", static_cast<int>(Mode)));
+      throw EEIError(Format("There is no file mode %d", Mode));
   }
-  File->Open();
-  return File;
+  File.Open();
+}
+
+VelkrundFile& FileAtRest(VelkrundFile* File) {
+  RequireCArgument(File, "File");
+  RequireAtRest(File->Shared->IsBusy, "file");
+  return *File;
 }
 
 }  // namespace
@@ -36,33 +43,32 @@ VelkrundFile* VelkrundOpenFile(const char* FileName, VelkrundFileMode Mode) {
     RequireCArgument(FileName, "FileName");
     StartModule();
     auto File = std::make_unique<VelkrundFile>();
-    File->File = OpenEIFile(FileName, Mode);
+    File->Shared = std::make_shared<TCShared<TEIFile>>();
+    OpenEIFile(File->Shared->Object, FileName, Mode);
     return File.release();
   });
 }
 
 int VelkrundCloseFile(VelkrundFile* File) {
   return GuardedC(0, [File] {
+    if (File) FileAtRest(File);
     const std::unique_ptr<VelkrundFile> Owned(File);
-    if (Owned && !Owned->File->Readonly()) Owned->File->Sync();
+    if (Owned && !Owned->Shared->Object.Readonly()) Owned->Shared->Object.Sync();
     return 1;
   });
 }
 
 int32_t VelkrundSectionCount(VelkrundFile* File) {
-  return GuardedC<std::int32_t>(-1, [&] {
-    RequireCArgument(File, "File");
-    return File->File->Sections().Count();
-  });
+  return GuardedC<std::int32_t>(-1, [&] { return FileAtRest(File).Shared->Object.Sections().Count(); });
 }
 
 int VelkrundDescribeSection(VelkrundFile* File, int32_t Index, VelkrundSectionInfo* Info) {
   return GuardedC(0, [&] {
-    RequireCArgument(File, "File");
-    RequireCArgument(Info, "Info");
-    const TEISection& Section = File->File->Sections()[Index];
+    const TEISection& Section = FileAtRest(File).Shared->Object.Sections()[Index];
+    RequireCStruct(Info, "Info");
     // The type is the text of a static descriptor.
-    *Info = {Section.Name().c_str(), Section.TypeName().data(), Section.Version(), Section.DataSize};
+    ToCStruct(Info,
+              {sizeof *Info, Section.Name().c_str(), Section.TypeName().data(), Section.Version(), Section.DataSize});
     return 1;
   });
 }

@@ -1,66 +1,50 @@
-#include <atomic>
+#include <list>
 
 #include "velkrund/module/CHandles.h"
-#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/module/CListener.h"
+#include "velkrund/module/CRun.h"
 #include "velkrund/operations/OperationErrors.h"
-#include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
+void RequireAtRest(bool IsBusy, std::string_view What) {
+  if (IsBusy) throw EPropertyError(Format("The %s is in use by what is running: callbacks cannot touch it", What));
+}
+
+VelkrundOperation& OperationAtRest(VelkrundOperation* Operation) {
+  RequireCArgument(Operation, "Operation");
+  RequireAtRest(Operation->IsBusy, "operation");
+  return *Operation;
+}
+
 namespace {
 
-void NoProgress(std::int32_t, std::int32_t, std::int32_t, std::int32_t, const char16_t*, const char16_t*) {}
-bool NeverCancel() { return false; }
+static_assert(static_cast<int>(TRunEnd::NotRun) == VELKRUND_NOT_RUN &&
+                  static_cast<int>(TRunEnd::Cancelled) == VELKRUND_CANCELLED,
+              "the ends of both sides have one order");
 
-std::shared_ptr<TRBaseManager> MakeManager(const VelkrundCallbacks& Callbacks) {
-  const TProgressUpdateProc Progress = Callbacks.Progress ? Callbacks.Progress : &NoProgress;
-  const TCancelRequestProc Cancel = Callbacks.Cancel ? Callbacks.Cancel : &NeverCancel;
-  if (Callbacks.LevelLog)
-    return std::make_shared<TRBaseManager>(Progress, Cancel, Callbacks.LevelLog, Callbacks.RangeStart,
-                                           Callbacks.RangeEnd);
-  return std::make_shared<TRBaseManager>(Progress, Cancel, Callbacks.Log, Callbacks.RangeStart, Callbacks.RangeEnd);
-}
-
-/// The running operation of the process.
-class TOnlyOne {
- public:
-  TOnlyOne() {
-    if (Running.test_and_set()) throw Exception("Another operation is running; one runs at a time in a process");
-  }
-  TOnlyOne(const TOnlyOne&) = delete;
-  TOnlyOne& operator=(const TOnlyOne&) = delete;
-  ~TOnlyOne() { Running.clear(); }
-
- private:
-  static inline std::atomic_flag Running;
-};
-
-TUtilOperationInterface& ObjectOf(VelkrundOperation* Operation, const char* Name) {
-  RequireCArgument(Operation, "Operation");
+TUtilOperationInterface& ObjectAtRest(VelkrundOperation* Operation, const char* Name) {
+  VelkrundOperation& Known = OperationAtRest(Operation);
   RequireCArgument(Name, "Name");
-  return *Operation->Object;
+  return *Known.Object;
 }
 
-void RequireAtRest(const VelkrundOperation* Operation) {
-  if (Operation && Operation->Running)
-    throw EPropertyError("The operation is running: callbacks can neither change it nor destroy it");
-}
-
-TUtilOperationInterface& ObjectToChange(VelkrundOperation* Operation, const char* Name) {
-  TUtilOperationInterface& Object = ObjectOf(Operation, Name);
-  RequireAtRest(Operation);
-  return Object;
-}
-
-int AskHost(VelkrundMessageBoxProc MessageBox, TWindowHandle Window, std::u16string_view Text,
-            std::u16string_view Caption, std::uint32_t Flags, std::int32_t Extra1, std::int32_t Extra2) {
-  const std::u16string Question(Text);
-  const int Answer = MessageBox(Window, Question.c_str(), std::u16string(Caption).c_str(), Flags, Extra1, Extra2);
-  if (Answer) return Answer;
-  TMessageBoxForm Form(FromUtf16(Text), FromUtf16(Caption), Flags);
-  return NobodyAtTheScreen().ShowModal(Form);
+/// Runs with everything marked that callbacks must not touch.
+std::int32_t Run(VelkrundOperation& Operation) {
+  if (Operation.Manager) RequireAtRest(Operation.Manager->IsBusy, "manager");
+  const TCRun Alone;
+  std::list<TCBusy> Busy;
+  Busy.emplace_back(Operation.IsBusy);
+  if (Operation.Manager) Busy.emplace_back(Operation.Manager->IsBusy);
+  for (const auto& [Name, File] : Operation.Files)
+    if (File && !File->IsBusy) Busy.emplace_back(File->IsBusy);
+  const TListenerAnswers Answers(Operation.Listener);
+  Operation.Texts.clear();
+  Operation.Error.Clear();
+  const int Result = Operation.Object->Execute();
+  Operation.Error.Take(Operation.Object->Error());
+  return Result;
 }
 
 }  // namespace
@@ -69,51 +53,18 @@ int AskHost(VelkrundMessageBoxProc MessageBox, TWindowHandle Window, std::u16str
 
 using namespace velkrund;
 
-VelkrundManager* VelkrundCreateManager(const VelkrundCallbacks* Callbacks) {
-  return GuardedC<VelkrundManager*>(nullptr, [&] {
-    RequireCArgument(Callbacks, "Callbacks");
-    return std::make_unique<VelkrundManager>(VelkrundManager{MakeManager(*Callbacks)}).release();
-  });
-}
-
-int VelkrundDestroyManager(VelkrundManager* Manager) {
-  return GuardedC(0, [Manager] {
-    const std::unique_ptr<VelkrundManager> Owned(Manager);
-    return 1;
-  });
-}
-
-int VelkrundStartOperationProgress(VelkrundManager* Manager, const char* Name, int32_t Weight) {
-  return GuardedC(0, [&] {
-    RequireCArgument(Manager, "Manager");
-    RequireCArgument(Name, "Name");
-    Manager->Manager->StartOperationProgress(Name, Weight);
-    return 1;
-  });
-}
-
-int VelkrundSetMessageBox(VelkrundMessageBoxProc MessageBox) {
-  return GuardedC(0, [MessageBox] {
-    if (MessageBox)
-      SetUtilOperationsMessageBox([MessageBox](auto... Arguments) { return AskHost(MessageBox, Arguments...); });
-    else
-      SetUtilOperationsMessageBox({});
-    return 1;
-  });
-}
-
 VelkrundOperation* VelkrundCreateOperation(const char* ClassName, VelkrundManager* Manager) {
   return GuardedC<VelkrundOperation*>(nullptr, [&] {
     auto Operation = std::make_unique<VelkrundOperation>();
-    if (Manager) Operation->Manager = Manager->Manager;
-    Operation->Object = InterfaceClassNamed(ClassName).Create(Operation->Manager.get());
+    if (Manager) Operation->Manager = Manager->Shared;
+    Operation->Object = InterfaceClassNamed(ClassName).Create(Manager ? &Manager->Shared->Object : nullptr);
     return Operation.release();
   });
 }
 
 int VelkrundDestroyOperation(VelkrundOperation* Operation) {
   return GuardedC(0, [Operation] {
-    RequireAtRest(Operation);
+    if (Operation) RequireAtRest(Operation->IsBusy, "operation");
     const std::unique_ptr<VelkrundOperation> Owned(Operation);
     return 1;
   });
@@ -121,7 +72,7 @@ int VelkrundDestroyOperation(VelkrundOperation* Operation) {
 
 int VelkrundSetProperty(VelkrundOperation* Operation, const char* Name, const char* Text) {
   return GuardedC(0, [&] {
-    TUtilOperationInterface& Object = ObjectToChange(Operation, Name);
+    TUtilOperationInterface& Object = ObjectAtRest(Operation, Name);
     RequireCArgument(Text, "Text");
     SetPropertyText(Object, Name, Text);
     return 1;
@@ -130,7 +81,7 @@ int VelkrundSetProperty(VelkrundOperation* Operation, const char* Name, const ch
 
 int VelkrundSetList(VelkrundOperation* Operation, const char* Name, const char* const* Items, size_t Count) {
   return GuardedC(0, [&] {
-    TUtilOperationInterface& Object = ObjectToChange(Operation, Name);
+    TUtilOperationInterface& Object = ObjectAtRest(Operation, Name);
     if (Count) RequireCArgument(Items, "Items");
     for (std::size_t Index = 0; Index < Count; ++Index) RequireCArgument(Items[Index], "Items");
     SetPropertyItems(Object, Name, {Items, Items + Count});
@@ -140,20 +91,19 @@ int VelkrundSetList(VelkrundOperation* Operation, const char* Name, const char* 
 
 int VelkrundSetFile(VelkrundOperation* Operation, const char* Name, VelkrundFile* File) {
   return GuardedC(0, [&] {
-    TUtilOperationInterface& Object = ObjectToChange(Operation, Name);
+    TUtilOperationInterface& Object = ObjectAtRest(Operation, Name);
     const TProperty* Property = Object.ClassType().Properties().Find(Name);
     if (Property && (!Property->ObjectType || *Property->ObjectType != typeid(TEIFile)))
       throw EPropertyError(Format("Property '%s' takes no file", Name));
-    std::shared_ptr<TEIFile> Taken = File ? File->File : nullptr;
-    SetProperty(Object, Name, static_cast<void*>(Taken.get()));
-    Operation->Files[std::string(Property->Name)] = std::move(Taken);
+    SetProperty(Object, Name, static_cast<void*>(File ? &File->Shared->Object : nullptr));
+    Operation->Files[std::string(Property->Name)] = File ? File->Shared : nullptr;
     return 1;
   });
 }
 
 size_t VelkrundGetProperty(VelkrundOperation* Operation, const char* Name, char* Buffer, size_t Size) {
   return GuardedC<std::size_t>(0, [&] {
-    const std::string Text = GetPropertyText(ObjectOf(Operation, Name), Name);
+    const std::string Text = GetPropertyText(ObjectAtRest(Operation, Name), Name);
     if (Size) {
       RequireCArgument(Buffer, "Buffer");
       Buffer[Text.copy(Buffer, Size - 1)] = '\0';
@@ -162,14 +112,42 @@ size_t VelkrundGetProperty(VelkrundOperation* Operation, const char* Name, char*
   });
 }
 
+int VelkrundGetInteger(VelkrundOperation* Operation, const char* Name, int64_t* Value) {
+  return GuardedC(0, [&] {
+    const std::int64_t Number = GetPropertyInteger(ObjectAtRest(Operation, Name), Name);
+    RequireCArgument(Value, "Value");
+    *Value = Number;
+    return 1;
+  });
+}
+
+int VelkrundSetListener(VelkrundOperation* Operation, const VelkrundListener* Listener) {
+  return GuardedC(0, [&] {
+    VelkrundOperation& Known = OperationAtRest(Operation);
+    Known.Listener = Listener ? FromCStruct(Listener, "Listener") : VelkrundListener(VELKRUND_LISTENER_INIT);
+    Listen(*Known.Object, Known.Listener);
+    return 1;
+  });
+}
+
 int32_t VelkrundExecute(VelkrundOperation* Operation) {
   return GuardedC<std::int32_t>(0, [&] {
-    RequireCArgument(Operation, "Operation");
-    const TOnlyOne Alone;
-    Operation->Running = true;
-    const int Result = Operation->Object->Execute();
-    Operation->Running = false;
-    KeepCError(Operation->Object->LastError());
+    VelkrundOperation& Known = OperationAtRest(Operation);
+    const std::int32_t Result = Run(Known);
+    KeepCError(Known.Object->LastError(), Known.Object->Error());
     return Result;
+  });
+}
+
+VelkrundEnd VelkrundLastEnd(VelkrundOperation* Operation) {
+  return CaughtC<VelkrundEnd>(
+      VELKRUND_NOT_RUN, [Operation] { return static_cast<VelkrundEnd>(OperationAtRest(Operation).Object->End()); });
+}
+
+int VelkrundGetError(VelkrundOperation* Operation, VelkrundError* Error) {
+  return CaughtC(0, [&] {
+    RequireCStruct(Error, "Error");
+    ToCStruct(Error, (Operation ? OperationAtRest(Operation).Error : KeptCError()).Described());
+    return 1;
   });
 }

@@ -174,6 +174,14 @@ std::string GetPropertyText(const TUtilOperationInterface& Object, std::string_v
   throw EPropertyError(Format("Property '%s' is an object, which has no text", Property.Name));
 }
 
+std::int64_t GetPropertyInteger(const TUtilOperationInterface& Object, std::string_view Name) {
+  const TProperty& Property = PropertyOf(Object, Name);
+  const TPropertyValue Value = Property.Get(Object);
+  if (const bool* const Boolean = std::get_if<bool>(&Value)) return *Boolean ? 1 : 0;
+  if (const std::int64_t* const Number = std::get_if<std::int64_t>(&Value)) return *Number;
+  throw EPropertyError(Format("Property '%s' is no number", Property.Name));
+}
+
 void SetPropertyItems(TUtilOperationInterface& Object, std::string_view Name, const std::vector<std::string>& Items) {
   if (PropertyOf(Object, Name).Type == TPropertyType::PairList)
     SetProperty(Object, Name, PairsOf(Items));

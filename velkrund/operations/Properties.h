@@ -51,6 +51,9 @@ void SetProperty(TUtilOperationInterface& Object, std::string_view Name, const T
 void SetPropertyText(TUtilOperationInterface& Object, std::string_view Name, std::string_view Text);
 /// The text that SetPropertyText takes. Not for objects.
 std::string GetPropertyText(const TUtilOperationInterface& Object, std::string_view Name);
+/// What a property of a number is: an integer, the ordinal of an enumeration, 0 or 1 of a boolean. EPropertyError for
+/// all others.
+std::int64_t GetPropertyInteger(const TUtilOperationInterface& Object, std::string_view Name);
 /// Writes a list from its entries, which may hold commas; pairs as a=b. For lists only.
 void SetPropertyItems(TUtilOperationInterface& Object, std::string_view Name, const std::vector<std::string>& Items);
 

@@ -75,12 +75,20 @@ TUtilOperationInterface::~TUtilOperationInterface() = default;
 
 int TUtilOperationInterface::Execute() {
   FLastError.clear();
+  FError = nullptr;
+  FEnd = TRunEnd::NotRun;
   try {
-    return ExecuteInternal();
+    const int Result = ExecuteInternal();
+    FEnd = Result ? TRunEnd::Done : TRunEnd::Cancelled;
+    return Result;
   } catch (const std::exception& Error) {
+    FError = std::current_exception();
     FLastError = ExceptionClassName(Error) + ":" + Error.what();
+    FEnd = FactsOf(Error).Info.Code == TErrorCode::Settings ? TRunEnd::WrongSettings : TRunEnd::Failed;
   } catch (...) {
+    FError = std::current_exception();
     FLastError = "unknown:A callback raised something that is no error";
+    FEnd = TRunEnd::Failed;
   }
   return 0;
 }
@@ -88,11 +96,14 @@ int TUtilOperationInterface::Execute() {
 int TUtilOperationInterface::ExecuteInternal() {
   const TCallbacksOfHost Callbacks(*FParent);
   if (FRBaseMng) {
-    FParent->FOnWriteLog = [this](std::string_view Text, TTraceLevel Level) {
+    FParent->FOnWriteLog = [this, Own = FParent->FOnWriteLog](std::string_view Text, TTraceLevel Level) {
+      if (Own) Own(Text, Level);
       FRBaseMng->WriteLog1(Text, static_cast<std::int32_t>(Level));
     };
     if (FShowProgress)
-      FParent->FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+      FParent->FOnShowProgress = [this, Own = FParent->FOnShowProgress](std::int32_t Current, std::int32_t Total,
+                                                                        std::string_view Name) {
+        if (Own) Own(Current, Total, Name);
         DoShowProgress(Current, Total, Name);
       };
     return FParent->Execute();

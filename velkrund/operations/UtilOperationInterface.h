@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ struct TInterfaceDescriptor {
   TPropertyTable Properties;
   std::unique_ptr<TUtilOperationInterface> (*Factory)(TRBaseManager* Manager);  // null: abstract
 };
+
+/// How a run ended. The numbers are those of programs that run operations.
+enum class TRunEnd : int { NotRun = -1, Done = 0, Failed = 1, WrongSettings = 2, Cancelled = 3 };
 
 /// An interface class as a value.
 class TInterfaceClass : public TClassRef<TInterfaceDescriptor> {
@@ -50,6 +54,10 @@ class TUtilOperationInterface {
   bool ShowProgress() const { return FShowProgress; }
   void SetShowProgress(bool Value) { FShowProgress = Value; }
   const std::string& LastError() const { return FLastError; }
+  /// What LastError is about; null: the last run has not failed.
+  const std::exception_ptr& Error() const { return FError; }
+  /// How the last run ended; before the first, and during each, NotRun.
+  TRunEnd End() const { return FEnd; }
 
   /// Names the script functions for progress (integer, integer, string) and cancel (returns a boolean). An empty
   /// module: no script functions.
@@ -69,7 +77,8 @@ class TUtilOperationInterface {
   /// Manager: borrowed, outlives the interface; may be null.
   TUtilOperationInterface(TUtilOperationClass Class, TRBaseManager* Manager);
 
-  /// Picks the way of progress and cancel, and runs the operation.
+  /// Picks the way of progress and cancel, and runs the operation. A manager hears of it beside whoever listens to the
+  /// operation itself.
   virtual int ExecuteInternal();
 
  private:
@@ -80,6 +89,8 @@ class TUtilOperationInterface {
   bool FShowProgress = false;
   TRBaseManager* FRBaseMng;
   std::string FLastError;
+  std::exception_ptr FError;
+  TRunEnd FEnd = TRunEnd::NotRun;
   std::string BLLModule, BLLShowProc, BLLCancelProc;
   std::unique_ptr<TExtCall> FExtCall;
 };

@@ -1,5 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 
+#include <libpq-fe.h>
+
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -38,6 +40,18 @@ void TPostgreSQLCursor::Read(int Column, TKvVariant& Value) {
   const TCell& Cell = FCells[Index];
   if (!Cell.Bytes) return Value.SetNull();
   FSource.Decoders[Index].Decode({Cell.Bytes, static_cast<std::size_t>(Cell.Size)}, Value);
+}
+
+TPostgreSQLQueryCursor::TPostgreSQLQueryCursor(TPostgreSQLSession& Session, const std::string& Statement,
+                                               std::span<const TKvVariant> Parameters)
+    : FRows(Session.Ask(Statement, Parameters)) {
+  for (int Column = 0; Column < PQnfields(FRows.Handle()); ++Column)
+    FDecoders.emplace_back(PlainPostgreSQLColumn(PQftype(FRows.Handle(), Column)), TPostgreSQLMoney());
+}
+
+void TPostgreSQLQueryCursor::Read(int Column, TKvVariant& Value) {
+  if (PQgetisnull(FRows.Handle(), FRow, Column) != 0) return Value.SetNull();
+  FDecoders[static_cast<std::size_t>(Column)].Decode(FRows.Text(FRow, Column), Value);
 }
 
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,

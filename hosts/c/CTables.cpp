@@ -43,8 +43,8 @@ int VelkrundDescribeTable(VelkrundOperation* DatabaseInfo, int32_t Index, Velkru
       throw EListError(Format("Table %d is out of bounds", Index));
     const auto At = static_cast<std::size_t>(Index);
     const auto& [Table, Rows, Bytes, Problem] = Tables[At];
-    ToCStruct(Info, {sizeof *Info, NameOf(*DatabaseInfo, Tables, At).c_str(), KindText(Table.Kind), Problem.c_str(),
-                     Rows.value_or(-1), Bytes.value_or(-1)});
+    ToCStruct(Info, {sizeof *Info, NameOf(*DatabaseInfo, Tables, At).c_str(), KindText(Table.Kind),
+                     Problem ? Problem->Message.c_str() : "", Rows.value_or(-1), Bytes.value_or(-1)});
     return 1;
   });
 }

@@ -7,6 +7,7 @@
 #include "jobs/application/Application.h"
 #include "jobs/report/ErrorReport.h"
 #include "standalone/windows/scripted/ScriptedWindows.h"
+#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
@@ -68,12 +69,18 @@ int RunReported(TCommand& Command, TConsole& Console) {
 }
 
 /// The same for a line that names no command, or says something wrong to it.
-void PrintUsageDocument(TConsole& Console, const EUsage& Error) {
+void ReportWrongLine(TConsole& Console, const EWrongLine& Error, const TWanted& Wanted) {
+  const auto Document = [&Error] { return ErrorDocument(FactsOf(Error), Error.Reached(), TEnd::WrongSettings); };
   try {
-    Console.Result(ErrorDocument(FactsOf(Error), {}, TEnd::WrongSettings).Text());
+    if (Wanted.Document) Console.Result(Document().Text());
   } catch (const std::exception& Failure) {
     Console.Message(std::string("velkrund: ") + Failure.what());
   }
+  if (!Wanted.Events) {
+    const std::string Line = Error.Reached().empty() ? "velkrund" : "velkrund " + Error.Reached();
+    return Console.Message(Format("velkrund: %s\n(%s --help tells more)", Error.what(), Line));
+  }
+  Console.Event(std::move(TConsole::NewEvent("end").Set("exitCode", ExitUsage).Set("report", Document())));
 }
 
 int RunProgram(int Count, const char* const* Arguments) {
@@ -85,9 +92,8 @@ int RunProgram(int Count, const char* const* Arguments) {
     if (Line.Command) return RunReported(*Line.Command, Console);
     Console.Result(Line.Text);
     return ExitDone;
-  } catch (const EUsage& Error) {
-    if (AsksForDocument(Count, Arguments)) PrintUsageDocument(Console, Error);
-    Console.Message(std::string("velkrund: ") + Error.what());
+  } catch (const EWrongLine& Error) {
+    ReportWrongLine(Console, Error, WantedOf(Count, Arguments));
     return ExitUsage;
   } catch (const std::exception& Error) {
     Console.Message(std::string("velkrund: ") + Error.what());

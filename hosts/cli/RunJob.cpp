@@ -21,10 +21,10 @@ class TShown final : public TJobListener {
   void Progress(std::int32_t Current, std::int32_t Total) override { FSession.Progress.Show(Current, Total); }
   void End() override { FSession.Progress.End(); }
   void Doing(const std::string& Text) override { FSession.Progress.Doing(Text); }
-  void Item(const std::function<TDocument()>& Describe) override {
+  void Item(const std::string& File, std::string_view Kind, const std::function<TDocument()>& Describe) override {
     if (!FSession.Console.TellsEvents()) return;
     TDocument Told = TConsole::NewEvent("item");
-    Told.Set("item", Describe());
+    Told.Set("file", File).Set(Kind, Describe());
     FSession.Console.Event(Told);
   }
   void Fault(const TErrorFacts& Error) override {

@@ -149,7 +149,7 @@ void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
     Item.Bytes = Sections[Sections.Count() - 1].DataSize;
     if (Step.Replace) FReplaced.insert(FReplaced.end(), Step.Existing.begin(), Step.Existing.end());
   }
-  TellItem([&Item] { return ItemDocument(Item); });
+  TellItem(Item.File, "section", [&Item] { return ItemDocument(Item); });
 }
 
 bool TExportJob::IsLast(std::size_t Index) const {

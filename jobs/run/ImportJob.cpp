@@ -190,7 +190,7 @@ void TImportJob::EndSection(const TEIFile& File, const TEISection& Section, cons
   Item.State = Object && Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
   if (Step.Part) Step.Part->End(Item, Object);
   if (Error) Fail(Item, *Error);
-  TellItem([&Item] { return ItemDocument(Item); });
+  TellItem(Item.File, "section", [&Item] { return ItemDocument(Item); });
 }
 
 void TImportJob::FileFailed(const std::string& FileName, const std::exception& Error) {
@@ -199,7 +199,7 @@ void TImportJob::FileFailed(const std::string& FileName, const std::exception& E
   FOutcome.Items.push_back(std::move(Item));
   FUnreadable.erase(FileName);
   Fail(FOutcome.Items.back(), Error);
-  TellItem([this] { return ItemDocument(FOutcome.Items.back()); });
+  TellItem(FileName, "section", [this] { return ItemDocument(FOutcome.Items.back()); });
 }
 
 /// Error: the one that is being handled.

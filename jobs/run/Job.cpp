@@ -163,8 +163,8 @@ void TJob::EndPart() {
     ShowPart(1, 1, {});
 }
 
-void TJob::TellItem(const std::function<TDocument()>& Describe) const {
-  if (Listener) Listener->Item(Describe);
+void TJob::TellItem(const std::string& File, std::string_view Kind, const std::function<TDocument()>& Describe) const {
+  if (Listener) Listener->Item(File, Kind, Describe);
 }
 
 void TJob::Fault(const TErrorFacts& Error) const {

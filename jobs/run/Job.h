@@ -71,7 +71,7 @@ class TJob : public TDatabaseUtilOperation {
   void SetSubject(const std::string& Subject);
   void ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const;
   void EndPart();
-  void TellItem(const std::function<TDocument()>& Describe) const;
+  void TellItem(const std::string& File, std::string_view Kind, const std::function<TDocument()>& Describe) const;
   void Fault(const TErrorFacts& Error) const;
   void Stop(TPolicy Policy) const;
   void Complain(const std::string& Text) const;

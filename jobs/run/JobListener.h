@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "jobs/policies/Policies.h"
 #include "jobs/report/Document.h"
@@ -27,9 +28,10 @@ class TJobListener {
   /// What begins takes its time, and there is nothing to count: "taking back what was changed". Ends with the next call
   /// of any other kind.
   virtual void Doing(const std::string& /*Text*/) {}
-  /// Something that is counted for itself, such as a section, has come to an end. Describe: as the report will have it,
-  /// unless it is taken back later.
-  virtual void Item(const std::function<TDocument()>& /*Describe*/) {}
+  /// A section of a file has come to an end. Kind: "section" of one that was moved, "checked" of one that was checked.
+  /// Describe: as the report will have it, unless it is taken back later.
+  virtual void Item(const std::string& /*File*/, std::string_view /*Kind*/,
+                    const std::function<TDocument()>& /*Describe*/) {}
 
   /// An error while the run may go on.
   virtual void Fault(const TErrorFacts& /*Error*/) {}

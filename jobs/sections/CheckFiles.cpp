@@ -151,7 +151,7 @@ void TJobCheckFiles::CheckSections(TInputFile& Input, TCheckedFile& Result) {
     TCheckedSection Checked{std::move(Read.Item), std::string(Section.TypeName()), SectionText(Sections, Index),
                             Section.Version(), Read.HasRows};
     Count(Result, Checked);
-    TellItem([&] { return std::move(DocumentOf(Checked, static_cast<std::size_t>(Index)).Set("file", Result.Text)); });
+    TellItem(Result.Text, "checked", [&] { return DocumentOf(Checked, static_cast<std::size_t>(Index)); });
     Result.Sections.push_back(std::move(Checked));
   }
 }

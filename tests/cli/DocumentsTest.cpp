@@ -44,13 +44,14 @@ class TDescription {
   /// Checks a whole document; says what is wrong with it.
   std::string Faults(const TJson& Document) {
     FFaults.clear();
-    const std::string Schema = Document.value("schema", "");
-    std::vector<TMember> Members = FMembers["Document"];
-    const bool IsError = Schema == "velkrund/error/1";
-    if (!IsError && !FMembers.contains(Schema)) FFaults += "no schema '" + Schema + "'\n";
-    if (!IsError) Members.insert(Members.end(), FMembers[Schema].begin(), FMembers[Schema].end());
-    CheckObject(Document, IsError ? "Document" : Schema, Members);
-    if (Document.contains("error") == (Document.value("exitCode", -1) == 0)) FFaults += "error and exitCode disagree\n";
+    CheckDocument(Document);
+    return FFaults;
+  }
+  /// The same of an event.
+  std::string FaultsOfEvent(const TJson& Event) {
+    FFaults.clear();
+    const std::string Kind = Event.value("event", "");
+    CheckObject(Event, Kind, FMembers[Kind]);
     return FFaults;
   }
   /// What no document has had so far.
@@ -70,6 +71,16 @@ class TDescription {
     bool IsAlways;
   };
 
+  bool CheckDocument(const TJson& Document) {
+    const std::string Schema = Document.value("schema", "");
+    std::vector<TMember> Members = FMembers["Document"];
+    const bool IsError = Schema == "velkrund/error/1";
+    if (!IsError && !FMembers.contains(Schema)) FFaults += "no schema '" + Schema + "'\n";
+    if (!IsError) Members.insert(Members.end(), FMembers[Schema].begin(), FMembers[Schema].end());
+    CheckObject(Document, IsError ? "Document" : Schema, Members);
+    if (Document.contains("error") == (Document.value("exitCode", -1) == 0)) FFaults += "error and exitCode disagree\n";
+    return true;
+  }
   void CheckObject(const TJson& Value, const std::string& Name, const std::vector<TMember>& Members) {
     std::size_t Reached = 0;  // members stand in the order of the table
     for (const auto& [Key, Content] : Value.items()) {
@@ -103,6 +114,7 @@ class TDescription {
     if (Type == "number") return Value.is_number();
     if (Type == "boolean") return Value.is_boolean();
     if (Type == "null") return Value.is_null();
+    if (Type == "Report") return CheckDocument(Value);
     if (FWords.contains(Type)) return Value.is_string() && FWords[Type].contains(Value.get<std::string>());
     if (!FMembers.contains(Type) || !Value.is_object()) return false;
     CheckObject(Value, Type, FMembers[Type]);
@@ -155,6 +167,22 @@ class TDocumentsTest : public TShopTest {
     EXPECT_EQ(Document.value("exitCode", -1), ExitCode) << Line;
     EXPECT_EQ(Description.Faults(Document), "") << Line << "\n" << Outcome.Output;
   }
+  /// Runs a line of the shell whose standard error carries events and nothing else; their kinds in order, each once in
+  /// a row.
+  std::string Events(const std::string& Line) {
+    std::string Kinds, Last;
+    for (const std::string& Event : Split(Shell(Line).Errors, "\n")) {
+      if (Event.empty()) continue;
+      const TJson Told = TJson::parse(Event, nullptr, false);
+      EXPECT_TRUE(Told.is_object()) << Line << "\n" << Event;
+      if (!Told.is_object()) continue;
+      EXPECT_EQ(Description.FaultsOfEvent(Told), "") << Line << "\n" << Event;
+      const auto Kind = Told.value("event", "");
+      if (Kind != Last) Kinds += (Kinds.empty() ? "" : " ") + Kind;
+      Last = Kind;
+    }
+    return Kinds;
+  }
   struct TCase {
     std::string Line;
     int ExitCode;
@@ -185,6 +213,8 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"export table" + Shop + "-t C -o G --encoding ansi --allow-loss", 0, "transfer"},
       {"export table" + Shop + "-t NONE -o G", 1, "error"},
       {"export table -d shop.db -t A -o G", 2, "error"},
+      {"exprot", 2, "error"},
+      {"export table --tabel A", 2, "error"},
       {"export table -d none -t A -o G", 1, "error"},
       {"export table -d sqlite:none.db -t A -o G", 1, "error"},
       {"export table --config broken.toml -d x -t A -o G", 1, "error"},
@@ -227,6 +257,18 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
   ASSERT_TRUE(WaitUntil([&] { return Read("N").size() > 0; }));
   kill(Process, SIGINT);
   Check("a cancelled export", 3, "transfer", Finish(Process));
+
+  // Events: a run, one with a question that is answered at the second attempt, one that nobody answers, wrong lines.
+  const std::string With = " --progress json ";
+  EXPECT_EQ(Events("$V import table -i X -i F --replace" + With + Empty), "end");
+  EXPECT_EQ(Events("$V import file -i F --replace" + With + Empty), "begin message item end");
+  EXPECT_EQ(Events("(echo what; echo append) | $V import file -i O" + With + Tied), "question begin item end");
+  EXPECT_EQ(Events("$V import file -i O </dev/null" + With + Tied), "end");
+  EXPECT_EQ(Events("(echo yes) | $V import structure -i S" + With + Empty), "begin item end");
+  EXPECT_EQ(Events("(echo skip) | $V import structure -i S" + With + Empty), "begin question item end");
+  EXPECT_EQ(Events("$V file check F X -v" + With), "begin item begin item end");
+  EXPECT_EQ(Events("$V file list F" + With), "end");
+  EXPECT_EQ(Events("timeout -s INT 3 $V export table -o - -t S -d sqlite:slow.db" + With), "begin progress item end");
 
   TPostgreSQLDatabase Database;
   Database.Run(

@@ -77,7 +77,7 @@ TEST_F(TCompletionTest, BashOffersWhatMayStandThere) {
       {{"nothing", ""}, ""},
       {{"--json", "-v", "exp"}, "export"},
       {{"--js"}, "--json"},
-      {{"--progress", ""}, "auto|bar|plain|none"},
+      {{"--progress", ""}, "auto|bar|plain|none|json"},
       {{"--config", "=", "a.toml", "file", "--progress", "bar", "che"}, "check"},
       {{"file", "-y", "list", "o"}, "orders.eif"},
       {{"file", "list", "--", "-"}, ""},

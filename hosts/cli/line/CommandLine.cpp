@@ -53,9 +53,9 @@ class TLine {
 
   /// The words that lead to a command, as far as they do.
   std::string Reached() const {
-    if (!IsVerb(Word(0))) return "velkrund";
+    if (!IsVerb(Word(0))) return {};
     const TCommand* const Command = Find(Word(0), Word(1));
-    return "velkrund " + (Command ? Command->Name() : Word(0));
+    return Command ? Command->Name() : Word(0);
   }
 
  private:
@@ -198,21 +198,20 @@ TParsedLine ParseCommandLine(const TCommands& Commands, int Count, const char* c
   try {
     return Line.Parse();
   } catch (const EUsage& Error) {
-    throw EUsage(Format("%s\n(%s --help tells more)", Error.what(), Line.Reached()));
+    throw EWrongLine(Error.what(), Line.Reached());
   }
 }
 
-bool AsksForDocument(int Count, const char* const* Arguments) {
+TWanted WantedOf(int Count, const char* const* Arguments) {
   const TArguments Options = BeforeTheEnd(ArgumentsOf(Count, Arguments));
-  bool Result = false;
-  for (std::size_t At = 0; At < Options.size(); ++At) {
-    const std::string& Option = Options[At];
-    const bool IsOutput = Option == "-o" || Option == "--output";
-    if (Option == "-o-" || Option == "--output=-" || (IsOutput && At + 1 < Options.size() && Options[At + 1] == "-"))
-      return false;
-    Result = Result || Option == "--json";
-  }
-  return Result;
+  const auto Has = [&Options](const char* Name, const std::string& Value) {
+    for (std::size_t At = 0; At < Options.size(); ++At)
+      if (Options[At] == Name + Value || Options[At] == Name + ("=" + Value) ||
+          (Options[At] == Name && At + 1 < Options.size() && Options[At + 1] == Value))
+        return true;
+    return false;
+  };
+  return {Has("--json", "") && !Has("-o", "-") && !Has("--output", "-"), Has("--progress", "json")};
 }
 
 }  // namespace velkrund

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 #include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -39,7 +38,7 @@ void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t To
   if (FStyle != TProgressStyle::Json) return;
   TDocument Told = TConsole::NewEvent("begin");
   Told.Set("subject", Name).Set("unit", FUnit);
-  Told.Set("total", FTotal < 0 ? std::nullopt : std::optional<std::int64_t>(FTotal));
+  if (FTotal >= 0) Told.Set("total", FTotal);
   FConsole.Event(Told);
 }
 

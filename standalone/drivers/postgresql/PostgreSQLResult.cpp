@@ -113,7 +113,7 @@ TErrorInfo PostgreSQLErrorInfo(const TPostgreSQLResult& Result, std::string_view
                   .Table = std::string(Result.Diagnostic(PG_DIAG_TABLE_NAME)),
                   .Column = std::string(Result.Diagnostic(PG_DIAG_COLUMN_NAME)),
                   .EngineCode = std::string(Result.Diagnostic(PG_DIAG_SQLSTATE)),
-                  .Statement = std::string(Statement)};
+                  .Statement = Shortened(Statement, MaxStatementInMessage)};
   if (Info.EngineCode.empty()) Info.Code = TErrorCode::Connection;
   for (const auto& [State, Code] : StateCodes) {
     if (!Info.EngineCode.starts_with(State)) continue;

@@ -53,7 +53,8 @@ void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place
   const bool Stopped = (Code & 0xFF) == SQLITE_BUSY && TSQLiteWait::TakeStopped(Database);
   if (Stopped || Code == SQLITE_INTERRUPT) throw EAbort(Format("%s: cancelled", What));
   std::string Message = Format("%s: %s (SQLite error %d)%s", What, sqlite3_errmsg(Database), Code, Hint(Code));
-  if (ShowStatement) Message += "; statement: " + Shortened(Place.Statement, MaxStatementInMessage);
+  Place.Statement = Shortened(Place.Statement, MaxStatementInMessage);
+  if (ShowStatement) Message += "; statement: " + Place.Statement;
   Place.Code = CodeOf(Code);
   Place.EngineCode = std::to_string(Code);
   throw EDatabaseError(Message, std::move(Place));

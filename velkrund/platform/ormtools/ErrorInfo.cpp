@@ -1,5 +1,6 @@
 #include "velkrund/platform/ormtools/ErrorInfo.h"
 
+#include <iterator>
 #include <system_error>
 
 #include "velkrund/platform/ormtools/Text.h"
@@ -7,6 +8,43 @@
 namespace velkrund {
 
 namespace {
+
+/// In the order of the codes.
+constexpr std::string_view CodeWords[] = {
+    "other",
+    "cancelled",
+    "unanswered",
+    "settings",
+    "configuration",
+    "file-missing",
+    "file-access",
+    "file-in-use",
+    "file-open",
+    "file-read",
+    "file-write",
+    "disk-full",
+    "pipe-closed",
+    "file-kind",
+    "file-structure",
+    "section-missing",
+    "record",
+    "value",
+    "unreadable-value",
+    "text",
+    "database-name",
+    "database-missing",
+    "database-read-only",
+    "database-busy",
+    "database-access",
+    "connection",
+    "database",
+    "table-missing",
+    "field-missing",
+    "row-refused",
+    "references",
+    "structure-missing",
+    "structure",
+};
 
 template <typename T>
 void FillOne(T& Known, const T& Other) {
@@ -16,75 +54,9 @@ void FillOne(T& Known, const T& Other) {
 }  // namespace
 
 std::string_view ErrorCodeText(TErrorCode Code) {
-  switch (Code) {
-    case TErrorCode::Cancelled:
-      return "cancelled";
-    case TErrorCode::Unanswered:
-      return "unanswered";
-    case TErrorCode::Settings:
-      return "settings";
-    case TErrorCode::Configuration:
-      return "configuration";
-    case TErrorCode::FileMissing:
-      return "file-missing";
-    case TErrorCode::FileAccess:
-      return "file-access";
-    case TErrorCode::FileInUse:
-      return "file-in-use";
-    case TErrorCode::FileOpen:
-      return "file-open";
-    case TErrorCode::FileRead:
-      return "file-read";
-    case TErrorCode::FileWrite:
-      return "file-write";
-    case TErrorCode::DiskFull:
-      return "disk-full";
-    case TErrorCode::PipeClosed:
-      return "pipe-closed";
-    case TErrorCode::FileKind:
-      return "file-kind";
-    case TErrorCode::FileStructure:
-      return "file-structure";
-    case TErrorCode::SectionMissing:
-      return "section-missing";
-    case TErrorCode::Record:
-      return "record";
-    case TErrorCode::Value:
-      return "value";
-    case TErrorCode::UnreadableValue:
-      return "unreadable-value";
-    case TErrorCode::Text:
-      return "text";
-    case TErrorCode::DatabaseName:
-      return "database-name";
-    case TErrorCode::DatabaseMissing:
-      return "database-missing";
-    case TErrorCode::DatabaseReadOnly:
-      return "database-read-only";
-    case TErrorCode::DatabaseBusy:
-      return "database-busy";
-    case TErrorCode::DatabaseAccess:
-      return "database-access";
-    case TErrorCode::Connection:
-      return "connection";
-    case TErrorCode::Database:
-      return "database";
-    case TErrorCode::TableMissing:
-      return "table-missing";
-    case TErrorCode::FieldMissing:
-      return "field-missing";
-    case TErrorCode::RowRefused:
-      return "row-refused";
-    case TErrorCode::References:
-      return "references";
-    case TErrorCode::StructureMissing:
-      return "structure-missing";
-    case TErrorCode::Structure:
-      return "structure";
-    case TErrorCode::Other:
-      break;
-  }
-  return "other";
+  static_assert(std::size(CodeWords) == static_cast<std::size_t>(TErrorCode::Structure) + 1);
+  const auto Place = static_cast<std::size_t>(Code);
+  return CodeWords[Place < std::size(CodeWords) ? Place : 0];
 }
 
 TErrorCode FileErrorCode(int Error) {

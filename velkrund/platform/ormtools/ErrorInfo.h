@@ -44,7 +44,7 @@ enum class TErrorCode {
   Structure,  // a stored structure, or the text of one
 };
 
-/// The word of a code: "file-missing".
+/// The word of a code: "file-missing"; of a number that is no code "other".
 std::string_view ErrorCodeText(TErrorCode Code);
 
 /// Of a failed operation on a file. Error: a value of errno. Other: none that says more than what failed.

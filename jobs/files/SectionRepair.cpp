@@ -121,11 +121,10 @@ std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled
     if (File.UnreadPosition() < 0 || !IsStructureFault(Error)) throw;
     Fault = FactsOf(Error);
     if (!WasNeverFinished(File, Canceled))
-      throw EEIError(
-          Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
-                 "nothing was changed. %s",
-                 Fault->Message),
-          Fault->Info);
+      throw EEIError(Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
+                            "nothing was changed. %s",
+                            Fault->Message),
+                     Fault->Info);
     return File.UnreadPosition();
   }
   return UnfinishedMarker(File.Stream());

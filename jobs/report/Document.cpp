@@ -24,8 +24,8 @@ TDocument::~TDocument() = default;
 TDocument TDocument::Headed(std::string_view Schema, std::string_view Command, int ExitCode) {
   TDocument Result;
   Result.Set("schema", std::string("velkrund/").append(Schema).append("/1"));
-  Result.Set("command", Command).Set("exitCode", ExitCode);
-  return Result;
+  if (!Command.empty()) Result.Set("command", Command);
+  return std::move(Result.Set("exitCode", ExitCode));
 }
 
 TDocument TDocument::List() {

@@ -17,7 +17,7 @@ class TDocument {
   /// An object without members.
   TDocument();
   /// A whole document: an object that begins with its form ("velkrund/transfer/1"), what was asked for ("export
-  /// table") and how it ended. Schema: the form's name.
+  /// table"; empty: that is not known) and how it ended. Schema: the form's name.
   static TDocument Headed(std::string_view Schema, std::string_view Command, int ExitCode);
   /// A list without elements.
   static TDocument List();

@@ -22,8 +22,18 @@ constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},
 };
 
-bool IsAboutFile(TErrorCode Code) {
-  return Code == TErrorCode::FileStructure || Code == TErrorCode::Record || Code == TErrorCode::Structure;
+/// Whether a check of the file finds it too.
+bool IsFaultOfFile(const TErrorFacts& Error) {
+  switch (Error.Info.Code) {
+    case TErrorCode::FileStructure:
+    case TErrorCode::Record:
+    case TErrorCode::Structure:
+      return true;
+    case TErrorCode::Value:
+      return Error.ClassName != "EDatabaseError";
+    default:
+      return false;
+  }
 }
 
 /// What can be done about it with another command, or outside; empty where the message says all that is known.
@@ -33,12 +43,16 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
   if (Info.Code == TErrorCode::FileStructure && InFile && Error.Message.find("end not found") != std::string::npos)
     return Format("velkrund file repair '%s' cuts off what an export has left unfinished", Info.File);
   const bool Checks = Session.Interface && Session.Interface->ClassType() == TInterfaceClass(TJobCheckFiles::Interface);
-  if (IsAboutFile(Info.Code) && InFile && !Checks)
-    return Format("velkrund file check '%s' names every fault", Info.File);
+  if (IsFaultOfFile(Error) && InFile && !Checks) return Format("velkrund file check '%s' names every fault", Info.File);
   if (Info.Code == TErrorCode::StructureMissing) return "velkrund dictionary list shows what there is";
-  if (Info.Code == TErrorCode::TableMissing) return "velkrund database info shows what there is";
+  const bool SaysWhatThereIs =
+      Error.Message.find(": it has ") != std::string::npos && Error.Message.find(" more") == std::string::npos;
+  if (Info.Code == TErrorCode::TableMissing && !SaysWhatThereIs) return "velkrund database info shows what there is";
+  if (Info.Code == TErrorCode::DatabaseAccess && !Info.Table.empty())
+    return "have the right granted, or connect as a role that has it";
   if (Info.Code == TErrorCode::DiskFull) return "make room, then run it again";
-  if (Info.Code == TErrorCode::FileInUse) return "run it again when that is done";
+  if (Info.Code == TErrorCode::FileInUse || Info.Code == TErrorCode::DatabaseBusy)
+    return "run it again when that is done";
   return {};
 }
 
@@ -48,6 +62,8 @@ std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::s
   const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
   for (const auto& [Code, Property, Text] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
+    // A field that was named, and not one that the file has.
+    if (Code == TErrorCode::FieldMissing && Error.Info.Line == 0) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
     return Text.empty() ? Format(": %s", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
   }

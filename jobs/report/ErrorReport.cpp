@@ -29,7 +29,7 @@ std::string PlaceText(const TErrorFacts& Facts) {
     if (!Text.empty() && !Names(Facts.Message, Text)) Parts.push_back(Format("%s %s", What, Text));
   };
   Add("table", Info.Table);
-  if (Info.Line == 0) Add("section", Info.Section);
+  if (Info.Line == 0 && !Says(Facts.Message, Info.Section)) Add("section", Info.Section);
   Add("field", Info.Column);
   const std::string Record = std::to_string(Info.Record);
   const bool SaysRecord = Says(Facts.Message, "record " + Record) || Says(Facts.Message, "Record:" + Record);

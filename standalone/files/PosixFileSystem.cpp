@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -123,8 +124,10 @@ bool IsCreating(TFileMode Mode) { return Mode == TFileMode::Create || Mode == TF
 [[noreturn]] void RaiseNotOpened(TFileMode Mode, const std::string& Path, int Error) {
   std::string Why = Reason(Error);
   // What is missing is the folder.
-  if (IsCreating(Mode) && Error == ENOENT && Path.rfind('/') != std::string::npos)
-    Why = Format("there is no folder '%s'", Path.substr(0, Path.rfind('/')));
+  const std::string Folder = Path.substr(0, std::min(Path.rfind('/'), Path.size()));
+  struct stat Status;
+  if (IsCreating(Mode) && Error == ENOENT && Folder != Path && stat(Folder.c_str(), &Status) != 0)
+    Why = Format("there is no folder '%s'", Folder);
   RaiseNotOpened(Mode, Path, Why, FileErrorCode(Error));
 }
 

@@ -140,9 +140,9 @@ void TKeyedLoading::CheckBroken() const {
     if (After.Count <= Before) continue;
     throw EDatabaseError(
         Format(
-            "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s refer to "
+            "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s to "
             "rows that are not there (before: %d), for example %s. Load what they refer to in the same run, or before",
-            Name, Counted(After.Count, "value"), Before, After.Example),
+            Name, Counted(After.Count, "value") + (After.Count == 1 ? " refers" : " refer"), Before, After.Example),
         {.Code = TErrorCode::References, .Table = Name});
   }
 }

@@ -113,7 +113,7 @@ TEST_F(TExportTableTest, AFailureLeavesEverythingAsItWas) {
   const TCase Cases[] = {
       {{"-t", "A", "--encoding", "ansi", "--section", "N"}, false, "velkrund: A text has characters"},
       {{"-t", "A", "--encoding", "ansi", "--overwrite", "yes"}, true, "velkrund: A text has characters"},
-      {{"-t", "NONE"}, false, "no table 'NONE' in the database sqlite:shop.db: it has A, B; velkrund"},
+      {{"-t", "NONE"}, false, "no table 'NONE' in the database sqlite:shop.db: it has A, B\n"},
       {{"-t", "B", "-t", "NONE"}, true, "no table 'NONE'"},
       {{"-t", "B", "--fields", "ID,WRONG"}, false, "no field 'WRONG' in the table 'B': it has ID, X\n"},
       {{"-t", "A", "--fields", "ID,naem"}, false, "it has ID, NAME, PRICE, BIN, AT; did you mean 'NAME'?\n"},

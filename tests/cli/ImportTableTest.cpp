@@ -45,8 +45,7 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
            {"-i", "lost.eif"},
            1,
            "0|0",
-           "no table 'NONE' for section 0 'NONE' (TableData) in the database sqlite:empty.db: it has A, B; velkrund "
-           "database info"},
+           "no table 'NONE' for section 0 'NONE' (TableData) in the database sqlite:empty.db: it has A, B\n"},
           {"", {"-i", "lost.eif", "--section", "noen"}, 1, "0|0", "'NONE' (TableData); did you mean 'NONE'?"},
           {"", {"-i", "lost.eif", "-t", "A"}, 0, "1|0", "imported table A"},
           {"", {"-i", "typo.eif"}, 1, "0|0", "velkrund: typo.eif:12: "},

@@ -74,6 +74,10 @@ TEST_F(TPostgreSQLTest, PasswordsComeFromTheirFileOrAVariableAndAreNotShown) {
   for (const auto& [Line, ExitCode] : Cases) {
     const TOutcome Outcome = Shell("chmod 600 passwords; export PW=; " + Line);
     EXPECT_EQ(Outcome.ExitCode, ExitCode) << Line << Outcome.Errors;
+    if (Line.starts_with("PW='a:b/c@d?e#' ")) {
+      EXPECT_NE(Outcome.Errors.find("password authentication failed for user \"" + Role), std::string::npos)
+          << Outcome.Errors;
+    }
     for (const char* Piece : {"b/c", "b%2Fc", "c@d", "e#"})
       EXPECT_EQ((Outcome.Output + Outcome.Errors).find(Piece), std::string::npos) << Outcome.Output << Outcome.Errors;
   }

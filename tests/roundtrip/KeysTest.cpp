@@ -167,7 +167,7 @@ TEST_P(Keys, ASectionAloneMindsThemToo) {
       {"l:1,7", false, "INSERT INTO o VALUES (7); INSERT INTO l VALUES (7, 7)", "o7 l1,7", "", ""},
       {"l:1,7;2,7", true, "INSERT INTO o VALUES (7); INSERT INTO l VALUES (3, 7)", "o7 l1,7 l2,7 l3,7", "", ""},
       {"l:1,7;2,8", false, "INSERT INTO o VALUES (7); INSERT INTO l VALUES (7, 7)", "o7 l7,7",
-       "1 value refer to rows that are not there (before: 0), for example row 2", "violates foreign key constraint"},
+       "1 value refers to rows that are not there (before: 0), for example row 2", "violates foreign key constraint"},
       {"o:1", false, "INSERT INTO o VALUES (7); INSERT INTO l VALUES (7, 7)", "o7 l7,7", "would be broken",
        "also delete or change rows of 'l'"},
       {"o:1", true, "INSERT INTO o VALUES (7); INSERT INTO l VALUES (7, 7)", "o1 o7 l7,7", "", ""},

@@ -94,6 +94,7 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
 void TEICommonTableData::ImportData(TEIStream& Stream) {
   BeginRun(Stream);
   FStopped = false;
+  FRecordStart = 0;
   try {
     const std::vector<std::string> Names = ReadFieldNames(Stream);
     FRecordsStart = Stream.Position();
@@ -110,7 +111,10 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
 /// have held rows back: then it is not the one last read.
 void TEICommonTableData::PlaceError(Exception& Error, TEIStream& Stream) {
   Error.Add({.Table = TableName});
-  if (!dynamic_cast<const EDatabaseError*>(&Error)) return;
+  if (!dynamic_cast<const EDatabaseError*>(&Error)) {
+    if (FRecordStart > 0) Error.Add({.Record = Report->RowCount + 1});
+    return;
+  }
   Stream.SetErrorLine(-1);
   const std::int64_t Record = Error.Info().Record;
   if (Record < 1 || Record > Report->RowCount + 1) return;

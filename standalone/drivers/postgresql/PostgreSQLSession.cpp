@@ -297,7 +297,7 @@ TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std:
 void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Statement) {
   const TPostgreSQLResult Result = Run(Statement, {}, TFormat::Text);
   const ExecStatusType Status = PQresultStatus(Result.Handle());
-  if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, Statement);
+  if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, {}, {.Statement = Statement});
   // So that nothing waits inside the client library.
   if (Status == PGRES_COPY_IN) PQsetnonblocking(Handle(), 1);
 }

@@ -98,16 +98,16 @@ class TEICommonTableData : public TEIObject {
   void ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ReadRecord(TEIStream& Stream);
   void RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream);
-  std::span<char> NextValue(char*& At);
   std::string ValueInFile(std::size_t Column, TEIStream& Stream);
   void PlaceError(Exception& Error, TEIStream& Stream);
   [[noreturn]] void RecordError(std::string_view What, TEIStream& Stream) const;
 
   TTableDataReport FOwnReport;
   std::string FRecord;
-  std::int64_t FRecordStart = 0;   // of the record at hand, within the body
-  std::int64_t FRecordsStart = 0;  // of the first one
-  std::int64_t FRecordsLine = 0;   // lines before it
+  const TImportField* FColumn = nullptr;  // whose value is being read
+  std::int64_t FRecordStart = 0;          // of the record at hand, within the body
+  std::int64_t FRecordsStart = 0;         // of the first one
+  std::int64_t FRecordsLine = 0;          // lines before it
   bool FWritesAnsi = false;
   bool FStrictText;
   TTextLosses* FLosses = nullptr;  // borrowed from the stream, during a run

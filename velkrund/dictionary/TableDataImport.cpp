@@ -31,6 +31,16 @@ std::span<char> TrimInPlace(std::span<char> Text) {
   return Text.subspan(static_cast<std::size_t>(Kept.data() - All.data()), Kept.size());
 }
 
+/// The value that begins at At, trimmed; At is moved to the next one. Behind End values are empty.
+inline std::span<char> NextValue(char*& At, char* End) {
+  char* const Start = std::min(At, End);
+  const auto Left = static_cast<std::size_t>(End - Start);
+  char* Stop = Left ? static_cast<char*>(std::memchr(Start, '|', Left)) : nullptr;
+  if (!Stop) Stop = End;
+  At = Stop + 1;
+  return TrimInPlace({Start, Stop});
+}
+
 /// The loading of one table alone; null where there are no foreign keys to mind.
 std::unique_ptr<TTableLoading> LoadingOf(const TODBCTable& Table, bool Empty, const std::string& DatabaseName) {
   return Relations() ? Relations()->Load(DatabaseName, {{Table.TableName(), Empty}}) : nullptr;
@@ -160,16 +170,21 @@ void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField
 }
 
 void TEICommonTableData::ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
-  while ((FRecordStart = Stream.Position()) < Stream.Size()) {
-    Target.ClearData();
-    ReadRecord(Stream);
-    RecordToFields(Columns, Stream);
-    Target.AppendRecord();
-    ++Report->RowCount;
-    if (IsCanceled()) {
-      FStopped = true;
-      return;
+  FColumn = nullptr;
+  try {
+    while (!FStopped && (FRecordStart = Stream.Position()) < Stream.Size()) {
+      Target.ClearData();
+      ReadRecord(Stream);
+      RecordToFields(Columns, Stream);
+      Target.AppendRecord();
+      ++Report->RowCount;
+      FStopped = IsCanceled();
     }
+  } catch (Exception& Error) {
+    if (!FColumn) throw;
+    const auto Index = static_cast<std::size_t>(FColumn - Columns.data());
+    Error.Add({.Column = FColumn->Name, .Record = Report->RowCount + 1, .Value = ValueInFile(Index, Stream)});
+    throw;
   }
 }
 
@@ -187,33 +202,18 @@ void TEICommonTableData::ReadRecord(TEIStream& Stream) {
   if (FRecord.size() < 2 || FRecord.back() != '>') RecordError("'>' is missing", Stream);
 }
 
-/// The value that begins at At, trimmed; At is moved to the next one. Behind the record's end values are empty.
-std::span<char> TEICommonTableData::NextValue(char*& At) {
-  char* const End = FRecord.data() + FRecord.size() - 1;
-  char* const Start = std::min(At, End);
-  const auto Left = static_cast<std::size_t>(End - Start);
-  char* Stop = Left ? static_cast<char*>(std::memchr(Start, '|', Left)) : nullptr;
-  if (!Stop) Stop = End;
-  At = Stop + 1;
-  return TrimInPlace({Start, Stop});
-}
-
 void TEICommonTableData::RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream) {
   char* At = FRecord.data() + 1;
-  std::size_t Index = 0;
-  try {
-    for (; Index < Columns.size(); ++Index) {
-      const TImportField& Column = Columns[Index];
-      const std::span<char> Value = NextValue(At);
-      if (Value.empty())
-        ImportError(Format("Invalid record data structure. Field value is missing (Position:%d;Field:'%s')",
-                           Stream.Position(), Column.Name));
-      if (Column.Target) StringToField(Value, *Column.Target);
-    }
-  } catch (Exception& Error) {
-    Error.Add({.Column = Columns[Index].Name, .Record = Report->RowCount + 1, .Value = ValueInFile(Index, Stream)});
-    throw;
+  char* const End = FRecord.data() + FRecord.size() - 1;
+  for (const TImportField& Column : Columns) {
+    FColumn = &Column;
+    const std::span<char> Value = NextValue(At, End);
+    if (Value.empty())
+      ImportError(Format("Invalid record data structure. Field value is missing (Position:%d;Field:'%s')",
+                         Stream.Position(), Column.Name));
+    if (Column.Target) StringToField(Value, *Column.Target);
   }
+  FColumn = nullptr;
 }
 
 /// Values are decoded where they stand: what was there is read again.
@@ -224,8 +224,9 @@ std::string TEICommonTableData::ValueInFile(std::size_t Column, TEIStream& Strea
     Stream.SetPosition(FRecordStart);
     ReadRecord(Stream);
     char* At = FRecord.data() + 1;
-    for (std::size_t Before = 0; Before < Column; ++Before) NextValue(At);
-    const std::span<char> Value = NextValue(At);
+    char* const End = FRecord.data() + FRecord.size() - 1;
+    for (std::size_t Before = 0; Before < Column; ++Before) NextValue(At, End);
+    const std::span<char> Value = NextValue(At, End);
     Result = Shortened({Value.data(), Value.size()});
   } catch (const std::exception&) {
     // The file has changed meanwhile; the error on its way out is the one to tell.

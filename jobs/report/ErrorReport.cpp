@@ -21,6 +21,16 @@ std::string OnOneLine(const std::string& Text) {
   return Result;
 }
 
+/// The value as it stands in the message, which has all of it.
+std::size_t LongValueAt(const TErrorFacts& Facts) {
+  constexpr std::string_view Rest = "...";
+  const std::string_view Value = Facts.Info.Value;
+  if (!Value.ends_with(Rest)) return std::string::npos;
+  const std::string Lead = "Value: ";
+  const std::size_t At = Facts.Message.find(Lead + std::string(Value.substr(0, Value.size() - Rest.size())));
+  return At == std::string::npos ? At : At + Lead.size();
+}
+
 /// What the message does not say itself.
 std::string PlaceText(const TErrorFacts& Facts) {
   const TErrorInfo& Info = Facts.Info;
@@ -34,7 +44,8 @@ std::string PlaceText(const TErrorFacts& Facts) {
   const std::string Record = std::to_string(Info.Record);
   const bool SaysRecord = Says(Facts.Message, "record " + Record) || Says(Facts.Message, "Record:" + Record);
   if (Info.Record > 0 && !SaysRecord) Parts.push_back("record " + Record);
-  if (!Info.Value.empty() && !Says(Facts.Message, Info.Value)) Parts.push_back("value " + Info.Value);
+  if (!Info.Value.empty() && !Says(Facts.Message, Info.Value) && LongValueAt(Facts) == std::string::npos)
+    Parts.push_back("value " + Info.Value);
   return Joined(Parts);
 }
 
@@ -49,7 +60,8 @@ std::string ErrorLine(const TErrorFacts& Facts) {
     Result += " ";
   }
   if (Facts.Message.starts_with(Result)) Result.clear();  // it says so itself
-  Result += Facts.Message;
+  const std::size_t LongValue = LongValueAt(Facts);
+  Result += LongValue == std::string::npos ? Facts.Message : Facts.Message.substr(0, LongValue) + Info.Value;
   if (const std::string Place = PlaceText(Facts); !Place.empty()) Result += Format(" (%s)", Place);
   return OnOneLine(Result);
 }

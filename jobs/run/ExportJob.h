@@ -59,6 +59,7 @@ class TExportJob : public TSectionsJob {
   bool IsLast(std::size_t Index) const;
   bool GoOn(const TItem& Failed);
   void Finish();
+  void Undeliver(TItemState State);
 
   const char* const FKind;
   const TSectionRole FRole;

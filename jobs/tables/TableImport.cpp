@@ -69,13 +69,16 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) cons
           {.Code = TErrorCode::FieldMissing, .File = Input.Name(), .Section = Sections[Index].Name(), .Column = Field});
   const std::vector<std::string>& Wanted = FSettings.Fields.empty() ? *Names : FSettings.Fields;
   const auto InTable = [&](const std::string& Field) { return Table.FindField(Field) != nullptr; };
+  // There are tables without a field, whose rows are merely counted.
+  if (Wanted.empty() && Table.Record().FieldCount() == 0) return;
   if (std::none_of(Wanted.begin(), Wanted.end(), InTable))
-    throw EEIError(Format("The table '%s' has none of the fields of %s: %s", Table.TableName(),
-                          SectionText(Sections, Index), JoinedInShort(Wanted)),
-                   {.Code = TErrorCode::FieldMissing,
-                    .File = Input.Name(),
-                    .Section = Sections[Index].Name(),
-                    .Table = Table.TableName()});
+    throw EEIError(
+        Format("The table '%s' has none of the fields of %s%s", Table.TableName(), SectionText(Sections, Index),
+               Wanted.empty() ? ", which has none" : ": " + JoinedInShort(Wanted)),
+        {.Code = TErrorCode::FieldMissing,
+         .File = Input.Name(),
+         .Section = Sections[Index].Name(),
+         .Table = Table.TableName()});
 }
 
 void TTableImport::RefuseUnanswered() const {

@@ -9,8 +9,8 @@ namespace velkrund {
 void TTableSearch::Missing(const std::string& Name, const std::string& For) const {
   std::vector<std::string> Tables;
   for (const TTableInfo& Table : FManager.Tables(FDatabaseName)) Tables.push_back(FullName(Table));
-  throw EDatabaseError(Format("There is no table '%s'%s in the database %s%s", Name, For, FDatabaseText,
-                              ContentHint(Name, Tables, ": it has ")),
+  const std::string Content = Tables.empty() ? ": it has no tables" : ContentHint(Name, Tables, ": it has ");
+  throw EDatabaseError(Format("There is no table '%s'%s in the database %s%s", Name, For, FDatabaseText, Content),
                        {.Code = TErrorCode::TableMissing, .Table = Name, .Database = FDatabaseText});
 }
 

@@ -47,7 +47,12 @@ void TKeyedLoading::PutInOrder(const std::vector<TLoadTarget>& Targets) {
 void TKeyedLoading::Visit(const std::string& Table) {
   TLoaded& Loaded = FTables.at(Table);
   if (std::exchange(Loaded.Visited, true)) return;
-  for (const std::string& Parent : Loaded.Parents) Visit(Parent);
+  for (const std::string& Parent : Loaded.Parents) {
+    const TLoaded& Above = FTables.at(Parent);
+    FCircular = FCircular || (Parent != Table && Above.Visited && !Above.Placed);
+    Visit(Parent);
+  }
+  Loaded.Placed = true;
   Loaded.Rank = FOrder.size();
   FOrder.push_back(Table);
 }
@@ -90,10 +95,11 @@ void TKeyedLoading::CheckEmptying() const {
 
 bool TKeyedLoading::ShouldBeOne() const {
   if (!FConnection.Capabilities().EnforcesForeignKeys) return !FTies.empty();
-  return std::any_of(FTies.begin(), FTies.end(), [this](const TTie& Tie) {
-    return Tie.OfTwo() && IsLoaded(Tie.Child) && IsLoaded(Tie.Parent) &&
-           (IsEmptied(Tie.Child) || IsEmptied(Tie.Parent));
-  });
+  // A key of a circle can only be kept by what is checked at the end, and that has to be the end of all of it.
+  return FCircular || std::any_of(FTies.begin(), FTies.end(), [this](const TTie& Tie) {
+           return Tie.OfTwo() && IsLoaded(Tie.Child) && IsLoaded(Tie.Parent) &&
+                  (IsEmptied(Tie.Child) || IsEmptied(Tie.Parent));
+         });
 }
 
 void TKeyedLoading::Begin() {

@@ -42,6 +42,7 @@ class TKeyedLoading final : public TTableLoading {
     std::int64_t Deleted = 0;               // by Begin
     std::vector<std::string> Parents = {};  // those that are loaded
     bool Visited = false;
+    bool Placed = false;  // and all that it refers to visited as well
     std::size_t Rank = 0;
   };
 
@@ -64,6 +65,7 @@ class TKeyedLoading final : public TTableLoading {
   std::map<std::string, TLoaded> FTables;
   std::vector<std::string> FOrder;  // of their ranks
   bool FRelated = false;            // a table that is loaded refers to another one that is
+  bool FCircular = false;           // tables that are loaded refer to each other
   bool FAreOne = false;
   std::map<std::string, std::int64_t> FBrokenBefore;  // rows, by the table that has the keys
   std::map<std::string, std::string> FUnchecked;      // the engine's reason, by that table

@@ -204,6 +204,7 @@ TEST_F(TExportTableTest, Pipes) {
       {"$V export table -d sqlite:shop.db -t NONE -o -" + ToOther, 1, "3|2"},
       {"sed s/1e+300/7.5/ F | $V import table -d sqlite:empty.db -i /dev/stdin --replace", 0, "3|2"},
       {"$V export table -d sqlite:shop.db --all -o - >/dev/full", 1, "3|2"},
+      {"$V export table -d sqlite:shop.db --all -o /dev/full --json | grep -q '\"state\": \"failed\"'", 0, "3|2"},
       {"$V file list F >/dev/full", 1, "3|2"},
       {"$V file list F >&-", 1, "3|2"},
       // The reader is gone before a byte is written; the command's own exit code is what counts.

@@ -30,6 +30,7 @@ class TMistakesTest : public TShopTest {
     Write("b.eif", Section("B", {"A", "ID"}, {"7|1"}));
     Write("full.eif", Section("FULL", {"ID"}, {"2"}));
     Write("unread.eif", With("<2|", "<2x|"));
+    Write("lengthy.eif", With("<1|", "<" + std::string(5000, 'x') + "|"));
     Write("bracket.eif", With("<2|", "2|"));
     Write("escape.eif", With("'two'", "'tw#00G0'"));
     Write("utf8.eif", With("'two'", "'t\xFF'"));
@@ -143,6 +144,8 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {Import + "a.eif -t AB",
        "There is no table 'AB' for section 0 'A' (TableData) in the database $D: it has A, B, FULL, V; did you mean "
        "'A'?"},
+      {"$V import table -d sqlite:new.db --create -i a.eif",
+       "There is no table 'A' for section 0 'A' (TableData) in the database sqlite:new.db: it has no tables"},
       {Import + "a.eif --fields NAM",
        "a.eif: There is no field 'NAM' in section 0 'A' (TableData): it has ID, N, NAME; did you mean 'NAME'?"},
       {Import + "bracket.eif",
@@ -151,6 +154,12 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {Import + "unread.eif",
        "unread.eif:14: Can not import table data. Invalid record data structure. Field value is incorrect "
        "(Field:'ID'); Value: 2x (table A, record 2); --lenient makes such values NULL and counts them"},
+      {Import + "lengthy.eif",
+       "lengthy.eif:13: Can not import table data. Invalid record data structure. Field value is incorrect "
+       "(Field:'ID'); Value: " +
+           std::string(60, 'x') +
+           "... (table A, record 1); "
+           "--lenient makes such values NULL and counts them"},
       {Import + "escape.eif",
        "escape.eif:14: Error importing table data. Invalid character (#$00G0) in string constant. (table A, field "
        "NAME, record 2, value 'tw#00G0'); velkrund file check 'escape.eif' names every fault"},

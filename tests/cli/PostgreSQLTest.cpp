@@ -21,6 +21,10 @@ TEST_F(TPostgreSQLTest, TheShopMovesInAndOut) {
   Database.Run(
       "CREATE TABLE \"A\" (\"ID\" integer PRIMARY KEY, \"NAME\" text, \"PRICE\" numeric(12,2), \"BIN\" bytea, \"AT\" "
       "timestamp); CREATE TABLE \"B\" (\"ID\" serial PRIMARY KEY, \"X\" double precision)");
+  Database.Run("CREATE TABLE \"BARE\" (); INSERT INTO \"BARE\" DEFAULT VALUES");
+  RunJson({"export", "table", "-d", Database.Url(), "-t", "BARE", "-o", "bare"});
+  EXPECT_EQ(RunJson({"import", "table", "-d", Database.Url(), "-i", "bare", "--append"})["rows"], 1);
+  Database.Run("DROP TABLE \"BARE\"");
   Query("shop.db", "UPDATE A SET AT = AT || '00' WHERE ID = 3");  // as every engine writes it
   RunJson({"export", "table", "-d", "sqlite:shop.db", "--all", "-o", "F"});
   RunJson({"import", "table", "-d", Database.Url(), "-i", "F"});

@@ -21,6 +21,8 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
       {{"list"}, "did you mean 'dictionary list' or 'file list'?"},
       {{"frobnicate"}, "'frobnicate' is not a verb: there are export, import, dictionary, file, database\n"},
       {{"-d", "sqlite:x", "export", "table"}, "'-d' has to stand behind the verb and the object"},
+      {{"info", "-d", "sqlite:x"}, "did you mean 'database info'?"},
+      {{"database", "info", "sqlite:x"}, "here: every value stands behind the name of its option"},
       {{"--jsno", "file", "list", "F"}, "did you mean '--json'?"},
       {{"--config"}, "--config takes exactly one value"},
       {{"--config", "a", "file", "list", "F", "--config", "b"}, "--config takes exactly one value"},

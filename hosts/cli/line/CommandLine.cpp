@@ -97,6 +97,7 @@ class TLine {
   }
 
   [[noreturn]] void RefuseOption(const std::string& Name) const {
+    if (!FWords.empty() && !IsVerb(Word(0))) RefuseWords();
     std::vector<TOption> Known = General().Options;
     if (FWords.empty())
       for (const char* const Option : {"--version", "--manual", "--completion"}) Known.push_back({Option, {}, {}, {}});

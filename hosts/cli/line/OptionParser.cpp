@@ -74,7 +74,10 @@ class TParser {
     const std::string Unknown = HasOption ? Option->substr(0, Option->find('=')) : Extras.front();
     std::vector<TOption> Known;
     for (const TParsedOption& Candidate : FOptions) Known.push_back(Candidate.Option);
-    throw EUsage(Format("'%s' is not understood here%s", Unknown, HasOption ? OptionHint(Unknown, Known) : ""));
+    const bool TakesArguments =
+        std::any_of(Known.begin(), Known.end(), [](const auto& One) { return One.IsArgument(); });
+    const std::string Hint = TakesArguments ? "" : ": every value stands behind the name of its option";
+    throw EUsage(Format("'%s' is not understood here%s", Unknown, HasOption ? OptionHint(Unknown, Known) : Hint));
   }
 
   bool IsGiven(const std::string& Name) const {

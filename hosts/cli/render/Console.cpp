@@ -31,7 +31,9 @@ void TConsole::Message(std::string_view Text) noexcept {
   if (!FTellsEvents) return TTerminal::Message(Text);
   try {
     TDocument Told = NewEvent("message");
-    Told.Set("text", Text);
+    // Whoever reads events knows whose they are.
+    constexpr std::string_view Name = "velkrund: ";
+    Told.Set("text", Text.substr(Text.starts_with(Name) ? Name.size() : 0));
     Event(Told);
   } catch (...) {
     // As above.

@@ -67,7 +67,8 @@ std::string ReportText(const TOutcome& Outcome) {
         Format("%s %s", IsDone ? Outcome.Done : StateForPeople(Item.State), ItemText(Item, Outcome.Files.size() > 1));
     if (IsDone) Result += ": " + AmountText(Item.Rows(), Item.Bytes, Item.Seconds);
     if (IsDone && Item.Counts.DeletedRows > 0)
-      Result += Format("; %s that were there deleted", Counted(Item.Counts.DeletedRows, "row"));
+      Result += Format("; %s deleted that %s there", Counted(Item.Counts.DeletedRows, "row"),
+                       Item.Counts.DeletedRows == 1 ? "was" : "were");
     if (Item.State == TItemState::LeftOut) Result += ": " + Item.Note;
     Result += "\n";
     if (IsDone)

@@ -25,6 +25,8 @@ class TOutputFile {
   ~TOutputFile();
 
   TEIFile& File() { return *FFile; }
+  /// Whether nobody has anything of it before Finish.
+  bool IntoPipe() const { return FSpool != nullptr; }
   /// For messages.
   const std::string& Name() const { return FFile->FileName(); }
   /// Takes the sections with these indexes out again and hands everything to the disk, or to the pipe. Nothing can be

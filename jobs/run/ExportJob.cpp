@@ -182,8 +182,16 @@ void TExportJob::Finish() {
     if (!FReplaced.empty())
       FOutcome.Notes.emplace_back("the sections that were to be replaced stand beside the new ones");
   } catch (const std::exception&) {
-    FOutcome.Fail(std::current_exception());
+    FailFile(std::current_exception());
   }
+}
+
+/// What was written to a pipe has not arrived; in a file it stands.
+void TExportJob::FailFile(const std::exception_ptr& Reason) {
+  if (!FOutput->IntoPipe() || !FOutcome.Any(TItemState::Done)) return FOutcome.Fail(Reason);
+  for (TItem& Item : FOutcome.Items)
+    if (Item.State == TItemState::Done) FOutcome.Fail(Item, Reason);
+  Fault(FactsOf(Reason));
 }
 
 }  // namespace velkrund

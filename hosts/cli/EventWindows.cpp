@@ -102,7 +102,7 @@ bool TEventWindows::Press(TForm& Form, std::string_view Line) const {
   return false;
 }
 
-/// False: the input has ended.
+/// False: the input has ended. The last line may lack its end.
 bool TEventWindows::ReadLine(std::string& Line) {
   for (;;) {
     if (FCanceled && FCanceled()) throw EAbort("Cancelled at a question");
@@ -111,7 +111,7 @@ bool TEventWindows::ReadLine(std::string& Line) {
     char Byte;
     const ssize_t Got = read(FInput, &Byte, 1);
     if (Got < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-    if (Got <= 0) return false;
+    if (Got <= 0) return !Line.empty();
     if (Byte == '\n') return true;
     Line += Byte;
   }

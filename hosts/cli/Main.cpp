@@ -31,7 +31,8 @@ void PrintErrorDocument(const TSession& Session, const TErrorFacts& Error, TEnd 
   try {
     Session.Console.Result(ErrorDocument(Error, Session.Command.Name(), End).Text());
   } catch (const std::exception& Failure) {
-    SayError(Session, FactsOf(Failure));
+    // Where nothing can be printed the error itself may say so already.
+    if (Failure.what() != Error.Message) SayError(Session, FactsOf(Failure));
   }
 }
 
@@ -80,7 +81,21 @@ void ReportWrongLine(TConsole& Console, const EWrongLine& Error, const TWanted& 
     const std::string Line = Error.Reached().empty() ? "velkrund" : "velkrund " + Error.Reached();
     return Console.Message(Format("velkrund: %s\n(%s --help tells more)", Error.what(), Line));
   }
-  Console.Event(std::move(TConsole::NewEvent("end").Set("exitCode", ExitUsage).Set("report", Document())));
+  Console.Event(TConsole::NewEvent("end").Set("exitCode", ExitUsage).Set("report", Document()));
+}
+
+/// Help and the like.
+int PrintText(TConsole& Console, const std::string& Text, const TWanted& Wanted) {
+  if (Wanted.Events) Console.TellEvents();
+  int ExitCode = ExitDone;
+  try {
+    Console.Result(Text);
+  } catch (const std::exception& Error) {
+    Console.Message(std::string("velkrund: ") + Error.what());
+    ExitCode = ExitFailed;
+  }
+  if (Wanted.Events) Console.Event(TConsole::NewEvent("end").Set("exitCode", ExitCode));
+  return ExitCode;
 }
 
 int RunProgram(int Count, const char* const* Arguments) {
@@ -90,8 +105,7 @@ int RunProgram(int Count, const char* const* Arguments) {
     const TCommands Commands = AllCommands();
     const TParsedLine Line = ParseCommandLine(Commands, Count, Arguments);
     if (Line.Command) return RunReported(*Line.Command, Console);
-    Console.Result(Line.Text);
-    return ExitDone;
+    return PrintText(Console, Line.Text, WantedOf(Count, Arguments));
   } catch (const EWrongLine& Error) {
     ReportWrongLine(Console, Error, WantedOf(Count, Arguments));
     return ExitUsage;

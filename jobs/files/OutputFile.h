@@ -25,10 +25,10 @@ class TOutputFile {
   ~TOutputFile();
 
   TEIFile& File() { return *FFile; }
+  /// Whether nobody has anything of it before Finish.
+  bool IntoPipe() const { return FSpool != nullptr; }
   /// For messages.
   const std::string& Name() const { return FFile->FileName(); }
-  /// What is written is handed over by Finish, and not in the file's place before.
-  bool IsSpooled() const { return FSpool != nullptr; }
   /// Takes the sections with these indexes out again and hands everything to the disk, or to the pipe. Nothing can be
   /// added afterwards. Canceled: raises EAbort; what was added stays, and so do the sections.
   void Finish(const std::vector<int>& Replaced, const TSpool::TCanceled& Canceled);

@@ -181,21 +181,20 @@ void TExportJob::Finish() {
     FOutcome.Cancelled = Abort.what();
     if (!FReplaced.empty())
       FOutcome.Notes.emplace_back("the sections that were to be replaced stand beside the new ones");
-    Undeliver(TItemState::Cancelled);
+    if (FOutput->IntoPipe())
+      for (TItem& Item : FOutcome.Items)
+        if (Item.State == TItemState::Done) Item.State = TItemState::Cancelled;
   } catch (const std::exception&) {
-    FOutcome.Fail(std::current_exception());
-    Undeliver(TItemState::Failed);
+    FailFile(std::current_exception());
   }
 }
 
-/// Whoever reads a pipe has a part of the sections at best, and nobody knows which.
-void TExportJob::Undeliver(TItemState State) {
-  if (!FOutput->IsSpooled()) return;
-  for (TItem& Item : FOutcome.Items) {
-    if (Item.State != TItemState::Done) continue;
-    Item.State = State;
-    if (State == TItemState::Failed) Item.Error = FOutcome.Error;
-  }
+/// What was written to a pipe has not arrived; in a file it stands.
+void TExportJob::FailFile(const std::exception_ptr& Reason) {
+  if (!FOutput->IntoPipe() || !FOutcome.Any(TItemState::Done)) return FOutcome.Fail(Reason);
+  for (TItem& Item : FOutcome.Items)
+    if (Item.State == TItemState::Done) FOutcome.Fail(Item, Reason);
+  Fault(FactsOf(Reason));
 }
 
 }  // namespace velkrund

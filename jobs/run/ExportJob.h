@@ -59,7 +59,7 @@ class TExportJob : public TSectionsJob {
   bool IsLast(std::size_t Index) const;
   bool GoOn(const TItem& Failed);
   void Finish();
-  void Undeliver(TItemState State);
+  void FailFile(const std::exception_ptr& Reason);
 
   const char* const FKind;
   const TSectionRole FRole;

@@ -51,6 +51,15 @@ class TLetGo {
   const bool FWasOpen;
 };
 
+/// The error with the one that is being handled as its cause, which is what documents and hosts tell.
+std::exception_ptr WrappedIn(EJobFailed Error) {
+  try {
+    std::throw_with_nested(std::move(Error));
+  } catch (...) {
+    return std::current_exception();
+  }
+}
+
 }  // namespace
 
 int TJob::Execute() {
@@ -196,9 +205,8 @@ std::exception_ptr TSectionsJob::Failure() const {
   try {
     std::rethrow_exception(FOutcome.FirstError);
   } catch (const std::exception& Error) {
-    return std::make_exception_ptr(
-        EJobFailed(Format("%d of %d sections failed. The first error: %s", Failed, FOutcome.Items.size(), Error.what()),
-                   FactsOf(Error).Info));
+    return WrappedIn(EJobFailed(
+        Format("%d of %d sections failed. The first error: %s", Failed, FOutcome.Items.size(), Error.what())));
   }
 }
 

@@ -262,7 +262,8 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
   const std::string With = " --progress json ";
   EXPECT_EQ(Events("$V import table -i X -i F --replace" + With + Empty), "end");
   EXPECT_EQ(Events("$V import file -i F --replace" + With + Empty), "begin message item end");
-  EXPECT_EQ(Events("(echo what; echo append) | $V import file -i O" + With + Tied), "question begin item end");
+  EXPECT_EQ(Events("$V export table --help" + With), "end");
+  EXPECT_EQ(Events("(echo what; printf append) | $V import file -i O" + With + Tied), "question begin item end");
   EXPECT_EQ(Events("$V import file -i O </dev/null" + With + Tied), "end");
   EXPECT_EQ(Events("(echo yes) | $V import structure -i S" + With + Empty), "begin item end");
   EXPECT_EQ(Events("(echo skip) | $V import structure -i S" + With + Empty), "begin question item end");

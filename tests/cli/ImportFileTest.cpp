@@ -68,6 +68,8 @@ TEST_F(TImportFileTest, TheReportCountsWhatBecameOfEverySection) {
   EXPECT_EQ(Report["rows"], 4);
   EXPECT_NE(Report["sections"][0]["error"]["message"].get<std::string>().find("UNIQUE constraint failed: A.ID"),
             std::string::npos);
+  EXPECT_EQ(Report["error"]["message"], Report["sections"][5]["error"]["message"]) << "the first that failed";
+  EXPECT_TRUE(Report["error"]["within"][0].get<std::string>().starts_with("EJobFailed: 3 of 6 sections failed. "));
 }
 
 TEST_F(TImportFileTest, ThroughPipes) {

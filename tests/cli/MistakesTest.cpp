@@ -39,6 +39,7 @@ class TMistakesTest : public TShopTest {
     Write("twice.eif", With("<2|", "<1|"));
     Write("renamed.eif", With("  NAME", "  NAEM"));
     Write("version.eif", With("= 200", "= 300"));
+    Write("table.eif", With("TableName", "Table"));
     Write("cut.eif", Good.substr(0, 150));
     Write("text.txt", "hello");
     Write("empty.eif", "");
@@ -139,6 +140,8 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {Import + "version.eif",
        "version.eif:7: Invalid Export/Import source structure. Section type is not registered "
        "(Type:'TableData';Position:94). velkrund file check 'version.eif' names every fault"},
+      {Import + "table.eif -t A",
+       "table.eif:7: Parameter '%s' not found; velkrund file check 'table.eif' names every fault"},
       {Import + "a.eif --section AB",
        "'a.eif' has no section 'AB': it holds section 0 'A' (TableData); did you mean 'A'?"},
       {Import + "a.eif -t AB",

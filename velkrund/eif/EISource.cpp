@@ -69,9 +69,9 @@ void TEISource::Open() {
     FReadLnCnt = 0;
     for (std::int64_t Start = 0; FindMarkerLine("[SECTION]", Start);) {
       FUnreadPosition = Start;
-      FUnreadName.clear();
       ReadSection();
       FUnreadPosition = -1;
+      FUnreadName.clear();
     }
   } catch (const std::exception& Error) {
     Decorate(Error, FReadLnCnt, {.Line = FReadLnCnt, .Section = FUnreadName});
@@ -177,7 +177,13 @@ std::unique_ptr<TEIObject> TEISource::CreateEIObject(int Index) {
   const TEISection& Section = FSections.Sections(Index);
   std::unique_ptr<TEIObject> Object = Section.ObjectClass.Create();
   Object->SectionNumber = Index;
-  Object->Initialize(Section);
+  try {
+    Object->Initialize(Section);
+  } catch (Exception& Error) {
+    // What a header lacks is missed where it ends.
+    Error.Add({.File = ErrorFileName().value_or(""), .Line = Section.DataLinePosition, .Section = Section.Name()});
+    throw;
+  }
   return Object;
 }
 

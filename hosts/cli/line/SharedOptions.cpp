@@ -62,7 +62,11 @@ TOptionGroup TSharedOptions::General() {
                                {"json", TProgressStyle::Json}},
                               Progress),
        Switch("-y,--yes", "answer yes to questions that have no option of their own", Yes),
-       Switch("-v,--verbose", "trace what is done to standard error, or to the configuration's trace file", Verbose)},
+       Switch(
+           "-v,--verbose",
+           "trace what is done to standard error, or to the configuration's trace file; errors come with their class, "
+           "code and causes",
+           Verbose)},
       true};
 }
 

@@ -28,7 +28,7 @@ std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::vector<std::vector<std::string>> Rows = {{"TABLE", "KIND", "ROWS", "SIZE"}};
   std::string Problems;
   for (const auto& [Table, Count, Bytes, Error] : Info.Tables) {
-    Rows.push_back({Printable(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
+    Rows.push_back({OnOneLine(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
     if (Error) Problems += "warning: " + Printable(ErrorLine(*Error)) + "\n";
   }
   const std::string Catalogue = Info.CatalogueVersion ? Format("version %d", *Info.CatalogueVersion) : "none";

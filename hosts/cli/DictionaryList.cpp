@@ -3,6 +3,7 @@
 #include "hosts/cli/render/Texts.h"
 #include "jobs/structures/StoredStructures.h"
 #include "jobs/structures/TreeText.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 

@@ -66,11 +66,10 @@ void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
   if (File.Error) {
     const auto Count = static_cast<std::int64_t>(File.Sections.size());
-    const bool IsForeign = File.Error->Info.Code == TErrorCode::FileKind;
     Say(File.Text + ": " +
-        (!File.IsOpen ? "cannot be opened"
-         : IsForeign  ? "no section"
-                      : "faulty behind " + Counted(Count, "section")));
+        (!File.IsOpen       ? "cannot be opened"
+         : File.IsForeign() ? "no section"
+                            : "faulty behind " + Counted(Count, "section")));
     SayError(FSession, *File.Error);
   }
 }

@@ -11,7 +11,8 @@ bool Says(const std::string& Message, const std::string& Text) { return Message.
 
 bool Names(const std::string& Message, const std::string& Name) { return Says(Message, "'" + Name + "'"); }
 
-std::string OnOneLine(const std::string& Text) {
+/// A message may have several lines.
+std::string Unbroken(const std::string& Text) {
   std::string Result;
   for (const char C : Text) {
     const bool IsBreak = C == '\r' || C == '\n';
@@ -38,6 +39,8 @@ std::string PlaceText(const TErrorFacts& Facts) {
   const auto Add = [&](const char* What, const std::string& Text) {
     if (!Text.empty() && !Names(Facts.Message, Text)) Parts.push_back(Format("%s %s", What, Text));
   };
+  if (Info.Code == TErrorCode::DatabaseReadOnly && !Says(Facts.Message, Info.Database))
+    Parts.push_back("database " + Info.Database);
   Add("table", Info.Table);
   if (Info.Line == 0 && !Says(Facts.Message, Info.Section)) Add("section", Info.Section);
   Add("field", Info.Column);
@@ -63,14 +66,14 @@ std::string ErrorLine(const TErrorFacts& Facts) {
   const std::size_t LongValue = LongValueAt(Facts);
   Result += LongValue == std::string::npos ? Facts.Message : Facts.Message.substr(0, LongValue) + Info.Value;
   if (const std::string Place = PlaceText(Facts); !Place.empty()) Result += Format(" (%s)", Place);
-  return OnOneLine(Result);
+  return Unbroken(Result);
 }
 
 std::string ErrorDetails(const TErrorFacts& Facts) {
   std::string Result = Format("  class %s, code %s", Facts.ClassName, ErrorCodeText(Facts.Info.Code));
   if (!Facts.Info.EngineCode.empty()) Result += ", the engine's code " + Facts.Info.EngineCode;
   Result += "\n";
-  for (const std::string& Text : Facts.Chain) Result += Format("  within %s\n", OnOneLine(Text));
+  for (const std::string& Text : Facts.Chain) Result += Format("  within %s\n", Unbroken(Text));
   return Result;
 }
 

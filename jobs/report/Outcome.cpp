@@ -46,6 +46,7 @@ std::string_view StateText(TItemState State) {
 void TOutcome::Fail(TItem& Item, const std::exception_ptr& Reason) {
   Item.State = TItemState::Failed;
   Item.Error = FactsOf(Reason);
+  Item.Error->Info.Fill({.Database = Database});
   if (!FirstError) FirstError = Reason;
 }
 

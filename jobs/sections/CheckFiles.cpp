@@ -107,7 +107,7 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
   CheckSections(Input, Result);
   for (std::string& Note : RepeatedNames(Input.File().Sections())) Result.Notes.push_back(std::move(Note));
   try {
-    if (Result.IsOpen) CheckGaps(Input, Result);
+    if (Result.IsOpen && !Result.IsForeign()) CheckGaps(Input, Result);
   } catch (const EStreamError& Failure) {
     if (!Result.Error) Result.Error = FactsOf(Failure);
   }

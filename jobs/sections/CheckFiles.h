@@ -25,6 +25,9 @@ struct TCheckedFile {
   std::vector<std::string> Notes = {};    // what is no fault
   std::optional<TErrorFacts> Error = {};  // of the headers, or why it could not be opened
   bool IsOpen = true;
+
+  /// Whether it is no export/import file, or has no section.
+  bool IsForeign() const { return Error && Error->Info.Code == TErrorCode::FileKind; }
 };
 
 /// "ok", "faulty", "cancelled" or "not-reached".

@@ -123,12 +123,6 @@ TDocument NodesDocument(TDSPNode& Parent, int Level) {
 
 }  // namespace
 
-std::string OnOneLine(std::string_view Text) {
-  std::string Result;
-  for (const char C : Printable(Text)) Result += C == '\n' ? "\\x0A" : std::string(1, C);
-  return Result;
-}
-
 void WriteTreeText(TDSPNode& Root, const std::function<void(std::string_view Lines)>& Write) {
   std::string Lines;
   std::vector<std::pair<TDSPNode*, int>> Way = {{&Root, 0}};  // each with the child to come next

@@ -9,9 +9,6 @@
 
 namespace velkrund {
 
-/// Text on one line, fit for people: line ends and control characters are visible.
-std::string OnOneLine(std::string_view Text);
-
 /// Writes the nodes below Root for people, sorted as exports are: a line a node, what is below it indented, values
 /// whole. Texts of several lines follow their node, a "|" before each line. Sorts the tree.
 void WriteTreeText(TDSPNode& Root, const std::function<void(std::string_view Lines)>& Write);

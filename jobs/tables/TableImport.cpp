@@ -16,8 +16,8 @@ namespace velkrund {
 
 namespace {
 
-std::string RowsText(const std::string& Table, std::int64_t Rows) {
-  return Format("Table '%s' has %s", Table, Counted(Rows, "row"));
+std::string RowsText(const std::string& Table, std::int64_t Rows, bool Begins = true) {
+  return Format("%s '%s' has %s", Begins ? "Table" : "table", Table, Counted(Rows, "row"));
 }
 
 }  // namespace
@@ -44,6 +44,9 @@ void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Nu
   const TEISectionList& Sections = Input.File().Sections();
   Item.Table = FSettings.TableName.empty() ? TableOf(Sections[Index]) : FSettings.TableName;
   const std::unique_ptr<TTable> Table = FSearch.Find(Item.Table, true);
+  if (!Table && FSettings.HasToFit && Item.Table.empty())
+    throw EEIError(Format("The header of %s names no table: give the one that it is for", SectionText(Sections, Index)),
+                   {.Code = TErrorCode::TableMissing, .File = Input.Name(), .Section = Sections[Index].Name()});
   if (!Table && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
   if (!Table) return;  // the import of the section says so
   if (FSettings.HasToFit) CheckFields(Input, Index, *Table);
@@ -84,7 +87,7 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) cons
 void TTableImport::RefuseUnanswered() const {
   std::vector<std::string> Met;
   for (const TTarget& Target : FTargets)
-    if (Target.Rows > 0) Met.push_back(RowsText(Target.Table, Target.Rows));
+    if (Target.Rows > 0) Met.push_back(RowsText(Target.Table, Target.Rows, Met.empty()));
   if (!Met.empty() && !CanAsk()) throw EPolicyUnanswered(TPolicy::ExistingRows, Joined(Met) + ".");
 }
 

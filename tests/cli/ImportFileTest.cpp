@@ -29,7 +29,7 @@ TEST_F(TImportFileTest, OptionsDecideWhatArrives) {
           {"", {"-i", "good.eif"}, 0, "1|2", "in all 2 sections: 3 rows"},
           {"", {"-i", "good.eif", "-i", "more.eif"}, 0, "2|2", "imported table A, section 'A' of 'more.eif': 1 row"},
           {"", {"-i", "good.eif", "-i", "good.eif"}, 2, "0|0", "--input names 'good.eif' twice"},
-          {OneRowEach, {"-i", "good.eif"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
+          {OneRowEach, {"-i", "good.eif"}, 1, "1|1", "Table 'A' has 1 row, table 'B' has 1 row. Give --replace"},
           {OneRowEach, {"-i", "good.eif", "--replace"}, 0, "1|2", "imported table B"},
           {OneRowEach, {"-i", "good.eif", "--append"}, 0, "2|3", "imported table B"},
           // After a failure nothing of its section stays, and an earlier table keeps what it had.

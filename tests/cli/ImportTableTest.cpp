@@ -25,7 +25,7 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
           {"", {"-i", "F"}, 0, "3|2", "in all 2 sections: 5 rows"},
           {OneRowEach, {"-i", "F", "--replace"}, 0, "3|2", "imported table B"},
           {OneRowEach, {"-i", "F", "--append"}, 0, "4|3", "imported table B"},
-          {OneRowEach, {"-i", "F"}, 1, "1|1", "Table 'A' has 1 row, Table 'B' has 1 row. Give --replace"},
+          {OneRowEach, {"-i", "F"}, 1, "1|1", "Table 'A' has 1 row, table 'B' has 1 row. Give --replace"},
           {OneRowEach, {"-i", "F", "--yes"}, 1, "1|1", "--append"},
           {"INSERT INTO B(ID) VALUES (7), (8);", {"-i", "F"}, 1, "0|2", "Table 'B' has 2 rows"},
           {"", {"-i", "F", "--section", "b"}, 0, "0|2", "section 'B'"},

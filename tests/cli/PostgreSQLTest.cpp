@@ -30,7 +30,7 @@ TEST_F(TPostgreSQLTest, TheShopMovesInAndOut) {
   RunJson({"import", "table", "-d", Database.Url(), "-i", "F"});
   const TOutcome Again = Run({"import", "table", "-d", Database.Url(), "-i", "F"});
   EXPECT_EQ(Again.ExitCode, 1);
-  EXPECT_NE(Again.Errors.find("Table 'A' has 3 rows, Table 'B' has 2 rows"), std::string::npos) << Again.Errors;
+  EXPECT_NE(Again.Errors.find("Table 'A' has 3 rows, table 'B' has 2 rows"), std::string::npos) << Again.Errors;
 
   // Reached as the engine's own tools reach it: by environment, service file, keywords; and by a name of ours.
   Write("services",

@@ -125,6 +125,7 @@ class TLine {
       for (const std::string& Name : Names) Result += (Result.empty() ? "; did you mean '" : "' or '") + Name;
       return Result + "'?";
     };
+    if (const std::string Option = "--" + Wrong; Option == "--help" || Option == "--version") return Hint({Option});
     if (Find(Word(1), Word(0))) return Hint({Word(1) + " " + Word(0)});
     TArguments All, OfObject;
     for (const auto& Command : FCommands) {

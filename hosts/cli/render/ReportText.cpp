@@ -4,6 +4,7 @@
 
 #include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 
@@ -12,9 +13,9 @@ namespace {
 /// ShowsFile: there are several.
 std::string ItemText(const TItem& Item, bool ShowsFile) {
   if (Item.Section.empty()) return "file '" + Item.File + "'";
-  std::string Result = Item.Table.empty() ? "" : "table " + Item.Table + ", ";
+  std::string Result = Item.Table.empty() ? "" : "table " + OnOneLine(Item.Table) + ", ";
   if (Item.Structure) Result = "structure " + StructureText(*Item.Structure) + ", ";
-  Result += "section '" + Item.Section + "'";
+  Result += "section '" + OnOneLine(Item.Section) + "'";
   return ShowsFile ? Result + " of '" + Item.File + "'" : Result;
 }
 

@@ -67,8 +67,9 @@ TPostgreSQLSession::TPostgreSQLSession(const std::string& ConnectionInfo, std::s
       FConnection(Connect(ConnectionInfo)) {
   if (!FConnection) throw EDatabaseError(About("open") + ": out of memory");
   if (IsLost())
-    throw EDatabaseError(PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()),
-                         PostgreSQLErrorInfo(TPostgreSQLResult()));
+    throw EDatabaseError(
+        PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()),
+        {.Code = PQconnectionNeedsPassword(Handle()) != 0 ? TErrorCode::DatabaseAccess : TErrorCode::Connection});
   PQsetNoticeReceiver(Handle(), TakeNotice, this);
   SetUp();
 }

@@ -8,7 +8,14 @@ namespace velkrund {
 
 std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
   BaseMng().Notice(Format("emptying the table '%s'", Table.TableName()));
-  const std::int64_t Deleted = BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);
+  std::int64_t Deleted = 0;
+  try {
+    Deleted = BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);
+  } catch (const EDatabaseError& Error) {
+    TErrorInfo Info = Error.Info();
+    Info.Fill({.Table = Table.TableName()});
+    throw EDatabaseError(Format("Cannot empty the table '%s': %s", Table.TableName(), Error.what()), std::move(Info));
+  }
   if (const std::int64_t Rows = Table.RecordCount())
     throw EDatabaseError(
         Format("Cannot empty the table '%s': %d of its rows stay, kept by a trigger or a rule of the database",

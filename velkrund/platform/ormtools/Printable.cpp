@@ -34,4 +34,10 @@ std::string Printable(std::string_view Text) {
   return Result;
 }
 
+std::string OnOneLine(std::string_view Text) {
+  std::string Result;
+  for (const char C : Printable(Text)) Result += C == '\n' ? "\\x0A" : std::string(1, C);
+  return Result;
+}
+
 }  // namespace velkrund

@@ -125,7 +125,7 @@ TEST_F(TUsageTest, ClosedAndFullStreamsSpoilNothingAndAreSaidOnce) {
       {"$V file list A >&-", 1, "Cannot write to standard output: Bad file descriptor\n"},
       {"$V file list A --json >/dev/full", 1, "No space left on device; the document is missing"},
       {"$V --version --progress json >/dev/full", 1, R"({"event":"end","exitCode":1)"},
-      {"$V exprot --json --progress json >/dev/full", 2, R"({"event":"message","text":"velkrund: Cannot write)"},
+      {"$V exprot --json --progress json >/dev/full", 2, R"({"event":"message","text":"Cannot write)"},
       {"$V --help --progress json", 0, R"({"event":"end","exitCode":0})"},
       // Answers are not read from the file: it takes the number of a standard input that is closed.
       {"echo yes >> A; $V import table -d sqlite:shop.db -i A --progress json <&-", 1,

@@ -39,6 +39,9 @@ bool IsFaultOfFile(const TErrorFacts& Error) {
 /// What can be done about it with another command, or outside; empty where the message says all that is known.
 std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
   const TErrorInfo& Info = Error.Info;
+  const bool IsOfResult = Error.ClassName == "EWriteError" && Info.File.empty() && !Session.Console.TakesResults();
+  // To run it again could do it twice.
+  if (IsOfResult && Session.Json()) return "the document is missing; what the run has done stays";
   const bool InFile = Info.Line > 0 && Info.File != "standard input";
   if (Info.Code == TErrorCode::FileStructure && InFile && Error.Message.find("end not found") != std::string::npos)
     return Format("velkrund file repair '%s' cuts off what an export has left unfinished", Info.File);

@@ -71,6 +71,7 @@ int RunReported(TCommand& Command, TConsole& Console) {
 
 /// The same for a line that names no command, or says something wrong to it.
 void ReportWrongLine(TConsole& Console, const EWrongLine& Error, const TWanted& Wanted) {
+  if (Wanted.Events) Console.TellEvents();
   const auto Document = [&Error] { return ErrorDocument(FactsOf(Error), Error.Reached(), TEnd::WrongSettings); };
   try {
     if (Wanted.Document) Console.Result(Document().Text());

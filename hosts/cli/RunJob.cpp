@@ -41,9 +41,8 @@ class TShown final : public TJobListener {
   const TSession& FSession;
 };
 
-}  // namespace
-
-void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
+/// Runs it, and raises what it ended with in place of a result.
+void Execute(TSession& Session, TUtilOperationInterface& Interface) {
   Session.Interface = &Interface;
   auto& Job = static_cast<TJob&>(Interface.Operation());
   TShown Shown(Session);
@@ -55,14 +54,27 @@ void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
   Job.Listener = nullptr;
   if (Session.Console.TellsEvents()) Session.Report = Job.Result();
   if (Job.Raised()) std::rethrow_exception(Job.Raised());
+}
+
+void PrintDocument(const TSession& Session, const TJob& Job) {
   if (Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(Job.Report());
 }
 
+}  // namespace
+
+void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
+  Execute(Session, Interface);
+  PrintDocument(Session, static_cast<const TJob&>(Interface.Operation()));
+}
+
 int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface) {
-  RunJob(Session, Interface);
-  const TOutcome& Outcome = static_cast<const TSectionsJob&>(Interface.Operation()).Outcome();
+  Execute(Session, Interface);
+  const auto& Job = static_cast<const TSectionsJob&>(Interface.Operation());
+  const TOutcome& Outcome = Job.Outcome();
   if (Outcome.Error) SayError(Session, *Outcome.Error);
   Session.Say(ReportText(Outcome));
+  // Last, since it fails where nobody takes it: what became of the run is said in any case.
+  PrintDocument(Session, Job);
   return static_cast<int>(Outcome.End());
 }
 

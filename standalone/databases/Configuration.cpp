@@ -195,8 +195,10 @@ TConfiguration LoadConfiguration(const std::string& FileName) {
   Result.FileName = FileName;
   std::error_code Error;
   if (!std::filesystem::is_regular_file(FileName, Error))
-    throw EConfigurationError(Format("Cannot read the configuration '%s': it is not a file", FileName),
-                              {.File = FileName});
+    throw EConfigurationError(
+        Format("Cannot read the configuration '%s': %s", FileName,
+               std::filesystem::exists(FileName, Error) ? "it is not a file" : "there is no such file"),
+        {.File = FileName});
   Result.Folder = std::filesystem::absolute(FileName).parent_path().string();
   try {
     TConfigurationReader(FileName, Result).Read(toml::parse_file(FileName));

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
 
@@ -58,7 +59,7 @@ TTrace::~TTrace() = default;
 void TTrace::Write(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept {
   if (!FLogger || !IsOn(Level)) return;
   try {
-    FLogger->Logger.log(LevelOf(Level), Format("%s: %s", Subsystem, Text));
+    FLogger->Logger.log(LevelOf(Level), Format("%s: %s", Subsystem, Printable(Text)));
   } catch (...) {
     // The trace never raises.
   }

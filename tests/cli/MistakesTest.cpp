@@ -108,7 +108,7 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
        "The database 'sqllite:e.db' has the unknown scheme 'sqllite'; known are: sqlite, postgresql; did you mean "
        "'sqlite'?"},
       {"$V export table -d sqlite:nix.db -t A -o o.eif", "The database file '$F/nix.db' does not exist"},
-      {Export + "--config nix.toml", "Cannot read the configuration 'nix.toml': it is not a file"},
+      {Export + "--config nix.toml", "Cannot read the configuration 'nix.toml': there is no such file"},
       {Export + "--config bad.toml",
        "bad.toml:1: key 'databse': the key is unknown; known are default_database, code_page, strict_values, "
        "strict_text, work_as_17_version, language, busy_seconds, trace, database; did you mean 'database'?"},

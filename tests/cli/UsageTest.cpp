@@ -26,6 +26,8 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
       {{"--jsno", "file", "list", "F"}, "did you mean '--json'?"},
       {{"--config"}, "--config takes exactly one value"},
       {{"--config", "a", "file", "list", "F", "--config", "b"}, "--config takes exactly one value"},
+      {{"--json=0", "file", "list", "F"}, "--json takes no value"},
+      {{"file", "list", "F", "--help=1"}, "'--help' is not understood here: it takes no value"},
       {{"export"}, "say what to do: table, structure"},
       {{"export", "tabel"}, "did you mean 'table'?"},
       {{"export", "table", "--tabel", "A"}, "did you mean '--table'?"},
@@ -106,6 +108,38 @@ TEST_F(TUsageTest, GeneralOptionsStandAnywhereAndBehindTheMarkThereAreArguments)
   const std::string Expected = Run(Lines[0]).Output;
   EXPECT_EQ(nlohmann::json::parse(Expected)["sections"].size(), 0U);
   for (const TArguments& Line : Lines) EXPECT_EQ(Run(Line).Output, Expected) << Joined(Line);
+}
+
+/// Ways to take the standard streams away, and what is left of the command's result then.
+TEST_F(TUsageTest, ClosedAndFullStreamsSpoilNothingAndAreSaidOnce) {
+  ASSERT_EQ(Query("shop.db", "CREATE TABLE A (ID); INSERT INTO A VALUES (1), (2)"), "");
+  ASSERT_EQ(Run({"export", "table", "-d", "sqlite:shop.db", "-t", "A", "-o", "A"}).ExitCode, 0);
+  const std::string Import = "$V import table -d sqlite:shop.db -i A --append --progress json ";
+  const struct {
+    std::string Line;
+    int ExitCode;
+    std::string Errors;  // a part of them
+  } Cases[] = {
+      {"$V file check A --progress json 2>&-", 0, ""},
+      {"$V file list - <&-", 1, "Cannot read standard input: Bad file descriptor"},
+      {"$V file list A >&-", 1, "Cannot write to standard output: Bad file descriptor\n"},
+      {"$V file list A --json >/dev/full", 1, "No space left on device; the document is missing"},
+      {"$V --version --progress json >/dev/full", 1, R"({"event":"end","exitCode":1)"},
+      {"$V exprot --json --progress json >/dev/full", 2, R"({"event":"message","text":"Cannot write)"},
+      {"$V --help --progress json", 0, R"({"event":"end","exitCode":0})"},
+      // Answers are not read from the file: it takes the number of a standard input that is closed.
+      {"echo yes >> A; $V import table -d sqlite:shop.db -i A --progress json <&-", 1,
+       R"({"event":"end","exitCode":1,)"},
+      {Import + "--json >/dev/full", 1, R"({"event":"end","exitCode":1,)"},
+  };
+  for (const auto& [Line, ExitCode, Errors] : Cases) {
+    const TOutcome Outcome = Shell(Line);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Line << "\n" << Outcome.Errors;
+    const std::size_t Place = Outcome.Errors.find(Errors);
+    ASSERT_NE(Place, std::string::npos) << Line << "\n" << Outcome.Errors;
+    if (Errors.empty()) continue;
+    EXPECT_EQ(Outcome.Errors.find(Errors, Place + 1), std::string::npos) << Outcome.Errors;
+  }
 }
 
 TEST_F(TUsageTest, WrongUsageIsADocumentToo) {

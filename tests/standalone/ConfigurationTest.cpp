@@ -143,7 +143,7 @@ TEST(ConfigurationTest, SaysFileLineAndKeyOfWhatIsWrong) {
     EXPECT_EQ(Info.File, Path);
     EXPECT_THAT(Case.Error, StartsWith(":" + std::to_string(Info.Line) + ": "));
   }
-  EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Folder / "none.toml"); }), HasSubstr("it is not a file"));
+  EXPECT_THAT(ErrorOf([&] { LoadConfiguration(Folder / "none.toml"); }), HasSubstr("there is no such file"));
 }
 
 TEST(ConfigurationTest, AVariableThatIsNotSetConcernsItsDatabaseAlone) {

@@ -103,7 +103,8 @@ int VelkrundSetFile(VelkrundOperation* Operation, const char* Name, VelkrundFile
 
 size_t VelkrundGetProperty(VelkrundOperation* Operation, const char* Name, char* Buffer, size_t Size) {
   return GuardedC<std::size_t>(0, [&] {
-    const std::string Text = GetPropertyText(ObjectAtRest(Operation, Name), Name);
+    TUtilOperationInterface& Object = ObjectAtRest(Operation, Name);  // before Name becomes a text
+    const std::string Text = GetPropertyText(Object, Name);
     if (Size) {
       RequireCArgument(Buffer, "Buffer");
       Buffer[Text.copy(Buffer, Size - 1)] = '\0';
@@ -114,7 +115,8 @@ size_t VelkrundGetProperty(VelkrundOperation* Operation, const char* Name, char*
 
 int VelkrundGetInteger(VelkrundOperation* Operation, const char* Name, int64_t* Value) {
   return GuardedC(0, [&] {
-    const std::int64_t Number = GetPropertyInteger(ObjectAtRest(Operation, Name), Name);
+    TUtilOperationInterface& Object = ObjectAtRest(Operation, Name);
+    const std::int64_t Number = GetPropertyInteger(Object, Name);
     RequireCArgument(Value, "Value");
     *Value = Number;
     return 1;

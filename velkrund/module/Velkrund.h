@@ -63,7 +63,7 @@ VELKRUND_API const char* VelkrundVersion(void);
 /* --- Errors. ------------------------------------------------------------------------------------------------------ */
 
 /* "Class:message" of this thread's last call when it failed, else an empty text. Valid until the thread's next call
- * of another function than this one, VelkrundGetError and VelkrundLastEnd. */
+ * of another function than this one, VelkrundGetError and VelkrundLastEnd, and of these two when they fail. */
 VELKRUND_API const char* VelkrundLastError(void);
 
 /* An error in its parts; texts that are unknown are empty, numbers 0. */

@@ -33,6 +33,9 @@ class TParser {
       RefuseExtras();
       // The parser's own words for a value that is missing, or given twice, are none for people.
       const std::string Message = Error.what();
+      const std::size_t OfSwitch = Message.find(" was given a");
+      if (OfSwitch != std::string::npos)  // the parser drops the dashes
+        throw EUsage((OfSwitch == 1 ? "-" : "--") + Message.substr(0, OfSwitch) + " takes no value");
       throw EUsage(Message.substr(0, Message.find(':')) + " takes exactly one value");
     } catch (const CLI::ParseError& Error) {
       RefuseExtras();
@@ -47,7 +50,7 @@ class TParser {
   CLI::Option* Add(const TOption& Option) {
     CLI::Option* Result;
     if (Option.IsSwitch()) {
-      Result = FParser.add_flag_callback(Option.Names, [Set = Option.Set] { Set({}); });
+      Result = FParser.add_flag_callback(Option.Names, [Set = Option.Set] { Set({}); })->disable_flag_override();
     } else {
       Result = FParser.add_option(Option.Names, [Set = Option.Set](const CLI::results_t& Values) {
         Set(Values);
@@ -117,6 +120,7 @@ std::string OptionHint(const std::string& Unknown, const std::vector<TOption>& K
   const std::size_t Begin = std::min(Unknown.find_first_not_of('-'), Unknown.size());
   const std::string Guess = Nearest(Unknown.substr(Begin), Names);
   if (Guess.empty()) return {};
+  if (Unknown == "--" + Guess) return ": it takes no value";
   return Format("; did you mean '%s%s'?", Guess.size() == 1 ? "-" : "--", Guess);
 }
 

@@ -1,16 +1,34 @@
 #include "hosts/cli/render/Console.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "jobs/files/Spool.h"
 
 namespace velkrund {
 
-TConsole::TConsole() : TTerminal(STDERR_FILENO) {}
+namespace {
+
+/// What is opened next would take the number of a stream that is closed: messages would go into a file or to a server,
+/// and answers be read from there. The place is given to what fails as a closed stream does.
+void HoldPlace(int Descriptor, int WrongMode) {
+  if (fcntl(Descriptor, F_GETFD) < 0) open("/dev/null", WrongMode);
+}
+
+}  // namespace
+
+TConsole::TConsole() : TTerminal(STDERR_FILENO) {
+  // In this order: each gets the lowest number that is free.
+  HoldPlace(STDIN_FILENO, O_WRONLY);
+  HoldPlace(STDOUT_FILENO, O_RDONLY);
+  HoldPlace(STDERR_FILENO, O_RDONLY);
+}
 
 void TConsole::Result(std::string_view Text) {
   ClearStatus();
+  FTakesResults = false;
   WriteToDescriptor(STDOUT_FILENO, Text, "standard output", {});
+  FTakesResults = true;
 }
 
 TDocument TConsole::NewEvent(std::string_view Kind) {

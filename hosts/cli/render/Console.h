@@ -11,9 +11,12 @@ namespace velkrund {
 /// called, to the program that runs this one: then it carries events only, a JSON object a line.
 class TConsole final : public TTerminal {
  public:
+  /// Holds the places of standard streams that are closed, so that no file gets in there.
   TConsole();
   /// Raises EWriteError: a reader that is gone, a full disk.
   void Result(std::string_view Text);
+  /// False once that has failed.
+  bool TakesResults() const { return FTakesResults; }
 
   void TellEvents() { FTellsEvents = true; }
   bool TellsEvents() const { return FTellsEvents; }
@@ -24,6 +27,7 @@ class TConsole final : public TTerminal {
 
  private:
   bool FTellsEvents = false;
+  bool FTakesResults = true;
 };
 
 }  // namespace velkrund

@@ -1,20 +1,17 @@
 #include "hosts/cli/EventWindows.h"
 
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <vector>
 
+#include "standalone/windows/terminal/AnswerLine.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
 namespace {
-
-constexpr int PollMilliseconds = 50;
 
 /// "yes-to-all" of "YesToAllButton": the same in every language.
 std::string WordOf(const TLControl& Control, std::string_view Kind) {
@@ -71,7 +68,10 @@ int TEventWindows::ShowModal(TForm& Form) {
   while (Form.ModalResult() == mrNone) {
     Tell(Form);
     std::string Line;
-    if (!ReadLine(Line)) return NobodyAtTheScreen().ShowModal(Form);
+    const bool IsWhole = ReadAnswerLine(FInput, Line, FCanceled);
+    if (FCanceled && FCanceled()) throw EAbort("Cancelled at a question");
+    // Programs may well leave out the end of their last line; it says all the same.
+    if (!IsWhole && Line.empty()) return NobodyAtTheScreen().ShowModal(Form);
     Press(Form, Line);
   }
   return Form.ModalResult();
@@ -100,21 +100,6 @@ bool TEventWindows::Press(TForm& Form, std::string_view Line) const {
     return true;
   }
   return false;
-}
-
-/// False: the input has ended. The last line may lack its end.
-bool TEventWindows::ReadLine(std::string& Line) {
-  for (;;) {
-    if (FCanceled && FCanceled()) throw EAbort("Cancelled at a question");
-    struct pollfd Poll = {FInput, POLLIN, 0};
-    if (poll(&Poll, 1, PollMilliseconds) <= 0) continue;
-    char Byte;
-    const ssize_t Got = read(FInput, &Byte, 1);
-    if (Got < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-    if (Got <= 0) return !Line.empty();
-    if (Byte == '\n') return true;
-    Line += Byte;
-  }
 }
 
 }  // namespace velkrund

@@ -22,7 +22,6 @@ class TEventWindows final : public TWindowSystem {
  private:
   void Tell(const TForm& Form) const;
   bool Press(TForm& Form, std::string_view Line) const;
-  bool ReadLine(std::string& Line);
 
   TConsole& FConsole;
   const int FInput;

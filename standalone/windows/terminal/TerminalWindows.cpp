@@ -1,15 +1,14 @@
 #include "standalone/windows/terminal/TerminalWindows.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <string>
 #include <vector>
 
+#include "standalone/windows/terminal/AnswerLine.h"
 #include "standalone/windows/terminal/Choices.h"
 #include "standalone/windows/terminal/TerminalText.h"
 #include "velkrund/platform/database/ApplicationManager.h"
@@ -20,8 +19,6 @@
 namespace velkrund {
 
 namespace {
-
-constexpr int PollMilliseconds = 50;
 
 [[noreturn]] void GiveUp() { throw EAbort("Cancelled at a question"); }
 
@@ -123,7 +120,7 @@ void TTerminalWindows::Ask(TForm& Form) {
     const TChoices Choices(Form);
     FTerminal.Prompt(" " + Choices.Line() + " ? ");
     std::string Line;
-    if (!ReadLine(Line)) {
+    if (!ReadAnswerLine(FInput, Line, FCanceled, [this] { FQueue.Pump(); })) {
       FTerminal.Prompt("\n");
       GiveUp();
     }
@@ -132,21 +129,6 @@ void TTerminalWindows::Ask(TForm& Form) {
     else
       Press(Form, Choices, Line);
   }
-}
-
-bool TTerminalWindows::ReadLine(std::string& Line) {
-  while (!FCanceled || !FCanceled()) {
-    FQueue.Pump();
-    struct pollfd Poll = {FInput, POLLIN, 0};
-    if (poll(&Poll, 1, PollMilliseconds) <= 0) continue;
-    char Byte;
-    const ssize_t Got = read(FInput, &Byte, 1);
-    if (Got < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-    if (Got <= 0) return false;
-    if (Byte == '\n') return true;
-    Line += Byte;
-  }
-  return false;
 }
 
 }  // namespace velkrund

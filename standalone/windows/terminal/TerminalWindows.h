@@ -37,8 +37,6 @@ class TTerminalWindows final : public TWindowSystem {
 
  private:
   void Ask(TForm& Form);
-  /// False: nothing will come any more.
-  bool ReadLine(std::string& Line);
 
   TTerminal& FTerminal;
   int FInput;  // our own

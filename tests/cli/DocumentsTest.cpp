@@ -269,7 +269,8 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
   EXPECT_EQ(Events("(echo skip) | $V import structure -i S" + With + Empty), "begin question item end");
   EXPECT_EQ(Events("$V file check F X -v" + With), "begin item begin item end");
   EXPECT_EQ(Events("$V file list F" + With), "end");
-  EXPECT_EQ(Events("timeout -s INT 3 $V export table -o - -t S -d sqlite:slow.db" + With), "begin progress item end");
+  EXPECT_EQ(Events("timeout --foreground -s INT 3 $V export table -o - -t S -d sqlite:slow.db" + With),
+            "begin progress item end");
 
   TPostgreSQLDatabase Database;
   Database.Run(

@@ -65,8 +65,8 @@ std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::s
   const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
   for (const auto& [Code, Property, Text] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
-    // A field that was named, and not one that the file has.
-    if (Code == TErrorCode::FieldMissing && Error.Info.Line == 0) continue;
+    // Of other fields it is the file that lacks them, or the table lacks all.
+    if (Code == TErrorCode::FieldMissing && (Error.Info.Table.empty() || Error.Info.Column.empty())) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
     return Text.empty() ? Format(": %s", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
   }

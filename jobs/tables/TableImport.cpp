@@ -82,6 +82,29 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) cons
          .File = Input.Name(),
          .Section = Sections[Index].Name(),
          .Table = Table.TableName()});
+  if (FPolicies.MissingFields == TMissingFields::Refuse) RefuseMissing(Input, Index, Table, Wanted);
+}
+
+/// Fields that would be passed over.
+void TTableImport::RefuseMissing(TInputFile& Input, int Index, TTable& Table, const std::vector<std::string>& Wanted) {
+  std::vector<std::string> Missing, Known;
+  std::string First;
+  for (const std::string& Field : Wanted) {
+    if (Table.FindField(Field)) continue;
+    if (Missing.empty()) First = Field;
+    Missing.push_back(Format("'%s'", Field));
+  }
+  if (Missing.empty()) return;
+  for (int I = 0; I < Table.Record().FieldCount(); ++I) Known.push_back(Table.Record().Fields(I).Name());
+  const TEISectionList& Sections = Input.File().Sections();
+  const char* const Noun = Missing.size() == 1 ? "field" : "fields";
+  throw EEIError(Format("The table '%s' lacks the %s %s of %s%s", Table.TableName(), Noun,
+                        JoinedInShort(std::move(Missing)), SectionText(Sections, Index), NearestHint(First, Known)),
+                 {.Code = TErrorCode::FieldMissing,
+                  .File = Input.Name(),
+                  .Section = Sections[Index].Name(),
+                  .Table = Table.TableName(),
+                  .Column = First});
 }
 
 void TTableImport::RefuseUnanswered() const {

@@ -42,6 +42,7 @@ class TTableImport final : public TImportPart {
 
   TTarget& TargetFor(TTable& Table);
   void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
+  static void RefuseMissing(TInputFile& Input, int Index, TTable& Table, const std::vector<std::string>& Wanted);
   void RefuseUnanswered() const;
   const TTarget* Find(std::size_t Number) const;
 

@@ -180,9 +180,9 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
        "twice.eif:14: Cannot append record 2 to table 'A': UNIQUE constraint failed: A.ID (SQLite error 1555)",
        "twice.eif:14: Cannot append record 2 to table 'A': duplicate key value violates unique constraint \"A_pkey\" "
        "(PostgreSQL error 23505); Key (\"ID\")=(1) already exists"},
-      {Import + "renamed.eif --replace --missing-fields error",
-       "renamed.eif:12: Can not import table data. Import field 'NAEM' is missing (table A); --missing-fields skip "
-       "passes over fields that the table lacks"},
+      {Import + "renamed.eif --replace",
+       "renamed.eif: The table 'A' lacks the field 'NAEM' of section 0 'A' (TableData); did you mean 'NAME'? "
+       "--missing-fields skip passes over fields that the table lacks"},
       {Import + "b.eif",
        "Foreign keys of the table 'B' would be broken by what was loaded, and nothing was changed: 1 value refers to "
        "rows that are not there (before: 0), for example row 1 to a row of 'A'. Load what they refer to in the same "
@@ -192,7 +192,7 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {Import + "full.eif",
        "Table 'FULL' has 1 row. Give --replace to delete them first, or --append to keep them; there is no terminal to "
        "ask"},
-      {Import + "a.eif -t V --append", "a.eif: Cannot append to table 'V': it is a view (section A)"},
+      {Import + "full.eif -t V --append", "full.eif: Cannot append to table 'V': it is a view (section FULL)"},
       {"$V file remove a.eif 5", "'a.eif' has no section with the index 5: it holds section 0 'A' (TableData)"},
       {"$V file repair text.txt", "'text.txt' is not an export/import file: no line of it is [SECTION]"},
       {"$V file list text.txt", "'text.txt' is not an export/import file: no line of it is [SECTION]"},

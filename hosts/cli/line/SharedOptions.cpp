@@ -28,8 +28,8 @@ std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& C
       NotWith(Assigning("--replace", "delete the rows that are there first", Rows, TExisting::Replace), {"--append"}),
       Assigning("--append", "keep the rows that are there", Rows, TExisting::Add),
       Choice<TMissingFields>("--missing-fields",
-                             "fields of the file that the table lacks: pass over them, the report names them, or "
-                             "refuse the section (default: skip)",
+                             "fields of the file that the table lacks: refuse the section, or pass over them, which "
+                             "the report names (default: error)",
                              {{"skip", TMissingFields::Skip}, {"error", TMissingFields::Refuse}},
                              Policies.MissingFields),
       Switch("--lenient",

@@ -21,10 +21,7 @@ class TDictionaryDrop final : public TCommand {
   const TCommandTexts& Texts() const override { return DictionaryDropTexts; }
   std::vector<TOptionGroup> Options() override {
     TStructureChoice& Choice = FInterface.Job().Choice;
-    return {{"Options",
-             {Shared.DatabaseOption(), TSharedOptions::TypeOption(Choice.ObjectType),
-              Required(TSharedOptions::NameOption(Choice.ObjectName))}},
-            Shared.General()};
+    return Shared.OfOneStructure(Choice.ObjectType, Choice.ObjectName);
   }
   int Run(TSession& Session) override {
     RunJob(Session, FInterface);

@@ -42,10 +42,7 @@ class TDictionaryShow final : public TCommand {
   const TCommandTexts& Texts() const override { return DictionaryShowTexts; }
   std::vector<TOptionGroup> Options() override {
     TStructureChoice& Choice = FInterface.Job().Choice;
-    return {{"Options",
-             {Shared.DatabaseOption(), TSharedOptions::TypeOption(Choice.ObjectType),
-              Required(TSharedOptions::NameOption(Choice.ObjectName))}},
-            Shared.General()};
+    return Shared.OfOneStructure(Choice.ObjectType, Choice.ObjectName);
   }
   int Run(TSession& Session) override;
 

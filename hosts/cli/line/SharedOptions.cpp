@@ -44,6 +44,10 @@ TOption TSharedOptions::OverwriteStructuresOption(TPolicies& Policies) {
                            Policies.ExistingStructures);
 }
 
+std::vector<TOptionGroup> TSharedOptions::OfOneStructure(std::int32_t& Type, std::string& Name) {
+  return {{"Options", {DatabaseOption(), TypeOption(Type), Required(NameOption(Name))}}, General()};
+}
+
 TOptionGroup TSharedOptions::General() {
   return {
       "General options, anywhere on the line",

@@ -32,6 +32,8 @@ struct TSharedOptions {
   static TOption NameOption(std::string& Name) {
     return Text("--name", "NAME", "the structure's name, in any case", Name);
   }
+  /// Those of a command about one stored structure, all in all.
+  std::vector<TOptionGroup> OfOneStructure(std::int32_t& Type, std::string& Name);
   /// What every command has.
   TOptionGroup General();
 

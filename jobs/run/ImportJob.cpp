@@ -139,7 +139,7 @@ void TImportJob::Import() {
 void TImportJob::Conclude(int Result) {
   if (Result != 0 || FStopped || !FOutcome.Cancelled.empty()) return;
   if (!IsCanceled() && !FOutcome.Any(TItemState::Cancelled)) return;
-  FOutcome.Cancelled = FOutcome.Any(TItemState::TakenBack) ? "cancelled" : "cancelled; what was finished before stays";
+  FOutcome.Cancelled = FOutcome.Any(TItemState::Done) ? "cancelled; what was finished before stays" : "cancelled";
 }
 
 const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {

@@ -73,6 +73,8 @@ std::string ErrorDetails(const TErrorFacts& Facts) {
   std::string Result = Format("  class %s, code %s", Facts.ClassName, ErrorCodeText(Facts.Info.Code));
   if (!Facts.Info.EngineCode.empty()) Result += ", the engine's code " + Facts.Info.EngineCode;
   Result += "\n";
+  if (const std::string& Statement = Facts.Info.Statement; !Statement.empty() && !Says(Facts.Message, Statement))
+    Result += Format("  statement %s\n", Unbroken(Statement));
   for (const std::string& Text : Facts.Chain) Result += Format("  within %s\n", Unbroken(Text));
   return Result;
 }

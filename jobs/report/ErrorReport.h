@@ -11,8 +11,8 @@ namespace velkrund {
 /// and does not stand in the message. No names of classes.
 std::string ErrorLine(const TErrorFacts& Facts);
 
-/// The rest, for who looks for the cause: class, code, the engine's code, and the messages around the cause; a line
-/// each, indented.
+/// The rest, for who looks for the cause: class, code, the engine's code, the statement unless the message has it, and
+/// the messages around the cause; a line each, indented.
 std::string ErrorDetails(const TErrorFacts& Facts);
 
 /// The same for programs; docs/json.md describes it.

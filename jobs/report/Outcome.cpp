@@ -1,6 +1,7 @@
 #include "jobs/report/Outcome.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "jobs/report/ErrorReport.h"
 
@@ -53,6 +54,11 @@ void TOutcome::Fail(TItem& Item, const std::exception_ptr& Reason) {
 void TOutcome::Fail(const std::exception_ptr& Reason) {
   Error = FactsOf(Reason);
   if (!FirstError) FirstError = Reason;
+}
+
+void TOutcome::Cancel(std::string How) {
+  Cancelled = std::move(How);
+  if (Any(TItemState::Done)) Cancelled += "; what was finished before stays";
 }
 
 int TOutcome::Count(TItemState State) const {

@@ -77,6 +77,9 @@ struct TOutcome {
   void Fail(TItem& Item, const std::exception_ptr& Reason);
   void Fail(const std::exception_ptr& Reason);
 
+  /// Enters that the run was cancelled, How in words, and that something stays where something was finished.
+  void Cancel(std::string How = "cancelled");
+
   bool Any(TItemState State) const { return Count(State) > 0; }
   int Count(TItemState State) const;
   TEnd End() const;

@@ -165,14 +165,14 @@ bool TExportJob::GoOn(const TItem& Failed) {
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancel(Abort.what());
   }
   return false;
 }
 
 void TExportJob::Finish() {
   const bool Broken = !FOutcome.Any(TItemState::Failed) && FOutcome.Any(TItemState::NotReached);
-  if (Broken && FOutcome.Cancelled.empty()) FOutcome.Cancelled = "cancelled; what was finished before stays";
+  if (Broken && FOutcome.Cancelled.empty()) FOutcome.Cancel();
   // A wish to stop that came before has been obeyed; what is finished is put right now.
   const bool Stopped = IsCanceled();
   try {

@@ -139,7 +139,7 @@ void TImportJob::Import() {
 void TImportJob::Conclude(int Result) {
   if (Result != 0 || FStopped || !FOutcome.Cancelled.empty()) return;
   if (!IsCanceled() && !FOutcome.Any(TItemState::Cancelled)) return;
-  FOutcome.Cancelled = FOutcome.Any(TItemState::Done) ? "cancelled; what was finished before stays" : "cancelled";
+  FOutcome.Cancel();
 }
 
 const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {
@@ -231,7 +231,7 @@ bool TImportJob::MayGoOn(const std::exception& Error) {
     Stop(Unanswered.Policy());
     return false;
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Format("%s; what was finished before stays", Abort.what());
+    FOutcome.Cancel(Abort.what());
     throw;
   }
 }

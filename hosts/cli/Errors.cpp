@@ -20,6 +20,9 @@ constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::Text, "AllowLoss", ""},
     {TErrorCode::FieldMissing, "MissingFields", "skip passes over fields that the table lacks"},
     {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},
+    {TErrorCode::DatabaseLocks, "Commit", "each takes fewer at a time"},
+    {TErrorCode::References, "BrokenReferences", "allow lets such rows in, and counts them"},
+    {TErrorCode::TriggerRefused, "Triggers", "off keeps triggers from firing"},
 };
 
 /// Whether a check of the file finds it too.

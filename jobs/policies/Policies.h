@@ -19,6 +19,15 @@ enum class TExisting : int {
 enum class TOnError : int { Ask = 0, Continue = 1, Stop = 2 };
 /// Fields of a file that the table lacks.
 enum class TMissingFields : int { Skip = 0, Refuse = 1 };
+/// How much of an import stays together.
+enum class TCommit : int {
+  Run = 0,   // everything or nothing
+  Each = 1,  // tables that hang together, and every other section by itself
+};
+/// Those on the tables that are loaded.
+enum class TTriggers : int { Fire = 0, Off = 1 };
+/// Rows of tables that are loaded which refer to rows that are nowhere.
+enum class TBrokenReferencePolicy : int { Refuse = 0, Allow = 1 };
 
 /// Everything that a person would be asked about or has to allow, decided beforehand: one record for all jobs. What is
 /// left at Ask is asked, through the installed window system: about structures as each one comes, about all else before
@@ -29,6 +38,9 @@ struct TPolicies {
   TExisting ExistingStructures = TExisting::Ask;
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
+  TCommit Commit = TCommit::Run;
+  TTriggers Triggers = TTriggers::Fire;
+  TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed
   bool AllowLoss = false;  // go on where characters cannot be kept; counted. Otherwise an error
   bool Lenient = false;    // values that cannot be read become NULL; counted. Otherwise an error
   bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped

@@ -28,6 +28,17 @@ struct TPolicyProperties {
       "OnError", "after something failed: ask, go on with the next one, stop", ErrorChoices);
   static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(
       "MissingFields", "fields of the file that the table lacks: pass over them, refuse the section", FieldChoices);
+  static constexpr std::string_view CommitChoices[] = {"run", "each"};
+  static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
+  static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};
+
+  static constexpr TProperty Commit = ChoiceOf<Record, &TPolicies::Commit>(
+      "Commit", "what stays together: the whole run, or tables that hang together by themselves", CommitChoices);
+  static constexpr TProperty Triggers = ChoiceOf<Record, &TPolicies::Triggers>(
+      "Triggers", "of the tables that are loaded: they fire, or are switched off meanwhile", TriggerChoices);
+  static constexpr TProperty BrokenReferences = ChoiceOf<Record, &TPolicies::BrokenReferences>(
+      "BrokenReferences", "rows that refer to rows which are nowhere: refuse them, let them in; counted",
+      ReferenceChoices);
   static constexpr TProperty AllowLoss =
       PropertyOf<Record, &TPolicies::AllowLoss>("AllowLoss", "go on where characters cannot be kept; counted");
   static constexpr TProperty Lenient =

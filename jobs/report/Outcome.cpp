@@ -70,7 +70,7 @@ TEnd TOutcome::End() const {
   if (Error) return TEnd::Failed;
   if (!Cancelled.empty() || Any(TItemState::Cancelled)) return TEnd::Cancelled;
   if (Any(TItemState::Failed)) return TEnd::Failed;
-  return Any(TItemState::NotReached) ? TEnd::Cancelled : TEnd::Done;
+  return Any(TItemState::NotReached) || Any(TItemState::TakenBack) ? TEnd::Cancelled : TEnd::Done;
 }
 
 TTotals TOutcome::Totals() const {

@@ -4,6 +4,7 @@
 
 #include "jobs/files/FileKind.h"
 #include "jobs/files/StrayMarkers.h"
+#include "jobs/policies/Questions.h"
 #include "jobs/report/ErrorReport.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -34,6 +35,7 @@ void TImportJob::Run() {
   FUnreadable.clear();
   FSteps.clear();
   FErrors.emplace(Policies.OnError);
+  FGone.clear();
   FStopped = false;
   FParts = MakeParts();
   const TCreateMissing Create(Manager().Databases(), CreateDatabase);
@@ -43,6 +45,8 @@ void TImportJob::Run() {
     TImportJob& Job;
     ~TCloser() {
       Job.FAccount.reset();
+      Job.FLoading.reset();
+      Job.FTransaction.reset();
       Job.FParts.clear();
       Job.FInputs.reset();
     }
@@ -50,7 +54,7 @@ void TImportJob::Run() {
   for (const auto& Input : FInputs->Inputs()) LookAt(*Input);
   // Rows first: they are what can be lost.
   for (auto Part = FParts.rbegin(); Part != FParts.rend(); ++Part) Part->second->Settle(FOutcome);
-  CheckEmptying();
+  PlanLoading();
   Import();
 }
 
@@ -92,18 +96,28 @@ void TImportJob::Add(TInputFile& Input, int Index) {
   Item.File = Input.Name();
   if (Step.Part) Step.Part->Add(Input, Index, Item, Step.Number);
   FOutcome.Items.push_back(std::move(Item));
-  if (!FSteps.emplace(TPlace(Input.Name(), Section.Position), Step).second)
+  if (!FSteps.emplace(TPosition(Input.Name(), Section.Position), Step).second)
     throw ESettingsError(Format("two inputs go by the name '%s': give one of the files another name", Input.Name()));
 }
 
-/// What the loading of the tables would refuse, before anything is changed.
-void TImportJob::CheckEmptying() const {
+/// Shows what the loading of the tables would refuse, before anything is changed.
+void TImportJob::PlanLoading() {
   std::vector<TLoadTarget> Targets;
   for (const auto& [Place, Step] : FSteps) {
     if (FOutcome.Items[Step.Number].State == TItemState::LeftOut || !Step.Part) continue;
     if (std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number)) Targets.push_back(std::move(*Target));
   }
-  if (!Targets.empty() && Relations()) Relations()->Load(DatabaseName, Targets);
+  if (!Targets.empty() && Relations()) FLoading = Relations()->Load(DatabaseName, Targets, LoadOptions());
+}
+
+/// Only where something may be left of a run that has failed, it matters what hangs together.
+TLoadOptions TImportJob::LoadOptions() const {
+  TLoadOptions Result;
+  Result.InGroups = Policies.Commit == TCommit::Each || Policies.OnError == TOnError::Continue ||
+                    (Policies.OnError == TOnError::Ask && CanAsk());
+  Result.Triggers = Policies.Triggers == TTriggers::Fire;
+  Result.BrokenReferences = Policies.BrokenReferences == TBrokenReferencePolicy::Allow;
+  return Result;
 }
 
 std::int64_t TImportJob::Bytes() const {
@@ -121,10 +135,12 @@ void TImportJob::Import() {
   Operation.FileSystem = FInputs.get();
   Operation.fCreateDBStructures = MakesObjects();
   Operation.Observer = this;
+  Operation.LoadOptions = LoadOptions();
   FTotal = Bytes();
   FReached = 0;
   BeginPart(Joined(FOutcome.Files), "bytes", FTotal);
   int Result = 0;
+  BeginWhole();
   try {
     Result = Operation.Execute();
   } catch (const std::exception&) {
@@ -132,14 +148,41 @@ void TImportJob::Import() {
     if (!FStopped) FOutcome.Fail(std::current_exception());
     FStopped = true;
   }
+  if (FOutcome.Cancelled.empty() && Result == 0 && !FStopped && (IsCanceled() || FOutcome.Any(TItemState::Cancelled)))
+    FOutcome.Cancelled = "cancelled";
+  // To commit nothing would make a file of a database that is new.
+  const bool HasSomething = FOutcome.Any(TItemState::Done) || !CreateDatabase;
+  EndWhole(!FStopped && FOutcome.Cancelled.empty() && HasSomething);
   EndPart();
-  Conclude(Result);
+  if (!FOutcome.Cancelled.empty()) FOutcome.Cancel(FOutcome.Cancelled);
 }
 
-void TImportJob::Conclude(int Result) {
-  if (Result != 0 || FStopped || !FOutcome.Cancelled.empty()) return;
-  if (!IsCanceled() && !FOutcome.Any(TItemState::Cancelled)) return;
-  FOutcome.Cancel();
+void TImportJob::BeginWhole() {
+  if (Policies.Commit == TCommit::Each) return;
+  if (FLoading)
+    FLoading->BeginAll();
+  else
+    FTransaction = std::make_unique<TTransaction>(DatabaseName);
+}
+
+void TImportJob::EndWhole(bool Stays) {
+  if (Policies.Commit == TCommit::Each) return;
+  try {
+    if (Stays && FLoading) FLoading->CommitAll();
+    if (Stays && FTransaction) FTransaction->Commit();
+  } catch (const std::exception&) {
+    FOutcome.Fail(std::current_exception());
+    Stays = false;
+  }
+  FLoading.reset();
+  FTransaction.reset();
+  if (!Stays) TakeAllBack();
+}
+
+void TImportJob::TakeAllBack() {
+  for (TItem& Item : FOutcome.Items)
+    if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+  if (FOutcome.Any(TItemState::TakenBack)) FOutcome.Notes.emplace_back("the database is as it was before");
 }
 
 const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {
@@ -163,8 +206,8 @@ std::optional<TLoadTarget> TImportJob::TargetOf(const TEIFile& File, const TEISe
   return Step.Part ? Step.Part->TargetOf(Step.Number) : std::nullopt;
 }
 
-void TImportJob::BeginTables(const TTableLoading& Loading) {
-  for (const std::string& Text : Loading.Warnings()) FOutcome.Notes.push_back("warning: " + Text);
+void TImportJob::EndTables(const TTableLoading& Loading) {
+  FOutcome.Notes.insert(FOutcome.Notes.end(), Loading.Remarks().begin(), Loading.Remarks().end());
 }
 
 bool TImportJob::BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) {
@@ -222,7 +265,7 @@ std::optional<bool> TImportJob::GoOn(const std::exception& Error) {
 }
 
 bool TImportJob::MayGoOn(const std::exception& Error) {
-  if (IsLast()) return true;
+  if (IsAlone()) return true;
   try {
     const std::string Question = Manager().LString("M_Velkrund_DSPUtils_ContinueImport");
     // Who hears of errors as they come has been told.
@@ -231,22 +274,39 @@ bool TImportJob::MayGoOn(const std::exception& Error) {
     Stop(Unanswered.Policy());
     return false;
   } catch (const EAbort& Abort) {
-    FOutcome.Cancel(Abort.what());
+    FOutcome.Cancelled = Abort.what();
     throw;
   }
 }
 
-/// Whether nothing is left to go on with. What structures describe is made last.
-bool TImportJob::IsLast() const {
+/// Whether there is nothing else that could be gone on with, or could stay. What structures describe is made last.
+bool TImportJob::IsAlone() const {
   const bool HasStructures =
       std::any_of(FSteps.begin(), FSteps.end(), [](const auto& Step) { return !Step.second.IsTable; });
-  return !FOutcome.Any(TItemState::NotReached) && FUnreadable.empty() && !(HasStructures && MakesObjects());
+  if (!FUnreadable.empty() || (HasStructures && MakesObjects())) return false;
+  const bool Together = !LoadOptions().InGroups;
+  for (std::size_t Number = 0; Number < FOutcome.Items.size(); ++Number) {
+    const TItemState State = FOutcome.Items[Number].State;
+    if (State == TItemState::Done && Policies.Commit == TCommit::Run) return false;
+    if (State == TItemState::NotReached && (Together || !FGone.contains(Number))) return false;
+    if (State == TItemState::TakenBack && Together) return false;
+  }
+  return true;
 }
 
-void TImportJob::TakenBack(const std::exception*) {
-  for (TItem& Item : FOutcome.Items)
-    if (!Item.Table.empty() && Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
-  FOutcome.Notes.emplace_back("tables with foreign keys are loaded together or not at all");
+void TImportJob::TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) {
+  TItem* Named = nullptr;  // in the error, else the first
+  for (const auto& [File, Section] : Sections) {
+    const TStep& Step = StepOf(File, Section);
+    TItem& Item = FOutcome.Items[Step.Number];
+    if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+    FGone.insert(Step.Number);
+    if (!Named || (Error && Item.Table == FactsOf(*Error).Info.Table)) Named = &Item;
+  }
+  const std::string Note = "tables that hang together are loaded together or not at all";
+  const bool IsTold = std::find(FOutcome.Notes.begin(), FOutcome.Notes.end(), Note) != FOutcome.Notes.end();
+  if (Sections.size() > 1 && LoadOptions().InGroups && !IsTold) FOutcome.Notes.push_back(Note);
+  if (Error) Fail(*Named, *Error);
 }
 
 }  // namespace velkrund

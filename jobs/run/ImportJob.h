@@ -13,6 +13,7 @@
 #include "jobs/run/ItemAccount.h"
 #include "jobs/run/Job.h"
 #include "velkrund/operations/ImportFiles.h"
+#include "velkrund/platform/database/Transaction.h"
 
 namespace velkrund {
 
@@ -36,7 +37,8 @@ class TImportPart {
 };
 
 /// Loads sections of files into a database: the one engine of all imports. Everything that can be known, and every
-/// question about rows that are there, comes before the first change.
+/// question about rows that are there, comes before the first change. The run is one transaction, unless it is told to
+/// commit each group of tables; what fails, and is gone on after, is undone with its group.
 class TImportJob : public TSectionsJob, private TImportFileObserver {
  public:
   bool CreateDatabase = false;  // make the database when it does not exist
@@ -67,37 +69,43 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
     bool IsTable;
     std::size_t Number;  // of the item
   };
-  using TPlace = std::pair<std::string, std::int64_t>;  // a file, the position of a section
+  using TPosition = std::pair<std::string, std::int64_t>;  // a file, the place of a section in it
 
   void LookAt(TInputFile& Input);
   std::vector<std::string> NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
-  void CheckEmptying() const;
+  void PlanLoading();
+  TLoadOptions LoadOptions() const;
   std::int64_t Bytes() const;
   void Import();
-  void Conclude(int Result);
+  void BeginWhole();
+  void EndWhole(bool Stays);
+  void TakeAllBack();
   const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TItem& Item, const std::exception& Error);
   bool MayGoOn(const std::exception& Error);
-  bool IsLast() const;
+  bool IsAlone() const;
 
   // TImportFileObserver
   TEIFile* OpenedFile(const std::string& FileName) override;
   bool Takes(const TEIFile& File, const TEISection& Section) override;
   std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section) override;
-  void BeginTables(const TTableLoading& Loading) override;
+  void EndTables(const TTableLoading& Loading) override;
   bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) override;
   void EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
                   const std::exception* Error) override;
   std::optional<bool> GoOn(const std::exception& Error) override;
   void FileFailed(const std::string& FileName, const std::exception& Error) override;
-  void TakenBack(const std::exception* Error) override;
+  void TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) override;
 
   const char* const FKind;
   TParts FParts;
   std::unique_ptr<TInputFiles> FInputs;                   // during a run
   std::map<std::string, std::exception_ptr> FUnreadable;  // files, until that is told
-  std::map<TPlace, TStep> FSteps;
+  std::map<TPosition, TStep> FSteps;
+  std::unique_ptr<TTableLoading> FLoading;     // of all tables; null: there are none
+  std::unique_ptr<TTransaction> FTransaction;  // of the run where it has no tables
+  std::set<std::size_t> FGone;                 // items of groups that were taken back
   std::optional<TErrorPolicy> FErrors;
   std::optional<TItemAccount> FAccount;  // of the section that is being imported
   const TProgressCallback FShow = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {

@@ -13,24 +13,28 @@ namespace {
 
 constexpr std::int32_t Millionths = 1'000'000;
 
-/// While an engine lets the job wait, it asks the job whether to go on, and tells it what it waits for.
+/// While an engine lets the job wait, it asks the job whether to go on, and tells it what it waits for and what people
+/// should know.
 class TWhileWaiting {
  public:
-  TWhileWaiting(TDatabases& Databases, TDatabases::TCanceled Canceled, TDatabases::TNotice Notice)
+  TWhileWaiting(TDatabases& Databases, TDatabases::TCanceled Canceled, TDatabases::TNotice Notice,
+                TDatabases::TNotice Warning)
       : FDatabases(Databases),
         FCanceledBefore(Databases.SetCanceled(std::move(Canceled))),
-        FNoticeBefore(Databases.SetNotice(std::move(Notice))) {}
+        FNoticeBefore(Databases.SetNotice(std::move(Notice))),
+        FWarningBefore(Databases.SetWarning(std::move(Warning))) {}
   TWhileWaiting(const TWhileWaiting&) = delete;
   TWhileWaiting& operator=(const TWhileWaiting&) = delete;
   ~TWhileWaiting() {
     FDatabases.SetCanceled(std::move(FCanceledBefore));
     FDatabases.SetNotice(std::move(FNoticeBefore));
+    FDatabases.SetWarning(std::move(FWarningBefore));
   }
 
  private:
   TDatabases& FDatabases;
   TDatabases::TCanceled FCanceledBefore;
-  TDatabases::TNotice FNoticeBefore;
+  TDatabases::TNotice FNoticeBefore, FWarningBefore;
 };
 
 /// Lets a database go that was not open before: whoever works on for long does not hold on to a file that others may
@@ -95,9 +99,12 @@ int TJob::Execute() {
 
 void TJob::RunOnDatabase() {
   TDatabases& Databases = Manager().Databases();
-  const TWhileWaiting Waiting(Databases, Canceled(), [this](const std::string& Text) {
-    if (Listener) Listener->Doing(Text);
-  });
+  const TWhileWaiting Waiting(
+      Databases, Canceled(),
+      [this](const std::string& Text) {
+        if (Listener) Listener->Doing(Text);
+      },
+      [this](const std::string& Text) { Warn(Text); });
   if (!NeedsDatabase()) return Run();
   CheckDatabaseName();
   const TLetGo LetGo(Databases, DatabaseName);

@@ -75,6 +75,8 @@ class TJob : public TDatabaseUtilOperation {
   void Fault(const TErrorFacts& Error) const;
   void Stop(TPolicy Policy) const;
   void Complain(const std::string& Text) const;
+  /// What people should know of what the database has done by itself.
+  virtual void Warn(const std::string& Text) { Complain(Text); }
 
  private:
   void RunOnDatabase();
@@ -105,6 +107,7 @@ class TSectionsJob : public TPolicyJob {
   void Forget() override { FOutcome = {}; }
   std::string_view Schema() const override { return "transfer"; }
   void Describe(TDocument& Document) const override { FOutcome.Describe(Document); }
+  void Warn(const std::string& Text) override { FOutcome.Notes.push_back("warning: " + Text); }
 
   TOutcome FOutcome;
 };

@@ -16,6 +16,7 @@ constexpr std::string_view MergeChoices[] = {"no", "skip", "replace", "differenc
 constexpr TProperty Properties[] = {
     TPolicyRows::ExistingStructures,
     TPolicyRows::OnError,
+    TPolicyRows::Commit,
     TPolicyRows::AllowLoss,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
     PropertyOf<&TThis::Sections>("Sections", "names or indexes of the sections to load; empty: all structure sections"),

@@ -39,6 +39,7 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   // Connections live longer than the run that makes them.
   Options.Canceled = [this] { return FCanceled && FCanceled(); };
   Options.Trace = FTrace;
+  Options.Warn = [this](const std::string& Text) { Warn(Text); };
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
     if (!Entry->second.Problem.empty())
@@ -91,8 +92,9 @@ void TDatabases::Start(const std::string& Name, bool Reads, const std::function<
   if (Target.Depth == 0) {
     Note("Starting a transaction");
     Begin(*Target.Connection);
-    Target.Doomed = false;
     Target.Reads = Reads;
+  } else if (!Target.Reads) {
+    Target.Connection->SetSavepoint(Target.Depth);
   }
   ++Target.Depth;
 }
@@ -106,11 +108,9 @@ TDatabases::TDatabase& TDatabases::InTransaction(const std::string& Name, std::s
 
 void TDatabases::CommitTransaction(const std::string& Name) {
   TDatabase& Target = InTransaction(Name, "commit the transaction");
-  if (Target.Depth > 0) return;
-  if (Target.Doomed) {
-    Note("Rolling the transaction back: an inner one was rolled back");
-    Target.Connection->Rollback();
-    throw EDatabaseError("The transaction was rolled back instead of committed: one inside it was rolled back");
+  if (Target.Depth > 0) {
+    if (!Target.Reads) Target.Connection->ReleaseSavepoint(Target.Depth);
+    return;
   }
   Note("Committing the transaction");
   try {
@@ -128,12 +128,10 @@ void TDatabases::CommitTransaction(const std::string& Name) {
 
 void TDatabases::RollbackTransaction(const std::string& Name) {
   TDatabase& Target = InTransaction(Name, "roll the transaction back");
-  if (Target.Depth > 0) {
-    Target.Doomed = true;
-    return;
-  }
-  Note("Rolling the transaction back");
+  if (Target.Depth > 0 && Target.Reads) return;
   if (!Target.Reads) Tell("taking back what was changed");
+  if (Target.Depth > 0) return Target.Connection->RollbackToSavepoint(Target.Depth);
+  Note("Rolling the transaction back");
   Target.Connection->Rollback();
 }
 

@@ -26,19 +26,22 @@ class TDatabases {
   /// EConfigurationError for an entry that cannot be used.
   TConnection& Connection(const std::string& Name);
 
-  /// Only the outermost start and end reach the engine. An inner roll back dooms the outer transaction: its commit then
-  /// rolls back and raises. A commit that fails rolls back as well.
+  /// A start within a transaction is a savepoint: an inner roll back undoes the inner part. A commit that fails rolls
+  /// back all; an inner one leaves that to whoever began the outer one.
   void StartTransaction(const std::string& Name, TIsolationLevel Level);
-  /// The same for reading alone: everything that is read is of one moment. To be rolled back.
+  /// The same for reading alone: everything that is read is of one moment, also for what starts within it. To be
+  /// rolled back.
   void StartReading(const std::string& Name);
   void CommitTransaction(const std::string& Name);
   void RollbackTransaction(const std::string& Name);
+  bool IsInTransaction(const std::string& Name) { return Database(Name).Depth > 0; }
 
   void SetDefaultDatabase(std::string Name);
   const std::string& DefaultDatabase() const { return FDefaultDatabase; }
   /// Databases that are connected to from now on are made when they do not exist. Returns what held before.
   bool SetCreateMissing(bool Value) { return std::exchange(FCreateMissing, Value); }
   void SetBusyTime(std::chrono::milliseconds Value) { FBusyTime = Value; }
+  std::chrono::milliseconds BusyTime() const { return FBusyTime; }
   using TCanceled = std::function<bool()>;
   /// Asked while an engine lets its caller wait, on every connection: true ends what is waited for, with EAbort.
   /// Returns who was asked before.
@@ -49,6 +52,9 @@ class TDatabases {
   void Tell(const std::string& Text) const {
     if (FNotice) FNotice(Text);
   }
+  /// Told what people should know of a transaction that is about to be committed; the trace when nobody is. Returns who
+  /// was told before.
+  TNotice SetWarning(TNotice Warning) { return std::exchange(FWarning, std::move(Warning)); }
 
   /// Whether two names mean the same database.
   bool IsSameDatabase(const std::string& A, const std::string& B) const;
@@ -60,9 +66,8 @@ class TDatabases {
  private:
   struct TDatabase {
     std::unique_ptr<TConnection> Connection;
-    int Depth = 0;        // transactions started and not ended
-    bool Doomed = false;  // an inner one was rolled back
-    bool Reads = false;   // and writes nothing
+    int Depth = 0;       // transactions started and not ended
+    bool Reads = false;  // and writes nothing
   };
   struct TAddress {
     const TDriver* Driver;
@@ -72,6 +77,7 @@ class TDatabases {
   };
 
   void Note(const std::string& Line) { FTrace(TTraceLevel::Detail, Line); }
+  void Warn(const std::string& Text) const { FWarning ? FWarning(Text) : FTrace(TTraceLevel::Info, Text); }
   [[noreturn]] void RefuseName(const std::string& Name) const;
   TAddress Resolve(const std::string& Name) const;
   TDatabase& Database(const std::string& Name);
@@ -86,7 +92,7 @@ class TDatabases {
   bool FCreateMissing = false;
   std::chrono::milliseconds FBusyTime;
   TCanceled FCanceled;                                    // may be empty
-  TNotice FNotice;                                        // the same
+  TNotice FNotice, FWarning;                              // the same
   std::map<std::string, TDatabase> FOpen;                 // by identity
   std::map<std::string, TDatabase*, std::less<>> FNames;  // by the name asked for; "" is the default
 };

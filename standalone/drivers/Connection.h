@@ -8,6 +8,7 @@
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/RowAccess.h"
+#include "standalone/drivers/Safeguards.h"
 #include "standalone/drivers/SchemaReader.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 
@@ -45,7 +46,8 @@ class TConnection {
   virtual TSchemaReader& Schema() = 0;
   virtual TRowAccess& Rows() = 0;
 
-  /// Transactions do not nest here. After a failed Commit the caller rolls back; some engines have done so by then.
+  /// Transactions do not nest here, savepoints do. After a failed Commit the caller rolls back; some engines have done
+  /// so by then.
   virtual void Begin(TIsolationLevel Level) = 0;
   virtual void Commit() = 0;
   /// Begins a transaction that writes nothing: whatever it reads is of one moment. Ended by Rollback. A cursor may then
@@ -54,6 +56,15 @@ class TConnection {
   /// No error when the engine has already rolled back by itself, or the connection is lost, and the transaction with
   /// it.
   virtual void Rollback() = 0;
+
+  // Marks within the running transaction. Number: from 1, one more than that of the mark before it.
+  virtual void SetSavepoint(int Number) = 0;
+  virtual void ReleaseSavepoint(int Number) = 0;
+  /// Undoes what came after the mark and forgets it. No error when the transaction is gone already, as for Rollback.
+  virtual void RollbackToSavepoint(int Number) = 0;
+
+  /// Within a transaction, or before one that they become the first statements of.
+  virtual std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) = 0;
 
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
   /// places that the engine's SQL marks for them, in order.

@@ -1,5 +1,7 @@
 #include "standalone/drivers/Dialect.h"
 
+#include "velkrund/platform/ormtools/Format.h"
+
 namespace velkrund {
 
 std::string QuoteStandardName(std::string_view Name) {
@@ -10,5 +12,7 @@ std::string QuoteStandardName(std::string_view Name) {
   }
   return Result += '"';
 }
+
+std::string SavepointName(int Number) { return Format("velkrund_%d", Number); }
 
 }  // namespace velkrund

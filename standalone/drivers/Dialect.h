@@ -10,6 +10,9 @@ namespace velkrund {
 /// A name between double quotes, inner ones doubled, as standard SQL has it.
 std::string QuoteStandardName(std::string_view Name);
 
+/// The name of a mark within a transaction.
+std::string SavepointName(int Number);
+
 /// The words that an engine's SQL has of its own. Text alone: needs neither the engine nor a connection.
 class TDialect {
  public:

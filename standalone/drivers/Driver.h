@@ -26,6 +26,8 @@ struct TConnectOptions {
   std::function<bool()> Canceled = {};
   /// Takes what the engine remarks on the way.
   std::function<void(TTraceLevel Level, const std::string& Line)> Trace = {};
+  /// Takes what people should know of a transaction that is about to be committed.
+  std::function<void(const std::string& Text)> Warn = {};
 };
 
 /// The way to one kind of engine. Stateless; safe to call from several threads.

@@ -40,6 +40,15 @@ struct TColumnInfo {
 struct TForeignKey {
   TTableInfo From, To;
   bool ActsOnDelete = false;  // deleting a row of To deletes or changes the rows of From that refer to it
+  std::string Name = {};      // the engine's; empty where keys have none
+  std::string Id = {};        // the same, of a constraint by whatever the engine tells them apart
+};
+
+/// What the database itself does when rows are inserted or deleted.
+struct TTrigger {
+  TTableInfo Table;  // of one on a part of a table, the whole
+  std::string Name;
+  bool OnInsert = false, OnDelete = false;
 };
 
 /// Rows of a table that refer to rows which are not there.

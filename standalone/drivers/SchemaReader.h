@@ -28,13 +28,17 @@ class TSchemaReader {
   virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
   virtual TTableDescription Describe(const TTableInfo& Table) = 0;
   virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
+  /// Without counting them.
+  virtual bool HasRows(const TTableInfo& Table) = 0;
   /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
   virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
 
   /// Those among the tables of users.
   virtual std::vector<TForeignKey> ForeignKeys() = 0;
-  /// Of the foreign keys of that table; none where the engine enforces them.
-  virtual TBrokenReferences BrokenReferences(const TTableInfo& /*Table*/) { return {}; }
+  /// Of the foreign keys of that table.
+  virtual TBrokenReferences BrokenReferences(const TTableInfo& Table) = 0;
+  /// Those on tables of users that fire for rows which are inserted or deleted.
+  virtual std::vector<TTrigger> Triggers() = 0;
 
   /// Whether there is a catalogue table of that name, which begins with CataloguePrefix.
   virtual bool HasCatalogueTable(const std::string& Name) = 0;

@@ -1,6 +1,7 @@
 #include "standalone/relations/KeyedLoading.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 #include "velkrund/platform/database/EmptyTable.h"
@@ -10,154 +11,209 @@
 
 namespace velkrund {
 
+namespace {
+
+TLoadOrder::TTie TieOf(const TForeignKey& Key) { return {FullName(Key.From), FullName(Key.To)}; }
+
+}  // namespace
+
 TKeyedLoading::TKeyedLoading(TStandaloneManager& Manager, std::string DatabaseName,
-                             const std::vector<TLoadTarget>& Targets)
+                             const std::vector<TLoadTarget>& Targets, const TLoadOptions& Options)
     : FManager(Manager),
       FDatabaseName(std::move(DatabaseName)),
-      FConnection(Manager.Databases().Connection(FDatabaseName)) {
-  for (const TLoadTarget& Target : Targets) {
-    TLoaded& Table = FTables.try_emplace(Target.Table, TLoaded{Target.Empty}).first->second;
-    Table.Empty = Table.Empty || Target.Empty;
-  }
+      FConnection(Manager.Databases().Connection(FDatabaseName)),
+      FOptions(Options) {
+  TakeTargets(Targets);
   TakeKeys();
-  PutInOrder(Targets);
+  TakeTriggers();
+  MakeOrder(Targets);
   CheckEmptying();
-  FAreOne = ShouldBeOne();
+}
+
+void TKeyedLoading::TakeTargets(const std::vector<TLoadTarget>& Targets) {
+  std::map<std::string, TTableInfo> Known;
+  if (Targets.size() > 1)
+    for (TTableInfo& Table : FConnection.Schema().Tables()) Known.emplace(FullName(Table), std::move(Table));
+  for (const TLoadTarget& Target : Targets) {
+    const auto [Place, IsNew] = FTargets.try_emplace(Target.Table);
+    Place->second.Replaced = Place->second.Replaced || Target.Empty;
+    if (!IsNew) continue;
+    // The list leaves parts of other tables out.
+    const auto Found = Known.find(Target.Table);
+    if (Found != Known.end())
+      Place->second.Info = Found->second;
+    else if (const auto Info = FConnection.Schema().FindTable(Target.Table))
+      Place->second.Info = *Info;
+    else
+      throw EDatabaseError(Format("There is no table '%s' in the database", Target.Table),
+                           {.Code = TErrorCode::TableMissing, .Table = Target.Table});
+  }
 }
 
 void TKeyedLoading::TakeKeys() {
-  for (const TForeignKey& Key : FConnection.Schema().ForeignKeys()) {
-    TTie Tie{FullName(Key.From), FullName(Key.To), Key.From, Key.ActsOnDelete};
-    const auto Child = FTables.find(Tie.Child);
-    const bool HasParent = IsLoaded(Tie.Parent);
-    if (Child == FTables.end() && !HasParent) continue;
-    if (Child != FTables.end() && HasParent) {
-      Child->second.Parents.push_back(Tie.Parent);
-      FRelated = FRelated || Tie.OfTwo();
-    }
-    FTies.push_back(std::move(Tie));
+  for (TForeignKey& Key : FConnection.Schema().ForeignKeys())
+    if (FTargets.contains(FullName(Key.From)) || FTargets.contains(FullName(Key.To))) FKeys.push_back(std::move(Key));
+}
+
+void TKeyedLoading::TakeTriggers() {
+  for (TTrigger& Trigger : FConnection.Schema().Triggers()) {
+    const auto Target = FTargets.find(FullName(Trigger.Table));
+    if (Target == FTargets.end()) continue;
+    if (Trigger.OnInsert || (Trigger.OnDelete && Target->second.Replaced)) FTriggers.push_back(std::move(Trigger));
   }
 }
 
-void TKeyedLoading::PutInOrder(const std::vector<TLoadTarget>& Targets) {
-  for (const TLoadTarget& Target : Targets) Visit(Target.Table);
+void TKeyedLoading::MakeOrder(const std::vector<TLoadTarget>& Targets) {
+  std::vector<std::string> Tables;
+  for (const TLoadTarget& Target : Targets) Tables.push_back(Target.Table);
+  std::vector<TLoadOrder::TTie> Ties;
+  for (const TForeignKey& Key : FKeys) Ties.push_back(TieOf(Key));
+  // What such a trigger does to other tables would undo what was loaded before.
+  const bool ActsOnDelete =
+      FOptions.Triggers && std::any_of(FTriggers.begin(), FTriggers.end(), [this](const auto& One) {
+        return One.OnDelete && IsReplaced(FullName(One.Table));
+      });
+  FOrder = std::make_unique<const TLoadOrder>(Tables, Ties, FOptions.InGroups && !ActsOnDelete);
 }
 
-/// What a table refers to comes before it; in a circle, whatever was met first comes last.
-void TKeyedLoading::Visit(const std::string& Table) {
-  TLoaded& Loaded = FTables.at(Table);
-  if (std::exchange(Loaded.Visited, true)) return;
-  for (const std::string& Parent : Loaded.Parents) {
-    const TLoaded& Above = FTables.at(Parent);
-    FCircular = FCircular || (Parent != Table && Above.Visited && !Above.Placed);
-    Visit(Parent);
-  }
-  Loaded.Placed = true;
-  Loaded.Rank = FOrder.size();
-  FOrder.push_back(Table);
-}
-
-std::size_t TKeyedLoading::Rank(const std::string& Table) const {
-  const auto Found = FTables.find(Table);
-  return FRelated && Found != FTables.end() ? Found->second.Rank : 0;
-}
-
-bool TKeyedLoading::IsEmptied(const std::string& Table) const {
-  const auto Found = FTables.find(Table);
-  return Found != FTables.end() && Found->second.Empty;
-}
-
-bool TKeyedLoading::Empties(const std::string& Table) const {
-  const auto Found = FTables.find(Table);
-  return Found != FTables.end() && Found->second.Empty && !Found->second.Emptied;
-}
-
-std::int64_t TKeyedLoading::DeletedRows(const std::string& Table) const {
-  const auto Found = FTables.find(Table);
-  return Found == FTables.end() ? 0 : Found->second.Deleted;
-}
-
-void TKeyedLoading::SetLoaded(const std::string& Table) {
-  if (const auto Found = FTables.find(Table); Found != FTables.end()) Found->second.Emptied = true;
+bool TKeyedLoading::IsReplaced(const std::string& Table) const {
+  const auto Found = FTargets.find(Table);
+  return Found != FTargets.end() && Found->second.Replaced;
 }
 
 void TKeyedLoading::CheckEmptying() const {
-  for (const TTie& Tie : FTies) {
-    if (!Tie.ActsOnDelete || !Tie.OfTwo() || !IsEmptied(Tie.Parent) || IsEmptied(Tie.Child)) continue;
-    if (const std::int64_t Rows = FConnection.Schema().RowCount(Tie.ChildTable))
+  for (const TForeignKey& Key : FKeys) {
+    const auto [Child, Parent] = TieOf(Key);
+    if (!Key.ActsOnDelete || Child == Parent || !IsReplaced(Parent) || IsReplaced(Child)) continue;
+    if (const std::int64_t Rows = FConnection.Schema().RowCount(Key.From))
       throw EDatabaseError(
           Format("Cannot empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
                  "may refer to it. Replace the rows of both in one run, or keep the rows that are there",
-                 Tie.Parent, Tie.Child, Counted(Rows, "row")),
-          {.Code = TErrorCode::References, .Table = Tie.Parent});
+                 Parent, Child, Counted(Rows, "row")),
+          {.Code = TErrorCode::References, .Table = Parent});
   }
 }
 
-bool TKeyedLoading::ShouldBeOne() const {
-  if (!FConnection.Capabilities().EnforcesForeignKeys) return !FTies.empty();
-  // A key of a circle can only be kept by what is checked at the end, and that has to be the end of all of it.
-  return FCircular || std::any_of(FTies.begin(), FTies.end(), [this](const TTie& Tie) {
-           return Tie.OfTwo() && IsLoaded(Tie.Child) && IsLoaded(Tie.Parent) &&
-                  (IsEmptied(Tie.Child) || IsEmptied(Tie.Parent));
-         });
+TLoadNeeds TKeyedLoading::NeedsOf(const std::vector<std::string>& Tables) const {
+  TLoadNeeds Needs;
+  Needs.TriggersOff = !FOptions.Triggers;
+  Needs.BrokenReferences = FOptions.BrokenReferences;
+  for (const std::string& Table : Tables) {
+    const TTarget& Target = FTargets.at(Table);
+    Needs.Targets.push_back({Target.Info, Target.Replaced});
+  }
+  const auto IsMeant = [&](const TForeignKey& Key) {
+    return std::find(Tables.begin(), Tables.end(), FullName(Key.From)) != Tables.end();
+  };
+  for (const TForeignKey& Key : FKeys)
+    if (FOrder->IsBackwards(TieOf(Key)) && IsMeant(Key)) Needs.Circular.push_back(Key);
+  return Needs;
 }
 
-void TKeyedLoading::Begin() {
-  if (!FAreOne) return;
-  auto Transaction = std::make_unique<TTransaction>(FDatabaseName);
-  CountBroken();
-  EmptyTables();
-  FTransaction = std::move(Transaction);
+/// A transaction that holds the locks. Who waits for each other in a circle is refused by the engine, and comes in the
+/// next time; a transaction around this one would not survive that.
+std::unique_ptr<TTransaction> TKeyedLoading::Locked(TSafeguards& Safeguards) const {
+  constexpr auto Pause = std::chrono::milliseconds(100);
+  const bool IsOutermost = !FManager.Databases().IsInTransaction(FDatabaseName);
+  const auto Until = std::chrono::steady_clock::now() + FManager.Databases().BusyTime();
+  for (;;) {
+    try {
+      auto Transaction = std::make_unique<TTransaction>(FDatabaseName);
+      Safeguards.Lock();
+      return Transaction;
+    } catch (const EDatabaseError& Error) {
+      if (!IsOutermost || Error.Info().Code != TErrorCode::DatabaseBusy || std::chrono::steady_clock::now() >= Until)
+        throw;
+    }
+    std::this_thread::sleep_for(Pause);
+  }
+}
+
+void TKeyedLoading::BeginAll() {
+  std::vector<std::string> All;
+  for (std::size_t Group = 0; Group < FOrder->GroupCount(); ++Group)
+    All.insert(All.end(), FOrder->Tables(Group).begin(), FOrder->Tables(Group).end());
+  FAll = Locked(*FConnection.Safeguards(NeedsOf(All)));
+}
+
+void TKeyedLoading::CommitAll() { std::exchange(FAll, nullptr)->Commit(); }
+
+void TKeyedLoading::Begin(std::size_t Group) {
+  FGroup = Group;
+  const std::vector<std::string>& Tables = FOrder->Tables(Group);
+  FSafeguards = FConnection.Safeguards(NeedsOf(Tables));
+  FTransaction = Locked(*FSafeguards);
+  try {
+    Prepare(Tables);
+  } catch (...) {
+    End(false);
+    throw;
+  }
+}
+
+void TKeyedLoading::Prepare(const std::vector<std::string>& Tables) {
+  FSafeguards->SetAside();
+  CountBroken(Tables);
+  EmptyTables(Tables);
+  FSafeguards->BeginRows();
+}
+
+/// Of the group's tables, and of all others that refer to them.
+void TKeyedLoading::CountBroken(const std::vector<std::string>& Tables) {
+  FReferences = std::make_unique<TReferenceCheck>(FConnection.Schema(), FOptions.BrokenReferences);
+  if (FConnection.Capabilities().EnforcesForeignKeys && !FOptions.BrokenReferences) return;
+  const std::set<std::string> Meant(Tables.begin(), Tables.end());
+  for (const TForeignKey& Key : FKeys) {
+    const auto [Child, Parent] = TieOf(Key);
+    if (Meant.contains(Child) || Meant.contains(Parent)) FReferences->Count(Key.From, Meant.contains(Child));
+  }
 }
 
 /// Children first: the engine deletes no row that another one refers to.
-void TKeyedLoading::EmptyTables() {
-  for (auto Table = FOrder.rbegin(); Table != FOrder.rend(); ++Table) {
-    if (!Empties(*Table)) continue;
-    const auto Target = FManager.GetUserTable(*Table, FDatabaseName, true);
-    if (auto* SQLTable = dynamic_cast<TODBCTable*>(Target.get()))
-      FTables.at(*Table).Deleted = EmptyTable(*SQLTable, FDatabaseName);
-  }
-  for (auto& [Name, Table] : FTables) Table.Emptied = true;
-}
-
-void TKeyedLoading::CountBroken() {
-  if (FConnection.Capabilities().EnforcesForeignKeys) return;
-  for (const TTie& Tie : FTies) {
-    if (FBrokenBefore.contains(Tie.Child) || FUnchecked.contains(Tie.Child)) continue;
-    try {
-      FBrokenBefore.emplace(Tie.Child, FConnection.Schema().BrokenReferences(Tie.ChildTable).Count);
-    } catch (const EDatabaseError& Error) {
-      // A key that the engine itself cannot follow.
-      FUnchecked.emplace(Tie.Child, Error.what());
-    }
+void TKeyedLoading::EmptyTables(const std::vector<std::string>& Tables) {
+  for (auto Table = Tables.rbegin(); Table != Tables.rend(); ++Table) {
+    TTarget& Target = FTargets.at(*Table);
+    Target.Deleted = 0;
+    if (!Target.Replaced) continue;
+    const auto Opened = FManager.GetUserTable(*Table, FDatabaseName, true);
+    if (auto* SQLTable = dynamic_cast<TODBCTable*>(Opened.get())) Target.Deleted = EmptyTable(*SQLTable, FDatabaseName);
   }
 }
 
-std::vector<std::string> TKeyedLoading::Warnings() const {
-  std::vector<std::string> Result;
-  for (const auto& [Table, Reason] : FUnchecked) Result.push_back(Reason);
-  return Result;
-}
-
-void TKeyedLoading::CheckBroken() const {
-  for (const auto& [Name, Before] : FBrokenBefore) {
-    const TBrokenReferences After = FConnection.Schema().BrokenReferences({Name, {}});
-    if (After.Count <= Before) continue;
-    throw EDatabaseError(
-        Format(
-            "Foreign keys of the table '%s' would be broken by what was loaded, and nothing was changed: %s to "
-            "rows that are not there (before: %d), for example %s. Load what they refer to in the same run, or before",
-            Name, Counted(After.Count, "value") + (After.Count == 1 ? " refers" : " refer"), Before, After.Example),
-        {.Code = TErrorCode::References, .Table = Name});
-  }
+std::int64_t TKeyedLoading::TakeDeletedRows(const std::string& Table) {
+  const auto Found = FTargets.find(Table);
+  return Found == FTargets.end() ? 0 : std::exchange(Found->second.Deleted, 0);
 }
 
 void TKeyedLoading::End(bool Whole) {
   const std::unique_ptr<TTransaction> Transaction = std::move(FTransaction);
+  const std::unique_ptr<TSafeguards> Safeguards = std::move(FSafeguards);
+  const std::unique_ptr<TReferenceCheck> References = std::move(FReferences);
   if (!Transaction || !Whole) return;
-  CheckBroken();
+  std::vector<std::string> Remarks;
+  Safeguards->EndRows();
+  References->Compare(Remarks);
+  Safeguards->PutBack();
   Transaction->Commit();
+  FRemarks.insert(FRemarks.end(), Remarks.begin(), Remarks.end());
+  TellTriggers();
+}
+
+/// What was loaded is not all that has happened.
+void TKeyedLoading::TellTriggers() {
+  const bool ReferencesOff = FOptions.BrokenReferences && FConnection.Capabilities().EnforcesForeignKeys;
+  if (ReferencesOff)
+    FRemarks.emplace_back(
+        "while the rows were loaded, the engine checked no references and fired no ordinary triggers");
+  std::vector<std::string> Names;
+  for (const TTrigger& Trigger : FTriggers)
+    if (FOrder->Group(FullName(Trigger.Table)) == FGroup)
+      Names.push_back(Format("'%s' of '%s'", Trigger.Name, FullName(Trigger.Table)));
+  if (Names.empty()) return;
+  const char* const What = !FOptions.Triggers ? "triggers that were off"
+                           : ReferencesOff    ? "triggers"
+                                              : "triggers that fired";
+  FRemarks.push_back(Format("%s: %s", What, JoinedInShort(std::move(Names))));
 }
 
 }  // namespace velkrund

@@ -5,8 +5,9 @@
 namespace velkrund {
 
 std::unique_ptr<TTableLoading> TStandaloneRelations::Load(const std::string& DatabaseName,
-                                                          const std::vector<TLoadTarget>& Targets) {
-  return std::make_unique<TKeyedLoading>(FManager, DatabaseName, Targets);
+                                                          const std::vector<TLoadTarget>& Targets,
+                                                          const TLoadOptions& Options) {
+  return std::make_unique<TKeyedLoading>(FManager, DatabaseName, Targets, Options);
 }
 
 }  // namespace velkrund

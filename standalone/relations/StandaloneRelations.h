@@ -9,16 +9,14 @@
 
 namespace velkrund {
 
-/// The relations of the databases of a manager, from the foreign keys that their engines report. One transaction holds
-/// the tables of a loading where tables that refer to each other are emptied first, and where the engine enforces no
-/// keys, so that what is broken at the end can be taken back.
+/// The relations of the databases of a manager, from the foreign keys and triggers that their engines report.
 class TStandaloneRelations final : public TRelations {
  public:
   /// Manager: borrowed; the installed application manager while tables are loaded.
   explicit TStandaloneRelations(TStandaloneManager& Manager) : FManager(Manager) {}
 
-  std::unique_ptr<TTableLoading> Load(const std::string& DatabaseName,
-                                      const std::vector<TLoadTarget>& Targets) override;
+  std::unique_ptr<TTableLoading> Load(const std::string& DatabaseName, const std::vector<TLoadTarget>& Targets,
+                                      const TLoadOptions& Options) override;
 
  private:
   TStandaloneManager& FManager;

@@ -23,6 +23,7 @@ class TDriverTable final : public TODBCTable {
   TRecord& Record() override;
 
   std::int64_t RecordCount() override { return FConnection.Schema().RowCount(FDescription.Table); }
+  bool HasRecords() override { return FConnection.Schema().HasRows(FDescription.Table); }
   bool First() override;
   bool Next() override;
 

@@ -149,7 +149,12 @@ TEST_F(THostsTest, DoAndRefuseTheSame) {
       {ImportTable, {Tables, D, "FileName=w.eif"}, "other.db", "o.eif", 1, "The table 'O' has none of the fields of"},
       {ImportFile, {Files, D, "FileNames=w.eif"}, "other.db", "o.eif", 1, "Import field 'I' is missing"},
       {ImportTable, {Tables, D, "FileName=w.eif"}, "other.db", "l.eif", 1, "CHECK constraint failed"},
-      {ImportFile, {Files, D, "FileNames=w.eif", "OnError=continue"}, "empty.db", "bad.eif", 1, "FileName: w.eif"},
+      {{"import", "file", "-d", "sqlite:w.db", "-i", "w.eif", "--on-error", "continue"},
+       {Files, D, "FileNames=w.eif", "OnError=continue"},
+       "empty.db",
+       "bad.eif",
+       1,
+       "FileName: w.eif"},
       {ImportTable, {Tables, D, "FileName=w.eif"}, "empty.db", "cut.eif", 1, "w.eif"},
   });
   Check({

@@ -63,8 +63,9 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
           {"", {"-i", "twice.eif"}, 0, "1|2", "in all 3"},
           {"", {"-i", "twice.eif", "--section", "B"}, 1, "0|0", "several sections of that name"},
           // Of several sections one fails: it leaves nothing, and what follows depends.
-          {"", {"-i", "bad.eif"}, 1, "1|0", "--on-error continue"},
-          {"", {"-i", "bad.eif", "--on-error", "stop"}, 1, "1|0", "not reached table A"},
+          {"", {"-i", "bad.eif"}, 1, "0|0", "--on-error continue"},
+          {"", {"-i", "bad.eif", "--on-error", "stop"}, 1, "0|0", "taken back table A"},
+          {"", {"-i", "bad.eif", "--on-error", "stop", "--commit", "each"}, 1, "2|0", "failed table B"},
           {"", {"-i", "bad.eif", "--on-error", "continue"}, 1, "2|0", "failed table B"},
           {OneRowEach, {"-i", "broken.eif", "--replace"}, 1, "1|1", "Field value is missing"},
       });

@@ -184,11 +184,12 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
        "renamed.eif: The table 'A' lacks the field 'NAEM' of section 0 'A' (TableData); did you mean 'NAME'? "
        "--missing-fields skip passes over fields that the table lacks"},
       {Import + "b.eif",
-       "Foreign keys of the table 'B' would be broken by what was loaded, and nothing was changed: 1 value refers to "
-       "rows that are not there (before: 0), for example row 1 to a row of 'A'. Load what they refer to in the same "
-       "run, or before",
+       "Foreign keys of the table 'B' would be broken by what was loaded: 1 value refers to "
+       "rows that are not there (before: 0), for example row 1 to a row of 'A'; --broken-references allow lets such "
+       "rows in, and counts them",
        "b.eif:12: Cannot append record 1 to table 'B': insert or update on table \"B\" violates foreign key constraint "
-       "\"B_A_fkey\" (PostgreSQL error 23503); Key (A)=(7) is not present in table \"A\""},
+       "\"B_A_fkey\" (PostgreSQL error 23503); Key (A)=(7) is not present in table \"A\"; "
+       "--broken-references allow lets such rows in, and counts them"},
       {Import + "full.eif",
        "Table 'FULL' has 1 row. Give --replace to delete them first, or --append to keep them; there is no terminal to "
        "ask"},
@@ -211,7 +212,7 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {"R=$(echo $D | sed 's/postgres@\\(.*\\)\\/\\(.*\\)/clerk_of_\\2@\\1\\/\\2/'); $V import table -d $R -i a.eif "
        "--append",
        "",
-       "a.eif: Cannot append to table 'A': permission denied for table A (PostgreSQL error 42501); have the right "
+       "Cannot lock the table 'A' for the load: permission denied for table A (PostgreSQL error 42501); have the right "
        "granted, or connect as a role that has it"},
       {"$V import table -d $D-nix -i a.eif", "The database file '$F/e.db-nix' does not exist; --create makes it",
        "Cannot open the database '$D-nix': connection to server at \"127.0.0.1\", port $P failed: FATAL: database "

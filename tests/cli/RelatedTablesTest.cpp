@@ -50,8 +50,8 @@ TEST_F(TRelatedTablesTest, WhereSQLiteEnforcesNothing) {
       {"", {}, 0, "2|3", "imported"},
       {Rows, {"--replace"}, 0, "2|3", "imported"},
       {"", {"--section", "L"}, 1, "0|0", "3 values refer to rows that are not there (before: 0), for example row 1 to"},
-      {Rows, {"--section", "O", "--replace"}, 1, "1|2", "taken back table O"},
-      {Rows, {"--section", "L", "--append"}, 1, "1|2", "Load what they refer to"},
+      {Rows, {"--section", "O", "--replace"}, 1, "1|2", "failed table O"},
+      {Rows, {"--section", "L", "--append"}, 1, "1|2", "--broken-references allow"},
       // What was broken before may stay so.
       {Broken, {"--section", "O"}, 0, "2|2", "imported"},
       {Broken, {"--section", "L", "--append"}, 1, "0|2", "5 values refer to rows that are not there (before: 2)"},

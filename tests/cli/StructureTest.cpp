@@ -157,7 +157,7 @@ TEST_F(TStructureTest, KeysAnswerWhatBecomesOfStructuresThatAreThere) {
       {"f r\n", 0, New, New, "imported structure B (12)"},
       {"f u\n", 0, Updated, Updated, "imported structure B (12)"},
       {"c\n", 3, Old, Old, "cancelled structure A (12)"},
-      {"r\nc\n", 3, New, Old, "not reached"},
+      {"r\nc\n", 3, Old, Old, "taken back structure A (12)"},
   };
   for (const char* const Object : {"structure", "file"}) {
     for (const auto& [Keys, ExitCode, A, B, Says] : Cases) {

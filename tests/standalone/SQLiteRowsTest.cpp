@@ -48,7 +48,7 @@ TEST_F(SQLiteRowsTest, NoRowIsDroppedWithoutAWord) {
   Table.AppendRecord();
   Table.Record().Fields(0).Buffer().SetInteger(2);
   EXPECT_EQ(ErrorOf([&] { Table.AppendRecord(); }),
-            "EDatabaseError: Cannot append record 2 to table 'T': a trigger of the table has ignored it");
+            "EDatabaseError: Cannot append record 2 to table 'T': a trigger has ignored it (I)");
 }
 
 // Many rows go to the engine at once; what is wrong with one of them is told as if it had come alone.

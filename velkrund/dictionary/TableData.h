@@ -94,6 +94,7 @@ class TEICommonTableData : public TEIObject {
   std::vector<TImportField> ResolveFields(TTable& Target, const std::vector<std::string>& Names);
   bool Selected(std::string_view Name) const { return !Fields || Fields->IndexOf(Name) >= 0; }
   void ImportInto(TTable& Target, const std::vector<std::string>& Names, TEIStream& Stream);
+  void ImportAlone(TODBCTable* SQLTable, TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream);
   void ReadRecord(TEIStream& Stream);

@@ -41,11 +41,6 @@ inline std::span<char> NextValue(char*& At, char* End) {
   return TrimInPlace({Start, Stop});
 }
 
-/// The loading of one table alone; null where there are no foreign keys to mind.
-std::unique_ptr<TTableLoading> LoadingOf(const TODBCTable& Table, bool Empty, const std::string& DatabaseName) {
-  return Relations() ? Relations()->Load(DatabaseName, {{Table.TableName(), Empty}}) : nullptr;
-}
-
 }  // namespace
 
 struct TEICommonTableData::TImportField {
@@ -143,20 +138,22 @@ void TEICommonTableData::PlaceError(Exception& Error, TEIStream& Stream) {
 void TEICommonTableData::ImportInto(TTable& Target, const std::vector<std::string>& Names, TEIStream& Stream) {
   const std::vector<TImportField> Columns = ResolveFields(Target, Names);
   auto* const SQLTable = dynamic_cast<TODBCTable*>(&Target);
-  TTransaction Transaction(DatabaseName);
-  std::unique_ptr<TTableLoading> Alone;
-  if (SQLTable && !Loading) Alone = LoadingOf(*SQLTable, !Append, DatabaseName);
-  if (Alone) Alone->Begin();
-  TTableLoading* const Together = SQLTable && Loading ? Loading : Alone.get();
-  if (SQLTable && (Together ? Together->Empties(Target.TableName()) : !Append))
-    Report->DeletedRows = EmptyTable(*SQLTable, DatabaseName);
-  else if (Together && !Append)
-    Report->DeletedRows = Together->DeletedRows(Target.TableName());
+  if (!SQLTable || (!Loading && !Relations())) return ImportAlone(SQLTable, Target, Columns, Stream);
+  std::unique_ptr<TTableLoading> Own;
+  if (!Loading) Own = Relations()->Load(DatabaseName, {{Target.TableName(), !Append}}, {});
+  if (Own) Own->Begin(0);
+  Report->DeletedRows = (Own ? *Own : *Loading).TakeDeletedRows(Target.TableName());
   ImportRows(Target, Columns, Stream);
-  if (FStopped) return;
-  if (Alone) Alone->End(true);
-  Transaction.Commit();
-  if (Together) Together->SetLoaded(Target.TableName());
+  if (Own) Own->End(!FStopped);
+}
+
+/// Where nobody minds what stands around the table.
+void TEICommonTableData::ImportAlone(TODBCTable* SQLTable, TTable& Target, std::span<const TImportField> Columns,
+                                     TEIStream& Stream) {
+  TTransaction Transaction(DatabaseName);
+  if (SQLTable && !Append) Report->DeletedRows = EmptyTable(*SQLTable, DatabaseName);
+  ImportRows(Target, Columns, Stream);
+  if (!FStopped) Transaction.Commit();
 }
 
 void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "velkrund/operations/MessageBoxHook.h"
-#include "velkrund/operations/TablePlan.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -74,7 +74,7 @@ int TUOImportFile::Execute() {
     throw Exception(
         "Encrypted files are not supported yet. Decrypt the file first, and import the decrypted one with IsCrypted "
         "off");
-  FStopping = FTogether = false;
+  FStopping = false;
   Host().FDatabaseName = DatabaseName;
   const TSettingsOfHost Settings(FEIObjectProperties);
   try {
@@ -166,41 +166,45 @@ bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
     for (const int Index : Source.Tables)
       Plan.Add(*Source.File, Index,
                Relations() ? Host().TargetOf(*Source.File, Source.File->Sections()[Index]) : std::nullopt);
-  Plan.Settle(DatabaseName);
-  FTogether = Plan.AreOne();
-  bool Whole = false;
-  try {
-    if (Plan.Loading()) Plan.Loading()->Begin();
-    Whole = ImportSteps(Plan);
-  } catch (...) {
-    Plan.Abandon();
-    if (FTogether) Host().TakenBack(nullptr);
-    throw;
-  }
-  if (Plan.Loading()) EndLoading(*Plan.Loading(), Whole);
-  return Whole;
-}
-
-bool TUOImportFile::ImportSteps(const TTablePlan& Plan) {
-  if (Plan.Loading()) {
-    for (const std::string& Warning : Plan.Loading()->Warnings()) WriteLog(TTraceLevel::Info, Warning);
-    Host().BeginTables(*Plan.Loading());
-  }
-  for (const TTablePlan::TStep& Step : Plan.Steps()) {
+  Plan.Settle(DatabaseName, LoadOptions);
+  for (const TTablePlan::TPart& Part : Plan.Parts()) {
     if (Stopping()) break;
-    ImportSection(*Step.File, Step.Index, Plan.LoadingOf(Step));
+    if (Part.Group)
+      ImportGroup(Plan, Part);
+    else
+      ImportSection(*Plan.Steps()[Part.First].File, Plan.Steps()[Part.First].Index, nullptr);
   }
+  if (Plan.Loading()) Host().EndTables(*Plan.Loading());
   return !Stopping();
 }
 
-void TUOImportFile::EndLoading(TTableLoading& Loading, bool Whole) {
+void TUOImportFile::ImportGroup(const TTablePlan& Plan, const TTablePlan::TPart& Part) {
+  TTableLoading& Loading = *Plan.Loading();
+  const std::span Steps = std::span(Plan.Steps()).subspan(Part.First, Part.Count);
+  bool IsOfSection = false;
   try {
-    Loading.End(Whole);
+    Loading.Begin(*Part.Group);
+    for (const TTablePlan::TStep& Step : Steps) {
+      if (Stopping()) break;
+      IsOfSection = true;
+      ImportSection(*Step.File, Step.Index, &Loading);
+      IsOfSection = false;
+    }
+    Loading.End(!Stopping());
   } catch (const std::exception& Error) {
-    if (FTogether) Host().TakenBack(&Error);
-    throw;
+    Loading.End(false);
+    TellTakenBack(Steps, EndsEverything(Error) || IsOfSection ? nullptr : &Error);
+    if (EndsEverything(Error)) throw;
+    ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName);
+    return;
   }
-  if (FTogether && !Whole) Host().TakenBack(nullptr);
+  if (Stopping()) TellTakenBack(Steps, nullptr);
+}
+
+void TUOImportFile::TellTakenBack(std::span<const TTablePlan::TStep> Steps, const std::exception* Error) {
+  std::vector<TImportFileObserver::TPlace> Sections;
+  for (const TTablePlan::TStep& Step : Steps) Sections.push_back({*Step.File, Step.File->Sections()[Step.Index]});
+  Host().TakenBack(Sections, Error);
 }
 
 void TUOImportFile::ImportSection(TEIFile& File, int Index, TTableLoading* Loading) {
@@ -221,10 +225,9 @@ void TUOImportFile::ImportSection(TEIFile& File, int Index, TTableLoading* Loadi
     }
   } catch (const std::exception& Error) {
     Host().EndSection(File, Section, Object.get(), &Error);
-    if (EndsEverything(Error)) throw;
     // What comes in one go with others takes them back with it.
-    const bool MayGoOn = !Loading || !FTogether;
-    ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName, MayGoOn);
+    if (EndsEverything(Error) || Loading) throw;
+    ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName);
     return;
   }
   FStopping = FStopping || Object->Stopped();
@@ -243,11 +246,10 @@ std::unique_ptr<TEIObject> TUOImportFile::MakeObject(TEIFile& File, int Index) {
   return Object;
 }
 
-void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name,
-                                    bool MayGoOn) {
+void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name) {
   const std::string Report = Format(BaseMng().LString(Key), Name) + "\r\n" + Error.what();
   WriteLog(TTraceLevel::Error, Report);
-  if (!ContinueOnError || !MayGoOn) throw;
+  if (!ContinueOnError) throw;
   if (const std::optional<bool> Decided = Host().GoOn(Error)) {
     ContinueOnError = *Decided;
     if (*Decided) return;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,12 +12,11 @@
 #include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/ImportFileObserver.h"
 #include "velkrund/operations/RecreateContainer.h"
+#include "velkrund/operations/TablePlan.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/ormtools/ParamsList.h"
 
 namespace velkrund {
-
-class TTablePlan;
 
 enum class TMissingTable { NotMissing, Created, Declined };
 /// Makes the table of a table data section where the database lacks it.
@@ -29,8 +29,8 @@ using TMissingTableGuard = THookGuard<TMissingTableHook, &SetMissingTableHook>;
 /// Imports a whole file: its structures and all else but table data, then the table data, then creates the generators,
 /// views and procedures that the structures describe. Progress counts the bytes of section bodies.
 ///
-/// Tables come after those that they refer to. Where foreign keys ask for it they are loaded together or not at all:
-/// the error of one ends the import, and a cancelled import takes all of them back.
+/// Tables come after those that they refer to. Those that are tied to each other are loaded together or not at all: the
+/// error of one, or a wish to stop, takes all of them back.
 ///
 /// After the error of a section a person is asked whether to go on; without anybody to ask, the error is raised, the
 /// reason appended. EAbort and EQuestionUnanswered always end the import.
@@ -43,6 +43,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool FCrypted = false;                    // not supported yet: an error before anything is opened
   bool fCreateDBStructures = true;          // go on to table data and database objects
   bool ContinueOnError = true;              // ask after an error; false: raise it. Becomes false when the answer is No
+  TLoadOptions LoadOptions;                 // where the platform has relations of tables
   TKvParamsList FEIObjectProperties;        // settings for sections; answers given for all join them for one run
   TImportFileObserver* Observer = nullptr;  // borrowed, may be null
   TFileSystem* FileSystem = nullptr;        // where the files are, borrowed; null: the platform's
@@ -76,7 +77,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }
   /// Within the handler of Error: traces it, and returns when a person wants to go on. Otherwise it raises. Key: of the
   /// text that says what Name was.
-  void ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name, bool MayGoOn = true);
+  void ContinueOrRaise(const std::exception& Error, std::string_view Key, const std::string& Name);
 
  private:
   /// Without an observer nobody has a say.
@@ -89,8 +90,8 @@ class TUOImportFile : public TDatabaseUtilOperation {
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
   void TakeSections(TSource& Source, TUORecreateContainer& Container);
   void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
-  bool ImportSteps(const TTablePlan& Plan);
-  void EndLoading(TTableLoading& Loading, bool Whole);
+  void ImportGroup(const TTablePlan& Plan, const TTablePlan::TPart& Part);
+  void TellTakenBack(std::span<const TTablePlan::TStep> Steps, const std::exception* Error);
   void ImportSection(TEIFile& File, int Index, TTableLoading* Loading);
   std::unique_ptr<TEIObject> MakeObject(TEIFile& File, int Index);
   void ChildProgress(std::int32_t Current, std::int32_t Total, std::string_view ObjectName);
@@ -102,7 +103,6 @@ class TUOImportFile : public TDatabaseUtilOperation {
   std::int64_t FShown = 0;        // the highest position shown in this pass
   std::string CurrentObjectName;
   bool FStopping = false;
-  bool FTogether = false;  // the tables that are being loaded come in one transaction
   TNobody FNobody;
 };
 

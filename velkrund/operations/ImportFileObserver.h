@@ -3,6 +3,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/database/Relations.h"
@@ -23,9 +24,8 @@ class TImportFileObserver {
   /// in that. Asked once for each, when all structures are there. By default the table that the section names under its
   /// physical name, emptied, and nothing when it cannot be opened.
   virtual std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section);
-  /// Before the first table data section, where foreign keys are minded: what was asked for is begun. Loading: alive
-  /// until the last of those sections has been ended.
-  virtual void BeginTables(const TTableLoading& /*Loading*/) {}
+  /// Behind the last table data section, where the platform has relations of tables.
+  virtual void EndTables(const TTableLoading& /*Loading*/) {}
   /// Before a section is imported, its object being set up; false: the section is left out, and EndSection not called.
   virtual bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) = 0;
   /// After it, and before anybody is asked whether to go on. Error: null after success. Object: null when it could not
@@ -35,9 +35,14 @@ class TImportFileObserver {
   /// Behind EndSection, or FileFailed, of what has failed: whether to go on; nothing: a person is asked. EAbort ends
   /// the run, as a cancelled one.
   virtual std::optional<bool> GoOn(const std::exception& /*Error*/) { return std::nullopt; }
-  /// All tables that were loaded in one go have been taken back. Error: of the check at the end or of the commit, null
-  /// when a section failed or the run was cancelled.
-  virtual void TakenBack(const std::exception* /*Error*/) {}
+  struct TPlace {
+    const TEIFile& File;
+    const TEISection& Section;
+  };
+  /// The sections of a group of tables that was taken back, whether they were reached or not; before anybody is asked
+  /// whether to go on. Error: of the emptying, or the check at the end; null when a section failed or the run was
+  /// cancelled.
+  virtual void TakenBack(const std::vector<TPlace>& /*Sections*/, const std::exception* /*Error*/) {}
   /// A file that cannot be opened, or whose headers are wrong.
   virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
 

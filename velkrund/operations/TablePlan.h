@@ -20,26 +20,32 @@ class TTablePlan {
     int Index;      // of the section
     std::optional<TLoadTarget> Target;
   };
+  /// Steps that follow each other: one of a table that takes no part in the loading, or all of a group of it.
+  struct TPart {
+    std::size_t First, Count;
+    std::optional<std::size_t> Group;
+  };
 
   /// Target: nothing for a table that takes no part in the loading. To be called before Settle.
   void Add(TEIFile& File, int Index, std::optional<TLoadTarget> Target) {
     FSteps.push_back({&File, Index, std::move(Target)});
   }
-  /// Makes the loading, where foreign keys are minded, and puts the steps in its order. Raises EDatabaseError.
-  void Settle(const std::string& DatabaseName);
+  /// Makes the loading, where the platform has relations of tables, and puts the steps in its order. Raises
+  /// EDatabaseError.
+  void Settle(const std::string& DatabaseName, const TLoadOptions& Options);
 
   const std::vector<TStep>& Steps() const { return FSteps; }
+  /// Those that cannot be loaded because they have no table come first.
+  const std::vector<TPart>& Parts() const { return FParts; }
   /// Null where there is none.
   TTableLoading* Loading() const { return FLoading.get(); }
-  TTableLoading* LoadingOf(const TStep& Step) const { return Step.Target ? Loading() : nullptr; }
-  bool AreOne() const { return FLoading && FLoading->AreOne(); }
-  /// Takes back what was begun and not ended, whatever the engine says to that.
-  void Abandon() { FLoading.reset(); }
 
  private:
   std::size_t Rank(const TStep& Step) const { return Step.Target ? FLoading->Rank(Step.Target->Table) : 0; }
+  std::optional<std::size_t> Group(const TStep& Step) const;
 
   std::vector<TStep> FSteps;
+  std::vector<TPart> FParts;
   std::unique_ptr<TTableLoading> FLoading;
 };
 

@@ -32,10 +32,28 @@ std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& C
                              "the report names (default: error)",
                              {{"skip", TMissingFields::Skip}, {"error", TMissingFields::Refuse}},
                              Policies.MissingFields),
+      Choice<TTriggers>("--triggers",
+                        "triggers of the tables that are loaded: let them fire, as with every other insert, or switch "
+                        "them off for the load; the report names them (default: fire)",
+                        {{"fire", TTriggers::Fire}, {"off", TTriggers::Off}}, Policies.Triggers),
+      Choice<TBrokenReferencePolicy>(
+          "--broken-references",
+          "rows that refer to rows which are nowhere: refuse them, or let them in; the "
+          "report counts them (default: refuse)",
+          {{"refuse", TBrokenReferencePolicy::Refuse}, {"allow", TBrokenReferencePolicy::Allow}},
+          Policies.BrokenReferences),
+      CommitOption(Policies),
       Switch("--lenient",
              "values that cannot be read become NULL, the report counts them. Without it they are an error",
              Policies.Lenient),
       Switch("--create", "make the database when it does not exist", CreateDatabase)};
+}
+
+TOption TSharedOptions::CommitOption(TPolicies& Policies) {
+  return Choice<TCommit>("--commit",
+                         "what stays together: the whole run, or each section by itself, tables that hang together as "
+                         "one (default: run)",
+                         {{"run", TCommit::Run}, {"each", TCommit::Each}}, Policies.Commit);
 }
 
 TOption TSharedOptions::OverwriteStructuresOption(TPolicies& Policies) {

@@ -24,6 +24,7 @@ struct TSharedOptions {
   /// --on-error, for commands that do several things.
   static TOption OnErrorOption(TPolicies& Policies);
   /// What commands that load tables let one say about rows, fields and values, and about the database.
+  static TOption CommitOption(TPolicies& Policies);
   static std::vector<TOption> LoadingOptions(TPolicies& Policies, bool& CreateDatabase);
   /// --overwrite, for structures that are there.
   static TOption OverwriteStructuresOption(TPolicies& Policies);

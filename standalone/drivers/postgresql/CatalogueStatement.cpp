@@ -5,7 +5,7 @@
 namespace velkrund {
 
 std::string CatalogueStatement(std::string_view Statement) {
-  constexpr std::string_view Operators[] = {"=", "<>", ">", "||"};
+  constexpr std::string_view Operators[] = {"=", "<>", ">", "||", "&"};
   std::string Result;
   while (!Statement.empty()) {
     const std::size_t End = std::min(Statement.find(' '), Statement.size());

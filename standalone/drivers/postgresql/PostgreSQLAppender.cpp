@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/CopyErrors.h"
-#include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 namespace {
@@ -23,6 +23,11 @@ std::string InsertText(const std::string& Table, const std::vector<std::string>&
   return Text + ") FROM STDIN";
 }
 
+/// The triggers that can have done it.
+std::string InBrackets(const std::vector<std::string>& Triggers) {
+  return Triggers.empty() ? std::string() : Format(" (%s)", JoinedInShort(Triggers));
+}
+
 void CheckTakesRows(const TTableInfo& Table, const TPostgreSQLTable& Known, bool ReadOnly, const std::string& What) {
   if (Known.IsMaterializedView()) throw EDatabaseError(What + ": it is a materialized view");
   if (Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
@@ -32,9 +37,11 @@ void CheckTakesRows(const TTableInfo& Table, const TPostgreSQLTable& Known, bool
 
 }  // namespace
 
-TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTableDescription& Table,
-                                         std::span<const int> Columns, const TAppendOptions& Options)
+TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQLSequences& Sequences,
+                                         const TTableDescription& Table, std::span<const int> Columns,
+                                         const TAppendOptions& Options)
     : FSession(Session),
+      FSequences(Sequences),
       FTableName(FullName(Table.Table)),
       FTableBareName(Table.Table.Name),
       FWhat(Format("Cannot append to table '%s'", FTableName)),
@@ -45,6 +52,7 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, const TTab
   CheckTakesRows(Table.Table, Known, Session.ReadOnly(), FWhat);
   FTableOid = Known.Oid;
   FOneWhole = Known.RefersToItself;
+  if (Known.HasTriggers) FTriggers = ReadPostgreSQLInsertTriggers(Session, FTableOid, FWhat);
   std::vector<TPostgreSQLColumn> Written;
   for (const int Index : Columns) {
     Written.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Index)].Name, FWhat));
@@ -73,9 +81,10 @@ void TPostgreSQLAppender::GiveUp(std::string Why) {
   Abandon();
 }
 
-void TPostgreSQLAppender::Fail(const std::string& Message) {
+/// Record: 0 where it is not known.
+void TPostgreSQLAppender::Fail(const std::string& Message, std::int64_t Record) {
   GiveUp(Message);
-  throw EDatabaseError(Message, {.Code = TErrorCode::RowRefused, .Table = FTableName});
+  throw EDatabaseError(Message, {.Code = TErrorCode::TriggerRefused, .Table = FTableName, .Record = Record});
 }
 
 void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
@@ -103,6 +112,7 @@ void TPostgreSQLAppender::RaiseRefused(std::size_t Column, const TKvVariant& Val
 
 void TPostgreSQLAppender::BeginPiece() {
   try {
+    if (FTriggers.MayIgnoreRows) MarkPiece();
     FSession.Occupy(*this, FWhat);
   } catch (...) {
     // Somebody else's error; the row at hand is not taken.
@@ -115,7 +125,8 @@ void TPostgreSQLAppender::BeginPiece() {
 
 void TPostgreSQLAppender::InsertDefaults() {
   const TPostgreSQLResult Result = FSession.Query(Records(FRecord, FRecord), FStatement);
-  if (Result.TagCount() != 1) Fail(Records(FRecord, FRecord) + ": a trigger of the table has ignored it");
+  if (Result.TagCount() != 1)
+    Fail(Records(FRecord, FRecord) + ": a trigger has ignored it" + InBrackets(FTriggers.Names), FRecord);
   ++FRecord;
 }
 
@@ -137,7 +148,14 @@ void TPostgreSQLAppender::Send() {
     }
   }
   FPieceSize += FRows.size();
+  if (FTriggers.MayIgnoreRows) FSent += FRows;
   FRows.clear();
+}
+
+/// To come back to when rows turn out to be missing. Outside of transactions there is nothing to come back to.
+void TPostgreSQLAppender::MarkPiece() {
+  FSent.clear();
+  if (FSession.InTransaction()) FSession.Query(FWhat, "SAVEPOINT velkrund_piece");
 }
 
 void TPostgreSQLAppender::EndPiece() {
@@ -148,14 +166,43 @@ void TPostgreSQLAppender::EndPiece() {
   if (!Result.Handle() || Result.IsError()) RaisePiece(Result);
   const std::int64_t Sent = FRecord - FPieceFirst;
   const std::int64_t Taken = Result.TagCount();
-  if (Taken != Sent) {
-    const std::string What = Records(FPieceFirst, FRecord - 1);
-    if (Sent == 1) Fail(What + ": a trigger of the table has ignored it");
-    Fail(Format("%s: a trigger of the table has ignored %d of them", What, Sent - Taken));
-  }
+  if (Taken != Sent) RaiseIgnored(Sent - Taken);
   FInPiece = false;
   FPieceSize = 0;
   FSession.Vacate(*this);
+  if (FTriggers.MayIgnoreRows && FSession.InTransaction()) FSession.Query(FWhat, "RELEASE SAVEPOINT velkrund_piece");
+}
+
+void TPostgreSQLAppender::RaiseIgnored(std::int64_t Count) {
+  const std::int64_t Last = FRecord - 1;
+  const std::int64_t Record = FPieceFirst == Last ? Last : FindIgnored();
+  if (Record > 0) Fail(Records(Record, Record) + ": a trigger has ignored it" + InBrackets(FTriggers.Names), Record);
+  Fail(Format("%s: a trigger has ignored %d of them%s", Records(FPieceFirst, Last), Count, InBrackets(FTriggers.Names)),
+       0);
+}
+
+/// The first record that is not taken when the piece is loaded again, one by one; 0: none. The rows that it leaves
+/// behind go with the transaction, which has failed.
+std::int64_t TPostgreSQLAppender::FindIgnored() {
+  if (!FSession.InTransaction() || FSent.empty()) return 0;
+  // No longer this piece's.
+  FInPiece = false;
+  FSession.Vacate(*this);
+  try {
+    FSession.Query(FWhat, "ROLLBACK TO SAVEPOINT velkrund_piece");
+    std::int64_t Record = FPieceFirst;
+    for (std::string_view Left = FSent; !Left.empty(); ++Record) {
+      const std::size_t Size = Left.find('\n') + 1;
+      FSession.StartCopy(FWhat, FStatement);
+      if (!FSession.SendRows(Left.substr(0, Size))) return 0;
+      FSession.EndRows(nullptr);
+      if (FSession.Drain().TagCount() != 1) return Record;
+      Left.remove_prefix(Size);
+    }
+  } catch (const EDatabaseError&) {
+    // What is known without it is told.
+  }
+  return 0;
 }
 
 void TPostgreSQLAppender::RaisePiece(const TPostgreSQLResult& Result) {
@@ -170,6 +217,11 @@ void TPostgreSQLAppender::RaisePiece(const TPostgreSQLResult& Result) {
   if (!Place.Column.empty()) What += Format(", column '%s'", Place.Column);
   try {
     FSession.Raise(What, Result, {}, Known);
+  } catch (const EDatabaseError& Error) {
+    const bool IsOfTrigger = Error.Info().Code == TErrorCode::TriggerRefused;
+    GiveUp(Error.what());
+    if (!IsOfTrigger || FTriggers.Names.empty()) throw;
+    throw EDatabaseError(Error.what() + InBrackets(FTriggers.Names), Error.Info());
   } catch (const std::exception& Error) {
     GiveUp(Error.what());
     throw;
@@ -193,7 +245,7 @@ void TPostgreSQLAppender::Abandon() noexcept {
 void TPostgreSQLAppender::Finish() {
   CheckUsable();
   if (FInPiece) EndPiece();
-  if (FMovesSequences) MovePostgreSQLSequences(FSession, FWhat, FTableOid, FNames, FEncoders);
+  if (FMovesSequences) FSequences.Note(FTableOid, FNames, FEncoders);
 }
 
 }  // namespace velkrund

@@ -6,6 +6,8 @@
 #include "standalone/drivers/BulkAppender.h"
 #include "standalone/drivers/Schema.h"
 #include "standalone/drivers/postgresql/PostgreSQLEncoder.h"
+#include "standalone/drivers/postgresql/PostgreSQLInsertTriggers.h"
+#include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
 namespace velkrund {
@@ -16,8 +18,8 @@ namespace velkrund {
 class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStream {
  public:
   /// Raises EDatabaseError when the table takes no such rows.
-  TPostgreSQLAppender(TPostgreSQLSession& Session, const TTableDescription& Table, std::span<const int> Columns,
-                      const TAppendOptions& Options);
+  TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQLSequences& Sequences, const TTableDescription& Table,
+                      std::span<const int> Columns, const TAppendOptions& Options);
   ~TPostgreSQLAppender() override;
 
   void Append(std::span<const TKvVariant* const> Row) override;
@@ -33,11 +35,15 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   void EndPiece();
   [[noreturn]] void RaisePiece(const TPostgreSQLResult& Result);
   void GiveUp(std::string Why);
-  [[noreturn]] void Fail(const std::string& Message);
+  void MarkPiece();
+  [[noreturn]] void RaiseIgnored(std::int64_t Count);
+  std::int64_t FindIgnored();
+  [[noreturn]] void Fail(const std::string& Message, std::int64_t Record);
   [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
   std::string Records(std::int64_t First, std::int64_t Last) const;
 
   TPostgreSQLSession& FSession;
+  TPostgreSQLSequences& FSequences;
   std::string FTableName;      // as people know it
   std::string FTableBareName;  // without the schema
   std::string FWhat;
@@ -45,12 +51,14 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   std::string FStatement;
   std::vector<std::string> FNames;
   std::vector<TPostgreSQLEncoder> FEncoders;  // one per column
+  TPostgreSQLInsertTriggers FTriggers;
   bool FMovesSequences;
   bool FOneWhole = false;      // no end of a piece by size
   std::string FRows;           // made and not yet handed to the client library
   std::size_t FPieceSize = 0;  // bytes handed over
   std::int64_t FPieceFirst;    // number of the piece's first record
   std::int64_t FRecord;        // of the next record
+  std::string FSent;           // the piece's rows, where a trigger can drop some
   bool FInPiece = false;       // this holds the connection
   bool FCopying = false;       // the server has begun the piece
   std::string FFailure;        // why nothing can be appended any more

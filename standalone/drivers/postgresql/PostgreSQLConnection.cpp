@@ -1,6 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
+#include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"
 
 namespace velkrund {
 namespace {
@@ -34,9 +35,42 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
 
 TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
                                              const TConnectOptions& Options)
-    : FSession(ConnectionInfo, ShownName, Options), FCapabilities(CapabilitiesOf(FSession)) {}
+    : FSession(ConnectionInfo, ShownName, Options),
+      FCapabilities(CapabilitiesOf(FSession)),
+      FSequences(FSession, [Warn = Options.Warn](const std::string& Text) {
+        if (Warn) Warn(Text);
+      }) {}
 
 void TPostgreSQLConnection::Begin(TIsolationLevel Level) { FSession.Begin(LevelWords(Level)); }
+
+std::unique_ptr<TSafeguards> TPostgreSQLConnection::Safeguards(TLoadNeeds Needs) {
+  return std::make_unique<TPostgreSQLSafeguards>(FSession, std::move(Needs));
+}
+
+void TPostgreSQLConnection::Commit() {
+  FSequences.Move();
+  FSession.Commit();
+}
+
+void TPostgreSQLConnection::Rollback() {
+  FSequences.Rollback();
+  FSession.Rollback();
+}
+
+void TPostgreSQLConnection::SetSavepoint(int Number) {
+  FSession.SetSavepoint(Number);
+  FSequences.SetSavepoint(Number);
+}
+
+void TPostgreSQLConnection::ReleaseSavepoint(int Number) {
+  FSession.ReleaseSavepoint(Number);
+  FSequences.ReleaseSavepoint(Number);
+}
+
+void TPostgreSQLConnection::RollbackToSavepoint(int Number) {
+  FSequences.RollbackToSavepoint(Number);
+  FSession.RollbackToSavepoint(Number);
+}
 
 std::int64_t TPostgreSQLConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
   return FSession.Execute(Statement, Parameters);

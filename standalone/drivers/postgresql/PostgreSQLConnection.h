@@ -3,6 +3,7 @@
 #include "standalone/drivers/Driver.h"
 #include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
 #include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
+#include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
 namespace velkrund {
@@ -23,8 +24,12 @@ class TPostgreSQLConnection final : public TConnection {
 
   void Begin(TIsolationLevel Level) override;
   void BeginReading() override { FSession.BeginReading(); }
-  void Commit() override { FSession.Commit(); }
-  void Rollback() override { FSession.Rollback(); }
+  void Commit() override;
+  void Rollback() override;
+  void SetSavepoint(int Number) override;
+  void ReleaseSavepoint(int Number) override;
+  void RollbackToSavepoint(int Number) override;
+  std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 
@@ -32,7 +37,8 @@ class TPostgreSQLConnection final : public TConnection {
   TPostgreSQLSession FSession;
   const TCapabilities FCapabilities;
   TPostgreSQLSchemaReader FSchema{FSession};
-  TPostgreSQLRowAccess FRows{FSession};
+  TPostgreSQLSequences FSequences;
+  TPostgreSQLRowAccess FRows{FSession, FSequences};
 };
 
 }  // namespace velkrund

@@ -72,6 +72,7 @@ class TPostgreSQLFetchCursor final : public TPostgreSQLCursor {
  private:
   void Fetch();
 
+  std::int64_t FNumber;
   std::string FName;
   std::int64_t FTransaction;  // which the server's cursor lives in
   TPostgreSQLResult FBatch;

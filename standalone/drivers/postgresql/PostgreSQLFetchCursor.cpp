@@ -18,14 +18,15 @@ constexpr std::int64_t MaxBatchSize = 16'384;
 
 TPostgreSQLFetchCursor::TPostgreSQLFetchCursor(TPostgreSQLSource Source)
     : TPostgreSQLCursor(std::move(Source)),
-      FName(Format("velkrund_%d", FSource.Session.NextCursorNumber())),
+      FNumber(FSource.Session.NextCursorNumber()),
+      FName(FSource.Session.CursorName(FNumber)),
       FTransaction(FSource.Session.TransactionNumber()) {
   FSource.Session.Query(FSource.What, "DECLARE " + FName + " NO SCROLL CURSOR FOR " + FSource.Statement);
 }
 
 TPostgreSQLFetchCursor::~TPostgreSQLFetchCursor() {
   TPostgreSQLSession& Session = FSource.Session;
-  if (Session.InTransaction() && Session.TransactionNumber() == FTransaction) Session.CloseLater(FName);
+  if (Session.InTransaction() && Session.TransactionNumber() == FTransaction) Session.CloseLater(FNumber);
 }
 
 void TPostgreSQLFetchCursor::Fetch() {

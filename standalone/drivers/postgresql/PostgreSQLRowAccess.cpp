@@ -16,7 +16,7 @@ std::unique_ptr<TCursor> TPostgreSQLRowAccess::OpenCursor(const TTableDescriptio
 std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDescription& Table,
                                                                   std::span<const int> Columns,
                                                                   const TAppendOptions& Options) {
-  return std::make_unique<TPostgreSQLAppender>(FSession, Table, Columns, Options);
+  return std::make_unique<TPostgreSQLAppender>(FSession, FSequences, Table, Columns, Options);
 }
 
 }  // namespace velkrund

@@ -4,11 +4,13 @@
 
 namespace velkrund {
 
+class TPostgreSQLSequences;
 class TPostgreSQLSession;
 
 class TPostgreSQLRowAccess final : public TRowAccess {
  public:
-  explicit TPostgreSQLRowAccess(TPostgreSQLSession& Session) : FSession(Session) {}
+  TPostgreSQLRowAccess(TPostgreSQLSession& Session, TPostgreSQLSequences& Sequences)
+      : FSession(Session), FSequences(Sequences) {}
 
   std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) override;
   std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
@@ -16,6 +18,7 @@ class TPostgreSQLRowAccess final : public TRowAccess {
 
  private:
   TPostgreSQLSession& FSession;
+  TPostgreSQLSequences& FSequences;
 };
 
 }  // namespace velkrund

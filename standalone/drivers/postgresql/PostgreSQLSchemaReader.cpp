@@ -30,12 +30,32 @@ std::string TablesStatement() {
 /// table's.
 constexpr const char* KeysStatement =
     "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
-    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}') "
+    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}'), k.conname, k.oid "
     "FROM pg_catalog.pg_constraint k "
     "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
     "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
     "WHERE k.contype = 'f' AND NOT (k.conparentid <> '0' AND f.relispartition) "
     "ORDER BY fn.nspname, f.relname, k.conname";
+
+/// What fires for rows, or statements, that insert or delete: bits 4 and 8 of tgtype. Those of a partition are shown as
+/// its table's.
+constexpr const char* TriggersStatement =
+    "SELECT DISTINCT r.relname, n.nspname, r.relkind, t.tgname, (t.tgtype & 4) <> 0, (t.tgtype & 8) <> 0 "
+    "FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_class c ON c.oid = t.tgrelid "
+    "JOIN pg_catalog.pg_class r ON r.oid = coalesce(CASE WHEN c.relispartition THEN "
+    "pg_catalog.pg_partition_root(c.oid)::pg_catalog.oid END, c.oid) "
+    "JOIN pg_catalog.pg_namespace n ON n.oid = r.relnamespace "
+    "WHERE NOT t.tgisinternal AND (t.tgenabled = 'O' OR t.tgenabled = 'A') AND (t.tgtype & 12) <> 0 "
+    "ORDER BY n.nspname, r.relname, t.tgname";
+
+/// The keys of a table ($1) and the columns at both ends, one row a column.
+constexpr const char* KeyColumnsStatement =
+    "SELECT k.oid, k.confrelid::pg_catalog.regclass, t.relname, a.attname, b.attname FROM pg_catalog.pg_constraint k, "
+    "ROWS FROM (pg_catalog.unnest(k.conkey), pg_catalog.unnest(k.confkey)) AS c (f, t), "
+    "pg_catalog.pg_attribute a, pg_catalog.pg_attribute b, pg_catalog.pg_class t WHERE k.contype = 'f' "
+    "AND t.oid = k.confrelid "
+    "AND k.conrelid = $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid AND k.conparentid = '0' "
+    "AND a.attrelid = k.conrelid AND a.attnum = c.f AND b.attrelid = k.confrelid AND b.attnum = c.t ORDER BY k.conname";
 
 TTableKind KindOfTable(char Kind) {
   if (Kind == 'v' || Kind == 'm') return TTableKind::View;
@@ -132,6 +152,13 @@ std::int64_t TPostgreSQLSchemaReader::RowCount(const TTableInfo& Table) {
       .Integer(0, 0);
 }
 
+bool TPostgreSQLSchemaReader::HasRows(const TTableInfo& Table) {
+  return FSession
+             .Query(Format("Cannot look into table '%s'", FullName(Table)),
+                    "SELECT FROM " + FSession.Dialect().SQLName(Table) + " LIMIT 1")
+             .RowCount() > 0;
+}
+
 std::optional<std::int64_t> TPostgreSQLSchemaReader::TableBytes(const TTableInfo& Table) {
   if (Table.Kind != TTableKind::Table) return std::nullopt;
   // A partitioned table keeps nothing itself. The function takes the names as a statement would.
@@ -164,7 +191,43 @@ std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
   };
   std::vector<TForeignKey> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row)
-    Result.push_back({TableAt(Row, 0), TableAt(Row, 3), Rows.Boolean(Row, 6)});
+    Result.push_back({TableAt(Row, 0), TableAt(Row, 3), Rows.Boolean(Row, 6), Rows.Copy(Row, 7), Rows.Copy(Row, 8)});
+  return Result;
+}
+
+std::vector<TTrigger> TPostgreSQLSchemaReader::Triggers() {
+  const TPostgreSQLResult Rows = FSession.Query("Cannot list the triggers", CatalogueStatement(TriggersStatement));
+  std::vector<TTrigger> Result;
+  for (int Row = 0; Row < Rows.RowCount(); ++Row)
+    Result.push_back({{Rows.Copy(Row, 0), ShownSchema(Rows.Text(Row, 1)), KindOfTable(Rows.Text(Row, 2).front())},
+                      Rows.Copy(Row, 3),
+                      Rows.Boolean(Row, 4),
+                      Rows.Boolean(Row, 5)});
+  return Result;
+}
+
+TBrokenReferences TPostgreSQLSchemaReader::BrokenReferences(const TTableInfo& Table) {
+  const std::string What = Format("Cannot check the foreign keys of table '%s'", FullName(Table));
+  const std::string Name = FSession.Dialect().QualifiedName(Table);
+  const TPostgreSQLResult Keys = FSession.Query(What, CatalogueStatement(KeyColumnsStatement), {Name.c_str()});
+  TBrokenReferences Result;
+  for (int Row = 0; Row < Keys.RowCount();) {
+    const int First = Row;
+    std::string IsKey, IsThere;
+    for (; Row < Keys.RowCount() && Keys.Text(Row, 0) == Keys.Text(First, 0); ++Row) {
+      const std::string Column = "c." + QuoteStandardName(Keys.Text(Row, 3));
+      IsKey += Format(" AND %s IS NOT NULL", Column);
+      IsThere += Format("%sp.%s = %s", IsThere.empty() ? "" : " AND ", QuoteStandardName(Keys.Text(Row, 4)), Column);
+    }
+    const TPostgreSQLResult Broken = FSession.Query(
+        What, Format("SELECT pg_catalog.count(*), pg_catalog.min(c::pg_catalog.text) FROM %s c WHERE true%s AND NOT "
+                     "EXISTS (SELECT FROM %s p WHERE %s)",
+                     FSession.Dialect().SQLName(Table), IsKey, Keys.Text(First, 1), IsThere));
+    const std::int64_t Count = Broken.Integer(0, 0);
+    Result.Count += Count;
+    if (Count > 0 && Result.Example.empty())
+      Result.Example = Format("row %s to a row of '%s'", Shortened(Broken.Text(0, 1)), Keys.Text(First, 2));
+  }
   return Result;
 }
 

@@ -18,9 +18,13 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   TTableDescription Describe(const TTableInfo& Table) override;
   /// Without rows of tables that inherit from it; with those of partitions.
   std::int64_t RowCount(const TTableInfo& Table) override;
+  bool HasRows(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 
   std::vector<TForeignKey> ForeignKeys() override;
+  /// The engine lets none in, unless a role that may do so sets its checks aside.
+  TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
+  std::vector<TTrigger> Triggers() override;
 
   bool HasCatalogueTable(const std::string& Name) override;
 

@@ -123,7 +123,7 @@ void TPostgreSQLSession::NoteTransaction() {
   if (Status != PQTRANS_IDLE && Status != PQTRANS_INTRANS && Status != PQTRANS_INERROR) return;
   const bool Open = Status != PQTRANS_IDLE;
   if (Open && !FTransactionOpen) ++FTransactionNumber;
-  if (!Open) FToClose.clear();
+  if (!Open) ForgetCursors(0);
   FTransactionOpen = Open;
 }
 
@@ -149,10 +149,10 @@ void TPostgreSQLSession::CheckAlive(std::string_view What) {
 void TPostgreSQLSession::Prepare(std::string_view What) {
   if (FStream) FStream->GiveWay(What);
   CheckAlive(What);
-  for (const std::string& Name : std::exchange(FToClose, {})) {
-    const std::string Statement = "CLOSE " + QuoteStandardName(Name);
+  for (const std::int64_t Number : std::exchange(FToClose, {})) {
     // In a transaction that has failed the server refuses it; the cursor is gone with the transaction.
-    if (PQtransactionStatus(Handle()) == PQTRANS_INTRANS) Run(Statement, {}, TFormat::Text);
+    if (PQtransactionStatus(Handle()) == PQTRANS_INTRANS) Run("CLOSE " + CursorName(Number), {}, TFormat::Text);
+    FCursors.erase(Number);
   }
 }
 
@@ -189,7 +189,6 @@ void TPostgreSQLSession::Commit() {
 void TPostgreSQLSession::Rollback() {
   if (!FTransactionOpen) return;
   if (FStream) FStream->Abandon();
-  FToClose.clear();
   const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text, false);
   if (IsLost()) {
     // The server has rolled back by itself.
@@ -197,6 +196,37 @@ void TPostgreSQLSession::Rollback() {
     return;
   }
   if (!Result.Handle() || Result.IsError()) Raise(About("roll the transaction back in"), Result);
+}
+
+void TPostgreSQLSession::SetSavepoint(int Number) {
+  Query(About("go on with the transaction in"), "SAVEPOINT " + SavepointName(Number));
+  FMarks.resize(static_cast<std::size_t>(Number) - 1, FCursorNumber);
+  FMarks.push_back(FCursorNumber);
+}
+
+void TPostgreSQLSession::ReleaseSavepoint(int Number) {
+  Query(About("go on with the transaction in"), "RELEASE SAVEPOINT " + SavepointName(Number));
+  FMarks.resize(static_cast<std::size_t>(Number) - 1);
+}
+
+void TPostgreSQLSession::RollbackToSavepoint(int Number) {
+  if (!FTransactionOpen || IsLost()) return;
+  if (FStream) FStream->Abandon();
+  const std::string Name = SavepointName(Number);
+  for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
+    const TPostgreSQLResult Result = Run(Words + Name, {}, TFormat::Text, false);
+    // A connection that is lost here has taken the whole transaction with it; the next statement says so.
+    if (IsLost()) return;
+    if (!Result.Handle() || Result.IsError()) Raise(About("take a part of the transaction back in"), Result);
+  }
+  ForgetCursors(FMarks.at(static_cast<std::size_t>(Number) - 1));
+  FMarks.resize(static_cast<std::size_t>(Number) - 1);
+}
+
+/// Those with a higher number are gone.
+void TPostgreSQLSession::ForgetCursors(std::int64_t Last) {
+  FCursors.erase(FCursors.upper_bound(Last), FCursors.end());
+  std::erase_if(FToClose, [Last](std::int64_t Number) { return Number > Last; });
 }
 
 void TPostgreSQLSession::Occupy(TPostgreSQLStream& Stream, std::string_view What) {
@@ -208,7 +238,16 @@ void TPostgreSQLSession::Vacate(const TPostgreSQLStream& Stream) {
   if (FStream == &Stream) FStream = nullptr;
 }
 
-void TPostgreSQLSession::CloseLater(std::string CursorName) { FToClose.push_back(std::move(CursorName)); }
+std::int64_t TPostgreSQLSession::NextCursorNumber() {
+  FCursors.insert(++FCursorNumber);
+  return FCursorNumber;
+}
+
+std::string TPostgreSQLSession::CursorName(std::int64_t Number) { return velkrund::Format("velkrund_%d", Number); }
+
+void TPostgreSQLSession::CloseLater(std::int64_t Number) {
+  if (FCursors.contains(Number)) FToClose.push_back(Number);
+}
 
 TPostgreSQLResult TPostgreSQLSession::Run(const std::string& Statement, std::initializer_list<const char*> Parameters,
                                           TFormat Format, bool MayStop) {

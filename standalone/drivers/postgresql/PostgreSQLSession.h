@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 #include <memory>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,6 +55,9 @@ class TPostgreSQLSession {
   void BeginReading();
   void Commit();
   void Rollback();
+  void SetSavepoint(int Number);
+  void ReleaseSavepoint(int Number);
+  void RollbackToSavepoint(int Number);
   bool InTransaction() const { return FTransactionOpen; }
   /// Whether the last transaction was begun by BeginReading.
   bool OnlyReads() const { return FOnlyReads; }
@@ -85,9 +89,12 @@ class TPostgreSQLSession {
   /// Reads what the server has still to say about the last statement; its first error, else its last answer.
   TPostgreSQLResult Drain();
 
-  std::int64_t NextCursorNumber() { return ++FCursorNumber; }
-  /// Closes a server cursor of the running transaction before the next statement, so that freeing it needs no answer.
-  void CloseLater(std::string CursorName);
+  /// Of a server cursor that is opened in the running transaction.
+  std::int64_t NextCursorNumber();
+  static std::string CursorName(std::int64_t Number);
+  /// Closes one before the next statement, so that freeing it needs no answer. Nothing happens to one that is gone with
+  /// what was rolled back.
+  void CloseLater(std::int64_t Number);
 
   /// Raises what Result says, and what a lost connection means; EAbort when it says that the statement was stopped.
   /// Place: what is known beside.
@@ -114,6 +121,7 @@ class TPostgreSQLSession {
             TFormat Format);
   TPostgreSQLResult DropRows(std::string_view What, const std::string& Statement);
   void NoteTransaction();
+  void ForgetCursors(std::int64_t Last);
 
   std::string FShownName;
   std::string FLockTimeout;  // milliseconds
@@ -129,7 +137,9 @@ class TPostgreSQLSession {
   std::int64_t FTransactionNumber = 0;
   std::int64_t FCursorNumber = 0;
   TPostgreSQLStream* FStream = nullptr;  // who holds the connection; borrowed
-  std::vector<std::string> FToClose;     // server cursors of the running transaction
+  std::set<std::int64_t> FCursors;       // those of the server in the running transaction
+  std::vector<std::int64_t> FToClose;    // some of them
+  std::vector<std::int64_t> FMarks;      // the last number of a cursor when each savepoint was set
 };
 
 }  // namespace velkrund

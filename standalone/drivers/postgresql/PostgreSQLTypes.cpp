@@ -115,7 +115,8 @@ std::string TableStatement() {
       "pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname), "
       "EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.conrelid = c.oid AND k.contype = 'f' "
       "AND NOT k.condeferred AND (k.confrelid = c.oid OR k.confrelid = ANY ("
-      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))) "
+      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))), "
+      "c.relhastriggers OR c.relkind = 'p' "
       "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
       "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
       "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
@@ -144,7 +145,7 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
   if (Rows.RowCount() == 0)
     throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)),
                          {.Code = TErrorCode::TableMissing});
-  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), {}};
+  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), Rows.Boolean(0, 13), {}};
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TPostgreSQLColumn Column;
     Column.Info.Name = Rows.Copy(Row, 2);

@@ -49,6 +49,7 @@ struct TPostgreSQLTable {
   std::string Oid;              // in decimal
   char Kind = 'r';              // pg_class.relkind
   bool RefersToItself = false;  // rows to others of the same table, in any order within one statement
+  bool HasTriggers = false;     // or parts that may have some
   std::vector<TPostgreSQLColumn> Columns;
 
   bool IsPartitioned() const { return Kind == 'p'; }

@@ -8,6 +8,7 @@
 #include "standalone/drivers/Dialect.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 namespace {
@@ -47,6 +48,7 @@ TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Tab
                                  const TAppendOptions& Options, const TTraits& Traits)
     : FDatabase(Database),
       FTableName(Table.Table.Name),
+      FTriggers(Traits.Triggers.empty() ? "" : Format(" (%s)", JoinedInShort(Traits.Triggers))),
       FOne(Database, Table, Columns, Traits, 1),
       FRecord(Options.FirstRecord) {
   for (const int Index : Columns) FNames.push_back(Table.Columns[static_cast<std::size_t>(Index)].Name);
@@ -130,7 +132,7 @@ void TSQLiteAppender::InsertHeld() {
   const std::size_t Rows = FHeldCount / FNames.size();
   if (static_cast<std::size_t>(sqlite3_changes(FDatabase)) != Rows)
     throw EDatabaseError(HeldText() + ": the engine has ignored some of them",
-                         {.Code = TErrorCode::RowRefused, .Table = FTableName});
+                         {.Code = TErrorCode::TriggerRefused, .Table = FTableName});
   FRecord += static_cast<std::int64_t>(Rows);
   FHeldCount = 0;
 }
@@ -155,8 +157,8 @@ void TSQLiteAppender::InsertOne(TRow Row) {
   // A trigger can drop the row; nobody would miss it until it is needed.
   if (sqlite3_changes(FDatabase) != 1) {
     TErrorInfo Ignored = Place();
-    Ignored.Code = TErrorCode::RowRefused;
-    throw EDatabaseError(RecordText() + ": a trigger of the table has ignored it", std::move(Ignored));
+    Ignored.Code = TErrorCode::TriggerRefused;
+    throw EDatabaseError(RecordText() + ": a trigger has ignored it" + FTriggers, std::move(Ignored));
   }
   ++FRecord;
 }
@@ -180,6 +182,10 @@ void TSQLiteAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, 
 void TSQLiteAppender::RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const {
   try {
     RaiseSQLiteError(FDatabase, What, std::move(Place));
+  } catch (const EDatabaseError& Error) {
+    sqlite3_reset(Insert.Statement.Handle());
+    if (Error.Info().Code != TErrorCode::TriggerRefused) throw;
+    throw EDatabaseError(Error.what() + FTriggers, Error.Info());
   } catch (...) {
     sqlite3_reset(Insert.Statement.Handle());
     throw;

@@ -21,8 +21,9 @@ class TSQLiteAppender final : public TBulkAppender {
   struct TTraits {
     bool Strict = false;
     TSQLiteTexts Texts;
-    int RowNumberColumn = -1;  // index of the column that stands for the row number; -1: none
-    bool OneByOne = false;     // what a row does can depend on the statement that it is part of
+    int RowNumberColumn = -1;                // index of the column that stands for the row number; -1: none
+    bool OneByOne = false;                   // what a row does can depend on the statement that it is part of
+    std::vector<std::string> Triggers = {};  // that fire for the rows
   };
 
   TSQLiteAppender(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
@@ -58,6 +59,7 @@ class TSQLiteAppender final : public TBulkAppender {
 
   sqlite3* FDatabase;
   std::string FTableName;
+  std::string FTriggers;  // for messages: that can have refused a row
   std::optional<std::int64_t> FCacheSizeBefore;
   TInsert FOne;
   std::optional<TInsert> FMany;                // nothing: every row goes by itself

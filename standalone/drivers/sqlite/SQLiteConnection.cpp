@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include "standalone/drivers/sqlite/SQLiteExecution.h"
+#include "standalone/drivers/sqlite/SQLiteSafeguards.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -43,19 +44,47 @@ void TSQLiteConnection::Begin(TIsolationLevel Level) {
 
 void TSQLiteConnection::Commit() {
   constexpr std::string_view What = "commit the transaction in";
+  RequireTransaction(What);
+  Run("COMMIT", What);
+}
+
+void TSQLiteConnection::RequireTransaction(std::string_view What) const {
   if (!FDatabase.InTransaction())
     throw EDatabaseError(FDatabase.About(What) + ": the engine has rolled it back after an error");
-  Run("COMMIT", What);
 }
 
 void TSQLiteConnection::Rollback() {
   if (FDatabase.InTransaction()) Run("ROLLBACK", "roll the transaction back in");
 }
 
+void TSQLiteConnection::SetSavepoint(int Number) {
+  constexpr std::string_view What = "go on with the transaction in";
+  // Outside of a transaction the engine would begin one of its own, and commit it by itself.
+  RequireTransaction(What);
+  Run("SAVEPOINT " + SavepointName(Number), What);
+}
+
+void TSQLiteConnection::ReleaseSavepoint(int Number) {
+  constexpr std::string_view What = "go on with the transaction in";
+  RequireTransaction(What);
+  Run("RELEASE " + SavepointName(Number), What);
+}
+
+void TSQLiteConnection::RollbackToSavepoint(int Number) {
+  if (!FDatabase.InTransaction()) return;
+  constexpr std::string_view What = "take a part of the transaction back in";
+  Run("ROLLBACK TO " + SavepointName(Number), What);
+  Run("RELEASE " + SavepointName(Number), What);
+}
+
 void TSQLiteConnection::Run(std::string_view Statement, std::string_view What) {
   TSQLiteStatement Prepared(FDatabase.Handle(), Statement, FDatabase.About(What));
   while (Prepared.Step()) {
   }
+}
+
+std::unique_ptr<TSafeguards> TSQLiteConnection::Safeguards(TLoadNeeds Needs) {
+  return std::make_unique<TSQLiteSafeguards>(FDatabase, std::move(Needs), FCapabilities.EnforcesForeignKeys);
 }
 
 std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {

@@ -25,10 +25,15 @@ class TSQLiteConnection final : public TConnection {
   void BeginReading() override { Begin(TIsolationLevel::ReadCommitted); }
   void Commit() override;
   void Rollback() override;
+  void SetSavepoint(int Number) override;
+  void ReleaseSavepoint(int Number) override;
+  void RollbackToSavepoint(int Number) override;
+  std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 
  private:
+  void RequireTransaction(std::string_view What) const;
   void Run(std::string_view Statement, std::string_view What);
 
   TSQLiteDatabase FDatabase;

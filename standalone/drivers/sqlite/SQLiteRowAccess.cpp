@@ -1,8 +1,11 @@
 #include "standalone/drivers/sqlite/SQLiteRowAccess.h"
 
+#include <sqlite3.h>
+
 #include "standalone/drivers/sqlite/SQLiteAppender.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
 #include "standalone/drivers/sqlite/SQLiteDatabase.h"
+#include "standalone/drivers/sqlite/SQLiteTriggerText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -10,15 +13,28 @@
 namespace velkrund {
 namespace {
 
-/// A trigger can drop single rows, and a reference to a row of the same table is checked when the statement ends.
-bool RowsDependOnStatement(sqlite3* Database, const std::string& Table) {
+/// Those that fire, of the database and of the connection.
+std::vector<std::string> InsertTriggers(sqlite3* Database, const std::string& Table) {
+  std::vector<std::string> Result;
+  int AreOn = 1;
+  sqlite3_db_config(Database, SQLITE_DBCONFIG_ENABLE_TRIGGER, -1, &AreOn);
+  if (AreOn == 0) return Result;
   TSQLiteStatement Found(
       Database,
-      "SELECT 1 FROM pragma_foreign_keys WHERE foreign_keys UNION ALL "
-      "SELECT 1 FROM main.sqlite_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1) UNION ALL "
-      "SELECT 1 FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)",
+      "SELECT name, sql FROM main.sqlite_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1) UNION ALL "
+      "SELECT name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)",
       Format("Cannot append to table '%s'", Table));
-  return Found.BindText(1, Table).Step();
+  Found.BindText(1, Table);
+  while (Found.Step())
+    if (SQLiteTriggerEvent(Found.Text(1)) == "INSERT") Result.push_back(Found.Text(0));
+  return Result;
+}
+
+/// A reference to a row of the same table is checked when the statement ends.
+bool EnforcesKeys(sqlite3* Database) {
+  int Enforces = 0;
+  sqlite3_db_config(Database, SQLITE_DBCONFIG_ENABLE_FKEY, -1, &Enforces);
+  return Enforces != 0;
 }
 
 /// A single key column declared as INTEGER is the row number itself, unless the key needed an index of its own.
@@ -56,7 +72,8 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
     throw EDatabaseError(What + ": the table does not exist", {.Code = TErrorCode::TableMissing});
   Traits.Strict = Info.Integer(0) != 0;
   Traits.RowNumberColumn = RowNumberColumn(Database, Table, Info.Integer(1) != 0);
-  Traits.OneByOne = Table.Table.Kind != TTableKind::Table || RowsDependOnStatement(Database, Table.Table.Name);
+  Traits.Triggers = InsertTriggers(Database, Table.Table.Name);
+  Traits.OneByOne = Table.Table.Kind != TTableKind::Table || !Traits.Triggers.empty() || EnforcesKeys(Database);
   return std::make_unique<TSQLiteAppender>(Database, Table, Columns, Options, Traits);
 }
 

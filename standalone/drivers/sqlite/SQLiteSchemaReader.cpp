@@ -4,6 +4,7 @@
 
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
+#include "standalone/drivers/sqlite/SQLiteTriggerText.h"
 #include "standalone/drivers/sqlite/SQLiteTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -30,10 +31,15 @@ bool IsUserTable(std::string_view Name, std::string_view Type) {
 
 }  // namespace
 
+/// How a message about a list begins.
+std::string TSQLiteSchemaReader::About(std::string_view What) const {
+  return Format("Cannot list the %s of the database '%s'", What, sqlite3_db_filename(FDatabase, "main"));
+}
+
 std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
   TSQLiteStatement List(FDatabase, "SELECT name, type FROM pragma_table_list WHERE schema = 'main' ORDER BY name",
-                        "Cannot list the tables");
+                        About("tables"));
   while (List.Step())
     if (IsUserTable(List.Text(0), List.Text(1))) Result.push_back({List.Text(0), {}, KindOfTable(List.Text(1))});
   return Result;
@@ -94,6 +100,12 @@ std::int64_t TSQLiteSchemaReader::RowCount(const TTableInfo& Table) {
   return Count.Integer(0);
 }
 
+bool TSQLiteSchemaReader::HasRows(const TTableInfo& Table) {
+  TSQLiteStatement Any(FDatabase, "SELECT 1 FROM main." + QuoteStandardName(Table.Name) + " LIMIT 1",
+                       Format("Cannot look into table '%s'", Table.Name));
+  return Any.Step();
+}
+
 std::optional<std::int64_t> TSQLiteSchemaReader::TableBytes(const TTableInfo& Table) {
   if (!FCapabilities.TableSizes || Table.Kind != TTableKind::Table) return std::nullopt;
   TSQLiteStatement Bytes(FDatabase,
@@ -113,13 +125,12 @@ bool TSQLiteSchemaReader::HasCatalogueTable(const std::string& Name) {
 std::vector<TForeignKey> TSQLiteSchemaReader::ForeignKeys() {
   // In this order, whatever the planner thinks of it: asking every pair of tables takes minutes where there are
   // thousands.
-  TSQLiteStatement Keys(
-      FDatabase,
-      "SELECT f.name, t.name, k.on_delete IN ('CASCADE', 'SET NULL', 'SET DEFAULT') "
-      "FROM main.sqlite_schema f CROSS JOIN pragma_foreign_key_list(f.name, 'main') k "
-      "CROSS JOIN main.sqlite_schema t ON t.name = k.\"table\" COLLATE NOCASE AND t.type = 'table' "
-      "WHERE f.type = 'table' AND k.seq = 0 ORDER BY f.name, k.id",
-      Format("Cannot list the foreign keys of the database '%s'", sqlite3_db_filename(FDatabase, "main")));
+  TSQLiteStatement Keys(FDatabase,
+                        "SELECT f.name, t.name, k.on_delete IN ('CASCADE', 'SET NULL', 'SET DEFAULT') "
+                        "FROM main.sqlite_schema f CROSS JOIN pragma_foreign_key_list(f.name, 'main') k "
+                        "CROSS JOIN main.sqlite_schema t ON t.name = k.\"table\" COLLATE NOCASE AND t.type = 'table' "
+                        "WHERE f.type = 'table' AND k.seq = 0 ORDER BY f.name, k.id",
+                        About("foreign keys"));
   std::vector<TForeignKey> Result;
   while (Keys.Step())
     Result.push_back(
@@ -136,6 +147,22 @@ TBrokenReferences TSQLiteSchemaReader::BrokenReferences(const TTableInfo& Table)
   // Tables without row numbers have none to show.
   const std::string Row = Broken.Text(1).empty() ? "a row" : "row " + Broken.Text(1);
   Result.Example = Format("%s to a row of '%s'", Row, Broken.Text(2));
+  return Result;
+}
+
+std::vector<TTrigger> TSQLiteSchemaReader::Triggers() {
+  TSQLiteStatement List(FDatabase,
+                        "SELECT g.name, t.name, t.type, g.sql FROM main.sqlite_schema g JOIN main.sqlite_schema t "
+                        "ON t.name = g.tbl_name COLLATE NOCASE AND t.type IN ('table', 'view') "
+                        "WHERE g.type = 'trigger' ORDER BY t.name, g.name",
+                        About("triggers"));
+  std::vector<TTrigger> Result;
+  while (List.Step()) {
+    const std::string Event = SQLiteTriggerEvent(List.Text(3));
+    if (Event == "UPDATE") continue;
+    Result.push_back(
+        {{List.Text(1), {}, KindOfTable(List.Text(2))}, List.Text(0), Event == "INSERT", Event == "DELETE"});
+  }
   return Result;
 }
 

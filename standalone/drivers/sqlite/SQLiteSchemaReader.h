@@ -18,15 +18,19 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   std::optional<TTableInfo> FindTable(std::string_view Name) override;
   TTableDescription Describe(const TTableInfo& Table) override;
   std::int64_t RowCount(const TTableInfo& Table) override;
+  bool HasRows(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 
   /// Those that name a table which is not there are not among them.
   std::vector<TForeignKey> ForeignKeys() override;
   TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
+  std::vector<TTrigger> Triggers() override;
 
   bool HasCatalogueTable(const std::string& Name) override;
 
  private:
+  std::string About(std::string_view What) const;
+
   sqlite3* FDatabase;
   const TCapabilities& FCapabilities;
 };

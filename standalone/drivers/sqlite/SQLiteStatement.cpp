@@ -13,6 +13,7 @@ constexpr std::int64_t MaxStatementInMessage = 300;
 
 TErrorCode CodeOf(int Code) {
   if (Code == SQLITE_CONSTRAINT_FOREIGNKEY) return TErrorCode::References;
+  if (Code == SQLITE_CONSTRAINT_TRIGGER) return TErrorCode::TriggerRefused;
   switch (Code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:

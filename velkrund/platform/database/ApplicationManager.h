@@ -42,8 +42,8 @@ class TApplicationManager {
   virtual std::unique_ptr<TTable> GetUserTable(const std::string& TableName, const std::string& DatabaseName,
                                                bool ReadWrite) = 0;
 
-  /// Transactions of one database count: only the outermost start and end reach the engine, and an inner roll back
-  /// dooms the outer one, whose commit then rolls back and raises EDatabaseError.
+  /// A start within a transaction of the same database is a savepoint: an inner roll back undoes the inner part, and
+  /// what was committed within is undone with the outer one.
   virtual void StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) = 0;
   virtual void CommitTransaction(const std::string& DatabaseName) = 0;
   virtual void RollbackTransaction(const std::string& DatabaseName) = 0;

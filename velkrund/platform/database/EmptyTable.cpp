@@ -7,6 +7,8 @@
 namespace velkrund {
 
 std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
+  // Not even that, of a table without rows: an engine can refuse the statement by itself, and triggers of it fire.
+  if (!Table.HasRecords()) return 0;
   BaseMng().Notice(Format("emptying the table '%s'", Table.TableName()));
   std::int64_t Deleted = 0;
   try {
@@ -16,11 +18,11 @@ std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
     Info.Fill({.Table = Table.TableName()});
     throw EDatabaseError(Format("Cannot empty the table '%s': %s", Table.TableName(), Error.what()), std::move(Info));
   }
-  if (const std::int64_t Rows = Table.RecordCount())
+  if (Table.HasRecords())
     throw EDatabaseError(
         Format("Cannot empty the table '%s': %d of its rows stay, kept by a trigger or a rule of the database",
-               Table.TableName(), Rows),
-        {.Code = TErrorCode::RowRefused, .Table = Table.TableName()});
+               Table.TableName(), Table.RecordCount()),
+        {.Code = TErrorCode::TriggerRefused, .Table = Table.TableName()});
   return Deleted;
 }
 

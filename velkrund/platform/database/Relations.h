@@ -14,8 +14,17 @@ struct TLoadTarget {
   bool Empty = true;  // its rows are deleted first
 };
 
-/// Tables that are loaded in one go, as far as foreign keys tie them to each other and to others. Freed before End:
-/// what was begun is taken back. Raises EDatabaseError. Used by one thread at a time.
+struct TLoadOptions {
+  /// What fails takes back the tables that are tied to it by foreign keys, or by triggers that fire when rows are
+  /// deleted, and no others; false: all tables are one group.
+  bool InGroups = true;
+  bool Triggers = true;           // they fire; false: none of those on the tables of the load
+  bool BrokenReferences = false;  // rows that refer to nothing are let in
+};
+
+/// Tables that are loaded in one go, with what stands around them: foreign keys, triggers, locks. They fall into
+/// groups, each of which is emptied, loaded and checked in a transaction, or a part of one, by itself. Freed before an
+/// end: what was begun is taken back. Raises EDatabaseError. Used by one thread at a time.
 class TTableLoading {
  public:
   TTableLoading() = default;
@@ -23,27 +32,32 @@ class TTableLoading {
   TTableLoading& operator=(const TTableLoading&) = delete;
   virtual ~TTableLoading() = default;
 
-  /// Tables of lower rank come first; equal where nothing asks for an order.
+  /// Begins one transaction around all groups, and whatever else is done until CommitAll. Its first statements lock all
+  /// tables; what fails there is tried again while the database may be waited for. Without it each group is committed
+  /// by itself.
+  virtual void BeginAll() = 0;
+  virtual void CommitAll() = 0;
+
+  /// Tables of lower rank come first: those of a group stand together, in it those that others refer to stand before
+  /// them. 0 for a table that is no target.
   virtual std::size_t Rank(const std::string& Table) const = 0;
-  /// Whether all come in one transaction; a failure then takes all back.
-  virtual bool AreOne() const = 0;
-  /// Starts that transaction where there is to be one, counts what is broken before, and empties tables, children
+  /// From 0, in the order of ranks. The table is a target.
+  virtual std::size_t Group(const std::string& Table) const = 0;
+
+  /// Sets aside what is in the way of the group's rows, counts what is broken before, and empties tables, children
   /// first. After an error nothing is begun.
-  virtual void Begin() = 0;
-  /// Whether the table's rows still have to be deleted before the next rows come: not after Begin emptied it, nor after
-  /// SetLoaded. False for a table that is no target.
-  virtual bool Empties(const std::string& Table) const = 0;
-  /// How many rows of the table Begin has deleted.
-  virtual std::int64_t DeletedRows(const std::string& Table) const = 0;
-  /// Rows were loaded; what comes for the table later is added.
-  virtual void SetLoaded(const std::string& Table) = 0;
-  /// Tables whose keys the engine cannot check, in its words; known once Begin has returned.
-  virtual std::vector<std::string> Warnings() const = 0;
-  /// Not Whole, or an error such as references that were not broken before: all is taken back.
+  virtual void Begin(std::size_t Group) = 0;
+  /// How many rows of the table Begin has deleted; the second time 0.
+  virtual std::int64_t TakeDeletedRows(const std::string& Table) = 0;
+  /// Not Whole, or an error such as references that were not broken before: the group is taken back.
   virtual void End(bool Whole) = 0;
+
+  /// What people should know of the groups that were ended whole: triggers that have fired, keys that could not be
+  /// checked.
+  virtual const std::vector<std::string>& Remarks() const = 0;
 };
 
-/// What the foreign keys of databases ask of those who load tables.
+/// What databases ask of those who load tables.
 class TRelations {
  public:
   virtual ~TRelations() = default;
@@ -51,8 +65,8 @@ class TRelations {
   /// Several targets of one table are one, emptied when one of them says so. The caller owns the loading and frees it
   /// before the database is closed. Raises EDatabaseError, also when an emptying would delete or change rows of tables
   /// that are not emptied.
-  virtual std::unique_ptr<TTableLoading> Load(const std::string& DatabaseName,
-                                              const std::vector<TLoadTarget>& Targets) = 0;
+  virtual std::unique_ptr<TTableLoading> Load(const std::string& DatabaseName, const std::vector<TLoadTarget>& Targets,
+                                              const TLoadOptions& Options) = 0;
 };
 
 /// The installed relations; null: the platform has none, and every table is loaded by itself.

@@ -21,6 +21,8 @@ class TTable {
   virtual TRecord& Record() = 0;
 
   virtual std::int64_t RecordCount() = 0;
+  /// Whether there is a row; without counting them, where that is quicker.
+  virtual bool HasRecords() { return RecordCount() > 0; }
   /// Opens the walk at the first row in the table's own order; false when there is none.
   virtual bool First() = 0;
   /// The next row; false when there is none, and the walk is then closed.

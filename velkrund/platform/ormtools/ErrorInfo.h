@@ -33,12 +33,14 @@ enum class TErrorCode {
   DatabaseMissing,
   DatabaseReadOnly,
   DatabaseBusy,
+  DatabaseLocks,   // more than the engine has room for
   DatabaseAccess,  // login or rights
   Connection,      // no server, or no longer
   Database,        // anything else that an engine says
   TableMissing,
   FieldMissing,
-  RowRefused,  // by a constraint or a trigger
+  RowRefused,  // by a constraint
+  TriggerRefused,
   References,  // rows would refer to nothing
   StructureMissing,
   Structure,  // a stored structure, or the text of one

@@ -1,0 +1,223 @@
+#include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"
+
+#include <algorithm>
+
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+constexpr std::string_view LockFailed = "Cannot lock the tables of the load";
+constexpr std::string_view KeysFailed = "Cannot check the foreign keys of what was loaded";
+
+/// Of a table ($1) and all its parts; internal ones are foreign keys. Whether the role may change them: it owns the
+/// table.
+std::string TriggersStatement() {
+  return CatalogueStatement(
+      "SELECT t.tgrelid::pg_catalog.regclass, pg_catalog.quote_ident(t.tgname), t.tgenabled, "
+      "pg_catalog.pg_has_role(c.relowner, 'USAGE') "
+      "FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_class c ON c.oid = t.tgrelid "
+      "WHERE NOT t.tgisinternal AND t.tgenabled <> 'D' "
+      "AND t.tgrelid IN (SELECT $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid UNION SELECT p.relid "
+      "FROM pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p) ORDER BY 1, 2");
+}
+
+/// The constraint that key $1 is a part of, or is itself: a partitioned table's is what can be altered.
+std::string KeyStatement() {
+  return CatalogueStatement(
+      "WITH RECURSIVE k AS (SELECT * FROM pg_catalog.pg_constraint c WHERE c.oid = $1::pg_catalog.oid UNION ALL "
+      "SELECT u.* FROM pg_catalog.pg_constraint u JOIN k ON u.oid = k.conparentid) "
+      "SELECT k.conrelid::pg_catalog.regclass, pg_catalog.quote_ident(k.conname), k.condeferrable, "
+      "pg_catalog.pg_has_role(c.relowner, 'USAGE'), pg_catalog.pg_get_userbyid(c.relowner) "
+      "FROM k JOIN pg_catalog.pg_class c ON c.oid = k.conrelid WHERE k.conparentid = '0'");
+}
+
+/// How many locks a load of the tables $1 takes, with those on indexes and parts, and for how many the server has room
+/// for certain. What it has beyond that depends on what else is in its memory.
+std::string LockRoomStatement() {
+  return "WITH t AS (SELECT pg_catalog.unnest($1::pg_catalog.text[])::pg_catalog.regclass AS r), "
+         "p AS (SELECT r::pg_catalog.oid FROM t UNION SELECT p.relid::pg_catalog.oid FROM t, "
+         "pg_catalog.pg_partition_tree(t.r) p) "
+         "SELECT (SELECT pg_catalog.count(*) FROM p) + (SELECT pg_catalog.count(*) FROM pg_catalog.pg_index i "
+         "JOIN p ON p.r OPERATOR(pg_catalog.=) i.indrelid), "
+         "pg_catalog.current_setting('max_locks_per_transaction')::bigint OPERATOR(pg_catalog.*) "
+         "(pg_catalog.current_setting('max_connections')::bigint OPERATOR(pg_catalog.+) "
+         "pg_catalog.current_setting('max_prepared_transactions')::bigint), "
+         "pg_catalog.current_setting('max_locks_per_transaction')";
+}
+
+/// Takes the locks on indexes that the rows will need: the planner looks at all of a table.
+constexpr std::string_view PlanAll =
+    "DO $velkrund$ DECLARE t pg_catalog.text; BEGIN FOREACH t IN ARRAY %s::pg_catalog.text[] LOOP "
+    "EXECUTE 'EXPLAIN SELECT FROM ' OPERATOR(pg_catalog.||) t; END LOOP; END $velkrund$";
+
+std::string Literal(std::string_view Text) {
+  std::string Result = "E'";
+  for (const char C : Text) {
+    if (C == '\'' || C == '\\') Result += C;
+    Result += C;
+  }
+  return Result += '\'';
+}
+
+/// The tables' names as an array in text form.
+std::string ArrayOf(const std::vector<std::string>& Names) {
+  std::string Result = "{";
+  for (const std::string& Name : Names) {
+    Result += Result.size() > 1 ? ",\"" : "\"";
+    for (const char C : Name) {
+      if (C == '"' || C == '\\') Result += '\\';
+      Result += C;
+    }
+    Result += '"';
+  }
+  return Result += '}';
+}
+
+}  // namespace
+
+bool TPostgreSQLSafeguards::NeedsOwner(const TTableInfo& Table) const {
+  return std::any_of(FNeeds.Circular.begin(), FNeeds.Circular.end(),
+                     [&](const TForeignKey& Key) { return FullName(Key.From) == FullName(Table); });
+}
+
+/// A replaced table is kept from writers, whose changes could otherwise not be told from what is deleted; readers go
+/// on.
+const char* TPostgreSQLSafeguards::ModeFor(const TLoadNeeds::TTarget& Target) const {
+  if (NeedsOwner(Target.Table)) return "ACCESS EXCLUSIVE";
+  return Target.Replaced || FNeeds.TriggersOff ? "SHARE ROW EXCLUSIVE" : "ROW EXCLUSIVE";
+}
+
+void TPostgreSQLSafeguards::Lock() {
+  std::vector<const TLoadNeeds::TTarget*> Tables;
+  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
+    if (Target.Table.Kind == TTableKind::Table) Tables.push_back(&Target);
+  // Everybody in the same order, so that nobody waits for somebody who waits.
+  std::sort(Tables.begin(), Tables.end(),
+            [](const auto* A, const auto* B) { return FullName(A->Table) < FullName(B->Table); });
+  for (const TLoadNeeds::TTarget* Target : Tables) LockOne(*Target);
+  CheckLockRoom();
+}
+
+void TPostgreSQLSafeguards::LockOne(const TLoadNeeds::TTarget& Target) {
+  const std::string Name = FullName(Target.Table);
+  try {
+    FSession.Query(Format("Cannot lock the table '%s' for the load", Name),
+                   Format("LOCK TABLE %s IN %s MODE", FSession.Dialect().SQLName(Target.Table), ModeFor(Target)));
+  } catch (EDatabaseError& Error) {
+    Error.Add({.Table = Name});
+    throw;
+  }
+}
+
+void TPostgreSQLSafeguards::CheckLockRoom() {
+  // Within what every server has room for, nobody has to be asked.
+  constexpr std::size_t AlwaysFits = 100;
+  if (FNeeds.Targets.size() <= AlwaysFits) return;
+  std::vector<std::string> Names;
+  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
+    if (Target.Table.Kind == TTableKind::Table) Names.push_back(FSession.Dialect().QualifiedName(Target.Table));
+  const std::string All = ArrayOf(Names);
+  const TPostgreSQLResult Room = FSession.Query(LockFailed, LockRoomStatement(), {All.c_str()});
+  if (Room.Integer(0, 0) <= Room.Integer(0, 1)) return;
+  try {
+    FSession.Query(LockFailed, Format(PlanAll, Literal(All)));
+  } catch (const EDatabaseError& Error) {
+    constexpr std::string_view OutOfMemory = "53200";
+    if (Error.Info().EngineCode != OutOfMemory) throw;
+    throw EDatabaseError(
+        Format("The load needs %d locks in one transaction, more than the server has room for: its setting "
+               "max_locks_per_transaction is %s. Raise it and restart the server, or commit table by table",
+               Room.Integer(0, 0), Room.Copy(0, 2)),
+        {.Code = TErrorCode::DatabaseLocks, .EngineCode = Error.Info().EngineCode});
+  }
+}
+
+void TPostgreSQLSafeguards::SetAside() {
+  if (FNeeds.TriggersOff) DisableTriggers();
+  DeferKeys();
+  if (FNeeds.BrokenReferences) RequireReplicaRole();
+}
+
+void TPostgreSQLSafeguards::DisableTriggers() {
+  constexpr std::string_view What = "Cannot switch triggers off";
+  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets) {
+    const std::string Name = FSession.Dialect().QualifiedName(Target.Table);
+    const TPostgreSQLResult Rows = FSession.Query(What, TriggersStatement(), {Name.c_str()});
+    for (int Row = 0; Row < Rows.RowCount(); ++Row) {
+      const std::string Table = Rows.Copy(Row, 0), Trigger = Rows.Copy(Row, 1);
+      if (!Rows.Boolean(Row, 3))
+        throw EDatabaseError(
+            Format("%s: only the owner of the table %s can do that to its trigger %s", What, Table, Trigger),
+            {.Code = TErrorCode::DatabaseAccess, .Table = FullName(Target.Table)});
+      FSession.Query(What, Format("ALTER TABLE ONLY %s DISABLE TRIGGER %s", Table, Trigger));
+      FTriggers.push_back({Table, Trigger, Rows.Text(Row, 2).front()});
+    }
+  }
+}
+
+void TPostgreSQLSafeguards::DeferKeys() {
+  constexpr std::string_view What = "Cannot load tables whose foreign keys form a circle";
+  for (const TForeignKey& Key : FNeeds.Circular) {
+    const TPostgreSQLResult Found = FSession.Query(What, KeyStatement(), {Key.Id.c_str()});
+    if (Found.RowCount() == 0 || Found.Boolean(0, 2)) continue;
+    const TKey Altered{Found.Copy(0, 0), Found.Copy(0, 1)};
+    const auto IsIt = [&](const TKey& Other) { return Other.Table == Altered.Table && Other.Name == Altered.Name; };
+    if (std::any_of(FKeys.begin(), FKeys.end(), IsIt)) continue;
+    if (!Found.Boolean(0, 3))
+      throw EDatabaseError(
+          Format("%s: the constraint %s of the table %s is checked row by row, and only the owner of the table, '%s', "
+                 "can have it checked at the end of the load",
+                 What, Altered.Name, Altered.Table, Found.Copy(0, 4)),
+          {.Code = TErrorCode::DatabaseAccess, .Table = FullName(Key.From)});
+    FSession.Query(What, Format("ALTER TABLE %s ALTER CONSTRAINT %s DEFERRABLE", Altered.Table, Altered.Name));
+    FKeys.push_back(Altered);
+  }
+  if (!FNeeds.Circular.empty()) FSession.Query(What, "SET CONSTRAINTS ALL DEFERRED");
+}
+
+void TPostgreSQLSafeguards::SetRole(const std::string& Role) {
+  FSession.Query("Cannot load rows that refer to nothing", "SET LOCAL session_replication_role = " + Role);
+}
+
+/// Shows what is missing before the tables are emptied.
+void TPostgreSQLSafeguards::RequireReplicaRole() {
+  FRole = FSession.Query("Cannot load rows that refer to nothing", "SHOW session_replication_role").Copy(0, 0);
+  try {
+    SetRole("replica");
+  } catch (const EDatabaseError& Error) {
+    constexpr std::string_view MissingRight = "42501";
+    if (Error.Info().EngineCode != MissingRight) throw;
+    throw EDatabaseError(
+        "Cannot load rows that refer to nothing: the engine checks every reference, unless a role with the right to "
+        "set session_replication_role loads the rows: a superuser, or one that was granted SET ON PARAMETER "
+        "session_replication_role",
+        {.Code = TErrorCode::References, .EngineCode = Error.Info().EngineCode});
+  }
+  SetRole(FRole);
+}
+
+void TPostgreSQLSafeguards::BeginRows() {
+  if (!FNeeds.BrokenReferences) return;
+  // What the emptying has left to check is complete only with the rows; it is checked behind them.
+  SetRole("replica");
+}
+
+void TPostgreSQLSafeguards::EndRows() {
+  if (FNeeds.BrokenReferences) SetRole(FRole);
+  FSession.Query(KeysFailed, "SET CONSTRAINTS ALL IMMEDIATE");
+}
+
+void TPostgreSQLSafeguards::PutBack() {
+  constexpr std::string_view What = "Cannot put back what was set aside for the load";
+  for (const TKey& Key : FKeys)
+    FSession.Query(What, Format("ALTER TABLE %s ALTER CONSTRAINT %s NOT DEFERRABLE", Key.Table, Key.Name));
+  for (const TTriggerState& Trigger : FTriggers) {
+    const char* const Kind = Trigger.State == 'A' ? "ALWAYS " : Trigger.State == 'R' ? "REPLICA " : "";
+    FSession.Query(What, Format("ALTER TABLE ONLY %s ENABLE %sTRIGGER %s", Trigger.Table, Kind, Trigger.Name));
+  }
+}
+
+}  // namespace velkrund

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standalone/drivers/Safeguards.h"
+#include "standalone/drivers/postgresql/PostgreSQLSession.h"
+
+namespace velkrund {
+
+/// Table locks; keys of circles made deferrable for the load; triggers disabled one by one, since each has a state of
+/// its own to go back to. All of it is undone by a roll back of the transaction.
+class TPostgreSQLSafeguards final : public TSafeguards {
+ public:
+  /// Session: borrowed.
+  TPostgreSQLSafeguards(TPostgreSQLSession& Session, TLoadNeeds Needs) : FSession(Session), FNeeds(std::move(Needs)) {}
+
+  void Lock() override;
+  void SetAside() override;
+  void BeginRows() override;
+  void EndRows() override;
+  void PutBack() override;
+
+ private:
+  /// Of tables and their parts, as statements name them.
+  struct TTriggerState {
+    std::string Table, Name;
+    char State;
+  };
+  struct TKey {
+    std::string Table, Name;
+  };
+
+  bool NeedsOwner(const TTableInfo& Table) const;
+  const char* ModeFor(const TLoadNeeds::TTarget& Target) const;
+  void LockOne(const TLoadNeeds::TTarget& Target);
+  void CheckLockRoom();
+  void DisableTriggers();
+  void DeferKeys();
+  void RequireReplicaRole();
+  void SetRole(const std::string& Role);
+
+  TPostgreSQLSession& FSession;
+  const TLoadNeeds FNeeds;
+  std::vector<TTriggerState> FTriggers;  // that were disabled
+  std::vector<TKey> FKeys;               // that were made deferrable
+  std::string FRole;                     // of replication, as it was
+};
+
+}  // namespace velkrund

@@ -49,11 +49,24 @@ void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Nu
                    {.Code = TErrorCode::TableMissing, .File = Input.Name(), .Section = Sections[Index].Name()});
   if (!Table && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
   if (!Table) return;  // the import of the section says so
-  if (FSettings.HasToFit) CheckFields(Input, Index, *Table);
   Item.Table = Table->TableName();
+  if (!Fits(Input, Index, *Table, Number)) return;
   TTarget& Target = TargetFor(*Table);
   Target.Sections.push_back(Number);
   FPlaces.emplace(Number, static_cast<std::size_t>(&Target - FTargets.data()));
+}
+
+/// Whether the section's fields are those of the table. An error that ends the run comes before anything is changed;
+/// where the run goes on with the others, the section keeps it until its turn comes.
+bool TTableImport::Fits(TInputFile& Input, int Index, TTable& Table, std::size_t Number) {
+  try {
+    CheckFields(Input, Index, Table);
+    return true;
+  } catch (const EEIError&) {
+    if (FSettings.HasToFit || FPolicies.OnError != TOnError::Continue) throw;
+    FUnfit.emplace(Number, std::current_exception());
+    return false;
+  }
 }
 
 /// Fields that nobody has: the section would refuse them too, after other sections were loaded.
@@ -148,6 +161,7 @@ std::optional<TLoadTarget> TTableImport::TargetOf(std::size_t Number) const {
 void TTableImport::Begin(std::size_t Number, TEIObject& Object) {
   auto* const Data = dynamic_cast<TEICommonTableData*>(&Object);
   if (!Data) return;
+  if (const auto Unfit = FUnfit.find(Number); Unfit != FUnfit.end()) std::rethrow_exception(Unfit->second);
   const TTarget* const Target = Find(Number);
   if (Target) Data->TableName = Target->Table;
   Data->Append = Target ? Target->Keep : FPolicies.ExistingRows != TExisting::Replace;

@@ -14,6 +14,8 @@ class TImportFileTest : public TShopTest {
     Write("more.eif", Section("A", {"ID"}, {"3"}));
     Write("head.eif", A + "[SECTION]\r\nName = X\r\nType = Strange\r\nVersion = 1\r\n[DATA]\r\n[END]\r\n");
     Write("lost.eif", Section("NONE", {"ID"}, {"1"}) + B);
+    Write("extra.eif", Section("A", {"EXTRA", "ID"}, {"'x'|1"}) + B);
+    Write("alien.eif", Section("A", {"EXTRA"}, {"'x'"}) + B);
     Write("bytes.eif", Section("A", {"ID", "NAME"}, {"1|'x\xFFy'"}) + B);
   }
 
@@ -48,6 +50,11 @@ TEST_F(TImportFileTest, OptionsDecideWhatArrives) {
           {"", {"-i", "head.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "1|0", "failed file 'head.eif'"},
           {"", {"-i", "none.eif", "-i", "more.eif", "--on-error", "stop"}, 1, "0|0", "No such file"},
           {"", {"-i", "lost.eif", "--on-error", "continue"}, 1, "0|2", "Error opening table (TableName:'NONE')"},
+          // Fields that do not fit are found before anything is changed; whoever goes on loses their sections alone.
+          {OneRowEach, {"-i", "extra.eif", "--replace"}, 1, "1|1", "lacks the field 'EXTRA' of section 0 'A'"},
+          {OneRowEach, {"-i", "extra.eif", "--replace", "--on-error", "continue"}, 1, "1|2", "failed table A"},
+          {OneRowEach, {"-i", "extra.eif", "--append", "--missing-fields", "skip"}, 0, "2|3", "were left out: EXTRA"},
+          {OneRowEach, {"-i", "alien.eif", "--append", "--missing-fields", "skip"}, 1, "1|1", "has none of the fields"},
           {"", {"-i", "bytes.eif", "--on-error", "continue"}, 1, "0|2", "failed table A"},
           {"", {"-i", "bytes.eif", "--allow-loss"}, 0, "1|2", "1 malformed character replaced"},
       });

@@ -94,8 +94,8 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
     }
     Columns.push_back({Name, Wanted ? Field : nullptr});
   }
-  // Every row would be one of nothing but defaults.
-  if (Taken.empty() && !Names.empty())
+  // Every row would be one of nothing but defaults. There are tables without a field, whose rows are merely counted.
+  if (Taken.empty() && (!Names.empty() || Target.Record().FieldCount() > 0))
     ImportError(Format("The table '%s' has none of the fields that are to be loaded", Target.TableName()),
                 {.Code = TErrorCode::FieldMissing});
   return Columns;

@@ -55,7 +55,11 @@ struct TEICommonTableData::TImportField {
 
 std::string_view TEICommonTableData::NextLine(TEIStream& Stream) {
   ShowProgress(Stream.Position(), Stream.Size(), TableName);
-  return Trim(Stream.Readln());
+  const std::string_view Line = Trim(Stream.Readln());
+  if (StrictLines && Line.find('\n') != std::string_view::npos)
+    ImportError(Format("A line feed alone stands within a line, where it ends none (Position:%d)", Stream.Position()),
+                {.Code = TErrorCode::LineFeeds});
+  return Line;
 }
 
 bool TEICommonTableData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines) {

@@ -19,6 +19,9 @@ enum class TExisting : int {
 enum class TOnError : int { Ask = 0, Continue = 1, Stop = 2 };
 /// Fields of a file that the table lacks.
 enum class TMissingFields : int { Skip = 0, Refuse = 1 };
+/// Several sections for one table that is to be replaced: the rows of one could be meant to take the place of
+/// another's.
+enum class TRepeatedTables : int { Refuse = 0, Join = 1 };
 
 /// Everything that a person would be asked about or has to allow, decided beforehand: one record for all jobs. What is
 /// left at Ask is asked, through the installed window system: about structures as each one comes, about all else before
@@ -29,6 +32,7 @@ struct TPolicies {
   TExisting ExistingStructures = TExisting::Ask;
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
+  TRepeatedTables RepeatedTables = TRepeatedTables::Refuse;
   bool AllowLoss = false;  // go on where characters cannot be kept; counted. Otherwise an error
   bool Lenient = false;    // values that cannot be read become NULL; counted. Otherwise an error
   bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped

@@ -18,6 +18,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingStructures,
     TPolicyRows::OnError,
     TPolicyRows::MissingFields,
+    TPolicyRows::RepeatedTables,
     TPolicyRows::AllowLoss,
     TPolicyRows::Lenient,
     PropertyOf<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),

@@ -14,6 +14,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingRows,
     TPolicyRows::OnError,
     TPolicyRows::MissingFields,
+    TPolicyRows::RepeatedTables,
     TPolicyRows::AllowLoss,
     TPolicyRows::Lenient,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
@@ -31,10 +32,10 @@ constinit const TInterfaceDescriptor TThis::Interface =
     TJobInterface<TThis>::Describe("TJobImportTablesInterface", {&SectionsJobProperties, Properties});
 
 TImportJob::TParts TJobImportTables::MakeParts() {
+  TTableImport::TSettings Settings{DatabaseName, DatabaseText(), TableName, Fields};
+  Settings.AreChosen = !Sections.empty();
   TParts Result;
-  Result.emplace(TSectionRole::TableData,
-                 std::make_unique<TTableImport>(
-                     Manager(), Policies, TTableImport::TSettings{DatabaseName, DatabaseText(), TableName, Fields}));
+  Result.emplace(TSectionRole::TableData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Settings)));
   return Result;
 }
 

@@ -53,6 +53,7 @@ void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Nu
   if (!Fits(Input, Index, *Table, Number)) return;
   TTarget& Target = TargetFor(*Table);
   Target.Sections.push_back(Number);
+  Target.Texts.push_back(Format("%s of '%s'", SectionText(Sections, Index), Input.Name()));
   FPlaces.emplace(Number, static_cast<std::size_t>(&Target - FTargets.data()));
 }
 
@@ -127,10 +128,21 @@ void TTableImport::RefuseUnanswered() const {
   if (!Met.empty() && !CanAsk()) throw EPolicyUnanswered(TPolicy::ExistingRows, Joined(Met) + ".");
 }
 
+/// It cannot be told whether the rows of all are wanted, or the last ones in place of the others.
+void TTableImport::RefuseRepeated(const TTarget& Target) const {
+  if (Target.Keep || Target.LeaveOut || Target.Sections.size() < 2 || FSettings.AreChosen ||
+      FPolicies.RepeatedTables == TRepeatedTables::Join)
+    return;
+  throw EEIError(Format("The table '%s' is to be replaced, and there are %d sections for it: %s", Target.Table,
+                        Target.Sections.size(), JoinedInShort(Target.Texts)),
+                 {.Code = TErrorCode::RepeatedTable, .Table = Target.Table});
+}
+
 void TTableImport::Settle(TOutcome& Outcome) {
   if (FPolicies.ExistingRows == TExisting::Ask) RefuseUnanswered();
   TRepeatedQuestion Question;
   for (TTarget& Target : FTargets) {
+    if (Target.Rows == 0) RefuseRepeated(Target);
     if (Target.Rows == 0) continue;
     TAnswer Answer = TAnswer::No;
     if (FPolicies.ExistingRows == TExisting::Ask)
@@ -139,6 +151,7 @@ void TTableImport::Settle(TOutcome& Outcome) {
                              TPolicy::ExistingRows});
     Target.Keep = Answer != TAnswer::Yes;
     Target.LeaveOut = Answer == TAnswer::No;
+    RefuseRepeated(Target);
     if (!Target.LeaveOut) continue;
     for (const std::size_t Number : Target.Sections) {
       Outcome.Items[Number].State = TItemState::LeftOut;
@@ -166,6 +179,7 @@ void TTableImport::Begin(std::size_t Number, TEIObject& Object) {
   if (Target) Data->TableName = Target->Table;
   Data->Append = Target ? Target->Keep : FPolicies.ExistingRows != TExisting::Replace;
   Data->SkipMissingFields = FPolicies.MissingFields == TMissingFields::Skip;
+  Data->StrictLines = true;
   if (FPolicies.Lenient) Data->StrictValues = false;
   if (!FSettings.Fields.empty()) Data->Fields = &FFields;
 }

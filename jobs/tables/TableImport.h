@@ -22,6 +22,7 @@ class TTableImport final : public TImportPart {
     std::string TableName = {};            // the one to load; empty: the one that the section names
     std::vector<std::string> Fields = {};  // the only ones to move; none: all
     bool HasToFit = true;                  // a section whose table is not there, or lacks fields, ends the run at once
+    bool AreChosen = false;                // a person has named each of the sections
   };
 
   /// Manager, Policies: borrowed.
@@ -41,6 +42,7 @@ class TTableImport final : public TImportPart {
     bool Keep = false;      // these rows
     bool LeaveOut = false;
     std::vector<std::size_t> Sections = {};  // numbers of items
+    std::vector<std::string> Texts = {};     // of the sections, for messages
   };
 
   TTarget& TargetFor(TTable& Table);
@@ -48,6 +50,7 @@ class TTableImport final : public TImportPart {
   void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
   static void RefuseMissing(TInputFile& Input, int Index, TTable& Table, const std::vector<std::string>& Wanted);
   void RefuseUnanswered() const;
+  void RefuseRepeated(const TTarget& Target) const;
   const TTarget* Find(std::size_t Number) const;
 
   const TPolicies& FPolicies;

@@ -58,8 +58,18 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
           {"", {"-i", "more.eif", "--missing-fields", "skip"}, 0, "0|2", "were left out: EXTRA"},
           {"", {"-i", "more.eif", "--fields", "ID"}, 0, "0|2", "imported table B"},
           {"", {"-i", "alien.eif"}, 1, "0|0", "has none of the fields"},
-          // Sections of one table add up; only the first empties it.
-          {"INSERT INTO B(ID) VALUES (1);", {"-i", "twice.eif", "--replace"}, 0, "1|2", "in all 3"},
+          // Sections of one table add up; only the first empties it, where that is what they are for.
+          {"INSERT INTO B(ID) VALUES (1);", {"-i", "twice.eif", "--replace"}, 1, "0|1", "there are 2 sections for it"},
+          {"INSERT INTO B(ID) VALUES (1);",
+           {"-i", "twice.eif", "--replace", "--repeated-tables", "join"},
+           0,
+           "1|2",
+           "in all 3"},
+          {"INSERT INTO B(ID) VALUES (1);",
+           {"-i", "twice.eif", "--replace", "--section", "0", "--section", "1"},
+           0,
+           "0|2",
+           "in all 2"},
           {"", {"-i", "twice.eif"}, 0, "1|2", "in all 3"},
           {"", {"-i", "twice.eif", "--section", "B"}, 1, "0|0", "several sections of that name"},
           // Of several sections one fails: it leaves nothing, and what follows depends.

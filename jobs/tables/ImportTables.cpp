@@ -40,8 +40,8 @@ TImportJob::TParts TJobImportTables::MakeParts() {
 }
 
 /// What else the file holds is named in the report.
-std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<std::string>& Hidden) {
-  const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name(), Hidden};
+std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<std::string>&) {
+  const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name()};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && !TableName.empty())
     throw ESettingsError(Format("%s names one table, but %d sections are to be loaded: choose one with %s",

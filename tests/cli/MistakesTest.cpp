@@ -92,7 +92,7 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       "a "
       "line feed alone; velkrund file repair 'lf.eif' mends it";
   const std::string Tail =
-      "'tail.eif' has a section (Position:178) that cannot be read, or that hides others: lines of it end with a line "
+      "'tail.eif' has a section (Position:173) that cannot be read, or that hides others: lines of it end with a line "
       "feed alone; velkrund file repair 'tail.eif' mends it";
   const TMistake Mistakes[] = {
       {"$V exprot table -d $D -t A -o o.eif",
@@ -163,10 +163,10 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {"$V file list tail.eif", Tail},
       {"$V file check tail.eif", Tail},
       {Import + "damaged.eif",
-       "In 'damaged.eif' what looks like a section is passed over (Position:178): [SECTIOM]. Its \"[SECTION]\" line is "
+       "In 'damaged.eif' what looks like a section is passed over (Position:173): [SECTIOM]. Its \"[SECTION]\" line is "
        "damaged or missing: write it anew"},
       {"$V file repair damaged.eif",
-       "In 'damaged.eif' what looks like a section is passed over (Position:178): [SECTIOM]. Its \"[SECTION]\" line is "
+       "In 'damaged.eif' what looks like a section is passed over (Position:173): [SECTIOM]. Its \"[SECTION]\" line is "
        "damaged or missing: write it anew"},
       {Import + "cut.eif",
        "cut.eif:13: Invalid Export/Import source structure. Section end not found (Position:150). velkrund file repair "

@@ -19,6 +19,7 @@ constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::UnreadableValue, "Lenient", "makes such values NULL and counts them"},
     {TErrorCode::Text, "AllowLoss", ""},
     {TErrorCode::FieldMissing, "MissingFields", "skip passes over fields that the table lacks"},
+    {TErrorCode::RepeatedTable, "RepeatedTables", "join loads the rows of all"},
     {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},
     {TErrorCode::DatabaseLocks, "Commit", "each takes fewer at a time"},
     {TErrorCode::References, "BrokenReferences", "allow lets such rows in, and counts them"},
@@ -48,6 +49,7 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
   const bool InFile = Info.Line > 0 && Info.File != "standard input";
   if (Info.Code == TErrorCode::FileStructure && InFile && Error.Message.find("end not found") != std::string::npos)
     return Format("velkrund file repair '%s' cuts off what an export has left unfinished", Info.File);
+  if (Info.Code == TErrorCode::LineFeeds) return LineFeedRemedy(Info.File);
   const bool Checks = Session.Interface && Session.Interface->ClassType() == TInterfaceClass(TJobCheckFiles::Interface);
   if (IsFaultOfFile(Error) && InFile && !Checks) return Format("velkrund file check '%s' names every fault", Info.File);
   if (Info.Code == TErrorCode::StructureMissing) return "velkrund dictionary list shows what there is";
@@ -97,6 +99,11 @@ void SayError(const TSession& Session, const TErrorFacts& Error) {
   Line += RemedyText(Session, Error, Line);
   if (Session.Command.Shared.Verbose) Line += "\n" + ErrorDetails(Error);
   Session.Console.Message(Line);
+}
+
+std::string LineFeedRemedy(const std::string& File) {
+  if (File == "standard input") return "keep it in a file, which velkrund file repair mends";
+  return Format("velkrund file repair '%s' mends it", File);
 }
 
 }  // namespace velkrund

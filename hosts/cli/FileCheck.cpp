@@ -21,7 +21,8 @@ const TCommandTexts FileCheckTexts = {
     "that it is for: every value is one that some column could take, whatever the configuration says about values that "
     "cannot be read. After a faulty section the next one is checked; after a faulty header there is no next one.\n\n"
     "What looks like a section and is read by nobody is a fault: its lines end with a line feed alone, or its "
-    "\"[SECTION]\" line is damaged or holds something else too. Sections of the same type and name, and other lines "
+    "\"[SECTION]\" line is damaged or holds something else too; file repair mends the former. Sections of the same "
+    "type and name, and other lines "
     "outside of sections that begin as markers do, are named but are no faults.",
     {{"file check orders.eif", "a line for each section, errors to standard error"},
      {"file check *.eif --json", "one document about all of them"},
@@ -61,7 +62,8 @@ void TCheckShown::SectionChecked(const TCheckedFile& File, const TCheckedSection
 void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Hidden : File.Hidden) {
     Say(File.Text + ": a section that is not read");
-    FSession.Say(Format("velkrund: %s: %s", File.Text, Hidden));
+    FSession.Say(Format("velkrund: %s: %s%s", File.Text, Hidden,
+                        File.HasLineFeeds ? "; " + LineFeedRemedy(File.Text) : std::string()));
   }
   for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
   if (File.Error) {

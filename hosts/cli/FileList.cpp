@@ -17,7 +17,9 @@ const TCommandTexts FileListTexts = {
     "lists the sections of an export/import file",
     "FILE",
     "Reads the headers only and takes no lock. Position is where a section's header begins, size the length of its "
-    "body, both in bytes. Of a faulty file the sections before the fault are listed.",
+    "body, both in bytes. Of a faulty file the sections before the fault are listed; sections that no reader sees are "
+    "an "
+    "error too.",
     {{"file list orders.eif", "a table for people"}, {"file list orders.eif --json", "the same for programs"}}};
 
 std::string TextOf(const std::vector<TListedSection>& Sections) {

@@ -12,13 +12,15 @@ namespace {
 const TCommandTexts FileRepairTexts = {
     "file",
     "repair",
-    "cuts an unfinished last section off an export/import file",
+    "mends line ends of an export/import file, and cuts an unfinished last section off",
     "FILE",
     "For what an export leaves that was killed or met a full disk. What is cut off is kept beside the file as "
     "FILE.cut, "
     "or FILE.cut-2 and so on where that is taken. A piece of a section's first line at the end of the file is cut off "
-    "too, since more could not be added behind it. Any other fault is an error, and nothing is changed.",
-    {{"file repair orders.eif", "says what was cut off, or that there was nothing to repair"}}};
+    "too, since more could not be added behind it.\n\n"
+    "And for what version control or an editor makes of line ends: where a line feed alone ends lines of sections, it "
+    "gets its carriage return back; every other byte stays. Any other fault is an error, and nothing is changed.",
+    {{"file repair orders.eif", "says what was done, or that there was nothing to repair"}}};
 
 class TFileRepair final : public TCommand {
  public:
@@ -38,8 +40,12 @@ int TFileRepair::Run(TSession& Session) {
   RunJob(Session, FInterface);
   const TSectionRepair& Repair = FJob.Repair();
   const std::string Left = Counted(Repair.SectionsLeft, "section");
+  if (Repair.LineFeeds > 0)
+    Session.Say(Format("put the carriage return back in front of %s that ended a line alone",
+                       Counted(Repair.LineFeeds, "line feed")));
   if (Repair.Position < 0) {
-    Session.Say(Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
+    Session.Say(Repair.LineFeeds > 0 ? Format("'%s' has %s", FJob.FileName, Left)
+                                     : Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
     return ExitDone;
   }
   if (Repair.Fault) Session.Say("the fault was: " + ErrorLine(*Repair.Fault));

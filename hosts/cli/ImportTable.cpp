@@ -15,7 +15,8 @@ const TCommandTexts ImportTableTexts = {
     "loaded in one transaction: after an error, or when the import is cancelled, it is as it was before. Tables come "
     "after those that they refer to; where foreign keys ask for it, they are loaded together or not at all.\n\n"
     "A table that has rows already needs --replace or --append. At a terminal it is asked about, elsewhere it is an "
-    "error, before anything is changed.",
+    "error, before anything is changed. Two sections for one table need --append, --repeated-tables join, or --section "
+    "for each of them.",
     {{"import table -d sqlite:shop.db -i orders.eif --replace", "every table of the file, emptied first"},
      {"import table -d sqlite:shop.db -i shop.eif --section ORDERS -t ORDERS_OLD --append",
       "one section into a table of another name"},

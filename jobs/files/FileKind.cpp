@@ -1,9 +1,10 @@
 #include "jobs/files/FileKind.h"
 
+#include <algorithm>
+
 #include "jobs/files/StrayMarkers.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
-#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -13,6 +14,7 @@ using std::string_view_literals::operator""sv;
 
 constexpr std::size_t BytesLookedAt = 4096;
 constexpr char CommentMark = ';';
+constexpr std::size_t TarMarkAt = 257;
 
 struct TKnownBeginning {
   std::string_view Bytes;
@@ -32,10 +34,40 @@ constexpr TKnownBeginning KnownBeginnings[] = {
      "compressed (xz)", Unpack},
     {"\x28\xB5\x2F\xFD"sv, "compressed (zstd)", Unpack},
     {"PK\x03\x04"sv, "an archive (zip)", Unpack},
+    {"7z\xBC\xAF\x27\x1C"sv, "an archive (7z)", Unpack},
+    {"\xFF\xFE\0\0"sv, "a text in UTF-32", Convert},
+    {"\0\0\xFE\xFF"sv, "a text in UTF-32", Convert},
     {"\xFF\xFE"sv, "a text in UTF-16", Convert},
     {"\xFE\xFF"sv, "a text in UTF-16", Convert},
     {"PGDMP"sv, "a dump of PostgreSQL", "pg_restore reads it"},
+    {"--\n-- PostgreSQL database dump"sv, "a dump of PostgreSQL", "psql reads it"},
+    {"<?xml"sv, "an XML document", ""},
+    {"{"sv, "a JSON document", ""},
 };
+
+/// Without a byte-order mark it shows in the zeros between the characters of ASCII.
+bool IsUtf16(std::string_view Start) {
+  constexpr std::size_t Least = 4, Enough = 64;
+  const std::string_view Text = Start.substr(0, Enough & ~std::size_t{1});
+  if (Text.size() < Least) return false;
+  const auto Zeros = [&](std::size_t From) {
+    for (std::size_t At = From; At < Text.size(); At += 2)
+      if (Text[At] != '\0' || Text[At ^ 1] == '\0') return false;
+    return true;
+  };
+  return Zeros(0) || Zeros(1);
+}
+
+/// Whether there is nothing but empty lines and remarks, whatever ends the lines.
+bool HoldsOnlyRemarks(std::string_view Text) {
+  while (!Text.empty()) {
+    const std::size_t End = std::min(Text.find_first_of("\r\n"), Text.size());
+    const std::size_t First = Text.find_first_not_of(" \t");
+    if (First < End && Text[First] != CommentMark) return false;
+    Text.remove_prefix(std::min(End + 1, Text.size()));
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -44,12 +76,14 @@ std::optional<TForeignKind> ForeignKind(TEIFile& File) {
   std::string Start(BytesLookedAt, '\0');
   File.Stream().SetPosition(0);
   Start.resize(File.Stream().Read(Start.data(), Start.size()));
-  for (const auto& [Bytes, What, Advice] : KnownBeginnings)
-    if (Start.starts_with(Bytes)) return TForeignKind{What, Advice};
   std::string_view Text = Start;
   if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
-  Text = Trim(Text);
-  if (Text.empty() || Text.front() == CommentMark) return std::nullopt;
+  for (const auto& [Bytes, What, Advice] : KnownBeginnings)
+    if (Text.starts_with(Bytes)) return TForeignKind{What, Advice};
+  if (Text.substr(std::min(TarMarkAt, Text.size())).starts_with("ustar"))
+    return TForeignKind{"an archive (tar)", Unpack};
+  if (IsUtf16(Text)) return TForeignKind{"a text in UTF-16", Convert};
+  if (HoldsOnlyRemarks(Text)) return std::nullopt;
   return TForeignKind{"not an export/import file", {}};
 }
 
@@ -59,15 +93,20 @@ void RefuseForeignFile(TEIFile& File, const std::string& Name) {
   const std::optional<TForeignKind> Kind = ForeignKind(File);
   if (Kind && !Kind->Advice.empty())
     throw EEIError(Format("'%s' is %s; %s", Name, Kind->What, Format(Kind->Advice, Name)), Info);
-  if (const std::vector<std::string> Hidden = FindStrayMarkers(File).Hidden; !Hidden.empty())
-    throw EEIError(Format("'%s' holds no section: %s", Name, Joined(Hidden)), Info);
+  RefuseHiddenSections(File, Name);
   if (Kind) throw EEIError(Format("'%s' is %s: no line of it is [SECTION]", Name, Kind->What), Info);
 }
 
-void RequireSections(TEIFile& File, const std::string& Name) {
+void RefuseFileWithoutSections(TEIFile& File, const std::string& Name) {
   RefuseForeignFile(File, Name);
-  if (File.Sections().Count() == 0)
-    throw EEIError(Format("'%s' is empty: it holds no section", Name), {.Code = TErrorCode::FileKind, .File = Name});
+  if (File.Sections().Count() > 0) return;
+  const char* const Text = File.Stream().Size() == 0 ? "'%s' is empty: it holds no section" : "'%s' holds no section";
+  throw EEIError(Format(Text, Name), {.Code = TErrorCode::FileKind, .File = Name});
+}
+
+void RequireSections(TEIFile& File, const std::string& Name) {
+  RefuseFileWithoutSections(File, Name);
+  RefuseHiddenSections(File, Name);
 }
 
 }  // namespace velkrund

@@ -14,12 +14,14 @@ struct TForeignKind {
 };
 
 /// Looks at the beginning of a file without sections, and moves its stream. Nothing for a file that has sections, and
-/// for one that could get them: with nothing but remarks in it. File: opened.
+/// for one that could get them: with nothing but remarks ("; ...") in it. File: opened.
 std::optional<TForeignKind> ForeignKind(TEIFile& File);
 
 /// Raises EEIError for such a file, and for one whose sections no reader sees. Name: for the message.
 void RefuseForeignFile(TEIFile& File, const std::string& Name);
 /// The same, and for a file without any section.
+void RefuseFileWithoutSections(TEIFile& File, const std::string& Name);
+/// The same, and for one with a section that no reader sees.
 void RequireSections(TEIFile& File, const std::string& Name);
 
 }  // namespace velkrund

@@ -2,7 +2,9 @@
 
 #include <sys/stat.h>
 
+#include "jobs/files/LineFeeds.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
@@ -23,6 +25,19 @@ void OpenPlainly(TEIFile& File) {
       // Told with all that is known about the place, below.
     }
     throw;
+  }
+}
+
+void OpenForSections(TEIFile& File) {
+  try {
+    OpenPlainly(File);
+  } catch (const EEIError&) {
+    const std::int64_t From = File.UnreadPosition();
+    if (From < 0 || !HasLineFeedMarkers(File.Stream(), {From, File.Stream().Size()})) throw;
+    throw EEIError(Format("'%s' has a section (Position:%d) that cannot be read, or that hides others: lines of it end "
+                          "with a line feed alone",
+                          File.FileName(), From),
+                   {.Code = TErrorCode::LineFeeds, .File = File.FileName()});
   }
 }
 

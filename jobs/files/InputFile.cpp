@@ -46,7 +46,7 @@ TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCan
 void TInputFile::Open() {
   if (FSpool && FName == "-") FSpool->FillFrom(STDIN_FILENO, "standard input", FCanceled);
   if (FSpool && FName != "-") FillFromPath(*FSpool, FName, FCanceled);
-  OpenPlainly(*FFile);
+  OpenForSections(*FFile);
 }
 
 }  // namespace velkrund

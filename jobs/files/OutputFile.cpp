@@ -10,6 +10,7 @@
 #include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/SectionRemoval.h"
+#include "jobs/files/StrayMarkers.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -35,7 +36,7 @@ void TOutputFile::OpenFile() {
   try {
     if (Made) Made->Sync();
     Made.reset();
-    OpenPlainly(*FFile);
+    OpenForSections(*FFile);
     RefuseForeignFile();
     RemoveLeftBeside(FFiles, FName);
   } catch (...) {
@@ -57,7 +58,10 @@ void TOutputFile::RemoveUnlessUsed() {
 }
 
 void TOutputFile::RefuseForeignFile() {
-  if (const std::optional<TForeignKind> Kind = ForeignKind(*FFile))
+  const std::optional<TForeignKind> Kind = ForeignKind(*FFile);
+  // What is hidden could have the name of what is added.
+  if (!Kind || Kind->Advice.empty()) RefuseHiddenSections(*FFile, FName);
+  if (Kind)
     throw EFOpenError(Format("File '%s' is there already and is %s: nothing is added to it", FName, Kind->What),
                       {.Code = TErrorCode::FileKind, .File = FName});
 }

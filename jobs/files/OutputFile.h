@@ -18,7 +18,8 @@ class TOutputFile {
   using TComplain = std::function<void(const std::string& Text)>;
 
   /// Opens the file or makes it. Name: a path, or "-" for standard output. A file that is there and is no export/import
-  /// file is refused, and so is one whose headers hold malformed characters when StrictText says so. Files: borrowed.
+  /// file, or has a section that no reader sees, is refused, and so is one whose headers hold malformed characters when
+  /// StrictText says so. Files: borrowed.
   TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TComplain Complain);
   TOutputFile(const TOutputFile&) = delete;
   TOutputFile& operator=(const TOutputFile&) = delete;

@@ -60,7 +60,7 @@ int TheSection(const TEISectionList& Sections, const std::string& Text, const st
 }
 
 std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
-                                std::vector<std::string>& LeftOut) {
+                                std::vector<std::string>& Notes) {
   const auto Fits = [&](int Index) { return Sections[Index].ObjectClass.Role() == Choice.Role; };
   std::vector<int> Result;
   for (const std::string& Text : Choice.Texts) {
@@ -69,15 +69,21 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
       throw EEIError(Format("In '%s' %s holds no %s", Choice.FileName, SectionText(Sections, Index), Choice.Content));
     if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
   }
+  std::vector<std::string> Others;
   for (int Index = 0; Choice.Texts.empty() && Index < Sections.Count(); ++Index) {
     if (Fits(Index))
       Result.push_back(Index);
     else
-      LeftOut.push_back(Format("left out, being no %s: %s", Choice.Content, SectionText(Sections, Index)));
+      Others.push_back(SectionText(Sections, Index));
   }
   if (Result.empty())
-    throw EEIError(Format("'%s' holds no %s section%s%s", Choice.FileName, Choice.Content,
-                          Choice.Hidden.empty() ? "" : ": ", Joined(Choice.Hidden)));
+    throw EEIError(Format("'%s' holds no %s section: %s", Choice.FileName, Choice.Content, ContentText(Sections)),
+                   {.Code = TErrorCode::SectionMissing, .File = Choice.FileName});
+  if (!Others.empty()) {
+    const std::string Count = Counted(static_cast<std::int64_t>(Others.size()), "section");
+    Notes.push_back(Format("left out %s of '%s' without %s: %s", Count, Choice.FileName, Choice.Content,
+                           JoinedInShort(std::move(Others))));
+  }
   return Result;
 }
 

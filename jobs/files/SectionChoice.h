@@ -24,12 +24,11 @@ struct TSectionChoice {
   std::string Content;             // what they hold, for messages: "table data"
   std::vector<std::string> Texts;  // as TheSection takes them; none: all sections of the role
   std::string FileName;
-  std::vector<std::string> Hidden = {};  // what stands in the file besides, for messages: FindStrayMarkers
 };
-/// The indexes of the sections, each once. LeftOut: gets a line for every other section when all were chosen. Raises
+/// The indexes of the sections, each once. Notes: gets a line about the other sections when all were chosen. Raises
 /// EEIError when there is none, or one that was named has another role.
 std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
-                                std::vector<std::string>& LeftOut);
+                                std::vector<std::string>& Notes);
 
 /// The table that a table data section names; empty when it names none.
 std::string TableOf(const TEISection& Section);

@@ -7,6 +7,8 @@
 #include "jobs/files/FileBeside.h"
 #include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
+#include "jobs/files/LineFeeds.h"
+#include "jobs/files/StrayMarkers.h"
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -113,21 +115,32 @@ std::int64_t UnfinishedMarker(TStream& Stream) {
   return Position == 0 || Before.ends_with('\r') || Before.ends_with("\r\n") ? Position : -1;
 }
 
-/// Opens the file for writing and finds where it has to be cut; -1: nowhere.
-std::int64_t OpenAndFindCut(TEIFile& File, const std::function<bool()>& Canceled, std::optional<TErrorFacts>& Fault) {
+/// The file, open for writing, as far as its headers can be read. Fault: why not further.
+std::unique_ptr<TEIFile> OpenedAsFarAsItGoes(TFileSystem& Files, const std::string& Path,
+                                             std::optional<TErrorFacts>& Fault) {
+  auto File = std::make_unique<TEIFile>(Files);
+  File->SetStrictText(false);  // texts are not touched
+  File->SetFileName(Path);
+  Fault.reset();
   try {
-    OpenPlainly(File);
+    OpenPlainly(*File);
   } catch (const EEIError& Error) {
-    if (File.UnreadPosition() < 0 || !IsStructureFault(Error)) throw;
+    if (File->UnreadPosition() < 0 || !IsStructureFault(Error)) throw;
     Fault = FactsOf(Error);
-    if (!WasNeverFinished(File, Canceled))
-      throw EEIError(Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
-                            "nothing was changed. %s",
-                            Fault->Message),
-                     Fault->Info);
-    return File.UnreadPosition();
   }
-  return UnfinishedMarker(File.Stream());
+  return File;
+}
+
+/// Where the file has to be cut; -1: nowhere.
+std::int64_t FindCut(TEIFile& File, const std::function<bool()>& Canceled, const TSectionRepair& Repair) {
+  if (!Repair.Fault) return UnfinishedMarker(File.Stream());
+  if (!WasNeverFinished(File, Canceled))
+    throw EEIError(
+        Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
+               "%s. %s",
+               Repair.LineFeeds > 0 ? "only line ends were mended" : "nothing was changed", Repair.Fault->Message),
+        Repair.Fault->Info);
+  return File.UnreadPosition();
 }
 
 /// Whether a file holds exactly the bytes of the other from Position on.
@@ -187,15 +200,20 @@ void SaveTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::i
 }  // namespace
 
 TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std::function<bool()>& Canceled) {
-  TEIFile File(Files);
-  File.SetStrictText(false);  // texts are not touched
-  File.SetFileName(Path);
   TSectionRepair Result;
-  Result.Position = OpenAndFindCut(File, Canceled, Result.Fault);
+  std::unique_ptr<TEIFile> Opened = OpenedAsFarAsItGoes(Files, Path, Result.Fault);
+  if (const std::vector<TFileRange> Parts = LineFeedParts(*Opened); !Parts.empty()) {
+    Result.LineFeeds = MendLineFeeds(Files, *Opened, Parts, Canceled);
+    Opened.reset();
+    Opened = OpenedAsFarAsItGoes(Files, Path, Result.Fault);
+  }
+  TEIFile& File = *Opened;
+  Result.Position = FindCut(File, Canceled, Result);
   Result.SectionsLeft = File.Sections().Count();
   RemoveLeftBeside(Files, Path);
   if (Result.Position < 0) {
     RefuseForeignFile(File, Path);
+    RefuseHiddenSections(File, Path);
     return Result;
   }
   Result.Bytes = File.Stream().Size() - Result.Position;

@@ -5,6 +5,7 @@
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -32,16 +33,21 @@ std::string ReadLineHead(TStream& Stream) {
   return Head;
 }
 
-/// Why no reader sees the section that the line belongs to, and what to do; empty: it belongs to none.
-std::string ReasonToHide(std::string_view Line) {
-  const bool IsOne = Line.find('\n') == std::string_view::npos;
+constexpr const char* EndWithLineFeeds = "Its lines end with a line feed alone";
+
+bool HasSectionMarker(std::string_view Line) {
   for (std::string_view Rest = Line; !Rest.empty();) {
     const std::size_t End = std::min(Rest.find('\n'), Rest.size());
-    if (Trim(Rest.substr(0, End)) == "[SECTION]")
-      return IsOne ? "\"[SECTION]\" has to be alone on its line"
-                   : "Its lines end with a line feed alone: convert them to carriage return and line feed";
+    if (Trim(Rest.substr(0, End)) == "[SECTION]") return true;
     Rest.remove_prefix(std::min(End + 1, Rest.size()));
   }
+  return false;
+}
+
+/// Why no reader sees the section that the line belongs to, and what to do; empty: it belongs to none.
+std::string ReasonToHide(std::string_view Line) {
+  if (HasSectionMarker(Line))
+    return Line.find('\n') == std::string_view::npos ? "\"[SECTION]\" has to be alone on its line" : EndWithLineFeeds;
   const std::string_view Marker = TEISource::RightTrim(Line);
   return Marker == "[DATA]" || Marker == "[END]" ? "Its \"[SECTION]\" line is damaged or missing: write it anew" : "";
 }
@@ -52,10 +58,12 @@ std::string Excerpt(std::string_view Text) {
   return Result;
 }
 
-/// Looks at the lines from the stream's position to the next section, or to the end.
-void LookAtGap(TStream& Stream, TStrayMarkers& Found) {
+/// Looks at what lies between two sections, before the first or behind the last. Gap: with the line "[SECTION]" of the
+/// next one.
+void LookAtGap(TStream& Stream, const TFileRange& Gap, TStrayMarkers& Found) {
   std::string First, Reason;
-  while (Reason.empty() && !Stream.Peek().empty()) {
+  Stream.SetPosition(Gap.From);
+  while (Reason.empty() && Stream.Position() < Gap.To) {
     const std::int64_t Position = Stream.Position();
     const std::string Line = ReadLineHead(Stream);
     if (TEISource::RightTrim(Line) == "[SECTION]") break;
@@ -66,6 +74,12 @@ void LookAtGap(TStream& Stream, TStrayMarkers& Found) {
     if (First.empty() && (Text.starts_with('[') || !Reason.empty()))
       First = Format("(Position:%d): %s%s", Position, HasMark ? "a byte-order mark, " : "",
                      Excerpt(Text.substr(0, Text.find('\n'))));
+  }
+  // Far behind the beginning of a line, perhaps.
+  if (Gap.From < Gap.To && HasLineFeedMarkers(Stream, Gap)) {
+    Found.LineFeeds.push_back(Gap);
+    Reason = EndWithLineFeeds;
+    if (First.empty()) First = Format("(behind Position:%d)", Gap.From);
   }
   if (!Reason.empty())
     Found.Hidden.push_back(Format("what looks like a section is passed over %s. %s", First, Reason));
@@ -80,16 +94,25 @@ void LookAtGap(TStream& Stream, TStrayMarkers& Found) {
 
 TStrayMarkers FindStrayMarkers(TEIFile& File) {
   TStrayMarkers Found;
-  const TEISectionList& Sections = File.Sections();
   TStream& Stream = File.Stream();
-  Stream.SetPosition(0);
-  LookAtGap(Stream, Found);
-  for (int Index = 0; Index < Sections.Count(); ++Index) {
-    Stream.SetPosition(Sections[Index].DataPosition + Sections[Index].DataSize);
+  std::int64_t From = 0;
+  for (int Index = 0; Index < File.Sections().Count(); ++Index) {
+    const TEISection& Section = File.Sections()[Index];
+    LookAtGap(Stream, {From, Section.Position}, Found);
+    Stream.SetPosition(Section.DataPosition + Section.DataSize);
     ReadLineHead(Stream);  // the "[END]"
-    LookAtGap(Stream, Found);
+    From = Stream.Position();
   }
+  LookAtGap(Stream, {From, File.UnreadPosition() >= 0 ? File.UnreadPosition() : Stream.Size()}, Found);
   return Found;
+}
+
+void RefuseHiddenSections(TEIFile& File, const std::string& Name) {
+  const TStrayMarkers Found = FindStrayMarkers(File);
+  if (Found.Hidden.empty()) return;
+  throw EEIError(
+      Format(File.Sections().Count() > 0 ? "In '%s' %s" : "'%s' holds no section: %s", Name, Joined(Found.Hidden)),
+      {.Code = Found.LineFeeds.empty() ? TErrorCode::FileStructure : TErrorCode::LineFeeds, .File = Name});
 }
 
 }  // namespace velkrund

@@ -19,6 +19,9 @@ enum class TExisting : int {
 enum class TOnError : int { Ask = 0, Continue = 1, Stop = 2 };
 /// Fields of a file that the table lacks.
 enum class TMissingFields : int { Skip = 0, Refuse = 1 };
+/// Several sections for one table that is to be replaced: the rows of one could be meant to take the place of
+/// another's.
+enum class TRepeatedTables : int { Refuse = 0, Join = 1 };
 /// How much of an import stays together.
 enum class TCommit : int {
   Run = 0,   // everything or nothing
@@ -38,6 +41,7 @@ struct TPolicies {
   TExisting ExistingStructures = TExisting::Ask;
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
+  TRepeatedTables RepeatedTables = TRepeatedTables::Refuse;
   TCommit Commit = TCommit::Run;
   TTriggers Triggers = TTriggers::Fire;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed

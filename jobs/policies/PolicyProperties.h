@@ -14,6 +14,7 @@ struct TPolicyProperties {
   static constexpr std::string_view StructureChoices[] = {"ask", "skip", "replace", "update"};
   static constexpr std::string_view ErrorChoices[] = {"ask", "continue", "stop"};
   static constexpr std::string_view FieldChoices[] = {"skip", "refuse"};
+  static constexpr std::string_view RepeatChoices[] = {"refuse", "join"};
 
   static constexpr TProperty ExistingRows = ChoiceOf<Record, &TPolicies::ExistingRows>(
       "ExistingRows", "rows that are in a table already: ask, leave the table out, delete them first, keep them",
@@ -28,6 +29,9 @@ struct TPolicyProperties {
       "OnError", "after something failed: ask, go on with the next one, stop", ErrorChoices);
   static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(
       "MissingFields", "fields of the file that the table lacks: pass over them, refuse the section", FieldChoices);
+  static constexpr TProperty RepeatedTables = ChoiceOf<Record, &TPolicies::RepeatedTables>(
+      "RepeatedTables", "several sections for one table that is replaced: refuse them, load the rows of all",
+      RepeatChoices);
   static constexpr std::string_view CommitChoices[] = {"run", "each"};
   static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
   static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};

@@ -44,6 +44,8 @@ std::string PlaceText(const TErrorFacts& Facts) {
   Add("table", Info.Table);
   if (Info.Line == 0 && !Says(Facts.Message, Info.Section)) Add("section", Info.Section);
   Add("field", Info.Column);
+  if (!Says(Facts.Message, Info.Structure)) Add("structure", Info.Structure);
+  Add("node", Info.Node);
   const std::string Record = std::to_string(Info.Record);
   const bool SaysRecord = Says(Facts.Message, "record " + Record) || Says(Facts.Message, "Record:" + Record);
   if (Info.Record > 0 && !SaysRecord) Parts.push_back("record " + Record);
@@ -94,6 +96,8 @@ TDocument ErrorDocument(const TErrorFacts& Facts) {
   Set("field", Info.Column);
   Set("record", Info.Record);
   Set("value", Info.Value);
+  Set("structure", Info.Structure);
+  Set("node", Info.Node);
   Set("engineCode", Info.EngineCode);
   Set("statement", Info.Statement);
   if (!Facts.Chain.empty()) Result.Set("within", Facts.Chain);

@@ -22,6 +22,7 @@ TDocument ItemDocument(const TItem& Item) {
   Result.Set("size", Item.Bytes).Set("seconds", Item.Seconds);
   if (Rows) Result.Set("rowsDeleted", Item.Counts.DeletedRows).Set("nullsMade", Item.Counts.NullsMade);
   Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
+  if (Item.Structure) Result.Set("textsAltered", Item.Losses.Altered);
   if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
   return Result;
 }
@@ -81,8 +82,7 @@ TTotals TOutcome::Totals() const {
     if (const auto Rows = Item.Rows()) Result.Rows = Result.Rows.value_or(0) + *Rows;
     Result.Bytes += Item.Bytes;
     Result.NullsMade += Item.Counts.NullsMade;
-    Result.Losses.Unrepresentable += Item.Losses.Unrepresentable;
-    Result.Losses.Malformed += Item.Losses.Malformed;
+    Result.Losses += Item.Losses;
     Result.Seconds += Item.Seconds;
   }
   return Result;
@@ -95,7 +95,7 @@ void TOutcome::Describe(TDocument& Document) const {
   Document.Set("database", Database).Set("files", Files).Set("sections", std::move(Sections)).Set("notes", Notes);
   Document.Set("rows", All.Rows.value_or(0)).Set("size", All.Bytes).Set("seconds", All.Seconds);
   Document.Set("nullsMade", All.NullsMade).Set("charactersLost", All.Losses.Unrepresentable);
-  Document.Set("malformedCharacters", All.Losses.Malformed);
+  Document.Set("malformedCharacters", All.Losses.Malformed).Set("textsAltered", All.Losses.Altered);
 }
 
 }  // namespace velkrund

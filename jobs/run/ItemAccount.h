@@ -15,7 +15,9 @@ class TItemAccount {
 
   double Seconds() const { return std::chrono::duration<double>(TClock::now() - FStart).count(); }
   TTextLosses Losses() const {
-    return {FSource.Losses().Unrepresentable - FBefore.Unrepresentable, FSource.Losses().Malformed - FBefore.Malformed};
+    const TTextLosses& Now = FSource.Losses();
+    return {Now.Unrepresentable - FBefore.Unrepresentable, Now.Malformed - FBefore.Malformed,
+            Now.Altered - FBefore.Altered};
   }
   void Close(TItem& Item) const {
     Item.Seconds = Seconds();

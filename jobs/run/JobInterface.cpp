@@ -32,6 +32,8 @@ constexpr TProperty Counts[] = {
         "CharactersLost", "characters that the code page lacks"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Losses.Malformed; }>(
         "MalformedCharacters", "malformed characters that were replaced"),
+    ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Losses.Altered; }>(
+        "TextsAltered", "names and texts of structures that will be read as others than they are"),
 };
 
 }  // namespace

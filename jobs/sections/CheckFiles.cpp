@@ -113,7 +113,8 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
   }
   if (CheckListener) CheckListener->FileChecked(Result);
   for (const std::string& Hidden : Result.Hidden)
-    NoteFault(Result.Text + ": " + Hidden, {.Code = TErrorCode::FileStructure, .File = Result.Text});
+    NoteFault(Result.Text + ": " + Hidden,
+              {.Code = Result.HasLineFeeds ? TErrorCode::LineFeeds : TErrorCode::FileStructure, .File = Result.Text});
   if (Result.Error) NoteFault(ErrorLine(*Result.Error), Result.Error->Info);
 }
 
@@ -121,7 +122,7 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
 bool TJobCheckFiles::Open(TInputFile& Input, TCheckedFile& Result) {
   try {
     Input.Open();
-    RequireSections(Input.File(), Input.Name());
+    RefuseFileWithoutSections(Input.File(), Input.Name());
   } catch (const EAbort&) {
     FTotals.Cancelled = true;
     return false;
@@ -162,8 +163,7 @@ void TJobCheckFiles::Count(const TCheckedFile& File, const TCheckedSection& Sect
   if (Item.State == TItemState::NotReached) return;
   ++FTotals.Sections;
   FTotals.Seconds += Item.Seconds;
-  FTotals.Losses.Unrepresentable += Item.Losses.Unrepresentable;
-  FTotals.Losses.Malformed += Item.Losses.Malformed;
+  FTotals.Losses += Item.Losses;
   if (Item.State == TItemState::Done) {
     FTotals.Rows += Section.HasRows ? Item.Counts.RowCount : 0;
     FTotals.Bytes += Item.Bytes;
@@ -175,6 +175,7 @@ void TJobCheckFiles::Count(const TCheckedFile& File, const TCheckedSection& Sect
 void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
   TStrayMarkers Found = FindStrayMarkers(Input.File());
   Result.Hidden = std::move(Found.Hidden);
+  Result.HasLineFeeds = !Found.LineFeeds.empty();
   for (std::string& Note : Found.Doubtful) Result.Notes.push_back(std::move(Note));
 }
 

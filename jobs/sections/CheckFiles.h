@@ -25,9 +25,13 @@ struct TCheckedFile {
   std::vector<std::string> Notes = {};    // what is no fault
   std::optional<TErrorFacts> Error = {};  // of the headers, or why it could not be opened
   bool IsOpen = true;
+  bool HasLineFeeds = false;  // which alone end the lines of hidden sections
 
   /// Whether it is no export/import file, or has no section.
-  bool IsForeign() const { return Error && Error->Info.Code == TErrorCode::FileKind; }
+  bool IsForeign() const {
+    return Error && (Error->Info.Code == TErrorCode::FileKind ||
+                     (Error->Info.Code == TErrorCode::LineFeeds && Sections.empty()));
+  }
 };
 
 /// "ok", "faulty", "cancelled" or "not-reached".

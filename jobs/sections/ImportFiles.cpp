@@ -18,6 +18,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingStructures,
     TPolicyRows::OnError,
     TPolicyRows::MissingFields,
+    TPolicyRows::RepeatedTables,
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
     TPolicyRows::BrokenReferences,

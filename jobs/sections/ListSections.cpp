@@ -2,6 +2,7 @@
 
 #include "jobs/files/FileKind.h"
 #include "jobs/files/InputFile.h"
+#include "jobs/files/StrayMarkers.h"
 
 namespace velkrund {
 
@@ -62,6 +63,11 @@ void TJobListSections::Run() {
     FFault = std::current_exception();
   }
   RefuseForeignFile(Input.File(), Input.Name());
+  try {
+    RefuseHiddenSections(Input.File(), Input.Name());
+  } catch (const EEIError&) {
+    if (!FFault) FFault = std::current_exception();
+  }
   const TEISectionList& Sections = Input.File().Sections();
   FFound.reserve(static_cast<std::size_t>(Sections.Count()));
   for (int Index = 0; Index < Sections.Count(); ++Index) FFound.push_back(Listed(Sections[Index]));

@@ -23,13 +23,13 @@ struct TListedSection {
 const char* EncodingText(TKvEncoding Encoding);
 
 /// Lists the sections of a file, reading headers only and taking no lock. Of a faulty file the sections before the
-/// fault are listed, and the fault is the job's error.
+/// fault are listed, and the fault is the job's error; so are sections that no reader sees.
 class TJobListSections final : public TJob {
  public:
   std::string FileName;  // "-": standard input
 
   const std::vector<TListedSection>& Found() const { return FFound; }
-  /// What the headers could not be read for; null when they could.
+  /// What the headers could not be read for, or what they hide; null: nothing.
   const std::exception_ptr& HeaderFault() const { return FFault; }
   /// Headers hold malformed characters, shown as U+FFFD.
   bool HasMalformed() const { return FHasMalformed; }

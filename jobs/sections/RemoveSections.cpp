@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/SectionChoice.h"
 #include "jobs/files/SectionRemoval.h"
@@ -71,7 +72,8 @@ void TJobRemoveSections::Run() {
   TEIFile File(Files());
   File.SetStrictText(false);  // texts are not touched
   File.SetFileName(FileName);
-  OpenPlainly(File);
+  OpenForSections(File);
+  RefuseForeignFile(File, FileName);
   const std::set<int> Going = Chosen(File.Sections());
   for (const int Index : Going) {
     const TEISection& Section = File.Sections()[Index];

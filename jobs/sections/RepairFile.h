@@ -7,7 +7,7 @@
 
 namespace velkrund {
 
-/// Cuts an unfinished last section off a file, and keeps what it cut beside it.
+/// Mends line ends that are a line feed alone, and cuts an unfinished last section off, which it keeps beside the file.
 class TJobRepairFile final : public TJob {
  public:
   std::string FileName;

@@ -47,6 +47,7 @@ void TSectionChecker::Read(TEIFile& File, int Index, TChecked& Result) {
   const std::unique_ptr<TEIObject> Object = File.CreateEIObject(Index);
   Object->OnCancel = FCanceled;
   Object->OnProgress = FOnProgress;
+  Object->StrictLines = true;
   if (auto* const Table = dynamic_cast<TEICommonTableData*>(Object.get())) {
     Result.HasRows = true;
     Table->Report = &Result.Item.Counts;

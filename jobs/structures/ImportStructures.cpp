@@ -57,8 +57,8 @@ TImportJob::TParts TJobImportStructures::MakeParts() {
   return Result;
 }
 
-std::vector<int> TJobImportStructures::Choose(TInputFile& Input, const std::vector<std::string>& Hidden) {
-  const TSectionChoice Choice{TSectionRole::Structure, "structure", Sections, Input.Name(), Hidden};
+std::vector<int> TJobImportStructures::Choose(TInputFile& Input, const std::vector<std::string>&) {
+  const TSectionChoice Choice{TSectionRole::Structure, "structure", Sections, Input.Name()};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && (ObjectType != 0 || !ObjectName.empty() || !RootNode.empty()))
     throw ESettingsError(Format("%s, %s and %s are for one section, but %d are to be loaded: choose one with %s",

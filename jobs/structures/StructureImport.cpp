@@ -71,6 +71,7 @@ void TStructureImport::Begin(std::size_t, TEIObject& Object) {
   // What an answer made of these for another structure is not for this one.
   Section->ClearRoot = FSettings.ClearRoot;
   Section->OverwriteOptions = FSettings.OverwriteOptions;
+  Section->StrictLines = true;
   FAsk.FLeftAlone = false;
   Section->SetOverwriteAsk(FAsk);
 }

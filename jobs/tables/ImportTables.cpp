@@ -14,6 +14,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingRows,
     TPolicyRows::OnError,
     TPolicyRows::MissingFields,
+    TPolicyRows::RepeatedTables,
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
     TPolicyRows::BrokenReferences,
@@ -34,16 +35,16 @@ constinit const TInterfaceDescriptor TThis::Interface =
     TJobInterface<TThis>::Describe("TJobImportTablesInterface", {&SectionsJobProperties, Properties});
 
 TImportJob::TParts TJobImportTables::MakeParts() {
+  TTableImport::TSettings Settings{DatabaseName, DatabaseText(), TableName, Fields};
+  Settings.AreChosen = !Sections.empty();
   TParts Result;
-  Result.emplace(TSectionRole::TableData,
-                 std::make_unique<TTableImport>(
-                     Manager(), Policies, TTableImport::TSettings{DatabaseName, DatabaseText(), TableName, Fields}));
+  Result.emplace(TSectionRole::TableData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Settings)));
   return Result;
 }
 
 /// What else the file holds is named in the report.
-std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<std::string>& Hidden) {
-  const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name(), Hidden};
+std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<std::string>&) {
+  const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name()};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && !TableName.empty())
     throw ESettingsError(Format("%s names one table, but %d sections are to be loaded: choose one with %s",

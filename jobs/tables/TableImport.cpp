@@ -49,11 +49,25 @@ void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Nu
                    {.Code = TErrorCode::TableMissing, .File = Input.Name(), .Section = Sections[Index].Name()});
   if (!Table && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
   if (!Table) return;  // the import of the section says so
-  if (FSettings.HasToFit) CheckFields(Input, Index, *Table);
   Item.Table = Table->TableName();
+  if (!Fits(Input, Index, *Table, Number)) return;
   TTarget& Target = TargetFor(*Table);
   Target.Sections.push_back(Number);
+  Target.Texts.push_back(Format("%s of '%s'", SectionText(Sections, Index), Input.Name()));
   FPlaces.emplace(Number, static_cast<std::size_t>(&Target - FTargets.data()));
+}
+
+/// Whether the section's fields are those of the table. An error that ends the run comes before anything is changed;
+/// where the run goes on with the others, the section keeps it until its turn comes.
+bool TTableImport::Fits(TInputFile& Input, int Index, TTable& Table, std::size_t Number) {
+  try {
+    CheckFields(Input, Index, Table);
+    return true;
+  } catch (const EEIError&) {
+    if (FSettings.HasToFit || FPolicies.OnError != TOnError::Continue) throw;
+    FUnfit.emplace(Number, std::current_exception());
+    return false;
+  }
 }
 
 /// Fields that nobody has: the section would refuse them too, after other sections were loaded.
@@ -114,10 +128,21 @@ void TTableImport::RefuseUnanswered() const {
   if (!Met.empty() && !CanAsk()) throw EPolicyUnanswered(TPolicy::ExistingRows, Joined(Met) + ".");
 }
 
+/// It cannot be told whether the rows of all are wanted, or the last ones in place of the others.
+void TTableImport::RefuseRepeated(const TTarget& Target) const {
+  if (Target.Keep || Target.LeaveOut || Target.Sections.size() < 2 || FSettings.AreChosen ||
+      FPolicies.RepeatedTables == TRepeatedTables::Join)
+    return;
+  throw EEIError(Format("The table '%s' is to be replaced, and there are %d sections for it: %s", Target.Table,
+                        Target.Sections.size(), JoinedInShort(Target.Texts)),
+                 {.Code = TErrorCode::RepeatedTable, .Table = Target.Table});
+}
+
 void TTableImport::Settle(TOutcome& Outcome) {
   if (FPolicies.ExistingRows == TExisting::Ask) RefuseUnanswered();
   TRepeatedQuestion Question;
   for (TTarget& Target : FTargets) {
+    if (Target.Rows == 0) RefuseRepeated(Target);
     if (Target.Rows == 0) continue;
     TAnswer Answer = TAnswer::No;
     if (FPolicies.ExistingRows == TExisting::Ask)
@@ -126,6 +151,7 @@ void TTableImport::Settle(TOutcome& Outcome) {
                              TPolicy::ExistingRows});
     Target.Keep = Answer != TAnswer::Yes;
     Target.LeaveOut = Answer == TAnswer::No;
+    RefuseRepeated(Target);
     if (!Target.LeaveOut) continue;
     for (const std::size_t Number : Target.Sections) {
       Outcome.Items[Number].State = TItemState::LeftOut;
@@ -148,10 +174,12 @@ std::optional<TLoadTarget> TTableImport::TargetOf(std::size_t Number) const {
 void TTableImport::Begin(std::size_t Number, TEIObject& Object) {
   auto* const Data = dynamic_cast<TEICommonTableData*>(&Object);
   if (!Data) return;
+  if (const auto Unfit = FUnfit.find(Number); Unfit != FUnfit.end()) std::rethrow_exception(Unfit->second);
   const TTarget* const Target = Find(Number);
   if (Target) Data->TableName = Target->Table;
   Data->Append = Target ? Target->Keep : FPolicies.ExistingRows != TExisting::Replace;
   Data->SkipMissingFields = FPolicies.MissingFields == TMissingFields::Skip;
+  Data->StrictLines = true;
   if (FPolicies.Lenient) Data->StrictValues = false;
   if (!FSettings.Fields.empty()) Data->Fields = &FFields;
 }

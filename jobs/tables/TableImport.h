@@ -1,5 +1,8 @@
 #pragma once
 
+#include <exception>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +21,8 @@ class TTableImport final : public TImportPart {
     std::string DatabaseText;              // for messages
     std::string TableName = {};            // the one to load; empty: the one that the section names
     std::vector<std::string> Fields = {};  // the only ones to move; none: all
-    bool HasToFit = true;                  // a table that is not there, or has none of the fields, ends the run at once
+    bool HasToFit = true;                  // a section whose table is not there, or lacks fields, ends the run at once
+    bool AreChosen = false;                // a person has named each of the sections
   };
 
   /// Manager, Policies: borrowed.
@@ -38,20 +42,24 @@ class TTableImport final : public TImportPart {
     bool Keep = false;      // these rows
     bool LeaveOut = false;
     std::vector<std::size_t> Sections = {};  // numbers of items
+    std::vector<std::string> Texts = {};     // of the sections, for messages
   };
 
   TTarget& TargetFor(TTable& Table);
+  bool Fits(TInputFile& Input, int Index, TTable& Table, std::size_t Number);
   void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
   static void RefuseMissing(TInputFile& Input, int Index, TTable& Table, const std::vector<std::string>& Wanted);
   void RefuseUnanswered() const;
+  void RefuseRepeated(const TTarget& Target) const;
   const TTarget* Find(std::size_t Number) const;
 
   const TPolicies& FPolicies;
   const TSettings FSettings;
   const TTableSearch FSearch;
   const TStringList FFields;
-  std::vector<TTarget> FTargets;               // by table, in the order in which they were met
-  std::map<std::size_t, std::size_t> FPlaces;  // of a section's target, by the number of its item
+  std::vector<TTarget> FTargets;                     // by table, in the order in which they were met
+  std::map<std::size_t, std::size_t> FPlaces;        // of a section's target, by the number of its item
+  std::map<std::size_t, std::exception_ptr> FUnfit;  // why a section fails when its turn comes, by the same number
 };
 
 }  // namespace velkrund

@@ -155,6 +155,11 @@ class TDocumentsTest : public TShopTest {
     Write("HALF", Ids + "[SECT");
     Write("BAD", Ids + Section("T", {"I"}, {"1"}).substr(0, 40));
     Write("HIDDEN", Section("B", {"ID"}, {"1", "'\xC6'"}) + Ids + Ids + " " + Ids);
+    Write("NAMES", std::string(Structure)
+                           .replace(Structure.find("= S"), 3, "= N")
+                           .replace(Structure.find("ObjectName = S"), 14, "ObjectName = N") +
+                       "  a#0023\r\n[END]\r\n");
+    Write("LF", "[SECTION]\n" + Ids.substr(std::string("[SECTION]\r\n").size()));
     Write("broken.toml", "[database.x]\nurl = 5\n");
   }
 
@@ -227,11 +232,14 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"import table" + Empty + "-i M --replace", 1, "error"},
       {"import table" + Empty + "-i M --replace --missing-fields skip", 0, "transfer"},
       {"import table" + Tied + "-i O --replace", 1, "transfer"},
-      {"import file" + Tied + "-i O -i L -i HALF -i none --replace --on-error continue", 1, "transfer"},
+      {"import file" + Tied + "-i O -i L -i HALF -i none --replace --repeated-tables join --on-error continue", 1,
+       "transfer"},
       {"import file" + Empty + "-i S -i F --replace", 0, "transfer"},
       {"import structure" + Empty + "-i S --overwrite no", 0, "transfer"},
       {"import structure" + Empty + "-i S", 1, "error"},
       {"export structure" + Empty + "--all -o T", 0, "transfer"},
+      {"import structure" + Empty + "-i NAMES", 0, "transfer"},
+      {"export structure" + Empty + "--name N -o G", 1, "transfer"},
       {"dictionary list" + Empty, 0, "structures"},
       {"dictionary show" + Empty + "--name S", 0, "structure"},
       {"dictionary show" + Empty + "--name NONE", 1, "error"},
@@ -249,6 +257,7 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"file repair F", 0, "repair"},
       {"file repair U", 0, "repair"},
       {"file repair HALF", 0, "repair"},
+      {"file repair LF", 0, "repair"},
       {"database info" + Tied, 0, "database"},
       {"database info" + Empty, 0, "database"},
   });

@@ -60,7 +60,7 @@ TEST_F(TFileRepairTest, OnlyWhatNeverEndedIsCut) {
   } Cases[] = {
       {Broken, true},
       {Broken + " [END]\r\n[END]x\r\n\n[END]\r\n[ END]\r\n[SECTION ]\r\n[section]\r\n[END", true},
-      {Broken + "[SECTION].[END]\r\nA\n[END]\r\n[SECTION]\n", true},
+      {Broken + "[SECTION].[END]\r\nA\n[END]\r\n", true},
       {Broken + Block + "[END\r\n]", true},
       {Broken + "[END]", false},
       {Broken + "[END]  \r\n", false},
@@ -89,6 +89,48 @@ TEST_F(TFileRepairTest, OnlyWhatNeverEndedIsCut) {
     EXPECT_EQ(Read("F"), Sound);
   }
   EXPECT_EQ(Files(), TArguments{"F"});
+}
+
+// Whatever part of a file has lost its carriage returns gets them back, and nothing else changes.
+TEST_F(TFileRepairTest, LineFeedsAloneBecomeWholeLineEnds) {
+  const auto LineFeeds = [](std::string Text) { return std::erase(Text, '\r'), Text; };
+  const std::string Table = Exported({}), Form =
+                                              "[SECTION]\r\nEncoding = UTF8\r\nName = lone\nfeed\r\nType = "
+                                              "DSPStructure\r\nVersion = 200\r\nObjectType = 12\r\n"
+                                              "ObjectName = A\r\nTableName =\r\nParentObject =\r\nRootNode "
+                                              "=\r\n[DATA]\r\n [REMARKS]\r\n  a\n[END]\r\n [TREE]\r\n"
+                                              "  x:string = 'y'\r\n  z\r\n[END]\r\n";
+  const std::size_t Record = Table.find("  <"), Start = Table.find("[SECTION]");
+  const struct {
+    std::string Bytes, Whole;
+  } Cases[] = {
+      {LineFeeds(Table), Table},
+      {Table + LineFeeds(Table), Table + Table},
+      {LineFeeds(Table) + Table, Table + Table},
+      {Table + LineFeeds(Table) + Table, Table + Table + Table},
+      {Form + Table.substr(0, Record) + LineFeeds(Table.substr(Record)), Form + Table},
+      {LineFeeds(Table.substr(0, Record)) + Table.substr(Record) + Form, Table + Form},
+      {Table.substr(0, Record) + LineFeeds(Table.substr(Record)) + Table, Table + Table},
+      {Table + LineFeeds(Table.substr(Start, Record)), Table},  // of what never ended
+      {Form.substr(0, Form.rfind("\r\n  z")) + "\n  z\r\n[END]\r\n", Form},
+      {std::string(300'000, ' ') + LineFeeds("\r\n" + Table), std::string(300'000, ' ') + "\r\n" + Table},
+  };
+  for (const auto& [Bytes, Whole] : Cases) {
+    Write("F", Bytes);
+    chmod(Path("F").c_str(), 0660);
+    const TOutcome Before = Run({"file", "check", "F"});
+    EXPECT_EQ(Before.ExitCode, 1) << Bytes;
+    EXPECT_NE(Before.Errors.find("; velkrund file repair 'F' mends it"), std::string::npos) << Before.Errors;
+    EXPECT_GT(RunJson({"file", "repair", "F"}).value("lineFeeds", 0), 0) << Bytes;
+    EXPECT_EQ(Read("F"), Whole);
+    EXPECT_EQ(Run({"file", "check", "F"}).ExitCode, 0) << Bytes;
+    EXPECT_NE(Repair().Errors.find("nothing to repair"), std::string::npos) << Bytes;
+    struct stat Status = {};
+    stat(Path("F").c_str(), &Status);
+    EXPECT_EQ(Status.st_mode & 07777, 0660U);
+    unlink(Path("F.cut").c_str());
+  }
+  EXPECT_EQ(Files(), (TArguments{"F", "a.db"}));
 }
 
 TEST_F(TFileRepairTest, NothingIsOverwrittenAndRightsStay) {
@@ -128,7 +170,7 @@ TEST_F(TFileRepairTest, WhatCanNotBeDoneLeavesAllAsItWas) {
   } Cases[] = {{"F", 1, "Cannot open file 'F': it is in use by another program"},
                {"none", 1, "Cannot open file 'none': No such file or directory"},
                {"folder", 1, "Cannot open file 'folder': Is a directory"},
-               {"-", 2, "'-' is a pipe: there is nothing to cut off"}};
+               {"-", 2, "'-' is a pipe: there is nothing to repair"}};
   for (const auto& Case : Cases) {
     const TOutcome Outcome = Run({"file", "repair", Case.File});
     EXPECT_EQ(Outcome.ExitCode, Case.ExitCode) << Case.File;

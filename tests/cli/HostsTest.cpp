@@ -147,7 +147,7 @@ TEST_F(THostsTest, DoAndRefuseTheSame) {
        "Foreign keys of the table 'L' would be broken"},
       // What does not fit, and what fails on the way.
       {ImportTable, {Tables, D, "FileName=w.eif"}, "other.db", "o.eif", 1, "The table 'O' has none of the fields of"},
-      {ImportFile, {Files, D, "FileNames=w.eif"}, "other.db", "o.eif", 1, "Import field 'I' is missing"},
+      {ImportFile, {Files, D, "FileNames=w.eif"}, "other.db", "o.eif", 1, "The table 'O' has none of the fields of"},
       {ImportTable, {Tables, D, "FileName=w.eif"}, "other.db", "l.eif", 1, "CHECK constraint failed"},
       {{"import", "file", "-d", "sqlite:w.db", "-i", "w.eif", "--on-error", "continue"},
        {Files, D, "FileNames=w.eif", "OnError=continue"},

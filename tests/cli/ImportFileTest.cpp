@@ -14,6 +14,8 @@ class TImportFileTest : public TShopTest {
     Write("more.eif", Section("A", {"ID"}, {"3"}));
     Write("head.eif", A + "[SECTION]\r\nName = X\r\nType = Strange\r\nVersion = 1\r\n[DATA]\r\n[END]\r\n");
     Write("lost.eif", Section("NONE", {"ID"}, {"1"}) + B);
+    Write("extra.eif", Section("A", {"EXTRA", "ID"}, {"'x'|1"}) + B);
+    Write("alien.eif", Section("A", {"EXTRA"}, {"'x'"}) + B);
     Write("bytes.eif", Section("A", {"ID", "NAME"}, {"1|'x\xFFy'"}) + B);
   }
 
@@ -36,8 +38,25 @@ TEST_F(TImportFileTest, OptionsDecideWhatArrives) {
           {"", {"-i", "faulty.eif"}, 1, "0|0", Unanswered},
           {"", {"-i", "faulty.eif", "-i", "more.eif"}, 1, "0|0", Unanswered},
           {"", {"-i", "faulty.eif", "--yes"}, 1, "0|0", Unanswered},
-          {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "stop"}, 1, "1|1", "not reached table B"},
-          {OneRowEach, {"-i", "faulty.eif", "--replace", "--on-error", "continue"}, 1, "1|2", "failed table A"},
+          {OneRowEach, {"-i", "faulty.eif", "--replace", "--repeated-tables", "join"}, 1, "1|1", "not reached table B"},
+          {OneRowEach,
+           {"-i", "faulty.eif", "--replace", "--repeated-tables", "join", "--on-error", "continue"},
+           1,
+           "1|2",
+           "failed table A"},
+          // Two sections for one table: the second could be meant in place of the first.
+          {OneRowEach,
+           {"-i", "good.eif", "-i", "more.eif", "--replace"},
+           1,
+           "1|1",
+           "The table 'A' is to be replaced, and there are 2 sections for it: section 0 'A' (TableData) of 'good.eif', "
+           "section 0 'A' (TableData) of 'more.eif'; --repeated-tables join loads the rows of all"},
+          {OneRowEach,
+           {"-i", "good.eif", "-i", "more.eif", "--replace", "--repeated-tables", "join"},
+           0,
+           "2|2",
+           "in all 3"},
+          {OneRowEach, {"-i", "good.eif", "-i", "more.eif", "--append"}, 0, "3|3", "in all 3"},
           {"",
            {"-i", "faulty.eif", "-i", "more.eif", "--on-error", "continue"},
            1,
@@ -50,6 +69,11 @@ TEST_F(TImportFileTest, OptionsDecideWhatArrives) {
           {"", {"-i", "head.eif", "-i", "more.eif", "--on-error", "continue"}, 1, "1|0", "failed file 'head.eif'"},
           {"", {"-i", "none.eif", "-i", "more.eif", "--on-error", "stop"}, 1, "0|0", "No such file"},
           {"", {"-i", "lost.eif", "--on-error", "continue"}, 1, "0|2", "Error opening table (TableName:'NONE')"},
+          // Fields that do not fit are found before anything is changed; whoever goes on loses their sections alone.
+          {OneRowEach, {"-i", "extra.eif", "--replace"}, 1, "1|1", "lacks the field 'EXTRA' of section 0 'A'"},
+          {OneRowEach, {"-i", "extra.eif", "--replace", "--on-error", "continue"}, 1, "1|2", "failed table A"},
+          {OneRowEach, {"-i", "extra.eif", "--append", "--missing-fields", "skip"}, 0, "2|3", "were left out: EXTRA"},
+          {OneRowEach, {"-i", "alien.eif", "--append", "--missing-fields", "skip"}, 1, "1|1", "has none of the fields"},
           {"", {"-i", "bytes.eif", "--on-error", "continue"}, 1, "0|2", "failed table A"},
           {"", {"-i", "bytes.eif", "--allow-loss"}, 0, "1|2", "1 malformed character replaced"},
       });

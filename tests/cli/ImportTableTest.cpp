@@ -15,6 +15,11 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
   Write("more.eif", Section("B", {"EXTRA", "ID"}, {"'x'|1", "'y'|2"}));
   Write("alien.eif", Section("B", {"EXTRA", "OTHER"}, {"1|1"}));
   Write("twice.eif", Section("B", {"ID"}, {"1"}) + Section("B", {"ID"}, {"2"}) + Section("A", {"ID"}, {"3"}));
+  Write("both.eif",
+        Section("B", {"ID"}, {"1"}) +
+            "[SECTION]\r\nName = F\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = 12\r\n"
+            "ObjectName = F\r\nTableName =\r\nParentObject =\r\nRootNode =\r\n[DATA]\r\n [REMARKS]\r\n  \r\n"
+            " [TREE]\r\n[END]\r\n");
   Write("lost.eif", Section("NONE", {"ID"}, {"1"}));
   Write("bad.eif", Section("A", {"ID"}, {"1"}) + Section("B", {"ID"}, {"1", "1"}) + Section("A", {"ID"}, {"2"}));
   Write("broken.eif", Section("A", {"ID"}, {"1"}) + Section("B", {"ID", "X"}, {"1|0.5", "2"}));
@@ -46,6 +51,12 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
            1,
            "0|0",
            "no table 'NONE' for section 0 'NONE' (TableData) in the database sqlite:empty.db: it has A, B\n"},
+          // What is no table is not asked for, and named.
+          {"",
+           {"-i", "both.eif"},
+           0,
+           "0|1",
+           "left out 1 section of 'both.eif' without table data: section 1 'F' (DSPStructure)\n"},
           {"", {"-i", "lost.eif", "--section", "noen"}, 1, "0|0", "'NONE' (TableData); did you mean 'NONE'?"},
           {"", {"-i", "lost.eif", "-t", "A"}, 0, "1|0", "imported table A"},
           {"", {"-i", "typo.eif"}, 1, "0|0", "velkrund: typo.eif:12: "},
@@ -58,8 +69,18 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
           {"", {"-i", "more.eif", "--missing-fields", "skip"}, 0, "0|2", "were left out: EXTRA"},
           {"", {"-i", "more.eif", "--fields", "ID"}, 0, "0|2", "imported table B"},
           {"", {"-i", "alien.eif"}, 1, "0|0", "has none of the fields"},
-          // Sections of one table add up; only the first empties it.
-          {"INSERT INTO B(ID) VALUES (1);", {"-i", "twice.eif", "--replace"}, 0, "1|2", "in all 3"},
+          // Sections of one table add up; only the first empties it, where that is what they are for.
+          {"INSERT INTO B(ID) VALUES (1);", {"-i", "twice.eif", "--replace"}, 1, "0|1", "there are 2 sections for it"},
+          {"INSERT INTO B(ID) VALUES (1);",
+           {"-i", "twice.eif", "--replace", "--repeated-tables", "join"},
+           0,
+           "1|2",
+           "in all 3"},
+          {"INSERT INTO B(ID) VALUES (1);",
+           {"-i", "twice.eif", "--replace", "--section", "0", "--section", "1"},
+           0,
+           "0|2",
+           "in all 2"},
           {"", {"-i", "twice.eif"}, 0, "1|2", "in all 3"},
           {"", {"-i", "twice.eif", "--section", "B"}, 1, "0|0", "several sections of that name"},
           // Of several sections one fails: it leaves nothing, and what follows depends.

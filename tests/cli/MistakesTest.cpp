@@ -48,7 +48,12 @@ class TMistakesTest : public TShopTest {
     Write("broken.toml", "[database.x\n");
     Write("busy.toml", "busy_seconds = 0.1\n");
     Write("velkrund.toml", "[database.shop]\nurl = \"sqlite:src.db\"\n");
-    Shell("gzip -k a.eif; tr -d '\\r' <a.eif >lf.eif");
+    Write("tail.eif", Good + Good.substr(0, 100) + Replaced(Good.substr(100), "\r", ""));
+    Write("narrow.eif", std::string("[\0S\0", 4));
+    Write("json.eif", "{}");
+    Write("remarks.eif", "; a file of settings\n[section]\n");
+    Write("damaged.eif", Good + "[SECTIOM]" + Good.substr(std::string("[SECTION]").size()));
+    Shell("gzip -k a.eif; tr -d '\\r' <a.eif >lf.eif; tar cf tar.eif a.eif");
   }
 
   struct TMistake {
@@ -82,6 +87,13 @@ class TMistakesTest : public TShopTest {
 
 TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
   const std::string Export = "$V export table -d $D -t A -o o.eif ", Import = "$V import table -d $D -i ";
+  const std::string LineFeeds =
+      "'lf.eif' holds no section: what looks like a section is passed over (Position:0): [SECTION]. Its lines end with "
+      "a "
+      "line feed alone; velkrund file repair 'lf.eif' mends it";
+  const std::string Tail =
+      "'tail.eif' has a section (Position:173) that cannot be read, or that hides others: lines of it end with a line "
+      "feed alone; velkrund file repair 'tail.eif' mends it";
   const TMistake Mistakes[] = {
       {"$V exprot table -d $D -t A -o o.eif",
        "'exprot' is not a verb: there are export, import, dictionary, file, database; did you mean 'export'?"},
@@ -131,9 +143,31 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {Import + "a.eif.gz", "'a.eif.gz' is compressed (gzip); unpack it first"},
       {Import + "wide.eif", "'wide.eif' is a text in UTF-16; convert it to UTF-8 with carriage returns and line feeds"},
       {Import + "empty.eif", "'empty.eif' is empty: it holds no section"},
-      {Import + "lf.eif",
-       "'lf.eif' holds no section: what looks like a section is passed over (Position:0): [SECTION]. Its lines end "
-       "with a line feed alone: convert them to carriage return and line feed"},
+      {Import + "narrow.eif",
+       "'narrow.eif' is a text in UTF-16; convert it to UTF-8 with carriage returns and line feeds"},
+      {Import + "json.eif", "'json.eif' is a JSON document: no line of it is [SECTION]"},
+      {"$V file remove src.db 0", "'src.db' is an SQLite database; as a database its address is sqlite:src.db"},
+      {"$V file repair tar.eif", "'tar.eif' is an archive (tar); unpack it first"},
+      {"$V file list remarks.eif", "'remarks.eif' is not an export/import file: no line of it is [SECTION]"},
+      {"$V export table -d $D -t A -o remarks.eif",
+       "File 'remarks.eif' is there already and is not an export/import file: nothing is added to it"},
+      {Import + "lf.eif", LineFeeds},
+      {"$V file list lf.eif", LineFeeds},
+      {"$V file check lf.eif", LineFeeds},
+      {"$V file remove lf.eif 0", LineFeeds},
+      {Export.substr(0, Export.rfind("o.eif")) + "lf.eif", LineFeeds},
+      {"cat lf.eif | " + Import + "-",
+       "'standard input' holds no section: what looks like a section is passed over (Position:0): [SECTION]. Its lines "
+       "end with a line feed alone; keep it in a file, which velkrund file repair mends"},
+      {Import + "tail.eif", Tail},
+      {"$V file list tail.eif", Tail},
+      {"$V file check tail.eif", Tail},
+      {Import + "damaged.eif",
+       "In 'damaged.eif' what looks like a section is passed over (Position:173): [SECTIOM]. Its \"[SECTION]\" line is "
+       "damaged or missing: write it anew"},
+      {"$V file repair damaged.eif",
+       "In 'damaged.eif' what looks like a section is passed over (Position:173): [SECTIOM]. Its \"[SECTION]\" line is "
+       "damaged or missing: write it anew"},
       {Import + "cut.eif",
        "cut.eif:13: Invalid Export/Import source structure. Section end not found (Position:150). velkrund file repair "
        "'cut.eif' cuts off what an export has left unfinished"},

@@ -127,6 +127,8 @@ TEST_F(TableBody, WhatIsDamagedOrCutOffMeanwhileIsAnError) {
       {"[FIELDS]\rA\r[RECORDS]\r<1>\r", 1, Invalid + "'<' is missing (Position:25)"},
       {"[FIELDS]\rA\r[RECORDS]\r<1@\r", 1, Invalid + "'@' is missing (Position:25)"},
       {"[FIELDS]\rA\ra\r[RECORDS]\r", 0, "The field 'a' stands twice"},
+      {"[FIELDS]\rB\r[RECORDS]\r<1>\r", 0, "The table 'T' has none of the fields that are to be loaded"},
+      {"[FIELDS]\r[RECORDS]\r<>\r", 0, "The table 'T' has none of the fields that are to be loaded"},
       {Damaged + "[RECORDS]\r", 0, "Records section not found"},
   };
   for (const auto& Case : Cases) {

@@ -295,6 +295,12 @@ TEST_F(TFaultsTest, RepairLeavesAllBytes) {
          &Repair});
 }
 
+TEST_F(TFaultsTest, LineEndsAreMendedWhollyOrNotAtAll) {
+  std::string Bare = FContent;
+  std::erase(Bare, '\r');
+  Check({"repair", [=](const TScene& Scene) { Scene.Folder.Write("F", Bare); }, &Repair});
+}
+
 // What went into it would be gone with the file.
 TEST_F(TFaultsTest, ADatabaseWhoseFileIsGoneIsNotWrittenTo) {
   TRealPlatform Platform;

@@ -50,7 +50,11 @@ struct TEICommonTableData::TImportField {
 
 std::string_view TEICommonTableData::NextLine(TEIStream& Stream) {
   ShowProgress(Stream.Position(), Stream.Size(), TableName);
-  return Trim(Stream.Readln());
+  const std::string_view Line = Trim(Stream.Readln());
+  if (StrictLines && Line.find('\n') != std::string_view::npos)
+    ImportError(Format("A line feed alone stands within a line, where it ends none (Position:%d)", Stream.Position()),
+                {.Code = TErrorCode::LineFeeds});
+  return Line;
 }
 
 bool TEICommonTableData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines) {
@@ -89,8 +93,8 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
     }
     Columns.push_back({Name, Wanted ? Field : nullptr});
   }
-  // Every row would be one of nothing but defaults.
-  if (Taken.empty() && !Names.empty())
+  // Every row would be one of nothing but defaults. There are tables without a field, whose rows are merely counted.
+  if (Taken.empty() && (!Names.empty() || Target.Record().FieldCount() > 0))
     ImportError(Format("The table '%s' has none of the fields that are to be loaded", Target.TableName()),
                 {.Code = TErrorCode::FieldMissing});
   return Columns;

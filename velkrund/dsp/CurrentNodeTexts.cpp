@@ -27,7 +27,7 @@ void AppendQuoted(std::string& Out, const TDSPNode& Node, TTextLosses& Losses) {
   if (Node.ValueType() == TDSPValueType::String || Node.ValueType() == TDSPValueType::Char)
     Losses.Malformed += AppendEscaped(Out, Node.Value().AsText(), TEscapePlace::Alone);
   else
-    AppendAnsiEscaped(Out, Node.Value().AsText());
+    AppendAnsiEscaped(Out, Node.Value().AsText(), Losses);
   Out += '\'';
 }
 

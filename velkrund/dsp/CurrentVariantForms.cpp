@@ -112,7 +112,7 @@ void AppendVariantForm(std::string& Out, const TKvVariant& Value, TTextLosses& L
   Out += WordOf(Kind);
   Out += '(';
   if (IsAnsiKind(Kind))
-    AppendAnsiEscaped(Out, Value.AsText());
+    AppendAnsiEscaped(Out, Value.AsText(), Losses);
   else if (IsTextKind(Kind))
     Losses.Malformed += AppendEscaped(Out, Value.AsText(), TEscapePlace::Alone);
   else if (Kind == TKvKind::Bytes)

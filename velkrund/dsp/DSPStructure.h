@@ -73,6 +73,7 @@ class TEIDSPStructureCommon : public TEIObject {
   [[noreturn]] void RootNodeNotFound(const char* Action) const;
   std::unique_ptr<TDSPFormManager> OpenForm() const;
   std::string SettingName(const char* Setting) const;
+  void WriteBody(TEIStream& Stream);
   void WriteRemarks(TEIStream& Stream) const;
   void ReadRemarks(TEIStream& Stream);
   std::string_view NextLine(TEIStream& Stream) const;

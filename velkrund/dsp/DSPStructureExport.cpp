@@ -15,11 +15,25 @@ void TEIDSPStructureCommon::WriteRemarks(TEIStream& Stream) const {
     const std::size_t End = Rest.find('\r');
     More = End != std::string_view::npos;
     Stream.Writeln(std::string(Indentation).append(Rest.substr(0, End)));
-    if (More) Rest.remove_prefix(End + (Rest.substr(End + 1).starts_with('\n') ? 2 : 1));
+    if (!More) break;
+    const bool IsPair = Rest.substr(End + 1).starts_with('\n');
+    if (!IsPair)
+      ReportAltered(Stream, "Readers of the file would add a line feed to a carriage return that stands alone",
+                    "(remarks)");
+    Rest.remove_prefix(End + (IsPair ? 2 : 1));
   }
 }
 
 void TEIDSPStructureCommon::ExportData(TEIStream& Stream) {
+  try {
+    WriteBody(Stream);
+  } catch (Exception& Error) {
+    Error.Add({.Structure = Format("%s (%d)", Item.ObjectName, Item.ObjectType)});
+    throw;
+  }
+}
+
+void TEIDSPStructureCommon::WriteBody(TEIStream& Stream) {
   CheckRootNode("export");
   Stream.Writeln(" [REMARKS]");
   WriteRemarks(Stream);

@@ -80,7 +80,7 @@ bool TEIDSPStructureCommon::MayImport() {
 
 bool TEIDSPStructureCommon::ReadTree(TEIStream& Stream, TDSPNode& Tree) {
   const auto Texts = NodeTexts();
-  TDSPTreeReader Reader(Stream, *Texts);
+  TDSPTreeReader Reader(Stream, *Texts, StrictLines);
   return Reader.Read(Tree, RootNode, [&] {
     ShowProgress(Stream.Position(), Stream.Size(), Item.ObjectName);
     return !IsCanceled();

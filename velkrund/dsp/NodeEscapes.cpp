@@ -63,7 +63,8 @@ void UnescapeText(std::string& Text) {
   Text.resize(Length);
 }
 
-void AppendAnsiEscaped(std::string& Out, std::string_view Bytes) {
+void AppendAnsiEscaped(std::string& Out, std::string_view Bytes, TTextLosses& Losses) {
+  if (Bytes.find('#') != std::string_view::npos) ++Losses.Altered;
   for (const char Byte : Bytes) {
     if (IsPlain(Byte))
       Out += Byte;

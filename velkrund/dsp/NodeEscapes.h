@@ -17,7 +17,8 @@ void UnescapeText(std::string& Text);
 
 /// Appends 8-bit text: bytes 32 to 127 as themselves, all others escaped. "#" is not escaped, though readers always
 /// take it for the beginning of an escape: files have been so from the beginning, and their readers rely on neither.
-void AppendAnsiEscaped(std::string& Out, std::string_view Bytes);
+/// Such a text comes back as another one, and is counted.
+void AppendAnsiEscaped(std::string& Out, std::string_view Bytes, TTextLosses& Losses);
 /// Reads 8-bit text. Characters stand for their low eight bits. Control characters below 32 are EDSPUtilError.
 void ReadAnsiEscaped(std::string_view Text, std::string& Bytes);
 

@@ -24,6 +24,7 @@ bool IsWritableName(std::string_view Name) {
 
 void AppendNodeName(std::string& Out, std::string_view Name, const TCodePage* Page, TTextLosses& Losses) {
   if (!IsWritableName(Name)) throw EDSPError(std::string("Invalid name of node for export: ").append(Name));
+  bool HasEscape = false;
   for (std::size_t At = 0, Stop; At < Name.size();) {
     Stop = PlainEnd(Name, At);
     Out += Name.substr(At, Stop - At);
@@ -37,10 +38,11 @@ void AppendNodeName(std::string& Out, std::string_view Name, const TCodePage* Pa
     if (Page && !Byte)
       Out += '?', Losses.Unrepresentable += !Broken;
     else if (Code == '#' || IsControl(Code))
-      AppendByteEscape(Out, Byte.value_or(static_cast<unsigned char>(Code)));
+      AppendByteEscape(Out, Byte.value_or(static_cast<unsigned char>(Code))), HasEscape = true;
     else
       AppendUtf8(Out, Code);
   }
+  Losses.Altered += HasEscape;
 }
 
 void ReadNodeName(std::string_view Text, std::string& Name) {

@@ -12,8 +12,8 @@ namespace velkrund {
 bool IsWritableName(std::string_view Name);
 
 /// Appends the name of a node: control characters and "#" become "#" and two hexadecimal digits. With a Page it is
-/// written in its characters and the digits are those of the byte in it; null: in any characters. Refused with
-/// EDSPError as TNodeTexts::AppendName says.
+/// written in its characters and the digits are those of the byte in it; null: in any characters. One with such digits
+/// is counted, since readers take it for another. Refused with EDSPError as TNodeTexts::AppendName says.
 void AppendNodeName(std::string& Out, std::string_view Name, const TCodePage* Page, TTextLosses& Losses);
 
 /// Reads the name of a node. "#" takes four digits here, though writers give it two: files have always been read so,

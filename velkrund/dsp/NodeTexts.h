@@ -13,7 +13,8 @@ namespace velkrund {
 
 /// The texts of a node in one version of structure sections. Stateless; texts are UTF-8. What cannot be read is
 /// EDSPUtilError, numbers and dates that are none EConvertError; a name or a value that the version has no text for is
-/// EDSPError. Characters that cannot be kept are replaced, and counted in Losses.
+/// EDSPError. Characters that cannot be kept are replaced, and counted in Losses; so are names and texts that are
+/// written, but come back as others.
 class TNodeTexts {
  public:
   virtual ~TNodeTexts() = default;
@@ -73,5 +74,7 @@ class TOldNodeTexts final : public TNodeTexts {
 /// Adds Lost to those of the stream. Raises EDSPUtilError naming the node when there is any and the stream is strict
 /// about text.
 void ReportLosses(TEIStream& Stream, const TTextLosses& Lost, const TDSPNode& Node);
+/// Counts a name or text that comes back as another one, What says why; an error as above. Place: "(Node:'a\b')".
+void ReportAltered(TEIStream& Stream, std::string_view What, std::string_view Place);
 
 }  // namespace velkrund

@@ -11,9 +11,10 @@
 
 namespace velkrund {
 
-void TDSPTreeReader::LineError(std::string_view What) {
+void TDSPTreeReader::LineError(std::string_view What, TErrorCode Code) {
   throw EDSPUtilError(Format("Can not import DSP structure. Invalid tree data structure. %s (Position:%d)", What,
-                             FStream.SourcePosition()));
+                             FStream.SourcePosition()),
+                      {.Code = Code});
 }
 
 bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, std::function<bool()> OnLine) {
@@ -22,6 +23,8 @@ bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, std::functi
   const std::string_view RootName = RootNode.substr(RootNode.rfind(DSPNameSeparator) + 1);
   for (std::string_view Line; !AtEnd();) {
     if (!NextLine(Line)) return false;
+    if (FStrictLines && Line.find('\n') != std::string_view::npos)
+      LineError("A line feed alone stands within a line, where it ends none", TErrorCode::LineFeeds);
     ReadLine(Line, Tree, RootName);
   }
   // Without its node the tree would become one without a name.

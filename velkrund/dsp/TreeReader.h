@@ -7,6 +7,7 @@
 
 #include "velkrund/dsp/NodeTexts.h"
 #include "velkrund/eif/EIStream.h"
+#include "velkrund/platform/ormtools/ErrorInfo.h"
 
 namespace velkrund {
 
@@ -14,8 +15,9 @@ namespace velkrund {
 /// source, behind the line. For one tree.
 class TDSPTreeReader {
  public:
-  /// All borrowed. Stream: bounded, at the first line of the tree.
-  TDSPTreeReader(TEIStream& Stream, const TNodeTexts& Texts) : FStream(Stream), FTexts(Texts) {}
+  /// All borrowed. Stream: bounded, at the first line of the tree. StrictLines: as a section has it.
+  TDSPTreeReader(TEIStream& Stream, const TNodeTexts& Texts, bool StrictLines = false)
+      : FStream(Stream), FTexts(Texts), FStrictLines(StrictLines) {}
 
   /// Reads to the end of the stream into Tree, which is empty. RootNode: the full name of the node that the first line
   /// stands for, and which Tree becomes, under the last of its names, which is not empty; an empty one: the top nodes
@@ -30,10 +32,11 @@ class TDSPTreeReader {
   void ReadLine(std::string_view Line, TDSPNode& Tree, std::string_view RootName);
   TDSPNode& PlaceOf(std::string_view Indented, TDSPNode& Tree, std::string_view RootName);
   void ReadTypeAndValue(std::string_view Text, TDSPNode& Node);
-  [[noreturn]] void LineError(std::string_view What);
+  [[noreturn]] void LineError(std::string_view What, TErrorCode Code = TErrorCode::Structure);
 
   TEIStream& FStream;
   const TNodeTexts& FTexts;
+  const bool FStrictLines;
   std::function<bool()> FOnLine;
   std::string FJoined;
   std::string FName;

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include "velkrund/eif/RecordPieces.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 
@@ -34,7 +36,10 @@ void TDSPTreeWriter::Write(TDSPNode& Start, bool WithStart, const std::function<
   };
   std::vector<TLevel> Levels{{&Start, 0}};
   Start.Sort();
-  if (WithStart) Begin(Start, 0);
+  if (WithStart)
+    Begin(Start, 0);
+  else
+    CheckTops(Start);
   while (!Levels.empty()) {
     TLevel& Level = Levels.back();
     if (Level.Next == Level.Node->GetCount()) {
@@ -49,7 +54,24 @@ void TDSPTreeWriter::Write(TDSPNode& Start, bool WithStart, const std::function<
   }
 }
 
+/// Each of the top nodes is merged into the tree that is there, equal ones into each other.
+void TDSPTreeWriter::CheckTops(const TDSPNode& Root) {
+  for (int Index = 1; Index < Root.GetCount(); ++Index)
+    if (SameText(Root.GetNodes(Index - 1).Name(), Root.GetNodes(Index).Name()))
+      ReportAltered(FStream, "Readers of the file would make one of two top nodes of the same name",
+                    Format("(Node:'%s')", Root.GetNodes(Index).Name()));
+}
+
 void TDSPTreeWriter::WriteNode(const TDSPNode& Node, std::size_t Depth) {
+  try {
+    WriteNamed(Node, Depth);
+  } catch (Exception& Error) {
+    Error.Add({.Node = Node.Parent() ? Node.GetFullName() : Node.Name()});
+    throw;
+  }
+}
+
+void TDSPTreeWriter::WriteNamed(const TDSPNode& Node, std::size_t Depth) {
   const TDSPValueType Type = Node.ValueType();
   TTextLosses Lost;
   FLine.assign(Indentation.size() * (Depth + 1), ' ');

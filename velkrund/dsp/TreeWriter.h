@@ -10,7 +10,7 @@ namespace velkrund {
 
 /// Writes the lines of a tree: one a node, indented by its level, a node before what is below it, children sorted. A
 /// line of more than 99990 UTF-16 units is cut into pieces of that length, all but the last followed and all but the
-/// first preceded by "@". Sorts the tree. For one tree.
+/// first preceded by "@". Sorts the tree. Errors name the node. For one tree.
 class TDSPTreeWriter {
  public:
   /// All borrowed. CutsAtBreaks: lines are also cut before every line break in their values, so that programs that they
@@ -23,6 +23,8 @@ class TDSPTreeWriter {
 
  private:
   void WriteNode(const TDSPNode& Node, std::size_t Depth);
+  void WriteNamed(const TDSPNode& Node, std::size_t Depth);
+  void CheckTops(const TDSPNode& Root);
   void WriteLine(std::string_view Break);
 
   TEIStream& FStream;

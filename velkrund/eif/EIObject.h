@@ -94,6 +94,9 @@ class TEIObject {
   TProgressCallback OnProgress;
   TCancelCallback OnCancel;
   std::string DatabaseName;
+  /// Import: a line feed alone within a line of records or nodes, which no writer leaves there, is an error. It is what
+  /// remains of a line's end, and two lines would be read as one.
+  bool StrictLines = false;
   /// The tables that are loaded in one go with this section's, borrowed; null: this one alone.
   TTableLoading* Loading = nullptr;
 

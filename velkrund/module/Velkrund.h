@@ -146,7 +146,8 @@ typedef struct VelkrundPropertyInfo {
  *   ListSections             the sections of a file                  FileName; "-" is standard input
  *   CheckFiles               reads all as an import would            FileNames; one may be "-"
  *   RemoveSections           takes sections out of a file            FileName; no pipe
- *   RepairFile               cuts an unfinished last section off     FileName; no pipe
+ *   RepairFile               mends line ends, cuts an unfinished      FileName; no pipe
+ *                            last section off
  *   ListStructures, ShowStructure, DropStructure                     none
  *   DatabaseInfo             tables with rows and sizes, see VelkrundTableCount
  *

@@ -28,6 +28,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"ObjectName", "--name"},
     {"ObjectType", "--type"},
     {"ReleaseVersion", "--release"},
+    {"RepeatedTables", "--repeated-tables"},
     {"RootNode", "--root"},
     {"SectionName", "--section"},
     {"Sections", "--section"},

@@ -11,8 +11,9 @@ TOption TSharedOptions::DatabaseOption() {
 
 TOption TSharedOptions::AllowLossOption(TPolicies& Policies) {
   return Switch("--allow-loss",
-                "go on where characters cannot be kept, because the code page lacks them or the text is malformed; the "
-                "report counts them. Without it they are an error",
+                "go on where characters cannot be kept, because the code page lacks them or the text is malformed, and "
+                "where a name or text of a structure will be read as another one; the report counts them. Without it "
+                "they are an error",
                 Policies.AllowLoss);
 }
 
@@ -32,6 +33,11 @@ std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& C
                              "the report names (default: error)",
                              {{"skip", TMissingFields::Skip}, {"error", TMissingFields::Refuse}},
                              Policies.MissingFields),
+      Choice<TRepeatedTables>("--repeated-tables",
+                              "several sections for one table, with --replace: refuse them, or load the rows of all "
+                              "(default: error)",
+                              {{"join", TRepeatedTables::Join}, {"error", TRepeatedTables::Refuse}},
+                              Policies.RepeatedTables),
       Choice<TTriggers>("--triggers",
                         "triggers of the tables that are loaded: let them fire, as with every other insert, or switch "
                         "them off for the load; the report names them (default: fire)",

@@ -39,6 +39,8 @@ std::vector<std::string> Warnings(const TItem& Item) {
     Result.push_back(Counted(Item.Losses.Unrepresentable, "character") + " lost: the code page does not have them");
   if (Item.Losses.Malformed > 0)
     Result.push_back(Counted(Item.Losses.Malformed, "malformed character") + " replaced by U+FFFD");
+  if (Item.Losses.Altered > 0)
+    Result.push_back(Format("of its names and texts %d will be read as others than they are", Item.Losses.Altered));
   if (!Item.Counts.SkippedFields.empty())
     Result.push_back("the table lacks these fields, which were left out: " + Joined(Item.Counts.SkippedFields));
   return Result;

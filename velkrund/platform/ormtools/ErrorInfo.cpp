@@ -26,6 +26,7 @@ constexpr std::string_view CodeWords[] = {
     "pipe-closed",
     "file-kind",
     "file-structure",
+    "line-feeds",
     "section-missing",
     "record",
     "value",
@@ -41,6 +42,7 @@ constexpr std::string_view CodeWords[] = {
     "database",
     "table-missing",
     "field-missing",
+    "repeated-table",
     "row-refused",
     "trigger-refused",
     "references",
@@ -90,6 +92,8 @@ void TErrorInfo::Fill(const TErrorInfo& Other) {
   FillOne(Column, Other.Column);
   FillOne(Record, Other.Record);
   FillOne(Value, Other.Value);
+  FillOne(Structure, Other.Structure);
+  FillOne(Node, Other.Node);
   FillOne(Database, Other.Database);
   FillOne(EngineCode, Other.EngineCode);
   FillOne(Statement, Other.Statement);

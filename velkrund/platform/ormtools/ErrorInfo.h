@@ -24,6 +24,7 @@ enum class TErrorCode {
   PipeClosed,       // by its reader
   FileKind,         // it is no export/import file
   FileStructure,    // headers and marker lines
+  LineFeeds,        // lines of the file end with a line feed alone, and are none
   SectionMissing,   // named, and not in the file
   Record,           // the layout of a section's body
   Value,            // one value that its kind, or the table, does not take
@@ -39,7 +40,8 @@ enum class TErrorCode {
   Database,        // anything else that an engine says
   TableMissing,
   FieldMissing,
-  RowRefused,  // by a constraint
+  RepeatedTable,  // several sections for one table that is to be replaced
+  RowRefused,     // by a constraint
   TriggerRefused,
   References,  // rows would refer to nothing
   StructureMissing,
@@ -62,6 +64,8 @@ struct TErrorInfo {
   std::string Column = {};      // of the table, or the field of a section
   std::int64_t Record = 0;      // of the section, from 1
   std::string Value = {};       // that was refused, shortened
+  std::string Structure = {};   // "CLIENTS (12)": name and type
+  std::string Node = {};        // its full name in the structure
   std::string Database = {};    // without passwords
   std::string EngineCode = {};  // the engine's own: an SQLSTATE, or a number of SQLite
   std::string Statement = {};   // what the engine was asked to do, shortened

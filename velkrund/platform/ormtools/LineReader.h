@@ -19,7 +19,14 @@ std::string_view ReadRawLine(TStream& Stream, std::string& Spill);
 struct TTextLosses {
   std::int64_t Unrepresentable = 0;  // written as '?' in the code page
   std::int64_t Malformed = 0;        // malformed UTF-8 sequences read or written as U+FFFD
-  bool Any() const { return Unrepresentable != 0 || Malformed != 0; }
+  std::int64_t Altered = 0;          // names and texts of structures that their readers take for others
+  bool Any() const { return Unrepresentable != 0 || Malformed != 0 || Altered != 0; }
+  TTextLosses& operator+=(const TTextLosses& Other) {
+    Unrepresentable += Other.Unrepresentable;
+    Malformed += Other.Malformed;
+    Altered += Other.Altered;
+    return *this;
+  }
   bool operator==(const TTextLosses&) const = default;
 };
 

@@ -61,7 +61,10 @@ TEST_F(ValueText, CurrentEncodingWritesAndReadsBack) {
       {Text("\0\x1F\x7F\xC2\x80\xC2\x9F\xC2\xA0"s), "'#0000#001F#007F#0080#009F\xC2\xA0'",
        Text("\0\x1F\x7F\xC2\x80\xC2\x9F\xC2\xA0"s)},
       {Text("Ж日😀"), "'Ж日😀'", Text("Ж日😀")},
-      {Text("\xED\xA0\xBD"), "'\xED\xA0\xBD'", Text("\xED\xA0\xBD")},
+      {Text("\xED\xA0\xBD"), "'#DCED#DCA0#DCBD'", Text("\xED\xA0\xBD")},
+      {Text("a\xFF\xC3(\xF0\x9F\x98"), "'a#DCFF#DCC3(#DCF0#DC9F#DC98'", Text("a\xFF\xC3(\xF0\x9F\x98")},
+      {Text("\xED\xA0\xBD\x80\xEF\xBF\xBD"), "'#DCED#DCA0#DCBD#DC80\xEF\xBF\xBD'",
+       Text("\xED\xA0\xBD\x80\xEF\xBF\xBD")},
       {Text("NULL"), "'NULL'", Text("NULL")},
       {Text("\xCF", TKvKind::AnsiString), "'П'", Text("П")},
       {Text("\x0A\x0B\xFF", TKvKind::Bytes), "0x0A0BFF", Text("\x0A\x0B\xFF", TKvKind::Bytes)},
@@ -91,6 +94,13 @@ TEST_F(ValueText, CurrentEncodingReadsWhatPeopleWrite) {
       {"true", Boolean(true)},
       {"'#D83D#DE00'", Text("😀")},
       {"'#DE00#D83D'", Text("\xED\xB8\x80\xED\xA0\xBD")},
+      {"'#DC80#DCff'", Text("\x80\xFF")},
+      {"'#DC7F#DD00'", Text("\xED\xB1\xBF\xED\xB4\x80")},
+      {"'#D83D#DC80#DC80'", Text("\xF0\x9F\x92\x80\x80")},
+      {"'#D83D#D83D#DE00'", Text("\xED\xA0\xBD😀")},
+      {"'#D83Dx#DC80#DE00'", Text("\xED\xA0\xBDx\x80\xED\xB8\x80")},
+      {"'\xED\xA0\xBD#DC80'", Text("\xED\xA0\xBD\x80")},
+      {"'\xED\xA0\xBD#DE00'", Text("\xED\xA0\xBD\xED\xB8\x80")},
       {"'a#12'", Text("a")},
       {"'a#'", Text("a")},
       {"'#0041#12ж'", Text("A")},
@@ -217,15 +227,12 @@ TEST_F(ValueText, OldEncodingRefusesTheRest) {
 
 TEST_F(ValueText, LostTextIsCountedOrRefused) {
   Platform.WorkSettings.StrictText = true;
-  TEITableData Strict;
-  TEIOldTableData StrictOld;
-  EXPECT_EQ(ErrorOf([&] { Write(Strict, Text("a\xFF")); }),
-            "EDicUtilError: A text is not valid UTF-8 (Field:'F';Record:1). Allow losses to keep it with replacement "
-            "characters");
-  EXPECT_EQ(ErrorOf([&] { Write(StrictOld, Text("日")); }),
-            "EDicUtilError: A text has characters that code page 1251 lacks (Field:'F';Record:1). Use version 200 in "
-            "UTF-8, or allow losses");
-  EXPECT_EQ(Write(Current, Text("a\xFF\xC3(")), "'a\xEF\xBF\xBD\xEF\xBF\xBD('");
+  TEIOldTableData Strict;
+  for (const char* Lost : {"日", "a\xFF", "\xED\xA0\xBD"})
+    EXPECT_EQ(ErrorOf([&] { Write(Strict, Text(Lost)); }),
+              "EDicUtilError: A text has characters that code page 1251 lacks (Field:'F';Record:1). Use version 200 in "
+              "UTF-8, or allow losses");
+  EXPECT_EQ(Write(Old, Text("a\xFF\xC3(")), "'a?\?('");
 }
 
 }  // namespace

@@ -160,7 +160,7 @@ void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
     case TKvKind::Char:
     case TKvKind::String:
       Text += '\'';
-      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Field, Lost, 0);
+      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Field, Lost);
       Text += '\'';
       return;
     case TKvKind::AnsiChar:
@@ -182,7 +182,7 @@ void TEIOldTableData::StringToField(std::span<char> Text, TField& Field) {
     TOldTextReader Reader(Text, *WorkSettings().AnsiCodePage);
     Error = Reader.Read();
     if (Error.empty()) {
-      if (Reader.Lost()) TextLost(Field, Reader.Lost(), 0);
+      if (Reader.Lost()) TextLost(Field, Reader.Lost());
       return Field.Buffer().BorrowText(Reader.Bytes(), TKvKind::AnsiString);
     }
   } else if (SameAsciiWord(View, "NULL")) {

@@ -71,9 +71,9 @@ class TEICommonTableData : public TEIObject {
   static const TEIObjectDescriptor Descriptor;
 
  protected:
-  /// To be called where characters of a text in the current record cannot be kept; counts them, and raises an error
-  /// that names field and record where the run is strict about text.
-  void TextLost(const TField& Field, std::int64_t Unrepresentable, std::int64_t Malformed);
+  /// To be called where the code page lacks characters of a text in the current record; counts them, and raises an
+  /// error that names field and record where the run is strict about text.
+  void TextLost(const TField& Field, std::int64_t Count);
   /// A value that cannot be read: raises Message, or makes the field NULL where values are not strict.
   void Unparseable(TField& Field, const std::string& Message);
   /// Whether the section is written in the code page.

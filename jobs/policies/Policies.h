@@ -29,7 +29,7 @@ struct TPolicies {
   TExisting ExistingStructures = TExisting::Ask;
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
-  bool AllowLoss = false;  // go on where characters cannot be kept; counted. Otherwise an error
+  bool AllowLoss = false;  // go on where characters or values cannot be kept; counted. Otherwise an error
   bool Lenient = false;    // values that cannot be read become NULL; counted. Otherwise an error
   bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped
 };

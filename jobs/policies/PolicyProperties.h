@@ -28,8 +28,8 @@ struct TPolicyProperties {
       "OnError", "after something failed: ask, go on with the next one, stop", ErrorChoices);
   static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(
       "MissingFields", "fields of the file that the table lacks: pass over them, refuse the section", FieldChoices);
-  static constexpr TProperty AllowLoss =
-      PropertyOf<Record, &TPolicies::AllowLoss>("AllowLoss", "go on where characters cannot be kept; counted");
+  static constexpr TProperty AllowLoss = PropertyOf<Record, &TPolicies::AllowLoss>(
+      "AllowLoss", "go on where characters or values cannot be kept; counted");
   static constexpr TProperty Lenient =
       PropertyOf<Record, &TPolicies::Lenient>("Lenient", "values that cannot be read become NULL; counted");
   static constexpr TProperty Yes =

@@ -21,6 +21,7 @@ TDocument ItemDocument(const TItem& Item) {
   if (Rows) Result.Set("rows", *Rows);
   Result.Set("size", Item.Bytes).Set("seconds", Item.Seconds);
   if (Rows) Result.Set("rowsDeleted", Item.Counts.DeletedRows).Set("nullsMade", Item.Counts.NullsMade);
+  if (Rows) Result.Set("valuesChanged", Item.Counts.ValuesChanged);
   Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
   if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
   return Result;
@@ -81,6 +82,7 @@ TTotals TOutcome::Totals() const {
     if (const auto Rows = Item.Rows()) Result.Rows = Result.Rows.value_or(0) + *Rows;
     Result.Bytes += Item.Bytes;
     Result.NullsMade += Item.Counts.NullsMade;
+    Result.ValuesChanged += Item.Counts.ValuesChanged;
     Result.Losses.Unrepresentable += Item.Losses.Unrepresentable;
     Result.Losses.Malformed += Item.Losses.Malformed;
     Result.Seconds += Item.Seconds;
@@ -94,8 +96,8 @@ void TOutcome::Describe(TDocument& Document) const {
   for (const TItem& Item : Items) Sections.Add(ItemDocument(Item));
   Document.Set("database", Database).Set("files", Files).Set("sections", std::move(Sections)).Set("notes", Notes);
   Document.Set("rows", All.Rows.value_or(0)).Set("size", All.Bytes).Set("seconds", All.Seconds);
-  Document.Set("nullsMade", All.NullsMade).Set("charactersLost", All.Losses.Unrepresentable);
-  Document.Set("malformedCharacters", All.Losses.Malformed);
+  Document.Set("nullsMade", All.NullsMade).Set("valuesChanged", All.ValuesChanged);
+  Document.Set("charactersLost", All.Losses.Unrepresentable).Set("malformedCharacters", All.Losses.Malformed);
 }
 
 }  // namespace velkrund

@@ -117,6 +117,7 @@ class TRealPlatform {
     Operation.SetSectionName("rows");
     Operation.SetReleaseVersion(Release);
     const int Result = Operation.Execute();
+    Lost = Operation.Operation().Report.ValuesChanged + File.Losses().Unrepresentable;
     return Result ? std::string() : Operation.LastError();
   }
 
@@ -134,6 +135,7 @@ class TRealPlatform {
   }
 
   TStandaloneManager Manager;
+  std::int64_t Lost = 0;  // values and characters, by the last export
 
  private:
   TStructureStore FStructures{Manager.Databases()};

@@ -62,6 +62,16 @@ void TEICommonTableData::TextLost(const TField& Field, std::int64_t Count) {
                       {.Code = TErrorCode::Text});
 }
 
+void TEICommonTableData::ValueLost(const TField& Field, const TKvVariant& Value, std::string_view What) {
+  ++Report->ValuesChanged;
+  if (!FStrictText) return;
+  std::string Text;
+  if (!HasBytes(Value.Kind())) Value.AppendAsText(Text);
+  throw EDicUtilError(Format("In version %d %s (Field:'%s';Record:%d). Use version 200, or allow losses", Version(),
+                             What, Field.Name(), Report->RowCount + 1),
+                      {.Code = TErrorCode::Loss, .Value = std::move(Text)});
+}
+
 void TEICommonTableData::Unparseable(TField& Field, const std::string& Message) {
   if (StrictValues) throw EDicUtilError(Message, {.Code = TErrorCode::UnreadableValue});
   Field.Buffer().SetNull();

@@ -28,6 +28,8 @@ constexpr TProperty ExportProperties[] = {
     PropertyOf<&TExport::Fields>("Fields", "the fields to save; empty: all"),
     ReadOnlyOf<[](const TExport& Export) { return Export.Report.RowCount; }>(
         "Rows", "rows of the last run; those before its end, where it was not done"),
+    ReadOnlyOf<[](const TExport& Export) { return Export.Report.ValuesChanged; }>(
+        "ValuesChanged", "values that the file cannot hold as they are"),
 };
 
 }  // namespace

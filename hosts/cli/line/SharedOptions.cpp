@@ -11,8 +11,9 @@ TOption TSharedOptions::DatabaseOption() {
 
 TOption TSharedOptions::AllowLossOption(TPolicies& Policies) {
   return Switch("--allow-loss",
-                "go on where characters cannot be kept, because the code page lacks them or the text is malformed; the "
-                "report counts them. Without it they are an error",
+                "go on where characters cannot be kept, because the code page lacks them or the text is malformed, and "
+                "where a value of a table would come back as another one; the report counts them. Without it they are "
+                "an error",
                 Policies.AllowLoss);
 }
 

@@ -18,6 +18,8 @@ constexpr TProperty ImportProperties[] = {
         "Rows", "rows of the last run; those before its end, where it was not done"),
     ReadOnlyOf<[](const TImport& Import) { return Import.Report.NullsMade; }>(
         "NullsMade", "values that could not be read and became NULL"),
+    ReadOnlyOf<[](const TImport& Import) { return Import.Report.ValuesChanged; }>(
+        "ValuesChanged", "values that the table cannot hold as they are"),
     ReadOnlyOf<[](const TImport& Import) { return Import.Report.SkippedFields; }>(
         "SkippedFields", "fields of the section that the table lacks"),
 };

@@ -108,7 +108,10 @@ TEST(RandomOldVersion, NoCellChangesInSilence) {
     TRealPlatform Platform;
     const std::string Refusal = Platform.Export(Source, "T", Folder / "strict.eif", TExportReleaseVersion::rv17);
     Platform.Manager.ChangeSettings().StrictText = false;
-    ASSERT_EQ(Platform.Export(Source, "T", Folder / "f.eif", TExportReleaseVersion::rv17), "");
+    const std::string Error = Platform.Export(Source, "T", Folder / "f.eif", TExportReleaseVersion::rv17);
+    // A large real has become an integer in its column.
+    if (Error.find("is out of bounds") != std::string::npos) continue;
+    ASSERT_EQ(Error, "");
     const std::int64_t Lost = Platform.Lost;
     ASSERT_EQ(Platform.Import(Copy, Folder / "f.eif"), "") << Folder.Read("f.eif");
     EXPECT_EQ(Refusal.empty(), Lost == 0) << Refusal;

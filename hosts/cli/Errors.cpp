@@ -18,6 +18,7 @@ struct TPropertyRemedy {
 constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::UnreadableValue, "Lenient", "makes such values NULL and counts them"},
     {TErrorCode::Text, "AllowLoss", ""},
+    {TErrorCode::Loss, "AllowLoss", ""},
     {TErrorCode::FieldMissing, "MissingFields", "skip passes over fields that the table lacks"},
     {TErrorCode::RepeatedTable, "RepeatedTables", "join loads the rows of all"},
     {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},

@@ -118,7 +118,7 @@ class TDefaultTexts::TReader {
     // An escape that is too short would end the text in silence.
     const std::size_t End = Text.size() - std::min(Text.size(), Digits);
     const bool IsShort = Text.find('#', End) != std::string_view::npos;
-    Result.resize(UnescapeInPlace(Result, BadDigits));
+    Result.resize(UnescapeInPlace(Result, BadDigits, TLoneUnit::Character));
     if (IsShort || !BadDigits.empty()) Refuse("'#' has to be followed by four hexadecimal digits");
     return Result;
   }

@@ -45,7 +45,7 @@ struct TPolicies {
   TCommit Commit = TCommit::Run;
   TTriggers Triggers = TTriggers::Fire;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed
-  bool AllowLoss = false;  // go on where characters cannot be kept; counted. Otherwise an error
+  bool AllowLoss = false;  // go on where characters or values cannot be kept; counted. Otherwise an error
   bool Lenient = false;    // values that cannot be read become NULL; counted. Otherwise an error
   bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped
 };

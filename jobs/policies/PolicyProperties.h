@@ -14,6 +14,9 @@ struct TPolicyProperties {
   static constexpr std::string_view StructureChoices[] = {"ask", "skip", "replace", "update"};
   static constexpr std::string_view ErrorChoices[] = {"ask", "continue", "stop"};
   static constexpr std::string_view FieldChoices[] = {"skip", "refuse"};
+  static constexpr std::string_view CommitChoices[] = {"run", "each"};
+  static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
+  static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};
   static constexpr std::string_view RepeatChoices[] = {"refuse", "join"};
 
   static constexpr TProperty ExistingRows = ChoiceOf<Record, &TPolicies::ExistingRows>(
@@ -32,10 +35,6 @@ struct TPolicyProperties {
   static constexpr TProperty RepeatedTables = ChoiceOf<Record, &TPolicies::RepeatedTables>(
       "RepeatedTables", "several sections for one table that is replaced: refuse them, load the rows of all",
       RepeatChoices);
-  static constexpr std::string_view CommitChoices[] = {"run", "each"};
-  static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
-  static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};
-
   static constexpr TProperty Commit = ChoiceOf<Record, &TPolicies::Commit>(
       "Commit", "what stays together: the whole run, or tables that hang together by themselves", CommitChoices);
   static constexpr TProperty Triggers = ChoiceOf<Record, &TPolicies::Triggers>(
@@ -43,8 +42,8 @@ struct TPolicyProperties {
   static constexpr TProperty BrokenReferences = ChoiceOf<Record, &TPolicies::BrokenReferences>(
       "BrokenReferences", "rows that refer to rows which are nowhere: refuse them, let them in; counted",
       ReferenceChoices);
-  static constexpr TProperty AllowLoss =
-      PropertyOf<Record, &TPolicies::AllowLoss>("AllowLoss", "go on where characters cannot be kept; counted");
+  static constexpr TProperty AllowLoss = PropertyOf<Record, &TPolicies::AllowLoss>(
+      "AllowLoss", "go on where characters or values cannot be kept; counted");
   static constexpr TProperty Lenient =
       PropertyOf<Record, &TPolicies::Lenient>("Lenient", "values that cannot be read become NULL; counted");
   static constexpr TProperty Yes =

@@ -21,6 +21,7 @@ TDocument ItemDocument(const TItem& Item) {
   if (Rows) Result.Set("rows", *Rows);
   Result.Set("size", Item.Bytes).Set("seconds", Item.Seconds);
   if (Rows) Result.Set("rowsDeleted", Item.Counts.DeletedRows).Set("nullsMade", Item.Counts.NullsMade);
+  if (Rows) Result.Set("valuesChanged", Item.Counts.ValuesChanged);
   Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
   if (Item.Structure) Result.Set("textsAltered", Item.Losses.Altered);
   if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
@@ -82,6 +83,7 @@ TTotals TOutcome::Totals() const {
     if (const auto Rows = Item.Rows()) Result.Rows = Result.Rows.value_or(0) + *Rows;
     Result.Bytes += Item.Bytes;
     Result.NullsMade += Item.Counts.NullsMade;
+    Result.ValuesChanged += Item.Counts.ValuesChanged;
     Result.Losses += Item.Losses;
     Result.Seconds += Item.Seconds;
   }
@@ -94,8 +96,9 @@ void TOutcome::Describe(TDocument& Document) const {
   for (const TItem& Item : Items) Sections.Add(ItemDocument(Item));
   Document.Set("database", Database).Set("files", Files).Set("sections", std::move(Sections)).Set("notes", Notes);
   Document.Set("rows", All.Rows.value_or(0)).Set("size", All.Bytes).Set("seconds", All.Seconds);
-  Document.Set("nullsMade", All.NullsMade).Set("charactersLost", All.Losses.Unrepresentable);
-  Document.Set("malformedCharacters", All.Losses.Malformed).Set("textsAltered", All.Losses.Altered);
+  Document.Set("nullsMade", All.NullsMade).Set("valuesChanged", All.ValuesChanged);
+  Document.Set("charactersLost", All.Losses.Unrepresentable).Set("malformedCharacters", All.Losses.Malformed);
+  Document.Set("textsAltered", All.Losses.Altered);
 }
 
 }  // namespace velkrund

@@ -58,6 +58,7 @@ struct TTotals {
   std::int64_t Sections = 0, Bytes = 0;
   std::optional<std::int64_t> Rows;  // nothing without a table
   std::int64_t NullsMade = 0;
+  std::int64_t ValuesChanged = 0;
   TTextLosses Losses = {};
   double Seconds = 0;
 };

@@ -28,6 +28,8 @@ constexpr TProperty Counts[] = {
         "Bytes", "bytes of the sections that were moved"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().NullsMade; }>(
         "NullsMade", "values that could not be read and became NULL"),
+    ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().ValuesChanged; }>(
+        "ValuesChanged", "values that the file or the table cannot hold as they are"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Losses.Unrepresentable; }>(
         "CharactersLost", "characters that the code page lacks"),
     ReadOnlyOf<[](const TCounted& Job) { return Job.Outcome().Totals().Losses.Malformed; }>(

@@ -14,6 +14,8 @@ struct TAppendOptions {
   std::int64_t FirstRecord = 1;
   /// Automatic numbering is moved behind the highest key, where the engine does not do so by itself.
   bool CanRecreateAutoSequence = false;
+  /// A value of which the engine can hold the most is stored so and counted; otherwise it is an error.
+  bool AllowLoss = false;
 };
 
 /// The engine's fastest way to add rows to one table. Errors (EDatabaseError) name the table, the record and, where
@@ -31,6 +33,8 @@ class TBulkAppender {
   virtual void Append(std::span<const TKvVariant* const> Row) = 0;
   /// Hands over what is still held back; nothing can be appended afterwards.
   virtual void Finish() = 0;
+  /// Values that were stored with a loss.
+  virtual std::int64_t ChangedValues() const { return 0; }
 };
 
 /// What is known of a value that a table does not take, for errors.

@@ -82,14 +82,21 @@ void TDriverTable::BeginAppend() {
   FAppending = false;
   FAppender.reset();
   FAppendOptions.FirstRecord = 1;
+  FChangedValues = 0;
   // What cannot be written at all shows here, before the first record.
   OpenAppender();
   FAppending = true;
 }
 
-void TDriverTable::OpenAppender() {
-  if (FAppender) FAppender->Finish();
+void TDriverTable::CloseAppender() {
+  if (!FAppender) return;
+  FAppender->Finish();
+  FChangedValues += FAppender->ChangedValues();
   FAppender.reset();
+}
+
+void TDriverTable::OpenAppender() {
+  CloseAppender();
   FValues.clear();
   FAssigned.clear();
   std::vector<int> Columns;
@@ -121,8 +128,7 @@ void TDriverTable::AppendRecord() {
 void TDriverTable::EndAppend() {
   if (!FAppending) throw EDatabaseError(Format("Cannot append to table '%s': no append has begun", TableName()));
   FAppending = false;
-  if (FAppender) FAppender->Finish();
-  FAppender.reset();
+  CloseAppender();
 }
 
 }  // namespace velkrund

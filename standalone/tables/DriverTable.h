@@ -28,6 +28,8 @@ class TDriverTable final : public TODBCTable {
   bool Next() override;
 
   void SetCanRecreateAutoSequence(bool Value) override { FAppendOptions.CanRecreateAutoSequence = Value; }
+  void SetAllowLoss(bool Value) override { FAppendOptions.AllowLoss = Value; }
+  std::int64_t ChangedValues() const override { return FChangedValues; }
   void BeginAppend() override;
   void AppendRecord() override;
   void EndAppend() override;
@@ -40,6 +42,7 @@ class TDriverTable final : public TODBCTable {
 
   bool AssignedAsBefore() const;
   void OpenAppender();
+  void CloseAppender();
 
   TConnection& FConnection;
   TTableDescription FDescription;
@@ -52,6 +55,7 @@ class TDriverTable final : public TODBCTable {
 
   bool FAppending = false;
   TAppendOptions FAppendOptions;
+  std::int64_t FChangedValues = 0;
   std::unique_ptr<TBulkAppender> FAppender;  // made at the first record, when it is known what is assigned
   std::vector<char> FAssigned;               // per field: part of the appender's columns
   std::vector<const TKvVariant*> FValues;    // the buffers of these fields

@@ -148,6 +148,18 @@ TEST_F(TExportTableTest, AFailureLeavesEverythingAsItWas) {
   EXPECT_EQ(Document["sections"][0]["state"], "failed");
   EXPECT_EQ(Document["sections"][1]["state"], "done");
   EXPECT_EQ(Names("H"), "B");
+
+  // What the old version would bring back as another value is named, or counted.
+  Query("shop.db", "CREATE TABLE D(V DATE); INSERT INTO D VALUES('2024-05-01'), (45000), (x'00')");
+  const TArguments Old = Export({"-t", "D", "-o", "D", "--release", "rv17"});
+  const std::string Refusal = Run(Old).Errors;
+  EXPECT_NE(Refusal.find("the number would come back as a date or time (Field:'V';Record:2)"), std::string::npos);
+  EXPECT_NE(Refusal.find("--allow-loss"), std::string::npos) << Refusal;
+  TArguments Allowed = Old;
+  Allowed.emplace_back("--allow-loss");
+  EXPECT_NE(Run(Allowed).Errors.find("2 values could not be kept"), std::string::npos);
+  Allowed.insert(Allowed.end(), {"--overwrite", "yes"});
+  EXPECT_EQ(RunJson(Allowed)["valuesChanged"], 2);
 }
 
 TEST_F(TExportTableTest, FilesThatCanNotBeUsed) {

@@ -66,10 +66,8 @@ TKvVariant Current(const TKvVariant& Value, const TCodePage& Page) {
   if (Value.Kind() == TKvKind::UInt64 && Value.AsInteger() >= 0) return Integer(Value.AsInteger());
   if (Value.Kind() == TKvKind::Double && std::isnan(Value.AsReal()))
     return Real(std::numeric_limits<double>::quiet_NaN());
-  std::string Characters(Value.AsText());
-  if (Value.Kind() == TKvKind::String) RepairUtf8(Characters);
-  if (Value.Kind() != TKvKind::AnsiString) return HasBytes(Value.Kind()) ? Text(Characters, Value.Kind()) : Value;
-  Characters.clear();
+  if (Value.Kind() != TKvKind::AnsiString) return Value;
+  std::string Characters;
   for (const char Byte : Value.AsText()) AppendUtf8(Characters, Page.ToUnicode(static_cast<unsigned char>(Byte)));
   return Text(Characters);
 }

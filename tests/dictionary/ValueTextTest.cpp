@@ -14,8 +14,8 @@ constexpr std::int64_t MaxInt64 = std::numeric_limits<std::int64_t>::max();
 
 class ValueText : public testing::Test {
  protected:
-  static std::string Write(TEICommonTableData& Section, const TKvVariant& Value) {
-    TMemoryTable Table("T", {{"F", TKvKind::Null}});
+  static std::string Write(TEICommonTableData& Section, const TKvVariant& Value, TKvKind Column = TKvKind::Null) {
+    TMemoryTable Table("T", {{"F", Column}});
     AppendRow(Table, {Value});
     Table.First();
     std::string Out;
@@ -61,7 +61,10 @@ TEST_F(ValueText, CurrentEncodingWritesAndReadsBack) {
       {Text("\0\x1F\x7F\xC2\x80\xC2\x9F\xC2\xA0"s), "'#0000#001F#007F#0080#009F\xC2\xA0'",
        Text("\0\x1F\x7F\xC2\x80\xC2\x9F\xC2\xA0"s)},
       {Text("Ж日😀"), "'Ж日😀'", Text("Ж日😀")},
-      {Text("\xED\xA0\xBD"), "'\xED\xA0\xBD'", Text("\xED\xA0\xBD")},
+      {Text("\xED\xA0\xBD"), "'#DCED#DCA0#DCBD'", Text("\xED\xA0\xBD")},
+      {Text("a\xFF\xC3(\xF0\x9F\x98"), "'a#DCFF#DCC3(#DCF0#DC9F#DC98'", Text("a\xFF\xC3(\xF0\x9F\x98")},
+      {Text("\xED\xA0\xBD\x80\xEF\xBF\xBD"), "'#DCED#DCA0#DCBD#DC80\xEF\xBF\xBD'",
+       Text("\xED\xA0\xBD\x80\xEF\xBF\xBD")},
       {Text("NULL"), "'NULL'", Text("NULL")},
       {Text("\xCF", TKvKind::AnsiString), "'П'", Text("П")},
       {Text("\x0A\x0B\xFF", TKvKind::Bytes), "0x0A0BFF", Text("\x0A\x0B\xFF", TKvKind::Bytes)},
@@ -91,6 +94,13 @@ TEST_F(ValueText, CurrentEncodingReadsWhatPeopleWrite) {
       {"true", Boolean(true)},
       {"'#D83D#DE00'", Text("😀")},
       {"'#DE00#D83D'", Text("\xED\xB8\x80\xED\xA0\xBD")},
+      {"'#DC80#DCff'", Text("\x80\xFF")},
+      {"'#DC7F#DD00'", Text("\xED\xB1\xBF\xED\xB4\x80")},
+      {"'#D83D#DC80#DC80'", Text("\xF0\x9F\x92\x80\x80")},
+      {"'#D83D#D83D#DE00'", Text("\xED\xA0\xBD😀")},
+      {"'#D83Dx#DC80#DE00'", Text("\xED\xA0\xBDx\x80\xED\xB8\x80")},
+      {"'\xED\xA0\xBD#DC80'", Text("\xED\xA0\xBD\x80")},
+      {"'\xED\xA0\xBD#DE00'", Text("\xED\xA0\xBD\xED\xB8\x80")},
       {"'a#12'", Text("a")},
       {"'a#'", Text("a")},
       {"'#0041#12ж'", Text("A")},
@@ -168,7 +178,11 @@ TEST_F(ValueText, OldEncodingWritesAndReadsBack) {
       {Date("2024-01-31"), TKvKind::SysDate, "45322.0", Date("2024-01-31")},
       {TimeOfDay("18:00:00"), TKvKind::SysTime, "0.75", TimeOfDay("18:00:00")},
       {Moment("2024-01-31 12:00:00"), TKvKind::Double, "45322.5", Real(45322.5)},
-      {Integer(45322), TKvKind::DateTime, "45322", Integer(45322, TKvKind::Integer)},
+      {Integer(45322), TKvKind::DateTime, "45322", Moment("2024-01-31 00:00:00")},
+      {Integer(45322), TKvKind::SysDate, "45322", Date("2024-01-31")},
+      {Integer(0), TKvKind::SysTime, "0", TimeOfDay("00:00:00")},
+      {Integer(1), TKvKind::SysTime, "1", Integer(1, TKvKind::Integer)},
+      {Integer(1704067200), TKvKind::DateTime, "1704067200", Integer(1704067200, TKvKind::Integer)},
       {Currency(MaxInt64), TKvKind::Currency, "922337203685477.5807", Currency(MaxInt64)},
       {Currency(70000), TKvKind::Currency, "7", Currency(70000)},
   };
@@ -178,6 +192,32 @@ TEST_F(ValueText, OldEncodingWritesAndReadsBack) {
   }
   EXPECT_EQ(Read(Old, "4294967296"), Real(4294967296.0));
   EXPECT_EQ(Read(Old, "-1.2345E+0003", TKvKind::Currency), Currency(-12'345'000));
+}
+
+// The rest comes back: RandomOldVersionTest looks.
+TEST_F(ValueText, OldEncodingNamesWhatWouldComeBackAsAnother) {
+  Platform.WorkSettings.StrictText = true;
+  TEIOldTableData Strict;
+  const struct {
+    TKvVariant Value;
+    TKvKind Column;
+    const char* Change;
+  } Cases[] = {
+      {Text("a"), TKvKind::Bytes, "the text would come back as bytes"},
+      {Text("a", TKvKind::Bytes), TKvKind::String, "the bytes would come back as a text"},
+      {Text("", TKvKind::Bytes), TKvKind::Null, "the bytes would come back as a text"},
+      {Real(-0.0), TKvKind::Currency, "the negative zero would lose its sign"},
+      {Real(2460340.5), TKvKind::DateTime, "the number would come back as a date or time"},
+      {Integer(45000), TKvKind::SysDate, "the number would come back as a date or time"},
+      {Unsigned(0), TKvKind::SysTime, "the number would come back as a date or time"},
+      {Currency(1), TKvKind::Null, "the amount would come back as another number"},
+      {Date("2024-01-31"), TKvKind::DateTime, "the date or time would come back as another value"},
+      {Moment("2079-06-07 10:00:00.000001"), TKvKind::DateTime, "the microseconds would be rounded"},
+  };
+  for (const auto& Case : Cases)
+    EXPECT_EQ(ErrorOf([&] { Write(Strict, Case.Value, Case.Column); }),
+              std::string("EDicUtilError: In version 100 ") + Case.Change +
+                  " (Field:'F';Record:1). Use version 200, or allow losses");
 }
 
 TEST_F(ValueText, OldEncodingRefusesTheRest) {
@@ -217,15 +257,12 @@ TEST_F(ValueText, OldEncodingRefusesTheRest) {
 
 TEST_F(ValueText, LostTextIsCountedOrRefused) {
   Platform.WorkSettings.StrictText = true;
-  TEITableData Strict;
-  TEIOldTableData StrictOld;
-  EXPECT_EQ(ErrorOf([&] { Write(Strict, Text("a\xFF")); }),
-            "EDicUtilError: A text is not valid UTF-8 (Field:'F';Record:1). Allow losses to keep it with replacement "
-            "characters");
-  EXPECT_EQ(ErrorOf([&] { Write(StrictOld, Text("日")); }),
-            "EDicUtilError: A text has characters that code page 1251 lacks (Field:'F';Record:1). Use version 200 in "
-            "UTF-8, or allow losses");
-  EXPECT_EQ(Write(Current, Text("a\xFF\xC3(")), "'a\xEF\xBF\xBD\xEF\xBF\xBD('");
+  TEIOldTableData Strict;
+  for (const char* Lost : {"日", "a\xFF", "\xED\xA0\xBD"})
+    EXPECT_EQ(ErrorOf([&] { Write(Strict, Text(Lost)); }),
+              "EDicUtilError: A text has characters that code page 1251 lacks (Field:'F';Record:1). Use version 200 in "
+              "UTF-8, or allow losses");
+  EXPECT_EQ(Write(Old, Text("a\xFF\xC3(")), "'a?\?('");
 }
 
 }  // namespace

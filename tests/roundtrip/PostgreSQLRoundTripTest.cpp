@@ -163,6 +163,7 @@ TEST_F(PostgreSQLRoundTrip, WhatTheOtherEngineCanNotHoldIsRefusedByRecordAndColu
       {true, "INTEGER", "'7a'", "integer"},
       {true, "DATE", "'2024-02-30'", "date"},
       {true, "DATE", "'tomorrow'", "date"},
+      {true, "TIMESTAMP", "'2024-02-29'", "timestamp"},
       {true, "REAL", "0.1", "real"},
       {true, "REAL", "0.125", "numeric(10,2)"},
       {true, "DECIMAL(12,4)", "0.125", "money"},
@@ -186,6 +187,51 @@ TEST_F(PostgreSQLRoundTrip, WhatTheOtherEngineCanNotHoldIsRefusedByRecordAndColu
     const std::string Error = Platform.Import(To, Folder / "1.eif");
     EXPECT_THAT(Error, HasSubstr("record 2 to table 'T', column 'V'"));
     EXPECT_EQ(To.Cells("SELECT count(*) FROM \"T\""), Before);
+  }
+}
+
+TEST_F(PostgreSQLRoundTrip, WhatTheOtherEngineHoldsTheMostOfIsCountedWhereLossesAreAllowed) {
+  const struct {
+    const char *Type, *Value, *Stored;
+    std::int64_t Lost = 1;
+  } Cases[] = {
+      {"timestamp", "'2024-05-01'", "2024-05-01 00:00:00"},
+      {"timestamptz", "'2024-05-01'", "2024-05-01 00:00:00+00"},
+      {"timestamp", "'2024-05-01T12:00Z'", "2024-05-01 12:00:00", 0},
+      {"text", "CAST(x'41FFEDA0805A' AS TEXT)", "A\uFFFD\uFFFDZ"},
+      {"varchar(3)", "CAST(x'EDA080EDA080C3' AS TEXT)", "\uFFFD\uFFFD\uFFFD"},
+  };
+  const TTestDatabase Lite = SQLiteDatabase(Folder / "1.db"), Post = PostgreSQLDatabase();
+  Post.Run("SET timezone = 'UTC'");
+  for (const auto& [Type, Value, Stored, Lost] : Cases) {
+    SCOPED_TRACE(std::string(Value) + " -> " + Type);
+    Lite.Run(std::string("DROP TABLE IF EXISTS T; CREATE TABLE T (V TIMESTAMP); INSERT INTO T VALUES (") + Value + ")");
+    Post.Run(std::string("DROP TABLE IF EXISTS \"T\"; CREATE TABLE \"T\" (\"V\" ") + Type + ")");
+    Platform.Manager.ChangeSettings().StrictText = true;
+    ASSERT_EQ(Platform.Export(Lite, "T", Folder / "1.eif"), "");
+    if (Lost > 0) {
+      EXPECT_THAT(Platform.Import(Post, Folder / "1.eif"), HasSubstr("; allow losses to store"));
+    }
+    Platform.Manager.ChangeSettings().StrictText = false;
+    EXPECT_EQ(Platform.Import(Post, Folder / "1.eif"), "");
+    EXPECT_EQ(Platform.Lost, Lost);
+    EXPECT_EQ(Post.Cells("SELECT * FROM \"T\""), std::string(Stored) + "\n");
+  }
+}
+
+// In version 100 a whole number in a column of dates is a day number.
+TEST_F(PostgreSQLRoundTrip, DayNumbersBecomeDatesInBothEngines) {
+  const std::string File = Folder.Write(
+      "1.eif",
+      "[SECTION]\r\nName = rows\r\nType = TableData\r\nVersion = 100\r\nTableName = T\r\n[DATA]\r\n [FIELDS]\r\n  D\r\n"
+      "  M\r\n  T\r\n [RECORDS]\r\n  <45000|45000|0>\r\n  <-1|45000.5|0.5>\r\n[END]\r\n");
+  for (const TTestDatabase& Database : {SQLiteDatabase(Folder / "1.db"), PostgreSQLDatabase()}) {
+    Database.Run("CREATE TABLE \"T\" (\"D\" DATE, \"M\" TIMESTAMP, \"T\" TIME)");
+    EXPECT_EQ(Platform.Import(Database, File), "");
+    Database.Run(
+        "DELETE FROM \"T\" WHERE \"D\" = '2023-03-15' AND \"M\" = '2023-03-15 00:00:00' AND \"T\" = '00:00:00' OR "
+        "\"D\" = '1899-12-29' AND \"M\" = '2023-03-15 12:00:00' AND \"T\" = '12:00:00'");
+    EXPECT_EQ(Database.Cells("SELECT * FROM \"T\""), "");
   }
 }
 

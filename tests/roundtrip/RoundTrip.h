@@ -117,6 +117,7 @@ class TRealPlatform {
     Operation.SetSectionName("rows");
     Operation.SetReleaseVersion(Release);
     const int Result = Operation.Execute();
+    Lost = Operation.Operation().Report.ValuesChanged + File.Losses().Unrepresentable;
     return Result ? std::string() : Operation.LastError();
   }
 
@@ -130,10 +131,12 @@ class TRealPlatform {
     Operation.SetSource(&File);
     Operation.SetDatabaseName(Database.Url);
     const int Result = Operation.Execute();
+    Lost = Operation.Operation().Report.ValuesChanged + File.Losses().Unrepresentable;
     return Result ? std::string() : Operation.LastError();
   }
 
   TStandaloneManager Manager;
+  std::int64_t Lost = 0;  // values and characters, by the last run
 
  private:
   TStructureStore FStructures{Manager.Databases()};

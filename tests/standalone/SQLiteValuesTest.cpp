@@ -234,6 +234,17 @@ TEST_F(SQLiteValuesTest, WideDatabasesHoldTheSameTexts) {
               HasSubstr("record 2 to table 'T', column 'C': the text has characters that UTF-16 cannot hold"));
   const std::string Nul(1, '\0');
   EXPECT_THAT(Rows(*Wide, "T"), ElementsAre("10 имя 🌸" + Nul + "b|14 2024-02-29", "10 東" + Nul + "京|0 "));
+
+  Wide->Execute("DELETE FROM T");
+  Table.SetAllowLoss(true);
+  Table.BeginAppend();
+  for (const std::string_view Text : {"a\xFF\xED\xA0\x80z", "b"}) {
+    Table.FieldByName("C").Buffer().SetText(Text);
+    Table.AppendRecord();
+  }
+  Table.EndAppend();
+  EXPECT_EQ(Table.ChangedValues(), 1);
+  EXPECT_THAT(Rows(*Wide, "T"), ElementsAre("10 a\uFFFD\uFFFDz|0 ", "10 b|0 "));
 }
 
 }  // namespace

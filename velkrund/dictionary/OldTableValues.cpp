@@ -1,5 +1,6 @@
 // Value texts of version 100.
 
+#include <cmath>
 #include <limits>
 
 #include "velkrund/dictionary/DicErrors.h"
@@ -52,7 +53,10 @@ std::string ReadNumber(std::string_view Text, TField& Field) {
   TKvVariant& Value = Field.Buffer();
   if (Column == TKvKind::Currency)
     if (const auto Amount = StrToCurrency(Text)) return Value.SetCurrency(*Amount), std::string();
-  if (const auto Integer = StrToInt32(Text)) return Value.SetInteger(*Integer, TKvKind::Integer), std::string();
+  if (const auto Integer = StrToInt32(Text)) {
+    if (!SetDayNumber(Value, Column, *Integer)) Value.SetInteger(*Integer, TKvKind::Integer);
+    return {};
+  }
   std::size_t ErrorPosition = 0;
   const auto Real = StrToReal(Text, ErrorPosition);
   if (!Real) return Format("Error at position: %d", ErrorPosition);
@@ -61,6 +65,56 @@ std::string ReadNumber(std::string_view Text, TField& Field) {
     if (const auto Amount = RealToCurrency(*Real + 0.0)) return Value.SetCurrency(*Amount), std::string();
   if (!SetDayNumber(Value, Column, *Real)) Value.SetReal(*Real);
   return {};
+}
+
+constexpr bool IsDateKind(TKvKind Kind) { return IsMomentKind(Kind) || Kind == TKvKind::SysTime; }
+
+// Whether a number is read as a date by a column of that kind.
+bool IsDayNumber(double Number, TKvKind Column) {
+  TKvVariant Ignored;
+  return IsDateKind(Column) && SetDayNumber(Ignored, Column, Number);
+}
+
+bool KeepsMoment(TDateTime Moment) {
+  // Up to here a double tells microseconds apart.
+  constexpr std::int64_t Near = 65'535 * MicrosecondsPerDay;
+  const std::int64_t Distance = Moment.Microseconds - DayZero.Microseconds;
+  return (Distance > -Near && Distance < Near) || DayNumberToDateTime(DateTimeToDayNumber(Moment)) == Moment;
+}
+
+// What a reader would make of a value that it meets in a column of that kind, in words; null where it is the value
+// itself. Numbers, dates and quoted texts have no kind in the file: they take that of the column.
+const char* ChangeOf(const TKvVariant& Value, TKvKind Column) {
+  switch (const TKvKind Kind = Value.Kind()) {
+    case TKvKind::Null:
+    case TKvKind::Boolean:
+    case TKvKind::WordBool:
+    case TKvKind::AnsiChar:
+    case TKvKind::AnsiString:
+      return nullptr;
+    case TKvKind::Char:
+    case TKvKind::String:
+      return Column == TKvKind::Bytes ? "the text would come back as bytes" : nullptr;
+    case TKvKind::Bytes:
+      return Column != TKvKind::Bytes ? "the bytes would come back as a text" : nullptr;
+    case TKvKind::Double:
+    case TKvKind::Extended:
+      if (Column == TKvKind::Currency && Value.AsReal() == 0 && std::signbit(Value.AsReal()))
+        return "the negative zero would lose its sign";
+      return IsDayNumber(Value.AsReal(), Column) ? "the number would come back as a date or time" : nullptr;
+    case TKvKind::Currency:
+      return Column != TKvKind::Currency ? "the amount would come back as another number" : nullptr;
+    case TKvKind::SysDate:
+    case TKvKind::SysTime:
+    case TKvKind::DateTime:
+      if (Column != Kind) return "the date or time would come back as another value";
+      return Kind == TKvKind::DateTime && !KeepsMoment(Value.AsDateTime()) ? "the microseconds would be rounded"
+                                                                           : nullptr;
+    default:
+      return IsDayNumber(static_cast<double>(Value.AsInteger()), Column)
+                 ? "the number would come back as a date or time"
+                 : nullptr;
+  }
 }
 
 /// Turns a quoted text into bytes of the code page, in place.
@@ -129,6 +183,7 @@ std::string TOldTextReader::ReadCharacter() {
 
 void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
   const TKvVariant& Value = Field.Value();
+  if (const char* Change = ChangeOf(Value, Field.Kind())) ValueLost(Field, Value, Change);
   const TCodePage& Page = *WorkSettings().AnsiCodePage;
   switch (Value.Kind()) {
     case TKvKind::Null:
@@ -160,7 +215,7 @@ void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
     case TKvKind::Char:
     case TKvKind::String:
       Text += '\'';
-      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Field, Lost, 0);
+      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Field, Lost);
       Text += '\'';
       return;
     case TKvKind::AnsiChar:
@@ -182,7 +237,7 @@ void TEIOldTableData::StringToField(std::span<char> Text, TField& Field) {
     TOldTextReader Reader(Text, *WorkSettings().AnsiCodePage);
     Error = Reader.Read();
     if (Error.empty()) {
-      if (Reader.Lost()) TextLost(Field, Reader.Lost(), 0);
+      if (Reader.Lost()) TextLost(Field, Reader.Lost());
       return Field.Buffer().BorrowText(Reader.Bytes(), TKvKind::AnsiString);
     }
   } else if (SameAsciiWord(View, "NULL")) {

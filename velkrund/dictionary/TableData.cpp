@@ -53,21 +53,23 @@ TTable& TEICommonTableData::TakeTable(std::unique_ptr<TTable>& Owned, std::strin
   return *Owned;
 }
 
-void TEICommonTableData::TextLost(const TField& Field, std::int64_t Unrepresentable, std::int64_t Malformed) {
-  if (FLosses) {
-    FLosses->Unrepresentable += Unrepresentable;
-    FLosses->Malformed += Malformed;
-  }
+void TEICommonTableData::TextLost(const TField& Field, std::int64_t Count) {
+  if (FLosses) FLosses->Unrepresentable += Count;
   if (!FStrictText) return;
-  const std::string Place = Format("(Field:'%s';Record:%d)", Field.Name(), Report->RowCount + 1);
-  if (Malformed)
-    throw EDicUtilError(
-        Format("A text is not valid UTF-8 %s. Allow losses to keep it with replacement characters", Place),
-        {.Code = TErrorCode::Text});
-  throw EDicUtilError(
-      Format("A text has characters that code page %d lacks %s. Use version 200 in UTF-8, or allow losses",
-             WorkSettings().AnsiCodePage->Number(), Place),
-      {.Code = TErrorCode::Text});
+  throw EDicUtilError(Format("A text has characters that code page %d lacks (Field:'%s';Record:%d). Use version 200 in "
+                             "UTF-8, or allow losses",
+                             WorkSettings().AnsiCodePage->Number(), Field.Name(), Report->RowCount + 1),
+                      {.Code = TErrorCode::Text});
+}
+
+void TEICommonTableData::ValueLost(const TField& Field, const TKvVariant& Value, std::string_view What) {
+  ++Report->ValuesChanged;
+  if (!FStrictText) return;
+  std::string Text;
+  if (!HasBytes(Value.Kind())) Value.AppendAsText(Text);
+  throw EDicUtilError(Format("In version %d %s (Field:'%s';Record:%d). Use version 200, or allow losses", Version(),
+                             What, Field.Name(), Report->RowCount + 1),
+                      {.Code = TErrorCode::Loss, .Value = std::move(Text)});
 }
 
 void TEICommonTableData::Unparseable(TField& Field, const std::string& Message) {

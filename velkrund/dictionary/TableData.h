@@ -20,6 +20,7 @@ struct TTableDataReport {
   std::int64_t RowCount = 0;
   std::int64_t DeletedRows = 0;            // that were in the table before an import
   std::int64_t NullsMade = 0;              // values that could not be read, where that is no error
+  std::int64_t ValuesChanged = 0;          // values that come back as others, where that is no error
   std::vector<std::string> SkippedFields;  // fields of the file that the table lacks
 };
 
@@ -71,9 +72,12 @@ class TEICommonTableData : public TEIObject {
   static const TEIObjectDescriptor Descriptor;
 
  protected:
-  /// To be called where characters of a text in the current record cannot be kept; counts them, and raises an error
-  /// that names field and record where the run is strict about text.
-  void TextLost(const TField& Field, std::int64_t Unrepresentable, std::int64_t Malformed);
+  /// To be called where the code page lacks characters of a text in the current record; counts them, and raises an
+  /// error that names field and record where the run is strict about text.
+  void TextLost(const TField& Field, std::int64_t Count);
+  /// To be called where the version has no text for a value in the current record that brings it back; counts it, and
+  /// raises an error as TextLost does. What: what would become of it.
+  void ValueLost(const TField& Field, const TKvVariant& Value, std::string_view What);
   /// A value that cannot be read: raises Message, or makes the field NULL where values are not strict.
   void Unparseable(TField& Field, const std::string& Message);
   /// Whether the section is written in the code page.

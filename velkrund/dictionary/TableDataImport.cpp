@@ -162,10 +162,12 @@ void TEICommonTableData::ImportAlone(TODBCTable* SQLTable, TTable& Target, std::
 
 void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
   Target.SetCanRecreateAutoSequence(true);
+  Target.SetAllowLoss(!StrictText());
   Target.BeginAppend();
   ImportRecords(Target, Columns, Stream);
   if (FStopped) return;
   Target.EndAppend();
+  Report->ValuesChanged = Target.ChangedValues();
   // The engine may have taken its time over what it had held back.
   FStopped = IsCanceled();
 }

@@ -18,6 +18,8 @@ constexpr TProperty ImportProperties[] = {
         "Rows", "rows of the last run; those before its end, where it was not done"),
     ReadOnlyOf<[](const TImport& Import) { return Import.Report.NullsMade; }>(
         "NullsMade", "values that could not be read and became NULL"),
+    ReadOnlyOf<[](const TImport& Import) { return Import.Report.ValuesChanged; }>(
+        "ValuesChanged", "values that the table cannot hold as they are"),
     ReadOnlyOf<[](const TImport& Import) { return Import.Report.SkippedFields; }>(
         "SkippedFields", "fields of the section that the table lacks"),
 };
@@ -28,6 +30,8 @@ constexpr TProperty ExportProperties[] = {
     PropertyOf<&TExport::Fields>("Fields", "the fields to save; empty: all"),
     ReadOnlyOf<[](const TExport& Export) { return Export.Report.RowCount; }>(
         "Rows", "rows of the last run; those before its end, where it was not done"),
+    ReadOnlyOf<[](const TExport& Export) { return Export.Report.ValuesChanged; }>(
+        "ValuesChanged", "values that the file cannot hold as they are"),
 };
 
 }  // namespace

@@ -120,7 +120,7 @@ void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, st
   }
   Text += '\'';
   const std::size_t Start = Text.size();
-  if (const std::int64_t Malformed = AppendEscaped(Text, Source)) TextLost(Field, 0, Malformed);
+  AppendEscaped(Text, Source);
   if (WritesAnsi()) CheckRepresentable(Field, std::string_view(Text).substr(Start));
   Text += '\'';
 }
@@ -129,7 +129,7 @@ void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, st
 void TEITableData::CheckRepresentable(const TField& Field, std::string_view Text) {
   if (!StrictText()) return;
   std::string Bytes;
-  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Field, Lost, 0);
+  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Field, Lost);
 }
 
 void TEITableData::StringToField(std::span<char> Text, TField& Field) {

@@ -22,10 +22,10 @@ constexpr std::array<std::string_view, DSPValueTypeCount> Words = {
     "byte",    "smallint", "Word",    "UInt32",  "Extended", "Char",     "WordBool",  "SysDate",
     "SysTime", "DateTime", "Int64",   "UInt64",  "Currency", "ANSIChar", "ANSIString"};
 
-void AppendQuoted(std::string& Out, const TDSPNode& Node, TTextLosses& Losses) {
+void AppendQuoted(std::string& Out, const TDSPNode& Node) {
   Out += '\'';
   if (Node.ValueType() == TDSPValueType::String || Node.ValueType() == TDSPValueType::Char)
-    Losses.Malformed += AppendEscaped(Out, Node.Value().AsText(), TEscapePlace::Alone);
+    AppendEscaped(Out, Node.Value().AsText(), TEscapePlace::Alone);
   else
     AppendAnsiEscaped(Out, Node.Value().AsText(), Losses);
   Out += '\'';
@@ -104,15 +104,15 @@ std::string_view TCurrentNodeTexts::LineBreak(TDSPValueType Type) const {
   return Type == TDSPValueType::AnsiString ? "#0D#0A" : "";
 }
 
-void TCurrentNodeTexts::AppendValue(std::string& Out, const TDSPNode& Node, TTextLosses& Losses) const {
+void TCurrentNodeTexts::AppendValue(std::string& Out, const TDSPNode& Node, TTextLosses&) const {
   switch (Node.ValueType()) {
     case TDSPValueType::String:
     case TDSPValueType::Char:
     case TDSPValueType::AnsiChar:
     case TDSPValueType::AnsiString:
-      return AppendQuoted(Out, Node, Losses);
+      return AppendQuoted(Out, Node);
     case TDSPValueType::Variant:
-      return AppendVariantForm(Out, Node.Value(), Losses);
+      return AppendVariantForm(Out, Node.Value());
     case TDSPValueType::Binary:
       return AppendHexBytes(Out, Node.Value().AsText());
     default:

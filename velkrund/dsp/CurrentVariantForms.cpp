@@ -103,7 +103,7 @@ bool ReadAs(TKvKind Kind, std::string_view Text, TKvVariant& Value) {
 
 }  // namespace
 
-void AppendVariantForm(std::string& Out, const TKvVariant& Value, TTextLosses& Losses) {
+void AppendVariantForm(std::string& Out, const TKvVariant& Value) {
   const TKvKind Kind = Value.Kind();
   if (Kind == TKvKind::Null) {
     Out += "NULL";
@@ -114,7 +114,7 @@ void AppendVariantForm(std::string& Out, const TKvVariant& Value, TTextLosses& L
   if (IsAnsiKind(Kind))
     AppendAnsiEscaped(Out, Value.AsText(), Losses);
   else if (IsTextKind(Kind))
-    Losses.Malformed += AppendEscaped(Out, Value.AsText(), TEscapePlace::Alone);
+    AppendEscaped(Out, Value.AsText(), TEscapePlace::Alone);
   else if (Kind == TKvKind::Bytes)
     AppendHexBytes(Out, Value.AsText());
   else

@@ -1,7 +1,6 @@
 #include "velkrund/dsp/NodeEscapes.h"
 
 #include "velkrund/dsp/DSPUtilErrors.h"
-#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -56,9 +55,9 @@ unsigned char PageByte(char32_t Code, const TCodePage& Page, TTextLosses& Losses
 
 }  // namespace
 
-void UnescapeText(std::string& Text) {
+void UnescapeText(std::string& Text, TLoneUnit Lone) {
   std::string BadDigits;
-  const std::size_t Length = UnescapeInPlace(Text, BadDigits);
+  const std::size_t Length = UnescapeInPlace(Text, BadDigits, Lone);
   if (!BadDigits.empty()) BadEscape(BadDigits);
   Text.resize(Length);
 }

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 
@@ -13,7 +14,7 @@ namespace velkrund {
 // characters behind it for the end of the text.
 
 /// Decodes current escapes in place.
-void UnescapeText(std::string& Text);
+void UnescapeText(std::string& Text, TLoneUnit Lone = TLoneUnit::Byte);
 
 /// Appends 8-bit text: bytes 32 to 127 as themselves, all others escaped. "#" is not escaped, though readers always
 /// take it for the beginning of an escape: files have been so from the beginning, and their readers rely on neither.

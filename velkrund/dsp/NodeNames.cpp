@@ -1,7 +1,6 @@
 #include "velkrund/dsp/NodeNames.h"
 
 #include "velkrund/dsp/NodeEscapes.h"
-#include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 
@@ -47,7 +46,7 @@ void AppendNodeName(std::string& Out, std::string_view Name, const TCodePage* Pa
 
 void ReadNodeName(std::string_view Text, std::string& Name) {
   Name = Text;
-  UnescapeText(Name);
+  UnescapeText(Name, TLoneUnit::Character);
 }
 
 }  // namespace velkrund

@@ -62,20 +62,24 @@ std::size_t EscapedSize(const TByteClasses& Table, std::string_view Text) {
   return Size;
 }
 
-constexpr bool IsHighSurrogateForm(const char* End, std::ptrdiff_t Length) {
-  return Length >= 3 && static_cast<unsigned char>(End[-3]) == 0xED &&
-         (static_cast<unsigned char>(End[-2]) & 0xF0) == 0xA0;
-}
+constexpr unsigned ByteUnits = 0xDC00;  // plus the byte that is not UTF-8
 
-// Writes one UTF-16 unit at Out, joining it to the half before; never writes beyond the five bytes of its own escape.
-char* PutUnit(char* Begin, char* Out, unsigned Unit) {
+constexpr bool IsSurrogate(char32_t Code) { return (Code & 0xFFFF'F800) == 0xD800; }
+constexpr bool IsHigh(unsigned Unit) { return (Unit & 0xFC00) == 0xD800; }
+constexpr bool IsLow(unsigned Unit) { return (Unit & 0xFC00) == 0xDC00; }
+
+// Writes one UTF-16 unit at Out; never beyond the five bytes of its own escape. BehindHigh: the form of a high
+// surrogate ends at Out, for a low one to join.
+char* PutUnit(char* Out, unsigned Unit, bool BehindHigh, TLoneUnit Lone) {
   const auto Put = [&Out](unsigned Byte) { *Out++ = static_cast<char>(Byte); };
-  if (Unit >= 0xDC00 && Unit <= 0xDFFF && IsHighSurrogateForm(Out, Out - Begin)) {
+  if (BehindHigh && IsLow(Unit)) {
     const unsigned High =
         0xD000u | (static_cast<unsigned>(Out[-2]) & 0x3F) << 6 | (static_cast<unsigned>(Out[-1]) & 0x3F);
     const unsigned Code = 0x10000 + ((High & 0x3FF) << 10) + (Unit & 0x3FF);
     Out -= 3;
     Put(0xF0 | Code >> 18), Put(0x80 | (Code >> 12 & 0x3F)), Put(0x80 | (Code >> 6 & 0x3F)), Put(0x80 | (Code & 0x3F));
+  } else if (Lone == TLoneUnit::Byte && Unit >= ByteUnits + 0x80 && Unit <= ByteUnits + 0xFF) {
+    Put(Unit - ByteUnits);
   } else if (Unit < 0x80) {
     Put(Unit);
   } else if (Unit < 0x800) {
@@ -97,10 +101,9 @@ void AppendByteEscape(std::string& Out, unsigned char Byte) {
   Out.append(Escape, sizeof Escape);
 }
 
-std::int64_t AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place) {
+void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place) {
   const TByteClasses& Table = Classes[static_cast<int>(Place)];
   if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Table, Text));
-  std::int64_t Malformed = 0;
   std::size_t RunStart = 0, At = 0;
   const auto FlushRun = [&] { Out.append(Text.data() + RunStart, At - RunStart); };
   while ((At = PlainEnd(Table, Text, At)) < Text.size()) {
@@ -110,28 +113,29 @@ std::int64_t AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace
     }
     std::size_t Next = At;
     const char32_t Code = NextCodePoint(Text, Next);
-    const bool Broken = Code == 0xFFFD && Text.substr(At, 3) != ReplacementUtf8;
+    const bool Broken = IsSurrogate(Code) || (Code == 0xFFFD && Text.substr(At, 3) != ReplacementUtf8);
     if (Code >= 0xA0 && !Broken) {
       At = Next;
       continue;
     }
     FlushRun();
     if (Broken)
-      Out += ReplacementUtf8, ++Malformed;
+      for (const char Byte : Text.substr(At, Next - At))
+        AppendEscape(Out, ByteUnits + static_cast<unsigned char>(Byte));
     else
       AppendEscape(Out, Code);
     RunStart = At = Next;
   }
   FlushRun();
-  return Malformed;
 }
 
-std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits) {
+std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits, TLoneUnit Lone) {
   char* const Begin = Text.data();
   char* const End = Begin + Text.size();
   char* In = Text.empty() ? End : static_cast<char*>(std::memchr(Begin, '#', Text.size()));
   if (!In || In == End) return Text.size();
   char* Out = In;
+  bool BehindHigh = false;
   while (In < End) {
     const std::string_view Rest(In + 1, static_cast<std::size_t>(End - In - 1));
     const std::string_view Digits = Rest.substr(0, Utf16Prefix(Rest, EscapeDigits));
@@ -142,10 +146,11 @@ std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits) {
       return 0;
     }
     In += 1 + EscapeDigits;
-    Out = PutUnit(Begin, Out, static_cast<unsigned>(*Unit));
+    Out = PutUnit(Out, static_cast<unsigned>(*Unit), BehindHigh, Lone);
     const auto Left = static_cast<std::size_t>(End - In);
     char* Hash = Left ? static_cast<char*>(std::memchr(In, '#', Left)) : End;
     if (!Hash) Hash = End;
+    BehindHigh = Hash == In && IsHigh(static_cast<unsigned>(*Unit));
     std::memmove(Out, In, static_cast<std::size_t>(Hash - In));
     Out += Hash - In;
     In = Hash;

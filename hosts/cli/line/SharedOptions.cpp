@@ -10,11 +10,12 @@ TOption TSharedOptions::DatabaseOption() {
 }
 
 TOption TSharedOptions::AllowLossOption(TPolicies& Policies) {
-  return Switch("--allow-loss",
-                "go on where characters cannot be kept, because the code page lacks them or the text is malformed, and "
-                "where a name or text of a structure will be read as another one; the report counts them. Without it "
-                "they are an error",
-                Policies.AllowLoss);
+  return Switch(
+      "--allow-loss",
+      "go on where characters cannot be kept, because the code page lacks them or the text is malformed, and "
+      "where a value of a table, or a name or text of a structure, would come back as another one; the report "
+      "counts them. Without it they are an error",
+      Policies.AllowLoss);
 }
 
 TOption TSharedOptions::OnErrorOption(TPolicies& Policies) {

@@ -35,6 +35,8 @@ std::vector<std::string> Warnings(const TItem& Item) {
   std::vector<std::string> Result;
   if (Item.Counts.NullsMade > 0)
     Result.push_back(Counted(Item.Counts.NullsMade, "value") + " could not be read and became NULL");
+  if (Item.Counts.ValuesChanged > 0)
+    Result.push_back(Counted(Item.Counts.ValuesChanged, "value") + " could not be kept and became another");
   if (Item.Losses.Unrepresentable > 0)
     Result.push_back(Counted(Item.Losses.Unrepresentable, "character") + " lost: the code page does not have them");
   if (Item.Losses.Malformed > 0)

@@ -61,7 +61,8 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQ
     FNames.push_back(Written.back().Info.Name);
   }
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Written);
-  for (const TPostgreSQLColumn& Column : Written) FEncoders.emplace_back(Column, Money, Session.CodePage());
+  for (const TPostgreSQLColumn& Column : Written)
+    FEncoders.emplace_back(Column, Money, Session.CodePage(), Options.AllowLoss);
   FStatement = InsertText(Session.Dialect().QualifiedName(Table.Table), FNames);
 }
 
@@ -106,8 +107,10 @@ void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
 }
 
 void TPostgreSQLAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
+  TErrorInfo Info = RefusedValue(FTableName, FNames[Column], FRecord, Value);
+  if (FEncoders[Column].RefusedLoss()) Info.Code = TErrorCode::Loss;
   throw EDatabaseError(Format("%s, column '%s': %s", Records(FRecord, FRecord), FNames[Column], Reason),
-                       RefusedValue(FTableName, FNames[Column], FRecord, Value));
+                       std::move(Info));
 }
 
 void TPostgreSQLAppender::BeginPiece() {
@@ -240,6 +243,12 @@ void TPostgreSQLAppender::Abandon() noexcept {
   }
   FInPiece = false;
   FSession.Vacate(*this);
+}
+
+std::int64_t TPostgreSQLAppender::ChangedValues() const {
+  std::int64_t Result = 0;
+  for (const TPostgreSQLEncoder& Encoder : FEncoders) Result += Encoder.ChangedValues();
+  return Result;
 }
 
 void TPostgreSQLAppender::Finish() {

@@ -24,6 +24,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
 
   void Append(std::span<const TKvVariant* const> Row) override;
   void Finish() override;
+  std::int64_t ChangedValues() const override;
 
  private:
   void GiveWay(std::string_view What) override;

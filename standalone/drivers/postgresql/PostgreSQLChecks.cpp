@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "velkrund/platform/ormtools/Numbers.h"
-#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 namespace {
@@ -42,34 +41,33 @@ bool TakeDate(std::string_view& Text) {
 }
 
 bool TakeTime(std::string_view& Text) {
-  if (!TakePair(Text, 23) || !Take(Text, ':') || !TakePair(Text, 59) || !Take(Text, ':') || !TakePair(Text, 59))
-    return false;
-  return !Take(Text, '.') || !TakeDigits(Text).empty();
+  if (!TakePair(Text, 23) || !Take(Text, ':') || !TakePair(Text, 59)) return false;
+  if (!Take(Text, ':')) return true;
+  return TakePair(Text, 59) && (!Take(Text, '.') || !TakeDigits(Text).empty());
 }
 
-/// False only for a zone that is not in the engine's form.
-bool TakeZone(std::string_view& Text) {
+bool TakeMidnight(std::string_view& Text) {
+  const std::string_view Before = Text;
+  return TakeTime(Text) && Before.substr(0, Before.size() - Text.size()).find_first_of("123456789") == Before.npos;
+}
+
+/// False only for a zone that is not in ISO form or, where the type has no zone, not that of UTC.
+bool TakeZone(std::string_view& Text, bool Zoned) {
+  if (Take(Text, 'Z')) return true;
   if (!Take(Text, '+') && !Take(Text, '-')) return true;
-  if (!TakePair(Text, 15)) return false;
-  for (int Part = 0; Part < 2 && Take(Text, ':'); ++Part)
-    if (!TakePair(Text, 59)) return false;
+  if (!TakePair(Text, Zoned ? 15 : 0)) return false;
+  for (int Part = 0; Part < 2 && (Take(Text, ':') || (!Text.empty() && IsDigit(Text[0]))); ++Part)
+    if (!TakePair(Text, Zoned ? 59 : 0)) return false;
   return true;
 }
+
+bool TakeBetween(std::string_view& Text) { return Take(Text, ' ') || Take(Text, 'T'); }
 
 bool IsInfinite(std::string_view Text) { return Text == "infinity" || Text == "-infinity"; }
 
 bool EndsDate(std::string_view Text) { return Text.empty() || Text == " BC"; }
 
 }  // namespace
-
-bool IsPostgreSQLText(std::string_view Text) {
-  std::size_t At = AsciiPrefix(Text);
-  if (At == Text.size()) return true;
-  if (FindMalformedUtf8(Text.substr(At)) != std::string_view::npos) return false;
-  for (; (At = Text.find('\xED', At)) != std::string_view::npos; ++At)
-    if (static_cast<unsigned char>(Text[At + 1]) >= 0xA0) return false;
-  return true;
-}
 
 std::size_t CharacterCount(std::string_view Text) {
   const auto Begins = [](char C) { return (static_cast<unsigned char>(C) & 0xC0U) != 0x80U; };
@@ -117,7 +115,12 @@ int LongestFraction(std::string_view Text) {
   return static_cast<int>(Longest);
 }
 
-bool IsPostgreSQLDate(std::string_view Text) { return IsInfinite(Text) || (TakeDate(Text) && EndsDate(Text)); }
+bool IsPostgreSQLDay(std::string_view Text) { return TakeDate(Text) && EndsDate(Text); }
+
+bool IsPostgreSQLDate(std::string_view Text) {
+  if (IsInfinite(Text) || IsPostgreSQLDay(Text)) return true;
+  return TakeDate(Text) && TakeBetween(Text) && TakeMidnight(Text) && TakeZone(Text, false) && EndsDate(Text);
+}
 
 bool IsPostgreSQLTime(std::string_view Text, bool Zoned) {
   constexpr std::string_view EndOfDay = "24:00:00";
@@ -125,16 +128,12 @@ bool IsPostgreSQLTime(std::string_view Text, bool Zoned) {
     Text.remove_prefix(EndOfDay.size());
   else if (!TakeTime(Text))
     return false;
-  return (!Zoned || TakeZone(Text)) && Text.empty();
+  return TakeZone(Text, Zoned) && Text.empty();
 }
 
 bool IsPostgreSQLTimestamp(std::string_view Text, bool Zoned) {
   if (IsInfinite(Text)) return true;
-  if (!TakeDate(Text)) return false;
-  // A day alone begins at midnight.
-  if (EndsDate(Text)) return true;
-  if (!Take(Text, ' ') && !Take(Text, 'T')) return false;
-  return TakeTime(Text) && (!Zoned || TakeZone(Text)) && EndsDate(Text);
+  return TakeDate(Text) && TakeBetween(Text) && TakeTime(Text) && TakeZone(Text, Zoned) && EndsDate(Text);
 }
 
 }  // namespace velkrund

@@ -7,10 +7,7 @@ namespace velkrund {
 
 // What the engine's readers of texts would change without a word, found before the engine sees it.
 
-/// Whether the engine holds such a text: well-formed UTF-8 without lone surrogates. A character U+0000 is not looked
-/// for.
-bool IsPostgreSQLText(std::string_view Text);
-/// Number of characters of such a text.
+/// Number of characters of a text in UTF-8.
 std::size_t CharacterCount(std::string_view Text);
 
 /// Whether Text is the one way to write an integer: no "+", no zeros in front, no "-0".
@@ -25,10 +22,14 @@ int LastPlace(std::string_view Decimal);
 /// The most digits behind a point in Text, zeros at the end apart.
 int LongestFraction(std::string_view Text);
 
-// Dates and times in the engine's ISO form and nothing else: neither words for the current moment nor parts that the
-// type would drop. Zoned: a zone may follow.
+// Dates and times in ISO form, as the engine's or with "T", without seconds, and nothing else: neither words for the
+// current moment nor parts that the type would drop. Zoned: any zone may follow; otherwise that of UTC, "Z" or
+// "+00:00".
+/// A day, or midnight of one.
 bool IsPostgreSQLDate(std::string_view Text);
 bool IsPostgreSQLTime(std::string_view Text, bool Zoned);
 bool IsPostgreSQLTimestamp(std::string_view Text, bool Zoned);
+/// A day alone.
+bool IsPostgreSQLDay(std::string_view Text);
 
 }  // namespace velkrund

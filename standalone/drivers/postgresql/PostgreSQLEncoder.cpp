@@ -8,6 +8,7 @@
 
 #include "standalone/drivers/postgresql/PostgreSQLChecks.h"
 #include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 namespace {
@@ -48,18 +49,20 @@ void AppendEscaped(std::string& Out, std::string_view Text) {
 }  // namespace
 
 TPostgreSQLEncoder::TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money,
-                                       const TCodePage& CodePage)
+                                       const TCodePage& CodePage, bool AllowLoss)
     : FType(Column.Type),
       FMaxCharacters(Column.MaxCharacters),
       FMaxBytes(Column.MaxBytes),
       FScale(Column.Scale),
       FFraction(Column.Fraction),
       FMoney(Money),
-      FCodePage(&CodePage) {
+      FCodePage(&CodePage),
+      FAllowLoss(AllowLoss) {
   for (std::int64_t Units = Money.MinorUnits; Units > 1; Units /= 10) ++FMoneyScale;
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Append(const TKvVariant& Value, std::string& Out) {
+  FRefusedLoss = false;
   switch (Value.Kind()) {
     case TKvKind::Null:
       Out += "\\N";
@@ -95,6 +98,13 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Append(const TKvVariant& Value,
       return PutMoment(Value, Out);
   }
   return "its kind is unknown";
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Lose(TRefusal Refusal) {
+  FRefusedLoss = !FAllowLoss;
+  if (FRefusedLoss) return Refusal;
+  ++FChangedValues;
+  return nullptr;
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutWhole(std::int64_t Value, std::int64_t Min, std::int64_t Max,
@@ -205,7 +215,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCurrency(TCurrency Value, st
 }
 
 /// A number into a column that is neither of integers nor of doubles.
-TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutDecimal(std::string_view Decimal, std::string& Out) const {
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutDecimal(std::string_view Decimal, std::string& Out) {
   switch (FType) {
     case TPostgreSQLType::Numeric:
       if (FScale && LastPlace(Decimal) > *FScale) return WouldBeRounded;
@@ -237,7 +247,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoney(std::string_view Decim
   return nullptr;
 }
 
-TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBoolean(bool Value, std::string& Out) const {
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBoolean(bool Value, std::string& Out) {
   if (FType == TPostgreSQLType::Text) return PutCharacters(Value ? "TRUE" : "FALSE", Out);
   if (FType != TPostgreSQLType::Boolean) return "the column holds no booleans";
   Out += Value ? 't' : 'f';
@@ -350,7 +360,12 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutNumberText(std::string_view 
   }
 }
 
-TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMomentText(std::string_view Text, std::string& Out) const {
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMomentText(std::string_view Text, std::string& Out) {
+  const bool HasDayAndTime = FType == TPostgreSQLType::Timestamp || FType == TPostgreSQLType::TimestampTz;
+  if (HasDayAndTime && IsPostgreSQLDay(Text)) {
+    Out += Text;
+    return Lose("the text is a day without a time; allow losses to store its midnight");
+  }
   const auto Fits = [&] {
     switch (FType) {
       case TPostgreSQLType::Date:
@@ -369,9 +384,16 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMomentText(std::string_view 
   return nullptr;
 }
 
-TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCharacters(std::string_view Text, std::string& Out) const {
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCharacters(std::string_view Text, std::string& Out) {
   if (Text.find('\0') != std::string_view::npos) return "the engine has no character U+0000";
-  if (!IsPostgreSQLText(Text)) return "the text has malformed characters, which the engine does not hold";
+  if (!IsStrictUtf8(Text)) {
+    FReplaced.clear();
+    AppendStrictUtf8(FReplaced, Text);
+    Text = FReplaced;
+    if (const TRefusal Refusal = Lose("the text has malformed characters, which the engine does not hold; allow losses "
+                                      "to store it with replacement characters"))
+      return Refusal;
+  }
   if (FMaxBytes && Text.size() > static_cast<std::size_t>(*FMaxBytes))
     return "the text is longer than the column takes";
   // Blanks beyond the length would be cut without a word.

@@ -18,31 +18,38 @@ class TPostgreSQLEncoder {
   /// Nothing: written. Otherwise why the value cannot be stored.
   using TRefusal = const char*;
 
-  /// CodePage: of 8-bit texts; outlives the encoder.
-  TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money, const TCodePage& CodePage);
+  /// CodePage: of 8-bit texts; outlives the encoder. AllowLoss: as an append has it.
+  TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money, const TCodePage& CodePage,
+                     bool AllowLoss);
 
   /// Appends Value to Out. After a refusal Out may hold a part of it.
   TRefusal Append(const TKvVariant& Value, std::string& Out);
+
+  /// Values that were written with a loss so far; whether the last refusal was for want of leave to do so.
+  std::int64_t ChangedValues() const { return FChangedValues; }
+  bool RefusedLoss() const { return FRefusedLoss; }
 
   /// The highest and the lowest integer that was written so far; nothing when there was none.
   std::optional<std::int64_t> Highest() const { return FHasIntegers ? std::optional(FHighest) : std::nullopt; }
   std::optional<std::int64_t> Lowest() const { return FHasIntegers ? std::optional(FLowest) : std::nullopt; }
 
  private:
+  /// Counts a loss, or refuses it.
+  TRefusal Lose(TRefusal Refusal);
   TRefusal PutInteger(std::int64_t Value, std::string& Out);
   TRefusal PutWhole(std::int64_t Value, std::int64_t Min, std::int64_t Max, std::string& Out);
   TRefusal PutUnsigned(std::uint64_t Value, std::string& Out);
   TRefusal PutReal(double Value, std::string& Out);
   TRefusal PutFloat(double Value, std::string& Out) const;
   TRefusal PutCurrency(TCurrency Value, std::string& Out);
-  TRefusal PutDecimal(std::string_view Decimal, std::string& Out) const;
+  TRefusal PutDecimal(std::string_view Decimal, std::string& Out);
   TRefusal PutMoney(std::string_view Decimal, std::string& Out) const;
-  TRefusal PutBoolean(bool Value, std::string& Out) const;
+  TRefusal PutBoolean(bool Value, std::string& Out);
   TRefusal PutMoment(const TKvVariant& Value, std::string& Out);
   TRefusal PutText(std::string_view Text, std::string& Out);
   TRefusal PutNumberText(std::string_view Text, std::string& Out);
-  TRefusal PutMomentText(std::string_view Text, std::string& Out) const;
-  TRefusal PutCharacters(std::string_view Text, std::string& Out) const;
+  TRefusal PutMomentText(std::string_view Text, std::string& Out);
+  TRefusal PutCharacters(std::string_view Text, std::string& Out);
   TRefusal PutBytes(std::string_view Bytes, std::string& Out) const;
   TRefusal PutAnsi(std::string_view Bytes, std::string& Out);
   /// The value's own text, into a column of texts.
@@ -60,7 +67,11 @@ class TPostgreSQLEncoder {
   std::int64_t FHighest = 0;
   std::int64_t FLowest = 0;
   std::string FScratch;
-  std::string FDecoded;  // an 8-bit text
+  std::string FDecoded;   // an 8-bit text
+  std::string FReplaced;  // a text with replacement characters
+  bool FAllowLoss;
+  bool FRefusedLoss = false;
+  std::int64_t FChangedValues = 0;
 };
 
 }  // namespace velkrund

@@ -50,6 +50,7 @@ TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Tab
       FTableName(Table.Table.Name),
       FTriggers(Traits.Triggers.empty() ? "" : Format(" (%s)", JoinedInShort(Traits.Triggers))),
       FOne(Database, Table, Columns, Traits, 1),
+      FAllowLoss(Options.AllowLoss),
       FRecord(Options.FirstRecord) {
   for (const int Index : Columns) FNames.push_back(Table.Columns[static_cast<std::size_t>(Index)].Name);
   if (!Traits.OneByOne) PrepareMany(Table, Columns, Traits);
@@ -133,6 +134,7 @@ void TSQLiteAppender::InsertHeld() {
   if (static_cast<std::size_t>(sqlite3_changes(FDatabase)) != Rows)
     throw EDatabaseError(HeldText() + ": the engine has ignored some of them",
                          {.Code = TErrorCode::TriggerRefused, .Table = FTableName});
+  CountReplaced(*FMany);
   FRecord += static_cast<std::int64_t>(Rows);
   FHeldCount = 0;
 }
@@ -160,7 +162,15 @@ void TSQLiteAppender::InsertOne(TRow Row) {
     Ignored.Code = TErrorCode::TriggerRefused;
     throw EDatabaseError(RecordText() + ": a trigger has ignored it" + FTriggers, std::move(Ignored));
   }
+  CountReplaced(FOne);
   ++FRecord;
+}
+
+/// Of values that the engine has taken: a statement of many rows may have to be tried again row by row.
+void TSQLiteAppender::CountReplaced(const TInsert& Insert) {
+  if (!FAllowLoss) return;
+  const auto IsReplaced = [](const TSQLiteBinder& Binder) { return Binder.Replaced(); };
+  FChangedValues += std::count_if(Insert.Binders.begin(), Insert.Binders.end(), IsReplaced);
 }
 
 std::string TSQLiteAppender::RecordText() const {
@@ -175,8 +185,9 @@ std::string TSQLiteAppender::HeldText() const {
 TErrorInfo TSQLiteAppender::Place() const { return {.Table = FTableName, .Record = FRecord}; }
 
 void TSQLiteAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
-  throw EDatabaseError(Format("%s, column '%s': %s", RecordText(), FNames[Column], Reason),
-                       RefusedValue(FTableName, FNames[Column], FRecord, Value));
+  TErrorInfo Info = RefusedValue(FTableName, FNames[Column], FRecord, Value);
+  if (FOne.Binders[Column].RefusedLoss()) Info.Code = TErrorCode::Loss;
+  throw EDatabaseError(Format("%s, column '%s': %s", RecordText(), FNames[Column], Reason), std::move(Info));
 }
 
 void TSQLiteAppender::RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const {

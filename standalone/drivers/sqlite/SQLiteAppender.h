@@ -32,6 +32,7 @@ class TSQLiteAppender final : public TBulkAppender {
 
   void Append(std::span<const TKvVariant* const> Row) override;
   void Finish() override { InsertHeldOneByOne(); }
+  std::int64_t ChangedValues() const override { return FChangedValues; }
 
  private:
   using TRow = std::span<const TKvVariant* const>;
@@ -50,6 +51,7 @@ class TSQLiteAppender final : public TBulkAppender {
   bool BindHeld();
   void InsertHeldOneByOne();
   void InsertOne(TRow Row);
+  void CountReplaced(const TInsert& Insert);
   TErrorInfo Place() const;
   [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
   [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const;
@@ -67,6 +69,8 @@ class TSQLiteAppender final : public TBulkAppender {
   std::vector<const TKvVariant*> FHeldPlaces;  // to FHeld's values
   std::size_t FHeldCount = 0;                  // values in FHeld
   std::vector<std::string> FNames;
+  bool FAllowLoss;
+  std::int64_t FChangedValues = 0;
   std::int64_t FRecord;  // number of the next record that reaches the engine
 };
 

@@ -12,16 +12,10 @@ namespace {
 
 constexpr std::uint64_t MaxInt64 = 0x7FFF'FFFF'FFFF'FFFF;
 
-/// Lone surrogates have no place in the engine's UTF-16, though they have one in our texts.
-bool HasLoneSurrogate(std::string_view Text) {
-  for (std::size_t At = 0; (At = Text.find('\xED', At)) != std::string_view::npos; ++At)
-    if (At + 1 < Text.size() && static_cast<unsigned char>(Text[At + 1]) >= 0xA0) return true;
-  return false;
-}
-
 }  // namespace
 
 TSQLiteBinder::TRefusal TSQLiteBinder::Bind(const TKvVariant& Value) {
+  FReplaced = FRefusedLoss = false;
   switch (Value.Kind()) {
     case TKvKind::Null:
       if (FColumn.IsRowNumber) return "it cannot hold NULL";
@@ -98,9 +92,19 @@ TSQLiteBinder::TRefusal TSQLiteBinder::BindCurrency(TCurrency Value) {
 TSQLiteBinder::TRefusal TSQLiteBinder::BindText(std::string_view Text) {
   if (FColumn.Affinity > TAffinity::Text && !Text.empty() && Text.front() <= '9' && IsNumberText(Text))
     return BindNumberText(Text);
-  if (FTexts.Wide && (FindMalformedUtf8(Text) != std::string_view::npos || HasLoneSurrogate(Text)))
-    return "the text has characters that UTF-16 cannot hold";
-  return LendText(Text);
+  return FTexts.Wide && !IsStrictUtf8(Text) ? BindReplaced(Text) : LendText(Text);
+}
+
+/// A text that UTF-16 cannot hold.
+TSQLiteBinder::TRefusal TSQLiteBinder::BindReplaced(std::string_view Text) {
+  FReplaced = FTexts.AllowLoss;
+  FRefusedLoss = !FTexts.AllowLoss;
+  if (FRefusedLoss)
+    return "the text has characters that UTF-16 cannot hold; allow losses to store it with replacement characters";
+  std::string Replaced;
+  AppendStrictUtf8(Replaced, Text);
+  FScratch = std::move(Replaced);
+  return LendText(FScratch);
 }
 
 TSQLiteBinder::TRefusal TSQLiteBinder::LendText(std::string_view Text) {

@@ -14,6 +14,7 @@ namespace velkrund {
 struct TSQLiteTexts {
   bool Wide = false;                                  // stored as UTF-16
   const TCodePage* CodePage = &TCodePage::Default();  // of 8-bit ones; borrowed
+  bool AllowLoss = false;                             // what UTF-16 cannot hold is replaced
 };
 
 /// Puts values into one place of a prepared statement so that the engine stores exactly them: what its conversions
@@ -33,6 +34,9 @@ class TSQLiteBinder {
       : FStatement(Statement), FPlace(Place), FColumn(Column), FTexts(Texts) {}
 
   TRefusal Bind(const TKvVariant& Value);
+  /// Of the last one: it was bound with replacement characters / refused, and only for want of leave to do so.
+  bool Replaced() const { return FReplaced; }
+  bool RefusedLoss() const { return FRefusedLoss; }
 
  private:
   TRefusal BindInteger(std::int64_t Value);
@@ -44,6 +48,7 @@ class TSQLiteBinder {
   TRefusal BindBytes(std::string_view Bytes);
   TRefusal BindAnsi(std::string_view Bytes);
   TRefusal BindNumberText(std::string_view Text);
+  TRefusal BindReplaced(std::string_view Text);
   TRefusal Result(int Code);
 
   sqlite3_stmt* FStatement;
@@ -51,6 +56,7 @@ class TSQLiteBinder {
   TColumn FColumn;
   TSQLiteTexts FTexts;
   std::string FScratch;  // texts made here, lent to the engine
+  bool FReplaced = false, FRefusedLoss = false;
 };
 
 }  // namespace velkrund

@@ -67,6 +67,7 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   sqlite3* Database = FDatabase.Handle();
   TSQLiteAppender::TTraits Traits;
   Traits.Texts = FDatabase.Texts();
+  Traits.Texts.AllowLoss = Options.AllowLoss;
   TSQLiteStatement Info(Database, "SELECT strict, wr FROM pragma_table_list(?1) WHERE schema = 'main'", What);
   if (!Info.BindText(1, Table.Table.Name).Step())
     throw EDatabaseError(What + ": the table does not exist", {.Code = TErrorCode::TableMissing});

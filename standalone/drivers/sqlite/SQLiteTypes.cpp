@@ -58,9 +58,13 @@ TAffinity AffinityOf(std::string_view DeclaredType, bool Strict) {
 TKvKind KindOf(std::string_view DeclaredType) {
   const std::string Type = UpperAscii(Trim(DeclaredType));
   const std::string_view Word = std::string_view(Type).substr(0, Type.find_first_of(" (\t\r\n"));
-  for (const TNamedKind& Named : NamedKinds)
-    if (Named.Word == Word) return Named.Kind;
-  switch (AffinityOf(Type, false)) {
+  const TAffinity Affinity = AffinityOf(Type, false);
+  for (const TNamedKind& Named : NamedKinds) {
+    // Where numbers are stored as they come, 5 differs from 5.0; as amounts they are the same.
+    const bool TellsNumbersApart = Affinity == TAffinity::None && Named.Kind == TKvKind::Currency;
+    if (Named.Word == Word && !TellsNumbersApart) return Named.Kind;
+  }
+  switch (Affinity) {
     case TAffinity::Integer:
       return TKvKind::Int64;
     case TAffinity::Text:

@@ -20,8 +20,8 @@ enum class TAffinity : std::uint8_t {
 TAffinity AffinityOf(std::string_view DeclaredType, bool Strict);
 
 /// The kind that a declared type stands for. BOOLEAN, DATE, TIME, DATETIME, TIMESTAMP, DECIMAL, NUMERIC, MONEY and
-/// CURRENCY, the last four with any length, lead to the kind of that meaning; other names go by their affinity; Null
-/// where that says nothing.
+/// CURRENCY, the last four with any length, lead to the kind of that meaning (those of amounts not in a column without
+/// affinity, as MONEY BLOB); other names go by their affinity; Null where that says nothing.
 TKvKind KindOf(std::string_view DeclaredType);
 
 /// What a text would become in a column of numbers.

@@ -24,8 +24,8 @@ struct TSettings {
   const TCodePage* AnsiCodePage = &TCodePage::Default();
   /// A field value that cannot be parsed is an error; otherwise it becomes NULL.
   bool StrictValues = true;
-  /// Characters that the code page cannot hold, and malformed UTF-8, are errors; otherwise they are replaced and
-  /// counted.
+  /// Characters that the code page cannot hold, malformed UTF-8, and values that would come back as others are errors;
+  /// otherwise they are replaced and counted.
   bool StrictText = false;
   /// Write ANSI section headers without their "Encoding" line, as releases before it did.
   bool WorkAs17Version = false;

@@ -31,6 +31,11 @@ class TTable {
   /// Whether an append of given keys moves the table's automatic numbering behind the highest one, where the engine
   /// does not do so by itself.
   virtual void SetCanRecreateAutoSequence(bool Value) = 0;
+  /// Whether an append stores of a value what the engine can hold of it, where little is lost: a text with replacement
+  /// characters, a day with midnight. Otherwise, as from the beginning, such a value is an error.
+  virtual void SetAllowLoss(bool) {}
+  /// Values that were stored so by the last append, once it has ended.
+  virtual std::int64_t ChangedValues() const { return 0; }
   /// Bulk append: between begin and end the record buffer is added once per AppendRecord, by the engine's fastest way.
   /// Fields not assigned get the column's default. An error names the record (counted from 1) and, where known, the
   /// column. A table that is freed between the two, or begins again, drops what was not yet handed to the engine.

@@ -32,6 +32,7 @@ constexpr std::string_view CodeWords[] = {
     "value",
     "unreadable-value",
     "text",
+    "loss",
     "database-name",
     "database-missing",
     "database-read-only",

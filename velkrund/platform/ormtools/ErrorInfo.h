@@ -30,6 +30,7 @@ enum class TErrorCode {
   Value,            // one value that its kind, or the table, does not take
   UnreadableValue,  // one that is of no kind at all; a run can be told to make it NULL
   Text,             // characters would be lost
+  Loss,             // a value would come back as another
   DatabaseName,     // neither a known name nor an address
   DatabaseMissing,
   DatabaseReadOnly,

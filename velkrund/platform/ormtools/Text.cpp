@@ -173,6 +173,22 @@ std::int64_t RepairUtf8(std::string& Text, std::size_t From) {
   return Count;
 }
 
+bool IsStrictUtf8(std::string_view Text) {
+  std::size_t At = AsciiPrefix(Text);
+  if (At == Text.size()) return true;
+  if (FindMalformedUtf8(Text.substr(At)) != std::string_view::npos) return false;
+  for (; (At = Text.find('\xED', At)) != std::string_view::npos; ++At)
+    if (ByteAt(Text, At + 1) >= 0xA0) return false;
+  return true;
+}
+
+void AppendStrictUtf8(std::string& Out, std::string_view Text) {
+  for (std::size_t At = 0; At < Text.size();) {
+    const char32_t Code = NextCodePoint(Text, At);
+    AppendUtf8(Out, (Code & 0xFFFF'F800) == 0xD800 ? Replacement : Code);
+  }
+}
+
 std::u16string ToUtf16(std::string_view Text) {
   std::u16string Out;
   Out.reserve(Text.size());

@@ -45,6 +45,11 @@ std::size_t FindMalformedUtf8(std::string_view Text);
 /// Replaces every malformed sequence of Text by U+FFFD, from position From on; returns how many there were.
 std::int64_t RepairUtf8(std::string& Text, std::size_t From = 0);
 
+/// Whether Text is UTF-8 to everybody: neither malformed sequences nor lone surrogates.
+bool IsStrictUtf8(std::string_view Text);
+/// Appends Text with U+FFFD for each of those.
+void AppendStrictUtf8(std::string& Out, std::string_view Text);
+
 /// UTF-8 to UTF-16 and back, for outside hosts. Malformed sequences become U+FFFD; lone surrogates pass unchanged.
 std::u16string ToUtf16(std::string_view Text);
 std::string FromUtf16(std::u16string_view Text);

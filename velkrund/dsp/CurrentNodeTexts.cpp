@@ -22,7 +22,7 @@ constexpr std::array<std::string_view, DSPValueTypeCount> Words = {
     "byte",    "smallint", "Word",    "UInt32",  "Extended", "Char",     "WordBool",  "SysDate",
     "SysTime", "DateTime", "Int64",   "UInt64",  "Currency", "ANSIChar", "ANSIString"};
 
-void AppendQuoted(std::string& Out, const TDSPNode& Node) {
+void AppendQuoted(std::string& Out, const TDSPNode& Node, TTextLosses& Losses) {
   Out += '\'';
   if (Node.ValueType() == TDSPValueType::String || Node.ValueType() == TDSPValueType::Char)
     AppendEscaped(Out, Node.Value().AsText(), TEscapePlace::Alone);
@@ -104,15 +104,15 @@ std::string_view TCurrentNodeTexts::LineBreak(TDSPValueType Type) const {
   return Type == TDSPValueType::AnsiString ? "#0D#0A" : "";
 }
 
-void TCurrentNodeTexts::AppendValue(std::string& Out, const TDSPNode& Node, TTextLosses&) const {
+void TCurrentNodeTexts::AppendValue(std::string& Out, const TDSPNode& Node, TTextLosses& Losses) const {
   switch (Node.ValueType()) {
     case TDSPValueType::String:
     case TDSPValueType::Char:
     case TDSPValueType::AnsiChar:
     case TDSPValueType::AnsiString:
-      return AppendQuoted(Out, Node);
+      return AppendQuoted(Out, Node, Losses);
     case TDSPValueType::Variant:
-      return AppendVariantForm(Out, Node.Value());
+      return AppendVariantForm(Out, Node.Value(), Losses);
     case TDSPValueType::Binary:
       return AppendHexBytes(Out, Node.Value().AsText());
     default:

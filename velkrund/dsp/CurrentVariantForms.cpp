@@ -103,7 +103,7 @@ bool ReadAs(TKvKind Kind, std::string_view Text, TKvVariant& Value) {
 
 }  // namespace
 
-void AppendVariantForm(std::string& Out, const TKvVariant& Value) {
+void AppendVariantForm(std::string& Out, const TKvVariant& Value, TTextLosses& Losses) {
   const TKvKind Kind = Value.Kind();
   if (Kind == TKvKind::Null) {
     Out += "NULL";

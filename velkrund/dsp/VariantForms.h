@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "velkrund/platform/ormtools/LineReader.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
@@ -23,7 +24,7 @@ void ReadVariantForm(std::string_view Text, const TFormReader& Reader, TKvVarian
 [[noreturn]] void UnknownVariantWord();
 
 /// Version 200.
-void AppendVariantForm(std::string& Out, const TKvVariant& Value);
+void AppendVariantForm(std::string& Out, const TKvVariant& Value, TTextLosses& Losses);
 void ReadVariantForm(std::string_view Text, TKvVariant& Value);
 
 }  // namespace velkrund

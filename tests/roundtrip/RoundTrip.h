@@ -50,7 +50,22 @@ class TRawDatabase {
     return Out.str();
   }
 
+  /// A line for each row, its values as text, separated by tabs.
+  std::string Text(const std::string& Query) {
+    std::string Result;
+    char* Message = nullptr;
+    if (sqlite3_exec(FHandle, Query.c_str(), &TRawDatabase::AddLine, &Result, &Message) != SQLITE_OK)
+      throw std::runtime_error(Query + ": " + Message);
+    return Result;
+  }
+
  private:
+  static int AddLine(void* Text, int Count, char** Values, char**) {
+    for (int I = 0; I < Count; ++I)
+      static_cast<std::string*>(Text)->append(Values[I] ? Values[I] : "\\N").append(I + 1 < Count ? "\t" : "\n");
+    return 0;
+  }
+
   static std::string Cell(sqlite3_stmt* Statement, int Column) {
     const int Type = sqlite3_column_type(Statement, Column);
     std::string Bytes;
@@ -80,17 +95,20 @@ struct TTestDatabase {
   std::string Url;
   std::function<void(const std::string& Statements)> Run;
   std::function<std::string(const std::string& Query)> Cells;
+  std::function<std::string(const std::string& Query)> Text;  // a line for each row, values separated by tabs
 };
 
 inline TTestDatabase SQLiteDatabase(const std::string& Path) {
   const auto Raw = std::make_shared<TRawDatabase>(Path);
   return {"sqlite:" + Path, [Raw](const std::string& Statements) { Raw->Run(Statements); },
-          [Raw](const std::string& Query) { return Raw->Cells(Query); }};
+          [Raw](const std::string& Query) { return Raw->Cells(Query); },
+          [Raw](const std::string& Query) { return Raw->Text(Query); }};
 }
 
 inline TTestDatabase PostgreSQLDatabase(const std::string& ServerUrl = {}) {
   const auto Raw = std::make_shared<TPostgreSQLDatabase>(ServerUrl);
   return {Raw->Url(), [Raw](const std::string& Statements) { Raw->Run(Statements); },
+          [Raw](const std::string& Query) { return Raw->Rows(Query); },
           [Raw](const std::string& Query) { return Raw->Rows(Query); }};
 }
 

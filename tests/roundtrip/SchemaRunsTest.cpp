@@ -28,7 +28,7 @@ TEST_P(TSchemaRunsTest, WhatFailsTakesItsGroupBack) {
   const std::string Tables =
       "CREATE TABLE alone (i INTEGER PRIMARY KEY); CREATE TABLE parents (i INTEGER PRIMARY KEY);"
       "CREATE TABLE children (i INTEGER PRIMARY KEY, p INTEGER REFERENCES parents (i)";
-  Export(Made(GetParam(), "source.db",
+  Export(Made(GetParam(), "source",
               Tables + "); INSERT INTO alone VALUES (5); INSERT INTO parents VALUES (1), (2);"
                        "INSERT INTO children VALUES (1, 1), (2, 2), (3, 2);"));
   const struct {
@@ -48,9 +48,8 @@ TEST_P(TSchemaRunsTest, WhatFailsTakesItsGroupBack) {
   };
   for (const auto& [Tied, Options, Rows, Says] : Cases) {
     SCOPED_TRACE(Joined(Options) + (Tied ? " with a trigger" : ""));
-    const std::string Name = "target" + std::to_string(&Options - &Cases[0].Options) + ".db";
     const TTestDatabase Target =
-        Made(GetParam(), Name,
+        Made(GetParam(), "target",
              Tables + ", CHECK (i <> 3)); " + (Tied ? TriggerThatDeletes("alone", "parents") : "") +
                  "INSERT INTO alone VALUES (9); INSERT INTO parents VALUES (7);"
                  "INSERT INTO children VALUES (8, 7);");
@@ -68,9 +67,9 @@ TEST_P(TSchemaRunsTest, WhatFailsTakesItsGroupBack) {
 TEST_P(TSchemaRunsTest, WhatRefersFromOutsideIsCheckedToo) {
   const std::string Tables =
       "CREATE TABLE orders (i INTEGER PRIMARY KEY); CREATE TABLE lines (i INTEGER, p INTEGER REFERENCES orders (i));";
-  Export(Made(GetParam(), "source.db", Tables + "INSERT INTO orders VALUES (1);"));
+  Export(Made(GetParam(), "source", Tables + "INSERT INTO orders VALUES (1);"));
   const TTestDatabase Target =
-      Made(GetParam(), "target.db", Tables + "INSERT INTO orders VALUES (7); INSERT INTO lines VALUES (1, 7);");
+      Made(GetParam(), "target", Tables + "INSERT INTO orders VALUES (7); INSERT INTO lines VALUES (1, 7);");
   const TDatabaseState Before = StateOf(Target);
   const TArguments Replace = {"--section", "orders", "--replace"};
   for (const TArguments& Refuse : {TArguments(), TArguments{"--broken-references", "refuse"}}) {
@@ -85,9 +84,10 @@ TEST_P(TSchemaRunsTest, WhatRefersFromOutsideIsCheckedToo) {
   EXPECT_EQ(Target.Text("SELECT i FROM orders") + Target.Text("SELECT i, p FROM lines"), "1\n1\t7\n");
 }
 
-TEST_P(TSchemaRunsTest, FourHundredTables) {
+TEST_P(TSchemaRunsTest, ManySmallTables) {
+  const int Count = GetParam() == std::string("sqlite") ? 400 : 100;
   std::string Tables, Rows, OtherRows;
-  for (int I = 1; I <= 400; ++I) {
+  for (int I = 1; I <= Count; ++I) {
     const std::string Name = "t" + std::to_string(I);
     // Every tenth refers to the one before it.
     Tables += "CREATE TABLE " + Name + " (i INTEGER PRIMARY KEY" +
@@ -95,18 +95,17 @@ TEST_P(TSchemaRunsTest, FourHundredTables) {
     Rows += "INSERT INTO " + Name + " VALUES ";
     for (int Row = 1; Row <= 10; ++Row)
       Rows += "(" + std::to_string(Row) + ", '" + Name + "')" + (Row < 10 ? "," : ";");
-    OtherRows += "INSERT INTO " + Name + " VALUES (3, 'other');";
+    OtherRows += "INSERT INTO " + Name + " VALUES (11, 'other');";
   }
-  const TTestDatabase Source = Made(GetParam(), "source.db", Tables + Rows);
+  const TTestDatabase Source = Made(GetParam(), "source", Tables + Rows);
   const TDatabaseState Original = StateOf(Source);
   Export(Source);
-  const TTestDatabase Target = Made(GetParam(), "target.db", Tables);
-  for (const std::string& Before : {std::string(), OtherRows}) {
-    Target.Run(Before);
-    const TOutcome Outcome = Run(Import(Target, Before.empty() ? TArguments() : TArguments{"--replace"}));
+  const TTestDatabase Target = Made(GetParam(), "target", Tables);
+  for (const TArguments& Options : {TArguments(), TArguments{"--replace"}}) {
+    const TOutcome Outcome = Run(Import(Target, Options));
     EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
     ExpectState(StateOf(Target), Original);
-    for (int I = 400; I > 0; --I) Target.Run("DELETE FROM t" + std::to_string(I));
+    Target.Run("BEGIN; " + OtherRows + "COMMIT");
   }
 }
 
@@ -122,8 +121,8 @@ TEST_P(TSchemaRunsTest, WritersGoOn) {
     return Numbers("500") + "INSERT INTO parents SELECT i, '" + Text + "' FROM n;" + Numbers("20000") +
            "INSERT INTO children SELECT i, 1 + i % 500 FROM n;";
   };
-  Export(Made(GetParam(), "source.db", Tables + Fill("new")));
-  const TTestDatabase Target = Made(GetParam(), "target.db", Tables + Fill("old"));
+  Export(Made(GetParam(), "source", Tables + Fill("new")));
+  const TTestDatabase Target = Made(GetParam(), "target", Tables + Fill("old"));
   std::atomic<bool> Done = false;
   std::atomic<int> Written = 0;
   std::string Refused;
@@ -201,18 +200,17 @@ TEST_F(TPostgreSQLMiddleTest, IsAsBefore) {
     std::vector<TArguments> Options;
   } Cases[] = {
       {"circles", {{}}},
-      {"partitions", {{}, {"--triggers", "off"}}},
-      {"trigger_states", {{}, {"--triggers", "off"}, {"--broken-references", "allow"}}},
-      {"broken_references", {{"--broken-references", "allow"}}},
+      {"partitions", {{"--triggers", "off"}}},
+      {"trigger_states", {{"--triggers", "off"}, {"--broken-references", "allow"}}},
       {"sequences", {{}}},
   };
   for (const auto& [Name, AllOptions] : Cases) {
     SCOPED_TRACE(Name);
     const TSchema Schema = ReadSchema(Name, "postgresql");
-    const TTestDatabase Source = Made("postgresql", "", Schema, Schema.Rows);
+    const TTestDatabase Source = Made("postgresql", "source", Schema, Schema.Rows);
     Source.Run(LastTable(Refuses) + "INSERT INTO zz VALUES (1)");
     Export(Source);
-    const TTestDatabase Target = Made("postgresql", "", Schema, Schema.OtherRows);
+    const TTestDatabase Target = Made("postgresql", "target", Schema, Schema.OtherRows);
     for (const TArguments& Options : AllOptions)
       for (const int Signal : {0, SIGINT, SIGKILL}) ExpectAsBefore(Target, Options, Signal);
   }
@@ -224,15 +222,15 @@ TEST_F(TSchemaTest, PostgreSQLSaysWhichRightIsLacking) {
     TArguments Options;
     const char* Says;
   } Cases[] = {
-      {"circles", {}, "Head of"},
+      {"circles", {}, "Works in"},
       {"broken_references", {"--broken-references", "allow"}, "session_replication_role"},
       {"trigger_states", {"--triggers", "off"}, "items"},
   };
   for (const auto& [Name, Options, Says] : Cases) {
     SCOPED_TRACE(Name);
     const TSchema Schema = ReadSchema(Name, "postgresql");
-    Export(Made("postgresql", "", Schema, Schema.Rows));
-    TTestDatabase Target = Made("postgresql", "", Schema, Schema.OtherRows);
+    Export(Made("postgresql", "source", Schema, Schema.Rows));
+    TTestDatabase Target = Made("postgresql", "target", Schema, Schema.OtherRows);
     std::string Clerk = Target.Text("SELECT 'clerk_of_' || current_database()");
     Clerk.pop_back();  // the line's end
     Target.Run("CREATE ROLE " + Clerk + " LOGIN; GRANT ALL ON ALL TABLES IN SCHEMA public TO " + Clerk);

@@ -2,13 +2,20 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
 
 namespace velkrund::tests {
 
 namespace {
 
 constexpr const char* Folder = VELKRUND_SOURCE_DIR "/tests/roundtrip/schemas/";
+
+constexpr const char* Empties = R"(
+  DO $$ DECLARE name text; BEGIN
+    FOR name IN SELECT oid::regnamespace FROM pg_namespace WHERE oid >= 16384 OR nspname = 'public' LOOP
+      EXECUTE 'DROP SCHEMA ' || name || ' CASCADE';
+    END LOOP;
+  END $$;
+  CREATE SCHEMA public; GRANT USAGE ON SCHEMA public TO public)";
 
 std::vector<std::string> Split(const std::string& Text, char At) {
   std::vector<std::string> Result;
@@ -72,21 +79,23 @@ TArguments operator+(TArguments Left, const TArguments& Right) {
   return Left;
 }
 
-TTestDatabase TSchemaTest::Made(const std::string& Engine, const std::string& FileName,
-                                const std::string& Statements) const {
-  if (Engine != "sqlite") {
-    const TTestDatabase Result = PostgreSQLDatabase();
-    Result.Run(Statements);
+TTestDatabase TSchemaTest::Made(const std::string& Engine, const std::string& Name, const std::string& Statements) {
+  if (Engine == "sqlite") {
+    std::filesystem::remove(Path(Name));
+    const TTestDatabase Result = SQLiteDatabase(Path(Name));
+    Result.Run("PRAGMA synchronous = OFF; PRAGMA busy_timeout = 10000; BEGIN; " + Statements + "; COMMIT");
     return Result;
   }
-  const TTestDatabase Result = SQLiteDatabase(Path(FileName));
-  Result.Run("PRAGMA synchronous = OFF; PRAGMA busy_timeout = 10000; BEGIN; " + Statements + "; COMMIT");
+  if (!FPostgreSQL.contains(Name)) FPostgreSQL.emplace(Name, PostgreSQLDatabase());
+  const TTestDatabase& Result = FPostgreSQL.at(Name);
+  Result.Run(Empties);
+  Result.Run(Statements);
   return Result;
 }
 
-TTestDatabase TSchemaTest::Made(const std::string& Engine, const std::string& FileName, const TSchema& Schema,
-                                const std::string& Rows) const {
-  const TTestDatabase Result = Made(Engine, FileName, Schema.Statements);
+TTestDatabase TSchemaTest::Made(const std::string& Engine, const std::string& Name, const TSchema& Schema,
+                                const std::string& Rows) {
+  const TTestDatabase Result = Made(Engine, Name, Schema.Statements);
   for (const std::string& Statements : {Rows, Schema.After}) Result.Run(Statements);
   return Result;
 }

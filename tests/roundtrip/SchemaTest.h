@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -31,14 +32,17 @@ TSchema ReadSchema(const std::string& Name, const std::string& Engine);
 /// Moves schemas between databases by the real command.
 class TSchemaTest : public TCommandTest {
  protected:
-  /// A new database. SQLite's is FileName.
-  TTestDatabase Made(const std::string& Engine, const std::string& FileName, const std::string& Statements) const;
-  TTestDatabase Made(const std::string& Engine, const std::string& FileName, const TSchema& Schema,
-                     const std::string& Rows) const;
+  /// A database with nothing but what the statements make. One of that name that was made before is gone.
+  TTestDatabase Made(const std::string& Engine, const std::string& Name, const std::string& Statements);
+  TTestDatabase Made(const std::string& Engine, const std::string& Name, const TSchema& Schema,
+                     const std::string& Rows);
   /// All tables into a new file.
   TOutcome Export(const TTestDatabase& Source, const std::string& File = "F");
   /// Arguments of an import of F.
   static TArguments Import(const TTestDatabase& Target, const TArguments& Options, const std::string& Object = "table");
+
+ private:
+  std::map<std::string, TTestDatabase> FPostgreSQL;  // a new one takes a server longer than what a test does with it
 };
 
 TArguments operator+(TArguments Left, const TArguments& Right);

@@ -62,14 +62,14 @@ class TSchemasTest : public TSchemaTest, public testing::WithParamInterface<std:
 };
 
 TEST_P(TSchemasTest, ComesBackAsItWas) {
-  Source = Made(Engine, "source.db", Schema, Schema.Rows);
+  Source = Made(Engine, "source", Schema, Schema.Rows);
   Original = StateOf(*Source);
   const TOutcome Exported = Export(*Source);
   for (const std::string& Table : Schema.LeftOut)
     EXPECT_NE(Exported.Errors.find(Table), std::string::npos) << Table << ":\n" << Exported.Errors;
   for (const bool Full : {false, true}) {
     SCOPED_TRACE(Full ? "over other rows" : "into empty tables");
-    const TTestDatabase Target = Made(Engine, Full ? "full.db" : "empty.db", Schema, Full ? Schema.OtherRows : "");
+    const TTestDatabase Target = Made(Engine, "target", Schema, Full ? Schema.OtherRows : "");
     const TDatabaseState Before = StateOf(Target);
     const TArguments Replace = Full ? TArguments{"--replace"} : TArguments();
     if (!Schema.Refused.empty()) ExpectRefusal(Target, Before, Replace);
@@ -104,13 +104,13 @@ class TPostgreSQLSchemasTest : public TSchemaTest, public testing::WithParamInte
 TEST_P(TPostgreSQLSchemasTest, MovesFromEngineToEngine) {
   const std::string Engines[] = {"sqlite", "postgresql"};
   const TSchema Schemas[] = {ReadSchema(GetParam(), Engines[0]), ReadSchema(GetParam(), Engines[1])};
-  const TTestDatabase Sources[] = {Made(Engines[0], "source.db", Schemas[0], Schemas[0].Rows),
-                                   Made(Engines[1], "", Schemas[1], Schemas[1].Rows)};
+  const TTestDatabase Sources[] = {Made(Engines[0], "source", Schemas[0], Schemas[0].Rows),
+                                   Made(Engines[1], "source", Schemas[1], Schemas[1].Rows)};
   for (const int From : {0, 1}) {
     const int To = 1 - From;
     SCOPED_TRACE("to " + Engines[To]);
     Export(Sources[From]);
-    const TTestDatabase Target = Made(Engines[To], "full.db", Schemas[To], Schemas[To].OtherRows);
+    const TTestDatabase Target = Made(Engines[To], "target", Schemas[To], Schemas[To].OtherRows);
     const TOutcome Outcome = Run(Import(Target, TArguments{"--replace"} + Schemas[To].Options));
     EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
     if (Outcome.ExitCode == 0) ExpectState(StateOf(Target), StateOf(Sources[To]));

@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-#include "tests/roundtrip/RoundTrip.h"
+#include "tests/roundtrip/TestDatabase.h"
 
 namespace velkrund::tests {
 

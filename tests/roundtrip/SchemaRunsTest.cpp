@@ -150,6 +150,29 @@ TEST_P(TSchemaRunsTest, WritersGoOn) {
   EXPECT_NE(Target.Text("SELECT count(*) FROM children WHERE i >= 1000000"), "0\n");
 }
 
+// What empties the last table deletes the rows of the first one too.
+TEST_F(TSchemaTest, PostgreSQLKeepsWhatWasLoadedWhenRowsGoWithOthers) {
+  const std::string Tables =
+      "CREATE TABLE first (i integer); CREATE TABLE last (i integer); INSERT INTO last VALUES (1);";
+  const std::string Function =
+      "CREATE FUNCTION g() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN DELETE FROM first; RETURN OLD; END'; ";
+  Export(Made("postgresql", "source", Tables + "INSERT INTO first VALUES (1), (2)"));
+  for (const std::string& Deletes :
+       {Function + "CREATE TRIGGER g BEFORE DELETE ON last FOR EACH ROW EXECUTE FUNCTION g()",
+        Function + "CREATE TRIGGER g AFTER DELETE ON last EXECUTE FUNCTION g()",
+        Function + "CREATE CONSTRAINT TRIGGER g AFTER DELETE ON last DEFERRABLE INITIALLY DEFERRED FOR EACH ROW "
+                   "EXECUTE FUNCTION g()",
+        std::string("CREATE RULE g AS ON DELETE TO last DO ALSO DELETE FROM first")}) {
+    for (const TArguments& Options : {TArguments(), TArguments{"--commit", "each"}}) {
+      SCOPED_TRACE(Deletes + Joined(Options));
+      const TTestDatabase Target = Made("postgresql", "target", Tables + Deletes);
+      const TOutcome Outcome = Run(Import(Target, TArguments{"--replace"} + Options));
+      EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+      EXPECT_EQ(Target.Text("SELECT count(*) FROM first"), "2\n") << Outcome.Errors;
+    }
+  }
+}
+
 /// The middle of a run over the tables of a schema: a table more, whose one row is kept waiting or refused.
 class TPostgreSQLMiddleTest : public TSchemaTest {
  protected:

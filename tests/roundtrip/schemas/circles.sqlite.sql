@@ -1,0 +1,24 @@
+-- Circles of keys over one, two and three tables.
+CREATE TABLE employees (id INTEGER PRIMARY KEY, boss INTEGER NOT NULL REFERENCES employees (id));
+CREATE TABLE departments (id INTEGER PRIMARY KEY, head INTEGER NOT NULL REFERENCES people (id));
+CREATE TABLE people (id INTEGER PRIMARY KEY, department INTEGER NOT NULL REFERENCES departments (id));
+CREATE TABLE stone (id INTEGER PRIMARY KEY, beats INTEGER REFERENCES scissors (id) DEFERRABLE INITIALLY DEFERRED);
+CREATE TABLE paper (id INTEGER PRIMARY KEY, beats INTEGER REFERENCES stone (id));
+CREATE TABLE scissors (id INTEGER PRIMARY KEY, beats INTEGER REFERENCES paper (id) DEFERRABLE INITIALLY IMMEDIATE);
+CREATE TABLE players (id INTEGER PRIMARY KEY, hand INTEGER NOT NULL REFERENCES stone (id) ON DELETE CASCADE);
+-- rows
+INSERT INTO employees VALUES (1, 3), (2, 1), (3, 3);
+INSERT INTO departments VALUES (1, 11), (2, 12);
+INSERT INTO people VALUES (11, 1), (12, 1), (13, 2);
+INSERT INTO stone VALUES (1, 3), (2, NULL);
+INSERT INTO paper VALUES (2, 1);
+INSERT INTO scissors VALUES (3, 2);
+INSERT INTO players VALUES (5, 1), (6, 2);
+-- other rows
+INSERT INTO employees VALUES (3, 4), (4, 3);
+INSERT INTO departments VALUES (1, 13);
+INSERT INTO people VALUES (13, 1);
+INSERT INTO stone VALUES (1, 4);
+INSERT INTO paper VALUES (4, 1);
+INSERT INTO scissors VALUES (4, 4);
+INSERT INTO players VALUES (5, 1);

@@ -15,6 +15,9 @@ const TCommandTexts ExportTableTexts = {
     "All tables are read as they are at one moment. The sections are added to the file, which is made when it does not "
     "exist. A section of the same name that is there already is asked about, unless --overwrite or --add says what to "
     "do.\n\n"
+    "Rows stand in the order of the table's primary key, or else of a unique key whose columns are never NULL: the "
+    "same rows give the same text, whatever engine holds them. Texts in keys are compared byte by byte. Tables without "
+    "such a key are named at the end.\n\n"
     "A file that is made here and gets no section, because the export fails or is cancelled, is removed again. What "
     "is finished stays.",
     {{"export table -d sqlite:shop.db -t ORDERS -o orders.eif", "one table"},
@@ -46,6 +49,10 @@ std::vector<TOptionGroup> TExportTable::Options() {
       Switch("--all", "all tables of the database; views and tables that the engine does not keep are left out", FAll),
       OutputOption(FJob),
       CommaList("--fields", "A,B", "only these fields", FJob.Fields),
+      Choice<TRowOrder>("--row-order",
+                        "of every table: by its primary key, or else a unique one, or as the engine has them, which is "
+                        "quickest (default: key)",
+                        {{"key", TRowOrder::Key}, {"any", TRowOrder::Any}}, FJob.RowOrder),
       SectionOption(FJob, "the table's")};
   for (TOption& Option : OtherExportOptions(FJob, "table")) Own.push_back(std::move(Option));
   return {{"Options", Own}, Shared.General()};

@@ -56,6 +56,7 @@ void TExportJob::Run() {
   } const Closer{FOutput};
   Settle();
   Write();
+  AddNotes();
   Finish();
 }
 

@@ -42,6 +42,8 @@ class TExportJob : public TSectionsJob {
   virtual void Prepare(const TItem& Item) = 0;
   /// Takes over what the operation counted.
   virtual void AfterRun(TItem& /*Item*/) {}
+  /// Says what a person should know about all that was written.
+  virtual void AddNotes() {}
 
  private:
   /// What is there already under the name of a new section, and what becomes of it.

@@ -12,9 +12,13 @@ namespace {
 
 using TThis = TJobExportTables;
 
+constexpr std::string_view Orders[] = {"key", "any"};
+
 constexpr TProperty Properties[] = {
     PropertyOf<&TThis::Tables>("Tables", "the tables to save; empty: all of the database"),
     PropertyOf<&TThis::Fields>("Fields", "for one table: the only fields to save; empty: all"),
+    ChoiceOf<&TThis::RowOrder>("RowOrder", "of every table: by its key, or as the engine has them, which is quickest",
+                               Orders),
 };
 
 }  // namespace
@@ -42,6 +46,7 @@ std::vector<std::string> TJobExportTables::AllTables() {
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
 std::vector<TItem> TJobExportTables::Plan() {
   FOperation.Fields = TStringList(Fields);
+  FOperation.KeyOrder = RowOrder == TRowOrder::Key;
   std::vector<TItem> Result;
   std::set<std::string> Seen;
   const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
@@ -56,6 +61,18 @@ std::vector<TItem> TJobExportTables::Plan() {
     Result.push_back(std::move(Item));
   }
   return Result;
+}
+
+void TJobExportTables::AddNotes() {
+  std::vector<std::string> Unordered;
+  for (const TItem& Item : FOutcome.Items)
+    if (RowOrder == TRowOrder::Key && Item.State == TItemState::Done && !Item.Counts.InKeyOrder)
+      Unordered.push_back(Item.Table);
+  if (!Unordered.empty())
+    FOutcome.Notes.push_back(
+        "in the engine's own order of rows, which may differ the next time, for want of a key "
+        "whose columns are never NULL: " +
+        Joined(Unordered));
 }
 
 }  // namespace velkrund

@@ -16,6 +16,7 @@ class TJobExportTables final : public TExportJob {
 
   std::vector<std::string> Tables;  // none: all that the engine itself keeps
   std::vector<std::string> Fields;  // of one table: the only ones to save; none: all
+  TRowOrder RowOrder = TRowOrder::Key;
 
   void CheckSettings() const override;
 
@@ -28,6 +29,7 @@ class TJobExportTables final : public TExportJob {
   TExportUtilOperation& Operation() override { return FOperation; }
   void Prepare(const TItem& Item) override { FOperation.TableName = Item.Table; }
   void AfterRun(TItem& Item) override { Item.Counts = FOperation.Report; }
+  void AddNotes() override;
 
  private:
   std::vector<std::string> AllTables();

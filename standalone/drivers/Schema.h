@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkrund/platform/ormtools/Variant.h"
@@ -52,5 +53,12 @@ struct TTableDescription {
   TTableInfo Table;
   std::vector<TColumnInfo> Columns;  // in physical order
 };
+
+/// The place of a column among the description's; -1 when it is none.
+inline int IndexOf(const TTableDescription& Table, std::string_view Name) {
+  for (std::size_t I = 0; I < Table.Columns.size(); ++I)
+    if (Table.Columns[I].Name == Name) return static_cast<int>(I);
+  return -1;
+}
 
 }  // namespace velkrund

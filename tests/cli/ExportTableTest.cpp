@@ -65,6 +65,26 @@ TEST_F(TExportTableTest, OptionsShowInTheFile) {
   }
 }
 
+TEST_F(TExportTableTest, TheSameRowsGiveTheSameTextUnlessAnyOrderWillDo) {
+  const std::string Keyed = "CREATE TABLE K (ID TEXT PRIMARY KEY); CREATE TABLE N (V);";
+  Query("one.db", Keyed + "INSERT INTO K VALUES ('b'), ('a'); INSERT INTO N VALUES (1)");
+  Query("two.db", Keyed + "INSERT INTO K VALUES ('a'), ('b'); INSERT INTO N VALUES (1)");
+  const auto Rows = [&](const std::string& Database, const TArguments& More) {
+    unlink(Path("F").c_str());
+    TArguments Line = {"export", "table", "-d", "sqlite:" + Database, "--all", "-o", "F"};
+    Line.insert(Line.end(), More.begin(), More.end());
+    const std::string Notes = RunJson(Line)["notes"].dump();
+    return Notes + Read("F");
+  };
+  const std::string InOrder = Rows("one.db", {});
+  EXPECT_EQ(InOrder, Rows("two.db", {}));
+  EXPECT_NE(InOrder.find("<'a'>\r\n  <'b'>"), std::string::npos) << InOrder;
+  EXPECT_NE(InOrder.find("never NULL: N\"]"), std::string::npos) << InOrder;
+  const std::string Any = Rows("one.db", {"--row-order", "any"});
+  EXPECT_NE(Any.find("<'b'>\r\n  <'a'>"), std::string::npos) << Any;
+  EXPECT_EQ(Any.rfind("[]", 0), 0U) << Any;
+}
+
 TEST_F(TExportTableTest, SectionsThatAreThere) {
   struct TCase {
     TArguments Options;

@@ -18,11 +18,29 @@ TEST_F(SQLiteRowsTest, RowsComeInRowOrderThoughAnIndexHoldsAllColumns) {
   for (const char* Value : {"3", "1", "2"}) Run(std::string("INSERT INTO T (A) VALUES (") + Value + ")");
   const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable("T"));
   const int Columns[] = {0};
-  const auto Cursor = Connection->Rows().OpenCursor(Table, Columns);
+  const auto Cursor = Connection->Rows().OpenCursor(Table, Columns, {});
   std::vector<std::int64_t> Read;
   TKvVariant Value;
   while (Cursor->Next()) Cursor->Read(0, Value), Read.push_back(Value.AsInteger());
   EXPECT_THAT(Read, ElementsAre(3, 1, 2));
+}
+
+TEST_F(SQLiteRowsTest, KeysAreInOneOrderInEveryEncoding) {
+  for (const char* Encoding : {"UTF-8", "UTF-16le", "UTF-16be"}) {
+    SCOPED_TRACE(Encoding);
+    const std::string Path = Folder / Encoding;
+    Connection = Connect(Path);
+    Run(std::string("PRAGMA encoding = '") + Encoding + "'");
+    Run("CREATE TABLE T (K COLLATE NOCASE PRIMARY KEY)");
+    Run("INSERT INTO T VALUES ('b'), ('B1'), ('A'), (NULL), (3), (-0.5), (x'00'), ('ä'), ('€'), ('🚚'), ('\uFF01')");
+    Connection = Connect(Path);
+    TDriverTable Table = Open("T");
+    EXPECT_TRUE(Table.OrderByKey());
+    std::vector<std::string> Keys;
+    for (bool Has = Table.First(); Has; Has = Table.Next())
+      Table.Record().Fields(0).Value().AppendAsText(Keys.emplace_back());
+    EXPECT_THAT(Keys, ElementsAre("", "-0.5", "3", "A", "B1", "b", "ä", "€", "\uFF01", "🚚", std::string(1, '\0')));
+  }
 }
 
 TEST_F(SQLiteRowsTest, NoRowIsDroppedWithoutAWord) {

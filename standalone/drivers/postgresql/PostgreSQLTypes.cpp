@@ -115,7 +115,7 @@ std::string TableStatement() {
       "pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname), "
       "EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.conrelid = c.oid AND k.contype = 'f' "
       "AND NOT k.condeferred AND (k.confrelid = c.oid OR k.confrelid = ANY ("
-      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))) "
+      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))), a.attcollation <> '0' "
       "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
       "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
       "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
@@ -154,6 +154,7 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
     Column.Info.Generated = Rows.Boolean(Row, 5);
     Column.Info.KeyPosition = static_cast<int>(Rows.Integer(Row, 6));
     Column.OutputFunction = Rows.Copy(Row, 11);
+    Column.HasCollation = Rows.Boolean(Row, 13);
     SetType(Column, Rows.Integer(Row, 7), Rows.Integer(Row, 8), Rows.Integer(Row, 9), Rows.Text(Row, 10));
     Result.Columns.push_back(std::move(Column));
   }

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <utility>
+
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "standalone/drivers/sqlite/SQLiteTypes.h"
@@ -84,6 +86,24 @@ TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
   if (Result.Columns.empty())
     throw EDatabaseError(Format("There is no table '%s' in the database", Table.Name),
                          {.Code = TErrorCode::TableMissing, .Table = Table.Name});
+  return Result;
+}
+
+std::vector<std::vector<int>> TSQLiteSchemaReader::UniqueKeys(const TTableDescription& Table) {
+  // An expression has no name; a key with one is no use to anybody here.
+  TSQLiteStatement Keys(
+      FDatabase,
+      "SELECT l.seq, x.name FROM pragma_index_list(?1, 'main') l CROSS JOIN pragma_index_xinfo(l.name, 'main') x "
+      "WHERE l.\"unique\" AND NOT l.partial AND l.origin <> 'pk' AND x.key AND NOT EXISTS (SELECT 1 FROM "
+      "pragma_index_xinfo(l.name, 'main') e WHERE e.key AND e.name IS NULL) ORDER BY l.seq, x.seqno",
+      Format("Cannot read the keys of table '%s'", Table.Table.Name));
+  Keys.BindText(1, Table.Table.Name);
+  std::vector<std::vector<int>> Result;
+  std::int64_t Last = -1;
+  while (Keys.Step()) {
+    if (Keys.Integer(0) != std::exchange(Last, Keys.Integer(0))) Result.emplace_back();
+    Result.back().push_back(IndexOf(Table, Keys.Text(1)));
+  }
   return Result;
 }
 

@@ -17,6 +17,7 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   std::vector<TTableInfo> Tables() override;
   std::optional<TTableInfo> FindTable(std::string_view Name) override;
   TTableDescription Describe(const TTableInfo& Table) override;
+  std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) override;
   std::int64_t RowCount(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 

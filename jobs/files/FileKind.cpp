@@ -13,6 +13,7 @@ using std::string_view_literals::operator""sv;
 
 constexpr std::size_t BytesLookedAt = 4096;
 constexpr char CommentMark = ';';
+constexpr std::string_view SectionMark = "[SECTION]";
 
 struct TKnownBeginning {
   std::string_view Bytes;
@@ -37,6 +38,20 @@ constexpr TKnownBeginning KnownBeginnings[] = {
     {"PGDMP"sv, "a dump of PostgreSQL", "pg_restore reads it"},
 };
 
+/// Without the mark and the blanks before the first word.
+std::string_view PlainText(std::string_view Start) {
+  if (Start.starts_with(ByteOrderMark)) Start.remove_prefix(ByteOrderMark.size());
+  return Trim(Start);
+}
+
+std::optional<TForeignKind> KindOfStart(std::string_view Start) {
+  for (const auto& [Bytes, What, Advice] : KnownBeginnings)
+    if (Start.starts_with(Bytes)) return TForeignKind{What, Advice};
+  const std::string_view Text = PlainText(Start);
+  if (Text.empty() || Text.front() == CommentMark) return std::nullopt;
+  return TForeignKind{"not an export/import file", {}};
+}
+
 }  // namespace
 
 std::optional<TForeignKind> ForeignKind(TEIFile& File) {
@@ -44,13 +59,11 @@ std::optional<TForeignKind> ForeignKind(TEIFile& File) {
   std::string Start(BytesLookedAt, '\0');
   File.Stream().SetPosition(0);
   Start.resize(File.Stream().Read(Start.data(), Start.size()));
-  for (const auto& [Bytes, What, Advice] : KnownBeginnings)
-    if (Start.starts_with(Bytes)) return TForeignKind{What, Advice};
-  std::string_view Text = Start;
-  if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
-  Text = Trim(Text);
-  if (Text.empty() || Text.front() == CommentMark) return std::nullopt;
-  return TForeignKind{"not an export/import file", {}};
+  return KindOfStart(Start);
+}
+
+std::optional<TForeignKind> ForeignStart(std::string_view Start) {
+  return PlainText(Start).starts_with(SectionMark) ? std::nullopt : KindOfStart(Start);
 }
 
 void RefuseForeignFile(TEIFile& File, const std::string& Name) {

@@ -170,6 +170,48 @@ TEST_F(TExportTableTest, AFailureLeavesEverythingAsItWas) {
   EXPECT_EQ(Names("H"), "B");
 }
 
+TEST_F(TExportTableTest, AFileMadeAfreshHoldsAllThatWasAskedForOrIsAsItWas) {
+  Query("shop.db", "UPDATE A SET NAME = '東京' WHERE ID = 3");
+  RunJson(Export({"-t", "B", "-o", "old", "--section", "OLD"}));
+  const std::string Old = Read("old"), Torn = Old.substr(0, Old.size() - 9);
+  RunJson(Export({"--all", "-o", "both"}));
+  const struct {
+    std::string Before;  // in F; empty: it is not there
+    TArguments Options;
+    int ExitCode;
+    std::string After;
+    std::string Says;
+  } Cases[] = {
+      {Old, {"--all"}, 0, Read("both"), "in all 2 sections"},
+      {"", {"--all"}, 0, Read("both"), "in all 2 sections"},
+      {Torn, {"--all"}, 0, Read("both"), "in all 2 sections"},
+      {Old, {"-t", "B", "-t", "A", "--encoding", "ansi"}, 1, Old, "taken back"},
+      {Old, {"--all", "--encoding", "ansi", "--on-error", "continue"}, 1, Old, "'link' is left as it was"},
+      {"", {"--all", "--encoding", "ansi", "--on-error", "continue"}, 1, "", "'F' is left as it was"},
+      {"Dear diary", {"--all"}, 1, "Dear diary", "is not an export/import file: it is not replaced"},
+  };
+  symlink("F", Path("link").c_str());
+  for (const auto& [Before, Options, ExitCode, After, Says] : Cases) {
+    SCOPED_TRACE(Before + Joined(Options));
+    unlink(Path("F").c_str());
+    if (!Before.empty()) Write("F", Before);
+    if (!Before.empty()) chmod(Path("F").c_str(), 0640);
+    TArguments Arguments = Export({"-o", Before.empty() ? "F" : "link", "--new"});
+    Arguments.insert(Arguments.end(), Options.begin(), Options.end());
+    const TOutcome Outcome = Run(Arguments);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Outcome.Errors;
+    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Outcome.Errors;
+    EXPECT_EQ(Read("F"), After);
+    EXPECT_EQ(Exists("F"), !After.empty());
+    struct stat Status = {};
+    if (!Before.empty() && stat(Path("F").c_str(), &Status) == 0) {
+      EXPECT_EQ(Status.st_mode & 0777, 0640U);
+    }
+  }
+  unlink(Path("link").c_str());
+  EXPECT_EQ(Files(), (TArguments{"F", "both", "empty.db", "old", "shop.db"}));
+}
+
 TEST_F(TExportTableTest, FilesThatCanNotBeUsed) {
   Write("text.txt", "Dear diary,\r\n");
   RunJson(Export({"-t", "A", "-o", "locked.eif"}));

@@ -49,7 +49,8 @@ std::vector<TOptionGroup> TExportTable::Options() {
   std::vector<TOption> Own = {
       Shared.DatabaseOption(),
       NotWith(List("-t,--table", "TABLE", "a table to export", FJob.Tables), {"--all"}),
-      Switch("--all", "all tables of the database; views and tables that the engine does not keep are left out", FAll),
+      Switch("--all", "all tables of the database; views and tables without rows of their own are left out and named",
+             FAll),
       OutputOption(FJob),
       CommaList("--fields", "A,B", "only these fields", FJob.Fields),
       Choice<TRowOrder>("--row-order",

@@ -1,8 +1,10 @@
 #include "jobs/tables/ExportTables.h"
 
+#include <map>
 #include <set>
 
 #include "jobs/tables/TableSearch.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
@@ -11,6 +13,19 @@ namespace velkrund {
 namespace {
 
 using TThis = TJobExportTables;
+
+struct TKindLeftOut {
+  TTableKind Kind;
+  const char* What;
+};
+
+constexpr TKindLeftOut KindsLeftOut[] = {
+    {TTableKind::View, "views"},
+    {TTableKind::Foreign, "tables whose rows are on other servers"},
+    {TTableKind::IndexOfTable, "indexes of words over the rows of other tables, to be rebuilt when these are loaded"},
+    {TTableKind::IndexAlone, "indexes of words that do not keep the texts"},
+    {TTableKind::Computed, "virtual tables whose rows are computed or kept elsewhere"},
+};
 
 constexpr std::string_view Orders[] = {"key", "any"};
 
@@ -34,17 +49,32 @@ void TJobExportTables::CheckSettings() const {
 }
 
 std::vector<std::string> TJobExportTables::AllTables() {
-  std::vector<std::string> Result, LeftOut;
+  std::map<TTableKind, std::vector<std::string>> Names;
   for (const TTableInfo& Table : Manager().Tables(DatabaseName))
-    (Table.Kind == TTableKind::Table ? Result : LeftOut).push_back(FullName(Table));
+    Names[Table.Kind == TTableKind::Extension ? TTableKind::Table : Table.Kind].push_back(FullName(Table));
+  std::vector<std::string> Result = std::move(Names[TTableKind::Table]);
   if (Result.empty()) FOutcome.Notes.emplace_back("there are no tables");
-  if (!LeftOut.empty())
-    FOutcome.Notes.push_back("left out, being views or tables that the engine does not keep: " + Joined(LeftOut));
+  for (const auto& [Kind, What] : KindsLeftOut)
+    if (!Names[Kind].empty()) FOutcome.Notes.push_back(Format("left out, being %s: %s", What, Joined(Names[Kind])));
   return Result;
+}
+
+/// What has no rows to save would give an empty section, or one of NULLs.
+void TJobExportTables::RefuseWithoutRows() const {
+  for (const std::string& Name : Tables) {
+    const auto Table = Manager().Databases().Connection(DatabaseName).Schema().FindTable(Name);
+    if (Table && (Table->Kind == TTableKind::IndexOfTable || Table->Kind == TTableKind::IndexAlone))
+      throw EDatabaseError(
+          Format("The table '%s' has no rows of its own: it is an index of words%s", FullName(*Table),
+                 Table->Kind == TTableKind::IndexAlone ? " that does not keep the texts"
+                                                       : " over another table's rows. Export that one"),
+          {.Table = FullName(*Table), .Database = FOutcome.Database});
+  }
 }
 
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
 std::vector<TItem> TJobExportTables::Plan() {
+  RefuseWithoutRows();
   FOperation.Fields = TStringList(Fields);
   FOperation.KeyOrder = RowOrder == TRowOrder::Key;
   std::vector<TItem> Result;

@@ -14,7 +14,7 @@ class TJobExportTables final : public TExportJob {
  public:
   TJobExportTables() : TExportJob("table", TSectionRole::TableData, "rows") {}
 
-  std::vector<std::string> Tables;  // none: all that the engine itself keeps
+  std::vector<std::string> Tables;  // none: all that have rows of their own in the database
   std::vector<std::string> Fields;  // of one table: the only ones to save; none: all
   TRowOrder RowOrder = TRowOrder::Key;
 
@@ -33,6 +33,7 @@ class TJobExportTables final : public TExportJob {
 
  private:
   std::vector<std::string> AllTables();
+  void RefuseWithoutRows() const;
 
   TUOExportTableData FOperation;
 };

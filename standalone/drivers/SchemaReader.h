@@ -34,6 +34,9 @@ class TSchemaReader {
   /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
   virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
 
+  /// Those of all tables.
+  virtual std::vector<TTextIndex> TextIndexes() { return {}; }
+
   /// Those among the tables of users.
   virtual std::vector<TForeignKey> ForeignKeys() = 0;
   /// Of the foreign keys of that table; none where the engine enforces them.

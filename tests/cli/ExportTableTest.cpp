@@ -85,6 +85,27 @@ TEST_F(TExportTableTest, TheSameRowsGiveTheSameTextUnlessAnyOrderWillDo) {
   EXPECT_EQ(Any.rfind("[]", 0), 0U) << Any;
 }
 
+TEST_F(TExportTableTest, WhatIsLeftOutOfAllIsNamedWithItsReason) {
+  Query("shop.db",
+        "CREATE VIEW V AS SELECT * FROM B; CREATE VIRTUAL TABLE F USING fts5(X); CREATE VIRTUAL TABLE R USING "
+        "rtree(I, X0, X1); CREATE VIRTUAL TABLE E USING fts5(X, content = 'B'); CREATE VIRTUAL TABLE C USING "
+        "fts4(X, content=\"\"); CREATE VIRTUAL TABLE W USING fts5vocab(F, row)");
+  const auto Report = RunJson(Export({"--all", "-o", "F"}));
+  EXPECT_EQ(Names("F"), "A B F R");
+  EXPECT_EQ(Report["notes"],
+            nlohmann::json({"left out, being views: V",
+                            "left out, being indexes of words over the rows of other tables, to be rebuilt when these "
+                            "are loaded: E",
+                            "left out, being indexes of words that do not keep the texts: C",
+                            "left out, being virtual tables whose rows are computed or kept elsewhere: W"}));
+  for (const char* Name : {"E", "C"}) {
+    const TOutcome Outcome = Run(Export({"-t", Name, "-o", "G"}));
+    EXPECT_EQ(Outcome.ExitCode, 1);
+    EXPECT_NE(Outcome.Errors.find("has no rows of its own"), std::string::npos) << Outcome.Errors;
+    EXPECT_FALSE(Exists("G"));
+  }
+}
+
 TEST_F(TExportTableTest, SectionsThatAreThere) {
   struct TCase {
     TArguments Options;

@@ -26,6 +26,7 @@ class TSQLiteConnection final : public TConnection {
   void Commit() override;
   void Rollback() override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  void RebuildTextIndex(const TTableInfo& Index) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 
  private:

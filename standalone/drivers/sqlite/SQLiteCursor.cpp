@@ -45,7 +45,9 @@ std::string SelectText(const TTableDescription& Table, std::span<const int> Colu
   if (Table.Table.Kind == TTableKind::Table) Text += " NOT INDEXED";
   const char* Separator = " ORDER BY ";
   for (const int Column : Order) {
-    Text += Separator + Name(Column) + " COLLATE " + (Wide ? Utf8Order : "BINARY");
+    Text += Separator + Name(Column);
+    // Their keys are numbers, and only when asked for plainly are their rows known to stand so.
+    if (Table.Table.Kind != TTableKind::Extension) Text += std::string(" COLLATE ") + (Wide ? Utf8Order : "BINARY");
     Separator = ", ";
   }
   return Text;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standalone/drivers/Connection.h"
+#include "standalone/drivers/sqlite/SQLiteVirtualTable.h"
 
 struct sqlite3;
 
@@ -21,6 +22,9 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   std::int64_t RowCount(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 
+  /// Those whose table is there.
+  std::vector<TTextIndex> TextIndexes() override;
+
   /// Those that name a table which is not there are not among them.
   std::vector<TForeignKey> ForeignKeys() override;
   TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
@@ -28,6 +32,9 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   bool HasCatalogueTable(const std::string& Name) override;
 
  private:
+  TTableKind KindOfTable(const std::string& Name, std::string_view Type);
+  TSQLiteVirtualTable Virtual(const std::string& Name);
+
   sqlite3* FDatabase;
   const TCapabilities& FCapabilities;
 };

@@ -43,6 +43,7 @@ constexpr TNumberedType Types[] = {
     {1184, TPostgreSQLType::TimestampTz, TKvKind::DateTime},
     {1266, TPostgreSQLType::TimeTz, TKvKind::String},
     {1700, TPostgreSQLType::Numeric, TKvKind::String},
+    {1790, TPostgreSQLType::Text, TKvKind::String},  // refcursor, whose output function is that of text
 };
 
 constexpr int MaxNameBytes = 63;

@@ -28,6 +28,11 @@ std::vector<TOption> OtherExportOptions(TExportJob& Job, const std::string& What
       NotWith(Assigning("--add", "keep a section of that name that is there beside the new one",
                         Policies.ExistingSections, TExisting::Add),
               {"--overwrite"}),
+      NotWith(Switch("--new",
+                     "make the file afresh: what was there is replaced in one step at the end, and stays if anything "
+                     "fails",
+                     Job.NewFile),
+              {"--overwrite", "--add"}),
       TSharedOptions::AllowLossOption(Policies),
       TSharedOptions::OnErrorOption(Policies)};
 }

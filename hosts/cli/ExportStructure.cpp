@@ -18,7 +18,8 @@ const TCommandTexts ExportStructureTexts = {
     "where only a part is exported: \"CLIENTS (12) Columns\".\n\n"
     "The sections are added to the file, which is made when it does not exist. A section of the same name that is "
     "there "
-    "already is asked about, unless --overwrite or --add says what to do.\n\n"
+    "already is asked about, unless --overwrite or --add says what to do. With --new the file is made afresh; unless "
+    "all of the run is done, it is left as it was.\n\n"
     "A file that is made here and gets no section, because the export fails or is cancelled, is removed again. What "
     "is finished stays.",
     {{"export structure -d sqlite:shop.db --type 12 --name CLIENTS -o clients.eif", "one form"},

@@ -14,12 +14,18 @@ const TCommandTexts ExportTableTexts = {
     "-d DB (-t TABLE... | --all) -o FILE",
     "All tables are read as they are at one moment. The sections are added to the file, which is made when it does not "
     "exist. A section of the same name that is there already is asked about, unless --overwrite or --add says what to "
-    "do.\n\n"
+    "do. With --new the file is made afresh, and holds what is there now and nothing else; unless all of the run is "
+    "done, "
+    "it is left as it was.\n\n"
+    "Rows stand in the order of the table's primary key, or else of a unique key whose columns are never NULL: the "
+    "same rows give the same text, whatever engine holds them. Texts in keys are compared byte by byte. Tables without "
+    "such a key are named at the end.\n\n"
     "A file that is made here and gets no section, because the export fails or is cancelled, is removed again. What "
     "is finished stays.",
     {{"export table -d sqlite:shop.db -t ORDERS -o orders.eif", "one table"},
      {"export table -d sqlite:shop.db --all -o shop.eif --overwrite yes",
       "all tables; sections of an earlier export are replaced"},
+     {"export table -d sqlite:shop.db --all -o shop.eif --new", "all tables as they are now, every night"},
      {"export table -d sqlite:shop.db -t ORDERS -o - | velkrund import table -d sqlite:other.db -i - --replace",
       "from one database into another"},
      {"export table -d shop -t ORDERS -t LINES -o old.eif --release rv17",
@@ -43,9 +49,14 @@ std::vector<TOptionGroup> TExportTable::Options() {
   std::vector<TOption> Own = {
       Shared.DatabaseOption(),
       NotWith(List("-t,--table", "TABLE", "a table to export", FJob.Tables), {"--all"}),
-      Switch("--all", "all tables of the database; views and tables that the engine does not keep are left out", FAll),
+      Switch("--all", "all tables of the database; views and tables without rows of their own are left out and named",
+             FAll),
       OutputOption(FJob),
       CommaList("--fields", "A,B", "only these fields", FJob.Fields),
+      Choice<TRowOrder>("--row-order",
+                        "of every table: by its primary key, or else a unique one, or as the engine has them, which is "
+                        "quickest (default: key)",
+                        {{"key", TRowOrder::Key}, {"any", TRowOrder::Any}}, FJob.RowOrder),
       SectionOption(FJob, "the table's")};
   for (TOption& Option : OtherExportOptions(FJob, "table")) Own.push_back(std::move(Option));
   return {{"Options", Own}, Shared.General()};

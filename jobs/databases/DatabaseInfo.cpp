@@ -31,6 +31,11 @@ const char* KindText(TTableKind Kind) {
       return "view";
     case TTableKind::Foreign:
       return "foreign";
+    case TTableKind::Extension:
+    case TTableKind::IndexOfTable:
+    case TTableKind::IndexAlone:
+    case TTableKind::Computed:
+      return "virtual";
     case TTableKind::Table:
       break;
   }

@@ -15,6 +15,7 @@ using std::string_view_literals::operator""sv;
 constexpr std::size_t BytesLookedAt = 4096;
 constexpr char CommentMark = ';';
 constexpr std::size_t TarMarkAt = 257;
+constexpr std::string_view SectionMark = "[SECTION]";
 
 struct TKnownBeginning {
   std::string_view Bytes;
@@ -69,15 +70,13 @@ bool HoldsOnlyRemarks(std::string_view Text) {
   return true;
 }
 
-}  // namespace
+std::string_view WithoutMark(std::string_view Start) {
+  if (Start.starts_with(ByteOrderMark)) Start.remove_prefix(ByteOrderMark.size());
+  return Start;
+}
 
-std::optional<TForeignKind> ForeignKind(TEIFile& File) {
-  if (File.Sections().Count() > 0) return std::nullopt;
-  std::string Start(BytesLookedAt, '\0');
-  File.Stream().SetPosition(0);
-  Start.resize(File.Stream().Read(Start.data(), Start.size()));
-  std::string_view Text = Start;
-  if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
+std::optional<TForeignKind> KindOfStart(std::string_view Start) {
+  const std::string_view Text = WithoutMark(Start);
   for (const auto& [Bytes, What, Advice] : KnownBeginnings)
     if (Text.starts_with(Bytes)) return TForeignKind{What, Advice};
   if (Text.substr(std::min(TarMarkAt, Text.size())).starts_with("ustar"))
@@ -85,6 +84,20 @@ std::optional<TForeignKind> ForeignKind(TEIFile& File) {
   if (IsUtf16(Text)) return TForeignKind{"a text in UTF-16", Convert};
   if (HoldsOnlyRemarks(Text)) return std::nullopt;
   return TForeignKind{"not an export/import file", {}};
+}
+
+}  // namespace
+
+std::optional<TForeignKind> ForeignKind(TEIFile& File) {
+  if (File.Sections().Count() > 0) return std::nullopt;
+  std::string Start(BytesLookedAt, '\0');
+  File.Stream().SetPosition(0);
+  Start.resize(File.Stream().Read(Start.data(), Start.size()));
+  return KindOfStart(Start);
+}
+
+std::optional<TForeignKind> ForeignStart(std::string_view Start) {
+  return Trim(WithoutMark(Start)).starts_with(SectionMark) ? std::nullopt : KindOfStart(Start);
 }
 
 void RefuseForeignFile(TEIFile& File, const std::string& Name) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "velkrund/eif/EIFile.h"
 
@@ -16,6 +17,9 @@ struct TForeignKind {
 /// Looks at the beginning of a file without sections, and moves its stream. Nothing for a file that has sections, and
 /// for one that could get them: with nothing but remarks ("; ...") in it. File: opened.
 std::optional<TForeignKind> ForeignKind(TEIFile& File);
+
+/// The same of how a file begins, damaged or not: nothing too for one that begins with a section.
+std::optional<TForeignKind> ForeignStart(std::string_view Start);
 
 /// Raises EEIError for such a file, and for one whose sections no reader sees. Name: for the message.
 void RefuseForeignFile(TEIFile& File, const std::string& Name);

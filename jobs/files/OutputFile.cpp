@@ -4,10 +4,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
-#include "jobs/files/FileBeside.h"
-#include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/files/StrayMarkers.h"
@@ -16,12 +15,29 @@
 
 namespace velkrund {
 
-TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TComplain Complain)
-    : FFiles(Files), FComplain(std::move(Complain)), FName(Name) {
+namespace {
+
+/// The first bytes, which tell what it is.
+std::string StartOf(TFile& File) {
+  constexpr std::size_t BytesLookedAt = 4096;
+  std::string Result(BytesLookedAt, '\0');
+  Result.resize(File.ReadAt(0, Result.data(), Result.size()));
+  return Result;
+}
+
+}  // namespace
+
+TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TComplain Complain,
+                         TOutputUse Use)
+    : FFiles(Files),
+      FComplain(std::move(Complain)),
+      FName(Name),
+      FShownName(Name == "-" ? "standard output" : Name),
+      FUse(Use) {
   if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(FFiles);
   FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : FFiles);
   FFile->SetStrictText(StrictText);
-  FFile->SetFileName(Name == "-" ? "standard output" : Name);
+  FFile->SetFileName(FShownName);
   if (FSpool)
     FFile->Open();
   else
@@ -35,16 +51,40 @@ void TOutputFile::OpenFile() {
   FCreated = Made != nullptr;
   try {
     if (Made) Made->Sync();
-    Made.reset();
-    OpenForSections(*FFile);
-    RefuseForeignFile();
-    RemoveLeftBeside(FFiles, FName);
+    if (FUse == TOutputUse::MakeAfresh)
+      OpenBeside(std::move(Made));
+    else
+      OpenToAdd(std::move(Made));
   } catch (...) {
     Made.reset();
     FFile.reset();
+    FBeside.reset();
+    FOld.reset();
     if (FCreated) RemoveUnlessUsed();
     throw;
   }
+}
+
+void TOutputFile::OpenToAdd(std::unique_ptr<TFile> Made) {
+  Made.reset();
+  OpenForSections(*FFile);
+  const std::optional<TForeignKind> Kind = ForeignKind(*FFile);
+  // What is hidden could have the name of what is added.
+  if (!Kind || Kind->Advice.empty()) RefuseHiddenSections(*FFile, FName);
+  Refuse(Kind);
+  RemoveLeftBeside(FFiles, FName);
+}
+
+/// What is there may be damaged; that it is one of ours is enough.
+void TOutputFile::OpenBeside(std::unique_ptr<TFile> Made) {
+  FOld = Made ? std::move(Made) : FFiles.Open(FName, TFileMode::ReadWrite);
+  Refuse(ForeignStart(StartOf(*FOld)));
+  RemoveLeftBeside(FFiles, FName);
+  // A link stays one: it is the file behind it that is replaced.
+  FPath = std::filesystem::canonical(FName).string();
+  FBeside = std::make_unique<TFileBeside>(FFiles, FPath);
+  FFile->SetFileName(FBeside->Path());
+  FFile->Open();
 }
 
 /// Another program may have found the file meanwhile, and be writing into it, or be done already.
@@ -57,17 +97,15 @@ void TOutputFile::RemoveUnlessUsed() {
   }
 }
 
-void TOutputFile::RefuseForeignFile() {
-  const std::optional<TForeignKind> Kind = ForeignKind(*FFile);
-  // What is hidden could have the name of what is added.
-  if (!Kind || Kind->Advice.empty()) RefuseHiddenSections(*FFile, FName);
-  if (Kind)
-    throw EFOpenError(Format("File '%s' is there already and is %s: nothing is added to it", FName, Kind->What),
-                      {.Code = TErrorCode::FileKind, .File = FName});
+void TOutputFile::Refuse(const std::optional<TForeignKind>& Kind) const {
+  if (!Kind) return;
+  const char* const Spared = FUse == TOutputUse::MakeAfresh ? "it is not replaced" : "nothing is added to it";
+  throw EFOpenError(Format("File '%s' is there already and is %s: %s", FName, Kind->What, Spared),
+                    {.Code = TErrorCode::FileKind, .File = FName});
 }
 
 TOutputFile::~TOutputFile() {
-  if (!FCreated || FFile->Sections().Count() > 0) return;
+  if (!FCreated || (!FBeside && FFile->Sections().Count() > 0)) return;
   try {
     FFiles.Remove(FName);  // still locked
   } catch (const std::exception& Error) {
@@ -78,6 +116,11 @@ TOutputFile::~TOutputFile() {
 void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCanceled& Canceled) {
   FFile->Sync();
   if (!Replaced.empty()) RemoveSections(FFiles, *FFile, Replaced, Canceled);
+  if (FBeside) {
+    if (Canceled && Canceled()) throw EAbort("cancelled before the new file took its place");
+    FBeside->PutAt(FPath);
+    FCreated = false;
+  }
   if (!FSpool || FFile->Sections().Count() == 0) return;
   if (FName == "-") {
     FSpool->DrainTo(STDOUT_FILENO, "standard output", Canceled);

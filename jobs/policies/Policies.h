@@ -32,6 +32,12 @@ enum class TTriggers : int { Fire = 0, Off = 1 };
 /// Rows of tables that are loaded which refer to rows that are nowhere.
 enum class TBrokenReferencePolicy : int { Refuse = 0, Allow = 1 };
 
+/// How the rows of a table stand in a file.
+enum class TRowOrder : int {
+  Key = 0,  // by the primary key or a unique one: the same rows give the same text
+  Any = 1,  // as the engine has them, which is quickest
+};
+
 /// Everything that a person would be asked about or has to allow, decided beforehand: one record for all jobs. What is
 /// left at Ask is asked, through the installed window system: about structures as each one comes, about all else before
 /// anything is changed. Where nobody can be asked it is an EPolicyUnanswered, before anything is changed.

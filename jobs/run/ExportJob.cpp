@@ -22,6 +22,8 @@ constexpr TProperty Properties[] = {
     TPolicyRows::OnError,
     TPolicyRows::AllowLoss,
     PropertyOf<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
+    PropertyOf<&TExportJob::NewFile>("NewFile",
+                                     "make the file afresh, when all of the run is done; otherwise add to it"),
     PropertyOf<&TExportJob::SectionName>("SectionName", "for one section: its name; empty: as the job names it"),
     ChoiceOf<&TExportJob::ReleaseVersion>("ReleaseVersion", "release whose readers the file has to suit", Releases),
     ChoiceOf<&TExportJob::Encoding>("Encoding", "of the sections; default: utf8, with rv17 ansi", Encodings),
@@ -36,6 +38,9 @@ void TExportJob::CheckSettings() const {
   if (Encoding == TKvEncoding::Utf8 && ReleaseVersion == TExportReleaseVersion::rv17)
     throw ESettingsError(Format("%s utf8 does not go with %s rv17, whose readers know ansi only", Setting("Encoding"),
                                 Setting("ReleaseVersion")));
+  if (NewFile && Policies.ExistingSections != TExisting::Ask)
+    throw ESettingsError(Format("%s makes the file afresh: %s is about sections that are there", Setting("NewFile"),
+                                Setting("ExistingSections")));
   if (Several() && !SectionName.empty())
     throw ESettingsError(Format("%s names one section, but several %ss are exported", Setting("SectionName"), FKind));
 }
@@ -44,10 +49,13 @@ void TExportJob::Run() {
   FOutcome = {"exported", DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
   FOutcome.Items = Plan();
+  if (NewFile && FOutcome.Items.empty())
+    throw Exception(Format("There is nothing to export; the file '%s' is left as it is", FileName));
   FReplaced.clear();
   FSteps.assign(FOutcome.Items.size(), {});
-  FOutput = std::make_unique<TOutputFile>(Files(), FileName, !Policies.AllowLoss,
-                                          [this](const std::string& Text) { Complain(Text); });
+  FOutput = std::make_unique<TOutputFile>(
+      Files(), FileName, !Policies.AllowLoss, [this](const std::string& Text) { Complain(Text); },
+      NewFile ? TOutputUse::MakeAfresh : TOutputUse::AddTo);
   FOutcome.Files = {FOutput->Name()};
   for (TItem& Item : FOutcome.Items) Item.File = FOutput->Name();
   struct TCloser {
@@ -57,6 +65,7 @@ void TExportJob::Run() {
   Settle();
   Write();
   Finish();
+  AddNotes();
 }
 
 void TExportJob::FindExisting() {
@@ -165,14 +174,24 @@ bool TExportJob::GoOn(const TItem& Failed) {
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
   } catch (const EAbort& Abort) {
+    if (FOutput->IsMadeAfresh()) TakeBack();
     FOutcome.Cancel(Abort.what());
   }
   return false;
 }
 
+/// A file that is made afresh holds all that was asked for, or is not made.
+void TExportJob::TakeBack() {
+  for (TItem& Item : FOutcome.Items)
+    if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+}
+
 void TExportJob::Finish() {
+  const bool SparesOld = FOutput->IsMadeAfresh() && FOutcome.End() != TEnd::Done;
+  if (SparesOld) TakeBack();
   const bool Broken = !FOutcome.Any(TItemState::Failed) && FOutcome.Any(TItemState::NotReached);
   if (Broken && FOutcome.Cancelled.empty()) FOutcome.Cancel();
+  if (SparesOld) return FOutcome.Notes.push_back(Format("'%s' is left as it was", FOutput->Name()));
   // A wish to stop that came before has been obeyed; what is finished is put right now.
   const bool Stopped = IsCanceled();
   try {
@@ -181,7 +200,7 @@ void TExportJob::Finish() {
     FOutcome.Cancelled = Abort.what();
     if (!FReplaced.empty())
       FOutcome.Notes.emplace_back("the sections that were to be replaced stand beside the new ones");
-    if (FOutput->IntoPipe())
+    if (FOutput->ArrivesAtEnd())
       for (TItem& Item : FOutcome.Items)
         if (Item.State == TItemState::Done) Item.State = TItemState::Cancelled;
   } catch (const std::exception&) {
@@ -189,9 +208,9 @@ void TExportJob::Finish() {
   }
 }
 
-/// What was written to a pipe has not arrived; in a file it stands.
+/// What was written to a pipe, or beside a file, has not arrived; in a file it stands.
 void TExportJob::FailFile(const std::exception_ptr& Reason) {
-  if (!FOutput->IntoPipe() || !FOutcome.Any(TItemState::Done)) return FOutcome.Fail(Reason);
+  if (!FOutput->ArrivesAtEnd() || !FOutcome.Any(TItemState::Done)) return FOutcome.Fail(Reason);
   for (TItem& Item : FOutcome.Items)
     if (Item.State == TItemState::Done) FOutcome.Fail(Item, Reason);
   Fault(FactsOf(Reason));

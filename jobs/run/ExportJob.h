@@ -16,10 +16,11 @@ namespace velkrund {
 extern const TPropertyTable ExportJobProperties;  // those of a job on sections, and what follows
 
 /// Adds sections to a file. All are read at one moment of the database. What is there already under their names is
-/// settled before anything is written; what is replaced is taken out at the end, in one step.
+/// settled before anything is written; what is replaced is taken out at the end, in one step. Or makes the file afresh.
 class TExportJob : public TSectionsJob {
  public:
   std::string FileName;     // "-": standard output
+  bool NewFile = false;     // made afresh, of the whole run or not at all; otherwise sections are added to it
   std::string SectionName;  // of the one section; empty: as the job names them
   TExportReleaseVersion ReleaseVersion = TExportReleaseVersion::rv20;
   std::optional<TKvEncoding> Encoding;  // nothing: UTF-8, for rv17 ANSI
@@ -42,6 +43,8 @@ class TExportJob : public TSectionsJob {
   virtual void Prepare(const TItem& Item) = 0;
   /// Takes over what the operation counted.
   virtual void AfterRun(TItem& /*Item*/) {}
+  /// Says what a person should know about all that was written.
+  virtual void AddNotes() {}
 
  private:
   /// What is there already under the name of a new section, and what becomes of it.
@@ -58,6 +61,7 @@ class TExportJob : public TSectionsJob {
   void WriteOne(TItem& Item, const TStep& Step);
   bool IsLast(std::size_t Index) const;
   bool GoOn(const TItem& Failed);
+  void TakeBack();
   void Finish();
   void FailFile(const std::exception_ptr& Reason);
 

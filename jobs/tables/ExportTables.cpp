@@ -1,8 +1,10 @@
 #include "jobs/tables/ExportTables.h"
 
+#include <map>
 #include <set>
 
 #include "jobs/tables/TableSearch.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
@@ -12,9 +14,26 @@ namespace {
 
 using TThis = TJobExportTables;
 
+struct TKindLeftOut {
+  TTableKind Kind;
+  const char* What;
+};
+
+constexpr TKindLeftOut KindsLeftOut[] = {
+    {TTableKind::View, "views"},
+    {TTableKind::Foreign, "tables whose rows are on other servers"},
+    {TTableKind::IndexOfTable, "indexes of words over the rows of other tables, to be rebuilt when these are loaded"},
+    {TTableKind::IndexAlone, "indexes of words that do not keep the texts"},
+    {TTableKind::Computed, "virtual tables whose rows are computed or kept elsewhere"},
+};
+
+constexpr std::string_view Orders[] = {"key", "any"};
+
 constexpr TProperty Properties[] = {
     PropertyOf<&TThis::Tables>("Tables", "the tables to save; empty: all of the database"),
     PropertyOf<&TThis::Fields>("Fields", "for one table: the only fields to save; empty: all"),
+    ChoiceOf<&TThis::RowOrder>("RowOrder", "of every table: by its key, or as the engine has them, which is quickest",
+                               Orders),
 };
 
 }  // namespace
@@ -30,18 +49,34 @@ void TJobExportTables::CheckSettings() const {
 }
 
 std::vector<std::string> TJobExportTables::AllTables() {
-  std::vector<std::string> Result, LeftOut;
+  std::map<TTableKind, std::vector<std::string>> Names;
   for (const TTableInfo& Table : Manager().Tables(DatabaseName))
-    (Table.Kind == TTableKind::Table ? Result : LeftOut).push_back(FullName(Table));
+    Names[Table.Kind == TTableKind::Extension ? TTableKind::Table : Table.Kind].push_back(FullName(Table));
+  std::vector<std::string> Result = std::move(Names[TTableKind::Table]);
   if (Result.empty()) FOutcome.Notes.emplace_back("there are no tables");
-  if (!LeftOut.empty())
-    FOutcome.Notes.push_back("left out, being views or tables that the engine does not keep: " + Joined(LeftOut));
+  for (const auto& [Kind, What] : KindsLeftOut)
+    if (!Names[Kind].empty()) FOutcome.Notes.push_back(Format("left out, being %s: %s", What, Joined(Names[Kind])));
   return Result;
+}
+
+/// What has no rows to save would give an empty section, or one of NULLs.
+void TJobExportTables::RefuseWithoutRows() const {
+  for (const std::string& Name : Tables) {
+    const auto Table = Manager().Databases().Connection(DatabaseName).Schema().FindTable(Name);
+    if (Table && (Table->Kind == TTableKind::IndexOfTable || Table->Kind == TTableKind::IndexAlone))
+      throw EDatabaseError(
+          Format("The table '%s' has no rows of its own: it is an index of words%s", FullName(*Table),
+                 Table->Kind == TTableKind::IndexAlone ? " that does not keep the texts"
+                                                       : " over another table's rows. Export that one"),
+          {.Table = FullName(*Table), .Database = FOutcome.Database});
+  }
 }
 
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
 std::vector<TItem> TJobExportTables::Plan() {
+  RefuseWithoutRows();
   FOperation.Fields = TStringList(Fields);
+  FOperation.KeyOrder = RowOrder == TRowOrder::Key;
   std::vector<TItem> Result;
   std::set<std::string> Seen;
   const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
@@ -56,6 +91,18 @@ std::vector<TItem> TJobExportTables::Plan() {
     Result.push_back(std::move(Item));
   }
   return Result;
+}
+
+void TJobExportTables::AddNotes() {
+  std::vector<std::string> Unordered;
+  for (const TItem& Item : FOutcome.Items)
+    if (RowOrder == TRowOrder::Key && Item.State == TItemState::Done && !Item.Counts.InKeyOrder)
+      Unordered.push_back(Item.Table);
+  if (!Unordered.empty())
+    FOutcome.Notes.push_back(
+        "in the engine's own order of rows, which may differ the next time, for want of a key "
+        "whose columns are never NULL: " +
+        Joined(Unordered));
 }
 
 }  // namespace velkrund

@@ -14,8 +14,9 @@ class TJobExportTables final : public TExportJob {
  public:
   TJobExportTables() : TExportJob("table", TSectionRole::TableData, "rows") {}
 
-  std::vector<std::string> Tables;  // none: all that the engine itself keeps
+  std::vector<std::string> Tables;  // none: all that have rows of their own in the database
   std::vector<std::string> Fields;  // of one table: the only ones to save; none: all
+  TRowOrder RowOrder = TRowOrder::Key;
 
   void CheckSettings() const override;
 
@@ -28,9 +29,11 @@ class TJobExportTables final : public TExportJob {
   TExportUtilOperation& Operation() override { return FOperation; }
   void Prepare(const TItem& Item) override { FOperation.TableName = Item.Table; }
   void AfterRun(TItem& Item) override { Item.Counts = FOperation.Report; }
+  void AddNotes() override;
 
  private:
   std::vector<std::string> AllTables();
+  void RefuseWithoutRows() const;
 
   TUOExportTableData FOperation;
 };

@@ -134,7 +134,7 @@ TDatabaseInfo TStandaloneManager::DatabaseInfo(const std::string& DatabaseName) 
   for (const TTableInfo& Table : Connection.Schema().Tables()) {
     TDatabaseInfo::TTableSize Size{Table, std::nullopt, std::nullopt, {}};
     try {
-      if (Table.Kind == TTableKind::Table) {
+      if (Table.Kind == TTableKind::Table || Table.Kind == TTableKind::Extension) {
         Size.Rows = Connection.Schema().RowCount(Table);
         Size.Bytes = Connection.Schema().TableBytes(Table);
       }

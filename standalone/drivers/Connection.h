@@ -69,6 +69,9 @@ class TConnection {
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
   /// places that the engine's SQL marks for them, in order.
   virtual std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
+  /// Makes an index of words (TTableKind::IndexOfTable) anew from the rows of its table, inside the caller's
+  /// transaction.
+  virtual void RebuildTextIndex(const TTableInfo& /*Index*/) {}
   /// Executes one statement and returns the rows that it yields, whose cells are integers, texts, bytes or NULL. For
   /// answers that fit into memory, where the engine may keep them whole.
   virtual std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;

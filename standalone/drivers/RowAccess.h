@@ -18,8 +18,10 @@ class TRowAccess {
   TRowAccess& operator=(const TRowAccess&) = delete;
   virtual ~TRowAccess() = default;
 
-  /// Columns in any order. Rows come in the table's own order.
-  virtual std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) = 0;
+  /// Columns in any order. Rows come in the table's own order; with columns in Order in that of their values, NULL
+  /// first, and texts by the bytes of their UTF-8. The engine sorts where the rows do not stand so.
+  virtual std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
+                                              std::span<const int> Order) = 0;
   /// Columns that are not named get their default; generated ones must not be named. An error when Table takes no rows.
   virtual std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
                                                       const TAppendOptions& Options) = 0;

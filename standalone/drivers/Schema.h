@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkrund/platform/ormtools/Variant.h"
@@ -11,7 +12,11 @@ namespace velkrund {
 enum class TTableKind {
   Table,
   View,
-  Foreign,  // rows that another program or an extension keeps: virtual and foreign tables
+  Foreign,       // rows that another server or program keeps
+  Extension,     // rows that an extension of the engine keeps, and takes as a table does
+  IndexOfTable,  // words of another table's rows, to be searched for; made anew from these
+  IndexAlone,    // words without the texts that they are from
+  Computed,      // rows that an extension makes up or finds elsewhere
 };
 
 /// A table as the list of tables shows it.
@@ -34,6 +39,12 @@ struct TColumnInfo {
   bool Nullable = true;
   bool Generated = false;  // computed by the engine: read, never written
   int KeyPosition = 0;     // place in the primary key, from 1; 0: no part of it
+};
+
+/// Words of a table's rows, kept by an extension of the engine in what looks like another table. Whoever loads the rows
+/// past it has it made anew: TConnection::RebuildTextIndex.
+struct TTextIndex {
+  TTableInfo Index, Table;
 };
 
 /// Rows of one table refer to rows of another one, or of the same.
@@ -61,5 +72,12 @@ struct TTableDescription {
   TTableInfo Table;
   std::vector<TColumnInfo> Columns;  // in physical order
 };
+
+/// The place of a column among the description's; -1 when it is none.
+inline int IndexOf(const TTableDescription& Table, std::string_view Name) {
+  for (std::size_t I = 0; I < Table.Columns.size(); ++I)
+    if (Table.Columns[I].Name == Name) return static_cast<int>(I);
+  return -1;
+}
 
 }  // namespace velkrund

@@ -27,11 +27,17 @@ class TSchemaReader {
   /// are an error that names them.
   virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
   virtual TTableDescription Describe(const TTableInfo& Table) = 0;
+  /// The columns of every unique key that is not the primary one and holds for all rows, as indexes into the
+  /// description's columns; also of those whose columns may be NULL.
+  virtual std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) = 0;
   virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
   /// Without counting them.
   virtual bool HasRows(const TTableInfo& Table) = 0;
   /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
   virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
+
+  /// Those of all tables.
+  virtual std::vector<TTextIndex> TextIndexes() { return {}; }
 
   /// Those among the tables of users.
   virtual std::vector<TForeignKey> ForeignKeys() = 0;

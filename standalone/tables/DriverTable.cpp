@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "standalone/drivers/OrderingKey.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -58,11 +59,16 @@ TDriverTable::~TDriverTable() = default;
 
 TRecord& TDriverTable::Record() { return *FRecord; }
 
+bool TDriverTable::OrderByKey() {
+  FOrder = OrderingKey(FConnection.Schema(), FDescription);
+  return !FOrder.empty();
+}
+
 bool TDriverTable::First() {
   FCursor.reset();
   std::vector<int> Columns(FDescription.Columns.size());
   std::iota(Columns.begin(), Columns.end(), 0);
-  FCursor = FConnection.Rows().OpenCursor(FDescription, Columns);
+  FCursor = FConnection.Rows().OpenCursor(FDescription, Columns, FOrder);
   return Next();
 }
 

@@ -24,6 +24,7 @@ class TDriverTable final : public TODBCTable {
 
   std::int64_t RecordCount() override { return FConnection.Schema().RowCount(FDescription.Table); }
   bool HasRecords() override { return FConnection.Schema().HasRows(FDescription.Table); }
+  bool OrderByKey() override;
   bool First() override;
   bool Next() override;
 
@@ -50,6 +51,7 @@ class TDriverTable final : public TODBCTable {
   bool FReadWrite;
   std::unique_ptr<TDriverRecord> FRecord;
 
+  std::vector<int> FOrder;           // columns that walks go by; empty: the table's own order
   std::unique_ptr<TCursor> FCursor;  // open between First and the end of the walk
   std::int64_t FRow = 0;             // counts rows over all walks; tells a field that its value is of an earlier one
 

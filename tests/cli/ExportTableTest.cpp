@@ -65,6 +65,47 @@ TEST_F(TExportTableTest, OptionsShowInTheFile) {
   }
 }
 
+TEST_F(TExportTableTest, TheSameRowsGiveTheSameTextUnlessAnyOrderWillDo) {
+  const std::string Keyed = "CREATE TABLE K (ID TEXT PRIMARY KEY); CREATE TABLE N (V);";
+  Query("one.db", Keyed + "INSERT INTO K VALUES ('b'), ('a'); INSERT INTO N VALUES (1)");
+  Query("two.db", Keyed + "INSERT INTO K VALUES ('a'), ('b'); INSERT INTO N VALUES (1)");
+  const auto Rows = [&](const std::string& Database, const TArguments& More) {
+    unlink(Path("F").c_str());
+    TArguments Line = {"export", "table", "-d", "sqlite:" + Database, "--all", "-o", "F"};
+    Line.insert(Line.end(), More.begin(), More.end());
+    const std::string Notes = RunJson(Line)["notes"].dump();
+    return Notes + Read("F");
+  };
+  const std::string InOrder = Rows("one.db", {});
+  EXPECT_EQ(InOrder, Rows("two.db", {}));
+  EXPECT_NE(InOrder.find("<'a'>\r\n  <'b'>"), std::string::npos) << InOrder;
+  EXPECT_NE(InOrder.find("never NULL: N\"]"), std::string::npos) << InOrder;
+  const std::string Any = Rows("one.db", {"--row-order", "any"});
+  EXPECT_NE(Any.find("<'b'>\r\n  <'a'>"), std::string::npos) << Any;
+  EXPECT_EQ(Any.rfind("[]", 0), 0U) << Any;
+}
+
+TEST_F(TExportTableTest, WhatIsLeftOutOfAllIsNamedWithItsReason) {
+  Query("shop.db",
+        "CREATE VIEW V AS SELECT * FROM B; CREATE VIRTUAL TABLE F USING fts5(X); CREATE VIRTUAL TABLE R USING "
+        "rtree(I, X0, X1); CREATE VIRTUAL TABLE E USING fts5(X, content = 'B'); CREATE VIRTUAL TABLE C USING "
+        "fts4(X, content=\"\"); CREATE VIRTUAL TABLE W USING fts5vocab(F, row)");
+  const auto Report = RunJson(Export({"--all", "-o", "F"}));
+  EXPECT_EQ(Names("F"), "A B F R");
+  EXPECT_EQ(Report["notes"],
+            nlohmann::json({"left out, being views: V",
+                            "left out, being indexes of words over the rows of other tables, to be rebuilt when these "
+                            "are loaded: E",
+                            "left out, being indexes of words that do not keep the texts: C",
+                            "left out, being virtual tables whose rows are computed or kept elsewhere: W"}));
+  for (const char* Name : {"E", "C"}) {
+    const TOutcome Outcome = Run(Export({"-t", Name, "-o", "G"}));
+    EXPECT_EQ(Outcome.ExitCode, 1);
+    EXPECT_NE(Outcome.Errors.find("has no rows of its own"), std::string::npos) << Outcome.Errors;
+    EXPECT_FALSE(Exists("G"));
+  }
+}
+
 TEST_F(TExportTableTest, SectionsThatAreThere) {
   struct TCase {
     TArguments Options;
@@ -160,6 +201,48 @@ TEST_F(TExportTableTest, AFailureLeavesEverythingAsItWas) {
   EXPECT_NE(Run(Allowed).Errors.find("2 values could not be kept"), std::string::npos);
   Allowed.insert(Allowed.end(), {"--overwrite", "yes"});
   EXPECT_EQ(RunJson(Allowed)["valuesChanged"], 2);
+}
+
+TEST_F(TExportTableTest, AFileMadeAfreshHoldsAllThatWasAskedForOrIsAsItWas) {
+  Query("shop.db", "UPDATE A SET NAME = '東京' WHERE ID = 3");
+  RunJson(Export({"-t", "B", "-o", "old", "--section", "OLD"}));
+  const std::string Old = Read("old"), Torn = Old.substr(0, Old.size() - 9);
+  RunJson(Export({"--all", "-o", "both"}));
+  const struct {
+    std::string Before;  // in F; empty: it is not there
+    TArguments Options;
+    int ExitCode;
+    std::string After;
+    std::string Says;
+  } Cases[] = {
+      {Old, {"--all"}, 0, Read("both"), "in all 2 sections"},
+      {"", {"--all"}, 0, Read("both"), "in all 2 sections"},
+      {Torn, {"--all"}, 0, Read("both"), "in all 2 sections"},
+      {Old, {"-t", "B", "-t", "A", "--encoding", "ansi"}, 1, Old, "taken back"},
+      {Old, {"--all", "--encoding", "ansi", "--on-error", "continue"}, 1, Old, "'link' is left as it was"},
+      {"", {"--all", "--encoding", "ansi", "--on-error", "continue"}, 1, "", "'F' is left as it was"},
+      {"Dear diary", {"--all"}, 1, "Dear diary", "is not an export/import file: it is not replaced"},
+  };
+  symlink("F", Path("link").c_str());
+  for (const auto& [Before, Options, ExitCode, After, Says] : Cases) {
+    SCOPED_TRACE(Before + Joined(Options));
+    unlink(Path("F").c_str());
+    if (!Before.empty()) Write("F", Before);
+    if (!Before.empty()) chmod(Path("F").c_str(), 0640);
+    TArguments Arguments = Export({"-o", Before.empty() ? "F" : "link", "--new"});
+    Arguments.insert(Arguments.end(), Options.begin(), Options.end());
+    const TOutcome Outcome = Run(Arguments);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Outcome.Errors;
+    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Outcome.Errors;
+    EXPECT_EQ(Read("F"), After);
+    EXPECT_EQ(Exists("F"), !After.empty());
+    struct stat Status = {};
+    if (!Before.empty() && stat(Path("F").c_str(), &Status) == 0) {
+      EXPECT_EQ(Status.st_mode & 0777, 0640U);
+    }
+  }
+  unlink(Path("link").c_str());
+  EXPECT_EQ(Files(), (TArguments{"F", "both", "empty.db", "old", "shop.db"}));
 }
 
 TEST_F(TExportTableTest, FilesThatCanNotBeUsed) {

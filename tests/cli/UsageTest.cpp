@@ -40,6 +40,8 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
       {{"export", "table", "-o", "F", "-o", "G", "--all"}, "--output takes exactly one value"},
       {{"export", "table", "-o", "F", "--all", "-t", "A"}, "--table and --all contradict"},
       {{"export", "table", "-o", "F", "-t", "A", "--add", "--overwrite", "no"}, "--add and --overwrite contradict"},
+      {{"export", "structure", "-o", "F", "--all", "--new", "--overwrite", "yes"}, "--new and --overwrite contradict"},
+      {{"export", "table", "-o", "F", "-t", "A", "--new", "--add"}, "--new and --add contradict"},
       {{"export", "table", "-o", "F", "-t", "A", "--overwrite", "maybe"}, "--overwrite takes ask|yes|no, not 'maybe'"},
       {{"export", "table", "-o", "F", "-t", "A", "--overwrite", "yse"}, "not 'yse'; did you mean 'yes'?"},
       {{"export", "table", "-o", "F", "-t", "A", "--encoding", "utf8", "--release", "rv17"}, "--release rv17"},

@@ -59,9 +59,11 @@ std::string ErrorOf(const std::function<void()>& Work) {
   return {};
 }
 
-std::string ExportA(TFileSystem& Files, const TScene& Scene, const std::vector<int>& Replaced) {
+std::string ExportA(TFileSystem& Files, const TScene& Scene, const std::vector<int>& Replaced,
+                    TOutputUse Use = TOutputUse::AddTo) {
   std::string Error = ErrorOf([&] {
-    TOutputFile Output(Files, Scene.F(), false, [](const std::string&) {});
+    TOutputFile Output(
+        Files, Scene.F(), false, [](const std::string&) {}, Use);
     TUOExportTableDataInterface Operation;
     Operation.SetTarget(&Output.File());
     Operation.SetDatabaseName(Scene.Database("a.db"));
@@ -257,6 +259,14 @@ TEST_F(TFaultsTest, ExportLeavesTheFileOrTheFinishedSection) {
 TEST_F(TFaultsTest, ExportIntoANewFileLeavesNoneOrAll) {
   Check({"export new", [](const TScene& Scene) { fs::remove(Scene.F()); },
          [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {}); }});
+}
+
+TEST_F(TFaultsTest, AFileMadeAfreshIsOldOrNew) {
+  const auto Export = [](TFileSystem& Files, const TScene& Scene) {
+    return ExportA(Files, Scene, {}, TOutputUse::MakeAfresh);
+  };
+  Check({"export afresh", {}, Export});
+  Check({"export afresh, none before", [](const TScene& Scene) { fs::remove(Scene.F()); }, Export});
 }
 
 TEST_F(TFaultsTest, ReplacingExportLeavesOldOrNewOrBoth) {

@@ -169,5 +169,40 @@ TEST_F(SQLiteRoundTrip, LongRecordsInBothVersions) {
   Check("CREATE TABLE T(A TEXT, B BLOB)", Rows, TExportReleaseVersion::rv17);
 }
 
+// Texts to search for and boxes travel with the numbers by which others know them.
+TEST_F(SQLiteRoundTrip, VirtualTablesThatKeepTheirRows) {
+  const struct {
+    const char *Schema, *Rows, *Cells, *Search;
+  } Cases[] = {
+      {"fts5(A, B UNINDEXED)",
+       "(rowid, A, B) VALUES (7, 'red fox', 1.5), (-3, 'grey fox', NULL), (9007199254740993, '', x'00')", "rowid, A, B",
+       "A MATCH 'fox'"},
+      {"fts5(A, tokenize = \"unicode61 tokenchars ',()'\", prefix = '2 3')", "(rowid, A) VALUES (2, 'one'), (5, 'two')",
+       "rowid, A", "A MATCH 'tw*'"},
+      {"fts4(A, rowid, languageid=\"L\", tokenize=porter)",
+       "(docid, A, rowid, L) VALUES (9, 'runs', 'x', 1), (4, 'run', NULL, 0)", "docid, A, rowid, L",
+       "A MATCH 'running' AND L = 1"},
+      {"fts3(content = x, B)", "(docid, B) VALUES (3, 'fox'), (1, 'box')", "docid, *", "B MATCH 'box'"},
+      {"rtree(I, X0, X1, +NOTE TEXT)", "VALUES (5, 0.1, 0.2, 'a'), (2, -1e30, 1e30, NULL)", "*", "X0 > 0"},
+      {"rtree_i32(I, X0, X1)", "VALUES (5, 1, 2), (2, -7, 8)", "*", "X0 > 0"},
+  };
+  for (const auto& [Schema, Rows, Cells, Search] : Cases) {
+    SCOPED_TRACE(Schema);
+    const TTemporaryFolder Folder;
+    const TTestDatabase Source = SQLiteDatabase(Folder / "a.db"), Copy = SQLiteDatabase(Folder / "b.db");
+    for (const TTestDatabase& Database : {Source, Copy})
+      Database.Run(std::string("CREATE VIRTUAL TABLE \"T (1)\" USING ") + Schema);
+    Source.Run(std::string("INSERT INTO \"T (1)\" ") + Rows);
+    TRealPlatform Platform;
+    ASSERT_EQ(Platform.Export(Source, "T (1)", Folder / "1.eif"), "");
+    ASSERT_EQ(Platform.Import(Copy, Folder / "1.eif"), "") << Folder.Read("1.eif");
+    for (const std::string& Where : {std::string(), std::string(" WHERE ") + Search}) {
+      const std::string Query = std::string("SELECT ") + Cells + " FROM \"T (1)\"" + Where + " ORDER BY 1";
+      EXPECT_EQ(Copy.Cells(Query), Source.Cells(Query)) << Folder.Read("1.eif");
+      EXPECT_NE(Copy.Cells(Query), "") << Query;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace velkrund::tests

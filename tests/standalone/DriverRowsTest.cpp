@@ -162,6 +162,55 @@ TEST_P(DriverRowsTest, TwoTablesAreFilledInTurn) {
   for (TDriverTable& Table : Tables) EXPECT_EQ(Table.RecordCount(), 100);
 }
 
+TEST_P(DriverRowsTest, RowsInTheOrderOfTheKeyDoNotDependOnHowTheyCameIn) {
+  const std::string Number = Type(TKvKind::Int64), Text = Type(TKvKind::String);
+  const struct {
+    std::string Columns, More;               // a statement behind the table's own; empty: none
+    std::vector<std::string> Rows, InOrder;  // the texts of the first column; empty: no key
+  } Cases[] = {
+      {"A " + Number + " PRIMARY KEY", "", {"2", "10", "-1"}, {"-1", "2", "10"}},
+      // By bytes, whatever a language thinks of it.
+      {"A " + Text + " PRIMARY KEY",
+       "",
+       {"'b'", "'ä'", "'B'", "'a-c'", "'ab'", "''"},
+       {"", "B", "a-c", "ab", "b", "ä"}},
+      {"A " + Number + ", B " + Number + ", PRIMARY KEY (B, A)", "", {"1, 2", "2, 1", "3, 1"}, {"2", "3", "1"}},
+      {"A " + Number + " NOT NULL UNIQUE", "", {"2", "1"}, {"1", "2"}},
+      {"A " + Number + ", B " + Number + " NOT NULL", "CREATE UNIQUE INDEX I ON T (B)", {"1, 2", "2, 1"}, {"2", "1"}},
+      // The fewest columns, then the first name, in whatever order they were made.
+      {"A " + Number + ", C " + Number + " NOT NULL UNIQUE, B " + Number + " NOT NULL UNIQUE",
+       "",
+       {"1, 1, 2", "2, 2, 1"},
+       {"2", "1"}},
+      {"A " + Number + " NOT NULL, B " + Number + " NOT NULL, UNIQUE (A, B), UNIQUE (B)",
+       "",
+       {"1, 2", "2, 1"},
+       {"2", "1"}},
+      {"A " + Number + " UNIQUE", "", {"1"}, {}},
+      {"A " + Number + " NOT NULL", "CREATE INDEX I ON T (A)", {"1"}, {}},
+      {"A " + Number + " NOT NULL", "CREATE UNIQUE INDEX I ON T (A) WHERE A > 0", {"1"}, {}},
+      {"A " + Number + " NOT NULL", "CREATE UNIQUE INDEX I ON T (A, (A + 1))", {"1"}, {}},
+  };
+  for (const auto& [Columns, More, Given, InOrder] : Cases) {
+    SCOPED_TRACE(Columns + More);
+    Run("CREATE TABLE T (" + Columns + ")");
+    if (!More.empty()) Run(More);
+    for (const std::string& Row : Given) Run("INSERT INTO T VALUES (" + Row + ")");
+    // Inside a transaction another way of reading is taken.
+    for (const bool InTransaction : {false, true}) {
+      if (InTransaction) Connection->Begin(TIsolationLevel::RepeatableRead);
+      TDriverTable Table = Open("T");
+      EXPECT_EQ(Table.OrderByKey(), !InOrder.empty());
+      std::vector<std::string> Found;
+      for (bool Has = !InOrder.empty() && Table.First(); Has; Has = Table.Next())
+        Table.Record().Fields(0).Value().AppendAsText(Found.emplace_back());
+      EXPECT_EQ(Found, InOrder);
+      if (InTransaction) Connection->Rollback();
+    }
+    Run("DROP TABLE T");
+  }
+}
+
 TEST_P(DriverRowsTest, WhatIsLeftHalfWayLeavesTheConnectionInOrder) {
   Run("CREATE TABLE T (N BIGINT, S VARCHAR(1000))");
   const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable("T"));
@@ -178,7 +227,7 @@ TEST_P(DriverRowsTest, WhatIsLeftHalfWayLeavesTheConnectionInOrder) {
     if (InTransaction) Connection->Begin(TIsolationLevel::RepeatableRead);
     TKvVariant Value;
     {
-      const auto Cursor = Connection->Rows().OpenCursor(Table, Columns);
+      const auto Cursor = Connection->Rows().OpenCursor(Table, Columns, {});
       ASSERT_TRUE(Cursor->Next());
       Cursor->Read(0, Value);
       EXPECT_TRUE(Value == Number);

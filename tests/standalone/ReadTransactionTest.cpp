@@ -50,5 +50,26 @@ TEST(ReadTransaction, OfPostgreSQL) {
   CheckOneMoment(Database.Url(), [&](const char* Statement) { Database.Run(Statement); });
 }
 
+// The server has room for the locks of a few thousand tables and indexes.
+TEST(ReadTransaction, OfPostgreSQLHoldsNoLockOnATableThatWasRead) {
+  TPostgreSQLDatabase Database;
+  TStandaloneManager Manager{TConfiguration()};
+  for (const std::string Name : {"a", "b"})
+    Database.Run("CREATE TABLE " + Name + " (i text PRIMARY KEY, j integer UNIQUE)");
+  TReadTransaction Moment(Manager.Databases(), Database.Url());
+  const auto Walk = [&](const char* Name) {
+    const auto Table = Manager.GetUserTable(Name, Database.Url(), false);
+    ASSERT_TRUE(Table->OrderByKey());
+    EXPECT_EQ(Table->RecordCount(), 0);
+    EXPECT_FALSE(Table->First());
+  };
+  Walk("a");
+  Database.Run("INSERT INTO b VALUES ('later', 1)");
+  Walk("b");
+  EXPECT_EQ(Database.Rows("SELECT DISTINCT relation::regclass::text FROM pg_locks WHERE pid <> pg_backend_pid() "
+                          "AND relation::regclass::text LIKE 'a%' AND relation >= 16384"),
+            "");
+}
+
 }  // namespace
 }  // namespace velkrund::tests

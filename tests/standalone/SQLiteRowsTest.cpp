@@ -18,11 +18,29 @@ TEST_F(SQLiteRowsTest, RowsComeInRowOrderThoughAnIndexHoldsAllColumns) {
   for (const char* Value : {"3", "1", "2"}) Run(std::string("INSERT INTO T (A) VALUES (") + Value + ")");
   const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable("T"));
   const int Columns[] = {0};
-  const auto Cursor = Connection->Rows().OpenCursor(Table, Columns);
+  const auto Cursor = Connection->Rows().OpenCursor(Table, Columns, {});
   std::vector<std::int64_t> Read;
   TKvVariant Value;
   while (Cursor->Next()) Cursor->Read(0, Value), Read.push_back(Value.AsInteger());
   EXPECT_THAT(Read, ElementsAre(3, 1, 2));
+}
+
+TEST_F(SQLiteRowsTest, KeysAreInOneOrderInEveryEncoding) {
+  for (const char* Encoding : {"UTF-8", "UTF-16le", "UTF-16be"}) {
+    SCOPED_TRACE(Encoding);
+    const std::string Path = Folder / Encoding;
+    Connection = Connect(Path);
+    Run(std::string("PRAGMA encoding = '") + Encoding + "'");
+    Run("CREATE TABLE T (K COLLATE NOCASE PRIMARY KEY)");
+    Run("INSERT INTO T VALUES ('b'), ('B1'), ('A'), (NULL), (3), (-0.5), (x'00'), ('ä'), ('€'), ('🚚'), ('\uFF01')");
+    Connection = Connect(Path);
+    TDriverTable Table = Open("T");
+    EXPECT_TRUE(Table.OrderByKey());
+    std::vector<std::string> Keys;
+    for (bool Has = Table.First(); Has; Has = Table.Next())
+      Table.Record().Fields(0).Value().AppendAsText(Keys.emplace_back());
+    EXPECT_THAT(Keys, ElementsAre("", "-0.5", "3", "A", "B1", "b", "ä", "€", "\uFF01", "🚚", std::string(1, '\0')));
+  }
 }
 
 TEST_F(SQLiteRowsTest, NoRowIsDroppedWithoutAWord) {
@@ -117,14 +135,33 @@ TEST_F(SQLiteRowsTest, VirtualTablesAreOneTable) {
   for (const TTableInfo& Table : Connection->Schema().Tables()) Names.push_back(Table.Name);
   EXPECT_THAT(Names, ElementsAre("F", "T"));
   TDriverTable Table = Open("f");
-  EXPECT_EQ(Table.Record().FieldCount(), 2);
+  EXPECT_EQ(Table.Record().FieldCount(), 3);
   Table.BeginAppend();
   Table.FieldByName("A").Buffer().SetText("one");
   Table.AppendRecord();
   Table.EndAppend();
-  EXPECT_THAT(Rows(*Connection, "F"), ElementsAre("10 one|0 "));
+  EXPECT_THAT(Rows(*Connection, "F"), ElementsAre("18 1|10 one|0 "));
   EXPECT_FALSE(Connection->Schema().TableBytes(Table.Description().Table));
   EXPECT_GT(Connection->Schema().TableBytes(*Connection->Schema().FindTable("T")).value(), 0);
+}
+
+TEST_F(SQLiteRowsTest, AnIndexOfWordsIsFoundByItsTableAndMadeAnew) {
+  Run("CREATE TABLE D (K INTEGER PRIMARY KEY, A TEXT)");
+  Run("CREATE VIRTUAL TABLE \"F 5\" USING fts5(A, content = 'd', content_rowid = K)");
+  Run("CREATE VIRTUAL TABLE F4 USING fts4(content=\"D\", A)");
+  Run("CREATE VIRTUAL TABLE GONE USING fts5(A, content=[no such])");
+  Run("CREATE VIRTUAL TABLE ALONE USING fts5(A, content='')");
+  Run("CREATE VIRTUAL TABLE OWN USING fts5(A)");
+  Run("INSERT INTO D VALUES (7, 'red fox')");
+  std::string Found;
+  for (const TTextIndex& Each : Connection->Schema().TextIndexes()) {
+    Found += Each.Index.Name + " of " + Each.Table.Name + "; ";
+    Connection->RebuildTextIndex(Each.Index);
+  }
+  EXPECT_EQ(Found, "F 5 of D; F4 of D; ");
+  Run("CREATE VIEW V AS SELECT rowid AS R FROM \"F 5\" WHERE A MATCH 'fox' UNION ALL SELECT docid FROM F4 WHERE A "
+      "MATCH 'red'");
+  EXPECT_THAT(Rows(*Connection, "V"), ElementsAre("18 7", "18 7"));
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ inline std::vector<std::string> Rows(TConnection& Connection, const std::string&
   const TTableDescription Table = Connection.Schema().Describe(Connection.Schema().FindTable(TableName).value());
   std::vector<int> Columns;
   for (std::size_t I = 0; I < Table.Columns.size(); ++I) Columns.push_back(static_cast<int>(I));
-  const std::unique_ptr<TCursor> Cursor = Connection.Rows().OpenCursor(Table, Columns);
+  const std::unique_ptr<TCursor> Cursor = Connection.Rows().OpenCursor(Table, Columns, {});
   std::vector<std::string> Result;
   TKvVariant Value;
   while (Cursor->Next()) {

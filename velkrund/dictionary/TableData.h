@@ -22,6 +22,7 @@ struct TTableDataReport {
   std::int64_t NullsMade = 0;              // values that could not be read, where that is no error
   std::int64_t ValuesChanged = 0;          // values that come back as others, where that is no error
   std::vector<std::string> SkippedFields;  // fields of the file that the table lacks
+  bool InKeyOrder = false;                 // the exported rows
 };
 
 /// The rows of one table as a section. The header parameter "TableName" names the table; the body is
@@ -64,6 +65,7 @@ class TEICommonTableData : public TEIObject {
       false;  // import: keep the rows that are there; otherwise an SQL table is emptied. Loading says it itself
   std::string TableName;
   TTable* Table = nullptr;                 // borrowed, opened by the caller; null: TableName is opened for the run
+  bool KeyOrder = false;                   // export: rows by the table's key, where it has one
   const TStringList* Fields = nullptr;     // borrowed; the fields to export, or the only ones to import; null: all
   bool SkipMissingFields = true;           // import: fields that the table lacks are passed over; otherwise an error
   bool StrictValues;                       // import: an unparseable value is an error; otherwise it becomes NULL

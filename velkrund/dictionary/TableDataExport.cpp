@@ -68,6 +68,7 @@ void TEICommonTableData::AppendValue(TField& Column) {
 }
 
 void TEICommonTableData::ExportRecords(TTable& Source, const std::vector<TField*>& Columns, TEIStream& Stream) {
+  Report->InKeyOrder = KeyOrder && Source.OrderByKey();
   const std::int64_t Total = Source.RecordCount();
   for (bool Found = Source.First(); Found; Found = Source.Next()) {
     ShowProgress(Report->RowCount, Total, TableName);

@@ -28,6 +28,7 @@ constexpr TProperty ExportProperties[] = {
     PropertyOf<&TExport::TableName>("TableName", "table to save"),
     PropertyOf<&TExport::Table>("Table", "opened TTable to save instead"),
     PropertyOf<&TExport::Fields>("Fields", "the fields to save; empty: all"),
+    PropertyOf<&TExport::KeyOrder>("KeyOrder", "rows in the order of the table's key, where it has one"),
     ReadOnlyOf<[](const TExport& Export) { return Export.Report.RowCount; }>(
         "Rows", "rows of the last run; those before its end, where it was not done"),
     ReadOnlyOf<[](const TExport& Export) { return Export.Report.ValuesChanged; }>(
@@ -70,6 +71,7 @@ std::unique_ptr<TEIObject> TUOExportTableData::CreateEIObject() {
   Section->TableName = TableName;
   Section->Table = Table;
   Section->Fields = Fields.Count() ? &Fields : nullptr;
+  Section->KeyOrder = KeyOrder;
   Section->Report = &Report;
   return Section;
 }

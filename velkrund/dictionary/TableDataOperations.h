@@ -33,6 +33,7 @@ class TUOExportTableData : public TExportUtilOperation {
   std::string TableName;
   TTable* Table = nullptr;  // borrowed, opened; null: TableName in DatabaseName is opened
   TStringList Fields;       // empty: all fields of the table
+  bool KeyOrder = false;    // rows by the table's key, where it has one; otherwise in the table's own order
   TTableDataReport Report;  // of the last run
 
   int Execute() override;
@@ -71,6 +72,8 @@ class TUOExportTableDataInterface
   void SetTable(TTable* Table) { Operation().Table = Table; }
   const std::vector<std::string>& Fields() const { return Operation().Fields.Items(); }
   void SetFields(const std::vector<std::string>& Names) { Operation().Fields = TStringList(Names); }
+  bool KeyOrder() const { return Operation().KeyOrder; }
+  void SetKeyOrder(bool Value) { Operation().KeyOrder = Value; }
 };
 
 }  // namespace velkrund

@@ -7,29 +7,47 @@
 namespace velkrund {
 namespace {
 
-std::string SelectText(const TTableDescription& Table, const std::vector<TPostgreSQLColumn>& Columns,
+using TColumns = std::vector<TPostgreSQLColumn>;
+
+std::string NameOf(const TPostgreSQLColumn& Column) { return "T." + QuoteStandardName(Column.Info.Name); }
+
+/// As it is sent.
+std::string ValueOf(const TPostgreSQLColumn& Column) {
+  // A cast would not do: that of inet adds a mask.
+  if (Column.OutputFunction.empty()) return NameOf(Column);
+  return "pg_catalog.textin(" + Column.OutputFunction + "(" + NameOf(Column) + "))";
+}
+
+/// What is sorted by: texts by their bytes, whatever the type makes of case, and all else as its type has it.
+std::string PlaceOf(const TPostgreSQLColumn& Column) {
+  if (Column.Type == TPostgreSQLType::Text) return ValueOf(Column) + " COLLATE pg_catalog.\"C\"";
+  return NameOf(Column) + (Column.HasCollation ? " COLLATE pg_catalog.\"C\"" : "");
+}
+
+std::string SelectText(const TTableDescription& Table, const TColumns& Columns, const TColumns& Order,
                        const TPostgreSQLDialect& Dialect) {
   std::string Text = "SELECT ";
-  for (const TPostgreSQLColumn& Column : Columns) {
-    const std::string Name = "T." + QuoteStandardName(Column.Info.Name);
-    // A cast would not do: that of inet adds a mask.
-    Text += Column.OutputFunction.empty() ? Name : "pg_catalog.textin(" + Column.OutputFunction + "(" + Name + "))";
-    Text += ", ";
-  }
+  for (const TPostgreSQLColumn& Column : Columns) Text += ValueOf(Column) + ", ";
   if (!Columns.empty()) Text.resize(Text.size() - 2);
-  return Text + " FROM " + Dialect.SQLName(Table.Table) + " AS T";
+  Text += " FROM " + Dialect.SQLName(Table.Table) + " AS T";
+  const char* Separator = " ORDER BY ";
+  for (const TPostgreSQLColumn& Column : Order) {
+    Text += Separator + PlaceOf(Column);
+    Separator = ", ";
+  }
+  return Text;
 }
 
 /// COPY reads a table itself faster than a question about it.
-std::string CopyText(const TTableDescription& Table, const TPostgreSQLTable& Known,
-                     const std::vector<TPostgreSQLColumn>& Columns, const TPostgreSQLDialect& Dialect) {
-  bool Plain = Known.Kind == 'r' && !Columns.empty();
+std::string CopyText(const TTableDescription& Table, const TPostgreSQLTable& Known, const TColumns& Columns,
+                     const TColumns& Order, const TPostgreSQLDialect& Dialect) {
+  bool Plain = Known.Kind == 'r' && !Columns.empty() && Order.empty();
   std::string Names;
   for (const TPostgreSQLColumn& Column : Columns) {
     Plain = Plain && Column.OutputFunction.empty() && !Column.Info.Generated;
     Names += (Names.empty() ? "" : ", ") + QuoteStandardName(Column.Info.Name);
   }
-  if (!Plain) return "COPY (" + SelectText(Table, Columns, Dialect) + ") TO STDOUT (FORMAT binary)";
+  if (!Plain) return "COPY (" + SelectText(Table, Columns, Order, Dialect) + ") TO STDOUT (FORMAT binary)";
   return "COPY " + Dialect.QualifiedName(Table.Table) + " (" + Names + ") TO STDOUT (FORMAT binary)";
 }
 
@@ -55,20 +73,26 @@ void TPostgreSQLQueryCursor::Read(int Column, TKvVariant& Value) {
 }
 
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
-                                              std::span<const int> Columns, TPostgreSQLReading Reading) {
+                                              std::span<const int> Columns, std::span<const int> Order,
+                                              TPostgreSQLReading Reading) {
   TPostgreSQLSource Source{
       Session, Format("Cannot read table '%s'", FullName(Table.Table)), FullName(Table.Table), {}, {}};
+  if (Reading == TPostgreSQLReading::Copy) Session.LetGoOfLocks(Source.What);
   const TPostgreSQLTable Known = ReadPostgreSQLTable(Session, Table.Table, Source.What);
-  std::vector<TPostgreSQLColumn> Asked;
-  for (const int Column : Columns)
-    Asked.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Column)].Name, Source.What));
+  const auto Find = [&](std::span<const int> Indexes) {
+    TColumns Result;
+    for (const int Column : Indexes)
+      Result.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Column)].Name, Source.What));
+    return Result;
+  };
+  const TColumns Asked = Find(Columns), Places = Find(Order);
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Asked);
   for (const TPostgreSQLColumn& Column : Asked) Source.Decoders.emplace_back(Column, Money);
   if (Reading == TPostgreSQLReading::InBatches) {
-    Source.Statement = SelectText(Table, Asked, Session.Dialect());
+    Source.Statement = SelectText(Table, Asked, Places, Session.Dialect());
     return std::make_unique<TPostgreSQLFetchCursor>(std::move(Source));
   }
-  Source.Statement = CopyText(Table, Known, Asked, Session.Dialect());
+  Source.Statement = CopyText(Table, Known, Asked, Places, Session.Dialect());
   return std::make_unique<TPostgreSQLCopyCursor>(std::move(Source));
 }
 

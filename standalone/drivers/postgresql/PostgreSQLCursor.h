@@ -99,8 +99,9 @@ class TPostgreSQLQueryCursor final : public TCursor {
 
 enum class TPostgreSQLReading { Copy, InBatches };
 
-/// Columns: indexes into the description's columns.
+/// Columns, Order: indexes into the description's columns, as for TRowAccess.
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
-                                              std::span<const int> Columns, TPostgreSQLReading Reading);
+                                              std::span<const int> Columns, std::span<const int> Order,
+                                              TPostgreSQLReading Reading);
 
 }  // namespace velkrund

@@ -5,11 +5,11 @@
 
 namespace velkrund {
 
-std::unique_ptr<TCursor> TPostgreSQLRowAccess::OpenCursor(const TTableDescription& Table,
-                                                          std::span<const int> Columns) {
+std::unique_ptr<TCursor> TPostgreSQLRowAccess::OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
+                                                          std::span<const int> Order) {
   // A COPY is the quickest, but holds the connection.
   const bool Whole = FSession.OnlyReads() || !FSession.InTransaction();
-  return OpenPostgreSQLCursor(FSession, Table, Columns,
+  return OpenPostgreSQLCursor(FSession, Table, Columns, Order,
                               Whole ? TPostgreSQLReading::Copy : TPostgreSQLReading::InBatches);
 }
 

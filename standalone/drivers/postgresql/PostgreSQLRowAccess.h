@@ -12,7 +12,8 @@ class TPostgreSQLRowAccess final : public TRowAccess {
   TPostgreSQLRowAccess(TPostgreSQLSession& Session, TPostgreSQLSequences& Sequences)
       : FSession(Session), FSequences(Sequences) {}
 
-  std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns) override;
+  std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
+                                      std::span<const int> Order) override;
   std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
                                               const TAppendOptions& Options) override;
 

@@ -57,6 +57,18 @@ constexpr const char* KeyColumnsStatement =
     "AND k.conrelid = $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid AND k.conparentid = '0' "
     "AND a.attrelid = k.conrelid AND a.attnum = c.f AND b.attrelid = k.confrelid AND b.attnum = c.t ORDER BY k.conname";
 
+/// A row per column of every unique index over columns alone that holds for all rows.
+std::string UniqueKeysStatement() {
+  return CatalogueStatement(
+      "SELECT i.indexrelid, a.attname FROM pg_catalog.pg_index i "
+      "JOIN pg_catalog.pg_class c ON c.oid = i.indrelid JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+      "CROSS JOIN LATERAL pg_catalog.unnest(i.indkey) WITH ORDINALITY AS k (attnum, place) "
+      "JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum = k.attnum "
+      "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text AND i.indisunique AND i.indisvalid "
+      "AND NOT i.indisprimary AND i.indpred IS NULL AND i.indexprs IS NULL AND NOT (k.place > i.indnkeyatts) "
+      "ORDER BY i.indexrelid, k.place");
+}
+
 TTableKind KindOfTable(char Kind) {
   if (Kind == 'v' || Kind == 'm') return TTableKind::View;
   return Kind == 'f' ? TTableKind::Foreign : TTableKind::Table;
@@ -142,6 +154,18 @@ TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
       ReadPostgreSQLTable(FSession, Table, Format("Cannot read the columns of table '%s'", FullName(Table)));
   TTableDescription Result{Table, {}};
   for (TPostgreSQLColumn& Column : Known.Columns) Result.Columns.push_back(std::move(Column.Info));
+  return Result;
+}
+
+std::vector<std::vector<int>> TPostgreSQLSchemaReader::UniqueKeys(const TTableDescription& Table) {
+  const TPostgreSQLResult Rows =
+      FSession.Query(Format("Cannot read the keys of table '%s'", FullName(Table.Table)), UniqueKeysStatement(),
+                     {FSession.Dialect().SchemaOf(Table.Table).c_str(), Table.Table.Name.c_str()});
+  std::vector<std::vector<int>> Result;
+  for (int Row = 0; Row < Rows.RowCount(); ++Row) {
+    if (Row == 0 || Rows.Text(Row, 0) != Rows.Text(Row - 1, 0)) Result.emplace_back();
+    Result.back().push_back(IndexOf(Table, Rows.Text(Row, 1)));
+  }
   return Result;
 }
 

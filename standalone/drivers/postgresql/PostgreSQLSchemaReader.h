@@ -16,6 +16,7 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   /// A name is a table's full name, else its name behind its schema, else the name of a table on the search path.
   std::optional<TTableInfo> FindTable(std::string_view Name) override;
   TTableDescription Describe(const TTableInfo& Table) override;
+  std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) override;
   /// Without rows of tables that inherit from it; with those of partitions.
   std::int64_t RowCount(const TTableInfo& Table) override;
   bool HasRows(const TTableInfo& Table) override;

@@ -167,6 +167,11 @@ void TPostgreSQLSession::BeginReading() {
   // Not READ ONLY: a view may call a function that writes, a log of who has read it for example.
   Begin("REPEATABLE READ");
   FOnlyReads = true;
+  Query(About("start a transaction in"), "SAVEPOINT velkrund_reading");
+}
+
+void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
+  if (FTransactionOpen && FOnlyReads) Query(What, "ROLLBACK TO SAVEPOINT velkrund_reading");
 }
 
 void TPostgreSQLSession::Commit() {

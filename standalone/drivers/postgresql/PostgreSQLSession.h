@@ -61,6 +61,10 @@ class TPostgreSQLSession {
   bool InTransaction() const { return FTransactionOpen; }
   /// Whether the last transaction was begun by BeginReading.
   bool OnlyReads() const { return FOnlyReads; }
+  /// Lets go of the locks on tables and indexes that a transaction which only reads has taken so far: they would be
+  /// held to its end, and a server has room for a few thousand. What it sees stays of one moment. What begins a
+  /// message.
+  void LetGoOfLocks(std::string_view What);
   /// Tells one transaction from those before and after it.
   std::int64_t TransactionNumber() const { return FTransactionNumber; }
 

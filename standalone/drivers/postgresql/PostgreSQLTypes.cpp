@@ -43,6 +43,7 @@ constexpr TNumberedType Types[] = {
     {1184, TPostgreSQLType::TimestampTz, TKvKind::DateTime},
     {1266, TPostgreSQLType::TimeTz, TKvKind::String},
     {1700, TPostgreSQLType::Numeric, TKvKind::String},
+    {1790, TPostgreSQLType::Text, TKvKind::String},  // refcursor, whose output function is that of text
 };
 
 constexpr int MaxNameBytes = 63;
@@ -115,7 +116,7 @@ std::string TableStatement() {
       "pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname), "
       "EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.conrelid = c.oid AND k.contype = 'f' "
       "AND NOT k.condeferred AND (k.confrelid = c.oid OR k.confrelid = ANY ("
-      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))), "
+      "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))), a.attcollation <> '0', "
       "c.relhastriggers OR c.relkind = 'p' "
       "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
       "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
@@ -145,7 +146,7 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
   if (Rows.RowCount() == 0)
     throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)),
                          {.Code = TErrorCode::TableMissing});
-  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), Rows.Boolean(0, 13), {}};
+  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), Rows.Boolean(0, 14), {}};
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TPostgreSQLColumn Column;
     Column.Info.Name = Rows.Copy(Row, 2);
@@ -155,6 +156,7 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
     Column.Info.Generated = Rows.Boolean(Row, 5);
     Column.Info.KeyPosition = static_cast<int>(Rows.Integer(Row, 6));
     Column.OutputFunction = Rows.Copy(Row, 11);
+    Column.HasCollation = Rows.Boolean(Row, 13);
     SetType(Column, Rows.Integer(Row, 7), Rows.Integer(Row, 8), Rows.Integer(Row, 9), Rows.Text(Row, 10));
     Result.Columns.push_back(std::move(Column));
   }

@@ -97,6 +97,11 @@ std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<
   return sqlite3_total_changes(Database) == Before ? 0 : sqlite3_changes64(Database);
 }
 
+void TSQLiteConnection::RebuildTextIndex(const TTableInfo& Index) {
+  const std::string Name = QuoteStandardName(Index.Name);
+  Run("INSERT INTO main." + Name + " (" + Name + ") VALUES ('rebuild')", "rebuild the text index " + Name + " in");
+}
+
 std::unique_ptr<TCursor> TSQLiteConnection::Query(const std::string& Statement,
                                                   std::span<const TKvVariant> Parameters) {
   return std::make_unique<TSQLiteQueryCursor>(FDatabase, Statement, Parameters);

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <cstring>
 #include <optional>
 
 #include "standalone/drivers/Dialect.h"
@@ -11,16 +12,44 @@
 namespace velkrund {
 namespace {
 
-std::string SelectText(const TTableDescription& Table, std::span<const int> Columns) {
-  std::string Text = "SELECT ";
+// Of the engine's own, the one by bytes compares those of the database's encoding.
+constexpr const char* Utf8Order = "velkrund_utf8";
+
+int CompareUtf8(void* /*Unused*/, int SizeA, const void* A, int SizeB, const void* B) {
+  const int Common = std::min(SizeA, SizeB);
+  const int Order = Common == 0 ? 0 : std::memcmp(A, B, static_cast<std::size_t>(Common));
+  return Order == 0 ? SizeA - SizeB : Order;
+}
+
+sqlite3* WithUtf8Order(sqlite3* Database, bool Wanted) {
+  if (Wanted &&
+      sqlite3_create_collation_v2(Database, Utf8Order, SQLITE_UTF8, nullptr, &CompareUtf8, nullptr) != SQLITE_OK)
+    RaiseSQLiteError(Database, "Cannot sort");
+  return Database;
+}
+
+std::string SelectText(const TTableDescription& Table, std::span<const int> Columns, std::span<const int> Order,
+                       bool Wide) {
   // Without the alias the engine would take a quoted name that has vanished for a text between quotes.
-  for (const int Column : Columns)
-    Text += "T." + QuoteStandardName(Table.Columns[static_cast<std::size_t>(Column)].Name) + ", ";
+  const auto Name = [&](int Column) {
+    return "T." + QuoteStandardName(Table.Columns[static_cast<std::size_t>(Column)].Name);
+  };
+  std::string Text = "SELECT ";
+  for (const int Column : Columns) Text += Name(Column) + ", ";
   if (Columns.empty()) Text += "NULL, ";
   Text.resize(Text.size() - 2);
   Text += " FROM main." + QuoteStandardName(Table.Table.Name) + " AS T";
-  // An index that holds all columns would be walked in its own order.
+  // An index that holds all columns would be walked in its own order. One that has the wanted order leads to every row
+  // by itself, which takes longer than to sort what is read from end to end; rows that stand in their order are not
+  // sorted.
   if (Table.Table.Kind == TTableKind::Table) Text += " NOT INDEXED";
+  const char* Separator = " ORDER BY ";
+  for (const int Column : Order) {
+    Text += Separator + Name(Column);
+    // Their keys are numbers, and only when asked for plainly are their rows known to stand so.
+    if (Table.Table.Kind != TTableKind::Extension) Text += std::string(" COLLATE ") + (Wide ? Utf8Order : "BINARY");
+    Separator = ", ";
+  }
   return Text;
 }
 
@@ -79,9 +108,10 @@ void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value) {
   }
 }
 
-TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, bool Wide)
-    : FStatement(Database, SelectText(Table, Columns), Format("Cannot read table '%s'", Table.Table.Name),
-                 TSQLiteStatement::TUse::Often),
+TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+                             std::span<const int> Order, bool Wide)
+    : FStatement(WithUtf8Order(Database, Wide && !Order.empty()), SelectText(Table, Columns, Order, Wide),
+                 Format("Cannot read table '%s'", Table.Table.Name), TSQLiteStatement::TUse::Often),
       FWide(Wide) {
   FKinds.reserve(Columns.size());
   for (const int Column : Columns) FKinds.push_back(Table.Columns[static_cast<std::size_t>(Column)].Kind);

@@ -19,8 +19,9 @@ void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value);
 /// Otherwise it keeps the kind of its own storage class.
 class TSQLiteCursor final : public TCursor {
  public:
-  /// Wide: as for ReadSQLiteCell.
-  TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, bool Wide);
+  /// Order: as for TRowAccess. Wide: as for ReadSQLiteCell.
+  TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+                std::span<const int> Order, bool Wide);
 
   bool Next() override { return FStatement.Step(); }
   void Read(int Column, TKvVariant& Value) override;

@@ -53,8 +53,9 @@ int RowNumberColumn(sqlite3* Database, const TTableDescription& Table, bool With
 
 }  // namespace
 
-std::unique_ptr<TCursor> TSQLiteRowAccess::OpenCursor(const TTableDescription& Table, std::span<const int> Columns) {
-  return std::make_unique<TSQLiteCursor>(FDatabase.Handle(), Table, Columns, FDatabase.Texts().Wide);
+std::unique_ptr<TCursor> TSQLiteRowAccess::OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
+                                                      std::span<const int> Order) {
+  return std::make_unique<TSQLiteCursor>(FDatabase.Handle(), Table, Columns, Order, FDatabase.Texts().Wide);
 }
 
 std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescription& Table,

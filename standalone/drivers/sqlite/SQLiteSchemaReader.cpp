@@ -2,6 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "standalone/drivers/sqlite/SQLiteTriggerText.h"
@@ -18,15 +21,24 @@ constexpr std::int64_t HiddenOfVirtualTable = 1;
 constexpr std::int64_t GeneratedVirtual = 2;
 constexpr std::int64_t GeneratedStored = 3;
 
-TTableKind KindOfTable(std::string_view Type) {
-  if (Type == "view") return TTableKind::View;
-  return Type == "virtual" ? TTableKind::Foreign : TTableKind::Table;
-}
-
 bool IsUserTable(std::string_view Name, std::string_view Type) {
   const auto Begins = [&](std::string_view Prefix) { return SameText(Name.substr(0, Prefix.size()), Prefix); };
   // Shadow tables hold the inside of a virtual table.
   return Type != "shadow" && !Begins("sqlite_") && !Begins(CataloguePrefix);
+}
+
+/// The number by which rows go, as a column, under the first of its names that no other column has.
+TColumnInfo RowNumberColumn(const std::vector<TColumnInfo>& Others) {
+  TColumnInfo Result;
+  for (const char* Name : {"oid", "_rowid_", "rowid"}) {
+    const auto HasIt = [&](const TColumnInfo& Column) { return SameText(Column.Name, Name); };
+    if (std::none_of(Others.begin(), Others.end(), HasIt)) Result.Name = Name;
+  }
+  Result.DeclaredType = "INTEGER";
+  Result.Kind = KindOf(Result.DeclaredType);
+  Result.Nullable = false;
+  Result.KeyPosition = 1;
+  return Result;
 }
 
 }  // namespace
@@ -36,12 +48,34 @@ std::string TSQLiteSchemaReader::About(std::string_view What) const {
   return Format("Cannot list the %s of the database '%s'", What, sqlite3_db_filename(FDatabase, "main"));
 }
 
+TSQLiteVirtualTable TSQLiteSchemaReader::Virtual(const std::string& Name) {
+  TSQLiteStatement Declaration(FDatabase, "SELECT sql FROM main.sqlite_schema WHERE type = 'table' AND name = ?1",
+                               Format("Cannot read the declaration of table '%s'", Name));
+  return Declaration.BindText(1, Name).Step() ? ReadVirtualTable(Declaration.Text(0)) : TSQLiteVirtualTable();
+}
+
+TTableKind TSQLiteSchemaReader::KindOfTable(const std::string& Name, std::string_view Type) {
+  if (Type == "view") return TTableKind::View;
+  return Type == "virtual" ? Virtual(Name).Kind : TTableKind::Table;
+}
+
+std::vector<TTextIndex> TSQLiteSchemaReader::TextIndexes() {
+  std::vector<TTextIndex> Result;
+  for (const TTableInfo& Table : Tables()) {
+    if (Table.Kind != TTableKind::IndexOfTable) continue;
+    if (const std::optional<TTableInfo> Source = FindTable(Virtual(Table.Name).Source))
+      Result.push_back({Table, *Source});
+  }
+  return Result;
+}
+
 std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
   TSQLiteStatement List(FDatabase, "SELECT name, type FROM pragma_table_list WHERE schema = 'main' ORDER BY name",
                         About("tables"));
   while (List.Step())
-    if (IsUserTable(List.Text(0), List.Text(1))) Result.push_back({List.Text(0), {}, KindOfTable(List.Text(1))});
+    if (IsUserTable(List.Text(0), List.Text(1)))
+      Result.push_back({List.Text(0), {}, KindOfTable(List.Text(0), List.Text(1))});
   return Result;
 }
 
@@ -66,18 +100,20 @@ std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) 
   }
   TSQLiteStatement Info(FDatabase, "SELECT type FROM pragma_table_list(?1) WHERE schema = 'main'", What);
   if (!Info.BindText(1, Found.front()).Step() || !IsUserTable(Found.front(), Info.Text(0))) return std::nullopt;
-  return TTableInfo{Found.front(), {}, KindOfTable(Info.Text(0))};
+  return TTableInfo{Found.front(), {}, KindOfTable(Found.front(), Info.Text(0))};
 }
 
 TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
   TTableDescription Result{Table, {}};
+  const bool IsExtension = Table.Kind == TTableKind::Extension;
+  const TSQLiteVirtualTable Kept = IsExtension ? Virtual(Table.Name) : TSQLiteVirtualTable();
   TSQLiteStatement Columns(
       FDatabase, "SELECT name, type, \"notnull\", pk, hidden FROM pragma_table_xinfo(?1, 'main') ORDER BY cid",
       Format("Cannot read the columns of table '%s'", Table.Name));
   Columns.BindText(1, Table.Name);
   while (Columns.Step()) {
     const std::int64_t Hidden = Columns.Integer(4);
-    if (Hidden == HiddenOfVirtualTable) continue;
+    if (Hidden == HiddenOfVirtualTable && !SameText(Columns.Text(0), Kept.LanguageColumn)) continue;
     TColumnInfo Column;
     Column.Name = Columns.Text(0);
     Column.DeclaredType = Columns.Text(1);
@@ -90,6 +126,28 @@ TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
   if (Result.Columns.empty())
     throw EDatabaseError(Format("There is no table '%s' in the database", Table.Name),
                          {.Code = TErrorCode::TableMissing, .Table = Table.Name});
+  if (Kept.HasRowNumbers)
+    Result.Columns.insert(Result.Columns.begin(), RowNumberColumn(Result.Columns));
+  else if (IsExtension)
+    Result.Columns.front().KeyPosition = 1;
+  return Result;
+}
+
+std::vector<std::vector<int>> TSQLiteSchemaReader::UniqueKeys(const TTableDescription& Table) {
+  // An expression has no name; a key with one is no use to anybody here.
+  TSQLiteStatement Keys(
+      FDatabase,
+      "SELECT l.seq, x.name FROM pragma_index_list(?1, 'main') l CROSS JOIN pragma_index_xinfo(l.name, 'main') x "
+      "WHERE l.\"unique\" AND NOT l.partial AND l.origin <> 'pk' AND x.key AND NOT EXISTS (SELECT 1 FROM "
+      "pragma_index_xinfo(l.name, 'main') e WHERE e.key AND e.name IS NULL) ORDER BY l.seq, x.seqno",
+      Format("Cannot read the keys of table '%s'", Table.Table.Name));
+  Keys.BindText(1, Table.Table.Name);
+  std::vector<std::vector<int>> Result;
+  std::int64_t Last = -1;
+  while (Keys.Step()) {
+    if (Keys.Integer(0) != std::exchange(Last, Keys.Integer(0))) Result.emplace_back();
+    Result.back().push_back(IndexOf(Table, Keys.Text(1)));
+  }
   return Result;
 }
 
@@ -152,16 +210,15 @@ TBrokenReferences TSQLiteSchemaReader::BrokenReferences(const TTableInfo& Table)
 
 std::vector<TTrigger> TSQLiteSchemaReader::Triggers() {
   TSQLiteStatement List(FDatabase,
-                        "SELECT g.name, t.name, t.type, g.sql FROM main.sqlite_schema g JOIN main.sqlite_schema t "
+                        "SELECT g.name, t.name, g.sql FROM main.sqlite_schema g JOIN main.sqlite_schema t "
                         "ON t.name = g.tbl_name COLLATE NOCASE AND t.type IN ('table', 'view') "
                         "WHERE g.type = 'trigger' ORDER BY t.name, g.name",
                         About("triggers"));
   std::vector<TTrigger> Result;
   while (List.Step()) {
-    const std::string Event = SQLiteTriggerEvent(List.Text(3));
+    const std::string Event = SQLiteTriggerEvent(List.Text(2));
     if (Event == "UPDATE") continue;
-    Result.push_back(
-        {{List.Text(1), {}, KindOfTable(List.Text(2))}, List.Text(0), Event == "INSERT", Event == "DELETE"});
+    Result.push_back({{List.Text(1), {}}, List.Text(0), Event == "INSERT", Event == "DELETE"});
   }
   return Result;
 }

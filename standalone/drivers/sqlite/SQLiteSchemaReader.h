@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standalone/drivers/Connection.h"
+#include "standalone/drivers/sqlite/SQLiteVirtualTable.h"
 
 struct sqlite3;
 
@@ -17,9 +18,13 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   std::vector<TTableInfo> Tables() override;
   std::optional<TTableInfo> FindTable(std::string_view Name) override;
   TTableDescription Describe(const TTableInfo& Table) override;
+  std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) override;
   std::int64_t RowCount(const TTableInfo& Table) override;
   bool HasRows(const TTableInfo& Table) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
+
+  /// Those whose table is there.
+  std::vector<TTextIndex> TextIndexes() override;
 
   /// Those that name a table which is not there are not among them.
   std::vector<TForeignKey> ForeignKeys() override;
@@ -30,6 +35,8 @@ class TSQLiteSchemaReader final : public TSchemaReader {
 
  private:
   std::string About(std::string_view What) const;
+  TTableKind KindOfTable(const std::string& Name, std::string_view Type);
+  TSQLiteVirtualTable Virtual(const std::string& Name);
 
   sqlite3* FDatabase;
   const TCapabilities& FCapabilities;

@@ -17,7 +17,8 @@ inline constexpr const char* TypeDefinitions =
     "CREATE TYPE pair AS (a integer, \"b c\" text);"
     "CREATE DOMAIN price AS numeric(12,2) CHECK (VALUE >= 0);"
     "CREATE DOMAIN sale AS price NOT NULL DEFAULT 0;"
-    "CREATE DOMAIN word AS varchar(5);";
+    "CREATE DOMAIN word AS varchar(5);"
+    "CREATE DOMAIN few AS integer[] CHECK (array_length(VALUE, 1) < 5);";
 
 inline const std::vector<TTypeCase>& TypeCases() {
   static const std::vector<TTypeCase> Result = {
@@ -68,6 +69,8 @@ inline const std::vector<TTypeCase>& TypeCases() {
       {"varchar(3)", {{"'日本 '", "10 日本 "}}},
       {"char(4)", {{"'ж'", "10 ж   "}, {"''", "10     "}}},
       {"name", {{"'a \"b\"'", "10 a \"b\""}}},
+      {"refcursor", {{"'<unnamed portal 1>'", "10 <unnamed portal 1>"}}},
+      {"few", {{"'{1,NULL}'", "10 {1,NULL}"}}},
       {"\"char\"", {{"'x'", "10 x"}}},
       {"bytea", {{"''", "23 "}, {"'\\x00ff0a5c7c'", std::string("23 \0\xFF\n\\|", 8)}}},
       {"date",

@@ -23,7 +23,10 @@ class TTable {
   virtual std::int64_t RecordCount() = 0;
   /// Whether there is a row; without counting them, where that is quicker.
   virtual bool HasRecords() { return RecordCount() > 0; }
-  /// Opens the walk at the first row in the table's own order; false when there is none.
+  /// Walks that begin later go through the rows by the table's key, so that the same rows come in the same order
+  /// whatever holds them. False: it has no such key, and walks keep the table's own order.
+  virtual bool OrderByKey() { return false; }
+  /// Opens the walk at the first row; false when there is none.
   virtual bool First() = 0;
   /// The next row; false when there is none, and the walk is then closed.
   virtual bool Next() = 0;

@@ -13,13 +13,14 @@ struct TPropertyRemedy {
   TErrorCode Code;
   std::string_view Property;  // that a job has to have, so that its option helps
   std::string_view Text;      // behind the option's name; empty where the message says what it does
+  std::int64_t Remedied = 1;  // what the property is then; where it is that already, it is no help
 };
 
 constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::UnreadableValue, "Lenient", "makes such values NULL and counts them"},
     {TErrorCode::Text, "AllowLoss", ""},
     {TErrorCode::Loss, "AllowLoss", ""},
-    {TErrorCode::FieldMissing, "MissingFields", "skip passes over fields that the table lacks"},
+    {TErrorCode::FieldMissing, "MissingFields", "skip passes over fields that the table lacks", 0},
     {TErrorCode::RepeatedTable, "RepeatedTables", "join loads the rows of all"},
     {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},
     {TErrorCode::DatabaseLocks, "Commit", "each takes fewer at a time"},
@@ -69,11 +70,12 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
 std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::string_view Line) {
   const bool IsSentence = Line.ends_with('.') || Line.ends_with('?');
   const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
-  for (const auto& [Code, Property, Text] : PropertyRemedies) {
+  for (const auto& [Code, Property, Text, Remedied] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     // Of other fields it is the file that lacks them, or the table lacks all.
     if (Code == TErrorCode::FieldMissing && (Error.Info.Table.empty() || Error.Info.Column.empty())) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
+    if (GetPropertyInteger(*Session.Interface, Property) == Remedied) continue;
     return Text.empty() ? Format(": %s", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
   }
   const std::string Remedy = OtherRemedy(Session, Error);

@@ -10,7 +10,8 @@ namespace velkrund {
 struct TLoadNeeds {
   struct TTarget {
     TTableInfo Table;
-    bool Replaced = false;  // its rows are deleted first
+    bool Replaced = false;           // its rows are deleted first
+    bool HasDeleteTriggers = false;  // which fire then
   };
   std::vector<TTarget> Targets;
   std::vector<TForeignKey> Circular;  // whose rows come before those that they refer to
@@ -33,6 +34,8 @@ class TSafeguards {
   virtual void Lock() = 0;
   /// Before tables are emptied. An error names the right that is missing.
   virtual void SetAside() = 0;
+  /// When they are empty: triggers that were to fire later fire now, rather than meet the new rows.
+  virtual void EndEmptying() = 0;
   /// Before the first row.
   virtual void BeginRows() = 0;
   /// After the last one: checks what was deferred.

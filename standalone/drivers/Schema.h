@@ -60,6 +60,7 @@ struct TTrigger {
   TTableInfo Table;  // of one on a part of a table, the whole
   std::string Name;
   bool OnInsert = false, OnDelete = false;
+  bool IsRule = false;  // of how the engine rewrites statements; not to be switched off
 };
 
 /// Rows of a table that refer to rows which are not there.

@@ -59,6 +59,7 @@ void TKeyedLoading::TakeTriggers() {
   for (TTrigger& Trigger : FConnection.Schema().Triggers()) {
     const auto Target = FTargets.find(FullName(Trigger.Table));
     if (Target == FTargets.end()) continue;
+    Target->second.HasDeleteTriggers = Target->second.HasDeleteTriggers || Trigger.OnDelete;
     if (Trigger.OnInsert || (Trigger.OnDelete && Target->second.Replaced)) FTriggers.push_back(std::move(Trigger));
   }
 }
@@ -69,10 +70,9 @@ void TKeyedLoading::MakeOrder(const std::vector<TLoadTarget>& Targets) {
   std::vector<TLoadOrder::TTie> Ties;
   for (const TForeignKey& Key : FKeys) Ties.push_back(TieOf(Key));
   // What such a trigger does to other tables would undo what was loaded before.
-  const bool ActsOnDelete =
-      FOptions.Triggers && std::any_of(FTriggers.begin(), FTriggers.end(), [this](const auto& One) {
-        return One.OnDelete && IsReplaced(FullName(One.Table));
-      });
+  const bool ActsOnDelete = std::any_of(FTriggers.begin(), FTriggers.end(), [this](const TTrigger& One) {
+    return One.OnDelete && (FOptions.Triggers || One.IsRule) && IsReplaced(FullName(One.Table));
+  });
   FOrder = std::make_unique<const TLoadOrder>(Tables, Ties, FOptions.InGroups && !ActsOnDelete);
 }
 
@@ -100,7 +100,7 @@ TLoadNeeds TKeyedLoading::NeedsOf(const std::vector<std::string>& Tables) const 
   Needs.BrokenReferences = FOptions.BrokenReferences;
   for (const std::string& Table : Tables) {
     const TTarget& Target = FTargets.at(Table);
-    Needs.Targets.push_back({Target.Info, Target.Replaced});
+    Needs.Targets.push_back({Target.Info, Target.Replaced, Target.HasDeleteTriggers});
   }
   const auto IsMeant = [&](const TForeignKey& Key) {
     return std::find(Tables.begin(), Tables.end(), FullName(Key.From)) != Tables.end();
@@ -155,6 +155,7 @@ void TKeyedLoading::Prepare(const std::vector<std::string>& Tables) {
   FSafeguards->SetAside();
   CountBroken(Tables);
   EmptyTables(Tables);
+  FSafeguards->EndEmptying();
   FSafeguards->BeginRows();
 }
 
@@ -193,10 +194,22 @@ void TKeyedLoading::End(bool Whole) {
   std::vector<std::string> Remarks;
   Safeguards->EndRows();
   References->Compare(Remarks);
+  RebuildTextIndexes(Remarks);
   Safeguards->PutBack();
   Transaction->Commit();
   FRemarks.insert(FRemarks.end(), Remarks.begin(), Remarks.end());
   TellTriggers();
+}
+
+/// Those that the engine keeps beside a table's rows, which its triggers may have passed by.
+void TKeyedLoading::RebuildTextIndexes(std::vector<std::string>& Remarks) {
+  for (const TTextIndex& Each : FConnection.Schema().TextIndexes()) {
+    const std::string Table = FullName(Each.Table);
+    if (!FOrder->Has(Table) || FOrder->Group(Table) != FGroup) continue;
+    FManager.Notice(Format("making the text index '%s' anew", FullName(Each.Index)));
+    FConnection.RebuildTextIndex(Each.Index);
+    Remarks.push_back(Format("the text index '%s' was made anew from the table '%s'", FullName(Each.Index), Table));
+  }
 }
 
 /// What was loaded is not all that has happened.
@@ -205,15 +218,16 @@ void TKeyedLoading::TellTriggers() {
   if (ReferencesOff)
     FRemarks.emplace_back(
         "while the rows were loaded, the engine checked no references and fired no ordinary triggers");
+  TellNames(!FOptions.Triggers ? "triggers that were off" : ReferencesOff ? "triggers" : "triggers that fired", false);
+  TellNames("rules that deletions were rewritten by", true);
+}
+
+void TKeyedLoading::TellNames(const char* What, bool Rules) {
   std::vector<std::string> Names;
   for (const TTrigger& Trigger : FTriggers)
-    if (FOrder->Group(FullName(Trigger.Table)) == FGroup)
+    if (Trigger.IsRule == Rules && FOrder->Group(FullName(Trigger.Table)) == FGroup)
       Names.push_back(Format("'%s' of '%s'", Trigger.Name, FullName(Trigger.Table)));
-  if (Names.empty()) return;
-  const char* const What = !FOptions.Triggers ? "triggers that were off"
-                           : ReferencesOff    ? "triggers"
-                                              : "triggers that fired";
-  FRemarks.push_back(Format("%s: %s", What, JoinedInShort(std::move(Names))));
+  if (!Names.empty()) FRemarks.push_back(Format("%s: %s", What, JoinedInShort(std::move(Names))));
 }
 
 }  // namespace velkrund

@@ -35,6 +35,7 @@ class TKeyedLoading final : public TTableLoading {
   struct TTarget {
     TTableInfo Info;
     bool Replaced;
+    bool HasDeleteTriggers = false;
     std::int64_t Deleted = 0;
   };
 
@@ -49,7 +50,9 @@ class TKeyedLoading final : public TTableLoading {
   void Prepare(const std::vector<std::string>& Tables);
   void CountBroken(const std::vector<std::string>& Tables);
   void EmptyTables(const std::vector<std::string>& Tables);
+  void RebuildTextIndexes(std::vector<std::string>& Remarks);
   void TellTriggers();
+  void TellNames(const char* What, bool Rules);
 
   TStandaloneManager& FManager;
   const std::string FDatabaseName;

@@ -24,6 +24,18 @@ std::string TriggersStatement() {
       "FROM pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p) ORDER BY 1, 2");
 }
 
+/// The deferrable triggers for deletions of a table ($1) and its parts, and whether they wait unless told otherwise.
+/// The names that SET CONSTRAINTS knows are those of their constraints.
+std::string LateTriggersStatement() {
+  return CatalogueStatement(
+      "SELECT DISTINCT pg_catalog.quote_ident(n.nspname) || '.' || pg_catalog.quote_ident(k.conname), "
+      "t.tginitdeferred FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_constraint k ON k.oid = t.tgconstraint "
+      "JOIN pg_catalog.pg_namespace n ON n.oid = k.connamespace "
+      "WHERE NOT t.tgisinternal AND t.tgdeferrable AND t.tgenabled <> 'D' AND (t.tgtype & 8) <> 0 "
+      "AND t.tgrelid IN (SELECT $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid UNION SELECT p.relid "
+      "FROM pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p) ORDER BY 1");
+}
+
 /// The constraint that key $1 is a part of, or is itself: a partitioned table's is what can be altered.
 std::string KeyStatement() {
   return CatalogueStatement(
@@ -197,6 +209,19 @@ void TPostgreSQLSafeguards::RequireReplicaRole() {
         {.Code = TErrorCode::References, .EngineCode = Error.Info().EngineCode});
   }
   SetRole(FRole);
+}
+
+void TPostgreSQLSafeguards::EndEmptying() {
+  constexpr std::string_view What = "Cannot let triggers fire that were to fire later";
+  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets) {
+    if (!Target.Replaced || !Target.HasDeleteTriggers) continue;
+    const std::string Name = FSession.Dialect().QualifiedName(Target.Table);
+    const TPostgreSQLResult Late = FSession.Query(What, LateTriggersStatement(), {Name.c_str()});
+    for (int Row = 0; Row < Late.RowCount(); ++Row) {
+      FSession.Query(What, Format("SET CONSTRAINTS %s IMMEDIATE", Late.Text(Row, 0)));
+      if (Late.Boolean(Row, 1)) FSession.Query(What, Format("SET CONSTRAINTS %s DEFERRED", Late.Text(Row, 0)));
+    }
+  }
 }
 
 void TPostgreSQLSafeguards::BeginRows() {

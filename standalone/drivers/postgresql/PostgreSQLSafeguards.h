@@ -17,6 +17,7 @@ class TPostgreSQLSafeguards final : public TSafeguards {
 
   void Lock() override;
   void SetAside() override;
+  void EndEmptying() override;
   void BeginRows() override;
   void EndRows() override;
   void PutBack() override;

@@ -38,15 +38,18 @@ constexpr const char* KeysStatement =
     "ORDER BY fn.nspname, f.relname, k.conname";
 
 /// What fires for rows, or statements, that insert or delete: bits 4 and 8 of tgtype. Those of a partition are shown as
-/// its table's.
+/// its table's. Rules come along for deletions; a COPY knows none.
 constexpr const char* TriggersStatement =
-    "SELECT DISTINCT r.relname, n.nspname, r.relkind, t.tgname, (t.tgtype & 4) <> 0, (t.tgtype & 8) <> 0 "
+    "SELECT DISTINCT r.relname, n.nspname, r.relkind, t.tgname, (t.tgtype & 4) <> 0, (t.tgtype & 8) <> 0, false "
     "FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_class c ON c.oid = t.tgrelid "
     "JOIN pg_catalog.pg_class r ON r.oid = coalesce(CASE WHEN c.relispartition THEN "
     "pg_catalog.pg_partition_root(c.oid)::pg_catalog.oid END, c.oid) "
     "JOIN pg_catalog.pg_namespace n ON n.oid = r.relnamespace "
     "WHERE NOT t.tgisinternal AND (t.tgenabled = 'O' OR t.tgenabled = 'A') AND (t.tgtype & 12) <> 0 "
-    "ORDER BY n.nspname, r.relname, t.tgname";
+    "UNION ALL SELECT c.relname, n.nspname, c.relkind, w.rulename, false, true, true "
+    "FROM pg_catalog.pg_rewrite w JOIN pg_catalog.pg_class c ON c.oid = w.ev_class "
+    "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+    "WHERE w.ev_type = '4' AND w.ev_enabled = ANY ('{O,A}') ORDER BY 2, 1, 4";
 
 /// The keys of a table ($1) and the columns at both ends, one row a column.
 constexpr const char* KeyColumnsStatement =
@@ -226,7 +229,8 @@ std::vector<TTrigger> TPostgreSQLSchemaReader::Triggers() {
     Result.push_back({{Rows.Copy(Row, 0), ShownSchema(Rows.Text(Row, 1)), KindOfTable(Rows.Text(Row, 2).front())},
                       Rows.Copy(Row, 3),
                       Rows.Boolean(Row, 4),
-                      Rows.Boolean(Row, 5)});
+                      Rows.Boolean(Row, 5),
+                      Rows.Boolean(Row, 6)});
   return Result;
 }
 

@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::string_view What = "Cannot move the sequences behind the keys that were loaded";
 
-/// Those of identity columns, of columns declared as serial, and those that a default asks; of the tables $1.
+/// Those of identity columns, of columns declared as serial, and those that the default of a column, or of its domain,
+/// asks; of the tables $1.
 std::string FeedingSequences() {
   return CatalogueStatement(
       "WITH f AS (SELECT d.refobjid AS r, d.refobjsubid::pg_catalog.int4 AS n, d.objid AS s FROM pg_catalog.pg_depend "
@@ -23,7 +24,11 @@ std::string FeedingSequences() {
       "SELECT v.adrelid, v.adnum::pg_catalog.int4, d.refobjid FROM pg_catalog.pg_attrdef v JOIN pg_catalog.pg_depend d "
       "ON d.classid = 'pg_catalog.pg_attrdef'::pg_catalog.regclass::pg_catalog.oid AND d.objid = v.oid "
       "AND d.refclassid = 'pg_catalog.pg_class'::pg_catalog.regclass::pg_catalog.oid "
-      "WHERE v.adrelid = ANY ($1::pg_catalog.oid[])) "
+      "WHERE v.adrelid = ANY ($1::pg_catalog.oid[]) UNION "
+      "SELECT a.attrelid, a.attnum::pg_catalog.int4, d.refobjid FROM pg_catalog.pg_attribute a "
+      "JOIN pg_catalog.pg_depend d ON d.classid = 'pg_catalog.pg_type'::pg_catalog.regclass::pg_catalog.oid "
+      "AND d.objid = a.atttypid AND d.refclassid = 'pg_catalog.pg_class'::pg_catalog.regclass::pg_catalog.oid "
+      "WHERE NOT a.atthasdef AND a.attrelid = ANY ($1::pg_catalog.oid[])) "
       "SELECT f.r, a.attname, c.oid::pg_catalog.regclass, s.seqincrement > '0', s.seqmin, s.seqmax, "
       "pg_catalog.has_sequence_privilege(c.oid, 'SELECT'), pg_catalog.has_sequence_privilege(c.oid, 'UPDATE'), "
       "f.r::pg_catalog.regclass, pg_catalog.quote_ident(a.attname), t.typcategory "
@@ -80,8 +85,12 @@ std::map<std::string, TPostgreSQLSequences::TSequence> TPostgreSQLSequences::Fin
 /// Of a column of other numbers, as it stands in the table.
 std::optional<std::int64_t> TPostgreSQLSequences::FurthestOf(const TPostgreSQLResult& Rows, int Row,
                                                              bool Upwards) const {
-  if (Rows.Text(Row, 10) != "N") return std::nullopt;
   const std::string Column = Rows.Copy(Row, 9);
+  if (Rows.Text(Row, 10) != "N") {
+    FWarning(Format("the sequence %s stays where it is: how the values of %s.%s come from it is not known",
+                    Rows.Text(Row, 2), Rows.Text(Row, 8), Column));
+    return std::nullopt;
+  }
   const TPostgreSQLResult Found = FSession.Query(
       What,
       Format("SELECT pg_catalog.trunc(pg_catalog.%s(%s)) FROM %s WHERE %s::pg_catalog.float8 BETWEEN -9e18 AND 9e18",

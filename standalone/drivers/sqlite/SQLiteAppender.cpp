@@ -49,11 +49,14 @@ TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Tab
     : FDatabase(Database),
       FTableName(Table.Table.Name),
       FTriggers(Traits.Triggers.empty() ? "" : Format(" (%s)", JoinedInShort(Traits.Triggers))),
+      FTable(Table),
+      FColumns(Columns.begin(), Columns.end()),
+      FTraits(Traits),
       FOne(Database, Table, Columns, Traits, 1),
       FAllowLoss(Options.AllowLoss),
       FRecord(Options.FirstRecord) {
   for (const int Index : Columns) FNames.push_back(Table.Columns[static_cast<std::size_t>(Index)].Name);
-  if (!Traits.OneByOne) PrepareMany(Table, Columns, Traits);
+  if (!Traits.OneByOne) MakeRoom();
   TSQLiteStatement CacheSize(Database, "PRAGMA main.cache_size", What(FTableName));
   if (CacheSize.Step() && CacheSize.Integer(0) < 0 && CacheSize.Integer(0) > AppendCacheSize) {
     FCacheSizeBefore = CacheSize.Integer(0);
@@ -82,11 +85,10 @@ TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Ta
   }
 }
 
-void TSQLiteAppender::PrepareMany(const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits) {
-  const std::size_t Rows = Columns.empty() ? 1 : std::min(MostRows, MostPlaces / Columns.size());
+void TSQLiteAppender::MakeRoom() {
+  const std::size_t Rows = FColumns.empty() ? 1 : std::min(MostRows, MostPlaces / FColumns.size());
   if (Rows < 2) return;
-  FMany.emplace(FDatabase, Table, Columns, Traits, Rows);
-  FHeld.resize(Rows * Columns.size());
+  FHeld.resize(Rows * FColumns.size());
   FHeldPlaces.reserve(FHeld.size());
   for (const TKvVariant& Value : FHeld) FHeldPlaces.push_back(&Value);
 }
@@ -106,7 +108,7 @@ void TSQLiteAppender::Append(std::span<const TKvVariant* const> Row) {
 }
 
 bool TSQLiteAppender::IsHeldBack(TRow Row) const {
-  if (!FMany) return false;
+  if (FHeld.empty()) return false;
   std::size_t Bytes = 0;
   for (const TKvVariant* Value : Row) Bytes += Value->AsText().size();
   return Bytes <= MostHeldBytes;
@@ -117,6 +119,8 @@ void TSQLiteAppender::Hold(TRow Row) {
 }
 
 void TSQLiteAppender::InsertHeld() {
+  // Small tables never need it.
+  if (!FMany) FMany.emplace(FDatabase, FTable, FColumns, FTraits, FHeld.size() / FColumns.size());
   if (!BindHeld()) return InsertHeldOneByOne();
   const bool Alone = sqlite3_get_autocommit(FDatabase) != 0;
   const int Code = sqlite3_step(FMany->Statement.Handle()) & 0xFF;

@@ -44,7 +44,7 @@ class TSQLiteAppender final : public TBulkAppender {
     std::vector<TSQLiteBinder> Binders;  // one per place, row by row
   };
 
-  void PrepareMany(const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits);
+  void MakeRoom();
   bool IsHeldBack(TRow Row) const;
   void Hold(TRow Row);
   void InsertHeld();
@@ -63,9 +63,12 @@ class TSQLiteAppender final : public TBulkAppender {
   std::string FTableName;
   std::string FTriggers;  // for messages: that can have refused a row
   std::optional<std::int64_t> FCacheSizeBefore;
+  const TTableDescription FTable;
+  const std::vector<int> FColumns;
+  const TTraits FTraits;
   TInsert FOne;
-  std::optional<TInsert> FMany;                // nothing: every row goes by itself
-  std::vector<TKvVariant> FHeld;               // room for the rows of FMany
+  std::optional<TInsert> FMany;                // made when the first rows are together
+  std::vector<TKvVariant> FHeld;               // room for the rows of FMany; none: every row goes by itself
   std::vector<const TKvVariant*> FHeldPlaces;  // to FHeld's values
   std::size_t FHeldCount = 0;                  // values in FHeld
   std::vector<std::string> FNames;

@@ -41,7 +41,7 @@ class TSQLiteConnection final : public TConnection {
   const TCapabilities FCapabilities;
   const TSQLiteDialect FDialect;
   TSQLiteSchemaReader FSchema{FDatabase.Handle(), FCapabilities};
-  TSQLiteRowAccess FRows{FDatabase, FCapabilities.ReadOnly};
+  TSQLiteRowAccess FRows{FDatabase, FSchema, FCapabilities.ReadOnly};
 };
 
 }  // namespace velkrund

@@ -5,6 +5,7 @@
 #include "standalone/drivers/sqlite/SQLiteAppender.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
 #include "standalone/drivers/sqlite/SQLiteDatabase.h"
+#include "standalone/drivers/sqlite/SQLiteSchemaReader.h"
 #include "standalone/drivers/sqlite/SQLiteTriggerText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -14,16 +15,17 @@ namespace velkrund {
 namespace {
 
 /// Those that fire, of the database and of the connection.
-std::vector<std::string> InsertTriggers(sqlite3* Database, const std::string& Table) {
+std::vector<std::string> InsertTriggers(sqlite3* Database, TSQLiteSchemaReader& Schema, const std::string& Table) {
   std::vector<std::string> Result;
   int AreOn = 1;
   sqlite3_db_config(Database, SQLITE_DBCONFIG_ENABLE_TRIGGER, -1, &AreOn);
   if (AreOn == 0) return Result;
-  TSQLiteStatement Found(
-      Database,
-      "SELECT name, sql FROM main.sqlite_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1) UNION ALL "
-      "SELECT name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)",
-      Format("Cannot append to table '%s'", Table));
+  for (const TTrigger& Trigger : Schema.KnownTriggers())
+    if (Trigger.OnInsert && Trigger.Table.Name == Table) Result.push_back(Trigger.Name);
+  TSQLiteStatement Found(Database,
+                         "SELECT name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = "
+                         "lower(?1)",
+                         Format("Cannot append to table '%s'", Table));
   Found.BindText(1, Table);
   while (Found.Step())
     if (SQLiteTriggerEvent(Found.Text(1)) == "INSERT") Result.push_back(Found.Text(0));
@@ -69,12 +71,11 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   TSQLiteAppender::TTraits Traits;
   Traits.Texts = FDatabase.Texts();
   Traits.Texts.AllowLoss = Options.AllowLoss;
-  TSQLiteStatement Info(Database, "SELECT strict, wr FROM pragma_table_list(?1) WHERE schema = 'main'", What);
-  if (!Info.BindText(1, Table.Table.Name).Step())
-    throw EDatabaseError(What + ": the table does not exist", {.Code = TErrorCode::TableMissing});
-  Traits.Strict = Info.Integer(0) != 0;
-  Traits.RowNumberColumn = RowNumberColumn(Database, Table, Info.Integer(1) != 0);
-  Traits.Triggers = InsertTriggers(Database, Table.Table.Name);
+  const TSQLiteListedTable* const Listed = FSchema.Listed(Table.Table.Name);
+  if (!Listed) throw EDatabaseError(What + ": the table does not exist", {.Code = TErrorCode::TableMissing});
+  Traits.Strict = Listed->Strict;
+  Traits.RowNumberColumn = RowNumberColumn(Database, Table, Listed->WithoutRowId);
+  Traits.Triggers = InsertTriggers(Database, FSchema, Table.Table.Name);
   Traits.OneByOne = Table.Table.Kind != TTableKind::Table || !Traits.Triggers.empty() || EnforcesKeys(Database);
   return std::make_unique<TSQLiteAppender>(Database, Table, Columns, Options, Traits);
 }

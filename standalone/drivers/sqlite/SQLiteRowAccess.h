@@ -5,10 +5,12 @@
 namespace velkrund {
 
 class TSQLiteDatabase;
+class TSQLiteSchemaReader;
 
 class TSQLiteRowAccess final : public TRowAccess {
  public:
-  TSQLiteRowAccess(const TSQLiteDatabase& Database, bool ReadOnly) : FDatabase(Database), FReadOnly(ReadOnly) {}
+  TSQLiteRowAccess(const TSQLiteDatabase& Database, TSQLiteSchemaReader& Schema, bool ReadOnly)
+      : FDatabase(Database), FSchema(Schema), FReadOnly(ReadOnly) {}
 
   std::unique_ptr<TCursor> OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
                                       std::span<const int> Order) override;
@@ -17,6 +19,7 @@ class TSQLiteRowAccess final : public TRowAccess {
 
  private:
   const TSQLiteDatabase& FDatabase;
+  TSQLiteSchemaReader& FSchema;
   const bool FReadOnly;
 };
 

@@ -16,6 +16,7 @@ class TSQLiteSafeguards final : public TSafeguards {
 
   void Lock() override {}
   void SetAside() override;
+  void EndEmptying() override {}
   void BeginRows() override {}
   /// Deferred keys are checked by the commit.
   void EndRows() override {}

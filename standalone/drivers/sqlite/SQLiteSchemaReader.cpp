@@ -71,39 +71,37 @@ std::vector<TTextIndex> TSQLiteSchemaReader::TextIndexes() {
 
 std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
-  TSQLiteStatement List(FDatabase, "SELECT name, type FROM pragma_table_list WHERE schema = 'main' ORDER BY name",
-                        About("tables"));
-  while (List.Step())
-    if (IsUserTable(List.Text(0), List.Text(1)))
-      Result.push_back({List.Text(0), {}, KindOfTable(List.Text(0), List.Text(1))});
+  for (const TSQLiteListedTable& Table : FMemory.Now().Tables)
+    if (IsUserTable(Table.Name, Table.Type)) Result.push_back({Table.Name, {}, KindOfTable(Table.Name, Table.Type)});
   return Result;
 }
 
 std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) {
-  const std::string What = Format("Cannot look for table '%s'", Name);
-  // The names alone first: the list with its kinds prepares every view.
-  std::vector<std::string> Found;
-  TSQLiteStatement Names(FDatabase, "SELECT name FROM main.sqlite_schema WHERE type IN ('table', 'view') ORDER BY name",
-                         What);
-  while (Names.Step()) {
-    std::string Candidate = Names.Text(0);
-    const bool Exact = Candidate == Name;
-    if (Exact) Found.clear();
-    if (Exact || SameText(Candidate, Name)) Found.push_back(std::move(Candidate));
-    if (Exact) break;
+  const TSQLiteListedTable* Found = FMemory.Find(Name);
+  if (!Found) {
+    std::vector<const TSQLiteListedTable*> Alike;
+    for (const TSQLiteListedTable& Table : FMemory.Now().Tables)
+      if (SameText(Table.Name, Name)) Alike.push_back(&Table);
+    if (Alike.empty()) return std::nullopt;
+    if (Alike.size() > 1) {
+      std::string All;
+      for (const TSQLiteListedTable* One : Alike) All += (All.empty() ? "" : ", ") + QuoteStandardName(One->Name);
+      throw EDatabaseError(
+          Format("Cannot look for table '%s': several go by that name: %s; name one in its own case", Name, All));
+    }
+    Found = Alike.front();
   }
-  if (Found.empty()) return std::nullopt;
-  if (Found.size() > 1) {
-    std::string All;
-    for (const std::string& One : Found) All += (All.empty() ? "" : ", ") + QuoteStandardName(One);
-    throw EDatabaseError(Format("%s: several go by that name: %s; name one in its own case", What, All));
-  }
-  TSQLiteStatement Info(FDatabase, "SELECT type FROM pragma_table_list(?1) WHERE schema = 'main'", What);
-  if (!Info.BindText(1, Found.front()).Step() || !IsUserTable(Found.front(), Info.Text(0))) return std::nullopt;
-  return TTableInfo{Found.front(), {}, KindOfTable(Found.front(), Info.Text(0))};
+  if (!IsUserTable(Found->Name, Found->Type)) return std::nullopt;
+  return TTableInfo{Found->Name, {}, KindOfTable(Found->Name, Found->Type)};
 }
 
 TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
+  auto& Known = FMemory.Now().Descriptions;
+  const auto Found = Known.find(Table.Name);
+  return Found != Known.end() ? Found->second : Known.emplace(Table.Name, ReadDescription(Table)).first->second;
+}
+
+TTableDescription TSQLiteSchemaReader::ReadDescription(const TTableInfo& Table) {
   TTableDescription Result{Table, {}};
   const bool IsExtension = Table.Kind == TTableKind::Extension;
   const TSQLiteVirtualTable Kept = IsExtension ? Virtual(Table.Name) : TSQLiteVirtualTable();
@@ -208,7 +206,15 @@ TBrokenReferences TSQLiteSchemaReader::BrokenReferences(const TTableInfo& Table)
   return Result;
 }
 
-std::vector<TTrigger> TSQLiteSchemaReader::Triggers() {
+std::vector<TTrigger> TSQLiteSchemaReader::Triggers() { return KnownTriggers(); }
+
+const std::vector<TTrigger>& TSQLiteSchemaReader::KnownTriggers() {
+  std::optional<std::vector<TTrigger>>& Known = FMemory.Now().Triggers;
+  if (!Known) Known = ReadTriggers();
+  return *Known;
+}
+
+std::vector<TTrigger> TSQLiteSchemaReader::ReadTriggers() const {
   TSQLiteStatement List(FDatabase,
                         "SELECT g.name, t.name, g.sql FROM main.sqlite_schema g JOIN main.sqlite_schema t "
                         "ON t.name = g.tbl_name COLLATE NOCASE AND t.type IN ('table', 'view') "

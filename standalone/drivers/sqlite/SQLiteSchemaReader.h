@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standalone/drivers/Connection.h"
+#include "standalone/drivers/sqlite/SQLiteSchemaMemory.h"
 #include "standalone/drivers/sqlite/SQLiteVirtualTable.h"
 
 struct sqlite3;
@@ -30,16 +31,24 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   std::vector<TForeignKey> ForeignKeys() override;
   TBrokenReferences BrokenReferences(const TTableInfo& Table) override;
   std::vector<TTrigger> Triggers() override;
+  const std::vector<TTrigger>& KnownTriggers();
+  /// Null when there is none of exactly that name.
+  const TSQLiteListedTable* Listed(std::string_view Name) { return FMemory.Find(Name); }
+  /// To be called after a roll back.
+  void Forget() { FMemory.Forget(); }
 
   bool HasCatalogueTable(const std::string& Name) override;
 
  private:
   std::string About(std::string_view What) const;
+  TTableDescription ReadDescription(const TTableInfo& Table);
+  std::vector<TTrigger> ReadTriggers() const;
   TTableKind KindOfTable(const std::string& Name, std::string_view Type);
   TSQLiteVirtualTable Virtual(const std::string& Name);
 
   sqlite3* FDatabase;
   const TCapabilities& FCapabilities;
+  TSQLiteSchemaMemory FMemory{FDatabase};
 };
 
 }  // namespace velkrund

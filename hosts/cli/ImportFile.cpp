@@ -14,9 +14,9 @@ const TCommandTexts ImportFileTexts = {
     "loads everything that export/import files hold",
     "-d DB -i FILE... [--replace|--append] [--overwrite yes|no]",
     "Of all files together the structures come first, then the rows of tables, each into the table that its section "
-    "names. A section is loaded as a whole or not at all; tables that refer to each other may have to be loaded "
-    "together. After an error at a section the rest can be gone on with: at a terminal it is asked, elsewhere "
-    "--on-error says so; without it the run ends there.\n\n"
+    "names. The whole import is one transaction: after an error, or when it is cancelled, the database is as it was "
+    "before. With --on-error continue, or when a person at a terminal says so, the rest is gone on with: what fails is "
+    "undone with the tables that hang together with it by foreign keys, and the rest stays.\n\n"
     "A table that has rows already needs --replace or --append, a structure that is there already --overwrite. At a "
     "terminal they are asked about, elsewhere it is an error, before anything is changed.",
     {{"import file -d sqlite:shop.db -i shop.eif --replace --overwrite yes", "everything of one file"},

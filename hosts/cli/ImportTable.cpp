@@ -11,9 +11,10 @@ const TCommandTexts ImportTableTexts = {
     "table",
     "loads table data sections of an export/import file into tables",
     "-d DB -i FILE [-t TABLE] [--section NAME|INDEX] [--replace|--append]",
-    "Without --section every table data section of the file is loaded, each into the table that it names. A table is "
-    "loaded in one transaction: after an error, or when the import is cancelled, it is as it was before. Tables come "
-    "after those that they refer to; where foreign keys ask for it, they are loaded together or not at all.\n\n"
+    "Without --section every table data section of the file is loaded, each into the table that it names. The "
+    "whole import is one transaction: after an error, or when it is cancelled, the database is as it was before. With "
+    "--on-error continue a table that fails is undone with those that hang together with it by foreign keys, and the "
+    "rest stays.\n\n"
     "A table that has rows already needs --replace or --append. At a terminal it is asked about, elsewhere it is an "
     "error, before anything is changed. Two sections for one table need --append, --repeated-tables join, or --section "
     "for each of them.",

@@ -60,11 +60,10 @@ void TImportJob::Run() {
 
 void TImportJob::LookAt(TInputFile& Input) {
   Input.File().SetStrictText(!Policies.AllowLoss);
-  std::vector<std::string> Hidden;
   try {
     Input.Open();
     RequireSections(Input.File(), Input.Name());
-    Hidden = NoteLines(Input);
+    NoteLines(Input);
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {
@@ -74,15 +73,13 @@ void TImportJob::LookAt(TInputFile& Input) {
   }
   if (Input.File().Losses().Any())
     FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
-  for (const int Index : Choose(Input, Hidden)) Add(Input, Index);
+  for (const int Index : Choose(Input)) Add(Input, Index);
 }
 
-/// Lines outside of sections, which an import passes over. Returns those that hide a section.
-std::vector<std::string> TImportJob::NoteLines(TInputFile& Input) {
-  TStrayMarkers Found = FindStrayMarkers(Input.File());
-  for (const std::string& Text : Found.Hidden) FOutcome.Notes.push_back("warning: " + Input.Name() + ": " + Text);
-  for (const std::string& Text : Found.Doubtful) FOutcome.Notes.push_back(Input.Name() + ": " + Text);
-  return std::move(Found.Hidden);
+/// Lines outside of sections, which an import passes over.
+void TImportJob::NoteLines(TInputFile& Input) {
+  for (const std::string& Text : FindStrayMarkers(Input.File()).Doubtful)
+    FOutcome.Notes.push_back(Input.Name() + ": " + Text);
 }
 
 void TImportJob::Add(TInputFile& Input, int Index) {

@@ -55,8 +55,8 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual std::vector<std::string> Names() const = 0;
   /// The parts of this run; sections of other roles are imported as their classes are made.
   virtual TParts MakeParts() = 0;
-  /// The sections of a file to import, by index. Hidden: sections of the file that no reader sees.
-  virtual std::vector<int> Choose(TInputFile& Input, const std::vector<std::string>& Hidden) = 0;
+  /// The sections of a file to import, by index.
+  virtual std::vector<int> Choose(TInputFile& Input) = 0;
   /// Whether a file that cannot be read is a failed item among others; otherwise it ends the run at once.
   virtual bool GoesOnWithoutFile() const { return false; }
   /// Whether the objects that structures describe are made too.
@@ -72,7 +72,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   using TPosition = std::pair<std::string, std::int64_t>;  // a file, the place of a section in it
 
   void LookAt(TInputFile& Input);
-  std::vector<std::string> NoteLines(TInputFile& Input);
+  void NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void PlanLoading();
   TLoadOptions LoadOptions() const;

@@ -51,7 +51,7 @@ TImportJob::TParts TJobImportFiles::MakeParts() {
   return Result;
 }
 
-std::vector<int> TJobImportFiles::Choose(TInputFile& Input, const std::vector<std::string>&) {
+std::vector<int> TJobImportFiles::Choose(TInputFile& Input) {
   std::vector<int> Result(static_cast<std::size_t>(Input.File().Sections().Count()));
   std::iota(Result.begin(), Result.end(), 0);
   return Result;

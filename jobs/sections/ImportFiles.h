@@ -24,7 +24,7 @@ class TJobImportFiles final : public TImportJob {
  protected:
   std::vector<std::string> Names() const override { return FileNames; }
   TParts MakeParts() override;
-  std::vector<int> Choose(TInputFile& Input, const std::vector<std::string>& Hidden) override;
+  std::vector<int> Choose(TInputFile& Input) override;
   bool GoesOnWithoutFile() const override { return true; }
 };
 

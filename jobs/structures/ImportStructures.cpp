@@ -57,7 +57,7 @@ TImportJob::TParts TJobImportStructures::MakeParts() {
   return Result;
 }
 
-std::vector<int> TJobImportStructures::Choose(TInputFile& Input, const std::vector<std::string>&) {
+std::vector<int> TJobImportStructures::Choose(TInputFile& Input) {
   const TSectionChoice Choice{TSectionRole::Structure, "structure", Sections, Input.Name()};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && (ObjectType != 0 || !ObjectName.empty() || !RootNode.empty()))

@@ -33,7 +33,7 @@ class TJobImportStructures final : public TImportJob {
  protected:
   std::vector<std::string> Names() const override { return {FileName}; }
   TParts MakeParts() override;
-  std::vector<int> Choose(TInputFile& Input, const std::vector<std::string>& Hidden) override;
+  std::vector<int> Choose(TInputFile& Input) override;
   bool MakesObjects() const override { return false; }
 
  private:

@@ -43,7 +43,7 @@ TImportJob::TParts TJobImportTables::MakeParts() {
 }
 
 /// What else the file holds is named in the report.
-std::vector<int> TJobImportTables::Choose(TInputFile& Input, const std::vector<std::string>&) {
+std::vector<int> TJobImportTables::Choose(TInputFile& Input) {
   const TSectionChoice Choice{TSectionRole::TableData, "table data", Sections, Input.Name()};
   std::vector<int> Result = ChosenSections(Input.File().Sections(), Choice, FOutcome.Notes);
   if (Result.size() > 1 && !TableName.empty())

@@ -26,7 +26,7 @@ class TJobImportTables final : public TImportJob {
  protected:
   std::vector<std::string> Names() const override { return {FileName}; }
   TParts MakeParts() override;
-  std::vector<int> Choose(TInputFile& Input, const std::vector<std::string>& Hidden) override;
+  std::vector<int> Choose(TInputFile& Input) override;
 };
 
 using TJobImportTablesInterface = TJobInterface<TJobImportTables>;

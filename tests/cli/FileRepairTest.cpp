@@ -15,7 +15,7 @@ class TFileRepairTest : public TCommandTest {
   std::string Exported(const TArguments& Options) {
     if (!Exists("a.db"))
       Query("a.db",
-            "CREATE TABLE A(V); CREATE TABLE B(V); CREATE TABLE C(V); INSERT INTO A VALUES('я'), (1); INSERT "
+            "CREATE TABLE A(V); CREATE TABLE B(V); CREATE TABLE C(V BLOB); INSERT INTO A VALUES('я'), (1); INSERT "
             "INTO C VALUES(x'0D0A')");
     TArguments Export = {"export", "table", "-d", "sqlite:a.db", "--all", "-o", "new.eif"};
     Export.insert(Export.end(), Options.begin(), Options.end());

@@ -22,7 +22,7 @@ std::size_t FinishedPart(const std::string& Content, std::size_t Length) {
 TEST(Repair, EveryTruncationKeepsTheFinishedSections) {
   TTemporaryFolder Folder;
   const TTestDatabase Database = SQLiteDatabase(Folder / "a.db");
-  Database.Run("CREATE TABLE A(V); INSERT INTO A VALUES('я'), (1), (x'0D0A')");
+  Database.Run("CREATE TABLE A(V, B BLOB); INSERT INTO A VALUES('я', NULL), (1, NULL), (NULL, x'0D0A')");
   TRealPlatform Platform;
   TFileSystem& Files = Platform.Manager.Files();
   for (const auto Release : {TExportReleaseVersion::rv20, TExportReleaseVersion::rv17}) {

@@ -167,7 +167,7 @@ TEST_F(CPlatform, PropertiesAreListedAndTravelAsTexts) {
   }
   EXPECT_EQ(Types,
             "DatabaseName:2 ShowProgress:0 LastError:2r Target:6 SectionName:2 ReleaseVersion:3rv17,rv20 "
-            "Encoding:3ansi,utf8 TableName:2 Table:6 Fields:4 KeyOrder:0 Rows:1r ");
+            "Encoding:3ansi,utf8 TableName:2 Table:6 Fields:4 KeyOrder:0 Rows:1r ValuesChanged:1r ");
 
   VelkrundOperation* Export = VelkrundCreateOperation("TUOExportTableDataInterface", nullptr);
   const char* const Names[] = {"A,B", "C"};

@@ -21,10 +21,10 @@ constexpr std::size_t LongestMarker = Markers[0].size();
 /// Hands the bytes of a part on, block by block, as long as Use wants more.
 template <typename TUse>
 void ForEachBlock(TStream& Stream, const TFileRange& Part, TUse Use) {
-  std::string Block(BlockSize, '\0');
+  std::string Block(std::min(BlockSize, static_cast<std::size_t>(Part.To - Part.From)), '\0');
   Stream.SetPosition(Part.From);
   for (std::int64_t At = Part.From; At < Part.To;) {
-    const auto Wanted = static_cast<std::size_t>(std::min<std::int64_t>(BlockSize, Part.To - At));
+    const std::size_t Wanted = std::min(Block.size(), static_cast<std::size_t>(Part.To - At));
     const std::size_t Got = Stream.Read(Block.data(), Wanted);
     if (Got == 0 || !Use(std::string_view(Block.data(), Got))) return;
     At += static_cast<std::int64_t>(Got);

@@ -6,6 +6,7 @@
 #include "jobs/files/StrayMarkers.h"
 #include "jobs/policies/Questions.h"
 #include "jobs/report/ErrorReport.h"
+#include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -73,7 +74,11 @@ void TImportJob::LookAt(TInputFile& Input) {
   }
   if (Input.File().Losses().Any())
     FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
-  for (const int Index : Choose(Input)) Add(Input, Index);
+  const std::vector<int> Chosen = Choose(Input);
+  if (Chosen.empty()) return;
+  // Otherwise the engine looks for changes of others at every question about a table.
+  const TReadTransaction Moment(Manager().Databases(), DatabaseName);
+  for (const int Index : Chosen) Add(Input, Index);
 }
 
 /// Lines outside of sections, which an import passes over.

@@ -90,7 +90,7 @@ void TDriverTable::BeginAppend() {
   FAppendOptions.FirstRecord = 1;
   FChangedValues = 0;
   // What cannot be written at all shows here, before the first record.
-  OpenAppender();
+  OpenAppender(TColumns::All);
   FAppending = true;
 }
 
@@ -101,15 +101,16 @@ void TDriverTable::CloseAppender() {
   FAppender.reset();
 }
 
-void TDriverTable::OpenAppender() {
+void TDriverTable::OpenAppender(TColumns Which) {
   CloseAppender();
   FValues.clear();
   FAssigned.clear();
   std::vector<int> Columns;
   for (const auto& Field : FRecord->All()) {
     const std::size_t Index = FAssigned.size();
-    const bool Written = Field->Assigned() && !FDescription.Columns[Index].Generated;
-    FAssigned.push_back(static_cast<char>(Field->Assigned()));
+    const bool IsMeant = Which == TColumns::All || Field->Assigned();
+    const bool Written = IsMeant && !FDescription.Columns[Index].Generated;
+    FAssigned.push_back(static_cast<char>(IsMeant));
     if (!Written) continue;
     Columns.push_back(static_cast<int>(Index));
     FValues.push_back(&Field->BufferedValue());
@@ -126,7 +127,7 @@ bool TDriverTable::AssignedAsBefore() const {
 
 void TDriverTable::AppendRecord() {
   if (!FAppending) throw EDatabaseError(Format("Cannot append to table '%s': no append has begun", TableName()));
-  if (!FAppender || !AssignedAsBefore()) OpenAppender();
+  if (!FAppender || !AssignedAsBefore()) OpenAppender(TColumns::Assigned);
   FAppender->Append(FValues);
   ++FAppendOptions.FirstRecord;
 }

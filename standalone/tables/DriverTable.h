@@ -42,7 +42,8 @@ class TDriverTable final : public TODBCTable {
   class TDriverRecord;
 
   bool AssignedAsBefore() const;
-  void OpenAppender();
+  enum class TColumns { All, Assigned };
+  void OpenAppender(TColumns Which);
   void CloseAppender();
 
   TConnection& FConnection;
@@ -58,9 +59,10 @@ class TDriverTable final : public TODBCTable {
   bool FAppending = false;
   TAppendOptions FAppendOptions;
   std::int64_t FChangedValues = 0;
-  std::unique_ptr<TBulkAppender> FAppender;  // made at the first record, when it is known what is assigned
-  std::vector<char> FAssigned;               // per field: part of the appender's columns
-  std::vector<const TKvVariant*> FValues;    // the buffers of these fields
+  std::unique_ptr<TBulkAppender>
+      FAppender;                           // for the fields that the last record assigned; before the first one for all
+  std::vector<char> FAssigned;             // per field: part of the appender's columns
+  std::vector<const TKvVariant*> FValues;  // the buffers of these fields
 };
 
 }  // namespace velkrund

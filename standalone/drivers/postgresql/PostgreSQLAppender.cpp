@@ -46,6 +46,7 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQ
       FTableBareName(Table.Table.Name),
       FWhat(Format("Cannot append to table '%s'", FTableName)),
       FMovesSequences(Options.CanRecreateAutoSequence),
+      FFirst(Options.FirstRecord),
       FPieceFirst(Options.FirstRecord),
       FRecord(Options.FirstRecord) {
   const TPostgreSQLTable Known = ReadPostgreSQLTable(Session, Table.Table, FWhat);
@@ -254,7 +255,7 @@ std::int64_t TPostgreSQLAppender::ChangedValues() const {
 void TPostgreSQLAppender::Finish() {
   CheckUsable();
   if (FInPiece) EndPiece();
-  if (FMovesSequences) FSequences.Note(FTableOid, FNames, FEncoders);
+  if (FMovesSequences && FRecord > FFirst) FSequences.Note(FTableOid, FNames, FEncoders);
 }
 
 }  // namespace velkrund

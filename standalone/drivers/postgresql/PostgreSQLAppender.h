@@ -57,6 +57,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   bool FOneWhole = false;      // no end of a piece by size
   std::string FRows;           // made and not yet handed to the client library
   std::size_t FPieceSize = 0;  // bytes handed over
+  const std::int64_t FFirst;   // number of the first record
   std::int64_t FPieceFirst;    // number of the piece's first record
   std::int64_t FRecord;        // of the next record
   std::string FSent;           // the piece's rows, where a trigger can drop some

@@ -21,6 +21,8 @@ std::string What(const std::string& TableName) { return Format("Cannot append to
 /// What one statement of several rows takes: beyond, the cost of a statement no longer shows.
 constexpr std::size_t MostPlaces = 128;
 constexpr std::size_t MostRows = 64;
+/// Records that fit into any cache.
+constexpr std::int64_t RowsOfSmallTable = 64;
 /// Bytes of texts in a row that is copied to be held back.
 constexpr std::size_t MostHeldBytes = 4'096;
 
@@ -57,11 +59,6 @@ TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Tab
       FRecord(Options.FirstRecord) {
   for (const int Index : Columns) FNames.push_back(Table.Columns[static_cast<std::size_t>(Index)].Name);
   if (!Traits.OneByOne) MakeRoom();
-  TSQLiteStatement CacheSize(Database, "PRAGMA main.cache_size", What(FTableName));
-  if (CacheSize.Step() && CacheSize.Integer(0) < 0 && CacheSize.Integer(0) > AppendCacheSize) {
-    FCacheSizeBefore = CacheSize.Integer(0);
-    SetCacheSize(AppendCacheSize);
-  }
 }
 
 TSQLiteAppender::~TSQLiteAppender() {
@@ -93,6 +90,15 @@ void TSQLiteAppender::MakeRoom() {
   for (const TKvVariant& Value : FHeld) FHeldPlaces.push_back(&Value);
 }
 
+/// For a table that turns out to be no small one.
+void TSQLiteAppender::GrowCache() {
+  if (FCacheSizeBefore) return;
+  TSQLiteStatement CacheSize(FDatabase, "PRAGMA main.cache_size", What(FTableName));
+  if (!CacheSize.Step() || CacheSize.Integer(0) >= 0 || CacheSize.Integer(0) <= AppendCacheSize) return;
+  FCacheSizeBefore = CacheSize.Integer(0);
+  SetCacheSize(AppendCacheSize);
+}
+
 void TSQLiteAppender::SetCacheSize(std::int64_t Size) {
   // Speed only; a refusal changes nothing that matters.
   sqlite3_exec(FDatabase, Format("PRAGMA main.cache_size=%d", Size).c_str(), nullptr, nullptr, nullptr);
@@ -120,7 +126,10 @@ void TSQLiteAppender::Hold(TRow Row) {
 
 void TSQLiteAppender::InsertHeld() {
   // Small tables never need it.
-  if (!FMany) FMany.emplace(FDatabase, FTable, FColumns, FTraits, FHeld.size() / FColumns.size());
+  if (!FMany) {
+    FMany.emplace(FDatabase, FTable, FColumns, FTraits, FHeld.size() / FColumns.size());
+    GrowCache();
+  }
   if (!BindHeld()) return InsertHeldOneByOne();
   const bool Alone = sqlite3_get_autocommit(FDatabase) != 0;
   const int Code = sqlite3_step(FMany->Statement.Handle()) & 0xFF;
@@ -167,7 +176,7 @@ void TSQLiteAppender::InsertOne(TRow Row) {
     throw EDatabaseError(RecordText() + ": a trigger has ignored it" + FTriggers, std::move(Ignored));
   }
   CountReplaced(FOne);
-  ++FRecord;
+  if (++FRecord == RowsOfSmallTable) GrowCache();
 }
 
 /// Of values that the engine has taken: a statement of many rows may have to be tried again row by row.

@@ -57,6 +57,7 @@ class TSQLiteAppender final : public TBulkAppender {
   [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const;
   std::string RecordText() const;
   std::string HeldText() const;
+  void GrowCache();
   void SetCacheSize(std::int64_t Size);
 
   sqlite3* FDatabase;

@@ -54,7 +54,7 @@ void TSQLiteConnection::RequireTransaction(std::string_view What) const {
 }
 
 void TSQLiteConnection::Rollback() {
-  FSchema.Forget();
+  FSchema.Memory().Forget();
   if (FDatabase.InTransaction()) Run("ROLLBACK", "roll the transaction back in");
 }
 
@@ -72,7 +72,7 @@ void TSQLiteConnection::ReleaseSavepoint(int Number) {
 }
 
 void TSQLiteConnection::RollbackToSavepoint(int Number) {
-  FSchema.Forget();
+  FSchema.Memory().Forget();
   if (!FDatabase.InTransaction()) return;
   constexpr std::string_view What = "take a part of the transaction back in";
   Run("ROLLBACK TO " + SavepointName(Number), What);

@@ -22,13 +22,12 @@ std::vector<std::string> InsertTriggers(sqlite3* Database, TSQLiteSchemaReader& 
   if (AreOn == 0) return Result;
   for (const TTrigger& Trigger : Schema.KnownTriggers())
     if (Trigger.OnInsert && Trigger.Table.Name == Table) Result.push_back(Trigger.Name);
-  TSQLiteStatement Found(Database,
-                         "SELECT name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = "
-                         "lower(?1)",
-                         Format("Cannot append to table '%s'", Table));
-  Found.BindText(1, Table);
-  while (Found.Step())
-    if (SQLiteTriggerEvent(Found.Text(1)) == "INSERT") Result.push_back(Found.Text(0));
+  static constexpr const char* AskTriggers =
+      "SELECT name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)";
+  auto Found = Schema.Memory().Ask(AskTriggers, Format("Cannot append to table '%s'", Table));
+  Found->BindText(1, Table);
+  while (Found->Step())
+    if (SQLiteTriggerEvent(Found->Text(1)) == "INSERT") Result.push_back(Found->Text(0));
   return Result;
 }
 
@@ -40,7 +39,7 @@ bool EnforcesKeys(sqlite3* Database) {
 }
 
 /// A single key column declared as INTEGER is the row number itself, unless the key needed an index of its own.
-int RowNumberColumn(sqlite3* Database, const TTableDescription& Table, bool WithoutRowId) {
+int RowNumberColumn(TSQLiteSchemaReader& Schema, const TTableDescription& Table, bool WithoutRowId) {
   int Result = -1;
   for (int I = 0; I < static_cast<int>(Table.Columns.size()); ++I) {
     const TColumnInfo& Column = Table.Columns[static_cast<std::size_t>(I)];
@@ -48,9 +47,9 @@ int RowNumberColumn(sqlite3* Database, const TTableDescription& Table, bool With
     if (Column.KeyPosition == 1 && SameAsciiWord(Column.DeclaredType, "INTEGER")) Result = I;
   }
   if (WithoutRowId || Result < 0) return -1;
-  TSQLiteStatement KeyIndex(Database, "SELECT 1 FROM pragma_index_list(?1, 'main') WHERE origin = 'pk'",
-                            Format("Cannot append to table '%s'", Table.Table.Name));
-  return KeyIndex.BindText(1, Table.Table.Name).Step() ? -1 : Result;
+  static constexpr const char* AskKey = "SELECT 1 FROM pragma_index_list(?1, 'main') WHERE origin = 'pk'";
+  auto KeyIndex = Schema.Memory().Ask(AskKey, Format("Cannot append to table '%s'", Table.Table.Name));
+  return KeyIndex->BindText(1, Table.Table.Name).Step() ? -1 : Result;
 }
 
 }  // namespace
@@ -74,7 +73,7 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   const TSQLiteListedTable* const Listed = FSchema.Listed(Table.Table.Name);
   if (!Listed) throw EDatabaseError(What + ": the table does not exist", {.Code = TErrorCode::TableMissing});
   Traits.Strict = Listed->Strict;
-  Traits.RowNumberColumn = RowNumberColumn(Database, Table, Listed->WithoutRowId);
+  Traits.RowNumberColumn = RowNumberColumn(FSchema, Table, Listed->WithoutRowId);
   Traits.Triggers = InsertTriggers(Database, FSchema, Table.Table.Name);
   Traits.OneByOne = Table.Table.Kind != TTableKind::Table || !Traits.Triggers.empty() || EnforcesKeys(Database);
   return std::make_unique<TSQLiteAppender>(Database, Table, Columns, Options, Traits);

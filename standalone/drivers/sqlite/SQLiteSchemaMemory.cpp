@@ -3,28 +3,35 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
-std::int64_t TSQLiteSchemaMemory::Version() {
-  if (!FAskVersion)
-    FAskVersion.emplace(FDatabase, "PRAGMA main.schema_version",
-                        Format("Cannot read the schema of the database '%s'", sqlite3_db_filename(FDatabase, "main")),
-                        TSQLiteStatement::TUse::Often);
-  FAskVersion->Step();
-  const std::int64_t Result = FAskVersion->Integer(0);
-  sqlite3_reset(FAskVersion->Handle());
-  return Result;
+std::string TSQLiteSchemaMemory::What() const {
+  return Format("Cannot list the tables of the database '%s'", sqlite3_db_filename(FDatabase, "main"));
+}
+
+TSQLiteSchemaMemory::TAsked TSQLiteSchemaMemory::Ask(const char* Text, std::string What) {
+  auto Found = FStatements.find(Text);
+  if (Found == FStatements.end())
+    Found = FStatements
+                .emplace(std::piecewise_construct, std::forward_as_tuple(Text),
+                         std::forward_as_tuple(FDatabase, Text, What, TSQLiteStatement::TUse::Often))
+                .first;
+  return {Found->second, std::move(What)};
 }
 
 TSQLiteSchemaMemory::TContent& TSQLiteSchemaMemory::Now() {
-  const std::int64_t Current = Version();
+  static constexpr const char* AskVersion = "PRAGMA main.schema_version";
+  TAsked Version = Ask(AskVersion, What());
+  Version->Step();
+  const std::int64_t Current = Version->Integer(0);
   if (FContent && FVersion == Current) return *FContent;
-  TSQLiteStatement List(FDatabase,
-                        "SELECT name, type, strict, wr FROM pragma_table_list WHERE schema = 'main' ORDER BY name",
-                        Format("Cannot list the tables of the database '%s'", sqlite3_db_filename(FDatabase, "main")));
+  TSQLiteStatement List(
+      FDatabase, "SELECT name, type, strict, wr FROM pragma_table_list WHERE schema = 'main' ORDER BY name", What());
   TContent Content;
   while (List.Step())
     Content.Tables.push_back({List.Text(0), List.Text(1), List.Integer(2) != 0, List.Integer(3) != 0});

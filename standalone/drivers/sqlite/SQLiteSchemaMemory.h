@@ -35,14 +35,27 @@ class TSQLiteSchemaMemory {
   TContent& Now();
   /// Null when there is none of exactly that name.
   const TSQLiteListedTable* Find(std::string_view Name);
+  /// A statement that is asked again and again, prepared once. Text: a literal. What: how an error message begins.
+  class TAsked {
+   public:
+    TAsked(TSQLiteStatement& Statement, std::string What) : FStatement(Statement.Again(std::move(What))) {}
+    TAsked(const TAsked&) = delete;
+    TAsked& operator=(const TAsked&) = delete;
+    ~TAsked() { FStatement.Reset(); }
+    TSQLiteStatement* operator->() { return &FStatement; }
+
+   private:
+    TSQLiteStatement& FStatement;
+  };
+  TAsked Ask(const char* Text, std::string What);
   /// After a roll back the number can come again for another schema.
   void Forget() { FContent.reset(); }
 
  private:
-  std::int64_t Version();
+  std::string What() const;
 
   sqlite3* FDatabase;
-  std::optional<TSQLiteStatement> FAskVersion;
+  std::map<const char*, TSQLiteStatement> FStatements;  // by the addresses of their texts
   std::int64_t FVersion = 0;
   std::optional<TContent> FContent;
 };

@@ -105,19 +105,19 @@ TTableDescription TSQLiteSchemaReader::ReadDescription(const TTableInfo& Table) 
   TTableDescription Result{Table, {}};
   const bool IsExtension = Table.Kind == TTableKind::Extension;
   const TSQLiteVirtualTable Kept = IsExtension ? Virtual(Table.Name) : TSQLiteVirtualTable();
-  TSQLiteStatement Columns(
-      FDatabase, "SELECT name, type, \"notnull\", pk, hidden FROM pragma_table_xinfo(?1, 'main') ORDER BY cid",
-      Format("Cannot read the columns of table '%s'", Table.Name));
-  Columns.BindText(1, Table.Name);
-  while (Columns.Step()) {
-    const std::int64_t Hidden = Columns.Integer(4);
-    if (Hidden == HiddenOfVirtualTable && !SameText(Columns.Text(0), Kept.LanguageColumn)) continue;
+  static constexpr const char* AskColumns =
+      "SELECT name, type, \"notnull\", pk, hidden FROM pragma_table_xinfo(?1, 'main') ORDER BY cid";
+  auto Columns = FMemory.Ask(AskColumns, Format("Cannot read the columns of table '%s'", Table.Name));
+  Columns->BindText(1, Table.Name);
+  while (Columns->Step()) {
+    const std::int64_t Hidden = Columns->Integer(4);
+    if (Hidden == HiddenOfVirtualTable && !SameText(Columns->Text(0), Kept.LanguageColumn)) continue;
     TColumnInfo Column;
-    Column.Name = Columns.Text(0);
-    Column.DeclaredType = Columns.Text(1);
+    Column.Name = Columns->Text(0);
+    Column.DeclaredType = Columns->Text(1);
     Column.Kind = KindOf(Column.DeclaredType);
-    Column.Nullable = Columns.Integer(2) == 0;
-    Column.KeyPosition = static_cast<int>(Columns.Integer(3));
+    Column.Nullable = Columns->Integer(2) == 0;
+    Column.KeyPosition = static_cast<int>(Columns->Integer(3));
     Column.Generated = Hidden == GeneratedVirtual || Hidden == GeneratedStored;
     Result.Columns.push_back(std::move(Column));
   }

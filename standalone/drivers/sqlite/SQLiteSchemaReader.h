@@ -34,8 +34,7 @@ class TSQLiteSchemaReader final : public TSchemaReader {
   const std::vector<TTrigger>& KnownTriggers();
   /// Null when there is none of exactly that name.
   const TSQLiteListedTable* Listed(std::string_view Name) { return FMemory.Find(Name); }
-  /// To be called after a roll back.
-  void Forget() { FMemory.Forget(); }
+  TSQLiteSchemaMemory& Memory() { return FMemory; }
 
   bool HasCatalogueTable(const std::string& Name) override;
 

@@ -72,6 +72,14 @@ TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std
 
 TSQLiteStatement::~TSQLiteStatement() { sqlite3_finalize(FHandle); }
 
+TSQLiteStatement& TSQLiteStatement::Again(std::string What) {
+  Reset();
+  FWhat = std::move(What);
+  return *this;
+}
+
+void TSQLiteStatement::Reset() { sqlite3_reset(FHandle); }
+
 TSQLiteStatement& TSQLiteStatement::BindText(int Place, std::string_view Text) {
   if (sqlite3_bind_text64(FHandle, Place, Text.empty() ? "" : Text.data(), Text.size(), SQLITE_TRANSIENT,
                           SQLITE_UTF8) != SQLITE_OK)

@@ -32,6 +32,10 @@ class TSQLiteStatement {
   /// What follows the statement in its text.
   std::string_view Rest() const { return FRest; }
 
+  /// Begins anew, with What in the place of the one before.
+  TSQLiteStatement& Again(std::string What);
+  /// Lets go of what is being read.
+  void Reset();
   TSQLiteStatement& BindText(int Place, std::string_view Text);
   /// True: there is a row.
   bool Step();

@@ -16,7 +16,13 @@ std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
   } catch (const EDatabaseError& Error) {
     TErrorInfo Info = Error.Info();
     Info.Fill({.Table = Table.TableName()});
-    throw EDatabaseError(Format("Cannot empty the table '%s': %s", Table.TableName(), Error.what()), std::move(Info));
+    std::string Message = Format("Cannot empty the table '%s': %s", Table.TableName(), Error.what());
+    if (Info.Code == TErrorCode::References) {
+      // No new row is at fault, but one that stays: a constraint refuses to let go what it refers to.
+      Info.Code = TErrorCode::RowRefused;
+      Message += ". Replace the rows of both tables in one run, or keep the rows that are there";
+    }
+    throw EDatabaseError(Message, std::move(Info));
   }
   if (Table.HasRecords())
     throw EDatabaseError(

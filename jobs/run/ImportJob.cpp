@@ -172,19 +172,31 @@ void TImportJob::EndWhole(bool Stays) {
   try {
     if (Stays && FLoading) FLoading->CommitAll();
     if (Stays && FTransaction) FTransaction->Commit();
-  } catch (const std::exception&) {
+  } catch (const EAbort& Abort) {
+    FOutcome.Cancelled = Abort.what();
+    Stays = false;
+  } catch (const std::exception& Error) {
     FOutcome.Fail(std::current_exception());
+    // An answer that never came: what has become of it only the database knows.
+    if (FactsOf(Error).Info.Code == TErrorCode::Connection) return FailAll();
     Stays = false;
   }
   FLoading.reset();
   FTransaction.reset();
   if (!Stays) TakeAllBack();
+  const bool HasFailed =
+      FOutcome.Any(TItemState::Failed) || FOutcome.Any(TItemState::Cancelled) || FOutcome.Any(TItemState::TakenBack);
+  if (HasFailed && !FOutcome.Any(TItemState::Done)) FOutcome.Notes.emplace_back("the database is as it was before");
+}
+
+void TImportJob::FailAll() {
+  for (TItem& Item : FOutcome.Items)
+    if (Item.State == TItemState::Done) FOutcome.Fail(Item, FOutcome.FirstError);
 }
 
 void TImportJob::TakeAllBack() {
   for (TItem& Item : FOutcome.Items)
     if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
-  if (FOutcome.Any(TItemState::TakenBack)) FOutcome.Notes.emplace_back("the database is as it was before");
 }
 
 const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {

@@ -81,6 +81,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   void BeginWhole();
   void EndWhole(bool Stays);
   void TakeAllBack();
+  void FailAll();
   const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TItem& Item, const std::exception& Error);
   bool MayGoOn(const std::exception& Error);

@@ -96,7 +96,8 @@ std::vector<TItem> TJobExportTables::Plan() {
 void TJobExportTables::AddNotes() {
   std::vector<std::string> Unordered;
   for (const TItem& Item : FOutcome.Items)
-    if (RowOrder == TRowOrder::Key && Item.State == TItemState::Done && !Item.Counts.InKeyOrder)
+    if (RowOrder == TRowOrder::Key && Item.State == TItemState::Done && !Item.Counts.InKeyOrder &&
+        Item.Counts.RowCount > 1)
       Unordered.push_back(Item.Table);
   if (!Unordered.empty())
     FOutcome.Notes.push_back(

@@ -25,6 +25,8 @@ struct TTableInfo {
   std::string Schema;  // empty where the engine has no schemas, and for its usual one
   TTableKind Kind = TTableKind::Table;
   bool HasHeirs = false;  // other tables inherit from it; their rows are none of its own
+
+  bool operator==(const TTableInfo&) const = default;
 };
 
 /// The name by which people and files know a table.
@@ -50,9 +52,13 @@ struct TTextIndex {
 /// Rows of one table refer to rows of another one, or of the same.
 struct TForeignKey {
   TTableInfo From, To;
-  bool ActsOnDelete = false;  // deleting a row of To deletes or changes the rows of From that refer to it
-  std::string Name = {};      // the engine's; empty where keys have none
-  std::string Id = {};        // the same, of a constraint by whatever the engine tells them apart
+  TTableInfo FromWhole, ToWhole;  // the same, or what these are parts of
+  bool ActsOnDelete = false;      // deleting a row of To deletes or changes the rows of From that refer to it
+  std::string Name = {};          // the engine's; empty where keys have none
+  std::string Id = {};            // the same, of a constraint by whatever the engine tells them apart
+  bool IsEnforced = true;         // not switched off by somebody, where the engine enforces keys
+
+  bool operator==(const TForeignKey&) const = default;
 };
 
 /// What the database itself does when rows are inserted or deleted.
@@ -60,7 +66,10 @@ struct TTrigger {
   TTableInfo Table;  // of one on a part of a table, the whole
   std::string Name;
   bool OnInsert = false, OnDelete = false;
+  bool Always = false;  // also where the engine checks no references
   bool IsRule = false;  // of how the engine rewrites statements; not to be switched off
+
+  bool operator==(const TTrigger&) const = default;
 };
 
 /// Rows of a table that refer to rows which are not there.

@@ -10,8 +10,11 @@
 
 namespace velkrund {
 
-/// Names that begin so are the platform's own catalogue tables, which are no user tables.
+/// How the names of the platform's own catalogue tables begin; others may have tables whose names begin so too.
 inline constexpr std::string_view CataloguePrefix = "velkrund_";
+
+/// Whether it is one of those, ignoring case, which are no user tables.
+bool IsCatalogueTable(std::string_view Name);
 
 /// What is in a database. Asks the engine every time: nothing is remembered. Raises EDatabaseError.
 class TSchemaReader {

@@ -24,8 +24,8 @@ TKeyedLoading::TKeyedLoading(TStandaloneManager& Manager, std::string DatabaseNa
       FConnection(Manager.Databases().Connection(FDatabaseName)),
       FOptions(Options) {
   TakeTargets(Targets);
-  TakeKeys();
-  TakeTriggers();
+  FKeys = ReadKeys();
+  FTriggers = ReadTriggers();
   MakeOrder(Targets);
   CheckEmptying();
 }
@@ -50,18 +50,31 @@ void TKeyedLoading::TakeTargets(const std::vector<TLoadTarget>& Targets) {
   }
 }
 
-void TKeyedLoading::TakeKeys() {
-  for (TForeignKey& Key : FConnection.Schema().ForeignKeys())
-    if (FTargets.contains(FullName(Key.From)) || FTargets.contains(FullName(Key.To))) FKeys.push_back(std::move(Key));
+/// A part of a table goes by its own name where it is a target by itself, otherwise by that of the whole.
+std::vector<TForeignKey> TKeyedLoading::ReadKeys() const {
+  std::vector<TForeignKey> Result;
+  for (TForeignKey& Key : FConnection.Schema().ForeignKeys()) {
+    if (!FTargets.contains(FullName(Key.From))) Key.From = Key.FromWhole;
+    if (!FTargets.contains(FullName(Key.To))) Key.To = Key.ToWhole;
+    if (FTargets.contains(FullName(Key.From)) || FTargets.contains(FullName(Key.To))) Result.push_back(std::move(Key));
+  }
+  return Result;
 }
 
-void TKeyedLoading::TakeTriggers() {
+/// Those that what is done to targets makes fire.
+std::vector<TTrigger> TKeyedLoading::ReadTriggers() const {
+  std::vector<TTrigger> Result;
   for (TTrigger& Trigger : FConnection.Schema().Triggers()) {
-    const auto Target = FTargets.find(FullName(Trigger.Table));
-    if (Target == FTargets.end()) continue;
-    Target->second.HasDeleteTriggers = Target->second.HasDeleteTriggers || Trigger.OnDelete;
-    if (Trigger.OnInsert || (Trigger.OnDelete && Target->second.Replaced)) FTriggers.push_back(std::move(Trigger));
+    const std::string Table = FullName(Trigger.Table);
+    if (!FTargets.contains(Table)) continue;
+    if (Trigger.OnInsert || (Trigger.OnDelete && IsReplaced(Table))) Result.push_back(std::move(Trigger));
   }
+  return Result;
+}
+
+bool TKeyedLoading::HasDeleteTriggers(const std::string& Table) const {
+  return std::any_of(FTriggers.begin(), FTriggers.end(),
+                     [&](const TTrigger& One) { return One.OnDelete && FullName(One.Table) == Table; });
 }
 
 void TKeyedLoading::MakeOrder(const std::vector<TLoadTarget>& Targets) {
@@ -90,7 +103,7 @@ void TKeyedLoading::CheckEmptying() const {
           Format("Cannot empty the table '%s': the engine would also delete or change rows of '%s', which has %s that "
                  "may refer to it. Replace the rows of both in one run, or keep the rows that are there",
                  Parent, Child, Counted(Rows, "row")),
-          {.Code = TErrorCode::References, .Table = Parent});
+          {.Code = TErrorCode::RowRefused, .Table = Parent});
   }
 }
 
@@ -100,7 +113,7 @@ TLoadNeeds TKeyedLoading::NeedsOf(const std::vector<std::string>& Tables) const 
   Needs.BrokenReferences = FOptions.BrokenReferences;
   for (const std::string& Table : Tables) {
     const TTarget& Target = FTargets.at(Table);
-    Needs.Targets.push_back({Target.Info, Target.Replaced, Target.HasDeleteTriggers});
+    Needs.Targets.push_back({Target.Info, Target.Replaced, HasDeleteTriggers(Table)});
   }
   const auto IsMeant = [&](const TForeignKey& Key) {
     return std::find(Tables.begin(), Tables.end(), FullName(Key.From)) != Tables.end();
@@ -119,7 +132,8 @@ std::unique_ptr<TTransaction> TKeyedLoading::Locked(TSafeguards& Safeguards) con
   for (;;) {
     try {
       auto Transaction = std::make_unique<TTransaction>(FDatabaseName);
-      Safeguards.Lock();
+      // The one around it holds them already.
+      if (!FAll) Safeguards.Lock();
       return Transaction;
     } catch (const EDatabaseError& Error) {
       if (!IsOutermost || Error.Info().Code != TErrorCode::DatabaseBusy || std::chrono::steady_clock::now() >= Until)
@@ -144,11 +158,19 @@ void TKeyedLoading::Begin(std::size_t Group) {
   FSafeguards = FConnection.Safeguards(NeedsOf(Tables));
   FTransaction = Locked(*FSafeguards);
   try {
+    if (!FAll) CheckPlan();
     Prepare(Tables);
   } catch (...) {
     End(false);
     throw;
   }
+}
+
+/// Before the locks were held, anybody could change what the plan is made of.
+void TKeyedLoading::CheckPlan() const {
+  if (ReadKeys() == FKeys && ReadTriggers() == FTriggers) return;
+  throw EDatabaseError("Foreign keys or triggers of the tables were changed since the load was planned",
+                       {.Code = TErrorCode::DatabaseBusy});
 }
 
 void TKeyedLoading::Prepare(const std::vector<std::string>& Tables) {
@@ -162,9 +184,10 @@ void TKeyedLoading::Prepare(const std::vector<std::string>& Tables) {
 /// Of the group's tables, and of all others that refer to them.
 void TKeyedLoading::CountBroken(const std::vector<std::string>& Tables) {
   FReferences = std::make_unique<TReferenceCheck>(FConnection.Schema(), FOptions.BrokenReferences);
-  if (FConnection.Capabilities().EnforcesForeignKeys && !FOptions.BrokenReferences) return;
+  const bool Enforces = FConnection.Capabilities().EnforcesForeignKeys && !FOptions.BrokenReferences;
   const std::set<std::string> Meant(Tables.begin(), Tables.end());
   for (const TForeignKey& Key : FKeys) {
+    if (Enforces && Key.IsEnforced) continue;
     const auto [Child, Parent] = TieOf(Key);
     if (Meant.contains(Child) || Meant.contains(Parent)) FReferences->Count(Key.From, Meant.contains(Child));
   }
@@ -178,6 +201,7 @@ void TKeyedLoading::EmptyTables(const std::vector<std::string>& Tables) {
     if (!Target.Replaced) continue;
     const auto Opened = FManager.GetUserTable(*Table, FDatabaseName, true);
     if (auto* SQLTable = dynamic_cast<TODBCTable*>(Opened.get())) Target.Deleted = EmptyTable(*SQLTable, FDatabaseName);
+    if (Target.Deleted > 0) FMoved.insert(*Table);
   }
 }
 
@@ -194,6 +218,7 @@ void TKeyedLoading::End(bool Whole) {
   std::vector<std::string> Remarks;
   Safeguards->EndRows();
   References->Compare(Remarks);
+  NoteMoved();
   RebuildTextIndexes(Remarks);
   Safeguards->PutBack();
   Transaction->Commit();
@@ -201,11 +226,22 @@ void TKeyedLoading::End(bool Whole) {
   TellTriggers();
 }
 
+/// Triggers are of interest where something was done.
+void TKeyedLoading::NoteMoved() {
+  for (const TTrigger& Trigger : FTriggers) {
+    const std::string Table = FullName(Trigger.Table);
+    if (FOrder->Group(Table) != FGroup || FMoved.contains(Table)) continue;
+    if (FConnection.Schema().HasRows(FTargets.at(Table).Info)) FMoved.insert(Table);
+  }
+}
+
 /// Those that the engine keeps beside a table's rows, which its triggers may have passed by.
 void TKeyedLoading::RebuildTextIndexes(std::vector<std::string>& Remarks) {
   for (const TTextIndex& Each : FConnection.Schema().TextIndexes()) {
     const std::string Table = FullName(Each.Table);
-    if (!FOrder->Has(Table) || FOrder->Group(Table) != FGroup) continue;
+    // What a view shows may come from any table.
+    const bool IsMeant = FOrder->Has(Table) ? FOrder->Group(Table) == FGroup : Each.Table.Kind == TTableKind::View;
+    if (!IsMeant) continue;
     FManager.Notice(Format("making the text index '%s' anew", FullName(Each.Index)));
     FConnection.RebuildTextIndex(Each.Index);
     Remarks.push_back(Format("the text index '%s' was made anew from the table '%s'", FullName(Each.Index), Table));
@@ -217,16 +253,25 @@ void TKeyedLoading::TellTriggers() {
   const bool ReferencesOff = FOptions.BrokenReferences && FConnection.Capabilities().EnforcesForeignKeys;
   if (ReferencesOff)
     FRemarks.emplace_back(
-        "while the rows were loaded, the engine checked no references and fired no ordinary triggers");
-  TellNames(!FOptions.Triggers ? "triggers that were off" : ReferencesOff ? "triggers" : "triggers that fired", false);
-  TellNames("rules that deletions were rewritten by", true);
+        "while the rows were loaded, the engine checked no references and fired no triggers but those that always "
+        "fire");
+  const auto IsRule = [](const TTrigger& One) { return One.IsRule; };
+  const auto IsOff = [&](const TTrigger& One) {
+    return !One.IsRule && (!FOptions.Triggers || (ReferencesOff && !One.Always));
+  };
+  const auto IsOn = [&](const TTrigger& One) { return !One.IsRule && !IsOff(One); };
+  TellNames("triggers that could fire", IsOn);
+  TellNames("triggers that were off", IsOff);
+  TellNames("rules that deletions were rewritten by", IsRule);
 }
 
-void TKeyedLoading::TellNames(const char* What, bool Rules) {
+void TKeyedLoading::TellNames(const char* What, const std::function<bool(const TTrigger&)>& IsMeant) {
   std::vector<std::string> Names;
-  for (const TTrigger& Trigger : FTriggers)
-    if (Trigger.IsRule == Rules && FOrder->Group(FullName(Trigger.Table)) == FGroup)
-      Names.push_back(Format("'%s' of '%s'", Trigger.Name, FullName(Trigger.Table)));
+  for (const TTrigger& Trigger : FTriggers) {
+    const std::string Table = FullName(Trigger.Table);
+    if (FOrder->Group(Table) == FGroup && FMoved.contains(Table) && IsMeant(Trigger))
+      Names.push_back(Format("'%s' of '%s'", Trigger.Name, Table));
+  }
   if (!Names.empty()) FRemarks.push_back(Format("%s: %s", What, JoinedInShort(std::move(Names))));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -35,13 +36,14 @@ class TKeyedLoading final : public TTableLoading {
   struct TTarget {
     TTableInfo Info;
     bool Replaced;
-    bool HasDeleteTriggers = false;
     std::int64_t Deleted = 0;
   };
 
   void TakeTargets(const std::vector<TLoadTarget>& Targets);
-  void TakeKeys();
-  void TakeTriggers();
+  std::vector<TForeignKey> ReadKeys() const;
+  std::vector<TTrigger> ReadTriggers() const;
+  bool HasDeleteTriggers(const std::string& Table) const;
+  void CheckPlan() const;
   void MakeOrder(const std::vector<TLoadTarget>& Targets);
   bool IsReplaced(const std::string& Table) const;
   void CheckEmptying() const;
@@ -52,7 +54,8 @@ class TKeyedLoading final : public TTableLoading {
   void EmptyTables(const std::vector<std::string>& Tables);
   void RebuildTextIndexes(std::vector<std::string>& Remarks);
   void TellTriggers();
-  void TellNames(const char* What, bool Rules);
+  void TellNames(const char* What, const std::function<bool(const TTrigger&)>& IsMeant);
+  void NoteMoved();
 
   TStandaloneManager& FManager;
   const std::string FDatabaseName;
@@ -63,6 +66,7 @@ class TKeyedLoading final : public TTableLoading {
   std::vector<TTrigger> FTriggers;  // that what is done to targets makes fire
   std::unique_ptr<const TLoadOrder> FOrder;
   std::unique_ptr<TTransaction> FAll;  // around all groups
+  std::set<std::string> FMoved;        // tables that rows went from or came into
   // Of the group at hand.
   std::size_t FGroup = 0;
   std::unique_ptr<TTransaction> FTransaction;

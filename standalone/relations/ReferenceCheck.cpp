@@ -38,7 +38,7 @@ void TReferenceCheck::Compare(std::vector<std::string>& Remarks) const {
     if (After.Count <= Table.Before) continue;
     throw EDatabaseError(Format("Foreign keys of the table '%s' would be broken by what was loaded: %s", Name,
                                 BrokenText(After, Table.Before)),
-                         {.Code = Table.IsLoaded ? TErrorCode::References : TErrorCode::Database, .Table = Name});
+                         {.Code = Table.IsLoaded ? TErrorCode::References : TErrorCode::RowRefused, .Table = Name});
   }
 }
 

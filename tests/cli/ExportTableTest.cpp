@@ -67,8 +67,8 @@ TEST_F(TExportTableTest, OptionsShowInTheFile) {
 
 TEST_F(TExportTableTest, TheSameRowsGiveTheSameTextUnlessAnyOrderWillDo) {
   const std::string Keyed = "CREATE TABLE K (ID TEXT PRIMARY KEY); CREATE TABLE N (V);";
-  Query("one.db", Keyed + "INSERT INTO K VALUES ('b'), ('a'); INSERT INTO N VALUES (1)");
-  Query("two.db", Keyed + "INSERT INTO K VALUES ('a'), ('b'); INSERT INTO N VALUES (1)");
+  Query("one.db", Keyed + "INSERT INTO K VALUES ('b'), ('a'); INSERT INTO N VALUES (1), (1)");
+  Query("two.db", Keyed + "INSERT INTO K VALUES ('a'), ('b'); INSERT INTO N VALUES (1), (1)");
   const auto Rows = [&](const std::string& Database, const TArguments& More) {
     unlink(Path("F").c_str());
     TArguments Line = {"export", "table", "-d", "sqlite:" + Database, "--all", "-o", "F"};

@@ -246,7 +246,7 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       {"R=$(echo $D | sed 's/postgres@\\(.*\\)\\/\\(.*\\)/clerk_of_\\2@\\1\\/\\2/'); $V import table -d $R -i a.eif "
        "--append",
        "",
-       "Cannot lock the table 'A' for the load: permission denied for table A (PostgreSQL error 42501); have the right "
+       "a.eif: Cannot append to table 'A': permission denied for table A (PostgreSQL error 42501); have the right "
        "granted, or connect as a role that has it"},
       {"$V import table -d $D-nix -i a.eif", "The database file '$F/e.db-nix' does not exist; --create makes it",
        "Cannot open the database '$D-nix': connection to server at \"127.0.0.1\", port $P failed: FATAL: database "

@@ -64,7 +64,7 @@ TEST_P(DriverConnectionTest, NamesOfEveryKindAreQuoted) {
 TEST_P(DriverConnectionTest, TablesAreFoundIgnoringCaseExactNameFirst) {
   Run("CREATE TABLE " + Connection->Dialect().QuoteName("Орёл") + " (N BIGINT)");
   Run("CREATE TABLE " + Connection->Dialect().QuoteName("ОРЁЛ") + " (N BIGINT)");
-  Run("CREATE TABLE " + Connection->Dialect().QuoteName(std::string(CataloguePrefix) + "own") + " (N BIGINT)");
+  Run("CREATE TABLE " + Connection->Dialect().QuoteName("velkrund_structures") + " (N BIGINT)");
   EXPECT_EQ(Connection->Schema().FindTable("Орёл")->Name, "Орёл");
   EXPECT_EQ(Connection->Schema().FindTable("ОРЁЛ")->Name, "ОРЁЛ");
   EXPECT_THAT(ErrorOf([&] { Connection->Schema().FindTable("орёл"); }),
@@ -72,13 +72,13 @@ TEST_P(DriverConnectionTest, TablesAreFoundIgnoringCaseExactNameFirst) {
   Run("DROP TABLE " + Connection->Dialect().QuoteName("ОРЁЛ"));
   EXPECT_EQ(Connection->Schema().FindTable("орёл")->Name, "Орёл");
   EXPECT_FALSE(Connection->Schema().FindTable("орел"));
-  EXPECT_FALSE(Connection->Schema().FindTable("velkrund_OWN"));
+  EXPECT_FALSE(Connection->Schema().FindTable("velkrund_STRUCTURES"));
   EXPECT_EQ(Connection->Schema().Tables().size(), 1U);
 }
 
 TEST_P(DriverConnectionTest, CatalogueTablesAreAskedButNotSeen) {
-  EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_t"));
-  Run("CREATE TABLE velkrund_t (n " + Connection->Dialect().ColumnType(TKvKind::Int64) + ", t " +
+  EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_structures"));
+  Run("CREATE TABLE velkrund_structures (n " + Connection->Dialect().ColumnType(TKvKind::Int64) + ", t " +
       Connection->Dialect().ColumnType(TKvKind::String) + ", b " + Connection->Dialect().ColumnType(TKvKind::Bytes) +
       ")");
   const TKvVariant Values[] = {Made([](TKvVariant& V) { V.SetInteger(INT64_MIN); }),
@@ -86,14 +86,14 @@ TEST_P(DriverConnectionTest, CatalogueTablesAreAskedButNotSeen) {
                                Made([](TKvVariant& V) { V.SetBytes(std::string_view("\0\xFF", 2)); })};
   const auto Mark = [&](int Number) { return Connection->Dialect().ParameterMark(Number); };
   // The marks carry numbers, so that their order is free.
-  Connection->Execute("INSERT INTO velkrund_t (b, t, n) VALUES (" + Mark(3) + ", " + Mark(2) + ", " + Mark(1) + ")",
-                      Values);
-  Connection->Execute("INSERT INTO velkrund_t VALUES (1, NULL, NULL)");
-  EXPECT_TRUE(Connection->Schema().HasCatalogueTable("velkrund_t"));
-  EXPECT_FALSE(Connection->Schema().FindTable("velkrund_t"));
+  Connection->Execute(
+      "INSERT INTO velkrund_structures (b, t, n) VALUES (" + Mark(3) + ", " + Mark(2) + ", " + Mark(1) + ")", Values);
+  Connection->Execute("INSERT INTO velkrund_structures VALUES (1, NULL, NULL)");
+  EXPECT_TRUE(Connection->Schema().HasCatalogueTable("velkrund_structures"));
+  EXPECT_FALSE(Connection->Schema().FindTable("velkrund_structures"));
   EXPECT_THAT(Connection->Schema().Tables(), testing::IsEmpty());
 
-  const std::string Question = "SELECT n, t, b FROM velkrund_t WHERE n = ";
+  const std::string Question = "SELECT n, t, b FROM velkrund_structures WHERE n = ";
   const auto Found = Connection->Query(Question + Mark(1), std::span(Values).first(1));
   ASSERT_TRUE(Found->Next());
   TKvVariant Cell;

@@ -64,7 +64,7 @@ TEST_F(PostgreSQLRightsTest, WhatOthersPlantOnTheSearchPathIsNeverRun) {
           END LOOP;
         END LOOP;
       END $do$;
-      CREATE VIEW public.velkrund_t AS SELECT public.evil(1, 1);
+      CREATE VIEW public.velkrund_structures AS SELECT public.evil(1, 1);
       CREATE TYPE public.text AS (planted integer); CREATE TYPE public.oid AS (planted integer);
       CREATE TYPE public.regclass AS (planted integer); CREATE TYPE public.money AS (planted integer))");
   for (const char* Path : {"public", "public, pg_catalog"}) {
@@ -74,7 +74,7 @@ TEST_F(PostgreSQLRightsTest, WhatOthersPlantOnTheSearchPathIsNeverRun) {
     Connect();
     EXPECT_EQ(Connection->Schema().Tables().size(), 2U);
     EXPECT_FALSE(Connection->Schema().FindTable("none"));
-    EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_t"));
+    EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_structures"));
     EXPECT_GT(Connection->Schema().TableBytes(*Connection->Schema().FindTable("P")), -1);
     EXPECT_THAT(Rows(*Connection, "t"), ElementsAre("5 1|20 2|20 3|10 4 days"));
     Connection->Begin(TIsolationLevel::RepeatableRead);

@@ -1,5 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 
+#include <libpq-fe.h>
+
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/CopyErrors.h"
@@ -116,7 +118,8 @@ void TPostgreSQLAppender::RaiseRefused(std::size_t Column, const TKvVariant& Val
 
 void TPostgreSQLAppender::BeginPiece() {
   try {
-    if (FTriggers.MayIgnoreRows) MarkPiece();
+    FSession.RestoreSettings();
+    if (!FTriggers.empty()) MarkPiece();
     FSession.Occupy(*this, FWhat);
   } catch (...) {
     // Somebody else's error; the row at hand is not taken.
@@ -130,7 +133,7 @@ void TPostgreSQLAppender::BeginPiece() {
 void TPostgreSQLAppender::InsertDefaults() {
   const TPostgreSQLResult Result = FSession.Query(Records(FRecord, FRecord), FStatement);
   if (Result.TagCount() != 1)
-    Fail(Records(FRecord, FRecord) + ": a trigger has ignored it" + InBrackets(FTriggers.Names), FRecord);
+    Fail(Records(FRecord, FRecord) + ": a trigger has ignored it" + InBrackets(FTriggers), FRecord);
   ++FRecord;
 }
 
@@ -152,11 +155,19 @@ void TPostgreSQLAppender::Send() {
     }
   }
   FPieceSize += FRows.size();
-  if (FTriggers.MayIgnoreRows) FSent += FRows;
+  if (!FTriggers.empty()) KeepSent();
   FRows.clear();
 }
 
-/// To come back to when rows turn out to be missing. Outside of transactions there is nothing to come back to.
+/// The rows of one piece by size; a longer piece is not looked through again.
+void TPostgreSQLAppender::KeepSent() {
+  if (FPieceSize <= 2 * MaxPieceSize)
+    FSent += FRows;
+  else
+    FSent.clear();
+}
+
+/// To come back to when a trigger has refused rows. Outside of transactions there is nothing to come back to.
 void TPostgreSQLAppender::MarkPiece() {
   FSent.clear();
   if (FSession.InTransaction()) FSession.Query(FWhat, "SAVEPOINT velkrund_piece");
@@ -167,6 +178,7 @@ void TPostgreSQLAppender::EndPiece() {
   FCopying = false;
   FSession.EndRows(nullptr);
   const TPostgreSQLResult Result = FSession.Drain();
+  if (!FTriggers.empty()) FSession.DoubtSettings();
   if (!Result.Handle() || Result.IsError()) RaisePiece(Result);
   const std::int64_t Sent = FRecord - FPieceFirst;
   const std::int64_t Taken = Result.TagCount();
@@ -174,20 +186,19 @@ void TPostgreSQLAppender::EndPiece() {
   FInPiece = false;
   FPieceSize = 0;
   FSession.Vacate(*this);
-  if (FTriggers.MayIgnoreRows && FSession.InTransaction()) FSession.Query(FWhat, "RELEASE SAVEPOINT velkrund_piece");
+  if (!FTriggers.empty() && FSession.InTransaction()) FSession.Query(FWhat, "RELEASE SAVEPOINT velkrund_piece");
 }
 
 void TPostgreSQLAppender::RaiseIgnored(std::int64_t Count) {
   const std::int64_t Last = FRecord - 1;
-  const std::int64_t Record = FPieceFirst == Last ? Last : FindIgnored();
-  if (Record > 0) Fail(Records(Record, Record) + ": a trigger has ignored it" + InBrackets(FTriggers.Names), Record);
-  Fail(Format("%s: a trigger has ignored %d of them%s", Records(FPieceFirst, Last), Count, InBrackets(FTriggers.Names)),
-       0);
+  const std::int64_t Record = FPieceFirst == Last ? Last : FindRefused();
+  if (Record > 0) Fail(Records(Record, Record) + ": a trigger has ignored it" + InBrackets(FTriggers), Record);
+  Fail(Format("%s: a trigger has ignored %d of them%s", Records(FPieceFirst, Last), Count, InBrackets(FTriggers)), 0);
 }
 
-/// The first record that is not taken when the piece is loaded again, one by one; 0: none. The rows that it leaves
-/// behind go with the transaction, which has failed.
-std::int64_t TPostgreSQLAppender::FindIgnored() {
+/// The first record that is not taken when the piece is loaded again, one by one; 0: none that is known. The rows that
+/// it leaves behind go with the transaction, which has failed.
+std::int64_t TPostgreSQLAppender::FindRefused() {
   if (!FSession.InTransaction() || FSent.empty()) return 0;
   // No longer this piece's.
   FInPiece = false;
@@ -222,14 +233,35 @@ void TPostgreSQLAppender::RaisePiece(const TPostgreSQLResult& Result) {
   try {
     FSession.Raise(What, Result, {}, Known);
   } catch (const EDatabaseError& Error) {
-    const bool IsOfTrigger = Error.Info().Code == TErrorCode::TriggerRefused;
+    if (IsOfTrigger(Result, Error.Info().Code)) RaiseOfTrigger(Error, What);
     GiveUp(Error.what());
-    if (!IsOfTrigger || FTriggers.Names.empty()) throw;
-    throw EDatabaseError(Error.what() + InBrackets(FTriggers.Names), Error.Info());
+    throw;
   } catch (const std::exception& Error) {
     GiveUp(Error.what());
     throw;
   }
+}
+
+/// What happens inside a function has more around it than the line of the COPY, or something else.
+bool TPostgreSQLAppender::IsOfTrigger(const TPostgreSQLResult& Result, TErrorCode Code) const {
+  if (FTriggers.empty()) return false;
+  const std::string_view Context = Result.Diagnostic(PG_DIAG_CONTEXT);
+  const bool IsInside =
+      Context.find('\n') != std::string_view::npos || !(Context.empty() || Context.starts_with("COPY "));
+  return Code == TErrorCode::TriggerRefused || IsInside;
+}
+
+/// What: how the error's message begins.
+void TPostgreSQLAppender::RaiseOfTrigger(const EDatabaseError& Error, std::string_view What) {
+  TErrorInfo Info = Error.Info();
+  Info.Code = TErrorCode::TriggerRefused;
+  Info.Table = FTableName;
+  std::string Message = Error.what();
+  if (Info.Record == 0) Info.Record = FindRefused();
+  if (Info.Record > 0 && Message.starts_with(What)) Message.replace(0, What.size(), Records(Info.Record, Info.Record));
+  Message += "; in a trigger" + InBrackets(FTriggers);
+  GiveUp(Message);
+  throw EDatabaseError(Message, std::move(Info));
 }
 
 void TPostgreSQLAppender::GiveWay(std::string_view /*What*/) { EndPiece(); }

@@ -9,6 +9,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLInsertTriggers.h"
 #include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 
@@ -37,8 +38,11 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   [[noreturn]] void RaisePiece(const TPostgreSQLResult& Result);
   void GiveUp(std::string Why);
   void MarkPiece();
+  void KeepSent();
   [[noreturn]] void RaiseIgnored(std::int64_t Count);
-  std::int64_t FindIgnored();
+  std::int64_t FindRefused();
+  bool IsOfTrigger(const TPostgreSQLResult& Result, TErrorCode Code) const;
+  [[noreturn]] void RaiseOfTrigger(const EDatabaseError& Error, std::string_view What);
   [[noreturn]] void Fail(const std::string& Message, std::int64_t Record);
   [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
   std::string Records(std::int64_t First, std::int64_t Last) const;
@@ -52,7 +56,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   std::string FStatement;
   std::vector<std::string> FNames;
   std::vector<TPostgreSQLEncoder> FEncoders;  // one per column
-  TPostgreSQLInsertTriggers FTriggers;
+  std::vector<std::string> FTriggers;         // that fire for its rows
   bool FMovesSequences;
   bool FOneWhole = false;      // no end of a piece by size
   std::string FRows;           // made and not yet handed to the client library
@@ -60,7 +64,7 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   const std::int64_t FFirst;   // number of the first record
   std::int64_t FPieceFirst;    // number of the piece's first record
   std::int64_t FRecord;        // of the next record
-  std::string FSent;           // the piece's rows, where a trigger can drop some
+  std::string FSent;           // the piece's rows, where a trigger can refuse some
   bool FInPiece = false;       // this holds the connection
   bool FCopying = false;       // the server has begun the piece
   std::string FFailure;        // why nothing can be appended any more

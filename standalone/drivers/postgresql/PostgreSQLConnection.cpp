@@ -27,7 +27,7 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
   Result.NotANumber = true;
   Result.NegativeZero = true;
   Result.TableSizes = true;
-  Result.EnforcesForeignKeys = true;
+  Result.EnforcesForeignKeys = Session.ChecksReferences();
   return Result;
 }
 

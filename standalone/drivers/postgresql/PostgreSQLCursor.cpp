@@ -18,9 +18,11 @@ std::string ValueOf(const TPostgreSQLColumn& Column) {
   return "pg_catalog.textin(" + Column.OutputFunction + "(" + NameOf(Column) + "))";
 }
 
-/// What is sorted by: texts by their bytes, whatever the type makes of case, and all else as its type has it.
+/// What is sorted by: texts by their bytes, whatever the type makes of case, what travels as a text of the engine's
+/// too, and all else as its type has it.
 std::string PlaceOf(const TPostgreSQLColumn& Column) {
-  if (Column.Type == TPostgreSQLType::Text) return ValueOf(Column) + " COLLATE pg_catalog.\"C\"";
+  if (Column.Type == TPostgreSQLType::Text || Column.Type == TPostgreSQLType::Other)
+    return ValueOf(Column) + " COLLATE pg_catalog.\"C\"";
   return NameOf(Column) + (Column.HasCollation ? " COLLATE pg_catalog.\"C\"" : "");
 }
 

@@ -7,14 +7,8 @@
 
 namespace velkrund {
 
-/// What the database does by itself when rows are inserted into a table or its parts.
-struct TPostgreSQLInsertTriggers {
-  std::vector<std::string> Names;
-  bool MayIgnoreRows = false;  // one of them can drop a row without an error
-};
-
-/// Those that are not disabled. TableOid: in decimal. What begins messages.
-TPostgreSQLInsertTriggers ReadPostgreSQLInsertTriggers(TPostgreSQLSession& Session, const std::string& TableOid,
-                                                       const std::string& What);
+/// The triggers that fire when rows are inserted into a table or its parts. TableOid: in decimal. What begins messages.
+std::vector<std::string> ReadPostgreSQLInsertTriggers(TPostgreSQLSession& Session, const std::string& TableOid,
+                                                      const std::string& What);
 
 }  // namespace velkrund

@@ -23,9 +23,10 @@ constexpr TStateCode StateCodes[] = {
     {"28", TErrorCode::DatabaseAccess},     {"25006", TErrorCode::DatabaseReadOnly},
     {"P0", TErrorCode::TriggerRefused},     {"55P03", TErrorCode::DatabaseBusy},
     {"40", TErrorCode::DatabaseBusy},       {"22", TErrorCode::Value},
-    {"53100", TErrorCode::DiskFull},        {"53300", TErrorCode::Connection},
-    {"57P", TErrorCode::Connection},        {"08", TErrorCode::Connection},
-    {"42P01", TErrorCode::TableMissing},    {"42703", TErrorCode::FieldMissing},
+    {"53200", TErrorCode::DatabaseLocks},   {"53100", TErrorCode::DiskFull},
+    {"53300", TErrorCode::Connection},      {"57P", TErrorCode::Connection},
+    {"08", TErrorCode::Connection},         {"42P01", TErrorCode::TableMissing},
+    {"42703", TErrorCode::FieldMissing},
 };
 
 /// The client library's own messages have several lines, whose ends are ends of sentences.

@@ -10,16 +10,17 @@ namespace velkrund {
 namespace {
 
 constexpr std::string_view LockFailed = "Cannot lock the tables of the load";
-constexpr std::string_view KeysFailed = "Cannot check the foreign keys of what was loaded";
+constexpr const char* Weakest = "ROW EXCLUSIVE";
+constexpr std::string_view KeysFailed = "Cannot end the load: what was left to check at its end is refused";
 
 /// Of a table ($1) and all its parts; internal ones are foreign keys. Whether the role may change them: it owns the
-/// table.
+/// table. With schemas: a trigger may change where names are looked for.
 std::string TriggersStatement() {
   return CatalogueStatement(
-      "SELECT t.tgrelid::pg_catalog.regclass, pg_catalog.quote_ident(t.tgname), t.tgenabled, "
-      "pg_catalog.pg_has_role(c.relowner, 'USAGE') "
+      "SELECT pg_catalog.quote_ident(n.nspname) || '.' || pg_catalog.quote_ident(c.relname), "
+      "pg_catalog.quote_ident(t.tgname), t.tgenabled, pg_catalog.pg_has_role(c.relowner, 'USAGE') "
       "FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_class c ON c.oid = t.tgrelid "
-      "WHERE NOT t.tgisinternal AND t.tgenabled <> 'D' "
+      "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace WHERE NOT t.tgisinternal AND t.tgenabled <> 'D' "
       "AND t.tgrelid IN (SELECT $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid UNION SELECT p.relid "
       "FROM pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p) ORDER BY 1, 2");
 }
@@ -41,9 +42,11 @@ std::string KeyStatement() {
   return CatalogueStatement(
       "WITH RECURSIVE k AS (SELECT * FROM pg_catalog.pg_constraint c WHERE c.oid = $1::pg_catalog.oid UNION ALL "
       "SELECT u.* FROM pg_catalog.pg_constraint u JOIN k ON u.oid = k.conparentid) "
-      "SELECT k.conrelid::pg_catalog.regclass, pg_catalog.quote_ident(k.conname), k.condeferrable, "
+      "SELECT pg_catalog.quote_ident(n.nspname) || '.' || pg_catalog.quote_ident(c.relname), "
+      "pg_catalog.quote_ident(k.conname), k.condeferrable, "
       "pg_catalog.pg_has_role(c.relowner, 'USAGE'), pg_catalog.pg_get_userbyid(c.relowner) "
-      "FROM k JOIN pg_catalog.pg_class c ON c.oid = k.conrelid WHERE k.conparentid = '0'");
+      "FROM k JOIN pg_catalog.pg_class c ON c.oid = k.conrelid "
+      "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace WHERE k.conparentid = '0'");
 }
 
 /// How many locks a load of the tables $1 takes, with those on indexes and parts, and for how many the server has room
@@ -56,8 +59,7 @@ std::string LockRoomStatement() {
          "JOIN p ON p.r OPERATOR(pg_catalog.=) i.indrelid), "
          "pg_catalog.current_setting('max_locks_per_transaction')::bigint OPERATOR(pg_catalog.*) "
          "(pg_catalog.current_setting('max_connections')::bigint OPERATOR(pg_catalog.+) "
-         "pg_catalog.current_setting('max_prepared_transactions')::bigint), "
-         "pg_catalog.current_setting('max_locks_per_transaction')";
+         "pg_catalog.current_setting('max_prepared_transactions')::bigint)";
 }
 
 /// Takes the locks on indexes that the rows will need: the planner looks at all of a table.
@@ -99,18 +101,31 @@ bool TPostgreSQLSafeguards::NeedsOwner(const TTableInfo& Table) const {
 /// on.
 const char* TPostgreSQLSafeguards::ModeFor(const TLoadNeeds::TTarget& Target) const {
   if (NeedsOwner(Target.Table)) return "ACCESS EXCLUSIVE";
-  return Target.Replaced || FNeeds.TriggersOff ? "SHARE ROW EXCLUSIVE" : "ROW EXCLUSIVE";
+  return Target.Replaced || FNeeds.TriggersOff || FNeeds.BrokenReferences ? "SHARE ROW EXCLUSIVE" : Weakest;
 }
 
 void TPostgreSQLSafeguards::Lock() {
   std::vector<const TLoadNeeds::TTarget*> Tables;
   for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
     if (Target.Table.Kind == TTableKind::Table) Tables.push_back(&Target);
-  // Everybody in the same order, so that nobody waits for somebody who waits.
-  std::sort(Tables.begin(), Tables.end(),
-            [](const auto* A, const auto* B) { return FullName(A->Table) < FullName(B->Table); });
-  for (const TLoadNeeds::TTarget* Target : Tables) LockOne(*Target);
+  // Everybody in the same order, so that nobody waits for somebody who waits; those that hardly anybody waits for last.
+  const auto Place = [this](const TLoadNeeds::TTarget* Target) {
+    return std::pair(ModeFor(*Target) == Weakest, FullName(Target->Table));
+  };
+  std::sort(Tables.begin(), Tables.end(), [&](const auto* A, const auto* B) { return Place(A) < Place(B); });
+  for (const TLoadNeeds::TTarget* Target : Tables)
+    if (ModeFor(*Target) != Weakest || MayLock(*Target)) LockOne(*Target);
   CheckLockRoom();
+}
+
+/// Who may write some columns alone gets the lock with the rows, but not by asking for it.
+bool TPostgreSQLSafeguards::MayLock(const TLoadNeeds::TTarget& Target) {
+  const std::string Name = FSession.Dialect().QualifiedName(Target.Table);
+  return FSession
+      .Query(LockFailed,
+             "SELECT pg_catalog.has_table_privilege($1::pg_catalog.text, 'INSERT, UPDATE, DELETE, TRUNCATE')",
+             {Name.c_str()})
+      .Boolean(0, 0);
 }
 
 void TPostgreSQLSafeguards::LockOne(const TLoadNeeds::TTarget& Target) {
@@ -119,38 +134,79 @@ void TPostgreSQLSafeguards::LockOne(const TLoadNeeds::TTarget& Target) {
     FSession.Query(Format("Cannot lock the table '%s' for the load", Name),
                    Format("LOCK TABLE %s IN %s MODE", FSession.Dialect().SQLName(Target.Table), ModeFor(Target)));
   } catch (EDatabaseError& Error) {
+    if (Error.Info().Code == TErrorCode::DatabaseLocks) RaiseNoRoom(Error.Info().EngineCode);
     Error.Add({.Table = Name});
     throw;
   }
 }
 
+void TPostgreSQLSafeguards::RaiseNoRoom(const std::string& EngineCode) {
+  throw EDatabaseError(
+      "The load needs more locks in one transaction than the server has room for: raise its setting "
+      "max_locks_per_transaction and restart it, or commit the tables one by one",
+      {.Code = TErrorCode::DatabaseLocks, .EngineCode = EngineCode});
+}
+
 void TPostgreSQLSafeguards::CheckLockRoom() {
-  // Within what every server has room for, nobody has to be asked.
-  constexpr std::size_t AlwaysFits = 100;
-  if (FNeeds.Targets.size() <= AlwaysFits) return;
-  std::vector<std::string> Names;
-  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
-    if (Target.Table.Kind == TTableKind::Table) Names.push_back(FSession.Dialect().QualifiedName(Target.Table));
-  const std::string All = ArrayOf(Names);
+  const std::string All = TargetNames();
   const TPostgreSQLResult Room = FSession.Query(LockFailed, LockRoomStatement(), {All.c_str()});
   if (Room.Integer(0, 0) <= Room.Integer(0, 1)) return;
   try {
     FSession.Query(LockFailed, Format(PlanAll, Literal(All)));
   } catch (const EDatabaseError& Error) {
-    constexpr std::string_view OutOfMemory = "53200";
-    if (Error.Info().EngineCode != OutOfMemory) throw;
-    throw EDatabaseError(
-        Format("The load needs %d locks in one transaction, more than the server has room for: its setting "
-               "max_locks_per_transaction is %s. Raise it and restart the server, or commit table by table",
-               Room.Integer(0, 0), Room.Copy(0, 2)),
-        {.Code = TErrorCode::DatabaseLocks, .EngineCode = Error.Info().EngineCode});
+    if (Error.Info().Code != TErrorCode::DatabaseLocks) throw;
+    RaiseNoRoom(Error.Info().EngineCode);
   }
 }
 
 void TPostgreSQLSafeguards::SetAside() {
-  if (FNeeds.TriggersOff) DisableTriggers();
+  FRole = Role();
+  DeferWhatWasDeferred();
+  if (FNeeds.TriggersOff || FNeeds.BrokenReferences) DisableTriggers();
   DeferKeys();
-  if (FNeeds.BrokenReferences) RequireReplicaRole();
+  if (!FNeeds.BrokenReferences) return;
+  RefuseLateKeys();
+  RequireReplicaRole();
+}
+
+std::string TPostgreSQLSafeguards::Role() const {
+  return FSession.Query(KeysFailed, "SHOW session_replication_role").Copy(0, 0);
+}
+
+/// The tables, and what they are parts or wholes of, as an array of numbers.
+std::string TPostgreSQLSafeguards::TargetNames() const {
+  std::vector<std::string> Names;
+  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
+    Names.push_back(FSession.Dialect().QualifiedName(Target.Table));
+  return ArrayOf(Names);
+}
+
+/// The load before this one, in the same transaction, has checked everything at its end, and from then on at once.
+void TPostgreSQLSafeguards::DeferWhatWasDeferred() {
+  const std::string Names = TargetNames();
+  const TPostgreSQLResult Found = FSession.Query(
+      KeysFailed,
+      "SELECT EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.condeferred AND k.conrelid OPERATOR("
+      "pg_catalog.=) ANY ($1::pg_catalog.text[]::pg_catalog.regclass[]::pg_catalog.oid[]))",
+      {Names.c_str()});
+  if (Found.Boolean(0, 0)) FSession.Query(KeysFailed, "SET CONSTRAINTS ALL DEFERRED");
+}
+
+/// With the checks of references the engine would also leave out those of deferrable unique keys.
+void TPostgreSQLSafeguards::RefuseLateKeys() {
+  const std::string Names = TargetNames();
+  const TPostgreSQLResult Found =
+      FSession.Query(KeysFailed,
+                     "SELECT k.conname, k.conrelid::pg_catalog.regclass FROM pg_catalog.pg_constraint k WHERE "
+                     "k.condeferrable AND k.contype OPERATOR(pg_catalog.=) ANY ('{p,u,x}') AND k.conrelid OPERATOR("
+                     "pg_catalog.=) ANY ($1::pg_catalog.text[]::pg_catalog.regclass[]::pg_catalog.oid[])",
+                     {Names.c_str()});
+  if (Found.RowCount() == 0) return;
+  throw EDatabaseError(
+      Format("Cannot load rows that refer to nothing: the engine would not check the deferrable constraint '%s' of the "
+             "table %s either. Make it not deferrable for the load",
+             Found.Text(0, 0), Found.Text(0, 1)),
+      {.Code = TErrorCode::RowRefused});
 }
 
 void TPostgreSQLSafeguards::DisableTriggers() {
@@ -160,6 +216,8 @@ void TPostgreSQLSafeguards::DisableTriggers() {
     const TPostgreSQLResult Rows = FSession.Query(What, TriggersStatement(), {Name.c_str()});
     for (int Row = 0; Row < Rows.RowCount(); ++Row) {
       const std::string Table = Rows.Copy(Row, 0), Trigger = Rows.Copy(Row, 1);
+      // What is meant for replicas would fire in the role that lets references pass.
+      if (!FNeeds.TriggersOff && Rows.Text(Row, 2) != "R") continue;
       if (!Rows.Boolean(Row, 3))
         throw EDatabaseError(
             Format("%s: only the owner of the table %s can do that to its trigger %s", What, Table, Trigger),
@@ -196,7 +254,6 @@ void TPostgreSQLSafeguards::SetRole(const std::string& Role) {
 
 /// Shows what is missing before the tables are emptied.
 void TPostgreSQLSafeguards::RequireReplicaRole() {
-  FRole = FSession.Query("Cannot load rows that refer to nothing", "SHOW session_replication_role").Copy(0, 0);
   try {
     SetRole("replica");
   } catch (const EDatabaseError& Error) {
@@ -222,6 +279,8 @@ void TPostgreSQLSafeguards::EndEmptying() {
       if (Late.Boolean(Row, 1)) FSession.Query(What, Format("SET CONSTRAINTS %s DEFERRED", Late.Text(Row, 0)));
     }
   }
+  // Behind rows that are allowed to be missing, the checks of what was deleted would find them missing.
+  if (FNeeds.BrokenReferences) FSession.Query(What, "SET CONSTRAINTS ALL IMMEDIATE");
 }
 
 void TPostgreSQLSafeguards::BeginRows() {
@@ -232,6 +291,9 @@ void TPostgreSQLSafeguards::BeginRows() {
 
 void TPostgreSQLSafeguards::EndRows() {
   if (FNeeds.BrokenReferences) SetRole(FRole);
+  if (Role() != FRole)
+    throw EDatabaseError("A trigger has changed session_replication_role, so that references were not checked any more",
+                         {.Code = TErrorCode::TriggerRefused});
   FSession.Query(KeysFailed, "SET CONSTRAINTS ALL IMMEDIATE");
 }
 

@@ -27,38 +27,51 @@ std::string TablesStatement() {
 }
 
 /// What acts on a deletion: cascade, set null, set default. The keys that a partition has from its table are that
-/// table's.
+/// table's; each end is shown with what it is a part of. Somebody may have switched the triggers off that enforce a
+/// key.
 constexpr const char* KeysStatement =
     "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
-    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}'), k.conname, k.oid "
+    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}'), k.conname, k.oid, "
+    "NOT EXISTS (SELECT FROM pg_catalog.pg_trigger g WHERE g.tgconstraint = k.oid "
+    "AND NOT (g.tgenabled = ANY ('{O,A}'))), fw.relname, fwn.nspname, tw.relname, twn.nspname "
     "FROM pg_catalog.pg_constraint k "
     "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
     "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
-    "WHERE k.contype = 'f' AND NOT (k.conparentid <> '0' AND f.relispartition) "
-    "ORDER BY fn.nspname, f.relname, k.conname";
+    "JOIN pg_catalog.pg_class fw ON fw.oid = coalesce(CASE WHEN f.relispartition THEN "
+    "pg_catalog.pg_partition_root(f.oid)::pg_catalog.oid END, f.oid) "
+    "JOIN pg_catalog.pg_namespace fwn ON fwn.oid = fw.relnamespace "
+    "JOIN pg_catalog.pg_class tw ON tw.oid = coalesce(CASE WHEN t.relispartition THEN "
+    "pg_catalog.pg_partition_root(t.oid)::pg_catalog.oid END, t.oid) "
+    "JOIN pg_catalog.pg_namespace twn ON twn.oid = tw.relnamespace "
+    "WHERE k.contype = 'f' ORDER BY fn.nspname, f.relname, k.conname";
 
 /// What fires for rows, or statements, that insert or delete: bits 4 and 8 of tgtype. Those of a partition are shown as
 /// its table's. Rules come along for deletions; a COPY knows none.
 constexpr const char* TriggersStatement =
-    "SELECT DISTINCT r.relname, n.nspname, r.relkind, t.tgname, (t.tgtype & 4) <> 0, (t.tgtype & 8) <> 0, false "
+    "SELECT DISTINCT r.relname, n.nspname, r.relkind, t.tgname, (t.tgtype & 4) <> 0, (t.tgtype & 8) <> 0, "
+    "t.tgenabled = 'A', false "
     "FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_class c ON c.oid = t.tgrelid "
     "JOIN pg_catalog.pg_class r ON r.oid = coalesce(CASE WHEN c.relispartition THEN "
     "pg_catalog.pg_partition_root(c.oid)::pg_catalog.oid END, c.oid) "
     "JOIN pg_catalog.pg_namespace n ON n.oid = r.relnamespace "
     "WHERE NOT t.tgisinternal AND (t.tgenabled = 'O' OR t.tgenabled = 'A') AND (t.tgtype & 12) <> 0 "
-    "UNION ALL SELECT c.relname, n.nspname, c.relkind, w.rulename, false, true, true "
+    "UNION ALL SELECT c.relname, n.nspname, c.relkind, w.rulename, false, true, true, true "
     "FROM pg_catalog.pg_rewrite w JOIN pg_catalog.pg_class c ON c.oid = w.ev_class "
     "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
     "WHERE w.ev_type = '4' AND w.ev_enabled = ANY ('{O,A}') ORDER BY 2, 1, 4";
 
-/// The keys of a table ($1) and the columns at both ends, one row a column.
+/// The keys of a table ($1) and its parts, with the columns at both ends, one row a column.
 constexpr const char* KeyColumnsStatement =
-    "SELECT k.oid, k.confrelid::pg_catalog.regclass, t.relname, a.attname, b.attname FROM pg_catalog.pg_constraint k, "
+    "SELECT k.oid, k.confrelid::pg_catalog.regclass, t.relname, a.attname, b.attname, "
+    "k.conrelid::pg_catalog.regclass, f.relhassubclass AND f.relkind = 'r', k.confmatchtype = 'f' "
+    "FROM pg_catalog.pg_constraint k, "
     "ROWS FROM (pg_catalog.unnest(k.conkey), pg_catalog.unnest(k.confkey)) AS c (f, t), "
-    "pg_catalog.pg_attribute a, pg_catalog.pg_attribute b, pg_catalog.pg_class t WHERE k.contype = 'f' "
-    "AND t.oid = k.confrelid "
-    "AND k.conrelid = $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid AND k.conparentid = '0' "
-    "AND a.attrelid = k.conrelid AND a.attnum = c.f AND b.attrelid = k.confrelid AND b.attnum = c.t ORDER BY k.conname";
+    "pg_catalog.pg_attribute a, pg_catalog.pg_attribute b, pg_catalog.pg_class t, pg_catalog.pg_class f "
+    "WHERE k.contype = 'f' AND t.oid = k.confrelid AND f.oid = k.conrelid AND k.conparentid = '0' "
+    "AND (k.conrelid = $1::pg_catalog.text::pg_catalog.regclass::pg_catalog.oid OR k.conrelid IN (SELECT p.relid "
+    "FROM pg_catalog.pg_partition_tree($1::pg_catalog.text::pg_catalog.regclass) p)) "
+    "AND a.attrelid = k.conrelid AND a.attnum = c.f AND b.attrelid = k.confrelid AND b.attnum = c.t ORDER BY "
+    "k.conname, k.oid";
 
 /// A row per column of every unique index over columns alone that holds for all rows.
 std::string UniqueKeysStatement() {
@@ -76,8 +89,6 @@ TTableKind KindOfTable(char Kind) {
   if (Kind == 'v' || Kind == 'm') return TTableKind::View;
   return Kind == 'f' ? TTableKind::Foreign : TTableKind::Table;
 }
-
-bool IsCatalogue(std::string_view Name) { return SameText(Name.substr(0, CataloguePrefix.size()), CataloguePrefix); }
 
 }  // namespace
 
@@ -104,7 +115,7 @@ std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::Candid
                   Rows.Boolean(Row, 3)};
     Found.IsPartition = Rows.Boolean(Row, 4);
     Found.PathPlace = Rows.Integer(Row, 5);
-    if (!IsCatalogue(Found.Info.Name)) Result.push_back(std::move(Found));
+    if (!IsCatalogueTable(Found.Info.Name)) Result.push_back(std::move(Found));
   }
   return Result;
 }
@@ -212,13 +223,19 @@ bool TPostgreSQLSchemaReader::HasCatalogueTable(const std::string& Name) {
 
 std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
   const TPostgreSQLResult Rows = FSession.Query("Cannot list the foreign keys", CatalogueStatement(KeysStatement));
-  const auto TableAt = [&](int Row, int Column) {
-    return TTableInfo{Rows.Copy(Row, Column), ShownSchema(Rows.Text(Row, Column + 1)), TTableKind::Table,
-                      Rows.Boolean(Row, Column + 2)};
+  const auto TableAt = [&](int Row, int Column, bool HasHeirs) {
+    return TTableInfo{Rows.Copy(Row, Column), ShownSchema(Rows.Text(Row, Column + 1)), TTableKind::Table, HasHeirs};
   };
   std::vector<TForeignKey> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row)
-    Result.push_back({TableAt(Row, 0), TableAt(Row, 3), Rows.Boolean(Row, 6), Rows.Copy(Row, 7), Rows.Copy(Row, 8)});
+    Result.push_back({.From = TableAt(Row, 0, Rows.Boolean(Row, 2)),
+                      .To = TableAt(Row, 3, Rows.Boolean(Row, 5)),
+                      .FromWhole = TableAt(Row, 10, Rows.Boolean(Row, 2)),
+                      .ToWhole = TableAt(Row, 12, Rows.Boolean(Row, 5)),
+                      .ActsOnDelete = Rows.Boolean(Row, 6),
+                      .Name = Rows.Copy(Row, 7),
+                      .Id = Rows.Copy(Row, 8),
+                      .IsEnforced = Rows.Boolean(Row, 9)});
   return Result;
 }
 
@@ -230,7 +247,8 @@ std::vector<TTrigger> TPostgreSQLSchemaReader::Triggers() {
                       Rows.Copy(Row, 3),
                       Rows.Boolean(Row, 4),
                       Rows.Boolean(Row, 5),
-                      Rows.Boolean(Row, 6)});
+                      Rows.Boolean(Row, 6),
+                      Rows.Boolean(Row, 7)});
   return Result;
 }
 
@@ -241,16 +259,19 @@ TBrokenReferences TPostgreSQLSchemaReader::BrokenReferences(const TTableInfo& Ta
   TBrokenReferences Result;
   for (int Row = 0; Row < Keys.RowCount();) {
     const int First = Row;
+    // A key that has to match in full may be NULL as a whole only.
+    const std::string_view Between = Keys.Boolean(First, 7) ? " OR " : " AND ";
     std::string IsKey, IsThere;
     for (; Row < Keys.RowCount() && Keys.Text(Row, 0) == Keys.Text(First, 0); ++Row) {
       const std::string Column = "c." + QuoteStandardName(Keys.Text(Row, 3));
-      IsKey += Format(" AND %s IS NOT NULL", Column);
+      IsKey += Format("%s%s IS NOT NULL", IsKey.empty() ? "" : Between, Column);
       IsThere += Format("%sp.%s = %s", IsThere.empty() ? "" : " AND ", QuoteStandardName(Keys.Text(Row, 4)), Column);
     }
     const TPostgreSQLResult Broken = FSession.Query(
-        What, Format("SELECT pg_catalog.count(*), pg_catalog.min(c::pg_catalog.text) FROM %s c WHERE true%s AND NOT "
-                     "EXISTS (SELECT FROM %s p WHERE %s)",
-                     FSession.Dialect().SQLName(Table), IsKey, Keys.Text(First, 1), IsThere));
+        What,
+        Format("SELECT pg_catalog.count(*), pg_catalog.min(c::pg_catalog.text) FROM %s c WHERE (%s) AND NOT "
+               "EXISTS (SELECT FROM %s p WHERE %s)",
+               (Keys.Boolean(First, 6) ? "ONLY " : "") + Keys.Copy(First, 5), IsKey, Keys.Text(First, 1), IsThere));
     const std::int64_t Count = Broken.Integer(0, 0);
     Result.Count += Count;
     if (Count > 0 && Result.Example.empty())

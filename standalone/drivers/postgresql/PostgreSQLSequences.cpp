@@ -1,6 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
@@ -33,9 +34,20 @@ std::string FeedingSequences() {
       "pg_catalog.has_sequence_privilege(c.oid, 'SELECT'), pg_catalog.has_sequence_privilege(c.oid, 'UPDATE'), "
       "f.r::pg_catalog.regclass, pg_catalog.quote_ident(a.attname), t.typcategory "
       "FROM f JOIN pg_catalog.pg_class c ON c.oid = f.s AND c.relkind = 'S' "
-      "JOIN pg_catalog.pg_sequence s ON s.seqrelid = c.oid "
+      "JOIN pg_catalog.pg_sequence s ON s.seqrelid = c.oid AND NOT s.seqcycle "
       "JOIN pg_catalog.pg_attribute a ON a.attrelid = f.r AND a.attnum::pg_catalog.int4 = f.n "
       "JOIN pg_catalog.pg_type t ON t.oid = a.atttypid ORDER BY 3, 9, 10");
+}
+
+/// Numbers of the tables $1 whose default calls a function that is not the engine's own.
+std::string HiddenDefaults() {
+  return CatalogueStatement(
+      "SELECT DISTINCT v.adrelid, a.attname, v.adrelid::pg_catalog.regclass, pg_catalog.quote_ident(a.attname) "
+      "FROM pg_catalog.pg_attrdef v JOIN pg_catalog.pg_attribute a ON a.attrelid = v.adrelid AND a.attnum = v.adnum "
+      "AND a.attgenerated = '' JOIN pg_catalog.pg_type t ON t.oid = a.atttypid AND t.typcategory = 'N' "
+      "JOIN pg_catalog.pg_depend d ON d.classid = 'pg_catalog.pg_attrdef'::pg_catalog.regclass::pg_catalog.oid "
+      "AND d.objid = v.oid AND d.refclassid = 'pg_catalog.pg_proc'::pg_catalog.regclass::pg_catalog.oid "
+      "WHERE v.adrelid = ANY ($1::pg_catalog.oid[]) ORDER BY 3, 4");
 }
 
 }  // namespace
@@ -48,12 +60,29 @@ void TPostgreSQLSequences::Note(const std::string& TableOid, const std::vector<s
   if (!FSession.InTransaction()) Move();
 }
 
+std::string TPostgreSQLSequences::Tables() const {
+  std::set<std::string> Oids;
+  for (const TWritten& Written : FWritten) Oids.insert(Written.TableOid);
+  std::string Result = "{";
+  for (const std::string& Oid : Oids) Result += (Result.size() > 1 ? "," : "") + Oid;
+  return Result += '}';
+}
+
+/// Where nobody can tell which sequence a default asks, somebody has to look.
+void TPostgreSQLSequences::TellHidden(const std::string& Tables) const {
+  const TPostgreSQLResult Rows = FSession.Query(What, HiddenDefaults(), {Tables.c_str()});
+  for (int Row = 0; Row < Rows.RowCount(); ++Row) {
+    const auto IsOfColumn = [&](const TWritten& Written) {
+      return Written.TableOid == Rows.Text(Row, 0) && Written.Column == Rows.Text(Row, 1);
+    };
+    if (std::any_of(FWritten.begin(), FWritten.end(), IsOfColumn))
+      FWarning(Format("the default of %s.%s calls a function: where a sequence behind it stands is not known",
+                      Rows.Text(Row, 2), Rows.Text(Row, 3)));
+  }
+}
+
 /// By their names; those alone that rows were written for.
-std::map<std::string, TPostgreSQLSequences::TSequence> TPostgreSQLSequences::Find() const {
-  std::string Tables = "{";
-  for (const TWritten& Written : FWritten)
-    if (!Tables.ends_with(Written.TableOid)) Tables += (Tables.size() > 1 ? "," : "") + Written.TableOid;
-  Tables += '}';
+std::map<std::string, TPostgreSQLSequences::TSequence> TPostgreSQLSequences::Find(const std::string& Tables) const {
   const TPostgreSQLResult Rows = FSession.Query(What, FeedingSequences(), {Tables.c_str()});
   std::map<std::string, TSequence> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
@@ -125,7 +154,9 @@ void TPostgreSQLSequences::MoveOne(const TSequence& Sequence) const {
 
 void TPostgreSQLSequences::Move() {
   if (FWritten.empty()) return;
-  for (const auto& [Name, Sequence] : Find())
+  const std::string Oids = Tables();
+  TellHidden(Oids);
+  for (const auto& [Name, Sequence] : Find(Oids))
     if (Sequence.Furthest) MoveOne(Sequence);
   Rollback();
 }

@@ -46,7 +46,9 @@ class TPostgreSQLSequences {
     std::optional<std::int64_t> Furthest;
   };
 
-  std::map<std::string, TSequence> Find() const;
+  std::string Tables() const;
+  void TellHidden(const std::string& Tables) const;
+  std::map<std::string, TSequence> Find(const std::string& Tables) const;
   std::optional<std::int64_t> FurthestOf(const TPostgreSQLResult& Rows, int Row, bool Upwards) const;
   void MoveOne(const TSequence& Sequence) const;
   void Stays(const TSequence& Sequence, const std::string& Why) const;

@@ -27,10 +27,12 @@ constexpr const char* SetUpStatement =
     "pg_catalog.set_config('max_parallel_workers_per_gather', '0', false), "
     "pg_catalog.set_config('row_security', 'off', false), pg_catalog.set_config('lock_timeout', $1, false), "
     "pg_catalog.current_schema(), pg_catalog.current_setting('server_version'), "
-    "pg_catalog.current_setting('transaction_read_only')::pg_catalog.bool OR pg_catalog.pg_is_in_recovery()";
+    "pg_catalog.current_setting('transaction_read_only')::pg_catalog.bool OR pg_catalog.pg_is_in_recovery(), "
+    "pg_catalog.current_setting('session_replication_role')";
 constexpr int CurrentSchemaColumn = 12;
 constexpr int ServerVersionColumn = 13;
 constexpr int ReadOnlyColumn = 14;
+constexpr int RoleColumn = 15;
 
 /// What the server says of a statement that was told to stop.
 constexpr std::string_view StoppedCode = "57014";
@@ -95,6 +97,13 @@ void TPostgreSQLSession::SetUp() {
   const std::string_view Version = Result.Text(0, ServerVersionColumn);
   FServerVersion = Version.substr(0, Version.find(' '));
   FReadOnly = Result.Boolean(0, ReadOnlyColumn);
+  FChecksReferences = Result.Text(0, RoleColumn) != "replica";
+  FSettingsInDoubt = false;
+}
+
+void TPostgreSQLSession::RestoreSettings() {
+  if (!std::exchange(FSettingsInDoubt, false)) return;
+  Query(About("go on in"), SetUpStatement, {FLockTimeout.c_str()});
 }
 
 std::string TPostgreSQLSession::About(std::string_view Failed) const {
@@ -305,6 +314,7 @@ std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span
   Send(ExecutionFailed, Statement, Parameters, TFormat::Text);
   PQsetSingleRowMode(Handle());
   const TPostgreSQLResult Result = DropRows(ExecutionFailed, Statement);
+  FSettingsInDoubt = true;
   return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
 }
 

@@ -45,6 +45,12 @@ class TPostgreSQLSession {
   pg_conn* Handle() const { return FConnection.get(); }
   const std::string& ServerVersion() const { return FServerVersion; }
   bool ReadOnly() const { return FReadOnly; }
+  /// Not in the role of a replica, which somebody has set for the database or the user.
+  bool ChecksReferences() const { return FChecksReferences; }
+  /// Puts right what a trigger may have changed of how values are read.
+  void RestoreSettings();
+  /// Triggers may have run.
+  void DoubtSettings() { FSettingsInDoubt = true; }
   /// Its current schema is the one in which names without one were looked for first when the connection was made.
   const TPostgreSQLDialect& Dialect() const { return FDialect; }
   /// Of 8-bit texts.
@@ -136,6 +142,8 @@ class TPostgreSQLSession {
   std::string FServerVersion;
   TPostgreSQLDialect FDialect;
   bool FReadOnly = false;
+  bool FChecksReferences = true;
+  bool FSettingsInDoubt = false;
   bool FTransactionOpen = false;  // as the server last said; stays when the connection is lost
   bool FOnlyReads = false;
   std::int64_t FTransactionNumber = 0;

@@ -8,6 +8,7 @@
 #include "standalone/drivers/Dialect.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
@@ -195,6 +196,16 @@ std::string TSQLiteAppender::HeldText() const {
   return Format("Cannot append records %d to %d to table '%s'", FRecord, Last, FTableName);
 }
 
+/// A constraint of another table, as "UNIQUE constraint failed: LOG.N" names it.
+bool TSQLiteAppender::IsOfTrigger(std::string_view Message) const {
+  constexpr std::string_view Mark = " constraint failed: ";
+  const std::size_t At = Message.find(Mark);
+  if (FTriggers.empty() || At == std::string_view::npos) return false;
+  const std::string_view Place = Message.substr(At + Mark.size());
+  const std::size_t Point = Place.find('.');
+  return Point != std::string_view::npos && !SameText(Place.substr(0, FTableName.size() + 1), FTableName + ".");
+}
+
 TErrorInfo TSQLiteAppender::Place() const { return {.Table = FTableName, .Record = FRecord}; }
 
 void TSQLiteAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
@@ -208,8 +219,10 @@ void TSQLiteAppender::RaiseEngineError(const TInsert& Insert, const std::string&
     RaiseSQLiteError(FDatabase, What, std::move(Place));
   } catch (const EDatabaseError& Error) {
     sqlite3_reset(Insert.Statement.Handle());
-    if (Error.Info().Code != TErrorCode::TriggerRefused) throw;
-    throw EDatabaseError(Error.what() + FTriggers, Error.Info());
+    TErrorInfo Info = Error.Info();
+    if (Info.Code != TErrorCode::TriggerRefused && !IsOfTrigger(Error.what())) throw;
+    Info.Code = TErrorCode::TriggerRefused;
+    throw EDatabaseError(Format("%s; in a trigger%s", Error.what(), FTriggers), std::move(Info));
   } catch (...) {
     sqlite3_reset(Insert.Statement.Handle());
     throw;

@@ -52,6 +52,7 @@ class TSQLiteAppender final : public TBulkAppender {
   void InsertHeldOneByOne();
   void InsertOne(TRow Row);
   void CountReplaced(const TInsert& Insert);
+  bool IsOfTrigger(std::string_view Message) const;
   TErrorInfo Place() const;
   [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
   [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const;

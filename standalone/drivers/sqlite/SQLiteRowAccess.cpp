@@ -10,6 +10,7 @@
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 namespace {
@@ -76,7 +77,16 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   Traits.RowNumberColumn = RowNumberColumn(FSchema, Table, Listed->WithoutRowId);
   Traits.Triggers = InsertTriggers(Database, FSchema, Table.Table.Name);
   Traits.OneByOne = Table.Table.Kind != TTableKind::Table || !Traits.Triggers.empty() || EnforcesKeys(Database);
-  return std::make_unique<TSQLiteAppender>(Database, Table, Columns, Options, Traits);
+  try {
+    return std::make_unique<TSQLiteAppender>(Database, Table, Columns, Options, Traits);
+  } catch (const EDatabaseError& Error) {
+    // The engine prepares triggers with the statement: one may ask for functions that it does not have.
+    if (Traits.Triggers.empty()) throw;
+    TErrorInfo Info = Error.Info();
+    Info.Code = TErrorCode::TriggerRefused;
+    throw EDatabaseError(Format("%s; in a trigger (%s)", Error.what(), JoinedInShort(Traits.Triggers)),
+                         std::move(Info));
+  }
 }
 
 }  // namespace velkrund

@@ -24,7 +24,7 @@ constexpr std::int64_t GeneratedStored = 3;
 bool IsUserTable(std::string_view Name, std::string_view Type) {
   const auto Begins = [&](std::string_view Prefix) { return SameText(Name.substr(0, Prefix.size()), Prefix); };
   // Shadow tables hold the inside of a virtual table.
-  return Type != "shadow" && !Begins("sqlite_") && !Begins(CataloguePrefix);
+  return Type != "shadow" && !Begins("sqlite_") && !IsCatalogueTable(Name);
 }
 
 /// The number by which rows go, as a column, under the first of its names that no other column has.
@@ -189,8 +189,11 @@ std::vector<TForeignKey> TSQLiteSchemaReader::ForeignKeys() {
                         About("foreign keys"));
   std::vector<TForeignKey> Result;
   while (Keys.Step())
-    Result.push_back(
-        {{Keys.Text(0), {}}, {Keys.Text(1), {}}, FCapabilities.EnforcesForeignKeys && Keys.Integer(2) != 0});
+    Result.push_back({.From = {Keys.Text(0), {}},
+                      .To = {Keys.Text(1), {}},
+                      .FromWhole = {Keys.Text(0), {}},
+                      .ToWhole = {Keys.Text(1), {}},
+                      .ActsOnDelete = FCapabilities.EnforcesForeignKeys && Keys.Integer(2) != 0});
   return Result;
 }
 

@@ -97,7 +97,8 @@ std::vector<std::string> Cells(const TTestDatabase& Database) {
 /// What became of databases of mixed storage classes on their way through version 100.
 TEST(RandomOldVersion, NoCellChangesInSilence) {
   int WithoutLoss = 0, WithLoss = 0;
-  for (int Round = 0; Round < Databases; ++Round) {
+  for (int Round = 0; WithoutLoss + WithLoss < Databases; ++Round) {
+    ASSERT_LT(Round, 3 * Databases) << "hardly any can be exported";
     TRandom Random(Seed + static_cast<std::uint64_t>(Round));
     const TContents Contents = AnyTable(Random);
     SCOPED_TRACE(Contents.Schema + ";" + Contents.Rows);
@@ -109,7 +110,7 @@ TEST(RandomOldVersion, NoCellChangesInSilence) {
     const std::string Refusal = Platform.Export(Source, "T", Folder / "strict.eif", TExportReleaseVersion::rv17);
     Platform.Manager.ChangeSettings().StrictText = false;
     const std::string Error = Platform.Export(Source, "T", Folder / "f.eif", TExportReleaseVersion::rv17);
-    // A large real has become an integer in its column.
+    // A large real has become an integer in its column; the next one takes its place.
     if (Error.find("is out of bounds") != std::string::npos) continue;
     ASSERT_EQ(Error, "");
     const std::int64_t Lost = Platform.Lost;

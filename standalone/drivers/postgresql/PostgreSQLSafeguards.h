@@ -32,18 +32,11 @@ class TPostgreSQLSafeguards final : public TSafeguards {
     std::string Table, Name;
   };
 
-  bool NeedsOwner(const TTableInfo& Table) const;
-  const char* ModeFor(const TLoadNeeds::TTarget& Target) const;
-  bool MayLock(const TLoadNeeds::TTarget& Target);
-  void LockOne(const TLoadNeeds::TTarget& Target);
-  void CheckLockRoom();
-  [[noreturn]] static void RaiseNoRoom(const std::string& EngineCode);
   void DisableTriggers();
   void DeferKeys();
   void DeferWhatWasDeferred();
   void RefuseLateKeys();
   std::string Role() const;
-  std::string TargetNames() const;
   void RequireReplicaRole();
   void SetRole(const std::string& Role);
 

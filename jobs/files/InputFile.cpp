@@ -1,6 +1,7 @@
 #include "jobs/files/InputFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -31,6 +32,12 @@ void FillFromPath(TSpool& Spool, const std::string& Path, const TSpool::TCancele
   close(Descriptor);
 }
 
+TFileState StateOf(const std::string& Path) {
+  struct stat State = {};
+  if (stat(Path.c_str(), &State) != 0) return {};
+  return {State.st_dev, State.st_ino, State.st_size, State.st_mtim.tv_sec, State.st_mtim.tv_nsec};
+}
+
 }  // namespace
 
 TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled)
@@ -46,7 +53,17 @@ TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCan
 void TInputFile::Open() {
   if (FSpool && FName == "-") FSpool->FillFrom(STDIN_FILENO, "standard input", FCanceled);
   if (FSpool && FName != "-") FillFromPath(*FSpool, FName, FCanceled);
+  if (!FSpool) FOpened = StateOf(FName);
   OpenForSections(*FFile);
+}
+
+void TInputFile::RefuseChanged() const {
+  if (FSpool || FOpened.Size < 0) return;
+  const TFileState Now = StateOf(FName);
+  // Another file of that name, or none, leaves the one that is open as it was.
+  if (Now.Device != FOpened.Device || Now.Number != FOpened.Number || Now == FOpened) return;
+  throw EReadError(Format("File '%s' was written to while it was read", FName),
+                   {.Code = TErrorCode::FileInUse, .File = FName});
 }
 
 }  // namespace velkrund

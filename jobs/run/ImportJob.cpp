@@ -150,6 +150,7 @@ void TImportJob::Import() {
     if (!FStopped) FOutcome.Fail(std::current_exception());
     FStopped = true;
   }
+  RefuseChangedInputs();
   if (FOutcome.Cancelled.empty() && Result == 0 && !FStopped && (IsCanceled() || FOutcome.Any(TItemState::Cancelled)))
     FOutcome.Cancelled = "cancelled";
   // To commit nothing would make a file of a database that is new.
@@ -157,6 +158,17 @@ void TImportJob::Import() {
   EndWhole(!FStopped && FOutcome.Cancelled.empty() && HasSomething);
   EndPart();
   if (!FOutcome.Cancelled.empty()) FOutcome.Cancel(FOutcome.Cancelled);
+}
+
+/// What comes for certain only when all is read.
+void TImportJob::RefuseChangedInputs() {
+  if (FStopped || !FOutcome.Any(TItemState::Done)) return;
+  try {
+    for (const auto& Input : FInputs->Inputs()) Input->RefuseChanged();
+  } catch (const std::exception&) {
+    FOutcome.Fail(std::current_exception());
+    FStopped = true;
+  }
 }
 
 void TImportJob::BeginWhole() {

@@ -78,6 +78,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   TLoadOptions LoadOptions() const;
   std::int64_t Bytes() const;
   void Import();
+  void RefuseChangedInputs();
   void BeginWhole();
   void EndWhole(bool Stays);
   void TakeAllBack();

@@ -1,6 +1,7 @@
 #include <signal.h>
 #include <sqlite3.h>
 #include <unistd.h>
+#include <fstream>
 
 #include <filesystem>
 #include <memory>
@@ -111,6 +112,19 @@ TEST_F(TSharingTest, AnImportWaitsForAnotherProgramsTransaction) {
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   Execute("COMMIT");
   EXPECT_EQ(Finish(Waiting).ExitCode, 0);
+  EXPECT_EQ(Counts("empty.db"), "0|2");
+  // What is written into the file meanwhile may be of a later moment than what was read before.
+  Execute("BEGIN IMMEDIATE");
+  remove(Path("trace.log").c_str());
+  const pid_t Reading = Start(ImportInto("table", {"-i", "F", "--append"}));
+  EXPECT_TRUE(WaitUntil(
+      [&] { return Exists("trace.log") && Read("trace.log").find("Starting a transaction") != std::string::npos; }));
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  std::ofstream(Path("F"), std::ios::app) << ";later\r\n";
+  Execute("COMMIT");
+  const TOutcome Changed = Finish(Reading);
+  EXPECT_EQ(Changed.ExitCode, 1);
+  EXPECT_NE(Changed.Errors.find("'F' was written to while it was read"), std::string::npos) << Changed.Errors;
   EXPECT_EQ(Counts("empty.db"), "0|2");
 }
 

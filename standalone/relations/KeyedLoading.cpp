@@ -1,6 +1,7 @@
 #include "standalone/relations/KeyedLoading.h"
 
 #include <algorithm>
+#include <chrono>
 #include <thread>
 #include <utility>
 
@@ -27,6 +28,7 @@ TKeyedLoading::TKeyedLoading(TStandaloneManager& Manager, std::string DatabaseNa
   FKeys = ReadKeys();
   FTriggers = ReadTriggers();
   MakeOrder(Targets);
+  MakeGroups();
   CheckEmptying();
 }
 
@@ -72,11 +74,6 @@ std::vector<TTrigger> TKeyedLoading::ReadTriggers() const {
   return Result;
 }
 
-bool TKeyedLoading::HasDeleteTriggers(const std::string& Table) const {
-  return std::any_of(FTriggers.begin(), FTriggers.end(),
-                     [&](const TTrigger& One) { return One.OnDelete && FullName(One.Table) == Table; });
-}
-
 void TKeyedLoading::MakeOrder(const std::vector<TLoadTarget>& Targets) {
   std::vector<std::string> Tables;
   for (const TLoadTarget& Target : Targets) Tables.push_back(Target.Table);
@@ -87,6 +84,21 @@ void TKeyedLoading::MakeOrder(const std::vector<TLoadTarget>& Targets) {
     return One.OnDelete && (FOptions.Triggers || One.IsRule) && IsReplaced(FullName(One.Table));
   });
   FOrder = std::make_unique<const TLoadOrder>(Tables, Ties, FOptions.InGroups && !ActsOnDelete);
+}
+
+/// What of keys and triggers is whose, found once: there may be as many groups as tables.
+void TKeyedLoading::MakeGroups() {
+  FGroups.resize(FOrder->GroupCount());
+  for (const TForeignKey& Key : FKeys) {
+    const auto [Child, Parent] = TieOf(Key);
+    FGroups[FOrder->Group(FOrder->Has(Child) ? Child : Parent)].Keys.push_back(&Key);
+  }
+  for (const TTrigger& Trigger : FTriggers) {
+    const std::string Table = FullName(Trigger.Table);
+    FGroups[FOrder->Group(Table)].Triggers.push_back(&Trigger);
+    if (Trigger.OnDelete) FTargets.at(Table).HasDeleteTriggers = true;
+  }
+  FTextIndexes = FConnection.Schema().TextIndexes();
 }
 
 bool TKeyedLoading::IsReplaced(const std::string& Table) const {
@@ -107,20 +119,15 @@ void TKeyedLoading::CheckEmptying() const {
   }
 }
 
-TLoadNeeds TKeyedLoading::NeedsOf(const std::vector<std::string>& Tables) const {
-  TLoadNeeds Needs;
+void TKeyedLoading::AddNeeds(std::size_t Group, TLoadNeeds& Needs) const {
   Needs.TriggersOff = !FOptions.Triggers;
   Needs.BrokenReferences = FOptions.BrokenReferences;
-  for (const std::string& Table : Tables) {
+  for (const std::string& Table : FOrder->Tables(Group)) {
     const TTarget& Target = FTargets.at(Table);
-    Needs.Targets.push_back({Target.Info, Target.Replaced, HasDeleteTriggers(Table)});
+    Needs.Targets.push_back({Target.Info, Target.Replaced, Target.HasDeleteTriggers});
   }
-  const auto IsMeant = [&](const TForeignKey& Key) {
-    return std::find(Tables.begin(), Tables.end(), FullName(Key.From)) != Tables.end();
-  };
-  for (const TForeignKey& Key : FKeys)
-    if (FOrder->IsBackwards(TieOf(Key)) && IsMeant(Key)) Needs.Circular.push_back(Key);
-  return Needs;
+  for (const TForeignKey* Key : FGroups[Group].Keys)
+    if (FOrder->IsBackwards(TieOf(*Key))) Needs.Circular.push_back(*Key);
 }
 
 /// A transaction that holds the locks. Who waits for each other in a circle is refused by the engine, and comes in the
@@ -144,22 +151,22 @@ std::unique_ptr<TTransaction> TKeyedLoading::Locked(TSafeguards& Safeguards) con
 }
 
 void TKeyedLoading::BeginAll() {
-  std::vector<std::string> All;
-  for (std::size_t Group = 0; Group < FOrder->GroupCount(); ++Group)
-    All.insert(All.end(), FOrder->Tables(Group).begin(), FOrder->Tables(Group).end());
-  FAll = Locked(*FConnection.Safeguards(NeedsOf(All)));
+  TLoadNeeds Needs;
+  for (std::size_t Group = 0; Group < FGroups.size(); ++Group) AddNeeds(Group, Needs);
+  FAll = Locked(*FConnection.Safeguards(std::move(Needs)));
 }
 
 void TKeyedLoading::CommitAll() { std::exchange(FAll, nullptr)->Commit(); }
 
 void TKeyedLoading::Begin(std::size_t Group) {
   FGroup = Group;
-  const std::vector<std::string>& Tables = FOrder->Tables(Group);
-  FSafeguards = FConnection.Safeguards(NeedsOf(Tables));
+  TLoadNeeds Needs;
+  AddNeeds(Group, Needs);
+  FSafeguards = FConnection.Safeguards(std::move(Needs));
   FTransaction = Locked(*FSafeguards);
   try {
     if (!FAll) CheckPlan();
-    Prepare(Tables);
+    Prepare();
   } catch (...) {
     End(false);
     throw;
@@ -173,28 +180,25 @@ void TKeyedLoading::CheckPlan() const {
                        {.Code = TErrorCode::DatabaseBusy});
 }
 
-void TKeyedLoading::Prepare(const std::vector<std::string>& Tables) {
+void TKeyedLoading::Prepare() {
   FSafeguards->SetAside();
-  CountBroken(Tables);
-  EmptyTables(Tables);
+  CountBroken();
+  EmptyTables();
   FSafeguards->EndEmptying();
   FSafeguards->BeginRows();
 }
 
 /// Of the group's tables, and of all others that refer to them.
-void TKeyedLoading::CountBroken(const std::vector<std::string>& Tables) {
+void TKeyedLoading::CountBroken() {
   FReferences = std::make_unique<TReferenceCheck>(FConnection.Schema(), FOptions.BrokenReferences);
   const bool Enforces = FConnection.Capabilities().EnforcesForeignKeys && !FOptions.BrokenReferences;
-  const std::set<std::string> Meant(Tables.begin(), Tables.end());
-  for (const TForeignKey& Key : FKeys) {
-    if (Enforces && Key.IsEnforced) continue;
-    const auto [Child, Parent] = TieOf(Key);
-    if (Meant.contains(Child) || Meant.contains(Parent)) FReferences->Count(Key.From, Meant.contains(Child));
-  }
+  for (const TForeignKey* Key : FGroups[FGroup].Keys)
+    if (!Enforces || !Key->IsEnforced) FReferences->Count(Key->From, FOrder->Has(FullName(Key->From)));
 }
 
 /// Children first: the engine deletes no row that another one refers to.
-void TKeyedLoading::EmptyTables(const std::vector<std::string>& Tables) {
+void TKeyedLoading::EmptyTables() {
+  const std::vector<std::string>& Tables = FOrder->Tables(FGroup);
   for (auto Table = Tables.rbegin(); Table != Tables.rend(); ++Table) {
     TTarget& Target = FTargets.at(*Table);
     Target.Deleted = 0;
@@ -228,16 +232,16 @@ void TKeyedLoading::End(bool Whole) {
 
 /// Triggers are of interest where something was done.
 void TKeyedLoading::NoteMoved() {
-  for (const TTrigger& Trigger : FTriggers) {
-    const std::string Table = FullName(Trigger.Table);
-    if (FOrder->Group(Table) != FGroup || FMoved.contains(Table)) continue;
+  for (const TTrigger* Trigger : FGroups[FGroup].Triggers) {
+    const std::string Table = FullName(Trigger->Table);
+    if (FMoved.contains(Table)) continue;
     if (FConnection.Schema().HasRows(FTargets.at(Table).Info)) FMoved.insert(Table);
   }
 }
 
 /// Those that the engine keeps beside a table's rows, which its triggers may have passed by.
 void TKeyedLoading::RebuildTextIndexes(std::vector<std::string>& Remarks) {
-  for (const TTextIndex& Each : FConnection.Schema().TextIndexes()) {
+  for (const TTextIndex& Each : FTextIndexes) {
     const std::string Table = FullName(Each.Table);
     // What a view shows may come from any table.
     const bool IsMeant = FOrder->Has(Table) ? FOrder->Group(Table) == FGroup : Each.Table.Kind == TTableKind::View;
@@ -267,10 +271,9 @@ void TKeyedLoading::TellTriggers() {
 
 void TKeyedLoading::TellNames(const char* What, const std::function<bool(const TTrigger&)>& IsMeant) {
   std::vector<std::string> Names;
-  for (const TTrigger& Trigger : FTriggers) {
-    const std::string Table = FullName(Trigger.Table);
-    if (FOrder->Group(Table) == FGroup && FMoved.contains(Table) && IsMeant(Trigger))
-      Names.push_back(Format("'%s' of '%s'", Trigger.Name, Table));
+  for (const TTrigger* Trigger : FGroups[FGroup].Triggers) {
+    const std::string Table = FullName(Trigger->Table);
+    if (FMoved.contains(Table) && IsMeant(*Trigger)) Names.push_back(Format("'%s' of '%s'", Trigger->Name, Table));
   }
   if (!Names.empty()) FRemarks.push_back(Format("%s: %s", What, JoinedInShort(std::move(Names))));
 }

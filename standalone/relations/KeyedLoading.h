@@ -35,23 +35,30 @@ class TKeyedLoading final : public TTableLoading {
  private:
   struct TTarget {
     TTableInfo Info;
-    bool Replaced;
+    bool Replaced = false;
+    bool HasDeleteTriggers = false;  // which fire when it is emptied
     std::int64_t Deleted = 0;
+  };
+
+  /// What it has of keys and triggers.
+  struct TGroup {
+    std::vector<const TForeignKey*> Keys;
+    std::vector<const TTrigger*> Triggers;
   };
 
   void TakeTargets(const std::vector<TLoadTarget>& Targets);
   std::vector<TForeignKey> ReadKeys() const;
   std::vector<TTrigger> ReadTriggers() const;
-  bool HasDeleteTriggers(const std::string& Table) const;
   void CheckPlan() const;
   void MakeOrder(const std::vector<TLoadTarget>& Targets);
   bool IsReplaced(const std::string& Table) const;
   void CheckEmptying() const;
-  TLoadNeeds NeedsOf(const std::vector<std::string>& Tables) const;
+  void MakeGroups();
+  void AddNeeds(std::size_t Group, TLoadNeeds& Needs) const;
   std::unique_ptr<TTransaction> Locked(TSafeguards& Safeguards) const;
-  void Prepare(const std::vector<std::string>& Tables);
-  void CountBroken(const std::vector<std::string>& Tables);
-  void EmptyTables(const std::vector<std::string>& Tables);
+  void Prepare();
+  void CountBroken();
+  void EmptyTables();
   void RebuildTextIndexes(std::vector<std::string>& Remarks);
   void TellTriggers();
   void TellNames(const char* What, const std::function<bool(const TTrigger&)>& IsMeant);
@@ -65,6 +72,8 @@ class TKeyedLoading final : public TTableLoading {
   std::vector<TForeignKey> FKeys;   // with a target at one of their ends at least
   std::vector<TTrigger> FTriggers;  // that what is done to targets makes fire
   std::unique_ptr<const TLoadOrder> FOrder;
+  std::vector<TGroup> FGroups;
+  std::vector<TTextIndex> FTextIndexes;
   std::unique_ptr<TTransaction> FAll;  // around all groups
   std::set<std::string> FMoved;        // tables that rows went from or came into
   // Of the group at hand.

@@ -1,9 +1,9 @@
 #include <signal.h>
 #include <sqlite3.h>
 #include <unistd.h>
-#include <fstream>
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <thread>
 

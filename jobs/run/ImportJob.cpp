@@ -76,8 +76,10 @@ void TImportJob::LookAt(TInputFile& Input) {
     FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
   const std::vector<int> Chosen = Choose(Input);
   if (Chosen.empty()) return;
-  // Otherwise the engine looks for changes of others at every question about a table.
-  const TReadTransaction Moment(Manager().Databases(), DatabaseName);
+  // Without one, an engine that locks all at once looks for changes of others at every question about a table.
+  std::optional<TReadTransaction> Moment;
+  TDatabases& Databases = Manager().Databases();
+  if (!Databases.Connection(DatabaseName).Capabilities().LocksTables) Moment.emplace(Databases, DatabaseName);
   for (const int Index : Chosen) Add(Input, Index);
 }
 

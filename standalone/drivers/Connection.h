@@ -23,6 +23,7 @@ struct TCapabilities {
   bool NotANumber = false;           // floating columns hold NaN
   bool NegativeZero = false;         // floating columns tell -0.0 from 0.0
   bool NulInText = false;            // texts hold the character U+0000
+  bool LocksTables = false;          // what a transaction has read stays locked until its end, each for itself
   bool TableSizes = false;           // TableBytes has answers
   bool EnforcesForeignKeys = false;  // no statement, or no commit, leaves a row that refers to nothing
 };

@@ -26,6 +26,7 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
   Result.TransactionalSchema = true;
   Result.NotANumber = true;
   Result.NegativeZero = true;
+  Result.LocksTables = true;
   Result.TableSizes = true;
   Result.EnforcesForeignKeys = Session.ChecksReferences();
   return Result;

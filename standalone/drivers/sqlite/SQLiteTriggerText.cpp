@@ -47,7 +47,7 @@ std::string TakeWord(std::string_view& Text) {
     return "?";
   }
   const auto End = std::max<std::ptrdiff_t>(std::find_if_not(Text.begin(), Text.end(), IsOfWord) - Text.begin(), 1);
-  const std::string Word = UpperCase(Text.substr(0, static_cast<std::size_t>(End)));
+  std::string Word = UpperCase(Text.substr(0, static_cast<std::size_t>(End)));
   Text.remove_prefix(static_cast<std::size_t>(End));
   return Word;
 }

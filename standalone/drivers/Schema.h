@@ -54,8 +54,7 @@ struct TForeignKey {
   TTableInfo From, To;
   TTableInfo FromWhole, ToWhole;  // the same, or what these are parts of
   bool ActsOnDelete = false;      // deleting a row of To deletes or changes the rows of From that refer to it
-  std::string Name = {};          // the engine's; empty where keys have none
-  std::string Id = {};            // the same, of a constraint by whatever the engine tells them apart
+  std::string Id = {};            // by which the engine tells keys apart; empty where it does not
   bool IsEnforced = true;         // not switched off by somebody, where the engine enforces keys
 
   bool operator==(const TForeignKey&) const = default;

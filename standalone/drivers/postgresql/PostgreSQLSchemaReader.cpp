@@ -31,7 +31,7 @@ std::string TablesStatement() {
 /// key.
 constexpr const char* KeysStatement =
     "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
-    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}'), k.conname, k.oid, "
+    "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}'), k.oid, "
     "NOT EXISTS (SELECT FROM pg_catalog.pg_trigger g WHERE g.tgconstraint = k.oid "
     "AND NOT (g.tgenabled = ANY ('{O,A}'))), fw.relname, fwn.nspname, tw.relname, twn.nspname "
     "FROM pg_catalog.pg_constraint k "
@@ -230,12 +230,11 @@ std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
   for (int Row = 0; Row < Rows.RowCount(); ++Row)
     Result.push_back({.From = TableAt(Row, 0, Rows.Boolean(Row, 2)),
                       .To = TableAt(Row, 3, Rows.Boolean(Row, 5)),
-                      .FromWhole = TableAt(Row, 10, Rows.Boolean(Row, 2)),
-                      .ToWhole = TableAt(Row, 12, Rows.Boolean(Row, 5)),
+                      .FromWhole = TableAt(Row, 9, Rows.Boolean(Row, 2)),
+                      .ToWhole = TableAt(Row, 11, Rows.Boolean(Row, 5)),
                       .ActsOnDelete = Rows.Boolean(Row, 6),
-                      .Name = Rows.Copy(Row, 7),
-                      .Id = Rows.Copy(Row, 8),
-                      .IsEnforced = Rows.Boolean(Row, 9)});
+                      .Id = Rows.Copy(Row, 7),
+                      .IsEnforced = Rows.Boolean(Row, 8)});
   return Result;
 }
 

@@ -6,10 +6,12 @@
 #include <string>
 
 #include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/Definitions.h"
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/RowAccess.h"
 #include "standalone/drivers/Safeguards.h"
 #include "standalone/drivers/SchemaReader.h"
+#include "standalone/drivers/ScriptWriter.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 
 namespace velkrund {
@@ -25,6 +27,8 @@ struct TCapabilities {
   bool NulInText = false;            // texts hold the character U+0000
   bool LocksTables = false;          // what a transaction has read stays locked until its end, each for itself
   bool TableSizes = false;           // TableBytes has answers
+  bool Generators = false;           // CREATE SEQUENCE and its like
+  bool Procedures = false;           // CREATE FUNCTION and its like
   bool EnforcesForeignKeys = false;  // no statement, or no commit, leaves a row that refers to nothing
 };
 
@@ -45,6 +49,8 @@ class TConnection {
   // The connection's own, as long as it lives.
   virtual const TDialect& Dialect() const = 0;
   virtual TSchemaReader& Schema() = 0;
+  virtual TDefinitionReader& Definitions() = 0;
+  virtual const TScriptWriter& Scripts() const = 0;
   virtual TRowAccess& Rows() = 0;
 
   /// Transactions do not nest here, savepoints do. After a failed Commit the caller rolls back; some engines have done

@@ -41,6 +41,8 @@ class TDriver {
   virtual std::string_view Scheme() const = 0;
   /// Whether addresses of that scheme are this driver's; some engines go by more than one.
   virtual bool Accepts(std::string_view Scheme) const { return Scheme == this->Scheme(); }
+  /// For scripts that no database of the engine is needed for. Lives as long as the driver.
+  virtual const TScriptWriter& Scripts() const = 0;
   /// A text that is the same for all URLs of one database.
   virtual std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const = 0;
   /// Raises EDatabaseError when the database cannot be reached; messages show no password.

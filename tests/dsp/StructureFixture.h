@@ -6,7 +6,7 @@
 #include "velkrund/dialogs/DSPConfirmForm.h"
 #include "velkrund/dsp/Registration.h"
 #include "velkrund/eif/Eifiles.h"
-#include "velkrund/platform/dictionary/Dictionary.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
 
 namespace velkrund::tests {
@@ -30,11 +30,22 @@ class TAnswer final : public TWindowSystem {
   std::vector<std::string> Questions;
 };
 
-class TGenerators final : public TDictionary, public TDicDatabase {
+class TGenerators final : public TDicDBContainer, public TDicDatabase {
  public:
   TDicDatabase& Database(const std::string&) override { return *this; }
   bool GeneratorExist(const std::string& Name) override { return Name == "GEN"; }
   std::int64_t GeneratorValue(const std::string&) override { return -42; }
+  void SetGenerator(const std::string&, std::int64_t, std::int64_t) override {}
+  void CreateGenerator(const std::string&, std::optional<std::int64_t>) override {}
+  void DropGenerator(const std::string&) override {}
+  bool ViewExist(const std::string&) override { return false; }
+  void CreateView(const std::string&, bool, bool) override {}
+  void DropView(const std::string&) override {}
+  bool ExecStoredProcExist(const std::string&) override { return false; }
+  bool SelectStoredProcExist(const std::string&) override { return false; }
+  void CreateExecStoredProc(const std::string&) override {}
+  void CreateSelectStoredProc(const std::string&) override {}
+  void DropStoredProc(const std::string&) override {}
 };
 
 /// Structures in a store in memory, files in memory, and answers that a test gives.
@@ -73,7 +84,7 @@ class Structure : public testing::Test {
 
  private:
   TServiceGuard<TWindowSystem> FAnswerGuard{&Answer};
-  TServiceGuard<TDictionary> FGeneratorsGuard{&Generators};
+  TServiceGuard<TDicDBContainer> FGeneratorsGuard{&Generators};
 };
 
 }  // namespace velkrund::tests

@@ -1,7 +1,7 @@
 #include "velkrund/dsp/DSPGeneratorStructure.h"
 
 #include "velkrund/eif/Section.h"
-#include "velkrund/platform/dictionary/Dictionary.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
 
 namespace velkrund {
 
@@ -34,7 +34,7 @@ constinit const TEIObjectDescriptor TEIDSPGeneratorStructureOld::Descriptor{"TEI
 void TEIDSPGeneratorStructure::FillParameters(TEISectionParameters& Parameters) {
   TEIDSPStructure::FillParameters(Parameters);
   if (ReadStartValue) {
-    TDicDatabase& Database = Dictionary().Database(DatabaseName);
+    TDicDatabase& Database = DicDBContainer().Database(DatabaseName);
     if (Database.GeneratorExist(Item.ObjectName)) StartValue = std::to_string(Database.GeneratorValue(Item.ObjectName));
   }
   Parameters.AddParam(StartValueParameter, StartValue);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
 #include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
+#include "standalone/drivers/postgresql/PostgreSQLScriptWriter.h"
 #include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
@@ -20,6 +22,8 @@ class TPostgreSQLConnection final : public TConnection {
 
   const TDialect& Dialect() const override { return FSession.Dialect(); }
   TSchemaReader& Schema() override { return FSchema; }
+  TDefinitionReader& Definitions() override { return FDefinitions; }
+  const TScriptWriter& Scripts() const override { return FScripts; }
   TRowAccess& Rows() override { return FRows; }
 
   void Begin(TIsolationLevel Level) override;
@@ -37,6 +41,8 @@ class TPostgreSQLConnection final : public TConnection {
   TPostgreSQLSession FSession;
   const TCapabilities FCapabilities;
   TPostgreSQLSchemaReader FSchema{FSession};
+  TPostgreSQLDefinitionReader FDefinitions{FSession};
+  const TPostgreSQLScriptWriter FScripts;
   TPostgreSQLSequences FSequences;
   TPostgreSQLRowAccess FRows{FSession, FSequences};
 };

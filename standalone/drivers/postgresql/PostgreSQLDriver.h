@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/postgresql/PostgreSQLScriptWriter.h"
 
 namespace velkrund {
 
@@ -14,6 +15,10 @@ class TPostgreSQLDriver final : public TDriver {
   /// Host, port, database and service, wherever they come from.
   std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
   std::unique_ptr<TConnection> Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
+  const TScriptWriter& Scripts() const override { return FScripts; }
+
+ private:
+  const TPostgreSQLScriptWriter FScripts;
 };
 
 }  // namespace velkrund

@@ -2,9 +2,11 @@
 
 #include "standalone/drivers/Driver.h"
 #include "standalone/drivers/sqlite/SQLiteDatabase.h"
+#include "standalone/drivers/sqlite/SQLiteDefinitionReader.h"
 #include "standalone/drivers/sqlite/SQLiteDialect.h"
 #include "standalone/drivers/sqlite/SQLiteRowAccess.h"
 #include "standalone/drivers/sqlite/SQLiteSchemaReader.h"
+#include "standalone/drivers/sqlite/SQLiteScriptWriter.h"
 
 namespace velkrund {
 
@@ -19,6 +21,8 @@ class TSQLiteConnection final : public TConnection {
 
   const TDialect& Dialect() const override { return FDialect; }
   TSchemaReader& Schema() override { return FSchema; }
+  TDefinitionReader& Definitions() override { return FDefinitions; }
+  const TScriptWriter& Scripts() const override { return FScripts; }
   TRowAccess& Rows() override { return FRows; }
 
   void Begin(TIsolationLevel Level) override;
@@ -40,7 +44,9 @@ class TSQLiteConnection final : public TConnection {
   TSQLiteDatabase FDatabase;
   const TCapabilities FCapabilities;
   const TSQLiteDialect FDialect;
+  const TSQLiteScriptWriter FScripts;
   TSQLiteSchemaReader FSchema{FDatabase.Handle(), FCapabilities};
+  TSQLiteDefinitionReader FDefinitions{FDatabase.Handle()};
   TSQLiteRowAccess FRows{FDatabase, FSchema, FCapabilities.ReadOnly};
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/sqlite/SQLiteScriptWriter.h"
 
 namespace velkrund {
 
@@ -12,6 +13,10 @@ class TSQLiteDriver final : public TDriver {
   /// The canonical path, so that all spellings of one file's name share a connection.
   std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
   std::unique_ptr<TConnection> Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
+  const TScriptWriter& Scripts() const override { return FScripts; }
+
+ private:
+  const TSQLiteScriptWriter FScripts;
 };
 
 }  // namespace velkrund

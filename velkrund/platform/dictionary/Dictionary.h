@@ -1,27 +1,45 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
+
+#include "velkrund/platform/dictionary/TableDescription.h"
 
 namespace velkrund {
 
-/// The objects of one database as the data dictionary knows them. Errors are EDatabaseError.
-class TDicDatabase {
- public:
-  virtual ~TDicDatabase() = default;
-
-  virtual bool GeneratorExist(const std::string& Name) = 0;
-  /// The current value. Name: of a generator that exists.
-  virtual std::int64_t GeneratorValue(const std::string& Name) = 0;
+/// What of a table is made. The numbers stand in settings: they stay.
+enum class TTableScriptPart : int {
+  All = 0,
+  Table = 1,  // with its keys, its checks and the indexes of the description
+  Rest = 2,   // what is left: triggers, comments, and foreign keys where the engine adds them to a table that is there
 };
 
-/// The data dictionary. Databases are named; an empty name is the application's default database.
+/// What the structures of one database say of tables.
+class TDicTable {
+ public:
+  virtual ~TDicTable() = default;
+
+  /// Name: in any case. False when no structure describes such a table. Raises EDSPError for a structure that is none
+  /// of a table.
+  virtual bool GetTableInfo(const std::string& TableName, TDicTableDescription& Description) = 0;
+};
+
+/// The data dictionary: tables from structures. Databases are named; an empty name is the application's default
+/// database. Errors of databases are EDatabaseError.
 class TDictionary {
  public:
   virtual ~TDictionary() = default;
 
-  /// Owned by the dictionary. EDatabaseError when the database cannot be reached.
-  virtual TDicDatabase& Database(const std::string& DatabaseName) = 0;
+  /// Owned by the dictionary.
+  virtual TDicTable& GetDicTable(const std::string& DatabaseName) = 0;
+  /// The pattern by which a table is made: the structure of type 75 that PATTERNLINKTOTABLE links to it, else the one
+  /// that the configuration names for the database; empty: the engine's own.
+  virtual std::string GetPatternName(const std::string& TableName, const std::string& DatabaseName) = 0;
+  /// Its text.
+  virtual std::string GetCreateTablePatternString(const std::string& PatternName, const std::string& DatabaseName) = 0;
+  /// Makes the part under the description's name. What the engine has no words for is an error, unless the host allows
+  /// it.
+  virtual void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
+                                const std::string& Pattern, TTableScriptPart Part) = 0;
 };
 
 /// The installed data dictionary. Raises EAccessViolation when there is none.

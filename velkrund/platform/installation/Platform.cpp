@@ -10,6 +10,7 @@ TPlatform InstallPlatform(const TPlatform& Platform) {
       .DSPContainer = InstallService(Platform.DSPContainer),
       .Dictionary = InstallService(Platform.Dictionary),
       .Relations = InstallService(Platform.Relations),
+      .DicDBContainer = InstallService(Platform.DicDBContainer),
   };
 }
 

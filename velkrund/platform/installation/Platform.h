@@ -2,6 +2,7 @@
 
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/database/Relations.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
 #include "velkrund/platform/dictionary/Dictionary.h"
 #include "velkrund/platform/extcalls/ExtCall.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
@@ -17,6 +18,7 @@ struct TPlatform {
   TDSPContainer* DSPContainer = nullptr;
   TDictionary* Dictionary = nullptr;
   TRelations* Relations = nullptr;
+  TDicDBContainer* DicDBContainer = nullptr;
 };
 
 /// Installs a platform for the whole process and returns the one before. To be called while no operation runs.

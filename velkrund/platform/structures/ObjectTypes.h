@@ -11,5 +11,6 @@ inline constexpr int GeneratorObjectType = 71;
 inline constexpr int ViewObjectType = 72;
 inline constexpr int ExecStoredProcObjectType = 73;  // holds the text of a program
 inline constexpr int SelectStoredProcObjectType = 74;
+inline constexpr int PatternObjectType = 75;  // by which tables are made
 
 }  // namespace velkrund

@@ -35,6 +35,8 @@ std::string_view Remedy(TPolicy Policy) {
       return "Set ExistingStructures to replace, to update or to skip";
     case TPolicy::OnError:
       return "Set OnError to continue or to stop";
+    case TPolicy::CreateTables:
+      return "Set CreateTables to yes or to no";
     case TPolicy::Yes:
       break;
   }

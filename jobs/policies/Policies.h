@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -32,6 +33,12 @@ enum class TTriggers : int { Fire = 0, Off = 1 };
 /// Rows of tables that are loaded which refer to rows that are nowhere.
 enum class TBrokenReferencePolicy : int { Refuse = 0, Allow = 1 };
 
+/// Tables of a file that the database lacks, and structures describe.
+enum class TCreateTables : int { Ask = 0, Yes = 1, No = 2 };
+
+/// By which type a column is described where its cells may be of another.
+enum class TColumnTypes : int { Declared = 0, Scanned = 1 };
+
 /// How the rows of a table stand in a file.
 enum class TRowOrder : int {
   Key = 0,  // by the primary key or a unique one: the same rows give the same text
@@ -51,13 +58,18 @@ struct TPolicies {
   TCommit Commit = TCommit::Run;
   TTriggers Triggers = TTriggers::Fire;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed
+  TCreateTables CreateTables = TCreateTables::Ask;
+  /// What may be left out where the engine has no words for it: kinds of TScriptGap, "checks". Otherwise an error.
+  std::vector<std::string> AllowMissing = {};
+  TColumnTypes Columns = TColumnTypes::Declared;
   bool AllowLoss = false;  // go on where characters or values cannot be kept; counted. Otherwise an error
   bool Lenient = false;    // values that cannot be read become NULL; counted. Otherwise an error
+  bool DryRun = false;     // show what would be done, and change nothing
   bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped
 };
 
 /// The policies by which something can be decided.
-enum class TPolicy { ExistingRows, ExistingSections, ExistingStructures, OnError, Yes };
+enum class TPolicy { ExistingRows, ExistingSections, ExistingStructures, OnError, CreateTables, Yes };
 
 /// A decision that a policy leaves to a person, where there is none. Hosts say in their own words how to decide; what()
 /// says it by the names of properties.

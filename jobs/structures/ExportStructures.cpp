@@ -30,7 +30,7 @@ void TJobExportStructures::CheckSettings() const {
 }
 
 /// The structures under their stored names, each once. A name that is none ends the run before anything is written.
-std::vector<TItem> TJobExportStructures::Plan() {
+std::vector<TItem> TJobExportStructures::PlanItems() {
   FOperation.RootNode = RootNode;
   TDSPTable& Stored = DSPContainer().Table(DatabaseName);
   TStructureSearch Search(Stored, FOutcome.Database);
@@ -57,9 +57,10 @@ std::string TJobExportStructures::NameOfSection(const TStructureId& Structure) c
   return RootNode.empty() ? StructureText(Structure) : StructureText(Structure) + " " + RootNode;
 }
 
-void TJobExportStructures::Prepare(const TItem& Item) {
+TExportUtilOperation& TJobExportStructures::OperationFor(const TItem& Item) {
   FOperation.ObjectType = Item.Structure->Type;
   FOperation.ObjectName = Item.Structure->Name;
+  return FOperation;
 }
 
 }  // namespace velkrund

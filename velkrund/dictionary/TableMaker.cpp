@@ -74,9 +74,10 @@ bool TTableMaker::MakeOne(const TDicTableDescription& Table) {
   try {
     TTransaction Transaction(FDatabaseName);
     TDictionary& Dictionary = velkrund::Dictionary();
-    TMade Made{Table, Dictionary.GetCreateTablePatternString(
-                          Dictionary.GetPatternName(Table.FullName(), FDatabaseName), FDatabaseName)};
-    TDicTableDescription Bare = Table;
+    TMade Made{Table, Dictionary.GetCreateTablePatternString(Dictionary.GetPatternName(Table.FullName(), FDatabaseName),
+                                                             FDatabaseName)};
+    Prepare(Made.Description);
+    TDicTableDescription Bare = Made.Description;
     Bare.Indexes.clear();
     Dictionary.CreateTableByDef(FDatabaseName, Bare, Made.Pattern, TTableScriptPart::Table);
     Transaction.Commit();
@@ -98,24 +99,41 @@ void TTableMaker::Check(const std::string& Name) {
 }
 
 void TTableMaker::Complete(const TFailed& Failed) {
-  BeginCompleting(FMade);
-  std::erase_if(FMade, [](const TMade& Made) { return Made.IsLost; });
-  const auto EachOf = [&](auto Step) {
-    for (const TMade& Made : FMade) {
-      if (FOperation.IsCanceled()) throw EAbort("cancelled");
-      try {
-        TTransaction Transaction(FDatabaseName);
-        Step(Made);
-        Transaction.Commit();
-      } catch (const std::exception& Error) {
-        Failed(Made.Description.FullName(), Error);
-      }
-    }
-  };
-  EachOf([this](const TMade& Made) { Dictionary().CreateIndexesByDef(FDatabaseName, Made.Description); });
-  EachOf([this](const TMade& Made) {
-    Dictionary().CreateTableByDef(FDatabaseName, Made.Description, Made.Pattern, TTableScriptPart::Rest);
+  std::erase_if(FMade, [this](const TMade& Made) {
+    const bool Goes = IsUseless(Made.Description);
+    if (Goes) Drop(Made);
+    return Goes;
   });
+  CompleteEach(Failed, &TTableMaker::MakeIndexes);
+  CompleteEach(Failed, &TTableMaker::MakeRest);
+}
+
+void TTableMaker::CompleteEach(const TFailed& Failed, void (TTableMaker::*Step)(const TMade&)) {
+  std::erase_if(FMade, [&](const TMade& Made) {
+    if (FOperation.IsCanceled()) throw EAbort("cancelled");
+    try {
+      TTransaction Transaction(FDatabaseName);
+      (this->*Step)(Made);
+      Transaction.Commit();
+      return false;
+    } catch (const std::exception& Error) {
+      Failed(Made.Description.FullName(), Error);
+    }
+    Drop(Made);
+    return true;
+  });
+}
+
+void TTableMaker::MakeIndexes(const TMade& Made) { Dictionary().CreateIndexesByDef(FDatabaseName, Made.Description); }
+
+void TTableMaker::MakeRest(const TMade& Made) {
+  Dictionary().CreateTableByDef(FDatabaseName, Made.Description, Made.Pattern, TTableScriptPart::Rest);
+}
+
+void TTableMaker::Drop(const TMade& Made) {
+  TTransaction Transaction(FDatabaseName);
+  Dictionary().DropTable(FDatabaseName, Made.Description);
+  Transaction.Commit();
 }
 
 }  // namespace velkrund

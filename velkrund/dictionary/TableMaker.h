@@ -12,7 +12,8 @@ namespace velkrund {
 
 /// Makes missing tables by the data dictionary, asked once with the list of them: before the rows fields and keys,
 /// behind them the indexes of all, then foreign keys, triggers and comments. A table that needs another one, whose part
-/// it is, waits for that. Each step of a table is a transaction of its own, or a part of one.
+/// it is, waits for that. Each step of a table is a transaction of its own, or a part of one. A table that cannot be
+/// completed, where the others are gone on with, is dropped again.
 class TTableMaker : public TMissingTables {
  public:
   /// Operation: borrowed, whose cancel is obeyed.
@@ -27,22 +28,28 @@ class TTableMaker : public TMissingTables {
   struct TMade {
     TDicTableDescription Description;
     std::string Pattern;
-    bool IsLost = false;  // a host has dropped it again
   };
 
   /// Whether those may be made; by default a person is asked.
   virtual bool MayMake(const std::vector<TDicTableDescription>& Tables);
   /// Whether that one may be made, whose name may be too long for some engine; by default a person is asked.
   virtual bool MayGoByName(const TDicTableDescription& Table);
-  /// Before the tables that were made are completed.
-  virtual void BeginCompleting(std::vector<TMade>& /*Made*/) {}
+  /// A host's last word on what is made of a table.
+  virtual void Prepare(TDicTableDescription& /*Table*/) {}
   virtual void HasMade(const TDicTableDescription& /*Table*/) {}
+  /// Whether a table that was made is of no use, since its rows did not come into it: it is dropped, not completed.
+  virtual bool IsUseless(const TDicTableDescription& /*Table*/) { return false; }
+  /// Foreign keys, triggers, comments. Made: as it was prepared.
+  virtual void MakeRest(const TMade& Made);
 
   const std::string& DatabaseName() const { return FDatabaseName; }
 
  private:
   std::vector<TDicTableDescription> Missing(const std::vector<std::string>& Names);
   void MakeAll(std::vector<TDicTableDescription> Tables);
+  void CompleteEach(const TFailed& Failed, void (TTableMaker::*Step)(const TMade&));
+  void MakeIndexes(const TMade& Made);
+  void Drop(const TMade& Made);
   bool MakeOne(const TDicTableDescription& Table);
   void Decline(const TDicTableDescription& Table);
 

@@ -138,6 +138,7 @@ void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Containe
 void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::string& Name,
                           const TEISection& Section) {
   if (Container.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type)) return;
+  Host().NotCreated(Name, Type);
   WriteLog(TTraceLevel::Error, Format("'%s' (type %d) is stored as a structure only: the application has nothing that "
                                       "creates objects of this type in the database",
                                       Name, Type));

@@ -11,9 +11,13 @@ namespace {
 const std::map<std::string_view, std::string_view> OptionNames = {
     {"AllowLoss", "--allow-loss"},
     {"ClearRoot", "--no-clear-root"},
+    {"AllowMissing", "--allow-missing"},
     {"CreateDatabase", "--create"},
+    {"CreateTables", "--create-tables"},
     {"DatabaseName", "--database"},
+    {"Columns", "--columns"},
     {"Encoding", "--encoding"},
+    {"Engine", "--engine"},
     {"ExistingSections", "--overwrite"},
     {"ExistingStructures", "--overwrite yes"},
     {"Fields", "--fields"},
@@ -32,6 +36,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"ReleaseVersion", "--release"},
     {"RepeatedTables", "--repeated-tables"},
     {"RootNode", "--root"},
+    {"Structures", "--structures"},
     {"SectionName", "--section"},
     {"Sections", "--section"},
     {"TableName", "--table"},
@@ -49,6 +54,8 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
       return "--overwrite yes to replace them, or --overwrite no to leave them out";
     case TPolicy::OnError:
       return "--on-error continue or --on-error stop";
+    case TPolicy::CreateTables:
+      return "--create-tables yes to make them, or --create-tables no to leave them out";
     case TPolicy::Yes:
       break;
   }

@@ -20,6 +20,8 @@ inline constexpr std::uint32_t MB_YESNO = 4;
 inline constexpr std::uint32_t MB_ICONQUESTION = 0x20;
 inline constexpr std::uint32_t MB_ICONWARNING = 0x30;
 inline constexpr std::uint32_t MB_ICONINFORMATION = 0x40;
+/// The second button is what goes without saying: Yes cancels, stops or drops.
+inline constexpr std::uint32_t MB_DEFBUTTON2 = 0x100;
 inline constexpr int IDOK = mrOk;
 inline constexpr int IDCANCEL = mrCancel;
 inline constexpr int IDYES = mrYes;

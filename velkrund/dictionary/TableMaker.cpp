@@ -3,6 +3,7 @@
 #include <set>
 
 #include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/NameLengths.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/database/Transaction.h"
@@ -48,7 +49,9 @@ bool TTableMaker::MayMake(const std::vector<TDicTableDescription>& Tables) {
          IDYES;
 }
 
-bool TTableMaker::MayGoByName(const TDicTableDescription&) { return true; }
+bool TTableMaker::MayGoByName(const TDicTableDescription& Table) {
+  return !AskCancelCreateLongNameTable(Table.FullName(), FDatabaseName);
+}
 
 void TTableMaker::Decline(const TDicTableDescription& Table) {
   FFailed[LowerCase(Table.FullName())] =

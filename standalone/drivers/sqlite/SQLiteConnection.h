@@ -47,7 +47,7 @@ class TSQLiteConnection final : public TConnection {
   const TSQLiteDialect FDialect;
   const TSQLiteScriptWriter FScripts;
   TSQLiteSchemaReader FSchema{FDatabase.Handle(), FCapabilities};
-  TSQLiteDefinitionReader FDefinitions{FDatabase.Handle()};
+  TSQLiteDefinitionReader FDefinitions{FDatabase, FSchema};
   TSQLiteRowAccess FRows{FDatabase, FSchema, FCapabilities.ReadOnly};
 };
 

@@ -1,15 +1,19 @@
 #pragma once
 
 #include "standalone/drivers/Definitions.h"
-
-struct sqlite3;
+#include "standalone/drivers/sqlite/SQLiteDatabase.h"
+#include "standalone/drivers/sqlite/SQLiteSchemaReader.h"
 
 namespace velkrund {
 
+/// The engine has neither generators nor procedures.
 class TSQLiteDefinitionReader final : public TDefinitionReader {
  public:
-  explicit TSQLiteDefinitionReader(sqlite3* Database) : FDatabase(Database) {}
+  /// Both outlive it.
+  TSQLiteDefinitionReader(TSQLiteDatabase& Database, TSQLiteSchemaReader& Schema)
+      : FDatabase(Database), FSchema(Schema) {}
 
+  /// A text index comes behind its table.
   std::vector<TDefinedObject> Objects() override;
   TDicTableDescription Table(const TTableInfo& Table, const TDescribeOptions& Options) override;
   TDicViewDescription View(const TTableInfo& View) override;
@@ -19,7 +23,15 @@ class TSQLiteDefinitionReader final : public TDefinitionReader {
   std::vector<std::string> LeftBehind() override;
 
  private:
-  sqlite3* const FDatabase;
+  struct TKept {
+    std::string Type, Name, Statement;
+  };
+  std::vector<TKept> Kept(const std::string& Name);
+  bool KeyIsRowNumber(const TTableDescription& Table);
+  void ResolveReferences(TDicTableDescription& Table);
+
+  TSQLiteDatabase& FDatabase;
+  TSQLiteSchemaReader& FSchema;
 };
 
 }  // namespace velkrund

@@ -3,72 +3,33 @@
 
 #include "standalone/drivers/sqlite/SQLiteVirtualTable.h"
 
-#include <algorithm>
 #include <map>
-#include <optional>
 #include <vector>
 
+#include "standalone/drivers/sqlite/SQLiteTokens.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 namespace {
 
-/// What ends a text that begins with the character; 0: it begins none.
-char ClosingQuote(char Opening) {
-  if (Opening == '[') return ']';
-  return Opening == '\'' || Opening == '"' || Opening == '`' ? Opening : '\0';
-}
-
-/// The place behind the quoted text that begins at Start.
-std::size_t BehindQuoted(std::string_view Text, std::size_t Start) {
-  const char Quote = ClosingQuote(Text[Start]);
-  for (std::size_t At = Start + 1; At < Text.size(); ++At) {
-    if (Text[At] != Quote) continue;
-    if (Quote == ']' || At + 1 == Text.size() || Text[At + 1] != Quote) return At + 1;
-    ++At;
-  }
-  return Text.size();
-}
-
-std::string Unquoted(std::string_view Text) {
-  if (Text.empty() || ClosingQuote(Text.front()) == '\0') return std::string(Text);
-  const char Quote = ClosingQuote(Text.front());
-  std::string Result;
-  for (std::size_t At = 1; At + 1 < Text.size(); ++At) {
-    Result += Text[At];
-    if (Text[At] == Quote && Text[At + 1] == Quote) ++At;
-  }
-  return Result;
-}
-
-/// Takes a name or word off the front of Text, quoted or up to a blank or a bracket.
-std::string TakeWord(std::string_view& Text) {
-  Text.remove_prefix(std::min(Text.find_first_not_of(" \t\r\n\f"), Text.size()));
-  std::size_t End = std::min(Text.find_first_of(" \t\r\n\f("), Text.size());
-  if (!Text.empty() && ClosingQuote(Text.front()) != '\0') End = BehindQuoted(Text, 0);
-  std::string Result = Unquoted(Text.substr(0, End));
-  Text.remove_prefix(End);
-  return Result;
-}
-
+/// What stands between the commas of the first pair of brackets.
 std::vector<std::string_view> Arguments(std::string_view Text) {
   std::vector<std::string_view> Result;
   int Depth = 0;
   std::size_t Start = 0;
-  for (std::size_t At = 0; At < Text.size();) {
-    const char C = Text[At];
-    if (ClosingQuote(C) != '\0') {
-      At = BehindQuoted(Text, At);
-      continue;
+  for (const TSQLiteToken& Token : SQLiteTokens(Text)) {
+    if (Token.IsSymbol('(') && ++Depth == 1) Start = Token.Behind();
+    if ((Token.IsSymbol(',') && Depth == 1) || (Token.IsSymbol(')') && --Depth == 0)) {
+      Result.push_back(Text.substr(Start, Token.Start - Start));
+      Start = Token.Behind();
     }
-    if (C == '(' && ++Depth == 1) Start = At + 1;
-    if ((C == ',' && Depth == 1) || (C == ')' && --Depth == 0)) {
-      Result.push_back(Text.substr(Start, At - Start));
-      Start = At + 1;
-    }
-    ++At;
   }
   return Result;
+}
+
+std::string Unquoted(std::string_view Text) {
+  const TSQLiteToken First = SQLiteTokens(Text).front();
+  return First.Behind() == Text.size() ? First.Name() : std::string(Text);
 }
 
 /// The options among the arguments, by key in lower case.
@@ -86,10 +47,11 @@ std::map<std::string, std::string> Options(std::string_view Text) {
 
 TSQLiteVirtualTable ReadVirtualTable(std::string_view Declaration) {
   TSQLiteVirtualTable Result;
-  for (int Word = 0; Word < 3; ++Word) TakeWord(Declaration);  // CREATE VIRTUAL TABLE
-  TakeWord(Declaration);
-  TakeWord(Declaration);  // USING
-  const std::string Module = LowerCase(TakeWord(Declaration));
+  constexpr std::size_t PlaceOfModule = 5;  // CREATE VIRTUAL TABLE name USING module
+  const std::vector<TSQLiteToken> Tokens = SQLiteTokens(Declaration);
+  if (Tokens.size() <= PlaceOfModule) return Result;
+  Result.Using = Declaration.substr(Tokens[PlaceOfModule - 1].Start);
+  const std::string Module = LowerCase(Tokens[PlaceOfModule].Name());
   const bool IsSpatial = Module == "rtree" || Module == "rtree_i32";
   if (!IsSpatial && Module != "fts3" && Module != "fts4" && Module != "fts5") return Result;
   Result.Kind = TTableKind::Extension;

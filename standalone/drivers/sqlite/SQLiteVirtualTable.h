@@ -11,6 +11,7 @@ namespace velkrund {
 /// with the words to search for (modules fts3, fts4, fts5) and boxes (rtree).
 struct TSQLiteVirtualTable {
   TTableKind Kind = TTableKind::Computed;
+  std::string Using;           // the declaration from USING on
   std::string Source;          // of an index of words: the table or view that has the texts
   std::string LanguageColumn;  // a hidden column that belongs to the rows; empty: none
   bool HasRowNumbers = false;  // rows go by a number that no column shows; otherwise, if they move, by the first column

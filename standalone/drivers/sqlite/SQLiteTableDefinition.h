@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "standalone/drivers/Schema.h"
+#include "standalone/drivers/sqlite/SQLiteTableDeclaration.h"
+
+namespace velkrund {
+
+/// The default that stands for UUID, of which the engine has no function.
+extern const std::string_view SQLiteUuidDefault;
+
+/// Makes the description of a table out of what the engine knows of it and of the texts that it keeps.
+class TSQLiteTableDefinition {
+ public:
+  explicit TSQLiteTableDefinition(const TTableDescription& Known);
+
+  /// KeyIsRowNumber: the primary key has no index of its own. Raises EDatabaseError when the declaration says otherwise
+  /// than the engine.
+  void AddDeclaration(TSQLiteTableDeclaration Declaration, bool KeyIsRowNumber);
+  /// Using: the declaration of a virtual table from USING on.
+  void AddVirtual(const std::string& Using);
+  void AddIndex(const std::string& Name, const std::string& Statement);
+  void AddTrigger(const std::string& Name, const std::string& Statement);
+
+  /// Indexes are in the order of their names.
+  TDicTableDescription Take();
+
+ private:
+  TDicField FieldOf(const TColumnInfo& Column) const;
+  void AddColumn(const TColumnInfo& Known, const TSQLiteColumnDeclaration& Declared);
+  std::optional<std::string> Neutral(std::string_view Text) const;
+  std::optional<std::string> ColumnName(std::string_view Name) const;
+
+  const TTableDescription& FKnown;
+  TDicTableDescription FResult;
+};
+
+/// A trigger as descriptions keep it.
+TDicTrigger SQLiteTrigger(const std::string& Name, const std::string& Statement);
+/// The lines of a text, without the line feeds between them; and back.
+std::vector<std::string> SplitLines(std::string_view Text);
+std::string JoinedLines(const std::vector<std::string>& Lines);
+
+}  // namespace velkrund

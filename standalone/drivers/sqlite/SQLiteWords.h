@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "standalone/drivers/NeutralExpression.h"
+#include "velkrund/platform/dictionary/EngineWords.h"
+
+namespace velkrund {
+
+/// How the engine writes what is neutral.
+const TExpressionWords& SQLiteExpressionWords();
+
+/// The words of another engine, and its name for people; null when there are none.
+struct TForeignWords {
+  const TDicWords* Words = nullptr;
+  std::string Engine = {};
+};
+TForeignWords ForeignWords(const TDicEngineWords& Words);
+
+/// The pattern with {table}, {items} and {words} filled in. Raises EDatabaseError for others, and where the first two
+/// are missing.
+std::string FilledPattern(const std::string& Pattern, const std::string& Table, const std::string& Items,
+                          const std::string& Words);
+
+}  // namespace velkrund

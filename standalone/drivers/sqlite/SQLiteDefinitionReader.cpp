@@ -85,6 +85,7 @@ TDicTableDescription TSQLiteDefinitionReader::Table(const TTableInfo& Table, con
       Definition.AddVirtual(ReadVirtualTable(Item.Statement).Using);
   }
   TDicTableDescription Result = Definition.Take();
+  if (Result.Fields.empty()) throw EDatabaseError(Format("Cannot describe '%s': it is no table", Table.Name));
   ResolveReferences(Result);
   if (Options.ScanColumns) ScanColumns(FDatabase, Known, Result);
   return Result;

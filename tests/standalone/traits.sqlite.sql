@@ -34,7 +34,7 @@ ALTER TABLE altered RENAME COLUMN b TO "new b";
 ALTER TABLE altered DROP COLUMN gone;
 ALTER TABLE altered RENAME TO "altered twice";
 CREATE INDEX by_names ON plain (b, c DESC);
-CREATE UNIQUE INDEX "by ""part" ON plain (d) WHERE c > 0;
+CREATE UNIQUE INDEX "by ""part" ON PLAIN (d) WHERE c > 0;
 CREATE INDEX by_expression ON plain (a + c, lower(b) DESC);
 CREATE INDEX by_own_expression ON plain (b || d, c);
 CREATE INDEX by_collation ON plain (b COLLATE NOCASE DESC, "d" COLLATE BINARY);
@@ -43,7 +43,7 @@ CREATE TRIGGER z_first AFTER UPDATE OF b, "c" ON plain WHEN NEW.b IS NOT OLD.b B
   UPDATE plain SET a = 'ON' WHERE c = NEW.c;  -- a comment; END
   SELECT CASE WHEN 1 THEN RAISE(IGNORE) END;
 END;
-CREATE TRIGGER a_second BEFORE DELETE ON "plain" FOR EACH ROW BEGIN SELECT 1; END;
+CREATE TRIGGER a_second BEFORE DELETE ON "Plain" FOR EACH ROW BEGIN SELECT 1; END;
 CREATE VIRTUAL TABLE words USING fts5(title, body, tokenize = 'porter unicode61');
 CREATE TABLE zz_notes (id INTEGER PRIMARY KEY, body TEXT);
 CREATE VIRTUAL TABLE over_notes USING fts4(content="zz_notes", body);

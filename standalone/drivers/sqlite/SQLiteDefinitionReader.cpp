@@ -63,7 +63,7 @@ void TSQLiteDefinitionReader::ResolveReferences(TDicTableDescription& Table) {
     const std::vector<TSQLiteListedTable>& All = FSchema.Memory().Now().Tables;
     const auto Found = std::find_if(All.begin(), All.end(),
                                     [&](const TSQLiteListedTable& One) { return SameSQLiteName(One.Name, Key.Table); });
-    if (Found == All.end()) continue;
+    if (Found == All.end() || Found->Type == "view") continue;
     Key.Table = Found->Name;
     const TTableDescription Other = FSchema.Describe({Key.Table, {}});
     for (TDicForeignKey::TPair& Pair : Key.Columns)

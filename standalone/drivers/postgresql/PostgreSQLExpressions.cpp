@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
 
 namespace velkrund {
 namespace {
@@ -37,6 +37,8 @@ std::optional<std::string> TPostgreSQLExpressions::ColumnNamed(std::string_view 
 bool TPostgreSQLExpressions::ChangesColumn(const std::string& Text) const {
   for (const TExpressionColumn& Column : FColumns)
     for (std::size_t At = Text.find(Column.Quoted); At != std::string::npos; At = Text.find(Column.Quoted, At + 1)) {
+      // In "beta" there is no "a".
+      if (At > 0 && (IsNameCharacter(Text[At - 1]) || Text[At - 1] == '"')) continue;
       std::string_view Rest = std::string_view(Text).substr(At + Column.Quoted.size());
       if (Rest.starts_with(')')) Rest.remove_prefix(1);
       if (!Rest.starts_with("::")) continue;
@@ -67,18 +69,6 @@ std::optional<std::string> TPostgreSQLExpressions::Default(const std::string& Te
   };
   return NeutralDefault(Text, Field,
                         {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
-}
-
-const TExpressionWords& PostgreSQLExpressionWords() {
-  static const TExpressionWords Result = {
-      .Quoted = [](std::string_view Name) { return QuoteStandardName(Name); },
-      .Bytes = [](std::string_view Hexadecimal) { return "'\\x" + std::string(Hexadecimal) + "'::bytea"; },
-      .Now = "CURRENT_TIMESTAMP",
-      .Today = "CURRENT_DATE",
-      .Time = "LOCALTIME",
-      .Uuid = "gen_random_uuid()",
-  };
-  return Result;
 }
 
 }  // namespace velkrund

@@ -32,7 +32,4 @@ class TPostgreSQLExpressions {
   std::vector<TExpressionColumn> FColumns;
 };
 
-/// How the engine writes neutral expressions and defaults.
-const TExpressionWords& PostgreSQLExpressionWords();
-
 }  // namespace velkrund

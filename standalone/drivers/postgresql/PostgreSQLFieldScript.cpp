@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "standalone/drivers/Dialect.h"
-#include "standalone/drivers/postgresql/PostgreSQLExpressions.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 #include "standalone/drivers/postgresql/PostgreSQLScript.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -90,7 +90,8 @@ class TFieldScript {
     if (const std::string* Base = OwnPart("Base"); Base && Base->find(" DEFAULT ") != std::string::npos) return {};
     if (FField.Default) {
       if (const auto Words = DefaultWords(*FField.Default, FField.Type)) return " DEFAULT " + *Words;
-      FScript.Lack("defaults", "the default of " + What(), "PostgreSQL has no words for it");
+      FScript.Lack("defaults", "the default of " + What(),
+                   Format("PostgreSQL takes no %s for its type", *FField.Default));
     } else if (OthersPart(FField.Words, "Default")) {
       FScript.Lack("defaults", "the default of " + What(), "its text is another engine's alone");
     }
@@ -102,7 +103,7 @@ class TFieldScript {
     if (const std::string* Own = OwnPart("Computed"))
       Expression = *Own;
     else if (!FField.Computed->empty())
-      Expression = ExpressionIn(*FField.Computed, PostgreSQLExpressionWords());
+      Expression = ConditionWords(*FField.Computed, FTable.Fields);
     if (!Expression) {
       FScript.Lack("computed", "how " + What() + " is computed", "its text is another engine's alone");
       return {};

@@ -31,12 +31,12 @@ std::size_t EndOfQuoted(std::string_view Text, std::size_t From) {
   return Text.size();
 }
 
+}  // namespace
+
 bool IsNameCharacter(char C) {
   return (C >= 'a' && C <= 'z') || (C >= 'A' && C <= 'Z') || (C >= '0' && C <= '9') || C == '_' || C == '$' ||
          (static_cast<unsigned char>(C) & 0x80U) != 0;
 }
-
-}  // namespace
 
 void CheckPostgreSQLName(std::string_view Name, std::string_view What) {
   std::string_view Fault;

@@ -15,6 +15,8 @@ std::string GivenPostgreSQLName(std::string_view First, std::string_view Second,
 /// Several columns, as the second part of such a name.
 std::string NamesInName(const std::vector<std::string>& Names);
 
+/// Of a name without quotes.
+bool IsNameCharacter(char C);
 /// Where the name that starts at From ends, which may be quoted and have a schema before it.
 std::size_t EndOfPostgreSQLName(std::string_view Text, std::size_t From = 0);
 /// The names of a list with commas.

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "standalone/drivers/Dialect.h"
-#include "standalone/drivers/postgresql/PostgreSQLExpressions.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -89,14 +88,6 @@ std::string CounterWords(const TDicCounter& Counter, const std::string& What) {
   Put(" START WITH ", Counter.Start);
   if (Counter.Cycle) Result += " CYCLE";
   return Result;
-}
-
-std::optional<std::string> DefaultWords(const std::string& Neutral, TDicFieldType Type) {
-  // Engines without a type of their own for it have truth as a number.
-  const bool IsWhole = Type == TDicFieldType::Int16 || Type == TDicFieldType::Int32 || Type == TDicFieldType::Int64;
-  if (Type == TDicFieldType::Boolean && (Neutral == "0" || Neutral == "1")) return Neutral == "1" ? "TRUE" : "FALSE";
-  if (IsWhole && (Neutral == "TRUE" || Neutral == "FALSE")) return Neutral == "TRUE" ? "1" : "0";
-  return ExpressionIn(Neutral, PostgreSQLExpressionWords());
 }
 
 }  // namespace velkrund

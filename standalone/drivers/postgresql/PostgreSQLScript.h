@@ -33,8 +33,6 @@ const std::vector<std::string>* OthersLines(const TDicEngineWords& Words);
 
 /// How a counter counts, each word with a blank before it. Raises EDatabaseError for what is no number of 64 bits.
 std::string CounterWords(const TDicCounter& Counter, const std::string& What);
-/// A default in the engine's words; nothing where it has none.
-std::optional<std::string> DefaultWords(const std::string& Neutral, TDicFieldType Type);
 
 /// A field of a table as it stands between the parentheses; into Script what the table needs before and, into After,
 /// behind it.

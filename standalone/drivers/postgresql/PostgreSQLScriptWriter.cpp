@@ -3,6 +3,7 @@
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 #include "standalone/drivers/postgresql/PostgreSQLScript.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -1,6 +1,6 @@
 #include "standalone/drivers/Dialect.h"
-#include "standalone/drivers/postgresql/PostgreSQLExpressions.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 #include "standalone/drivers/postgresql/PostgreSQLScript.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -157,8 +157,7 @@ class TTableScript {
     if (const TDicWords* Own = OwnWords(Check.Words); Own && Own->Text)
       return Name + (Own->Text->starts_with("EXCLUDE ") ? "" : "CHECK ") + *Own->Text;
     if (Check.Text)
-      if (const auto Words = ExpressionIn(*Check.Text, PostgreSQLExpressionWords()))
-        return Name + "CHECK (" + *Words + ")";
+      if (const auto Words = ConditionWords(*Check.Text, FTable.Fields)) return Name + "CHECK (" + *Words + ")";
     FScript.Lack("checks", Of("the check", Check.Name), "its text is another engine's alone");
     return {};
   }
@@ -222,7 +221,7 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLNam
     for (const TDicColumn& Column : Index.Columns) {
       if (!IsNeutral) break;
       std::optional<std::string> Words = QuoteStandardName(Column.Name);
-      if (Column.Expression) Words = ExpressionIn(Column.Name, PostgreSQLExpressionWords());
+      if (Column.Expression) Words = ConditionWords(Column.Name, {});
       IsNeutral = Words.has_value();
       if (!IsNeutral) break;
       if (Column.Expression) Words = "(" + *Words + ")";

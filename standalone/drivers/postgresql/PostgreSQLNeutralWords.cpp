@@ -1,6 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/NeutralExpression.h"
@@ -39,7 +40,25 @@ std::optional<std::string_view> TextLiteral(std::string_view Neutral) {
   return Neutral.substr(1, Neutral.size() - 2);
 }
 
+/// Whether the calendar has the day that Text, in ISO form, begins with.
+bool HasCalendarDay(std::string_view Text) {
+  const std::size_t Mark = Text.find('-', 1);
+  if (Mark == std::string_view::npos || Text.size() < Mark + 6) return Text.find("infinity") != std::string_view::npos;
+  const auto Year = StrToInt32(Text.substr(0, Mark));
+  const auto Month = StrToInt32(Text.substr(Mark + 1, 2));
+  const auto Day = StrToInt32(Text.substr(Mark + 4, 2));
+  // The calendar repeats itself after 400 years; there is no year 0.
+  constexpr int Cycle = 400;
+  return Year && Month && Day && *Year > 0 &&
+         std::chrono::year_month_day(std::chrono::year(*Year % Cycle),
+                                     std::chrono::month(static_cast<unsigned>(*Month)),
+                                     std::chrono::day(static_cast<unsigned>(*Day)))
+             .ok();
+}
+
 bool IsMoment(TDicFieldType Type, std::string_view Text) {
+  const bool IsTime = Type == TDicFieldType::Time || Type == TDicFieldType::ZonedTime;
+  if (!IsTime && !HasCalendarDay(Text)) return false;
   switch (Type) {
     case TDicFieldType::Date:
       return IsPostgreSQLDate(Text);

@@ -10,6 +10,18 @@ namespace velkrund {
 template <typename T>
 using TWords = std::span<const std::string_view>;
 
+// By the numbers of the enumerations.
+inline constexpr std::array<std::string_view, 23> FieldTypeWords = {
+    "Any",      "Int16",         "Int32",     "Int64",       "UInt64", "Real32", "Real64", "Decimal",
+    "Money",    "Boolean",       "String",    "FixedString", "Bytes",  "Date",   "",       "Time",
+    "DateTime", "ZonedDateTime", "ZonedTime", "Interval",    "Uuid",   "Json",   "Other"};
+inline constexpr std::array<std::string_view, 4> AutoKeyWords = {"None", "Always", "ByDefault", "RowNumber"};
+inline constexpr std::array<std::string_view, 3> DeferrableWords = {"No", "Immediate", "Deferred"};
+inline constexpr std::array<std::string_view, 5> KeyActionWords = {"NoAction", "Cascade", "SetNull", "SetDefault",
+                                                                   "Restrict"};
+inline constexpr std::array<std::string_view, 2> MatchWords = {"Simple", "Full"};
+inline constexpr std::array<std::string_view, 3> ParameterModeWords = {"In", "Out", "InOut"};
+
 /// Engines whose own words structures keep.
 inline constexpr std::array<std::string_view, 3> EngineNames = {"sqlite", "postgresql", "odbc"};
 

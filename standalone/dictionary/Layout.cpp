@@ -16,17 +16,6 @@ namespace {
 
 constexpr int Layout = 1;
 
-// By the numbers of the enumerations.
-constexpr std::array<std::string_view, 23> Types = {
-    "Any",      "Int16",         "Int32",     "Int64",       "UInt64", "Real32", "Real64", "Decimal",
-    "Money",    "Boolean",       "String",    "FixedString", "Bytes",  "Date",   "",       "Time",
-    "DateTime", "ZonedDateTime", "ZonedTime", "Interval",    "Uuid",   "Json",   "Other"};
-constexpr std::array<std::string_view, 4> AutoKeys = {"None", "Always", "ByDefault", "RowNumber"};
-constexpr std::array<std::string_view, 3> Deferrables = {"No", "Immediate", "Deferred"};
-constexpr std::array<std::string_view, 5> Actions = {"NoAction", "Cascade", "SetNull", "SetDefault", "Restrict"};
-constexpr std::array<std::string_view, 2> Matches = {"Simple", "Full"};
-constexpr std::array<std::string_view, 3> Modes = {"In", "Out", "InOut"};
-
 constexpr std::string_view Lines = "Lines";
 constexpr std::string_view Enumeration = "Enum";
 
@@ -41,7 +30,7 @@ void WalkCounter(TWalk& Walk, TCounter& Counter) {
 
 template <typename TWalk, typename TField>
 void WalkType(TWalk& Walk, TField& Field) {
-  Walk.template Word<TDicFieldType>("Type", Field.Type, Types, std::nullopt);
+  Walk.template Word<TDicFieldType>("Type", Field.Type, FieldTypeWords, std::nullopt);
   Walk.Number("Size", Field.Size);
   Walk.Number("Scale", Field.Scale);
 }
@@ -54,7 +43,7 @@ void WalkField(TWalk& Walk, TField& Field) {
   Walk.Text("Comment", Field.Comment);
   Walk.Text("Default", Field.Default);
   const bool Counts = Field.Auto != TDicAutoKey::None || Field.Counter != TDicCounter() || !Field.Owned.empty();
-  Walk.template Below<TDicAutoKey>("Auto", Field.Auto, AutoKeys, Counts, [&](auto& Below) {
+  Walk.template Below<TDicAutoKey>("Auto", Field.Auto, AutoKeyWords, Counts, [&](auto& Below) {
     WalkCounter(Below, Field.Counter);
     Below.Text("Owned", Field.Owned);
   });
@@ -80,7 +69,7 @@ void WalkKeys(TWalk& Walk, TKeys& Keys) {
     if constexpr (std::remove_reference_t<decltype(Item)>::Reads) Key.Primary = Item.IsOf("Primary");
     Item.Own(Key.Name);
     WalkColumns(Item, Key.Columns);
-    Item.template Word<TDicDeferrable>("Deferrable", Key.Deferrable, Deferrables, TDicDeferrable::No);
+    Item.template Word<TDicDeferrable>("Deferrable", Key.Deferrable, DeferrableWords, TDicDeferrable::No);
     Item.EngineWords(Key.Words, Lines);
   });
 }
@@ -104,10 +93,10 @@ void WalkForeignKey(TWalk& Walk, TKey& Key) {
     Item.Own(Pair.Column);
     Item.Text("To", Pair.To);
   });
-  Walk.template Word<TDicKeyAction>("OnDelete", Key.OnDelete, Actions, TDicKeyAction::NoAction);
-  Walk.template Word<TDicKeyAction>("OnUpdate", Key.OnUpdate, Actions, TDicKeyAction::NoAction);
-  Walk.template Word<bool>("Match", Key.MatchFull, Matches, false);
-  Walk.template Word<TDicDeferrable>("Deferrable", Key.Deferrable, Deferrables, TDicDeferrable::No);
+  Walk.template Word<TDicKeyAction>("OnDelete", Key.OnDelete, KeyActionWords, TDicKeyAction::NoAction);
+  Walk.template Word<TDicKeyAction>("OnUpdate", Key.OnUpdate, KeyActionWords, TDicKeyAction::NoAction);
+  Walk.template Word<bool>("Match", Key.MatchFull, MatchWords, false);
+  Walk.template Word<TDicDeferrable>("Deferrable", Key.Deferrable, DeferrableWords, TDicDeferrable::No);
   Walk.Flag("NotChecked", Key.NotChecked);
   Walk.EngineWords(Key.Words, Lines);
 }
@@ -158,7 +147,7 @@ void WalkView(TWalk& Walk, TView& View) {
 template <typename TWalk, typename TParameter>
 void WalkParameter(TWalk& Walk, TParameter& Parameter) {
   Walk.Own(Parameter.Name);
-  Walk.template Word<TDicParameterMode>("Mode", Parameter.Mode, Modes, TDicParameterMode::In);
+  Walk.template Word<TDicParameterMode>("Mode", Parameter.Mode, ParameterModeWords, TDicParameterMode::In);
   WalkType(Walk, Parameter);
   Walk.Text("Default", Parameter.Default);
   Walk.EngineWords(Parameter.Words, Enumeration);

@@ -24,8 +24,8 @@ class SQLiteDefinitionsTest : public SQLiteFixture {
     const std::string Path = Folder / Name;
     sqlite3* Database = nullptr;
     sqlite3_open(Path.c_str(), &Database);
-    EXPECT_EQ(sqlite3_exec(Database, Statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(Database);
+    const std::string All = "PRAGMA synchronous = OFF; PRAGMA journal_mode = OFF;" + Statements;
+    EXPECT_EQ(sqlite3_exec(Database, All.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(Database);
     sqlite3_close(Database);
     return Connect(Path);
   }
@@ -86,9 +86,153 @@ class SQLiteDefinitionsTest : public SQLiteFixture {
 
 TEST_F(SQLiteDefinitionsTest, EveryTraitComesBack) {
   const auto Source = Made("source", Traits());
-  const auto Target = Made("target", "");
+  const auto Target = Connect(":memory:");
   ExpectSame(*Source, *Target);
   EXPECT_EQ(Understood(*Source), Understood(*Target));
+}
+
+TEST_F(SQLiteDefinitionsTest, ObjectsAreThoseOfUsersInTheOrderInWhichTheyCanBeMade) {
+  Connection = Made("all", Traits() +
+                               "CREATE TABLE velkrund_catalogue (a); ANALYZE; PRAGMA user_version = 7;"
+                               "CREATE VIRTUAL TABLE seen USING fts5vocab(words, row);");
+  std::string Names;
+  for (const TDefinedObject& Object : Connection->Definitions().Objects()) Names += Object.Table.Name + "|";
+  EXPECT_EQ(
+      Names,
+      "altered twice|boxes|children|copied|counting_alias|descending|descending_alias|generated|late_key|no_rowid|"
+      "no_rowid_number|odd \"names\"|parents|plain|strict_one|strict_two|text_key|words|zz_notes|over_notes|"
+      "named columns|shown|");
+  EXPECT_THAT(Connection->Definitions().LeftBehind(),
+              testing::ElementsAre(HasSubstr("'seen'"), "user_version 7 of the database"));
+}
+
+/// What the description of one declared table makes again.
+TEST_F(SQLiteDefinitionsTest, DeclarationsAreMadeAgainInOneForm) {
+  struct TCase {
+    std::string Declared;  // of table t
+    std::string Made;      // between the brackets behind the table's name, in one line
+    std::string Words = "";
+  };
+  const TCase Cases[] = {
+      {"(a)", R"("a")"},
+      {"(a int, CONSTRAINT n PRIMARY KEY (A desc))", R"("a" int CONSTRAINT "n" PRIMARY KEY DESC)"},
+      {"(a INTEGER CONSTRAINT n PRIMARY KEY ASC ON CONFLICT ROLLBACK AUTOINCREMENT)",
+       R"("a" INTEGER CONSTRAINT "n" PRIMARY KEY ON CONFLICT ROLLBACK AUTOINCREMENT)"},
+      {"(a INTEGER, PRIMARY KEY (a AUTOINCREMENT))", R"("a" INTEGER PRIMARY KEY AUTOINCREMENT)"},
+      {"(a INTEGER PRIMARY KEY DESC)", R"("a" INTEGER PRIMARY KEY DESC)"},
+      {"(a UNIQUE ON CONFLICT ABORT, b CONSTRAINT c UNIQUE ON CONFLICT REPLACE, PRIMARY KEY (b, a))",
+       R"("a", "b", PRIMARY KEY ("b", "a"), UNIQUE ("a"), CONSTRAINT "c" UNIQUE ("b") ON CONFLICT REPLACE)"},
+      {"(a, b, UNIQUE ('a' COLLATE nocase, [b] DESC) ON CONFLICT IGNORE)",
+       R"("a", "b", UNIQUE ("a" COLLATE "nocase", "b" DESC) ON CONFLICT IGNORE)"},
+      {"(a TEXT CONSTRAINT x NOT NULL ON CONFLICT FAIL COLLATE \"rtrim\" DEFAULT ('b' || 'c'))",
+       R"("a" TEXT COLLATE "rtrim" NOT NULL ON CONFLICT FAIL DEFAULT ('b' || 'c'))"},
+      {"(a CONSTRAINT c CHECK (a > 1) CHECK (a <> ')' -- no )\n), CONSTRAINT lost, CHECK (a || 'x' != 'y' /* ( */ ))",
+       R"("a", CONSTRAINT "c" CHECK ("a" > 1), CHECK ("a" <> ')'), CHECK (a || 'x' != 'y'))"},
+      {"(a REFERENCES u, b REFERENCES \"u v\" (\"x\") ON UPDATE SET DEFAULT ON DELETE NO ACTION DEFERRABLE)",
+       R"("a", "b", FOREIGN KEY ("a") REFERENCES "u", FOREIGN KEY ("b") REFERENCES "u v" ("x") ON UPDATE SET DEFAULT )"
+       R"(DEFERRABLE)"},
+      {"(a, b, CONSTRAINT f FOREIGN KEY (B, a) REFERENCES T (a, B) MATCH full DEFERRABLE INITIALLY DEFERRED)",
+       R"("a", "b", CONSTRAINT "f" FOREIGN KEY ("b", "a") REFERENCES "t" ("a", "b") MATCH FULL DEFERRABLE INITIALLY DEFERRED)"},
+      {"(a GENERATED ALWAYS AS (b + 1) NOT NULL, b generated, c AS (b -- \n || 'x') STORED)",
+       R"("a" NOT NULL GENERATED ALWAYS AS ("b" + 1) VIRTUAL, "b" generated, "c" GENERATED ALWAYS AS (b -- )"
+       "\n || 'x') STORED"},
+      {"(a DEFAULT -1, b DEFAULT + 2, c DEFAULT NULL, d DEFAULT true, e DEFAULT 'it''s', f DEFAULT current_date)",
+       R"("a" DEFAULT -1, "b" DEFAULT 2, "c" DEFAULT NULL, "d" DEFAULT TRUE, "e" DEFAULT 'it''s', "f" DEFAULT CURRENT_DATE)"},
+      {"(a INT /* x */ NULL, b `my type` (3 , -4), c NOT NULL)", R"("a" INT, "b" `my type` (3 , -4), "c" NOT NULL)"},
+      {"(a TEXT, b INT, PRIMARY KEY (a)) STRICT, WITHOUT ROWID", R"("a" TEXT, "b" INT, PRIMARY KEY ("a"))",
+       " STRICT, WITHOUT ROWID"},
+  };
+  for (const TCase& Case : Cases) {
+    SCOPED_TRACE(Case.Declared);
+    Connection->Execute("DROP TABLE IF EXISTS t");
+    Connection->Execute("CREATE TABLE t " + Case.Declared);
+    EXPECT_EQ(OneLine(Connection->Scripts().Table(Connection->Definitions().Table({"t", {}}, {}), {},
+                                                  "{table}({items}){words}")),
+              "\"t\"(" + Case.Made + ")" + Case.Words);
+  }
+}
+
+/// A text that is cut off gives an error or a table, whatever the place.
+TEST_F(SQLiteDefinitionsTest, NoPieceOfADeclarationIsTakenForAWhole) {
+  Connection = Made("pieces", Traits());
+  const std::unique_ptr<TCursor> Kept = Connection->Query("SELECT type, sql FROM sqlite_schema WHERE sql IS NOT NULL");
+  TKvVariant Type;
+  TKvVariant Statement;
+  int Pieces = 0;
+  while (Kept->Next()) {
+    Kept->Read(0, Type);
+    Kept->Read(1, Statement);
+    const std::string_view Text = Statement.AsText();
+    if (Type.AsText() == "trigger" || Text.starts_with("CREATE VIRTUAL")) continue;
+    for (std::size_t Size = 0; Size < Text.size(); ++Size) {
+      const std::string Piece(Text.substr(0, Size));
+      const std::string Error = ErrorOf([&] {
+        if (Type.AsText() == "table") ReadTableDeclaration(Piece, "x");
+        if (Type.AsText() == "index") ReadIndexDeclaration(Piece, "x");
+        if (Type.AsText() == "view") ReadViewDeclaration(Piece, "x");
+      });
+      // The closing bracket, or the whole query, may stand before the end.
+      const bool MayBeWhole = Type.AsText() != "table" || Text.find(')', Size) == std::string_view::npos;
+      EXPECT_TRUE((MayBeWhole && Error == "no error") ||
+                  Error.starts_with("EDatabaseError: Cannot read the declaration of "))
+          << Piece << "\n"
+          << Error;
+      ++Pieces;
+    }
+  }
+  EXPECT_GT(Pieces, 1000);
+}
+
+TEST_F(SQLiteDefinitionsTest, ScannedTypesAreTheNarrowestThatHoldEveryCell) {
+  struct TCase {
+    std::string Declared, Cells;
+    TDicFieldType Type;
+    std::optional<int> Size = {};
+  };
+  using TType = TDicFieldType;
+  const TCase Cases[] = {
+      {"INTEGER", "1, NULL, -5", TType::Int64},
+      {"INTEGER", "NULL", TType::Int64},
+      {"INTEGER", "1, 'x'", TType::Any},
+      {"INTEGER", "'x'", TType::String},
+      {"", "1, 2.5", TType::Real64},
+      {"", "9007199254740993, 2.5", TType::Any},
+      {"", "x'00'", TType::Bytes},
+      {"", "x'00', 'x'", TType::Any},
+      {"TEXT", "x'00'", TType::Bytes},
+      {"VARCHAR(3)", "'abc', 'жжж'", TType::String, 3},
+      {"VARCHAR(3)", "'abcd'", TType::String},
+      {"BLOB(2)", "x'0102'", TType::Bytes, 2},
+      {"BLOB(2)", "x'010203'", TType::Bytes},
+      {"BOOLEAN", "0, 1", TType::Boolean},
+      {"BOOLEAN", "0, 2", TType::Int64},
+      {"BOOLEAN", "0, 'no'", TType::Any},
+      {"DATE", "'2024-02-29'", TType::Date},
+      {"DATE", "'2024-02-29', '2023-02-29'", TType::String},
+      {"DATE", "20240229", TType::Int64},
+      {"DECIMAL(5, 2)", "1.25, 7, -999.99", TType::Decimal, 5},
+      {"DECIMAL(5, 2)", "1.255", TType::Decimal},
+      {"DECIMAL(5, 2)", "1000", TType::Decimal},
+      {"DECIMAL(5, 2)", "1.00001", TType::Real64},
+      {"MONEY", "1.5, 'x'", TType::Any},
+      {"JSON TEXT", "'[1]'", TType::Json},
+      {"JSON TEXT", "'[1]', x'00'", TType::Any},
+  };
+  for (const TCase& Case : Cases) {
+    SCOPED_TRACE(Case.Declared + ": " + Case.Cells);
+    Connection->Execute("DROP TABLE IF EXISTS t");
+    Connection->Execute("CREATE TABLE t (c " + Case.Declared + ", d)");
+    for (std::size_t Start = 0; Start < Case.Cells.size();) {
+      const std::size_t End = std::min(Case.Cells.find(", ", Start), Case.Cells.size());
+      Connection->Execute("INSERT INTO t (c) VALUES (" + Case.Cells.substr(Start, End - Start) + ")");
+      Start = End + 2;
+    }
+    const TDicTableDescription Table = Connection->Definitions().Table({"t", {}}, {.ScanColumns = true});
+    EXPECT_EQ(Table.Fields[0].Type, Case.Type);
+    EXPECT_EQ(Table.Fields[0].Size, Case.Size);
+    EXPECT_EQ(Table.Fields[0].Words.at("sqlite").Text, Case.Declared);
+    EXPECT_EQ(Table.Fields[1].Type, TType::Any);
+  }
 }
 
 }  // namespace

@@ -12,6 +12,17 @@
 
 namespace velkrund::tests {
 
+/// The statements, the items of a table in one line, with "; " between two.
+inline std::string OneLine(const TScript& Script) {
+  std::string Result;
+  for (const TScriptStatement& Statement : Script.Statements) Result += (Result.empty() ? "" : "; ") + Statement.Text;
+  using TPair = std::pair<std::string, std::string>;
+  for (const auto& [Break, Instead] : {TPair{",\n  ", ", "}, TPair{"\n  ", ""}, TPair{"\n)", ")"}})
+    for (std::size_t At = 0; (At = Result.find(Break, At)) != std::string::npos;)
+      Result.replace(At, Break.size(), Instead);
+  return Result;
+}
+
 class SQLiteFixture : public testing::Test {
  protected:
   std::unique_ptr<TConnection> Connect(const std::string& Path, TConnectOptions Options = {.CreateMissing = true}) {

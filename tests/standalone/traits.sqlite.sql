@@ -26,7 +26,7 @@ CREATE TABLE descending (id INTEGER PRIMARY KEY DESC, s TEXT);
 CREATE TABLE descending_alias (id INTEGER, PRIMARY KEY (id DESC));
 CREATE TABLE counting_alias (id INTEGER, PRIMARY KEY (id DESC AUTOINCREMENT) ON CONFLICT REPLACE);
 CREATE TABLE text_key (id TEXT PRIMARY KEY, other INT UNIQUE, third INT UNIQUE ON CONFLICT IGNORE);
-CREATE TABLE late_key (a INT UNIQUE, b INT UNIQUE, id BLOB_KEY CHECK (id > 0), UNIQUE (a, b), PRIMARY KEY (id));
+CREATE TABLE late_key (a INT UNIQUE, b INT UNIQUE, id BLOB_KEY CHECK (id > 0), yes BOOLEAN CHECK (yes IN (0, 1)), UNIQUE (a, b), PRIMARY KEY (id));
 CREATE TABLE copied AS SELECT id, s AS "a b", 1.5 AS r FROM descending;
 CREATE TABLE altered (a INTEGER, gone TEXT, b TEXT CHECK (b > 'a'));
 ALTER TABLE altered ADD COLUMN c TEXT DEFAULT 'x' COLLATE NOCASE REFERENCES parents;
@@ -34,7 +34,7 @@ ALTER TABLE altered RENAME COLUMN b TO "new b";
 ALTER TABLE altered DROP COLUMN gone;
 ALTER TABLE altered RENAME TO "altered twice";
 CREATE INDEX by_names ON plain (b, c DESC);
-CREATE UNIQUE INDEX "by ""part" ON plain (d) WHERE c > 0;
+CREATE UNIQUE INDEX "by ""part" ON PLAIN (d) WHERE c > 0;
 CREATE INDEX by_expression ON plain (a + c, lower(b) DESC);
 CREATE INDEX by_own_expression ON plain (b || d, c);
 CREATE INDEX by_collation ON plain (b COLLATE NOCASE DESC, "d" COLLATE BINARY);
@@ -43,7 +43,7 @@ CREATE TRIGGER z_first AFTER UPDATE OF b, "c" ON plain WHEN NEW.b IS NOT OLD.b B
   UPDATE plain SET a = 'ON' WHERE c = NEW.c;  -- a comment; END
   SELECT CASE WHEN 1 THEN RAISE(IGNORE) END;
 END;
-CREATE TRIGGER a_second BEFORE DELETE ON "plain" FOR EACH ROW BEGIN SELECT 1; END;
+CREATE TRIGGER a_second BEFORE DELETE ON "Plain" FOR EACH ROW BEGIN SELECT 1; END;
 CREATE VIRTUAL TABLE words USING fts5(title, body, tokenize = 'porter unicode61');
 CREATE TABLE zz_notes (id INTEGER PRIMARY KEY, body TEXT);
 CREATE VIRTUAL TABLE over_notes USING fts4(content="zz_notes", body);

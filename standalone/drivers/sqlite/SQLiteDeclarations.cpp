@@ -65,7 +65,9 @@ TPlaces PassTriggerHead(TSQLiteTokenReader& Tokens) {
 std::string Replaced(std::string_view Statement, const TPlaces& Places, std::string_view Name, std::string_view Table) {
   std::string Result(Statement);
   const auto Replace = [&](const TPlace& Place, std::string_view New) {
-    if (Place.Name != New) Result.replace(Place.Start, Place.Behind - Place.Start, QuoteStandardName(New));
+    // What is the same in another case stays as people wrote it.
+    if (!SameSQLiteName(Place.Name, New))
+      Result.replace(Place.Start, Place.Behind - Place.Start, QuoteStandardName(New));
   };
   Replace(Places.Table, Table);
   Replace(Places.Name, Name);

@@ -63,7 +63,7 @@ void TSQLiteDefinitionReader::ResolveReferences(TDicTableDescription& Table) {
     const std::vector<TSQLiteListedTable>& All = FSchema.Memory().Now().Tables;
     const auto Found = std::find_if(All.begin(), All.end(),
                                     [&](const TSQLiteListedTable& One) { return SameSQLiteName(One.Name, Key.Table); });
-    if (Found == All.end()) continue;
+    if (Found == All.end() || Found->Type == "view") continue;
     Key.Table = Found->Name;
     const TTableDescription Other = FSchema.Describe({Key.Table, {}});
     for (TDicForeignKey::TPair& Pair : Key.Columns)
@@ -85,6 +85,7 @@ TDicTableDescription TSQLiteDefinitionReader::Table(const TTableInfo& Table, con
       Definition.AddVirtual(ReadVirtualTable(Item.Statement).Using);
   }
   TDicTableDescription Result = Definition.Take();
+  if (Result.Fields.empty()) throw EDatabaseError(Format("Cannot describe '%s': it is no table", Table.Name));
   ResolveReferences(Result);
   if (Options.ScanColumns) ScanColumns(FDatabase, Known, Result);
   return Result;

@@ -113,8 +113,19 @@ std::optional<std::string> TSQLiteTableDefinition::ColumnName(std::string_view N
 }
 
 std::optional<std::string> TSQLiteTableDefinition::Neutral(std::string_view Text) const {
-  return NeutralExpression(Text, {.Column = [this](std::string_view Name, bool) { return ColumnName(Name); },
-                                  .IsIdleCast = [](std::string_view) { return false; }});
+  bool HasTruth = false;
+  const auto Column = [&](std::string_view Name, bool) {
+    for (const TColumnInfo& Known : FKnown.Columns)
+      HasTruth = HasTruth || (Known.Kind == TKvKind::Boolean && SameSQLiteName(Known.Name, Name));
+    return ColumnName(Name);
+  };
+  std::optional<std::string> Result =
+      NeutralExpression(Text, {.Column = Column, .IsIdleCast = [](std::string_view) { return false; }});
+  // Only here is a truth value the number 0 or 1.
+  const std::vector<TSQLiteToken> Tokens = SQLiteTokens(Text);
+  const auto IsNumber = [](const TSQLiteToken& Token) { return Token.Kind == TSQLiteToken::TKind::Number; };
+  if (HasTruth && std::any_of(Tokens.begin(), Tokens.end(), IsNumber)) return std::nullopt;
+  return Result;
 }
 
 void TSQLiteTableDefinition::AddIndex(const std::string& Name, const std::string& Statement) {

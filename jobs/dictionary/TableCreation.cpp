@@ -43,6 +43,7 @@ class TTableCreation::TMaker final : public TTableMaker {
 
  private:
   bool MayMake(const std::vector<TDicTableDescription>&) override { return !FOwner.FDeclined; }
+  bool MayGoByName(const TDicTableDescription& Table) override { return !FOwner.IsCancelled(Table.FullName()); }
   void Prepare(TDicTableDescription& Table) override {
     std::erase_if(Table.ForeignKeys, [this](const TDicForeignKey& Key) { return !FOwner.IsReachable(Key); });
   }
@@ -79,6 +80,7 @@ TTableCreation::TTableCreation(TStandaloneManager& Manager, const TPolicies& Pol
       FPolicies(Policies),
       FDatabaseName(std::move(DatabaseName)),
       FDictionary(InstalledDictionary()),
+      FLongNames(Policies.LongNames),
       FAllowedBefore(FDictionary.Gaps().Allow({Policies.AllowMissing.begin(), Policies.AllowMissing.end()})) {}
 
 TTableCreation::~TTableCreation() {
@@ -122,6 +124,18 @@ const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
   return Found->second.IsThere ? nullptr : &Found->second.Description;
 }
 
+bool TTableCreation::IsCancelled(const std::string& Table) const {
+  const auto Found = FEntries.find(LowerCase(Table));
+  return Found != FEntries.end() && Found->second.IsCancelled;
+}
+
+std::vector<const TTableCreation::TEntry*> TTableCreation::ToBeMade() const {
+  std::vector<const TEntry*> Result;
+  for (const auto& [Key, Entry] : FEntries)
+    if (!FDeclined && !Entry.IsThere && !Entry.IsCancelled) Result.push_back(&Entry);
+  return Result;
+}
+
 std::vector<TTableCreation::TEntry*> TTableCreation::Missing() {
   std::vector<TEntry*> Result;
   for (auto& [Key, Entry] : FEntries)
@@ -133,7 +147,10 @@ void TTableCreation::Settle(TOutcome& Outcome) {
   const std::vector<TEntry*> Tables = Missing();
   if (Tables.empty()) return;
   AskFor(Tables);
-  if (!FDeclined) return CheckScripts(Tables);
+  if (!FDeclined) {
+    for (TEntry* const Table : Tables) Table->IsCancelled = !FLongNames.MayMakeTable(Table->Description);
+    return CheckScripts(ToBeMade());
+  }
   std::vector<std::string> Names;
   for (const TEntry* Table : Tables) Names.push_back(Table->Description.FullName());
   Outcome.Notes.push_back(Format("not made, since that was declined: %s: %s",
@@ -159,13 +176,13 @@ bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
 }
 
 /// All that is in the way, of all tables at once.
-void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
+void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
   std::vector<TScriptGap> Refused;
   std::vector<std::string> Problems;
   const auto Take = [&](const TScriptGap& Gap) {
     if (!FDictionary.Gaps().Allows(Gap)) Refused.push_back(Gap);
   };
-  for (TEntry* const Table : Tables) {
+  for (const TEntry* const Table : Tables) {
     const TDicTableDescription& Description = Table->Description;
     for (const TDicForeignKey& Key : Description.ForeignKeys)
       if (!IsReachable(Key))
@@ -188,12 +205,11 @@ void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
 }
 
 void TTableCreation::AddSteps(TTableScriptPart Part, std::vector<TPlanStep>& Steps) const {
-  for (const auto& [Key, Entry] : FEntries) {
-    if (Entry.IsThere) continue;
-    const std::string Name = Entry.Description.FullName();
+  for (const TEntry* const Entry : ToBeMade()) {
+    const std::string Name = Entry->Description.FullName();
     const std::string Pattern =
         FDictionary.GetCreateTablePatternString(FDictionary.GetPatternName(Name, FDatabaseName), FDatabaseName);
-    TDicTableDescription Table = Entry.Description;
+    TDicTableDescription Table = Entry->Description;
     if (Part == TTableScriptPart::Table) Table.Indexes.clear();
     for (const TScriptStatement& Statement : FDictionary.Script(FDatabaseName, Table, Pattern, Part).Statements)
       Steps.push_back({"make " + Statement.What, {}, Statement.Text});
@@ -202,17 +218,15 @@ void TTableCreation::AddSteps(TTableScriptPart Part, std::vector<TPlanStep>& Ste
 
 std::vector<TPlanStep> TTableCreation::StepsBefore() const {
   std::vector<TPlanStep> Result;
-  if (!FDeclined) AddSteps(TTableScriptPart::Table, Result);
+  AddSteps(TTableScriptPart::Table, Result);
   return Result;
 }
 
 std::vector<TPlanStep> TTableCreation::StepsBehind() const {
   std::vector<TPlanStep> Result;
-  if (FDeclined) return Result;
-  for (const auto& [Key, Entry] : FEntries)
-    if (!Entry.IsThere)
-      for (const TScriptStatement& Statement : FDictionary.IndexScript(FDatabaseName, Entry.Description).Statements)
-        Result.push_back({"make " + Statement.What, {}, Statement.Text});
+  for (const TEntry* const Entry : ToBeMade())
+    for (const TScriptStatement& Statement : FDictionary.IndexScript(FDatabaseName, Entry->Description).Statements)
+      Result.push_back({"make " + Statement.What, {}, Statement.Text});
   AddSteps(TTableScriptPart::Rest, Result);
   return Result;
 }
@@ -225,6 +239,7 @@ void TTableCreation::AddNotes(TOutcome& Outcome) {
   if (!FMade.empty())
     Outcome.Notes.push_back(Format("made %s, whose structures stay in the catalogue of the database: %s",
                                    Counted(static_cast<std::int64_t>(FMade.size()), "table"), Joined(NamesOf(FMade))));
+  FLongNames.AddNote(Outcome.Notes);
   for (const std::string& Table : FUnchecked)
     Outcome.Notes.push_back(
         Format("the foreign keys of table '%s' hold for rows to come alone, since rows of it refer to "

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "jobs/files/InputFile.h"
-#include "jobs/policies/Policies.h"
+#include "jobs/policies/LongNames.h"
 #include "jobs/report/Outcome.h"
 #include "jobs/report/PlanStep.h"
 #include "standalone/databases/StandaloneManager.h"
@@ -52,11 +52,14 @@ class TTableCreation {
     TDicTableDescription Description;
     bool IsOfFile = false;
     bool IsThere = false;
+    bool IsCancelled = false;  // for its name
   };
 
+  bool IsCancelled(const std::string& Table) const;
   std::vector<TEntry*> Missing();
+  std::vector<const TEntry*> ToBeMade() const;
   void AskFor(const std::vector<TEntry*>& Tables);
-  void CheckScripts(const std::vector<TEntry*>& Tables);
+  void CheckScripts(const std::vector<const TEntry*>& Tables);
   /// Whether the table that a foreign key refers to is there, or will be.
   bool IsReachable(const TDicForeignKey& Key);
   void AddSteps(TTableScriptPart Part, std::vector<TPlanStep>& Steps) const;
@@ -65,6 +68,7 @@ class TTableCreation {
   const TPolicies& FPolicies;
   const std::string FDatabaseName;
   TStandaloneDictionary& FDictionary;
+  TLongNames FLongNames;
   std::set<std::string> FAllowedBefore;
   std::map<std::string, TEntry> FEntries;  // by full name in lower case
   std::vector<std::string> FMade, FUnchecked;

@@ -17,6 +17,8 @@ struct TPolicyProperties {
   static constexpr std::string_view CommitChoices[] = {"run", "each"};
   static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
   static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};
+  static constexpr std::string_view LongNameChoices[] = {"ask", "keep", "cancel"};
+  static constexpr std::string_view SourceChoices[] = {"ask", "skip", "stop"};
   static constexpr std::string_view RepeatChoices[] = {"refuse", "join"};
   static constexpr std::string_view ColumnChoices[] = {"declared", "scanned"};
   static constexpr std::string_view CreateChoices[] = {"ask", "yes", "no"};
@@ -54,6 +56,12 @@ struct TPolicyProperties {
   static constexpr TProperty Columns = ChoiceOf<Record, &TPolicies::Columns>(
       "Columns", "a column's type where its cells may be of another: as declared, or the narrowest that holds them all",
       ColumnChoices);
+  static constexpr TProperty LongNames = ChoiceOf<Record, &TPolicies::LongNames>(
+      "LongNames",
+      "names of new tables and views that some databases do not take: ask, keep, do not make them; counted",
+      LongNameChoices);
+  static constexpr TProperty MissingSources = ChoiceOf<Record, &TPolicies::MissingSources>(
+      "MissingSources", "what is to be exported and not there: ask, leave it out, stop", SourceChoices);
   static constexpr TProperty AllowLoss = PropertyOf<Record, &TPolicies::AllowLoss>(
       "AllowLoss", "go on where characters or values cannot be kept; counted");
   static constexpr TProperty Lenient =

@@ -19,6 +19,7 @@ constexpr std::string_view Encodings[] = {"default", "ansi", "utf8"};
 
 constexpr TProperty Properties[] = {
     TPolicyRows::ExistingSections,
+    TPolicyRows::MissingSources,
     TPolicyRows::OnError,
     TPolicyRows::AllowLoss,
     PropertyOf<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
@@ -48,8 +49,11 @@ void TExportJob::CheckSettings() const {
 void TExportJob::Run() {
   FOutcome = {"exported", DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
+  FMissing.emplace(Policies.MissingSources);
   FOutcome.Items = PlanItems();
-  if (NewFile && FOutcome.Items.empty())
+  const bool HasWork = std::any_of(FOutcome.Items.begin(), FOutcome.Items.end(),
+                                   [](const TItem& Item) { return Item.State != TItemState::LeftOut; });
+  if (NewFile && !HasWork)
     throw Exception(Format("There is nothing to export; the file '%s' is left as it is", FileName));
   FReplaced.clear();
   FSteps.assign(FOutcome.Items.size(), {});
@@ -75,9 +79,20 @@ void TExportJob::FindExisting() {
     Present[{Sections[Index].ObjectClass.Role(), LowerCase(Sections[Index].Name())}].push_back(Index);
   for (std::size_t I = 0; I < FSteps.size(); ++I) {
     const TItem& Item = FOutcome.Items[I];
+    if (Item.State == TItemState::LeftOut) continue;
     const TSectionRole Role = Item.Structure ? TSectionRole::Structure : TSectionRole::TableData;
     const auto Found = Present.find({Role, LowerCase(Item.Section)});
     if (Found != Present.end()) FSteps[I].Existing = Found->second;
+  }
+}
+
+void TExportJob::LeaveOut(TItem& Item, const std::exception_ptr& Error) {
+  try {
+    std::rethrow_exception(Error);
+  } catch (const std::exception& Missing) {
+    if (!FMissing->LeavesOut(Missing)) throw;
+    Item.State = TItemState::LeftOut;
+    Item.Note = Missing.what();
   }
 }
 

@@ -7,7 +7,7 @@
 
 #include "jobs/files/OutputFile.h"
 #include "jobs/policies/ErrorPolicy.h"
-#include "jobs/policies/Questions.h"
+#include "jobs/policies/MissingSources.h"
 #include "jobs/run/JobInterface.h"
 #include "velkrund/operations/ImportExport.h"
 
@@ -37,6 +37,8 @@ class TExportJob : public TSectionsJob {
   virtual bool Several() const = 0;
   /// A section to be written for each item.
   virtual std::vector<TItem> PlanItems() = 0;
+  /// Marks an item as left out, as the policy or a person allows, or passes the error on, that says what is missing.
+  void LeaveOut(TItem& Item, const std::exception_ptr& Error);
   /// The operation that writes an item, set up for it, its section's name and what all have in common apart.
   virtual TExportUtilOperation& OperationFor(const TItem& Item) = 0;
   /// Takes over what the operation counted.
@@ -65,6 +67,7 @@ class TExportJob : public TSectionsJob {
 
   const char* const FKind;
   std::optional<TErrorPolicy> FErrors;
+  std::optional<TMissingSources> FMissing;
   std::unique_ptr<TOutputFile> FOutput;  // during a run
   std::vector<TStep> FSteps;             // one for every item
   std::vector<int> FReplaced;            // sections that new ones took the place of

@@ -23,6 +23,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::Triggers,
     TPolicyRows::BrokenReferences,
     TPolicyRows::CreateTables,
+    TPolicyRows::LongNames,
     TPolicyRows::AllowMissing,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,

@@ -36,8 +36,17 @@ std::vector<TItem> TJobExportStructures::PlanItems() {
   TStructureSearch Search(Stored, FOutcome.Database);
   std::vector<TDSPListItem> Found;
   if (Names.empty()) Found = StructuresLike(Stored, ObjectType, {});
-  for (const std::string& Name : Names) Found.push_back(Search.Find(Name, ObjectType));
   std::vector<TItem> Result;
+  for (const std::string& Name : Names) {
+    try {
+      Found.push_back(Search.Find(Name, ObjectType));
+    } catch (const EStructureMissing&) {
+      TItem& Missing = Result.emplace_back();
+      Missing.Section = Name;
+      if (ObjectType != AnyType) Missing.Structure = TStructureId{ObjectType, Name};
+      LeaveOut(Missing, std::current_exception());
+    }
+  }
   std::set<std::pair<int, std::string>> Seen;
   for (TDSPListItem& Structure : Found) {
     if (!Seen.insert({Structure.ObjectType, Structure.ObjectName}).second) continue;

@@ -1,5 +1,7 @@
 #include "jobs/tables/ExportTables.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -82,23 +84,40 @@ void TJobExportTables::RefuseWithoutRows() const {
   }
 }
 
+TItem TJobExportTables::WithoutTable(const TTableSearch& Search, const std::string& Name) {
+  TItem Result;
+  Result.Section = SectionName.empty() ? Name : SectionName;
+  Result.Table = Name;
+  try {
+    Search.Missing(Name);
+  } catch (const EDatabaseError&) {
+    LeaveOut(Result, std::current_exception());
+  }
+  return Result;
+}
+
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
 std::vector<TItem> TJobExportTables::PlanItems() {
   RefuseWithoutRows();
   FWithoutRows.clear();
   FOperation.Fields = TStringList(Fields);
   FOperation.KeyOrder = RowOrder == TRowOrder::Key;
-  std::vector<TItem> Result;
+  std::vector<TItem> Result, Missing;
   std::set<std::string> Seen;
   const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
   for (const std::string& Name : Tables.empty() ? AllTables() : Tables) {
     const std::unique_ptr<TTable> Table = Search.Find(Name, false);
-    if (!Table) Search.Missing(Name);
+    if (!Table) {
+      if (Seen.insert(Name).second) Missing.push_back(WithoutTable(Search, Name));
+      continue;
+    }
     for (const std::string& Field : Fields) Search.RequireField(*Table, Field);
     if (!Seen.insert(Table->TableName()).second) continue;
     Result.push_back(RowsItem(Table->TableName()));
   }
-  return Structures ? WithStructures(std::move(Result)) : Result;
+  if (Structures) Result = WithStructures(std::move(Result));
+  std::move(Missing.begin(), Missing.end(), std::back_inserter(Result));
+  return Result;
 }
 
 TItem TJobExportTables::RowsItem(const std::string& Table) const {

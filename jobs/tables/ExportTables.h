@@ -13,6 +13,8 @@
 
 namespace velkrund {
 
+class TTableSearch;
+
 /// Saves the rows of tables as sections of a file; if wanted, before each of them the structure that describes the
 /// table, made from what is in the database, in which nothing is stored.
 class TJobExportTables final : public TExportJob {
@@ -54,6 +56,7 @@ class TJobExportTables final : public TExportJob {
   TItem RowsItem(const std::string& Table) const;
   TItem DescribedItem(const TTableInfo& Table);
   std::vector<TItem> WithStructures(std::vector<TItem> Rows);
+  TItem WithoutTable(const TTableSearch& Search, const std::string& Name);
 
   TUOExportTableData FOperation;
   TDescribedExport FStructures;

@@ -44,6 +44,8 @@ class NameLengths : public testing::Test, public TDSPContainer, public TDSPTable
   std::string GetCreateTablePatternString(const std::string&, const std::string&) override { return {}; }
   void CreateTableByDef(const std::string&, const TDicTableDescription&, const std::string&,
                         TTableScriptPart) override {}
+  void CreateIndexesByDef(const std::string&, const TDicTableDescription&) override {}
+  void DropTable(const std::string&, const TDicTableDescription&) override {}
   bool GetTableInfo(const std::string&, TDicTableDescription& Description) override {
     Description.Fields = {{.Name = "A"}, {.Name = "B", .Type = TDicFieldType::Int64}};
     if (Structure == TStructure::AutoKey) Description.Fields[1].Auto = TDicAutoKey::RowNumber;
@@ -89,6 +91,12 @@ TEST_F(NameLengths, AreCountedInUnits) {
     EXPECT_EQ(IsLongNameTable(Name, "db", Limit), Case.IsLong);
     EXPECT_EQ(Limit, Case.Limit);
     EXPECT_EQ(IsLongNameTable(Name, "db"), Case.IsLong);
+    TDicTableDescription Described;
+    if (GetTableInfo(Name, Described) || Structure == TStructure::None) {
+      Described.Name = Name;
+      EXPECT_EQ(IsLongNameTable(Described, Limit), Case.IsLong);
+      EXPECT_EQ(Limit, Case.Limit);
+    }
     EXPECT_EQ(IsLongNameView(Name), Case.IsLongView);
   }
 }

@@ -49,9 +49,7 @@ bool TTableMaker::MayMake(const std::vector<TDicTableDescription>& Tables) {
          IDYES;
 }
 
-bool TTableMaker::MayGoByName(const TDicTableDescription& Table) {
-  return !AskCancelCreateLongNameTable(Table.FullName(), FDatabaseName);
-}
+bool TTableMaker::MayGoByName(const TDicTableDescription& Table) { return !AskCancelCreateLongNameTable(Table); }
 
 void TTableMaker::Decline(const TDicTableDescription& Table) {
   FFailed[LowerCase(Table.FullName())] =

@@ -25,9 +25,24 @@ std::string TextOf(std::string_view Key, std::string_view Default) {
   return std::string(Text == Key ? Default : Text);
 }
 
+bool HasAutoKey(const TDicTableDescription& Table) {
+  return std::any_of(Table.Fields.begin(), Table.Fields.end(),
+                     [](const TDicField& Field) { return Field.FieldType() == AutoKeyFieldType; });
+}
+
+int LimitOf(bool HasAutoKey) { return HasAutoKey ? AutoKeyLimit : UsualLimit; }
+
 bool AskCancel(const std::string& Text, const std::string& Name, int Limit) {
   return uoMessageBox(0, ToUtf16(Format(Text, Name, Limit)), ToUtf16(BaseMng().LString("ST_CONFIRMATION")),
                       MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2, 0, 0) == IDYES;
+}
+
+bool AskCancelTable(const std::string& Name, int Limit) {
+  return AskCancel(TextOf("M_Velkrund_DSPUtils_CreateLongNameTable_Cancel",
+                          "Имя таблицы '%s' слишком длинное (> %d символов) и не поддерживается некоторыми базами "
+                          "данных. Создание таблицы с таким именем приведёт к блокирующей ошибке в случае Оракл! "
+                          "Отменить операцию?"),
+                   Name, Limit);
 }
 
 }  // namespace
@@ -39,13 +54,11 @@ bool IsTableDescExists(const std::string& TableName, const std::string& Database
 bool IsTableContainsAutoKey(const std::string& TableName, const std::string& DatabaseName) {
   if (!IsTableDescExists(TableName, DatabaseName)) return false;
   TDicTableDescription Table;
-  if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(TableName, Table)) return false;
-  return std::any_of(Table.Fields.begin(), Table.Fields.end(),
-                     [](const TDicField& Field) { return Field.FieldType() == AutoKeyFieldType; });
+  return Dictionary().GetDicTable(DatabaseName).GetTableInfo(TableName, Table) && HasAutoKey(Table);
 }
 
 bool IsLongNameTable(const std::string& TableName, const std::string& DatabaseName, int& Limit) {
-  Limit = IsTableContainsAutoKey(TableName, DatabaseName) ? AutoKeyLimit : UsualLimit;
+  Limit = LimitOf(IsTableContainsAutoKey(TableName, DatabaseName));
   return IsLonger(TableName, Limit);
 }
 
@@ -54,16 +67,21 @@ bool IsLongNameTable(const std::string& TableName, const std::string& DatabaseNa
   return IsLongNameTable(TableName, DatabaseName, Limit);
 }
 
+bool IsLongNameTable(const TDicTableDescription& Table, int& Limit) {
+  Limit = LimitOf(HasAutoKey(Table));
+  return IsLonger(Table.FullName(), Limit);
+}
+
 bool IsLongNameView(const std::string& ViewName) { return IsLonger(ViewName, UsualLimit); }
 
 bool AskCancelCreateLongNameTable(const std::string& TableName, const std::string& DatabaseName) {
   int Limit = 0;
-  if (!IsLongNameTable(TableName, DatabaseName, Limit)) return false;
-  return AskCancel(TextOf("M_Velkrund_DSPUtils_CreateLongNameTable_Cancel",
-                          "Имя таблицы '%s' слишком длинное (> %d символов) и не поддерживается некоторыми базами "
-                          "данных. Создание таблицы с таким именем приведёт к блокирующей ошибке в случае Оракл! "
-                          "Отменить операцию?"),
-                   TableName, Limit);
+  return IsLongNameTable(TableName, DatabaseName, Limit) && AskCancelTable(TableName, Limit);
+}
+
+bool AskCancelCreateLongNameTable(const TDicTableDescription& Table) {
+  int Limit = 0;
+  return IsLongNameTable(Table, Limit) && AskCancelTable(Table.FullName(), Limit);
 }
 
 bool AskCancelCreateLongNameView(const std::string& ViewName) {

@@ -24,8 +24,10 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"FileNames", "--input"},
     {"Indexes", "INDEX"},
     {"Lenient", "--lenient"},
+    {"LongNames", "--long-names"},
     {"Merge", "--merge"},
     {"MissingFields", "--missing-fields"},
+    {"MissingSources", "--missing"},
     {"Commit", "--commit"},
     {"Triggers", "--triggers"},
     {"BrokenReferences", "--broken-references"},
@@ -56,6 +58,10 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
       return "--on-error continue or --on-error stop";
     case TPolicy::CreateTables:
       return "--create-tables yes to make them, or --create-tables no to leave them out";
+    case TPolicy::LongNames:
+      return "--long-names keep or --long-names cancel";
+    case TPolicy::MissingSources:
+      return "--missing skip or --missing stop";
     case TPolicy::Yes:
       break;
   }

@@ -77,6 +77,13 @@ std::vector<TOption> TSharedOptions::CreatingOptions(TPolicies& Policies) {
                                 "rows out (default: ask)",
                                 {{"ask", TCreateTables::Ask}, {"yes", TCreateTables::Yes}, {"no", TCreateTables::No}},
                                 Policies.CreateTables),
+          Choice<TLongNamePolicy>(
+              "--long-names",
+              "tables to be made whose names some databases do not take, beyond 30 characters, or "
+              "22 with an automatic key: ask, keep the name, which the report counts, or do not "
+              "make them (default: keep)",
+              {{"ask", TLongNamePolicy::Ask}, {"keep", TLongNamePolicy::Keep}, {"cancel", TLongNamePolicy::Cancel}},
+              Policies.LongNames),
           CommaList("--allow-missing", "KIND,...",
                     "what may be left out where the engine has no words for it, and the report names: checks, "
                     "collations, computed, defaults, generators, indexes, keys, options, procedures, references, "

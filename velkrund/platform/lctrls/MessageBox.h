@@ -33,6 +33,7 @@ class TMessageBoxForm final : public TForm {
  public:
   TMessageBoxForm(std::string_view Text, std::string_view WindowCaption, std::uint32_t Flags);
   const char* ClassName() const override { return "TMessageBoxForm"; }
+  bool YesUndoes() const override { return FYesUndoes; }
 
  protected:
   bool CloseQuery() override { return FMayClose; }
@@ -44,6 +45,7 @@ class TMessageBoxForm final : public TForm {
   TLLabel FTextLabel{*this, "TextLabel"};
   std::vector<std::unique_ptr<TLButton>> FButtons;
   bool FMayClose = true;
+  const bool FYesUndoes;
 };
 
 /// Shows a message box on the main thread and returns the answer's code. Without anybody to answer a question it raises

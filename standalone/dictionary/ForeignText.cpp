@@ -1,16 +1,10 @@
 #include "standalone/dictionary/ForeignText.h"
+#include "velkrund/platform/dictionary/TextLines.h"
 
 namespace velkrund {
 
 std::vector<std::string> LinesOf(std::string_view Text) {
-  std::vector<std::string> Result;
-  if (Text.empty()) return Result;
-  for (std::size_t End = Text.find('\n'); End != std::string_view::npos; End = Text.find('\n')) {
-    Result.emplace_back(Text.substr(0, End));
-    Text.remove_prefix(End + 1);
-  }
-  Result.emplace_back(Text);
-  return Result;
+  return Text.empty() ? std::vector<std::string>() : SplitLines(Text);
 }
 
 std::string_view ForeignEngine(const TDicEngineWords& Words, std::string_view Engine) {
@@ -23,11 +17,7 @@ std::string_view ForeignEngine(const TDicEngineWords& Words, std::string_view En
 std::string TextOf(const TDicEngineWords& Words, std::string_view Engine) {
   const std::string_view Foreign = ForeignEngine(Words, Engine);
   const TDicWords* const Said = WordsOf(Words, Foreign.empty() ? Engine : Foreign);
-  std::string Result;
-  if (!Said) return Result;
-  for (const std::string& Line : Said->Lines) Result += Line + '\n';
-  if (!Result.empty()) Result.pop_back();
-  return Result;
+  return Said ? JoinedLines(Said->Lines) : std::string();
 }
 
 std::string_view EngineTitle(std::string_view Engine) {

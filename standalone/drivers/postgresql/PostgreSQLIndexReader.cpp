@@ -1,6 +1,7 @@
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "velkrund/platform/dictionary/TextLines.h"
 
 namespace velkrund {
 namespace {
@@ -71,7 +72,7 @@ std::vector<TDicTrigger> ReadTriggers(const TDescribed& Table) {
   std::vector<TDicTrigger> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TDicTrigger Trigger{Rows.Copy(Row, 0), StateOf(Rows.Text(Row, 1)), {}};
-    Trigger.Words["postgresql"].Lines = PostgreSQLLines(OnPostgreSQLTable(Rows.Copy(Row, 2), Table.SQLName));
+    Trigger.Words["postgresql"].Lines = SplitLines(OnPostgreSQLTable(Rows.Copy(Row, 2), Table.SQLName));
     Result.push_back(std::move(Trigger));
   }
   return Result;

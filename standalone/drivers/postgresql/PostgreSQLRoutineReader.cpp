@@ -3,6 +3,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -117,7 +118,7 @@ TDicProcedureDescription TPostgreSQLDefinitionReader::Procedure(const TTableInfo
   if (!Parts.Options.empty()) Options.append(Options.empty() ? "" : " ").append(Parts.Options);
   TDicWords& Words = Result.Words["postgresql"];
   if (!Options.empty()) Words.Parts["Options"] = Options;
-  Words.Lines = PostgreSQLLines(Parts.Body);
+  Words.Lines = SplitLines(Parts.Body);
   return Result;
 }
 

@@ -33,6 +33,15 @@ std::vector<TOption> OtherExportOptions(TExportJob& Job, const std::string& What
                      "fails",
                      Job.NewFile),
               {"--overwrite", "--add"}),
+      Choice<TMissingSourcePolicy>(
+          "--missing",
+          Format("a %s that is named and not there: ask, leave it out, which the report says, or stop before anything "
+                 "is written (default: stop)",
+                 What),
+          {{"ask", TMissingSourcePolicy::Ask},
+           {"skip", TMissingSourcePolicy::Skip},
+           {"stop", TMissingSourcePolicy::Stop}},
+          Policies.MissingSources),
       TSharedOptions::AllowLossOption(Policies),
       TSharedOptions::OnErrorOption(Policies)};
 }

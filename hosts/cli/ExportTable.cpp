@@ -25,6 +25,8 @@ const TCommandTexts ExportTableTexts = {
     {{"export table -d sqlite:shop.db -t ORDERS -o orders.eif", "one table"},
      {"export table -d sqlite:shop.db --all -o shop.eif --overwrite yes",
       "all tables; sections of an earlier export are replaced"},
+     {"export table -d sqlite:shop.db --all --structures -o shop.eif --new",
+      "all that another database, of any engine, needs to have these tables"},
      {"export table -d sqlite:shop.db --all -o shop.eif --new", "all tables as they are now, every night"},
      {"export table -d sqlite:shop.db -t ORDERS -o - | velkrund import table -d sqlite:other.db -i - --replace",
       "from one database into another"},
@@ -57,6 +59,11 @@ std::vector<TOptionGroup> TExportTable::Options() {
                         "of every table: by its primary key, or else a unique one, or as the engine has them, which is "
                         "quickest (default: key)",
                         {{"key", TRowOrder::Key}, {"any", TRowOrder::Any}}, FJob.RowOrder),
+      Switch("--structures",
+             "put before each table's rows the structure that describes it, from which import file makes the table "
+             "where it is missing; nothing is stored in the database",
+             FJob.Structures),
+      TSharedOptions::ColumnsOption(FJob.Policies),
       SectionOption(FJob, "the table's")};
   for (TOption& Option : OtherExportOptions(FJob, "table")) Own.push_back(std::move(Option));
   return {{"Options", Own}, Shared.General()};

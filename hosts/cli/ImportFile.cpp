@@ -12,14 +12,20 @@ const TCommandTexts ImportFileTexts = {
     "import",
     "file",
     "loads everything that export/import files hold",
-    "-d DB -i FILE... [--replace|--append] [--overwrite yes|no]",
+    "-d DB -i FILE... [--create-tables yes|no] [--replace|--append] [--overwrite yes|no]",
     "Of all files together the structures come first, then the rows of tables, each into the table that its section "
-    "names. The whole import is one transaction: after an error, or when it is cancelled, the database is as it was "
+    "names. Tables that are missing, and that structures of the files or of the database describe, are made: fields "
+    "and keys before the rows, then indexes, foreign keys, triggers and comments. That is asked about, unless "
+    "--create-tables says so. What the engine has no words for is an error before anything is changed, unless "
+    "--allow-missing names its kind.\n\n"
+    "The whole import is one transaction: after an error, or when it is cancelled, the database is as it was "
     "before. With --on-error continue, or when a person at a terminal says so, the rest is gone on with: what fails is "
     "undone with the tables that hang together with it by foreign keys, and the rest stays.\n\n"
     "A table that has rows already needs --replace or --append, a structure that is there already --overwrite. At a "
     "terminal they are asked about, elsewhere it is an error, before anything is changed.",
     {{"import file -d sqlite:shop.db -i shop.eif --replace --overwrite yes", "everything of one file"},
+     {"import file -d sqlite:new.db --create --create-tables yes -i shop.eif",
+      "a new database, of a file that export table --structures has made"},
      {"import file -d shop -i forms.eif -i data.eif --append --on-error continue",
       "two files; what is faulty is named in the report and left out"}}};
 
@@ -44,7 +50,9 @@ std::vector<TOptionGroup> TImportFile::Options() {
       Required(List("-i,--input", "FILE", "a file to load, in this order; - is standard input", FJob.FileNames))};
   for (TOption& Option : TSharedOptions::LoadingOptions(FJob.Policies, FJob.CreateDatabase))
     Own.push_back(std::move(Option));
+  for (TOption& Option : TSharedOptions::CreatingOptions(FJob.Policies)) Own.push_back(std::move(Option));
   Own.push_back(TSharedOptions::OverwriteStructuresOption(FJob.Policies));
+  Own.push_back(TSharedOptions::DryRunOption(FJob.Policies));
   Own.push_back(TSharedOptions::AllowLossOption(FJob.Policies));
   Own.push_back(TSharedOptions::OnErrorOption(FJob.Policies));
   return {{"Options", Own}, Shared.General()};

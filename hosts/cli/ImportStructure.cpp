@@ -68,8 +68,8 @@ std::vector<TOptionGroup> TImportStructure::Options() {
         Assigning("--keep-properties", "leave table name, parent object and remarks as they are stored",
                   FJob.ChangeProperties, false),
         Switch("--create", "make the database when it does not exist", FJob.CreateDatabase),
-        TSharedOptions::AllowLossOption(FJob.Policies), TSharedOptions::OnErrorOption(FJob.Policies),
-        TSharedOptions::CommitOption(FJob.Policies)}},
+        TSharedOptions::DryRunOption(FJob.Policies), TSharedOptions::AllowLossOption(FJob.Policies),
+        TSharedOptions::OnErrorOption(FJob.Policies), TSharedOptions::CommitOption(FJob.Policies)}},
       Shared.General()};
 }
 

@@ -44,6 +44,7 @@ std::vector<TOptionGroup> TImportTable::Options() {
       CommaList("--fields", "A,B", "only these fields", FJob.Fields)};
   for (TOption& Option : TSharedOptions::LoadingOptions(FJob.Policies, FJob.CreateDatabase))
     Own.push_back(std::move(Option));
+  Own.push_back(TSharedOptions::DryRunOption(FJob.Policies));
   Own.push_back(TSharedOptions::AllowLossOption(FJob.Policies));
   Own.push_back(TSharedOptions::OnErrorOption(FJob.Policies));
   return {{"Options", Own}, Shared.General()};

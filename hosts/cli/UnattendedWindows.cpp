@@ -11,6 +11,7 @@ std::string UnansweredText(std::string_view Stakes, std::string_view Options) {
 
 int TUnattendedWindows::ShowModal(TForm& Form) {
   const bool IsBox = Form.ClassName() == std::string_view("TMessageBoxForm");
+  if (Form.YesUndoes()) throw EQuestionUnanswered(Format("%s There is no terminal to ask", Form.Message()));
   if (Form.IsQuestion())
     throw EQuestionUnanswered(UnansweredText(Form.Message(), IsBox ? "--yes" : "--overwrite yes or --overwrite no"));
   FTell(Form.Message());

@@ -18,19 +18,21 @@ TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
 }
 
 TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, TRelations& Relations,
-                     TWindowSystem* Windows) {
+                     TDictionary& Dictionary, TWindowSystem* Windows) {
   TPlatform Result;
   Result.ApplicationManager = &Manager;
   Result.DSPContainer = &Structures;
   Result.Windows = Windows;
   Result.Relations = &Relations;
+  Result.Dictionary = &Dictionary;
   return Result;
 }
 
 }  // namespace
 
 TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Windows)
-    : FManager(ConfigurationFor(Options)), FPlatform(PlatformOf(FManager, FStructures, FRelations, Windows)) {
+    : FManager(ConfigurationFor(Options)),
+      FPlatform(PlatformOf(FManager, FStructures, FRelations, FDictionary, Windows)) {
   FManager.SetLookUpText([Language = TextLanguage(FManager.Configuration().Language)](std::string_view Key) {
     return TDefaultTexts::Own().Find(Key, Language);
   });

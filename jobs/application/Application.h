@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/dictionary/StandaloneDictionary.h"
 #include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
 #include "velkrund/platform/installation/Platform.h"
@@ -28,6 +29,7 @@ class TApplication {
   TStandaloneManager FManager;
   TStructureStore FStructures{FManager.Databases()};
   TStandaloneRelations FRelations{FManager};
+  TStandaloneDictionary FDictionary{FManager};
   TPlatformGuard FPlatform;
 };
 

@@ -1,6 +1,8 @@
 #include "jobs/application/Registration.h"
 
 #include "jobs/databases/DatabaseInfo.h"
+#include "jobs/dictionary/AdoptObjects.h"
+#include "jobs/dictionary/ScriptObjects.h"
 #include "jobs/sections/CheckFiles.h"
 #include "jobs/sections/ImportFiles.h"
 #include "jobs/sections/ListSections.h"
@@ -21,7 +23,7 @@ void RegisterJobClasses() {
         &TJobImportStructures::Interface, &TJobImportFiles::Interface, &TJobListStructures::Interface,
         &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
         &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
-        &TJobDatabaseInfo::Interface})
+        &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobDatabaseInfo::Interface})
     Classes.Register(TInterfaceClass(*Job));
 }
 

@@ -35,6 +35,12 @@ std::string_view Remedy(TPolicy Policy) {
       return "Set ExistingStructures to replace, to update or to skip";
     case TPolicy::OnError:
       return "Set OnError to continue or to stop";
+    case TPolicy::CreateTables:
+      return "Set CreateTables to yes or to no";
+    case TPolicy::LongNames:
+      return "Set LongNames to keep or to cancel";
+    case TPolicy::MissingSources:
+      return "Set MissingSources to skip or to stop";
     case TPolicy::Yes:
       break;
   }

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -31,6 +32,24 @@ enum class TCommit : int {
 enum class TTriggers : int { Fire = 0, Off = 1 };
 /// Rows of tables that are loaded which refer to rows that are nowhere.
 enum class TBrokenReferencePolicy : int { Refuse = 0, Allow = 1 };
+/// Names that some databases do not take, of tables and views that are to be made.
+enum class TLongNamePolicy : int {
+  Ask = 0,
+  Keep = 1,
+  Cancel = 2,  // what has such a name is not made
+};
+/// What is to be taken and is not there.
+enum class TMissingSourcePolicy : int {
+  Ask = 0,
+  Skip = 1,  // it is left out
+  Stop = 2,
+};
+
+/// Tables of a file that the database lacks, and structures describe.
+enum class TCreateTables : int { Ask = 0, Yes = 1, No = 2 };
+
+/// By which type a column is described where its cells may be of another.
+enum class TColumnTypes : int { Declared = 0, Scanned = 1 };
 
 /// How the rows of a table stand in a file.
 enum class TRowOrder : int {
@@ -51,13 +70,29 @@ struct TPolicies {
   TCommit Commit = TCommit::Run;
   TTriggers Triggers = TTriggers::Fire;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed
+  TCreateTables CreateTables = TCreateTables::Ask;
+  /// What may be left out where the engine has no words for it: kinds of TScriptGap, "checks". Otherwise an error.
+  std::vector<std::string> AllowMissing = {};
+  TColumnTypes Columns = TColumnTypes::Declared;
+  TLongNamePolicy LongNames = TLongNamePolicy::Keep;                 // counted: this engine takes them
+  TMissingSourcePolicy MissingSources = TMissingSourcePolicy::Stop;  // skipped ones are named in the report
   bool AllowLoss = false;  // go on where characters or values cannot be kept; counted. Otherwise an error
   bool Lenient = false;    // values that cannot be read become NULL; counted. Otherwise an error
+  bool DryRun = false;     // show what would be done, and change nothing
   bool Yes = false;        // to what has no policy of its own: several sections removed at once, a structure dropped
 };
 
 /// The policies by which something can be decided.
-enum class TPolicy { ExistingRows, ExistingSections, ExistingStructures, OnError, Yes };
+enum class TPolicy {
+  ExistingRows,
+  ExistingSections,
+  ExistingStructures,
+  OnError,
+  CreateTables,
+  LongNames,
+  MissingSources,
+  Yes
+};
 
 /// A decision that a policy leaves to a person, where there is none. Hosts say in their own words how to decide; what()
 /// says it by the names of properties.

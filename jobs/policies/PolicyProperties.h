@@ -17,7 +17,11 @@ struct TPolicyProperties {
   static constexpr std::string_view CommitChoices[] = {"run", "each"};
   static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
   static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};
+  static constexpr std::string_view LongNameChoices[] = {"ask", "keep", "cancel"};
+  static constexpr std::string_view SourceChoices[] = {"ask", "skip", "stop"};
   static constexpr std::string_view RepeatChoices[] = {"refuse", "join"};
+  static constexpr std::string_view ColumnChoices[] = {"declared", "scanned"};
+  static constexpr std::string_view CreateChoices[] = {"ask", "yes", "no"};
 
   static constexpr TProperty ExistingRows = ChoiceOf<Record, &TPolicies::ExistingRows>(
       "ExistingRows", "rows that are in a table already: ask, leave the table out, delete them first, keep them",
@@ -42,6 +46,22 @@ struct TPolicyProperties {
   static constexpr TProperty BrokenReferences = ChoiceOf<Record, &TPolicies::BrokenReferences>(
       "BrokenReferences", "rows that refer to rows which are nowhere: refuse them, let them in; counted",
       ReferenceChoices);
+  static constexpr TProperty CreateTables = ChoiceOf<Record, &TPolicies::CreateTables>(
+      "CreateTables", "tables that structures describe and the database lacks: ask, make them, leave them out",
+      CreateChoices);
+  static constexpr TProperty AllowMissing = PropertyOf<Record, &TPolicies::AllowMissing>(
+      "AllowMissing", "kinds of things that may be left out where the engine has no words for them: checks, triggers");
+  static constexpr TProperty DryRun = PropertyOf<Record, &TPolicies::DryRun>(
+      "DryRun", "show what would be done, and the statements, and change nothing");
+  static constexpr TProperty Columns = ChoiceOf<Record, &TPolicies::Columns>(
+      "Columns", "a column's type where its cells may be of another: as declared, or the narrowest that holds them all",
+      ColumnChoices);
+  static constexpr TProperty LongNames = ChoiceOf<Record, &TPolicies::LongNames>(
+      "LongNames",
+      "names of new tables and views that some databases do not take: ask, keep, do not make them; counted",
+      LongNameChoices);
+  static constexpr TProperty MissingSources = ChoiceOf<Record, &TPolicies::MissingSources>(
+      "MissingSources", "what is to be exported and not there: ask, leave it out, stop", SourceChoices);
   static constexpr TProperty AllowLoss = PropertyOf<Record, &TPolicies::AllowLoss>(
       "AllowLoss", "go on where characters or values cannot be kept; counted");
   static constexpr TProperty Lenient =

@@ -19,6 +19,7 @@ constexpr std::string_view Encodings[] = {"default", "ansi", "utf8"};
 
 constexpr TProperty Properties[] = {
     TPolicyRows::ExistingSections,
+    TPolicyRows::MissingSources,
     TPolicyRows::OnError,
     TPolicyRows::AllowLoss,
     PropertyOf<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
@@ -48,8 +49,11 @@ void TExportJob::CheckSettings() const {
 void TExportJob::Run() {
   FOutcome = {"exported", DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
-  FOutcome.Items = Plan();
-  if (NewFile && FOutcome.Items.empty())
+  FMissing.emplace(Policies.MissingSources);
+  FOutcome.Items = PlanItems();
+  const bool HasWork = std::any_of(FOutcome.Items.begin(), FOutcome.Items.end(),
+                                   [](const TItem& Item) { return Item.State != TItemState::LeftOut; });
+  if (NewFile && !HasWork)
     throw Exception(Format("There is nothing to export; the file '%s' is left as it is", FileName));
   FReplaced.clear();
   FSteps.assign(FOutcome.Items.size(), {});
@@ -69,13 +73,26 @@ void TExportJob::Run() {
 }
 
 void TExportJob::FindExisting() {
-  std::map<std::string, std::vector<int>> Present;  // by name in lower case
+  std::map<std::pair<TSectionRole, std::string>, std::vector<int>> Present;  // by name in lower case
   const TEISectionList& Sections = FOutput->File().Sections();
   for (int Index = 0; Index < Sections.Count(); ++Index)
-    if (Sections[Index].ObjectClass.Role() == FRole) Present[LowerCase(Sections[Index].Name())].push_back(Index);
+    Present[{Sections[Index].ObjectClass.Role(), LowerCase(Sections[Index].Name())}].push_back(Index);
   for (std::size_t I = 0; I < FSteps.size(); ++I) {
-    const auto Found = Present.find(LowerCase(FOutcome.Items[I].Section));
+    const TItem& Item = FOutcome.Items[I];
+    if (Item.State == TItemState::LeftOut) continue;
+    const TSectionRole Role = Item.Structure ? TSectionRole::Structure : TSectionRole::TableData;
+    const auto Found = Present.find({Role, LowerCase(Item.Section)});
     if (Found != Present.end()) FSteps[I].Existing = Found->second;
+  }
+}
+
+void TExportJob::LeaveOut(TItem& Item, const std::exception_ptr& Error) {
+  try {
+    std::rethrow_exception(Error);
+  } catch (const std::exception& Missing) {
+    if (!FMissing->LeavesOut(Missing)) throw;
+    Item.State = TItemState::LeftOut;
+    Item.Note = Missing.what();
   }
 }
 
@@ -107,8 +124,7 @@ bool TExportJob::MayReplace(TItem& Item, TRepeatedQuestion& Question) const {
   return false;
 }
 
-void TExportJob::SetUpOperation() {
-  TExportUtilOperation& Export = Operation();
+void TExportJob::SetUp(TExportUtilOperation& Export) {
   Export.Owner = this;
   Export.DatabaseName = DatabaseName;
   Export.FTarget = &FOutput->File();
@@ -121,7 +137,6 @@ void TExportJob::SetUpOperation() {
 }
 
 void TExportJob::Write() {
-  SetUpOperation();
   const auto Count = static_cast<double>(FOutcome.Items.size());
   // Rows of one section refer to rows of another.
   TReadTransaction Moment(Manager().Databases(), DatabaseName);
@@ -139,11 +154,11 @@ void TExportJob::Write() {
 }
 
 void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
-  TExportUtilOperation& Export = Operation();
+  TExportUtilOperation& Export = OperationFor(Item);
+  SetUp(Export);
   Export.FSectionName = Item.Section;
-  Prepare(Item);
   const TItemAccount Account(FOutput->File());
-  BeginPart(Item.Subject(), FUnit);
+  BeginPart(Item.Subject(), Item.Structure ? "bytes" : "rows");
   try {
     Item.State = Export.Execute() != 0 ? TItemState::Done : TItemState::Cancelled;
   } catch (const std::exception&) {

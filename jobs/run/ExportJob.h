@@ -7,7 +7,7 @@
 
 #include "jobs/files/OutputFile.h"
 #include "jobs/policies/ErrorPolicy.h"
-#include "jobs/policies/Questions.h"
+#include "jobs/policies/MissingSources.h"
 #include "jobs/run/JobInterface.h"
 #include "velkrund/operations/ImportExport.h"
 
@@ -29,18 +29,18 @@ class TExportJob : public TSectionsJob {
   std::string CommandName() const override { return std::string("export ") + FKind; }
 
  protected:
-  /// Kind: of the sections, for the document: "table". Role: of sections whose names count.
-  TExportJob(const char* Kind, TSectionRole Role, const char* Unit) : FKind(Kind), FRole(Role), FUnit(Unit) {}
+  /// Kind: of the sections, for the document: "table".
+  explicit TExportJob(const char* Kind) : FKind(Kind) {}
 
   void Run() final;
   /// Whether there may be more than one section.
   virtual bool Several() const = 0;
   /// A section to be written for each item.
-  virtual std::vector<TItem> Plan() = 0;
-  /// The operation that writes them.
-  virtual TExportUtilOperation& Operation() = 0;
-  /// Sets the operation up for an item, its section's name apart.
-  virtual void Prepare(const TItem& Item) = 0;
+  virtual std::vector<TItem> PlanItems() = 0;
+  /// Marks an item as left out, as the policy or a person allows, or passes the error on, that says what is missing.
+  void LeaveOut(TItem& Item, const std::exception_ptr& Error);
+  /// The operation that writes an item, set up for it, its section's name and what all have in common apart.
+  virtual TExportUtilOperation& OperationFor(const TItem& Item) = 0;
   /// Takes over what the operation counted.
   virtual void AfterRun(TItem& /*Item*/) {}
   /// Says what a person should know about all that was written.
@@ -56,7 +56,7 @@ class TExportJob : public TSectionsJob {
   void FindExisting();
   void Settle();
   bool MayReplace(TItem& Item, TRepeatedQuestion& Question) const;
-  void SetUpOperation();
+  void SetUp(TExportUtilOperation& Export);
   void Write();
   void WriteOne(TItem& Item, const TStep& Step);
   bool IsLast(std::size_t Index) const;
@@ -66,9 +66,8 @@ class TExportJob : public TSectionsJob {
   void FailFile(const std::exception_ptr& Reason);
 
   const char* const FKind;
-  const TSectionRole FRole;
-  const char* const FUnit;
   std::optional<TErrorPolicy> FErrors;
+  std::optional<TMissingSources> FMissing;
   std::unique_ptr<TOutputFile> FOutput;  // during a run
   std::vector<TStep> FSteps;             // one for every item
   std::vector<int> FReplaced;            // sections that new ones took the place of

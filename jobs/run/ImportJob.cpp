@@ -9,6 +9,7 @@
 #include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
@@ -37,6 +38,7 @@ void TImportJob::Run() {
   FSteps.clear();
   FErrors.emplace(Policies.OnError);
   FGone.clear();
+  FNotCreated.clear();
   FStopped = false;
   FParts = MakeParts();
   const TCreateMissing Create(Manager().Databases(), CreateDatabase);
@@ -49,17 +51,24 @@ void TImportJob::Run() {
       Job.FLoading.reset();
       Job.FTransaction.reset();
       Job.FParts.clear();
+      Job.Release();
       Job.FInputs.reset();
     }
   } const Closer{*this};
-  for (const auto& Input : FInputs->Inputs()) LookAt(*Input);
+  std::vector<std::vector<int>> Chosen;
+  for (const auto& Input : FInputs->Inputs()) Chosen.push_back(LookAt(*Input));
+  for (std::size_t I = 0; I < Chosen.size(); ++I) AddSections(*FInputs->Inputs()[I], Chosen[I]);
   // Rows first: they are what can be lost.
   for (auto Part = FParts.rbegin(); Part != FParts.rend(); ++Part) Part->second->Settle(FOutcome);
   PlanLoading();
+  if (Policies.DryRun) return MakePlan();
   Import();
+  NoteStructuresAlone();
+  AddNotes();
 }
 
-void TImportJob::LookAt(TInputFile& Input) {
+/// The sections that are to be imported.
+std::vector<int> TImportJob::LookAt(TInputFile& Input) {
   Input.File().SetStrictText(!Policies.AllowLoss);
   try {
     Input.Open();
@@ -70,17 +79,24 @@ void TImportJob::LookAt(TInputFile& Input) {
   } catch (const std::exception&) {
     if (!GoesOnWithoutFile()) throw;
     FUnreadable.emplace(Input.Name(), std::current_exception());
-    return;
+    return {};
   }
   if (Input.File().Losses().Any())
     FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
-  const std::vector<int> Chosen = Choose(Input);
-  if (Chosen.empty()) return;
+  std::vector<int> Chosen = Choose(Input);
+  for (const int Index : Chosen)
+    if (const auto Part = FParts.find(Input.File().Sections()[Index].ObjectClass.Role()); Part != FParts.end())
+      Part->second->Announce(Input, Index);
+  return Chosen;
+}
+
+void TImportJob::AddSections(TInputFile& Input, const std::vector<int>& Indexes) {
+  if (Indexes.empty()) return;
   // Without one, an engine that locks all at once looks for changes of others at every question about a table.
   std::optional<TReadTransaction> Moment;
   TDatabases& Databases = Manager().Databases();
   if (!Databases.Connection(DatabaseName).Capabilities().LocksTables) Moment.emplace(Databases, DatabaseName);
-  for (const int Index : Chosen) Add(Input, Index);
+  for (const int Index : Indexes) Add(Input, Index);
 }
 
 /// Lines outside of sections, which an import passes over.
@@ -109,6 +125,7 @@ void TImportJob::PlanLoading() {
   std::vector<TLoadTarget> Targets;
   for (const auto& [Place, Step] : FSteps) {
     if (FOutcome.Items[Step.Number].State == TItemState::LeftOut || !Step.Part) continue;
+    if (Step.Part->IsMade(Step.Number)) continue;
     if (std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number)) Targets.push_back(std::move(*Target));
   }
   if (!Targets.empty() && Relations()) FLoading = Relations()->Load(DatabaseName, Targets, LoadOptions());
@@ -131,7 +148,57 @@ std::int64_t TImportJob::Bytes() const {
   return Result;
 }
 
+/// What Import would do, in its order as far as that is known beforehand.
+void TImportJob::MakePlan() {
+  const auto AddAll = [this](std::vector<TPlanStep> Steps) {
+    for (TPlanStep& Step : Steps) AddToPlan(std::move(Step));
+  };
+  std::vector<const TStep*> Tables;
+  for (const auto& [Place, Step] : FSteps) {
+    const TItem& Item = FOutcome.Items[Step.Number];
+    if (Item.State == TItemState::LeftOut || !Step.Part) continue;
+    if (Step.IsTable)
+      Tables.push_back(&Step);
+    else
+      AddAll(Step.Part->Steps(Item, Step.Number));
+  }
+  if (MakesObjects()) AddAll(StepsBeforeRows());
+  const auto Rank = [this](const TStep* Step) {
+    return FLoading ? FLoading->Rank(FOutcome.Items[Step->Number].Table) : 0;
+  };
+  std::stable_sort(Tables.begin(), Tables.end(), [&](const TStep* A, const TStep* B) { return Rank(A) < Rank(B); });
+  for (auto Step = Tables.rbegin(); Step != Tables.rend(); ++Step)
+    if (std::optional<TPlanStep> Emptying = (*Step)->Part->Emptying((*Step)->Number)) AddToPlan(std::move(*Emptying));
+  for (const TStep* Step : Tables) AddAll(Step->Part->Steps(FOutcome.Items[Step->Number], Step->Number));
+  if (MakesObjects()) AddAll(StepsBehindRows());
+  for (TItem& Item : FOutcome.Items) {
+    if (Item.State == TItemState::LeftOut) continue;
+    Item.State = TItemState::LeftOut;
+    Item.Note = "nothing is changed in a dry run";
+  }
+}
+
+void TImportJob::NoteStructuresAlone() {
+  if (FNotCreated.empty()) return;
+  std::vector<std::string> Names;
+  for (const TStructureId& Structure : FNotCreated) Names.push_back(StructureText(Structure));
+  FOutcome.Notes.push_back(Format("stored as %s only, and not made in the database: %s",
+                                  Counted(static_cast<std::int64_t>(Names.size()), "structure"), Joined(Names)));
+}
+
+bool TImportJob::HasLostRows(const std::string& Table) const {
+  bool Result = false;
+  for (const auto& [Place, Step] : FSteps) {
+    const TItem& Item = FOutcome.Items[Step.Number];
+    if (!Step.IsTable || !SameText(Item.Table, Table) || Item.State == TItemState::LeftOut) continue;
+    if (Item.State == TItemState::Done) return false;
+    Result = true;
+  }
+  return Result;
+}
+
 void TImportJob::Import() {
+  const TMissingTablesGuard Maker([this](TUtilOperation& Run, const std::string&) { return TableMaker(Run); });
   TUOImportFiles Operation;
   Operation.Owner = this;
   Operation.DatabaseName = DatabaseName;
@@ -271,6 +338,20 @@ void TImportJob::FileFailed(const std::string& FileName, const std::exception& E
   FUnreadable.erase(FileName);
   Fail(FOutcome.Items.back(), Error);
   TellItem(FileName, "section", [this] { return ItemDocument(FOutcome.Items.back()); });
+}
+
+void TImportJob::TableFailed(const std::string& Table, const std::exception& Error) {
+  TItem* Found = nullptr;  // that of its rows, else of its structure
+  for (TItem& Item : FOutcome.Items) {
+    const bool IsStructure = Item.Structure && SameText(Item.Structure->Name, Table);
+    if (SameText(Item.Table, Table) || (IsStructure && !Found)) Found = &Item;
+  }
+  if (!Found) {
+    FOutcome.Fail(std::current_exception());
+    FStopped = true;
+    return;
+  }
+  Fail(*Found, Error);
 }
 
 /// Error: the one that is being handled.

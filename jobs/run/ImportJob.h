@@ -23,13 +23,21 @@ class TImportPart {
  public:
   virtual ~TImportPart() = default;
 
-  /// A section that is to be imported; Item gets what is known of it. Raises what is certain to fail.
+  /// A section that is to be imported, before any of all files is added.
+  virtual void Announce(TInputFile& /*Input*/, int /*Index*/) {}
+  /// The same; Item gets what is known of it. Raises what is certain to fail.
   virtual void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) = 0;
   /// Decides about what is there already, before anything is changed; items that are not to be imported become left
   /// out.
   virtual void Settle(TOutcome& Outcome) = 0;
-  /// The table that the section goes into; nothing: none that is there.
+  /// The table that the section goes into; nothing: none that is there, or will be.
   virtual std::optional<TLoadTarget> TargetOf(std::size_t /*Number*/) const { return std::nullopt; }
+  /// Whether that table is made by this run.
+  virtual bool IsMade(std::size_t /*Number*/) const { return false; }
+  /// For a dry run: the emptying that comes before all rows, told once for a table; nothing where it keeps its rows.
+  virtual std::optional<TPlanStep> Emptying(std::size_t /*Number*/) const { return std::nullopt; }
+  /// The same of what is done with the section.
+  virtual std::vector<TPlanStep> Steps(const TItem& /*Item*/, std::size_t /*Number*/) const { return {}; }
   /// Sets the section's object up.
   virtual void Begin(std::size_t Number, TEIObject& Object) = 0;
   /// Takes over what the object counted, after success and after failure. Object: null when it could not be made.
@@ -61,6 +69,18 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual bool GoesOnWithoutFile() const { return false; }
   /// Whether the objects that structures describe are made too.
   virtual bool MakesObjects() const { return true; }
+  /// Who makes tables that are missing; null: nobody, they have to be there.
+  virtual std::unique_ptr<TMissingTables> TableMaker(TUtilOperation& /*Operation*/) { return nullptr; }
+  /// For a dry run: what is done about tables before the first row, and behind the last one.
+  virtual std::vector<TPlanStep> StepsBeforeRows() const { return {}; }
+  virtual std::vector<TPlanStep> StepsBehindRows() const { return {}; }
+  /// Says what a person should know about a run that has come to its end.
+  virtual void AddNotes() {}
+  /// Frees what MakeParts has made beside the parts.
+  virtual void Release() {}
+
+  /// Whether there were rows for the table, and none of them stay.
+  bool HasLostRows(const std::string& Table) const;
 
  private:
   struct TStep {
@@ -71,13 +91,16 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   };
   using TPosition = std::pair<std::string, std::int64_t>;  // a file, the place of a section in it
 
-  void LookAt(TInputFile& Input);
+  std::vector<int> LookAt(TInputFile& Input);
+  void AddSections(TInputFile& Input, const std::vector<int>& Indexes);
   void NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void PlanLoading();
   TLoadOptions LoadOptions() const;
   std::int64_t Bytes() const;
+  void MakePlan();
   void Import();
+  void NoteStructuresAlone();
   void RefuseChangedInputs();
   void BeginWhole();
   void EndWhole(bool Stays);
@@ -98,6 +121,8 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
                   const std::exception* Error) override;
   std::optional<bool> GoOn(const std::exception& Error) override;
   void FileFailed(const std::string& FileName, const std::exception& Error) override;
+  void TableFailed(const std::string& Table, const std::exception& Error) override;
+  void NotCreated(const std::string& Name, int ObjectType) override { FNotCreated.push_back({ObjectType, Name}); }
   void TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) override;
 
   const char* const FKind;
@@ -108,6 +133,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   std::unique_ptr<TTableLoading> FLoading;     // of all tables; null: there are none
   std::unique_ptr<TTransaction> FTransaction;  // of the run where it has no tables
   std::set<std::size_t> FGone;                 // items of groups that were taken back
+  std::vector<TStructureId> FNotCreated;       // structures whose objects nobody makes
   std::optional<TErrorPolicy> FErrors;
   std::optional<TItemAccount> FAccount;  // of the section that is being imported
   const TProgressCallback FShow = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {

@@ -118,7 +118,12 @@ TDocument TJob::Result() const {
   TDocument Result = TDocument::Headed(Schema(), CommandName(), static_cast<int>(FEnd));
   if (FEnd != TEnd::Done) Result.Set("error", ErrorDocument(FactsOf(Failure())));
   Describe(Result);
+  DescribeMore(Result);
   return Result;
+}
+
+void TPolicyJob::DescribeMore(TDocument& Document) const {
+  if (Policies.DryRun) Document.Set("plan", PlanDocument(FPlan));
 }
 
 TStandaloneManager& TJob::Manager() const {

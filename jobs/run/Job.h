@@ -2,9 +2,12 @@
 
 #include <exception>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "jobs/policies/Policies.h"
 #include "jobs/report/Outcome.h"
+#include "jobs/report/PlanStep.h"
 #include "jobs/run/JobListener.h"
 #include "standalone/databases/StandaloneManager.h"
 #include "velkrund/operations/UtilOperation.h"
@@ -51,6 +54,8 @@ class TJob : public TDatabaseUtilOperation {
   virtual std::string_view Schema() const = 0;
   /// Adds what the document says beside schema, command and exit code.
   virtual void Describe(TDocument& Document) const = 0;
+  /// The same, of what stands behind that in every document.
+  virtual void DescribeMore(TDocument& /*Document*/) const {}
 
   TStandaloneManager& Manager() const;
   TFileSystem& Files() const;
@@ -94,6 +99,20 @@ class TJob : public TDatabaseUtilOperation {
 class TPolicyJob : public TJob {
  public:
   TPolicies Policies;
+
+  /// With Policies.DryRun, what the last run would have done.
+  const std::vector<TPlanStep>& PlanSteps() const { return FPlan; }
+
+ protected:
+  /// Without a dry run nothing is kept.
+  void AddToPlan(TPlanStep Step) {
+    if (Policies.DryRun) FPlan.push_back(std::move(Step));
+  }
+  void ForgetPlan() { FPlan.clear(); }
+  void DescribeMore(TDocument& Document) const override;
+
+ private:
+  std::vector<TPlanStep> FPlan;
 };
 
 /// A job on sections, each with an outcome of its own.
@@ -104,7 +123,10 @@ class TSectionsJob : public TPolicyJob {
  protected:
   TEnd Conclusion() const override { return FOutcome.End(); }
   std::exception_ptr Failure() const override;
-  void Forget() override { FOutcome = {}; }
+  void Forget() override {
+    FOutcome = {};
+    ForgetPlan();
+  }
   std::string_view Schema() const override { return "transfer"; }
   void Describe(TDocument& Document) const override { FOutcome.Describe(Document); }
   void Warn(const std::string& Text) override { FOutcome.Notes.push_back("warning: " + Text); }

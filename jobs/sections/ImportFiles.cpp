@@ -22,6 +22,10 @@ constexpr TProperty Properties[] = {
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
     TPolicyRows::BrokenReferences,
+    TPolicyRows::CreateTables,
+    TPolicyRows::LongNames,
+    TPolicyRows::AllowMissing,
+    TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,
     TPolicyRows::Lenient,
     PropertyOf<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),
@@ -42,12 +46,16 @@ void TJobImportFiles::CheckSettings() const {
 }
 
 TImportJob::TParts TJobImportFiles::MakeParts() {
+  FCreation = std::make_unique<TTableCreation>(Manager(), Policies, DatabaseName);
   TTableImport::TSettings Tables{DatabaseName, DatabaseText()};
   Tables.HasToFit = false;
+  Tables.Creation = FCreation.get();
+  TStructureImport::TSettings Structures{DatabaseName};
+  Structures.Creation = FCreation.get();
   TParts Result;
   Result.emplace(TSectionRole::TableData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Tables)));
-  Result.emplace(TSectionRole::Structure, std::make_unique<TStructureImport>(
-                                              Policies.ExistingStructures, TStructureImport::TSettings{DatabaseName}));
+  Result.emplace(TSectionRole::Structure,
+                 std::make_unique<TStructureImport>(Policies.ExistingStructures, std::move(Structures)));
   return Result;
 }
 

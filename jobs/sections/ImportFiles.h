@@ -1,15 +1,17 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "jobs/dictionary/TableCreation.h"
 #include "jobs/run/ImportJob.h"
 #include "jobs/run/JobInterface.h"
 
 namespace velkrund {
 
-/// Loads everything that files hold: of all files together the structures first, then the rows of tables, then the
-/// database objects that the structures describe.
+/// Loads everything that files hold: of all files together the structures first, then the tables that are missing and
+/// described, then the rows, then the database objects that the structures describe.
 class TJobImportFiles final : public TImportJob {
  public:
   TJobImportFiles() : TImportJob("file") {}
@@ -26,6 +28,16 @@ class TJobImportFiles final : public TImportJob {
   TParts MakeParts() override;
   std::vector<int> Choose(TInputFile& Input) override;
   bool GoesOnWithoutFile() const override { return true; }
+  std::unique_ptr<TMissingTables> TableMaker(TUtilOperation& Operation) override {
+    return FCreation->Maker(Operation, [this](const std::string& Table) { return HasLostRows(Table); });
+  }
+  std::vector<TPlanStep> StepsBeforeRows() const override { return FCreation->StepsBefore(); }
+  std::vector<TPlanStep> StepsBehindRows() const override { return FCreation->StepsBehind(); }
+  void AddNotes() override { FCreation->AddNotes(FOutcome); }
+  void Release() override { FCreation.reset(); }
+
+ private:
+  std::unique_ptr<TTableCreation> FCreation;  // during a run
 };
 
 using TJobImportFilesInterface = TJobInterface<TJobImportFiles>;

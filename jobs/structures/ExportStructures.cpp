@@ -30,14 +30,23 @@ void TJobExportStructures::CheckSettings() const {
 }
 
 /// The structures under their stored names, each once. A name that is none ends the run before anything is written.
-std::vector<TItem> TJobExportStructures::Plan() {
+std::vector<TItem> TJobExportStructures::PlanItems() {
   FOperation.RootNode = RootNode;
   TDSPTable& Stored = DSPContainer().Table(DatabaseName);
   TStructureSearch Search(Stored, FOutcome.Database);
   std::vector<TDSPListItem> Found;
   if (Names.empty()) Found = StructuresLike(Stored, ObjectType, {});
-  for (const std::string& Name : Names) Found.push_back(Search.Find(Name, ObjectType));
   std::vector<TItem> Result;
+  for (const std::string& Name : Names) {
+    try {
+      Found.push_back(Search.Find(Name, ObjectType));
+    } catch (const EStructureMissing&) {
+      TItem& Missing = Result.emplace_back();
+      Missing.Section = Name;
+      if (ObjectType != AnyType) Missing.Structure = TStructureId{ObjectType, Name};
+      LeaveOut(Missing, std::current_exception());
+    }
+  }
   std::set<std::pair<int, std::string>> Seen;
   for (TDSPListItem& Structure : Found) {
     if (!Seen.insert({Structure.ObjectType, Structure.ObjectName}).second) continue;
@@ -57,9 +66,10 @@ std::string TJobExportStructures::NameOfSection(const TStructureId& Structure) c
   return RootNode.empty() ? StructureText(Structure) : StructureText(Structure) + " " + RootNode;
 }
 
-void TJobExportStructures::Prepare(const TItem& Item) {
+TExportUtilOperation& TJobExportStructures::OperationFor(const TItem& Item) {
   FOperation.ObjectType = Item.Structure->Type;
   FOperation.ObjectName = Item.Structure->Name;
+  return FOperation;
 }
 
 }  // namespace velkrund

@@ -13,7 +13,7 @@ namespace velkrund {
 /// Columns", so that it does not take the place of the whole.
 class TJobExportStructures final : public TExportJob {
  public:
-  TJobExportStructures() : TExportJob("structure", TSectionRole::Structure, "bytes") {}
+  TJobExportStructures() : TExportJob("structure") {}
 
   std::vector<std::string> Names;     // none: all structures, or all of the type
   std::int32_t ObjectType = AnyType;  // a name that structures of several types have is an error then
@@ -26,9 +26,8 @@ class TJobExportStructures final : public TExportJob {
 
  protected:
   bool Several() const override { return Names.size() != 1; }
-  std::vector<TItem> Plan() override;
-  TExportUtilOperation& Operation() override { return FOperation; }
-  void Prepare(const TItem& Item) override;
+  std::vector<TItem> PlanItems() override;
+  TExportUtilOperation& OperationFor(const TItem& Item) override;
 
  private:
   std::string NameOfSection(const TStructureId& Structure) const;

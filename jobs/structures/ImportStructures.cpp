@@ -17,6 +17,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingStructures,
     TPolicyRows::OnError,
     TPolicyRows::Commit,
+    TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),
     PropertyOf<&TThis::Sections>("Sections", "names or indexes of the sections to load; empty: all structure sections"),

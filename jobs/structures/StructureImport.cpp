@@ -28,6 +28,18 @@ TStructureImport::TStructureImport(TExisting Existing, TSettings Settings) : FSe
   if (Existing == TExisting::Add) FAsk.FForAll = TDSPImportOverwriteOptions::ioDifference;
 }
 
+void TStructureImport::Announce(TInputFile& Input, int Index) {
+  if (FSettings.Creation) FSettings.Creation->AddStructure(Input, Index);
+}
+
+std::vector<TPlanStep> TStructureImport::Steps(const TItem& Item, std::size_t) const {
+  if (!Item.Structure) return {};
+  const bool Exists =
+      DSPContainer().Table(FSettings.DatabaseName).DSPStructureExist(Item.Structure->Name, Item.Structure->Type);
+  if (Exists && !FAsk.FYes) return {};
+  return {{Format("%s the structure %s", Exists ? "replace or update" : "add", StructureText(*Item.Structure))}};
+}
+
 void TStructureImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t) {
   Item.Structure = StructureOf(Input.File().Sections()[Index]);
   if (!Item.Structure) return;  // the import says what is wrong with the header

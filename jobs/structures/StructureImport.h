@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "jobs/dictionary/TableCreation.h"
 #include "jobs/policies/Policies.h"
 #include "jobs/run/ImportJob.h"
 #include "velkrund/dsp/DSPOverwriteAsk.h"
@@ -23,11 +24,14 @@ class TStructureImport final : public TImportPart {
     bool ClearRoot = true;        // what is replaced is emptied first
     bool ChangeStructureProperties = true;
     TDSPImportOverwriteOptions OverwriteOptions = TDSPImportOverwriteOptions::ioReplace;
+    TTableCreation* Creation = nullptr;  // borrowed; null: no tables are made
   };
 
   TStructureImport(TExisting Existing, TSettings Settings);
 
+  void Announce(TInputFile& Input, int Index) override;
   void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) override;
+  std::vector<TPlanStep> Steps(const TItem& Item, std::size_t Number) const override;
   void Settle(TOutcome& Outcome) override;
   void Begin(std::size_t Number, TEIObject& Object) override;
   void End(TItem& Item, const TEIObject* Object) override;

@@ -1,9 +1,14 @@
 #include "jobs/tables/ExportTables.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 
+#include "jobs/dictionary/ObjectChoice.h"
 #include "jobs/tables/TableSearch.h"
+#include "standalone/databases/ReadTransaction.h"
+#include "standalone/dictionary/Describer.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -31,6 +36,8 @@ constexpr std::string_view Orders[] = {"key", "any"};
 
 constexpr TProperty Properties[] = {
     PropertyOf<&TThis::Tables>("Tables", "the tables to save; empty: all of the database"),
+    TPolicyRows::Columns,
+    PropertyOf<&TThis::Structures>("Structures", "describe each table in a structure section before its rows"),
     PropertyOf<&TThis::Fields>("Fields", "for one table: the only fields to save; empty: all"),
     ChoiceOf<&TThis::RowOrder>("RowOrder", "of every table: by its key, or as the engine has them, which is quickest",
                                Orders),
@@ -44,14 +51,19 @@ constinit const TInterfaceDescriptor TThis::Interface =
 
 void TJobExportTables::CheckSettings() const {
   TExportJob::CheckSettings();
+  if (Structures && !Fields.empty())
+    throw ESettingsError(
+        Format("%s describes whole tables: it does not go with %s", Setting("Structures"), Setting("Fields")));
   if (Several() && !Fields.empty())
     throw ESettingsError(Format("%s names fields of one table, but several tables are exported", Setting("Fields")));
 }
 
 std::vector<std::string> TJobExportTables::AllTables() {
   std::map<TTableKind, std::vector<std::string>> Names;
-  for (const TTableInfo& Table : Manager().Tables(DatabaseName))
+  for (const TTableInfo& Table : Manager().Tables(DatabaseName)) {
     Names[Table.Kind == TTableKind::Extension ? TTableKind::Table : Table.Kind].push_back(FullName(Table));
+    if (Table.Kind == TTableKind::IndexOfTable || Table.Kind == TTableKind::IndexAlone) FWithoutRows.push_back(Table);
+  }
   std::vector<std::string> Result = std::move(Names[TTableKind::Table]);
   if (Result.empty()) FOutcome.Notes.emplace_back("there are no tables");
   for (const auto& [Kind, What] : KindsLeftOut)
@@ -72,25 +84,88 @@ void TJobExportTables::RefuseWithoutRows() const {
   }
 }
 
+TItem TJobExportTables::WithoutTable(const TTableSearch& Search, const std::string& Name) {
+  TItem Result;
+  Result.Section = SectionName.empty() ? Name : SectionName;
+  Result.Table = Name;
+  try {
+    Search.Missing(Name);
+  } catch (const EDatabaseError&) {
+    LeaveOut(Result, std::current_exception());
+  }
+  return Result;
+}
+
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
-std::vector<TItem> TJobExportTables::Plan() {
+std::vector<TItem> TJobExportTables::PlanItems() {
   RefuseWithoutRows();
+  FWithoutRows.clear();
   FOperation.Fields = TStringList(Fields);
   FOperation.KeyOrder = RowOrder == TRowOrder::Key;
-  std::vector<TItem> Result;
+  std::vector<TItem> Result, Missing;
   std::set<std::string> Seen;
   const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
   for (const std::string& Name : Tables.empty() ? AllTables() : Tables) {
     const std::unique_ptr<TTable> Table = Search.Find(Name, false);
-    if (!Table) Search.Missing(Name);
+    if (!Table) {
+      if (Seen.insert(Name).second) Missing.push_back(WithoutTable(Search, Name));
+      continue;
+    }
     for (const std::string& Field : Fields) Search.RequireField(*Table, Field);
     if (!Seen.insert(Table->TableName()).second) continue;
+    Result.push_back(RowsItem(Table->TableName()));
+  }
+  if (Structures) Result = WithStructures(std::move(Result));
+  std::move(Missing.begin(), Missing.end(), std::back_inserter(Result));
+  return Result;
+}
+
+TItem TJobExportTables::RowsItem(const std::string& Table) const {
+  TItem Result;
+  Result.Section = SectionName.empty() ? Table : SectionName;
+  Result.Table = Table;
+  return Result;
+}
+
+/// Before the rows of each table the structure that describes it; behind all those of tables without rows.
+std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
+  const TReadTransaction Moment(Manager().Databases(), DatabaseName);
+  TConnection& Connection = Manager().Databases().Connection(DatabaseName);
+  std::vector<TDefinedObject> Objects;
+  for (const TItem& Item : Rows) {
+    const TTableInfo Table = Connection.Schema().FindTable(Item.Table).value();
+    if (Table.Kind == TTableKind::View)
+      throw EDatabaseError(Format("'%s' is a view: there is no table to describe. Name tables, or leave %s out",
+                                  Item.Table, Setting("Structures")),
+                           {.Table = Item.Table});
+    Objects.push_back({TDefinedKind::Table, Table});
+  }
+  const std::size_t WithRows = Objects.size();
+  for (const TTableInfo& Table : FWithoutRows) Objects.push_back({TDefinedKind::Table, Table});
+  RefuseNames(Objects);
+  std::vector<TItem> Result;
+  TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
+  for (std::size_t I = 0; I < Objects.size(); ++I) {
+    if (IsCanceled()) throw EAbort("cancelled");
+    TDescribed Described = Describer.Describe(Objects[I]);
     TItem Item;
-    Item.Section = SectionName.empty() ? Table->TableName() : SectionName;
-    Item.Table = Table->TableName();
+    Item.Structure = TStructureId{Described.Item.ObjectType, Described.Item.ObjectName};
+    Item.Section = StructureText(*Item.Structure);
+    FStructures.Described.Put(std::move(Described.Item), std::move(Described.Tree));
     Result.push_back(std::move(Item));
+    if (I < WithRows) Result.push_back(std::move(Rows[I]));
   }
   return Result;
+}
+
+TExportUtilOperation& TJobExportTables::OperationFor(const TItem& Item) {
+  if (!Item.Structure) {
+    FOperation.TableName = Item.Table;
+    return FOperation;
+  }
+  FStructures.ObjectType = Item.Structure->Type;
+  FStructures.ObjectName = Item.Structure->Name;
+  return FStructures;
 }
 
 void TJobExportTables::AddNotes() {

@@ -18,6 +18,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
     TPolicyRows::BrokenReferences,
+    TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,
     TPolicyRows::Lenient,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),

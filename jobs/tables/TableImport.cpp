@@ -23,19 +23,26 @@ std::string RowsText(const std::string& Table, std::int64_t Rows, bool Begins = 
 }  // namespace
 
 TTableImport::TTableImport(TStandaloneManager& Manager, const TPolicies& Policies, TSettings Settings)
-    : FPolicies(Policies),
+    : FManager(Manager),
+      FPolicies(Policies),
       FSettings(std::move(Settings)),
       FSearch(Manager, FSettings.DatabaseName, FSettings.DatabaseText),
       FFields(FSettings.Fields) {}
 
-TTableImport::TTarget& TTableImport::TargetFor(TTable& Table) {
-  const auto IsIt = [&](const TTarget& Target) { return Target.Table == Table.TableName(); };
+bool TTableImport::TKnownTable::Has(const std::string& Field) const {
+  return std::any_of(Fields.begin(), Fields.end(), [&](const std::string& Each) { return SameText(Each, Field); });
+}
+
+/// Table: null where the run makes it.
+TTableImport::TTarget& TTableImport::TargetFor(const std::string& Name, TTable* Table) {
+  const auto IsIt = [&](const TTarget& Target) { return Target.Table == Name; };
   const auto Known = std::find_if(FTargets.begin(), FTargets.end(), IsIt);
   if (Known != FTargets.end()) return *Known;
-  TTarget Target{Table.TableName()};
+  TTarget Target{Name};
+  Target.IsMade = !Table;
   Target.Keep = FPolicies.ExistingRows != TExisting::Replace;
   const bool Counts = FPolicies.ExistingRows == TExisting::Ask || FPolicies.ExistingRows == TExisting::Skip;
-  if (Counts) Target.Rows = Table.RecordCount();
+  if (Counts && Table) Target.Rows = Table->RecordCount();
   FTargets.push_back(std::move(Target));
   return FTargets.back();
 }
@@ -43,15 +50,26 @@ TTableImport::TTarget& TTableImport::TargetFor(TTable& Table) {
 void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) {
   const TEISectionList& Sections = Input.File().Sections();
   Item.Table = FSettings.TableName.empty() ? TableOf(Sections[Index]) : FSettings.TableName;
-  const std::unique_ptr<TTable> Table = FSearch.Find(Item.Table, true);
-  if (!Table && FSettings.HasToFit && Item.Table.empty())
+  const TDicTableDescription* const Described =
+      FSettings.Creation && !Item.Table.empty() ? FSettings.Creation->Find(Item.Table) : nullptr;
+  const std::unique_ptr<TTable> Table = Described ? nullptr : FSearch.Find(Item.Table, true);
+  TKnownTable Known;
+  if (Described) {
+    Known.Name = Described->FullName();
+    for (const TDicField& Field : Described->Fields) Known.Fields.push_back(Field.Name);
+  } else if (Table) {
+    Known.Name = Table->TableName();
+    for (int I = 0; I < Table->Record().FieldCount(); ++I) Known.Fields.push_back(Table->Record().Fields(I).Name());
+  }
+  const bool IsKnown = Described || Table;
+  if (!IsKnown && FSettings.HasToFit && Item.Table.empty())
     throw EEIError(Format("The header of %s names no table: give the one that it is for", SectionText(Sections, Index)),
                    {.Code = TErrorCode::TableMissing, .File = Input.Name(), .Section = Sections[Index].Name()});
-  if (!Table && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
-  if (!Table) return;  // the import of the section says so
-  Item.Table = Table->TableName();
-  if (!Fits(Input, Index, *Table, Number)) return;
-  TTarget& Target = TargetFor(*Table);
+  if (!IsKnown && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
+  if (!IsKnown) return;  // the import of the section says so
+  Item.Table = Known.Name;
+  if (!Fits(Input, Index, Known, Number)) return;
+  TTarget& Target = TargetFor(Known.Name, Table.get());
   Target.Sections.push_back(Number);
   Target.Texts.push_back(Format("%s of '%s'", SectionText(Sections, Index), Input.Name()));
   FPlaces.emplace(Number, static_cast<std::size_t>(&Target - FTargets.data()));
@@ -59,7 +77,7 @@ void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Nu
 
 /// Whether the section's fields are those of the table. An error that ends the run comes before anything is changed;
 /// where the run goes on with the others, the section keeps it until its turn comes.
-bool TTableImport::Fits(TInputFile& Input, int Index, TTable& Table, std::size_t Number) {
+bool TTableImport::Fits(TInputFile& Input, int Index, const TKnownTable& Table, std::size_t Number) {
   try {
     CheckFields(Input, Index, Table);
     return true;
@@ -71,7 +89,7 @@ bool TTableImport::Fits(TInputFile& Input, int Index, TTable& Table, std::size_t
 }
 
 /// Fields that nobody has: the section would refuse them too, after other sections were loaded.
-void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) const {
+void TTableImport::CheckFields(TInputFile& Input, int Index, const TKnownTable& Table) const {
   const std::optional<std::vector<std::string>> Names = FieldsOf(Input.File(), Index);
   if (!Names) return;  // the import says what is wrong with the body
   const TEISectionList& Sections = Input.File().Sections();
@@ -85,39 +103,38 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, TTable& Table) cons
                  ContentHint(Field, *Names, ": it has ")),
           {.Code = TErrorCode::FieldMissing, .File = Input.Name(), .Section = Sections[Index].Name(), .Column = Field});
   const std::vector<std::string>& Wanted = FSettings.Fields.empty() ? *Names : FSettings.Fields;
-  const auto InTable = [&](const std::string& Field) { return Table.FindField(Field) != nullptr; };
+  const auto InTable = [&](const std::string& Field) { return Table.Has(Field); };
   // There are tables without a field, whose rows are merely counted.
-  if (Wanted.empty() && Table.Record().FieldCount() == 0) return;
+  if (Wanted.empty() && Table.Fields.empty()) return;
   if (std::none_of(Wanted.begin(), Wanted.end(), InTable))
-    throw EEIError(
-        Format("The table '%s' has none of the fields of %s%s", Table.TableName(), SectionText(Sections, Index),
-               Wanted.empty() ? ", which has none" : ": " + JoinedInShort(Wanted)),
-        {.Code = TErrorCode::FieldMissing,
-         .File = Input.Name(),
-         .Section = Sections[Index].Name(),
-         .Table = Table.TableName()});
+    throw EEIError(Format("The table '%s' has none of the fields of %s%s", Table.Name, SectionText(Sections, Index),
+                          Wanted.empty() ? ", which has none" : ": " + JoinedInShort(Wanted)),
+                   {.Code = TErrorCode::FieldMissing,
+                    .File = Input.Name(),
+                    .Section = Sections[Index].Name(),
+                    .Table = Table.Name});
   if (FPolicies.MissingFields == TMissingFields::Refuse) RefuseMissing(Input, Index, Table, Wanted);
 }
 
 /// Fields that would be passed over.
-void TTableImport::RefuseMissing(TInputFile& Input, int Index, TTable& Table, const std::vector<std::string>& Wanted) {
-  std::vector<std::string> Missing, Known;
+void TTableImport::RefuseMissing(TInputFile& Input, int Index, const TKnownTable& Table,
+                                 const std::vector<std::string>& Wanted) {
+  std::vector<std::string> Missing;
   std::string First;
   for (const std::string& Field : Wanted) {
-    if (Table.FindField(Field)) continue;
+    if (Table.Has(Field)) continue;
     if (Missing.empty()) First = Field;
     Missing.push_back(Format("'%s'", Field));
   }
   if (Missing.empty()) return;
-  for (int I = 0; I < Table.Record().FieldCount(); ++I) Known.push_back(Table.Record().Fields(I).Name());
   const TEISectionList& Sections = Input.File().Sections();
   const char* const Noun = Missing.size() == 1 ? "field" : "fields";
-  throw EEIError(Format("The table '%s' lacks the %s %s of %s%s", Table.TableName(), Noun,
-                        JoinedInShort(std::move(Missing)), SectionText(Sections, Index), NearestHint(First, Known)),
+  throw EEIError(Format("The table '%s' lacks the %s %s of %s%s", Table.Name, Noun, JoinedInShort(std::move(Missing)),
+                        SectionText(Sections, Index), NearestHint(First, Table.Fields)),
                  {.Code = TErrorCode::FieldMissing,
                   .File = Input.Name(),
                   .Section = Sections[Index].Name(),
-                  .Table = Table.TableName(),
+                  .Table = Table.Name,
                   .Column = First});
 }
 
@@ -152,11 +169,19 @@ void TTableImport::Settle(TOutcome& Outcome) {
     Target.Keep = Answer != TAnswer::Yes;
     Target.LeaveOut = Answer == TAnswer::No;
     RefuseRepeated(Target);
-    if (!Target.LeaveOut) continue;
-    for (const std::size_t Number : Target.Sections) {
-      Outcome.Items[Number].State = TItemState::LeftOut;
-      Outcome.Items[Number].Note = Format("the table keeps its %s", Counted(Target.Rows, "row"));
-    }
+    if (Target.LeaveOut) LeaveOut(Outcome, Target, Format("the table keeps its %s", Counted(Target.Rows, "row")));
+  }
+  if (!FSettings.Creation) return;
+  FSettings.Creation->Settle(Outcome);
+  for (const TTarget& Target : FTargets)
+    if (Target.IsMade && FSettings.Creation->IsDeclined())
+      LeaveOut(Outcome, Target, "the table is not there, and making it was declined");
+}
+
+void TTableImport::LeaveOut(TOutcome& Outcome, const TTarget& Target, const std::string& Note) const {
+  for (const std::size_t Number : Target.Sections) {
+    Outcome.Items[Number].State = TItemState::LeftOut;
+    Outcome.Items[Number].Note = Note;
   }
 }
 
@@ -169,6 +194,26 @@ std::optional<TLoadTarget> TTableImport::TargetOf(std::size_t Number) const {
   const TTarget* const Target = Find(Number);
   if (!Target) return std::nullopt;
   return TLoadTarget{Target->Table, !Target->Keep};
+}
+
+bool TTableImport::IsMade(std::size_t Number) const {
+  const TTarget* const Target = Find(Number);
+  return Target && Target->IsMade;
+}
+
+std::optional<TPlanStep> TTableImport::Emptying(std::size_t Number) const {
+  const TTarget* const Target = Find(Number);
+  if (!Target || Target->Keep || Target->IsMade || Target->Sections.front() != Number) return std::nullopt;
+  TConnection& Connection = FManager.Databases().Connection(FSettings.DatabaseName);
+  const TTableInfo Table = Connection.Schema().FindTable(Target->Table).value();
+  return TPlanStep{Format("delete the rows of table '%s'", Target->Table), Connection.Schema().RowCount(Table),
+                   "DELETE FROM " + Connection.Dialect().SQLName(Table)};
+}
+
+std::vector<TPlanStep> TTableImport::Steps(const TItem& Item, std::size_t Number) const {
+  const TTarget* const Target = Find(Number);
+  if (!Target) return {};
+  return {{Format("load the section '%s' into table '%s'", Item.Section, Target->Table)}};
 }
 
 void TTableImport::Begin(std::size_t Number, TEIObject& Object) {

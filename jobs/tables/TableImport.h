@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "jobs/dictionary/TableCreation.h"
 #include "jobs/policies/Policies.h"
 #include "jobs/run/ImportJob.h"
 #include "jobs/tables/TableSearch.h"
@@ -23,6 +24,7 @@ class TTableImport final : public TImportPart {
     std::vector<std::string> Fields = {};  // the only ones to move; none: all
     bool HasToFit = true;                  // a section whose table is not there, or lacks fields, ends the run at once
     bool AreChosen = false;                // a person has named each of the sections
+    TTableCreation* Creation = nullptr;    // borrowed; null: no tables are made
   };
 
   /// Manager, Policies: borrowed.
@@ -31,6 +33,9 @@ class TTableImport final : public TImportPart {
   void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) override;
   void Settle(TOutcome& Outcome) override;
   std::optional<TLoadTarget> TargetOf(std::size_t Number) const override;
+  bool IsMade(std::size_t Number) const override;
+  std::optional<TPlanStep> Emptying(std::size_t Number) const override;
+  std::vector<TPlanStep> Steps(const TItem& Item, std::size_t Number) const override;
   void Begin(std::size_t Number, TEIObject& Object) override;
   void End(TItem& Item, const TEIObject* Object) override;
 
@@ -41,18 +46,29 @@ class TTableImport final : public TImportPart {
     std::int64_t Rows = 0;  // that are there; counted only where they are asked about
     bool Keep = false;      // these rows
     bool LeaveOut = false;
+    bool IsMade = false;                     // by this run
     std::vector<std::size_t> Sections = {};  // numbers of items
     std::vector<std::string> Texts = {};     // of the sections, for messages
   };
 
-  TTarget& TargetFor(TTable& Table);
-  bool Fits(TInputFile& Input, int Index, TTable& Table, std::size_t Number);
-  void CheckFields(TInputFile& Input, int Index, TTable& Table) const;
-  static void RefuseMissing(TInputFile& Input, int Index, TTable& Table, const std::vector<std::string>& Wanted);
+  /// A table that is there, or will be, and its fields.
+  struct TKnownTable {
+    std::string Name;
+    std::vector<std::string> Fields;
+    bool Has(const std::string& Field) const;
+  };
+
+  TTarget& TargetFor(const std::string& Name, TTable* Table);
+  bool Fits(TInputFile& Input, int Index, const TKnownTable& Table, std::size_t Number);
+  void CheckFields(TInputFile& Input, int Index, const TKnownTable& Table) const;
+  static void RefuseMissing(TInputFile& Input, int Index, const TKnownTable& Table,
+                            const std::vector<std::string>& Wanted);
+  void LeaveOut(TOutcome& Outcome, const TTarget& Target, const std::string& Note) const;
   void RefuseUnanswered() const;
   void RefuseRepeated(const TTarget& Target) const;
   const TTarget* Find(std::size_t Number) const;
 
+  TStandaloneManager& FManager;
   const TPolicies& FPolicies;
   const TSettings FSettings;
   const TTableSearch FSearch;

@@ -135,7 +135,9 @@ class TConfigurationReader {
     for (const auto& [Key, Node] : Table(Databases)) {
       const TEntry Entry{"database." + std::string(Key.str()), Node};
       TDatabaseEntry& Database = FResult.Databases[std::string(Key.str())];
-      ReadTable(Table(Entry), Entry.Key + ".", {{"url", [&](const TEntry& E) { ReadUrl(E, Database); }}});
+      ReadTable(Table(Entry), Entry.Key + ".",
+                {{"url", [&](const TEntry& E) { ReadUrl(E, Database); }},
+                 {"table_pattern", [&](const TEntry& E) { Database.TablePattern = Text(E); }}});
       if (Database.Url.empty()) Raise(Entry, "the key 'url' is missing");
     }
   }

@@ -14,9 +14,10 @@ namespace velkrund {
 VELKRUND_EXCEPTION(EConfigurationError, Exception);
 
 struct TDatabaseEntry {
-  std::string Url;           // variables already replaced, where they are set
-  std::string Problem = {};  // why the entry cannot be used: a variable that is not set. Other entries may be used
-  std::int64_t Line = 0;     // of the address
+  std::string Url;                // variables already replaced, where they are set
+  std::string Problem = {};       // why the entry cannot be used: a variable that is not set. Other entries may be used
+  std::int64_t Line = 0;          // of the address
+  std::string TablePattern = {};  // the structure by which tables are made that are linked to none
 };
 
 enum class TTraceLevelSetting { Off, Error, Info, Detail };
@@ -38,6 +39,7 @@ enum class TTraceLevelSetting { Off, Error, Info, Detail };
 ///     [database.shop]
 ///     url = "sqlite:shop.db"        # ${NAME} stands for an environment variable, so that secrets stay out of the file
 ///                                   # (behind "//" a user, a password and a parameter's value may be any text)
+///     table_pattern = "OURS"        # the structure (type 75) by which tables are made that are linked to none
 ///
 /// Relative file names are relative to the file's folder. Everything may be left out.
 struct TConfiguration {

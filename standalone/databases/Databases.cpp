@@ -28,6 +28,16 @@ void TDatabases::RefuseName(const std::string& Name) const {
                        {.Code = TErrorCode::DatabaseName, .Database = Shown});
 }
 
+std::string TDatabases::PatternName(const std::string& Name) const {
+  const auto Entry = FConfiguration.Databases.find(Name.empty() ? FDefaultDatabase : Name);
+  return Entry == FConfiguration.Databases.end() ? std::string() : Entry->second.TablePattern;
+}
+
+const TScriptWriter* TDatabases::Scripts(std::string_view Scheme) const {
+  const TDriver* const Driver = FDrivers.Find(Scheme);
+  return Driver ? &Driver->Scripts() : nullptr;
+}
+
 TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   if (Name.empty() && FDefaultDatabase.empty())
     throw EDatabaseError("No database is named, and there is no default database", {.Code = TErrorCode::DatabaseName});

@@ -36,6 +36,12 @@ class TDatabases {
   void RollbackTransaction(const std::string& Name);
   bool IsInTransaction(const std::string& Name) { return Database(Name).Depth > 0; }
 
+  /// What the configuration names for the tables of a database; empty: nothing.
+  std::string PatternName(const std::string& Name) const;
+  /// How an engine makes objects: by the scheme of its addresses. Null for one that is not known.
+  const TScriptWriter* Scripts(std::string_view Scheme) const;
+  std::vector<std::string> Schemes() const { return FDrivers.Schemes(); }
+
   void SetDefaultDatabase(std::string Name);
   const std::string& DefaultDatabase() const { return FDefaultDatabase; }
   /// Databases that are connected to from now on are made when they do not exist. Returns what held before.

@@ -13,13 +13,22 @@ namespace {
 std::string TextOf(const std::vector<TScriptGap>& Gaps) {
   std::vector<std::string> Texts;
   for (const TScriptGap& Gap : Gaps) Texts.push_back(Gap.What + (Gap.Why.empty() ? "" : ", " + Gap.Why));
-  return Joined(Texts);
+  return JoinedInShort(std::move(Texts));
+}
+
+/// Each once.
+std::string KindsOf(const std::vector<TScriptGap>& Gaps) {
+  std::set<std::string> Kinds;
+  for (const TScriptGap& Gap : Gaps) Kinds.insert(Gap.Kind);
+  return Joined({Kinds.begin(), Kinds.end()});
 }
 
 }  // namespace
 
 EGap::EGap(std::vector<TScriptGap> Gaps)
-    : EDatabaseError(Format("The database has no words for %s", TextOf(Gaps))), FGaps(std::move(Gaps)) {}
+    : EDatabaseError(Format("The database has no words for %s (%s)", TextOf(Gaps), KindsOf(Gaps)),
+                     {.Code = TErrorCode::NoWords}),
+      FGaps(std::move(Gaps)) {}
 
 void TGapBook::Take(const std::vector<TScriptGap>& Gaps) {
   std::vector<TScriptGap> Refused;

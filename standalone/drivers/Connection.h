@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/Definitions.h"
@@ -76,6 +77,10 @@ class TConnection {
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
   /// places that the engine's SQL marks for them, in order.
   virtual std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
+  /// Parts a script into its statements as the engine does, and has it read each of them; none is run. Returns the
+  /// names of the parameters in it, each once. Raises EDatabaseError for what the engine does not understand, and for
+  /// statements that begin or end transactions. Of engines that keep no procedures alone.
+  virtual std::vector<std::string> CheckScript(const std::string& /*Script*/) { return {}; }
   /// Makes an index of words (TTableKind::IndexOfTable) anew from the rows of its table, inside the caller's
   /// transaction.
   virtual void RebuildTextIndex(const TTableInfo& /*Index*/) {}

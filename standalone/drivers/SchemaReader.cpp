@@ -7,7 +7,8 @@
 namespace velkrund {
 namespace {
 
-constexpr std::string_view CatalogueTables[] = {"velkrund_catalogue", "velkrund_structures"};
+constexpr std::string_view CatalogueTables[] = {"velkrund_catalogue", "velkrund_structures", "velkrund_generators",
+                                                "velkrund_procedures"};
 
 }  // namespace
 

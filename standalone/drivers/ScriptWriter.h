@@ -59,6 +59,11 @@ class TScriptWriter {
   virtual TScript View(const TDicViewDescription& View, bool Replace) const = 0;
   /// Start: the first value; nothing: that of the description.
   virtual TScript Generator(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) const = 0;
+  /// Makes Value the last one that was given out, of one that is there as described; undone by a roll back. Of engines
+  /// with generators alone.
+  virtual TScript SetGenerator(const TDicGeneratorDescription& /*Generator*/, std::int64_t /*Value*/) const {
+    return {};
+  }
   virtual TScript Procedure(const TDicProcedureDescription& Procedure, bool Replace) const = 0;
 
   virtual std::string DropTable(const TDicObjectDescription& Table) const = 0;

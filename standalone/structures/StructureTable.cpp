@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "standalone/catalogue/CatalogueCells.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -24,30 +25,10 @@ const TCatalogueTable& Structures() {
   return Table;
 }
 
-TKvVariant Text(std::string_view Bytes, TKvKind Kind = TKvKind::String) {
-  TKvVariant Result;
-  Result.BorrowText(Bytes, Kind);
-  return Result;
-}
-
-TKvVariant Number(std::int64_t Value) {
-  TKvVariant Result;
-  Result.SetInteger(Value);
-  return Result;
-}
-
-std::string TakeText(TCursor& Rows, int Column) {
-  TKvVariant Value;
-  Rows.Read(Column, Value);
-  return std::string(Value.AsText());
-}
-
 constexpr const char* ItemColumns = "object_name, object_type, table_name, parent_object, remarks";
 
 TDSPListItem TakeItem(TCursor& Rows) {
-  TKvVariant Type;
-  Rows.Read(1, Type);
-  return {TakeText(Rows, 0), static_cast<int>(Type.AsInteger()), TakeText(Rows, 2), TakeText(Rows, 3),
+  return {TakeText(Rows, 0), static_cast<int>(TakeNumber(Rows, 1).value_or(0)), TakeText(Rows, 2), TakeText(Rows, 3),
           TakeText(Rows, 4)};
 }
 
@@ -67,7 +48,7 @@ std::unique_ptr<TCursor> TStructureTable::Select(const char* Columns, const std:
   TConnection& Connection = FConnect();
   if (!TCatalogue(Connection).Has(Structures())) return nullptr;
   const std::string Key = LowerCase(ObjectName);
-  const TKvVariant Identity[] = {Number(ObjectType), Text(Key)};
+  const TKvVariant Identity[] = {NumberCell(ObjectType), TextCell(Key)};
   auto Rows = Connection.Query(
       Format("SELECT %s FROM %s%s", Columns, Structures().Name, WhereIdentity(Connection.Dialect())), Identity);
   if (!Rows->Next()) return nullptr;
@@ -93,13 +74,13 @@ std::optional<std::string> TStructureTable::ReadTree(const std::string& ObjectNa
 
 void TStructureTable::ChangeStructureProperties(const TDSPListItem& Item) {
   Store(Item.ObjectName, Item.ObjectType,
-        {{"table_name", Text(Item.TableName)},
-         {"parent_object", Text(Item.ParentObject)},
-         {"remarks", Text(Item.Remarks)}});
+        {{"table_name", TextCell(Item.TableName)},
+         {"parent_object", TextCell(Item.ParentObject)},
+         {"remarks", TextCell(Item.Remarks)}});
 }
 
 void TStructureTable::WriteTree(const std::string& ObjectName, int ObjectType, std::string_view Bytes) {
-  Store(ObjectName, ObjectType, {{"tree", Text(Bytes, TKvKind::Bytes)}});
+  Store(ObjectName, ObjectType, {{"tree", TextCell(Bytes, TKvKind::Bytes)}});
 }
 
 void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const std::vector<TSetting>& Settings) {
@@ -108,7 +89,7 @@ void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const
   const TDialect& Dialect = Connection.Dialect();
   TCatalogue(Connection).Make(Structures());
   const std::string Key = LowerCase(ObjectName);
-  std::vector<TKvVariant> Parameters = {Number(ObjectType), Text(Key)};
+  std::vector<TKvVariant> Parameters = {NumberCell(ObjectType), TextCell(Key)};
   std::string Changes, Columns, Marks;
   for (const TSetting& Setting : Settings) {
     Parameters.push_back(Setting.Value);
@@ -119,7 +100,7 @@ void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const
   }
   const std::string Table = Structures().Name;
   if (Connection.Execute("UPDATE " + Table + " SET " + Changes + WhereIdentity(Dialect), Parameters) == 0) {
-    Parameters.push_back(Text(ObjectName));
+    Parameters.push_back(TextCell(ObjectName));
     const int Last = static_cast<int>(Parameters.size());
     Connection.Execute(
         Format("INSERT INTO %s (object_type, name_key%s, object_name) VALUES (%s, %s%s, %s)", Table, Columns,
@@ -151,7 +132,7 @@ bool TStructureTable::DeleteStructure(const std::string& ObjectName, int ObjectT
   if (!TCatalogue(Connection).Has(Structures())) return false;
   TTransaction Transaction(FDatabaseName);
   const std::string Key = LowerCase(ObjectName);
-  const TKvVariant Identity[] = {Number(ObjectType), Text(Key)};
+  const TKvVariant Identity[] = {NumberCell(ObjectType), TextCell(Key)};
   const bool Found =
       Connection.Execute(Format("DELETE FROM %s", Structures().Name) + WhereIdentity(Connection.Dialect()), Identity) >
       0;

@@ -108,6 +108,8 @@ TEST(Dialogs, ScriptsAnswerInOrderAndOnlyWhatIsOffered) {
   EXPECT_EQ(ShowMessageBox("box", "", MB_YESNO), 6);
   EXPECT_EQ(YesNoConfirmation("second"), 7);
   EXPECT_EQ(YesNoConfirmation("third"), 14) << "the next window system is asked";
+  Last.AnswerNext({"NoButton", {}});
+  EXPECT_EQ(ShowMessageBox("cancel?", "", MB_YESNO | MB_DEFBUTTON2), 7) << "a Yes to everything is none to that";
   EXPECT_THROW(YesNoConfirmation("fourth"), EQuestionUnanswered);
   Windows.AnswerNext({"CancelButton", {}});
   try {

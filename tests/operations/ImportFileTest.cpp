@@ -317,16 +317,36 @@ TEST_F(ImportFile, SettingsReachEverySection) {
 }
 
 TEST_F(ImportFile, MissingTablesAreMadeOrDeclined) {
-  const TMissingTableGuard Hook([this](const TEISection& Section, const std::string& Database) {
-    Done += "make:" + Section.Name() + Database + " ";
-    return Section.Name() == "no" ? TMissingTable::Declined : TMissingTable::Created;
-  });
+  class TMaker final : public TMissingTables {
+   public:
+    TMaker(std::string& Done, const std::string& Database) : FDone(Done), FDatabase(Database) {}
+    void Make(const std::vector<std::string>& Names) override {
+      for (const std::string& Name : Names) FDone += "make:" + Name + FDatabase + " ";
+    }
+    void Check(const std::string& Name) override {
+      if (Name == "no") throw Exception("Creation of table 'no' cancelled");
+    }
+    void Complete(const TFailed& Failed) override {
+      FDone += "complete ";
+      try {
+        throw Exception("no index");
+      } catch (const std::exception& Error) {
+        Failed("t", Error);
+      }
+    }
+
+   private:
+    std::string& FDone;
+    const std::string FDatabase;
+  };
+  const TMissingTablesGuard Hook(
+      [this](TUtilOperation&, const std::string& Database) { return std::make_unique<TMaker>(Done, Database); });
   TUOImportFileInterface Object;
   Object.SetDatabaseName("@db");
   Object.SetFileName(PutFiles("T:no x|O:a x|T:skip x|T:t x").front());
   EXPECT_EQ(Import(Object), 1);
-  EXPECT_EQ(Done, "a@db make:no@db ? make:t@db t@db ");
-  EXPECT_EQ(Question, "section 'no'\r\nCreation of table 'no' cancelled\r\nGo on?");
+  EXPECT_EQ(Done, "a@db make:no@db make:skip@db make:t@db ? t@db complete ? ");
+  EXPECT_EQ(Question, "section 't'\r\nno index\r\nGo on?") << "tables are completed behind the last row";
 }
 
 TEST_F(ImportFile, RefusesWhatItCanNotDo) {

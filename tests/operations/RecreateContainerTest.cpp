@@ -5,6 +5,7 @@
 #include "tests/support/TestPlatform.h"
 #include "velkrund/eif/Section.h"
 #include "velkrund/operations/Comutils.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
 
 namespace velkrund::tests {
 namespace {
@@ -13,6 +14,24 @@ constexpr int Types[] = {71, 72, 73, 74};
 
 class TTexts : public TTestPlatform {
   std::string LString(std::string_view Key) const override { return std::string(Key) + " %s"; }
+};
+
+/// Has one object of each type, named after it.
+class TOneOfEach : public TDicDatabase {
+ public:
+  bool GeneratorExist(const std::string& Name) override { return Name == "71"; }
+  bool ViewExist(const std::string& Name) override { return Name == "72"; }
+  bool ExecStoredProcExist(const std::string& Name) override { return Name == "73"; }
+  bool SelectStoredProcExist(const std::string& Name) override { return Name == "74"; }
+  std::int64_t GeneratorValue(const std::string&) override { return 0; }
+  void SetGenerator(const std::string&, std::int64_t, std::int64_t) override {}
+  void CreateGenerator(const std::string&, std::optional<std::int64_t>) override {}
+  void DropGenerator(const std::string&) override {}
+  void CreateView(const std::string&, bool, bool) override {}
+  void DropView(const std::string&) override {}
+  void CreateExecStoredProc(const std::string&) override {}
+  void CreateSelectStoredProc(const std::string&) override {}
+  void DropStoredProc(const std::string&) override {}
 };
 
 /// A database in which an object can be created once those it needs are there.
@@ -147,6 +166,20 @@ TEST_F(RecreateContainer, TakesItsTypesAndStartValues) {
   EXPECT_EQ(Container.Count(), Count);
   EXPECT_EQ(Container.Items(Count), nullptr);
   EXPECT_EQ(Container.GetObjectType(-1), -1);
+}
+
+TEST_F(RecreateContainer, AddsWhatExists) {
+  TOneOfEach Database;
+  for (const int Type : {10, 70, 71, 72, 73, 74, 75})
+    for (const int Named : Types) {
+      SCOPED_TRACE(std::to_string(Type) + " " + std::to_string(Named));
+      const int Count = Container.Count();
+      const TRecreateOperation* const Added = Container.AddIfExist(Type, std::to_string(Named), &Database);
+      EXPECT_EQ(Added != nullptr, Type == Named);
+      EXPECT_EQ(Container.Count(), Count + (Type == Named ? 1 : 0));
+      EXPECT_EQ(Container.GetObjectType(Count), Type == Named ? Type : -1);
+    }
+  EXPECT_EQ(Container.AddIfExist(71, "71", nullptr), nullptr);
 }
 
 TEST_F(RecreateContainer, CutsLongLists) {

@@ -77,6 +77,12 @@ TEST_F(PostgreSQLRightsTest, WhatOthersPlantOnTheSearchPathIsNeverRun) {
     EXPECT_FALSE(Connection->Schema().HasCatalogueTable("velkrund_structures"));
     EXPECT_GT(Connection->Schema().TableBytes(*Connection->Schema().FindTable("P")), -1);
     EXPECT_THAT(Rows(*Connection, "t"), ElementsAre("5 1|20 2|20 3|10 4 days"));
+    TDefinitionReader& Definitions = Connection->Definitions();
+    EXPECT_EQ(Definitions.Objects().size(), 3U);
+    EXPECT_EQ(Definitions.Table({"t", ""}, {}).Fields.size(), 4U);
+    EXPECT_EQ(Definitions.Table({"q", ""}, {}).Words.at("postgresql").Parts.at("PartitionOf"), "p DEFAULT");
+    EXPECT_GT(Definitions.GeneratorValue({"t_a_seq", ""}), -1);
+    EXPECT_THAT(Definitions.LeftBehind(), ElementsAre("overloaded routine 'evil'"));
     Connection->Begin(TIsolationLevel::RepeatableRead);
     EXPECT_EQ(Append("t", 7), "no error");
     EXPECT_EQ(Connection->Schema().RowCount(*Connection->Schema().FindTable("t")), 2);

@@ -1,6 +1,7 @@
 #include "velkrund/dictionary/Registration.h"
 
 #include "velkrund/dictionary/TableDataOperations.h"
+#include "velkrund/dictionary/TableMaker.h"
 #include "velkrund/eif/TypeList.h"
 
 namespace velkrund {
@@ -10,6 +11,9 @@ void RegisterDictionaryClasses() {
   EITypeList().RegisterEIObject(TEIObjectClass(TEITableData::Descriptor));
   InterfaceClasses().Register(TInterfaceClass(TUOImportTableDataInterface::Descriptor));
   InterfaceClasses().Register(TInterfaceClass(TUOExportTableDataInterface::Descriptor));
+  SetMissingTablesHook([](TUtilOperation& Operation, const std::string& Database) {
+    return HasDictionary() ? std::make_unique<TTableMaker>(Operation, Database) : nullptr;
+  });
 }
 
 }  // namespace velkrund

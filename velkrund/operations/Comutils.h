@@ -9,6 +9,7 @@
 #include "velkrund/operations/ImportFileObserver.h"
 #include "velkrund/operations/ImportFiles.h"
 #include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/NameLengths.h"
 #include "velkrund/operations/OperationErrors.h"
 #include "velkrund/operations/OperationInterface.h"
 #include "velkrund/operations/Properties.h"

@@ -23,8 +23,6 @@ struct TStructure {
   const TEISection* Section;
 };
 
-TMissingTableHook InstalledMissingTableHook;
-
 bool EndsEverything(const std::exception& Error) {
   return dynamic_cast<const EAbort*>(&Error) || dynamic_cast<const EQuestionUnanswered*>(&Error);
 }
@@ -53,11 +51,13 @@ class TSettingsOfHost {
   const std::vector<TKvParamsList::TPair> FBefore;
 };
 
-void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName) {
-  if (!InstalledMissingTableHook) return;
-  if (InstalledMissingTableHook(Section, DatabaseName) != TMissingTable::Declined) return;
+/// The table that rows are for, or that a structure describes; empty: none.
+std::string TableOf(const TEISection& Section) {
   const std::string* const TableName = Section.FindParam("TableName");
-  throw Exception(Format("Creation of table '%s' cancelled", TableName ? *TableName : Section.Name()));
+  if (IsTableData(Section)) return TableName ? *TableName : Section.Name();
+  const bool IsTable =
+      Section.ObjectClass.Role() == TSectionRole::Structure && ObjectTypeOf(Section) == TableObjectType;
+  return IsTable ? Section.ParamValue("ObjectName") : std::string();
 }
 
 }  // namespace
@@ -65,16 +65,13 @@ void MakeMissingTable(const TEISection& Section, const std::string& DatabaseName
 constinit const TUtilOperationDescriptor TUOImportFile::Descriptor =
     OperationDescriptor<TUOImportFile>("TUOImportFile");
 
-TMissingTableHook SetMissingTableHook(TMissingTableHook Hook) {
-  return std::exchange(InstalledMissingTableHook, std::move(Hook));
-}
-
 int TUOImportFile::Execute() {
   if (FCrypted)
     throw Exception(
         "Encrypted files are not supported yet. Decrypt the file first, and import the decrypted one with IsCrypted "
         "off");
   FStopping = false;
+  FMissing.reset();
   Host().FDatabaseName = DatabaseName;
   const TSettingsOfHost Settings(FEIObjectProperties);
   try {
@@ -141,6 +138,7 @@ void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Containe
 void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::string& Name,
                           const TEISection& Section) {
   if (Container.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type)) return;
+  Host().NotCreated(Name, Type);
   WriteLog(TTraceLevel::Error, Format("'%s' (type %d) is stored as a structure only: the application has nothing that "
                                       "creates objects of this type in the database",
                                       Name, Type));
@@ -160,7 +158,46 @@ bool TUOImportFile::ImportStructures(const TSource& Source) {
   return !Stopping();
 }
 
+void TUOImportFile::MakeMissingTables(const std::vector<TSource>& Sources) {
+  FMissing = MissingTables(*this, DatabaseName);
+  if (!FMissing) return;
+  std::vector<std::string> WithRows, Described;
+  for (const TSource& Source : Sources) {
+    const TEISectionList& Sections = Source.File->Sections();
+    for (const int Index : Source.Tables) WithRows.push_back(TableOf(Sections[Index]));
+    for (const int Index : Source.Structures) Described.push_back(TableOf(Sections[Index]));
+  }
+  std::vector<std::string> Names = Described;
+  Names.insert(Names.end(), WithRows.begin(), WithRows.end());
+  std::erase(Names, std::string());
+  FMissing->Make(Names);
+  // The error of a table that has rows is that of their section.
+  for (const std::string& Name : Described) {
+    const auto IsIt = [&](const std::string& Other) { return SameText(Other, Name); };
+    if (Name.empty() || std::any_of(WithRows.begin(), WithRows.end(), IsIt)) continue;
+    try {
+      FMissing->Check(Name);
+    } catch (const std::exception& Error) {
+      FailTable(Name, Error);
+    }
+  }
+}
+
+void TUOImportFile::CompleteTables() {
+  if (FMissing && !Stopping())
+    FMissing->Complete([this](const std::string& Table, const std::exception& Error) { FailTable(Table, Error); });
+  FMissing.reset();
+}
+
+/// Within the handler of Error.
+void TUOImportFile::FailTable(const std::string& Table, const std::exception& Error) {
+  Host().TableFailed(Table, Error);
+  if (EndsEverything(Error)) throw;
+  ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", Table);
+}
+
 bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
+  MakeMissingTables(Sources);
   TTablePlan Plan;
   for (const TSource& Source : Sources)
     for (const int Index : Source.Tables)
@@ -175,6 +212,7 @@ bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
       ImportSection(*Plan.Steps()[Part.First].File, Plan.Steps()[Part.First].Index, nullptr);
   }
   if (Plan.Loading()) Host().EndTables(*Plan.Loading());
+  CompleteTables();
   return !Stopping();
 }
 
@@ -219,7 +257,7 @@ void TUOImportFile::ImportSection(TEIFile& File, int Index, TTableLoading* Loadi
     Object->Loading = Loading;
     LeftOut = !Host().BeginSection(File, Section, *Object);
     if (!LeftOut) {
-      if (IsTableData(Section)) MakeMissingTable(Section, DatabaseName);
+      if (IsTableData(Section) && FMissing) FMissing->Check(TableOf(Section));
       File.ImportObject(*Object);
       Object->SaveProperties(FEIObjectProperties);
     }

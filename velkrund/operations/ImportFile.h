@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -9,8 +8,8 @@
 #include <vector>
 
 #include "velkrund/eif/EIFile.h"
-#include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/ImportFileObserver.h"
+#include "velkrund/operations/MissingTables.h"
 #include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/operations/TablePlan.h"
 #include "velkrund/operations/UtilOperation.h"
@@ -18,16 +17,9 @@
 
 namespace velkrund {
 
-enum class TMissingTable { NotMissing, Created, Declined };
-/// Makes the table of a table data section where the database lacks it.
-using TMissingTableHook = std::function<TMissingTable(const TEISection& Section, const std::string& DatabaseName)>;
-/// Installs what is called before every table data section of a file import, and returns the hook before; an empty one:
-/// the table has to be there. To be set while no operation runs.
-TMissingTableHook SetMissingTableHook(TMissingTableHook Hook);
-using TMissingTableGuard = THookGuard<TMissingTableHook, &SetMissingTableHook>;
-
-/// Imports a whole file: its structures and all else but table data, then the table data, then creates the generators,
-/// views and procedures that the structures describe. Progress counts the bytes of section bodies.
+/// Imports a whole file: its structures and all else but table data, then makes the tables that are missing, then loads
+/// the table data, then creates the generators, views and procedures that the structures describe. Progress counts the
+/// bytes of section bodies.
 ///
 /// Tables come after those that they refer to. Those that are tied to each other are loaded together or not at all: the
 /// error of one, or a wish to stop, takes all of them back.
@@ -71,7 +63,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   void EndPass();
   /// False when cancelled; these two.
   bool ImportStructures(const TSource& Source);
-  /// The table data of all files, as one plan.
+  /// The table data of all files, as one plan, with the tables that are missing.
   bool ImportTables(const std::vector<TSource>& Sources);
   /// Cancelled, now or earlier in this run.
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }
@@ -90,6 +82,9 @@ class TUOImportFile : public TDatabaseUtilOperation {
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
   void TakeSections(TSource& Source, TUORecreateContainer& Container);
   void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
+  void MakeMissingTables(const std::vector<TSource>& Sources);
+  void CompleteTables();
+  void FailTable(const std::string& Table, const std::exception& Error);
   void ImportGroup(const TTablePlan& Plan, const TTablePlan::TPart& Part);
   void TellTakenBack(std::span<const TTablePlan::TStep> Steps, const std::exception* Error);
   void ImportSection(TEIFile& File, int Index, TTableLoading* Loading);
@@ -103,6 +98,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   std::int64_t FShown = 0;        // the highest position shown in this pass
   std::string CurrentObjectName;
   bool FStopping = false;
+  std::unique_ptr<TMissingTables> FMissing;  // of the run; null: nobody makes tables
   TNobody FNobody;
 };
 

@@ -43,6 +43,11 @@ class TImportFileObserver {
   /// whether to go on. Error: of the emptying, or the check at the end; null when a section failed or the run was
   /// cancelled.
   virtual void TakenBack(const std::vector<TPlace>& /*Sections*/, const std::exception* /*Error*/) {}
+  /// A table that could not be made, or not be completed behind the last row; in the first case one without rows.
+  /// Before anybody is asked whether to go on.
+  virtual void TableFailed(const std::string& /*Table*/, const std::exception& /*Error*/) {}
+  /// A structure of the files that is stored only: nobody creates objects of its type in the database.
+  virtual void NotCreated(const std::string& /*Name*/, int /*ObjectType*/) {}
   /// A file that cannot be opened, or whose headers are wrong.
   virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
 

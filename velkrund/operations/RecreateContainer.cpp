@@ -5,6 +5,7 @@
 #include "velkrund/eif/Section.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -20,6 +21,21 @@ constexpr std::size_t MaxNamesLength = 500;
 std::int64_t StartValueOf(const TEISection& Section) {
   const std::string* const Value = Section.FindParam("StartValue");
   return Value ? StrToInt64(*Value).value_or(0) : 0;
+}
+
+bool Exists(TDicDatabase& Database, int ObjectType, const std::string& Name) {
+  switch (ObjectType) {
+    case GeneratorObjectType:
+      return Database.GeneratorExist(Name);
+    case ViewObjectType:
+      return Database.ViewExist(Name);
+    case ExecStoredProcObjectType:
+      return Database.ExecStoredProcExist(Name);
+    case SelectStoredProcObjectType:
+      return Database.SelectStoredProcExist(Name);
+    default:
+      return false;
+  }
 }
 
 }  // namespace
@@ -52,6 +68,10 @@ TRecreateOperation* TUORecreateContainer::Add(int ObjectType, const std::string&
     if (const std::int64_t StartValue = StartValueOf(*Section); StartValue > 0) Operation->SetStartValue(StartValue);
   FEntries.push_back({Name, ObjectType, std::move(Operation)});
   return FEntries.back().Operation.get();
+}
+
+TRecreateOperation* TUORecreateContainer::AddIfExist(int ObjectType, const std::string& Name, TDicDatabase* Database) {
+  return Database && Exists(*Database, ObjectType, Name) ? Add(ObjectType, Name) : nullptr;
 }
 
 void TUORecreateContainer::Clear() {

@@ -13,6 +13,7 @@
 
 namespace velkrund {
 
+class TDicDatabase;
 class TEISection;
 
 /// An operation that creates one database object again, as the container runs it.
@@ -51,6 +52,8 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   /// where the object comes from, its "StartValue" is that of a generator; may be null. DatabaseName must be set
   /// before.
   TRecreateOperation* Add(int ObjectType, const std::string& Name, const TEISection* Section = nullptr);
+  /// The same where the database has an object of that type and name; null Database: nothing is added.
+  TRecreateOperation* AddIfExist(int ObjectType, const std::string& Name, TDicDatabase* Database);
   void Clear();
   int Count() const { return static_cast<int>(FEntries.size()); }
   /// Null for an index out of range.

@@ -11,17 +11,23 @@ namespace {
 const std::map<std::string_view, std::string_view> OptionNames = {
     {"AllowLoss", "--allow-loss"},
     {"ClearRoot", "--no-clear-root"},
+    {"AllowMissing", "--allow-missing"},
     {"CreateDatabase", "--create"},
+    {"CreateTables", "--create-tables"},
     {"DatabaseName", "--database"},
+    {"Columns", "--columns"},
     {"Encoding", "--encoding"},
+    {"Engine", "--engine"},
     {"ExistingSections", "--overwrite"},
     {"ExistingStructures", "--overwrite yes"},
     {"Fields", "--fields"},
     {"FileNames", "--input"},
     {"Indexes", "INDEX"},
     {"Lenient", "--lenient"},
+    {"LongNames", "--long-names"},
     {"Merge", "--merge"},
     {"MissingFields", "--missing-fields"},
+    {"MissingSources", "--missing"},
     {"Commit", "--commit"},
     {"Triggers", "--triggers"},
     {"BrokenReferences", "--broken-references"},
@@ -32,6 +38,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"ReleaseVersion", "--release"},
     {"RepeatedTables", "--repeated-tables"},
     {"RootNode", "--root"},
+    {"Structures", "--structures"},
     {"SectionName", "--section"},
     {"Sections", "--section"},
     {"TableName", "--table"},
@@ -49,6 +56,12 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
       return "--overwrite yes to replace them, or --overwrite no to leave them out";
     case TPolicy::OnError:
       return "--on-error continue or --on-error stop";
+    case TPolicy::CreateTables:
+      return "--create-tables yes to make them, or --create-tables no to leave them out";
+    case TPolicy::LongNames:
+      return "--long-names keep or --long-names cancel";
+    case TPolicy::MissingSources:
+      return "--missing skip or --missing stop";
     case TPolicy::Yes:
       break;
   }

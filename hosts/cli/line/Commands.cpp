@@ -12,6 +12,8 @@ TCommands AllCommands() {
   Result.push_back(MakeDictionaryList());
   Result.push_back(MakeDictionaryShow());
   Result.push_back(MakeDictionaryDrop());
+  Result.push_back(MakeDictionaryAdopt());
+  Result.push_back(MakeDictionaryScript());
   Result.push_back(MakeFileList());
   Result.push_back(MakeFileCheck());
   Result.push_back(MakeFileRemove());

@@ -21,6 +21,8 @@ std::unique_ptr<TCommand> MakeImportFile();
 std::unique_ptr<TCommand> MakeDictionaryList();
 std::unique_ptr<TCommand> MakeDictionaryShow();
 std::unique_ptr<TCommand> MakeDictionaryDrop();
+std::unique_ptr<TCommand> MakeDictionaryAdopt();
+std::unique_ptr<TCommand> MakeDictionaryScript();
 std::unique_ptr<TCommand> MakeFileList();
 std::unique_ptr<TCommand> MakeFileCheck();
 std::unique_ptr<TCommand> MakeFileRemove();

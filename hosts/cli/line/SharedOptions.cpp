@@ -63,6 +63,39 @@ TOption TSharedOptions::CommitOption(TPolicies& Policies) {
                          {{"run", TCommit::Run}, {"each", TCommit::Each}}, Policies.Commit);
 }
 
+TOption TSharedOptions::ColumnsOption(TPolicies& Policies) {
+  return Choice<TColumnTypes>("--columns",
+                              "the type of a column of SQLite, whose cells may be of another: as declared, or the "
+                              "narrowest that holds every cell (default: declared)",
+                              {{"declared", TColumnTypes::Declared}, {"scanned", TColumnTypes::Scanned}},
+                              Policies.Columns);
+}
+
+std::vector<TOption> TSharedOptions::CreatingOptions(TPolicies& Policies) {
+  return {Choice<TCreateTables>("--create-tables",
+                                "tables that structures describe and the database lacks: make them, or leave their "
+                                "rows out (default: ask)",
+                                {{"ask", TCreateTables::Ask}, {"yes", TCreateTables::Yes}, {"no", TCreateTables::No}},
+                                Policies.CreateTables),
+          Choice<TLongNamePolicy>(
+              "--long-names",
+              "tables to be made whose names some databases do not take, beyond 30 characters, or "
+              "22 with an automatic key: ask, keep the name, which the report counts, or do not "
+              "make them (default: keep)",
+              {{"ask", TLongNamePolicy::Ask}, {"keep", TLongNamePolicy::Keep}, {"cancel", TLongNamePolicy::Cancel}},
+              Policies.LongNames),
+          CommaList("--allow-missing", "KIND,...",
+                    "what may be left out where the engine has no words for it, and the report names: checks, "
+                    "collations, computed, defaults, generators, indexes, keys, options, procedures, references, "
+                    "schemas, triggers, types, views",
+                    Policies.AllowMissing)};
+}
+
+TOption TSharedOptions::DryRunOption(TPolicies& Policies) {
+  return Switch("--dry-run", "show what would be done, with the statements in order, and change nothing",
+                Policies.DryRun);
+}
+
 TOption TSharedOptions::OverwriteStructuresOption(TPolicies& Policies) {
   return Choice<TExisting>("--overwrite", "a structure that is there: replace it, or leave it as it is (default: ask)",
                            {{"ask", TExisting::Ask}, {"yes", TExisting::Replace}, {"no", TExisting::Skip}},

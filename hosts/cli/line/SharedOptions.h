@@ -26,6 +26,11 @@ struct TSharedOptions {
   /// What commands that load tables let one say about rows, fields and values, and about the database.
   static TOption CommitOption(TPolicies& Policies);
   static std::vector<TOption> LoadingOptions(TPolicies& Policies, bool& CreateDatabase);
+  /// For commands that describe tables.
+  static TOption ColumnsOption(TPolicies& Policies);
+  /// For commands that make tables: whether they may, and what may be left out.
+  static std::vector<TOption> CreatingOptions(TPolicies& Policies);
+  static TOption DryRunOption(TPolicies& Policies);
   /// --overwrite, for structures that are there.
   static TOption OverwriteStructuresOption(TPolicies& Policies);
   /// --type and --name, for commands about stored structures.

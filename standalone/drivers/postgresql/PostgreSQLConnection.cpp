@@ -28,6 +28,8 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
   Result.NegativeZero = true;
   Result.LocksTables = true;
   Result.TableSizes = true;
+  Result.Generators = true;
+  Result.Procedures = true;
   Result.EnforcesForeignKeys = Session.ChecksReferences();
   return Result;
 }

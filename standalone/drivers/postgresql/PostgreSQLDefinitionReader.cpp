@@ -1,21 +1,156 @@
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 
+#include <limits>
+
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
+namespace {
 
-std::vector<TDefinedObject> TPostgreSQLDefinitionReader::Objects() { throw EDatabaseError("to be written"); }
-TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo&, const TDescribeOptions&) {
-  throw EDatabaseError("to be written");
+/// What is said of a relation ($2, in the schema $1) as a whole.
+constexpr const char* RelationStatement =
+    "SELECT c.oid, c.oid::pg_catalog.regclass, pg_catalog.obj_description(c.oid, 'pg_class'), c.relkind, "
+    "c.relpersistence = 'u', m.amname, "
+    "(SELECT pg_catalog.array_to_string(pg_catalog.array_agg(pg_catalog.concat(o.name, '=', "
+    "CASE WHEN pg_catalog.regexp_match(o.setting, '^[a-z0-9_.]+$') IS NULL THEN pg_catalog.quote_literal(o.setting) "
+    "ELSE o.setting END) ORDER BY o.toast, o.place), ', ') FROM (SELECT s.name, s.setting, s.place, false AS toast "
+    "FROM pg_catalog.pg_options_to_table(c.reloptions) WITH ORDINALITY AS s (name, setting, place) "
+    "WHERE s.name <> 'check_option' UNION ALL SELECT pg_catalog.concat('toast.', s.name), s.setting, s.place, true "
+    "FROM pg_catalog.pg_class w CROSS JOIN LATERAL pg_catalog.pg_options_to_table(w.reloptions) WITH ORDINALITY "
+    "AS s (name, setting, place) WHERE w.oid = c.reltoastrelid) o), "
+    "CASE WHEN c.relkind = 'p' THEN pg_catalog.pg_get_partkeydef(c.oid) END, "
+    "CASE WHEN c.relispartition THEN pg_catalog.pg_get_expr(c.relpartbound, c.oid) END, "
+    "(SELECT pg_catalog.string_agg(i.inhparent::pg_catalog.regclass::pg_catalog.text, ', ' ORDER BY i.inhseqno) "
+    "FROM pg_catalog.pg_inherits i WHERE i.inhrelid = c.oid), "
+    "(SELECT s.option_value FROM pg_catalog.pg_options_to_table(c.reloptions) s "
+    "WHERE s.option_name = 'check_option'), "
+    "CASE WHEN c.relkind = ANY ('{v,m}') THEN pg_catalog.pg_get_viewdef(c.oid) END, "
+    "c.relhasindex, c.relhastriggers "
+    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+    "LEFT JOIN pg_catalog.pg_am m ON m.oid = c.relam AND m.amname <> 'heap' "
+    "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text";
+
+constexpr const char* SequenceStatement =
+    "SELECT s.seqstart, s.seqincrement, s.seqmin, s.seqmax, s.seqcycle, s.seqcache, "
+    "pg_catalog.format_type(s.seqtypid, NULL), pg_catalog.obj_description(c.oid, 'pg_class') "
+    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+    "JOIN pg_catalog.pg_sequence s ON s.seqrelid = c.oid "
+    "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text";
+
+EDatabaseError Missing(const std::string& What, std::string_view Kind, const TTableInfo& Object) {
+  return EDatabaseError(Format("%s: there is no %s '%s' in the database", What, Kind, FullName(Object)),
+                        {.Code = TErrorCode::TableMissing});
 }
-TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo&) { throw EDatabaseError("to be written"); }
-TDicGeneratorDescription TPostgreSQLDefinitionReader::Generator(const TTableInfo&) {
-  throw EDatabaseError("to be written");
+
+TPostgreSQLResult AskAbout(TPostgreSQLSession& Session, const std::string& What, const char* Statement,
+                           const TTableInfo& Object) {
+  return Session.Query(What, CatalogueStatement(Statement),
+                       {Session.Dialect().SchemaOf(Object).c_str(), Object.Name.c_str()});
 }
-TDicProcedureDescription TPostgreSQLDefinitionReader::Procedure(const TTableInfo&) {
-  throw EDatabaseError("to be written");
+
+void AddWord(std::string& Words, const std::string& Word) { Words += (Words.empty() ? "" : " ") + Word; }
+
+TDicEngineWords TableWords(const TPostgreSQLResult& Row) {
+  TDicWords Words;
+  std::string Text;
+  if (Row.Boolean(0, 4)) AddWord(Text, "UNLOGGED");
+  if (!Row.Text(0, 5).empty()) AddWord(Text, "USING " + QuoteStandardName(Row.Text(0, 5)));
+  if (!Row.Text(0, 6).empty()) AddWord(Text, "WITH (" + Row.Copy(0, 6) + ")");
+  if (!Text.empty()) Words.Text = Text;
+  if (!Row.Text(0, 7).empty()) Words.Parts["Partition"] = "BY " + Row.Copy(0, 7);
+  if (!Row.Text(0, 8).empty())
+    Words.Parts["PartitionOf"] = Row.Copy(0, 9) + " " + Row.Copy(0, 8);
+  else if (!Row.Text(0, 9).empty())
+    Words.Parts["Inherits"] = Row.Copy(0, 9);
+  if (Words == TDicWords()) return {};
+  return {{"postgresql", std::move(Words)}};
 }
-std::int64_t TPostgreSQLDefinitionReader::GeneratorValue(const TTableInfo&) { throw EDatabaseError("to be written"); }
-std::vector<std::string> TPostgreSQLDefinitionReader::LeftBehind() { return {}; }
+
+}  // namespace
+
+TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions&) {
+  const std::string What = Format("Cannot describe table '%s'", FullName(Table));
+  const TDescribingPath Path(FSession, What);
+  const TPostgreSQLResult Row = AskAbout(FSession, What, RelationStatement, Table);
+  if (Row.RowCount() == 0 || (Row.Text(0, 3) != "r" && Row.Text(0, 3) != "p")) throw Missing(What, "table", Table);
+  TDicTableDescription Result;
+  Result.Name = Table.Name;
+  Result.Schema = Table.Schema;
+  Result.Comment = Row.Copy(0, 2);
+  Result.Words = TableWords(Row);
+  const TDescribed Described{FSession, What, Row.Copy(0, 0), Table.Name, Row.Copy(0, 1)};
+  std::vector<TExpressionColumn> Columns;
+  Result.Fields = ReadFields(Described, Columns);
+  const TPostgreSQLExpressions Expressions(std::move(Columns));
+  ReadConstraints(Described, Expressions, Result);
+  if (Row.Boolean(0, 12)) Result.Indexes = ReadIndexes(Described, Expressions);
+  if (Row.Boolean(0, 13)) Result.Triggers = ReadTriggers(Described);
+  return Result;
+}
+
+TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo& View) {
+  const std::string What = Format("Cannot describe view '%s'", FullName(View));
+  const TDescribingPath Path(FSession, What);
+  const TPostgreSQLResult Row = AskAbout(FSession, What, RelationStatement, View);
+  if (Row.RowCount() == 0 || Row.Text(0, 11).empty()) throw Missing(What, "view", View);
+  TDicViewDescription Result;
+  Result.Name = View.Name;
+  Result.Schema = View.Schema;
+  Result.Comment = Row.Copy(0, 2);
+  Result.Materialized = Row.Text(0, 3) == "m";
+  TDicWords& Words = Result.Words["postgresql"];
+  std::string_view Text = Row.Text(0, 11);
+  while (Text.ends_with(';')) Text.remove_suffix(1);
+  while (Text.starts_with(' ')) Text.remove_prefix(1);
+  Words.Lines = SplitLines(Text);
+  std::string Options;
+  if (!Row.Text(0, 5).empty()) AddWord(Options, "USING " + QuoteStandardName(Row.Text(0, 5)));
+  if (!Row.Text(0, 6).empty()) AddWord(Options, "WITH (" + Row.Copy(0, 6) + ")");
+  if (!Options.empty()) Words.Parts["Options"] = Options;
+  if (!Row.Text(0, 10).empty()) Words.Parts["Check"] = Row.Text(0, 10) == "local" ? "Local" : "Cascaded";
+  const TDescribed Described{FSession, What, Row.Copy(0, 0), View.Name, Row.Copy(0, 1)};
+  if (Row.Boolean(0, 12)) {
+    std::vector<TExpressionColumn> Columns;
+    ReadFields(Described, Columns);
+    Result.Indexes = ReadIndexes(Described, TPostgreSQLExpressions(std::move(Columns)));
+  }
+  if (Row.Boolean(0, 13)) Result.Triggers = ReadTriggers(Described);
+  return Result;
+}
+
+TDicGeneratorDescription TPostgreSQLDefinitionReader::Generator(const TTableInfo& Generator) {
+  const std::string What = Format("Cannot describe generator '%s'", FullName(Generator));
+  const TPostgreSQLResult Row = AskAbout(FSession, What, SequenceStatement, Generator);
+  if (Row.RowCount() == 0) throw Missing(What, "generator", Generator);
+  TDicGeneratorDescription Result;
+  Result.Name = Generator.Name;
+  Result.Schema = Generator.Schema;
+  Result.Comment = Row.Copy(0, 7);
+  Result.Counter = CounterOf({Row.Copy(0, 0), Row.Copy(0, 1), Row.Copy(0, 2), Row.Copy(0, 3), Row.Boolean(0, 4)},
+                             std::numeric_limits<std::int64_t>::max());
+  if (Row.Text(0, 5) != "1") Result.Cache = Row.Copy(0, 5);
+  if (Row.Text(0, 6) != "bigint") Result.Words["postgresql"].Text = "AS " + Row.Copy(0, 6);
+  return Result;
+}
+
+std::int64_t TPostgreSQLDefinitionReader::GeneratorValue(const TTableInfo& Generator) {
+  const std::string What = Format("Cannot read generator '%s'", FullName(Generator));
+  const TPostgreSQLResult Counts = AskAbout(FSession, What, SequenceStatement, Generator);
+  if (Counts.RowCount() == 0) throw Missing(What, "generator", Generator);
+  const TPostgreSQLResult Row =
+      FSession.Query(What, Format("SELECT last_value, is_called FROM %s", FSession.Dialect().QualifiedName(Generator)));
+  const std::int64_t Next = Row.Integer(0, 0);
+  if (Row.Boolean(0, 1)) return Next;
+  std::int64_t Result = 0;
+  if (__builtin_sub_overflow(Next, Counts.Integer(0, 1), &Result))
+    throw EDatabaseError(Format("%s: it was never asked, and no number comes before its first one", What));
+  return Result;
+}
 
 }  // namespace velkrund

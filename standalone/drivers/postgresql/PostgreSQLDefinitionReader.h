@@ -6,8 +6,10 @@ namespace velkrund {
 
 class TPostgreSQLSession;
 
+/// Names of the current schema, as it was when the connection was made, stand without a schema in what is described.
 class TPostgreSQLDefinitionReader final : public TDefinitionReader {
  public:
+  /// Session: borrowed.
   explicit TPostgreSQLDefinitionReader(TPostgreSQLSession& Session) : FSession(Session) {}
 
   std::vector<TDefinedObject> Objects() override;
@@ -15,6 +17,7 @@ class TPostgreSQLDefinitionReader final : public TDefinitionReader {
   TDicViewDescription View(const TTableInfo& View) override;
   TDicGeneratorDescription Generator(const TTableInfo& Generator) override;
   TDicProcedureDescription Procedure(const TTableInfo& Procedure) override;
+  /// Also of a sequence that a column owns.
   std::int64_t GeneratorValue(const TTableInfo& Generator) override;
   std::vector<std::string> LeftBehind() override;
 

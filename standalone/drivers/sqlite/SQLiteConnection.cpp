@@ -4,6 +4,7 @@
 
 #include "standalone/drivers/sqlite/SQLiteExecution.h"
 #include "standalone/drivers/sqlite/SQLiteSafeguards.h"
+#include "standalone/drivers/sqlite/SQLiteScriptCheck.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -97,6 +98,10 @@ std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<
   }
   // The engine keeps the last count through statements that change no rows.
   return sqlite3_total_changes(Database) == Before ? 0 : sqlite3_changes64(Database);
+}
+
+std::vector<std::string> TSQLiteConnection::CheckScript(const std::string& Script) {
+  return CheckSQLiteScript(FDatabase.Handle(), Script);
 }
 
 void TSQLiteConnection::RebuildTextIndex(const TTableInfo& Index) {

@@ -34,6 +34,7 @@ class TSQLiteConnection final : public TConnection {
   void RollbackToSavepoint(int Number) override;
   std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  std::vector<std::string> CheckScript(const std::string& Script) override;
   void RebuildTextIndex(const TTableInfo& Index) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 

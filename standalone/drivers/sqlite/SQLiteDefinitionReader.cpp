@@ -6,6 +6,7 @@
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"
+#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -19,8 +19,8 @@ TControl& Named(const TForm& Form, const std::string& Name) {
 int TScriptedWindows::ShowModal(TForm& Form) {
   // A message is no question: it uses no answer up.
   if (Form.IsQuestion()) {
-    if (const auto Standing = FAlways.find(Form.ClassName()); Standing != FAlways.end())
-      return AnswerWith(Form, Standing->second);
+    const auto Standing = FAlways.find(Form.ClassName());
+    if (Standing != FAlways.end() && !Form.YesUndoes()) return AnswerWith(Form, Standing->second);
     if (!FOnce.empty()) {
       const TScriptedAnswer Answer = std::move(FOnce.front());
       FOnce.pop_front();

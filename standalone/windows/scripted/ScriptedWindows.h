@@ -22,7 +22,8 @@ class TScriptedWindows final : public TWindowSystem {
   /// Next: asked where no answer is prepared, borrowed; null: EQuestionUnanswered.
   explicit TScriptedWindows(TWindowSystem* Next = nullptr) : FNext(Next) {}
 
-  /// For every form of that class, such as "TMessageBoxForm".
+  /// For every form of that class, such as "TMessageBoxForm", but questions whose Yes cancels, stops or drops: an
+  /// answer to all of a class was given without having read them.
   void AnswerAlways(const std::string& FormClass, TScriptedAnswer Answer) { FAlways[FormClass] = std::move(Answer); }
   /// For the next form that has no standing answer; in the order of the calls, once each.
   void AnswerNext(TScriptedAnswer Answer) { FOnce.push_back(std::move(Answer)); }

@@ -10,6 +10,7 @@ constinit TInstalledService<TDictionary> Installed("data dictionary");
 }  // namespace
 
 TDictionary& Dictionary() { return Installed.Required(); }
+bool HasDictionary() { return Installed.Get() != nullptr; }
 TDictionary* InstallService(TDictionary* Service) { return Installed.Install(Service); }
 
 }  // namespace velkrund

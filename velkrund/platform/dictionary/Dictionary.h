@@ -40,10 +40,15 @@ class TDictionary {
   /// it.
   virtual void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                                 const std::string& Pattern, TTableScriptPart Part) = 0;
+  /// Makes the indexes of a table that was made without them.
+  virtual void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
+  /// Removes the table of the description's name from the database; its structure stays.
+  virtual void DropTable(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
 };
 
 /// The installed data dictionary. Raises EAccessViolation when there is none.
 TDictionary& Dictionary();
+bool HasDictionary();
 /// Installs one for the process, borrowed, or none when null; returns the one before. TServiceGuard undoes it.
 TDictionary* InstallService(TDictionary* Service);
 

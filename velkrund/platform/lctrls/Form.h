@@ -48,6 +48,9 @@ class TForm {
   /// Whether there is something to choose.
   bool IsQuestion() const { return VisibleControls<TLButton>().size() > 1; }
 
+  /// Whether Yes cancels, stops or drops: nobody says it to such a question without having read it.
+  virtual bool YesUndoes() const { return false; }
+
   std::string Caption;  // of the window, already in the user's language
 
  protected:

@@ -23,7 +23,7 @@ TLIcon IconOf(std::uint32_t Flags) {
 }  // namespace
 
 TMessageBoxForm::TMessageBoxForm(std::string_view Text, std::string_view WindowCaption, std::uint32_t Flags)
-    : FImage(*this, "Image", IconOf(Flags)) {
+    : FImage(*this, "Image", IconOf(Flags)), FYesUndoes((Flags & MB_DEFBUTTON2) != 0) {
   Caption = WindowCaption;
   FTextLabel.Caption = Text;
   const std::uint32_t Buttons = Flags & ButtonsMask;

@@ -20,6 +20,8 @@ inline constexpr std::uint32_t MB_YESNO = 4;
 inline constexpr std::uint32_t MB_ICONQUESTION = 0x20;
 inline constexpr std::uint32_t MB_ICONWARNING = 0x30;
 inline constexpr std::uint32_t MB_ICONINFORMATION = 0x40;
+/// The second button is what goes without saying: Yes cancels, stops or drops.
+inline constexpr std::uint32_t MB_DEFBUTTON2 = 0x100;
 inline constexpr int IDOK = mrOk;
 inline constexpr int IDCANCEL = mrCancel;
 inline constexpr int IDYES = mrYes;
@@ -31,6 +33,7 @@ class TMessageBoxForm final : public TForm {
  public:
   TMessageBoxForm(std::string_view Text, std::string_view WindowCaption, std::uint32_t Flags);
   const char* ClassName() const override { return "TMessageBoxForm"; }
+  bool YesUndoes() const override { return FYesUndoes; }
 
  protected:
   bool CloseQuery() override { return FMayClose; }
@@ -42,6 +45,7 @@ class TMessageBoxForm final : public TForm {
   TLLabel FTextLabel{*this, "TextLabel"};
   std::vector<std::unique_ptr<TLButton>> FButtons;
   bool FMayClose = true;
+  const bool FYesUndoes;
 };
 
 /// Shows a message box on the main thread and returns the answer's code. Without anybody to answer a question it raises

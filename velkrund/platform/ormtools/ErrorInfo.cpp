@@ -49,6 +49,7 @@ constexpr std::string_view CodeWords[] = {
     "references",
     "structure-missing",
     "structure",
+    "no-words",
 };
 
 template <typename T>
@@ -59,7 +60,7 @@ void FillOne(T& Known, const T& Other) {
 }  // namespace
 
 std::string_view ErrorCodeText(TErrorCode Code) {
-  static_assert(std::size(CodeWords) == static_cast<std::size_t>(TErrorCode::Structure) + 1);
+  static_assert(std::size(CodeWords) == static_cast<std::size_t>(TErrorCode::NoWords) + 1);
   const auto Place = static_cast<std::size_t>(Code);
   return CodeWords[Place < std::size(CodeWords) ? Place : 0];
 }

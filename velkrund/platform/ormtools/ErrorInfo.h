@@ -47,6 +47,7 @@ enum class TErrorCode {
   References,  // rows would refer to nothing
   StructureMissing,
   Structure,  // a stored structure, or the text of one
+  NoWords,    // the engine has none for a part of what is to be made
 };
 
 /// The word of a code: "file-missing"; of a number that is no code "other".

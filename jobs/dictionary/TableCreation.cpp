@@ -1,0 +1,251 @@
+#include "jobs/dictionary/TableCreation.h"
+
+#include <algorithm>
+
+#include "jobs/policies/Questions.h"
+#include "standalone/dictionary/Layout.h"
+#include "standalone/discard/DiscardManager.h"
+#include "standalone/structures/MemoryStructures.h"
+#include "velkrund/dictionary/TableMaker.h"
+#include "velkrund/dsp/DSPStructure.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
+
+namespace velkrund {
+
+namespace {
+
+std::vector<std::string> NamesOf(const std::vector<std::string>& Tables) {
+  std::vector<std::string> Result;
+  for (const std::string& Table : Tables) Result.push_back(Format("'%s'", Table));
+  return Result;
+}
+
+std::string GapText(const TScriptGap& Gap) { return Gap.What + (Gap.Why.empty() ? "" : ": " + Gap.Why); }
+
+TStandaloneDictionary& InstalledDictionary() {
+  if (auto* const Result = dynamic_cast<TStandaloneDictionary*>(&Dictionary())) return *Result;
+  throw EAccessViolation("A job needs the stand-alone platform, and another data dictionary is installed");
+}
+
+}  // namespace
+
+/// What the run has decided takes the place of questions.
+class TTableCreation::TMaker final : public TTableMaker {
+ public:
+  TMaker(TTableCreation& Owner, TUtilOperation& Operation, TIsUseless IsUseless)
+      : TTableMaker(Operation, Owner.FDatabaseName), FOwner(Owner), FIsUseless(std::move(IsUseless)) {}
+
+ private:
+  bool MayMake(const std::vector<TDicTableDescription>&) override { return !FOwner.FDeclined; }
+  bool MayGoByName(const TDicTableDescription& Table) override { return !FOwner.IsCancelled(Table.FullName()); }
+  void Prepare(TDicTableDescription& Table) override {
+    std::erase_if(Table.ForeignKeys, [this](const TDicForeignKey& Key) { return !FOwner.IsReachable(Key); });
+  }
+  void HasMade(const TDicTableDescription& Table) override { FOwner.FMade.push_back(Table.FullName()); }
+  bool IsUseless(const TDicTableDescription& Table) override {
+    const bool Result = FIsUseless(Table.FullName());
+    if (Result) std::erase(FOwner.FMade, Table.FullName());
+    return Result;
+  }
+  void MakeRest(const TMade& Made) override;
+
+  TTableCreation& FOwner;
+  const TIsUseless FIsUseless;
+};
+
+/// Rows that refer to nothing stay where they are let in; the key is made for rows to come.
+void TTableCreation::TMaker::MakeRest(const TMade& Made) {
+  try {
+    TTransaction Transaction(DatabaseName());
+    TTableMaker::MakeRest(Made);
+    return Transaction.Commit();
+  } catch (const EDatabaseError& Error) {
+    const bool IsAllowed = FOwner.FPolicies.BrokenReferences == TBrokenReferencePolicy::Allow;
+    if (Error.Info().Code != TErrorCode::References || !IsAllowed) throw;
+  }
+  TMade Unchecked = Made;
+  for (TDicForeignKey& Key : Unchecked.Description.ForeignKeys) Key.NotChecked = true;
+  TTableMaker::MakeRest(Unchecked);
+  FOwner.FUnchecked.push_back(Made.Description.FullName());
+}
+
+TTableCreation::TTableCreation(TStandaloneManager& Manager, const TPolicies& Policies, std::string DatabaseName)
+    : FManager(Manager),
+      FPolicies(Policies),
+      FDatabaseName(std::move(DatabaseName)),
+      FDictionary(InstalledDictionary()),
+      FLongNames(Policies.LongNames),
+      FAllowedBefore(FDictionary.Gaps().Allow({Policies.AllowMissing.begin(), Policies.AllowMissing.end()})) {}
+
+TTableCreation::~TTableCreation() {
+  FDictionary.Gaps().Allow(std::move(FAllowedBefore));
+  FDictionary.Gaps().TakeNoted();
+}
+
+void TTableCreation::AddStructure(TInputFile& Input, int Index) {
+  const TEISection& Section = Input.File().Sections()[Index];
+  const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
+  if (!Type || !Name || *Type != std::to_string(TableObjectType)) return;
+  TMemoryStructures Structures;
+  try {
+    TDiscardManager Discard(FManager);
+    const TServiceGuard<TApplicationManager> ManagerGuard(&Discard);
+    const TServiceGuard<TDSPContainer> StructuresGuard(&Structures);
+    const std::unique_ptr<TEIObject> Object = Input.File().CreateEIObject(Index);
+    Input.File().ImportObject(*Object);
+    const TDSPNode* const Tree = Structures.Find(*Name, TableObjectType);
+    if (!Tree || Tree->GetCount() == 0) return;
+    TEntry Entry{ReadTable(*Tree), true, false};
+    Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(*Name).has_value();
+    FEntries[LowerCase(*Name)] = std::move(Entry);
+  } catch (const EAbort&) {
+    throw;
+  } catch (const Exception&) {
+    // The import of the section meets the same error, or nobody needs its tree to describe a table.
+  }
+}
+
+const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
+  const std::string Key = LowerCase(Table);
+  auto Found = FEntries.find(Key);
+  if (Found == FEntries.end()) {
+    TEntry Entry;
+    Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Table).has_value();
+    if (!Entry.IsThere && !FDictionary.GetDicTable(FDatabaseName).GetTableInfo(Table, Entry.Description))
+      return nullptr;
+    Found = FEntries.emplace(Key, std::move(Entry)).first;
+  }
+  return Found->second.IsThere ? nullptr : &Found->second.Description;
+}
+
+bool TTableCreation::IsCancelled(const std::string& Table) const {
+  const auto Found = FEntries.find(LowerCase(Table));
+  return Found != FEntries.end() && Found->second.IsCancelled;
+}
+
+std::vector<const TTableCreation::TEntry*> TTableCreation::ToBeMade() const {
+  std::vector<const TEntry*> Result;
+  for (const auto& [Key, Entry] : FEntries)
+    if (!FDeclined && !Entry.IsThere && !Entry.IsCancelled) Result.push_back(&Entry);
+  return Result;
+}
+
+std::vector<TTableCreation::TEntry*> TTableCreation::Missing() {
+  std::vector<TEntry*> Result;
+  for (auto& [Key, Entry] : FEntries)
+    if (!Entry.IsThere) Result.push_back(&Entry);
+  return Result;
+}
+
+void TTableCreation::Settle(TOutcome& Outcome) {
+  const std::vector<TEntry*> Tables = Missing();
+  if (Tables.empty()) return;
+  AskFor(Tables);
+  if (!FDeclined) {
+    for (TEntry* const Table : Tables) Table->IsCancelled = !FLongNames.MayMakeTable(Table->Description);
+    return CheckScripts(ToBeMade());
+  }
+  std::vector<std::string> Names;
+  for (const TEntry* Table : Tables) Names.push_back(Table->Description.FullName());
+  Outcome.Notes.push_back(Format("not made, since that was declined: %s: %s",
+                                 Counted(static_cast<std::int64_t>(Names.size()), "table"), Joined(NamesOf(Names))));
+}
+
+void TTableCreation::AskFor(const std::vector<TEntry*>& Tables) {
+  FDeclined = FPolicies.CreateTables == TCreateTables::No;
+  if (FPolicies.CreateTables != TCreateTables::Ask) return;
+  std::vector<std::string> Names;
+  for (const TEntry* Table : Tables) Names.push_back(Format("'%s'", Table->Description.FullName()));
+  const std::string Text =
+      Format("Tables that are not there, and that structures describe: %s.", JoinedInShort(std::move(Names)));
+  if (!CanAsk()) throw EPolicyUnanswered(TPolicy::CreateTables, Text);
+  FDeclined =
+      Ask({Text + " Make them?", {TAnswer::Yes, TAnswer::No, TAnswer::Cancel}, TPolicy::CreateTables}) == TAnswer::No;
+}
+
+bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
+  const std::string Name = Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table;
+  return FEntries.contains(LowerCase(Name)) || Find(Name) ||
+         FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Name);
+}
+
+/// All that is in the way, of all tables at once.
+void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
+  std::vector<TScriptGap> Refused;
+  std::vector<std::string> Problems;
+  const auto Take = [&](const TScriptGap& Gap) {
+    if (!FDictionary.Gaps().Allows(Gap)) Refused.push_back(Gap);
+  };
+  for (const TEntry* const Table : Tables) {
+    const TDicTableDescription& Description = Table->Description;
+    for (const TDicForeignKey& Key : Description.ForeignKeys)
+      if (!IsReachable(Key))
+        Take({"references",
+              Format("the foreign key of table '%s' to the table '%s'", Description.FullName(), Key.Table),
+              "that table is neither in the files nor in the database"});
+    try {
+      const std::string Pattern = FDictionary.GetCreateTablePatternString(
+          FDictionary.GetPatternName(Description.FullName(), FDatabaseName), FDatabaseName);
+      const TScript Script = FDictionary.Script(FDatabaseName, Description, Pattern, TTableScriptPart::All);
+      std::for_each(Script.Gaps.begin(), Script.Gaps.end(), Take);
+    } catch (const EDatabaseError& Error) {
+      Problems.emplace_back(Error.what());
+    }
+  }
+  if (!Problems.empty())
+    throw EDatabaseError(Format("%s cannot be made: %s", Counted(static_cast<std::int64_t>(Problems.size()), "table"),
+                                Joined(Problems)));
+  if (!Refused.empty()) throw EGap(std::move(Refused));
+}
+
+void TTableCreation::AddSteps(TTableScriptPart Part, std::vector<TPlanStep>& Steps) const {
+  for (const TEntry* const Entry : ToBeMade()) {
+    const std::string Name = Entry->Description.FullName();
+    const std::string Pattern =
+        FDictionary.GetCreateTablePatternString(FDictionary.GetPatternName(Name, FDatabaseName), FDatabaseName);
+    TDicTableDescription Table = Entry->Description;
+    if (Part == TTableScriptPart::Table) Table.Indexes.clear();
+    for (const TScriptStatement& Statement : FDictionary.Script(FDatabaseName, Table, Pattern, Part).Statements)
+      Steps.push_back({"make " + Statement.What, {}, Statement.Text});
+  }
+}
+
+std::vector<TPlanStep> TTableCreation::StepsBefore() const {
+  std::vector<TPlanStep> Result;
+  AddSteps(TTableScriptPart::Table, Result);
+  return Result;
+}
+
+std::vector<TPlanStep> TTableCreation::StepsBehind() const {
+  std::vector<TPlanStep> Result;
+  for (const TEntry* const Entry : ToBeMade())
+    for (const TScriptStatement& Statement : FDictionary.IndexScript(FDatabaseName, Entry->Description).Statements)
+      Result.push_back({"make " + Statement.What, {}, Statement.Text});
+  AddSteps(TTableScriptPart::Rest, Result);
+  return Result;
+}
+
+std::unique_ptr<TMissingTables> TTableCreation::Maker(TUtilOperation& Operation, TIsUseless IsUseless) {
+  return std::make_unique<TMaker>(*this, Operation, std::move(IsUseless));
+}
+
+void TTableCreation::AddNotes(TOutcome& Outcome) {
+  if (!FMade.empty())
+    Outcome.Notes.push_back(Format("made %s, whose structures stay in the catalogue of the database: %s",
+                                   Counted(static_cast<std::int64_t>(FMade.size()), "table"), Joined(NamesOf(FMade))));
+  FLongNames.AddNote(Outcome.Notes);
+  for (const std::string& Table : FUnchecked)
+    Outcome.Notes.push_back(
+        Format("the foreign keys of table '%s' hold for rows to come alone, since rows of it refer to "
+               "nothing",
+               Table));
+  for (const TScriptGap& Gap : FDictionary.Gaps().TakeNoted()) Outcome.Notes.push_back("not made: " + GapText(Gap));
+}
+
+}  // namespace velkrund

@@ -1,0 +1,28 @@
+#include "jobs/report/PlanStep.h"
+
+#include "velkrund/platform/ormtools/Printable.h"
+#include "velkrund/platform/ormtools/Wording.h"
+
+namespace velkrund {
+
+TDocument PlanDocument(const std::vector<TPlanStep>& Steps) {
+  TDocument Result = TDocument::List();
+  for (const TPlanStep& Step : Steps) {
+    TDocument Entry;
+    Entry.Set("what", Step.What).Set("rows", Step.Rows);
+    if (!Step.Statement.empty()) Entry.Set("statement", Step.Statement);
+    Result.Add(std::move(Entry));
+  }
+  return Result;
+}
+
+std::string PlanText(const std::vector<TPlanStep>& Steps) {
+  std::string Result;
+  for (const TPlanStep& Step : Steps) {
+    Result += "-- " + OnOneLine(Step.What) + (Step.Rows ? ": " + Counted(*Step.Rows, "row") : "") + "\n";
+    if (!Step.Statement.empty()) Result += Printable(Step.Statement) + ";\n";
+  }
+  return Result;
+}
+
+}  // namespace velkrund

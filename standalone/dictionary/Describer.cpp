@@ -1,0 +1,70 @@
+#include "standalone/dictionary/Describer.h"
+
+#include <map>
+#include <utility>
+
+#include "standalone/dictionary/Layout.h"
+#include "standalone/dictionary/Redescription.h"
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/DSPErrors.h"
+
+namespace velkrund {
+
+template <typename TDescription>
+TDescribed TDescriber::Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind) {
+  TDescribed Result;
+  const std::string Name = Now.FullName();
+  if (Stored) Now = Redescribed(*Stored, std::move(Now), FConnection.Scripts().Engine(), Result.Gone);
+  Result.IsStored = Stored.has_value();
+  Result.IsChanged = !Stored || *Stored != Now;
+  Result.Item = {StructureName(Name), ObjectTypeOf(Kind), Name, {}, {}};
+  if (Stored)
+    if (auto Known = DSPContainer().Table(FDatabaseName).GetStructureProperties(Name, Result.Item.ObjectType))
+      Result.Item = std::move(*Known);
+  WriteTree(Now, Result.Tree);
+  return Result;
+}
+
+TDescribed TDescriber::Describe(const TDefinedObject& Object) {
+  TDefinitionReader& Definitions = FConnection.Definitions();
+  const std::string Name = FullName(Object.Table);
+  switch (Object.Kind) {
+    case TDefinedKind::Table:
+      return Finish(Definitions.Table(Object.Table, FOptions), StoredTable(FDatabaseName, Name), Object.Kind);
+    case TDefinedKind::View:
+      return Finish(Definitions.View(Object.Table), StoredView(FDatabaseName, Name), Object.Kind);
+    case TDefinedKind::Generator:
+      return Finish(Definitions.Generator(Object.Table), StoredGenerator(FDatabaseName, Name), Object.Kind);
+    case TDefinedKind::ExecProcedure:
+    case TDefinedKind::SelectProcedure:
+      break;
+  }
+  const bool Selects = Object.Kind == TDefinedKind::SelectProcedure;
+  return Finish(Definitions.Procedure(Object.Table), StoredProcedure(FDatabaseName, Name, Selects), Object.Kind);
+}
+
+void StoreDescribed(TDescribed Described, const std::string& DatabaseName) {
+  DSPContainer().Table(DatabaseName).ChangeStructureProperties(Described.Item);
+  const auto Form = DSPContainer().CreateFormManager(DatabaseName);
+  Form->ObjectName = Described.Item.ObjectName;
+  Form->ObjectType = Described.Item.ObjectType;
+  Form->Root() = std::move(Described.Tree);
+  if (!Form->SavePureStructure())
+    throw EDSPError(Format("The structure '%s' (type %d) cannot be saved", Form->ObjectName, Form->ObjectType));
+}
+
+std::vector<std::string> MeetingNames(const std::vector<TDefinedObject>& Objects) {
+  std::map<std::pair<int, std::string>, std::vector<std::string>> Names;
+  for (const TDefinedObject& Object : Objects) {
+    const std::string Name = FullName(Object.Table);
+    Names[{ObjectTypeOf(Object.Kind), LowerCase(Name)}].push_back(Format("'%s'", Name));
+  }
+  std::vector<std::string> Result;
+  for (const auto& [Key, Alike] : Names)
+    for (std::size_t I = 1; I < Alike.size(); ++I) Result.push_back(Format("%s and %s", Alike[I - 1], Alike[I]));
+  return Result;
+}
+
+}  // namespace velkrund

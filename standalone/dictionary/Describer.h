@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standalone/drivers/Connection.h"
+#include "velkrund/platform/structures/DSPContainer.h"
+
+namespace velkrund {
+
+/// An object of a database as its structure has it, or would have it now.
+struct TDescribed {
+  TDSPListItem Item;
+  TDSPNode Tree;
+  bool IsStored = false;               // there is a structure of that name already
+  bool IsChanged = true;               // from that
+  std::vector<std::string> Gone = {};  // words of other engines that go with what has changed
+};
+
+/// Describes what is in a database, by the structures of the installed container where there are some. Writes nothing.
+class TDescriber {
+ public:
+  /// Connection: of that database, borrowed.
+  TDescriber(TConnection& Connection, std::string DatabaseName, TDescribeOptions Options)
+      : FConnection(Connection), FDatabaseName(std::move(DatabaseName)), FOptions(Options) {}
+
+  /// Raises EDatabaseError, EDSPError.
+  TDescribed Describe(const TDefinedObject& Object);
+
+ private:
+  template <typename TDescription>
+  TDescribed Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind);
+
+  TConnection& FConnection;
+  const std::string FDatabaseName;
+  const TDescribeOptions FOptions;
+};
+
+/// Stores it, with the properties of its item. In the caller's transaction, or one of its own.
+void StoreDescribed(TDescribed Described, const std::string& DatabaseName);
+
+/// Objects whose structures would have one name, or one that a section cannot hold: "the tables 'a' and 'A'", in words
+/// for people; empty when there are none.
+std::vector<std::string> MeetingNames(const std::vector<TDefinedObject>& Objects);
+
+}  // namespace velkrund

@@ -1,0 +1,200 @@
+#include "standalone/dictionary/DicDatabase.h"
+
+#include <functional>
+
+#include "standalone/dictionary/ForeignText.h"
+#include "standalone/dictionary/GeneratorRange.h"
+#include "standalone/dictionary/Redescription.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+namespace {
+
+[[noreturn]] void RefuseSecond(std::string_view What, const std::string& Name) {
+  throw EDatabaseError(Format("There is a %s '%s' in the database already", What, Name));
+}
+
+[[noreturn]] void RefuseMissing(std::string_view What, const std::string& Name) {
+  throw EDatabaseError(Format("There is no %s '%s' in the database", What, Name));
+}
+
+/// Makes an object in a part of the caller's transaction. False, and a gap that is allowed: its text is another
+/// engine's and was refused.
+bool TryToMake(const std::string& DatabaseName, TGapBook& Gaps, const TDicEngineWords& Words, const TConnection& Target,
+               const TScriptGap& Gap, const std::function<void()>& Make) {
+  const std::string_view Foreign = ForeignEngine(Words, Target.Scripts().Engine());
+  try {
+    TTransaction Part(DatabaseName);
+    Make();
+    Part.Commit();
+    return true;
+  } catch (const EGap&) {
+    throw;
+  } catch (const EAbort&) {
+    throw;
+  } catch (const EDatabaseError& Error) {
+    if (Foreign.empty()) throw;
+    TScriptGap Refused = Gap;
+    Refused.Why = Format("which has no text for %s; that for %s was tried: %s", Target.EngineName(),
+                         EngineTitle(Foreign), Error.what());
+    Gaps.Take({Refused});
+    return false;
+  }
+}
+
+}  // namespace
+
+bool TStandaloneDicDatabase::GeneratorExist(const std::string& Name) { return Generators()->Find(Name).has_value(); }
+
+TDicGeneratorDescription TStandaloneDicDatabase::ExistingGenerator(const std::string& Name) {
+  std::optional<TDicGeneratorDescription> Found = Generators()->Find(Name);
+  if (!Found) RefuseMissing("generator", Name);
+  return *std::move(Found);
+}
+
+std::int64_t TStandaloneDicDatabase::GeneratorValue(const std::string& Name) {
+  return Generators()->Value(ExistingGenerator(Name));
+}
+
+void TStandaloneDicDatabase::SetGenerator(const std::string& Name, std::int64_t Step, std::int64_t Value) {
+  TTransaction Transaction(FDatabaseName);
+  const auto Kept = Generators();
+  if (const std::optional<TDicGeneratorDescription> Found = Kept->Find(Name)) {
+    Kept->SetValue(*Found, Value);
+  } else {
+    TDicGeneratorDescription Made;
+    Made.Name = Name;
+    Made.Counter.Step = std::to_string(Step);
+    const std::int64_t Start = Behind(Name, Value, Step);
+    // Upwards the least number is 1 unless it is said, downwards the greatest one is -1.
+    if (Step > 0 && Start < 1) Made.Counter.Min = std::to_string(Start);
+    if (Step < 0 && Start > -1) Made.Counter.Max = std::to_string(Start);
+    Kept->Create(Made, Start);
+  }
+  Transaction.Commit();
+}
+
+void TStandaloneDicDatabase::CreateGenerator(const std::string& Name, std::optional<std::int64_t> StartValue) {
+  const TDicGeneratorDescription Stored = FStructures.Generator(Name);
+  TTransaction Transaction(FDatabaseName);
+  const auto Kept = Generators();
+  if (Kept->Find(Stored.FullName())) RefuseSecond("generator", Stored.FullName());
+  Kept->Create(Stored, StartValue);
+  const TDicGeneratorDescription Described = WithWords(Stored, ExistingGenerator(Stored.FullName()), Engine());
+  if (Described != Stored) FStructures.Store(Name, Described);
+  Transaction.Commit();
+}
+
+void TStandaloneDicDatabase::DropGenerator(const std::string& Name) {
+  TTransaction Transaction(FDatabaseName);
+  Generators()->Drop(ExistingGenerator(Name));
+  Transaction.Commit();
+}
+
+std::optional<TTableInfo> TStandaloneDicDatabase::FindView(const std::string& Name) {
+  const std::optional<TTableInfo> Found = Connection().Schema().FindTable(Name);
+  return Found && Found->Kind == TTableKind::View ? Found : std::nullopt;
+}
+
+TTableInfo TStandaloneDicDatabase::ExistingView(const std::string& Name) {
+  const std::optional<TTableInfo> Found = FindView(Name);
+  if (!Found) RefuseMissing("view", Name);
+  return *Found;
+}
+
+bool TStandaloneDicDatabase::ViewExist(const std::string& Name) { return FindView(Name).has_value(); }
+
+void TStandaloneDicDatabase::MakeView(const TDicViewDescription& View, bool Replace, bool Verify) {
+  TConnection& Target = Connection();
+  RunScript(Target, Target.Scripts().View(View, Replace), FGaps);
+  // One that keeps its rows has been filled by now.
+  if (!Verify || View.Materialized) return;
+  const std::string Quoted = Target.Dialect().SQLName(ExistingView(View.FullName()));
+  Target.Query("SELECT * FROM " + Quoted + " WHERE 1 = 0")->Next();
+}
+
+/// Redefined where the engine can, so that what hangs on it stays; else dropped and made again.
+void TStandaloneDicDatabase::ReplaceView(const TDicViewDescription& View, bool Verify) {
+  const std::optional<TTableInfo> Before = FindView(View.FullName());
+  try {
+    TTransaction Part(FDatabaseName);
+    MakeView(View, true, Verify);
+    Part.Commit();
+    return;
+  } catch (const EGap&) {
+    throw;
+  } catch (const EDatabaseError&) {
+    if (!Before) throw;
+  }
+  Connection().Execute(Connection().Scripts().DropView(Connection().Definitions().View(*Before)));
+  MakeView(View, false, Verify);
+}
+
+void TStandaloneDicDatabase::CreateView(const std::string& Name, bool Replace, bool Verify) {
+  const TDicViewDescription Stored = FStructures.View(Name);
+  const std::string View = Stored.FullName();
+  TTransaction Transaction(FDatabaseName);
+  if (!Replace && FindView(View)) RefuseSecond("view", View);
+  const bool IsForeign = !ForeignEngine(Stored.Words, Engine()).empty();
+  const TScriptGap Gap{"views", Format("the view '%s'", View)};
+  const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] {
+    if (Replace)
+      ReplaceView(Stored, Verify || IsForeign);
+    else
+      MakeView(Stored, false, Verify || IsForeign);
+  });
+  if (Made) {
+    const TDicViewDescription Described =
+        WithWords(Stored, Connection().Definitions().View(ExistingView(View)), Engine());
+    if (Described != Stored) FStructures.Store(Name, Described);
+  }
+  Transaction.Commit();
+}
+
+void TStandaloneDicDatabase::DropView(const std::string& Name) {
+  TTransaction Transaction(FDatabaseName);
+  TConnection& Target = Connection();
+  Target.Execute(Target.Scripts().DropView(Target.Definitions().View(ExistingView(Name))));
+  Transaction.Commit();
+}
+
+bool TStandaloneDicDatabase::HasProcedure(const std::string& Name, bool Selects) {
+  const std::optional<TDicProcedureDescription> Found = Procedures()->Find(Name);
+  return Found && Found->Selects == Selects;
+}
+
+void TStandaloneDicDatabase::CreateProcedure(const std::string& Name, bool Selects) {
+  const TDicProcedureDescription Stored = FStructures.Procedure(Name, Selects);
+  const std::string Procedure = Stored.FullName();
+  TTransaction Transaction(FDatabaseName);
+  const auto Kept = Procedures();
+  if (Kept->Find(Procedure)) RefuseSecond("procedure", Procedure);
+  const TScriptGap Gap{"procedures", Format("the procedure '%s'", Procedure)};
+  const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] { Kept->Create(Stored); });
+  if (Made) {
+    const std::optional<TDicProcedureDescription> Found = Kept->Find(Procedure);
+    if (!Found) RefuseMissing("procedure", Procedure);
+    const TDicProcedureDescription Described = WithWords(Stored, *Found, Engine());
+    if (Described != Stored) FStructures.Store(Name, Described);
+  }
+  Transaction.Commit();
+}
+
+void TStandaloneDicDatabase::DropStoredProc(const std::string& Name) {
+  TTransaction Transaction(FDatabaseName);
+  const auto Kept = Procedures();
+  const std::optional<TDicProcedureDescription> Found = Kept->Find(Name);
+  if (!Found) RefuseMissing("procedure", Name);
+  Kept->Drop(*Found);
+  Transaction.Commit();
+}
+
+TStandaloneDicDatabase& TStandaloneDicDatabases::Database(const std::string& DatabaseName) {
+  std::unique_ptr<TStandaloneDicDatabase>& Result = FDatabases[DatabaseName];
+  if (!Result) Result = std::make_unique<TStandaloneDicDatabase>(FManager, DatabaseName, FGaps);
+  return *Result;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "standalone/dictionary/ScriptRun.h"
+
+namespace velkrund {
+
+/// The procedures of one database, wherever they are kept: by the engine, or in a catalogue table. Names are found
+/// ignoring case, the exact one first. What changes something runs in the caller's transaction. Raises EDatabaseError.
+class TProcedures {
+ public:
+  TProcedures() = default;
+  TProcedures(const TProcedures&) = delete;
+  TProcedures& operator=(const TProcedures&) = delete;
+  virtual ~TProcedures() = default;
+
+  virtual std::vector<TDicProcedureDescription> List() = 0;
+  /// Of either kind.
+  virtual std::optional<TDicProcedureDescription> Find(const std::string& Name) = 0;
+  /// To be called for one that does not exist.
+  virtual void Create(const TDicProcedureDescription& Procedure) = 0;
+  /// Procedure: as Find has found it.
+  virtual void Drop(const TDicProcedureDescription& Procedure) = 0;
+};
+
+/// Both borrowed.
+std::unique_ptr<TProcedures> ProceduresOf(TConnection& Connection, TGapBook& Gaps);
+
+}  // namespace velkrund

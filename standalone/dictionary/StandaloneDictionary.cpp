@@ -1,0 +1,140 @@
+#include "standalone/dictionary/StandaloneDictionary.h"
+
+#include "standalone/dictionary/Redescription.h"
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/DSPErrors.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
+
+namespace velkrund {
+
+namespace {
+
+/// Which pattern belongs to which table, as applications keep it: names in upper case.
+constexpr std::string_view LinkTable = "PATTERNLINKTOTABLE";
+
+/// The text of a pattern: the lines of the engine's own, else of the one for all.
+std::string PatternText(const TDSPNode& Root, const std::string& Engine, const std::string& Name) {
+  const TDSPNode* Lines = Root.FindNode(Engine);
+  if (!Lines) Lines = Root.FindNode("Pattern");
+  if (!Lines)
+    throw EDSPError(
+        Format("The structure '%s' (type %d) has no pattern for this engine: neither a node '%s' nor a node "
+               "'Pattern', with nodes L below it, one for each line",
+               Name, PatternObjectType, Engine));
+  std::string Result;
+  for (int Index = 0; Index < Lines->GetCount(); ++Index)
+    Result += (Index ? "\n" : "") + Lines->GetNodes(Index).GetAsString();
+  return Result;
+}
+
+TTableParts PartsOf(TTableScriptPart Part) {
+  TTableParts Result;
+  if (Part == TTableScriptPart::Table) Result.ForeignKeys = Result.Triggers = Result.Comments = false;
+  if (Part == TTableScriptPart::Rest) Result.Table = Result.Indexes = false;
+  return Result;
+}
+
+}  // namespace
+
+class TStandaloneDictionary::TStoredTables final : public TDicTable {
+ public:
+  explicit TStoredTables(std::string DatabaseName) : FDatabaseName(std::move(DatabaseName)) {}
+
+  bool GetTableInfo(const std::string& TableName, TDicTableDescription& Description) override {
+    std::optional<TDicTableDescription> Found = StoredTable(FDatabaseName, TableName);
+    if (Found) Description = std::move(*Found);
+    return Found.has_value();
+  }
+
+ private:
+  const std::string FDatabaseName;
+};
+
+TStandaloneDictionary::TStandaloneDictionary(TStandaloneManager& Manager) : FManager(Manager) {}
+TStandaloneDictionary::~TStandaloneDictionary() = default;
+
+TDicTable& TStandaloneDictionary::GetDicTable(const std::string& DatabaseName) {
+  std::unique_ptr<TStoredTables>& Table = FTables[DatabaseName];
+  if (!Table) Table = std::make_unique<TStoredTables>(DatabaseName);
+  return *Table;
+}
+
+std::string TStandaloneDictionary::GetPatternName(const std::string& TableName, const std::string& DatabaseName) {
+  TConnection& Connection = FManager.Databases().Connection(DatabaseName);
+  if (const std::optional<TTableInfo> Links = Connection.Schema().FindTable(LinkTable)) {
+    const TTableDescription Known = Connection.Schema().Describe(*Links);
+    const auto Column = [&](std::string_view Name) {
+      for (const TColumnInfo& Each : Known.Columns)
+        if (SameText(Each.Name, Name)) return Connection.Dialect().QuoteName(Each.Name);
+      throw EDatabaseError(Format("The table '%s' has no column '%s'", FullName(*Links), Name));
+    };
+    const std::string Key = UpperCase(TableName);
+    TKvVariant Parameter;
+    Parameter.BorrowText(Key, TKvKind::String);
+    const auto Rows = Connection.Query(
+        Format("SELECT %s FROM %s WHERE %s = %s", Column("PATTERNNAME"), Connection.Dialect().SQLName(*Links),
+               Column("TABLENAME"), Connection.Dialect().ParameterMark(1)),
+        {&Parameter, 1});
+    TKvVariant Name;
+    if (Rows->Next()) {
+      Rows->Read(0, Name);
+      return std::string(Name.AsText());
+    }
+  }
+  return FManager.Databases().PatternName(DatabaseName);
+}
+
+std::string TStandaloneDictionary::GetCreateTablePatternString(const std::string& PatternName,
+                                                               const std::string& DatabaseName) {
+  const TScriptWriter& Scripts = FManager.Databases().Connection(DatabaseName).Scripts();
+  if (PatternName.empty()) return Scripts.TablePattern();
+  const auto Form = LoadStructure(DatabaseName, PatternName, PatternObjectType);
+  if (!Form)
+    throw EDatabaseError(
+        Format("There is no pattern '%s' (a structure of type %d) to make tables by", PatternName, PatternObjectType),
+        {.Code = TErrorCode::StructureMissing});
+  return PatternText(Form->Root(), std::string(Scripts.Engine()), PatternName);
+}
+
+TScript TStandaloneDictionary::Script(const std::string& DatabaseName, const TDicTableDescription& Description,
+                                      const std::string& Pattern, TTableScriptPart Part) {
+  return FManager.Databases().Connection(DatabaseName).Scripts().Table(Description, PartsOf(Part), Pattern);
+}
+
+void TStandaloneDictionary::CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
+                                             const std::string& Pattern, TTableScriptPart Part) {
+  RunScript(FManager.Databases().Connection(DatabaseName), Script(DatabaseName, Description, Pattern, Part), FGaps);
+  if (Part != TTableScriptPart::Table) StoreWords(DatabaseName, Description.FullName());
+}
+
+TScript TStandaloneDictionary::IndexScript(const std::string& DatabaseName, const TDicTableDescription& Description) {
+  const TScriptWriter& Scripts = FManager.Databases().Connection(DatabaseName).Scripts();
+  TTableParts Parts;
+  Parts.Table = Parts.ForeignKeys = Parts.Triggers = Parts.Comments = false;
+  return Scripts.Table(Description, Parts, Scripts.TablePattern());
+}
+
+void TStandaloneDictionary::CreateIndexesByDef(const std::string& DatabaseName,
+                                               const TDicTableDescription& Description) {
+  RunScript(FManager.Databases().Connection(DatabaseName), IndexScript(DatabaseName, Description), FGaps);
+}
+
+void TStandaloneDictionary::DropTable(const std::string& DatabaseName, const TDicTableDescription& Description) {
+  TConnection& Connection = FManager.Databases().Connection(DatabaseName);
+  Connection.Execute(Connection.Scripts().DropTable(Description));
+}
+
+void TStandaloneDictionary::StoreWords(const std::string& DatabaseName, const std::string& TableName) {
+  std::optional<TDicTableDescription> Stored = StoredTable(DatabaseName, TableName);
+  if (!Stored) return;
+  TConnection& Connection = FManager.Databases().Connection(DatabaseName);
+  const std::optional<TTableInfo> Made = Connection.Schema().FindTable(TableName);
+  if (!Made) return;
+  TDicTableDescription Now =
+      WithWords(*Stored, Connection.Definitions().Table(*Made, {}), Connection.Scripts().Engine());
+  if (Now != *Stored) StoreDescription(DatabaseName, Now);
+}
+
+}  // namespace velkrund

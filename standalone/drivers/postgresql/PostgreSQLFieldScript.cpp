@@ -1,0 +1,160 @@
+#include <algorithm>
+
+#include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
+#include "standalone/drivers/postgresql/PostgreSQLScript.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+/// Without the brackets of arrays.
+std::string ElementType(std::string Type) {
+  while (Type.ends_with("[]")) Type.resize(Type.size() - 2);
+  return Type;
+}
+
+void AddType(const std::string& Name, const std::string& Statement, TPostgreSQLScript& Script) {
+  Script.AddSchemaOf(Name);
+  const std::string Unless = "SELECT 1 WHERE pg_catalog.to_regtype(" + QuotePostgreSQLText(Name) + ") IS NOT NULL";
+  const auto IsThere = [&](const TScriptStatement& Known) { return Known.Unless == Unless; };
+  if (std::none_of(Script.Statements.begin(), Script.Statements.end(), IsThere))
+    Script.Add(Statement, "type " + Name, Unless);
+}
+
+/// An enumeration, a domain over whatever type, a composite or a range, which the type of a field needs to be there.
+void AddTypes(const TDicWords& Words, TPostgreSQLScript& Script) {
+  const std::string Type = ElementType(Words.Text.value_or(""));
+  const std::string* Base = Words.Part("Base");
+  if (!Words.Lines.empty()) {
+    const std::string Name = Base ? Base->substr(0, EndOfPostgreSQLName(*Base)) : Type;
+    std::string Values;
+    for (const std::string& Value : Words.Lines) Values += (Values.empty() ? "" : ", ") + QuotePostgreSQLText(Value);
+    AddType(Name, "CREATE TYPE " + Name + " AS ENUM (" + Values + ")", Script);
+  }
+  if (!Base) return;
+  if (Base->starts_with('(') || Base->starts_with("RANGE (")) {
+    AddType(Type, "CREATE TYPE " + Type + " AS " + *Base, Script);
+    return;
+  }
+  const std::string* Check = Words.Part("Check");
+  AddType(Type, "CREATE DOMAIN " + Type + " AS " + *Base + (Check ? " " + *Check : ""), Script);
+}
+
+class TFieldScript {
+ public:
+  TFieldScript(const TDicTableDescription& Table, const TDicField& Field, TPostgreSQLScript& Script,
+               TPostgreSQLScript& After)
+      : FTable(Table), FField(Field), FScript(Script), FAfter(After), FOwn(OwnWords(Field.Words)) {}
+
+  std::string Clause() {
+    CheckPostgreSQLName(FField.Name, Format("a field of table '%s'", FTable.FullName()));
+    std::string Result = QuoteStandardName(FField.Name) + " " + Type();
+    if (const std::string* Collate = OwnPart("Collate"))
+      Result += " COLLATE " + *Collate;
+    else if (OthersPart(FField.Words, "Collate"))
+      FScript.Lack("collations", "the order of " + What(), "PostgreSQL has none of its name");
+    Result += Value();
+    const std::string* Base = OwnPart("Base");
+    if (FField.NotNull && !(Base && Base->ends_with(" NOT NULL"))) Result += " NOT NULL";
+    return Result;
+  }
+
+ private:
+  std::string What() const { return Format("field '%s' of table '%s'", FField.Name, FTable.FullName()); }
+  const std::string* OwnPart(std::string_view Name) const { return FOwn ? FOwn->Part(Name) : nullptr; }
+
+  std::string Type() {
+    if (FOwn && FOwn->Text) {
+      AddTypes(*FOwn, FScript);
+      return FDeclared = *FOwn->Text;
+    }
+    const TPostgreSQLDeclaration Declaration = DeclarationOf({FField.Type, FField.Size, FField.Scale});
+    if (!Declaration.Loss.empty())
+      FScript.Lack("types", "the type of " + What(), Declaration.Loss, Declaration.Harmless);
+    else if (OthersLines(FField.Words))
+      FScript.Lack("types", "the list of values of " + What(), "it is another engine's type", true);
+    return FDeclared = Declaration.Type;
+  }
+
+  /// Where its values come from when a row brings none.
+  std::string Value() {
+    if (FField.Computed) return Computed();
+    const std::string* Own = OwnPart("Default");
+    const bool IsIdentity = Own && *Own == "IDENTITY";
+    if (!FField.Owned.empty() && !IsIdentity) AddOwned();
+    if (FField.Auto != TDicAutoKey::None) return IsIdentity || FField.Owned.empty() ? Identity() : " DEFAULT " + Next();
+    if (Own) return " DEFAULT " + *Own;
+    if (const std::string* Base = OwnPart("Base"); Base && Base->find(" DEFAULT ") != std::string::npos) return {};
+    if (FField.Default) {
+      if (const auto Words = DefaultWords(*FField.Default, FField.Type)) return " DEFAULT " + *Words;
+      FScript.Lack("defaults", "the default of " + What(),
+                   Format("PostgreSQL takes no %s for its type", *FField.Default));
+    } else if (OthersPart(FField.Words, "Default")) {
+      FScript.Lack("defaults", "the default of " + What(), "its text is another engine's alone");
+    }
+    return {};
+  }
+
+  std::string Computed() {
+    std::optional<std::string> Expression;
+    if (const std::string* Own = OwnPart("Computed"))
+      Expression = *Own;
+    else if (!FField.Computed->empty())
+      Expression = ConditionWords(*FField.Computed, FTable.Fields);
+    if (!Expression) {
+      FScript.Lack("computed", "how " + What() + " is computed", "its text is another engine's alone");
+      return {};
+    }
+    if (!FField.Stored)
+      FScript.Lack("computed", "that the values of " + What() + " take no room", "PostgreSQL keeps them in the row",
+                   true);
+    return " GENERATED ALWAYS AS (" + *Expression + ") STORED";
+  }
+
+  std::string OwnedName() const {
+    return (FTable.Schema.empty() ? "" : QuoteStandardName(FTable.Schema) + ".") + QuoteStandardName(FField.Owned);
+  }
+  std::string Next() const { return "nextval(" + QuotePostgreSQLText(OwnedName()) + "::regclass)"; }
+
+  std::string Identity() {
+    if (FDeclared != "smallint" && FDeclared != "integer" && FDeclared != "bigint") {
+      FScript.Lack("defaults", "the automatic numbers of " + What(), "PostgreSQL numbers integers alone");
+      return {};
+    }
+    std::string Words = CounterWords(FField.Counter, What());
+    if (!FField.Owned.empty()) Words = " SEQUENCE NAME " + OwnedName() + Words;
+    return std::string(" GENERATED ") + (FField.Auto == TDicAutoKey::Always ? "ALWAYS" : "BY DEFAULT") +
+           " AS IDENTITY" + (Words.empty() ? "" : " (" + Words.substr(1) + ")");
+  }
+
+  /// A sequence that goes with the field, as of one declared as serial.
+  void AddOwned() {
+    const std::string Sequence = Format("sequence '%s' of table '%s'", FField.Owned, FTable.FullName());
+    CheckPostgreSQLName(FField.Owned, Format("a sequence of table '%s'", FTable.FullName()));
+    const bool IsSmall = FField.Type == TDicFieldType::Int16;
+    const std::string Type = IsSmall ? " AS smallint" : FField.Type == TDicFieldType::Int32 ? " AS integer" : "";
+    FScript.Add("CREATE SEQUENCE " + OwnedName() + Type + CounterWords(FField.Counter, Sequence), Sequence);
+    FAfter.Add("ALTER SEQUENCE " + OwnedName() + " OWNED BY " + PostgreSQLNameOf(FTable) + "." +
+                   QuoteStandardName(FField.Name),
+               Sequence);
+  }
+
+  const TDicTableDescription& FTable;
+  const TDicField& FField;
+  TPostgreSQLScript& FScript;
+  TPostgreSQLScript& FAfter;
+  const TDicWords* FOwn;
+  std::string FDeclared;
+};
+
+}  // namespace
+
+std::string PostgreSQLFieldClause(const TDicTableDescription& Table, const TDicField& Field, TPostgreSQLScript& Script,
+                                  TPostgreSQLScript& After) {
+  return TFieldScript(Table, Field, Script, After).Clause();
+}
+
+}  // namespace velkrund

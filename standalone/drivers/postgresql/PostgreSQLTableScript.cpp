@@ -1,0 +1,265 @@
+#include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
+#include "standalone/drivers/postgresql/PostgreSQLScript.h"
+#include "velkrund/platform/dictionary/TextLines.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+namespace {
+
+/// Pattern with its places filled.
+std::string Filled(const std::string& Pattern, const std::string& Table, const std::string& Items,
+                   const std::string& Words) {
+  std::string Result;
+  bool HasTable = false, HasItems = false;
+  for (std::size_t From = 0; From < Pattern.size();) {
+    const std::size_t Open = Pattern.find('{', From);
+    Result.append(Pattern, From, Open == std::string::npos ? Open : Open - From);
+    if (Open == std::string::npos) break;
+    const std::size_t Close = Pattern.find('}', Open);
+    const std::string Place = Pattern.substr(Open, Close == std::string::npos ? Close : Close - Open + 1);
+    if (Place != "{table}" && Place != "{items}" && Place != "{words}")
+      throw EDatabaseError(
+          Format("The pattern of tables has '%s'; its places are {table}, {items} and {words}", Place));
+    HasTable = HasTable || Place == "{table}";
+    HasItems = HasItems || Place == "{items}";
+    Result += Place == "{table}" ? Table : Place == "{items}" ? Items : Words;
+    From = Close + 1;
+  }
+  if (!HasTable || !HasItems) throw EDatabaseError("The pattern of tables needs the places {table} and {items}");
+  return Result;
+}
+
+std::string DeferrableWords(TDicDeferrable Deferrable) {
+  if (Deferrable == TDicDeferrable::No) return {};
+  return Deferrable == TDicDeferrable::Deferred ? " DEFERRABLE INITIALLY DEFERRED" : " DEFERRABLE";
+}
+
+std::string_view ActionWords(TDicKeyAction Action) {
+  switch (Action) {
+    case TDicKeyAction::Cascade:
+      return "CASCADE";
+    case TDicKeyAction::SetNull:
+      return "SET NULL";
+    case TDicKeyAction::SetDefault:
+      return "SET DEFAULT";
+    case TDicKeyAction::Restrict:
+      return "RESTRICT";
+    case TDicKeyAction::NoAction:
+      break;
+  }
+  return {};
+}
+
+std::string NameWords(const std::string& Name, const std::string& What) {
+  if (Name.empty()) return {};
+  CheckPostgreSQLName(Name, What);
+  return "CONSTRAINT " + QuoteStandardName(Name) + " ";
+}
+
+class TTableScript {
+ public:
+  TTableScript(const TDicTableDescription& Table, TPostgreSQLScript& Script)
+      : FTable(Table),
+        FScript(Script),
+        FSQLName(PostgreSQLNameOf(Table)),
+        FOwner(Format("table '%s'", Table.FullName())),
+        FOwn(OwnWords(Table.Words)) {}
+
+  void Write(const TTableParts& Parts, const std::string& Pattern) {
+    CheckPostgreSQLName(FTable.Name, "a table");
+    if (Parts.Table) AddTable(Pattern);
+    if (Parts.Indexes) AddIndexes(FTable.Indexes, FSQLName, FOwner, FScript);
+    if (Parts.ForeignKeys) {
+      for (const TDicCheck& Check : FTable.Checks)
+        if (IsNotChecked(Check)) AddLater(CheckClause(Check), "the check", Check.Name);
+      for (const TDicForeignKey& Key : FTable.ForeignKeys) AddLater(ReferenceClause(Key), "the reference", Key.Name);
+    }
+    if (Parts.Triggers) AddTriggers(FTable.Triggers, FSQLName, FOwner, FScript);
+    if (Parts.Comments) AddComments();
+  }
+
+ private:
+  std::string Of(std::string_view Part, const std::string& Name) const {
+    return Format("%s%s of %s", Part, Name.empty() ? "" : " '" + Name + "'", FOwner);
+  }
+
+  void AddTable(const std::string& Pattern) {
+    FScript.AddSchemaOf(FSQLName);
+    TPostgreSQLScript After;
+    std::string Items;
+    const auto AddItem = [&](const std::string& Item) {
+      if (!Item.empty()) Items += (Items.empty() ? "\n  " : ",\n  ") + Item;
+    };
+    for (const TDicField& Field : FTable.Fields) AddItem(PostgreSQLFieldClause(FTable, Field, FScript, After));
+    for (const TDicKey& Key : FTable.Keys) AddItem(KeyClause(Key));
+    for (const TDicCheck& Check : FTable.Checks)
+      if (!IsNotChecked(Check)) AddItem(CheckClause(Check));
+    if (!Items.empty()) Items += '\n';
+    FScript.Add(Filled(Pattern, FSQLName, Items, Words(After)), FOwner);
+    for (TScriptStatement& Statement : After.Statements) FScript.Statements.push_back(std::move(Statement));
+  }
+
+  /// What stands behind the parenthesis; into After what is said of a table that is there.
+  std::string Words(TPostgreSQLScript& After) {
+    if (!FOwn) {
+      if (OthersPart(FTable.Words, "Virtual"))
+        FScript.Lack("options", "what keeps the rows of " + FOwner, "it is an extension of another engine");
+      else if (const std::string* Text = OthersText(FTable.Words))
+        FScript.Lack("options", Format("the words '%s' of %s", *Text, FOwner), "they are another engine's alone", true);
+      return {};
+    }
+    std::string Text = FOwn->Text.value_or("");
+    std::string Result;
+    if (const std::string* Partition = FOwn->Part("Partition")) Result += " PARTITION " + *Partition;
+    constexpr std::string_view Unlogged = "UNLOGGED";
+    if (Text.starts_with(Unlogged)) {
+      Text.erase(0, Unlogged.size());
+      After.Add(Format("ALTER TABLE %s SET UNLOGGED", FSQLName), FOwner);
+    } else if (!Text.empty()) {
+      Text.insert(0, " ");
+    }
+    if (const std::string* Parents = FOwn->Part("Inherits"))
+      for (const std::string& Parent : SplitPostgreSQLNames(*Parents))
+        After.Add(Format("ALTER TABLE %s INHERIT %s", FSQLName, Parent), FOwner);
+    if (const std::string* Of = FOwn->Part("PartitionOf")) {
+      const std::size_t End = EndOfPostgreSQLName(*Of);
+      After.Add(Format("ALTER TABLE %s ATTACH PARTITION %s%s", Of->substr(0, End), FSQLName, Of->substr(End)), FOwner);
+    }
+    return Result + Text;
+  }
+
+  std::string KeyClause(const TDicKey& Key) {
+    const std::string What = Of(Key.Primary ? "the primary key" : "the unique key", Key.Name);
+    const std::string Name = NameWords(Key.Name, "a key of " + FOwner);
+    if (const TDicWords* Own = OwnWords(Key.Words); Own && Own->Text) return Name + *Own->Text;
+    // A sequence never gives a number twice either.
+    if (const std::string* Text = OthersText(Key.Words); Text && *Text != "AUTOINCREMENT")
+      FScript.Lack("keys", Format("the words '%s' of %s", *Text, What), "they are another engine's alone");
+    for (const TDicColumn& Column : Key.Columns)
+      if (Column.Descending) {
+        FScript.Lack("keys", "the descending order of " + What, "keys of PostgreSQL have one order", true);
+        break;
+      }
+    return Name + (Key.Primary ? "PRIMARY KEY (" : "UNIQUE (") + PostgreSQLColumns(Key.Columns) + ")" +
+           DeferrableWords(Key.Deferrable);
+  }
+
+  /// Rows that are there before it need not obey: it is added to them.
+  static bool IsNotChecked(const TDicCheck& Check) {
+    const TDicWords* Own = OwnWords(Check.Words);
+    return Own && Own->Text && Own->Text->ends_with(" NOT VALID");
+  }
+
+  std::string CheckClause(const TDicCheck& Check) {
+    const std::string Name = NameWords(Check.Name, "a check of " + FOwner);
+    if (const TDicWords* Own = OwnWords(Check.Words); Own && Own->Text)
+      return Name + (Own->Text->starts_with("EXCLUDE ") ? "" : "CHECK ") + *Own->Text;
+    if (Check.Text)
+      if (const auto Words = ConditionWords(*Check.Text, FTable.Fields)) return Name + "CHECK (" + *Words + ")";
+    FScript.Lack("checks", Of("the check", Check.Name), "its text is another engine's alone");
+    return {};
+  }
+
+  std::string ReferenceClause(const TDicForeignKey& Key) {
+    const std::string What = Of("the reference", Key.Name);
+    const std::string Name = NameWords(Key.Name, "a reference of " + FOwner);
+    if (const TDicWords* Own = OwnWords(Key.Words); Own && Own->Text) return Name + *Own->Text;
+    if (const std::string* Text = OthersText(Key.Words))
+      FScript.Lack("references", Format("the words '%s' of %s", *Text, What), "they are another engine's alone");
+    std::vector<TDicColumn> Columns, To;
+    for (const TDicForeignKey::TPair& Pair : Key.Columns) {
+      Columns.push_back({Pair.Column});
+      if (!Pair.To.empty()) To.push_back({Pair.To});
+    }
+    if (!To.empty() && To.size() != Columns.size())
+      throw EDatabaseError(Format("Cannot make %s: some of its columns name no column of the other table", What));
+    std::string Result = Name + "FOREIGN KEY (" + PostgreSQLColumns(Columns) + ") REFERENCES " +
+                         PostgreSQLNameOf({.Name = Key.Table, .Schema = Key.Schema});
+    if (!To.empty()) Result += " (" + PostgreSQLColumns(To) + ")";
+    if (Key.MatchFull) Result += " MATCH FULL";
+    if (Key.OnDelete != TDicKeyAction::NoAction) Result.append(" ON DELETE ").append(ActionWords(Key.OnDelete));
+    if (Key.OnUpdate != TDicKeyAction::NoAction) Result.append(" ON UPDATE ").append(ActionWords(Key.OnUpdate));
+    return Result + DeferrableWords(Key.Deferrable) + (Key.NotChecked ? " NOT VALID" : "");
+  }
+
+  void AddLater(const std::string& Clause, std::string_view Part, const std::string& Name) {
+    if (!Clause.empty()) FScript.Add(Format("ALTER TABLE %s ADD %s", FSQLName, Clause), Of(Part, Name));
+  }
+
+  void AddComments() {
+    if (!FTable.Comment.empty())
+      FScript.Add(Format("COMMENT ON TABLE %s IS %s", FSQLName, QuotePostgreSQLText(FTable.Comment)),
+                  "the comment of " + FOwner);
+    for (const TDicField& Field : FTable.Fields)
+      if (!Field.Comment.empty())
+        FScript.Add(Format("COMMENT ON COLUMN %s.%s IS %s", FSQLName, QuoteStandardName(Field.Name),
+                           QuotePostgreSQLText(Field.Comment)),
+                    Format("the comment of field '%s' of %s", Field.Name, FOwner));
+  }
+
+  const TDicTableDescription& FTable;
+  TPostgreSQLScript& FScript;
+  const std::string FSQLName, FOwner;
+  const TDicWords* FOwn;
+};
+
+}  // namespace
+
+void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLName, const std::string& Owner,
+                TPostgreSQLScript& Script) {
+  for (const TDicIndex& Index : Indexes) {
+    CheckPostgreSQLName(Index.Name, "an index of " + Owner);
+    const std::string What = Format("index '%s' of %s", Index.Name, Owner);
+    if (const TDicWords* Own = OwnWords(Index.Words); Own && Own->Text) {
+      Script.Add(OnPostgreSQLTable(*Own->Text, SQLName), What);
+      continue;
+    }
+    std::string Columns;
+    bool IsNeutral = OthersText(Index.Words) == nullptr;
+    for (const TDicColumn& Column : Index.Columns) {
+      if (!IsNeutral) break;
+      std::optional<std::string> Words = QuoteStandardName(Column.Name);
+      if (Column.Expression) Words = ConditionWords(Column.Name, {});
+      IsNeutral = Words.has_value();
+      if (!IsNeutral) break;
+      if (Column.Expression) Words = "(" + *Words + ")";
+      Columns += (Columns.empty() ? "" : ", ") + *Words + (Column.Descending ? " DESC" : "");
+    }
+    if (IsNeutral)
+      Script.Add(Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
+                        SQLName, Columns),
+                 What);
+    else
+      Script.Lack("indexes", "the " + What, "its text is another engine's alone");
+  }
+}
+
+void AddTriggers(const std::vector<TDicTrigger>& Triggers, const std::string& SQLName, const std::string& Owner,
+                 TPostgreSQLScript& Script) {
+  for (const TDicTrigger& Trigger : Triggers) {
+    const std::string What = Format("trigger '%s' of %s", Trigger.Name, Owner);
+    const TDicWords* Own = OwnWords(Trigger.Words);
+    if (!Own || Own->Lines.empty()) {
+      Script.Lack("triggers", "the " + What, "its text is another engine's alone");
+      continue;
+    }
+    Script.Add(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), What);
+    if (Trigger.Enabled.empty()) continue;
+    const char* Words = Trigger.Enabled == "Disabled"  ? "DISABLE"
+                        : Trigger.Enabled == "Replica" ? "ENABLE REPLICA"
+                        : Trigger.Enabled == "Always"  ? "ENABLE ALWAYS"
+                                                       : nullptr;
+    if (!Words) throw EDatabaseError(Format("Cannot make %s: its state '%s' is not known", What, Trigger.Enabled));
+    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, QuoteStandardName(Trigger.Name)), What);
+  }
+}
+
+void WritePostgreSQLTable(const TDicTableDescription& Table, const TTableParts& Parts, const std::string& Pattern,
+                          TPostgreSQLScript& Script) {
+  TTableScript(Table, Script).Write(Parts, Pattern);
+}
+
+}  // namespace velkrund

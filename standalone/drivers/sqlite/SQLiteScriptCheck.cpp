@@ -1,0 +1,74 @@
+#include "standalone/drivers/sqlite/SQLiteScriptCheck.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+
+#include "standalone/drivers/sqlite/SQLiteStatement.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+
+namespace velkrund {
+namespace {
+
+constexpr const char* What = "Cannot read the statements of a script";
+
+/// While it lives, statements that begin or end transactions, or reach other databases, are refused when they are read.
+class TOnlyWithinTransaction {
+ public:
+  explicit TOnlyWithinTransaction(sqlite3* Database) : FDatabase(Database) {
+    sqlite3_set_authorizer(FDatabase, &Decide, this);
+  }
+  TOnlyWithinTransaction(const TOnlyWithinTransaction&) = delete;
+  TOnlyWithinTransaction& operator=(const TOnlyWithinTransaction&) = delete;
+  ~TOnlyWithinTransaction() { sqlite3_set_authorizer(FDatabase, nullptr, nullptr); }
+
+  bool HasRefused() const { return FRefused; }
+
+ private:
+  static int Decide(void* Self, int Action, const char*, const char*, const char*, const char*) {
+    const bool Refuses = Action == SQLITE_TRANSACTION || Action == SQLITE_SAVEPOINT || Action == SQLITE_ATTACH ||
+                         Action == SQLITE_DETACH;
+    if (Refuses) static_cast<TOnlyWithinTransaction*>(Self)->FRefused = true;
+    return Refuses ? SQLITE_DENY : SQLITE_OK;
+  }
+
+  sqlite3* const FDatabase;
+  bool FRefused = false;
+};
+
+void TakeParameters(const TSQLiteStatement& Statement, std::vector<std::string>& Names) {
+  for (int Place = 1; Place <= sqlite3_bind_parameter_count(Statement.Handle()); ++Place) {
+    const char* const Name = sqlite3_bind_parameter_name(Statement.Handle(), Place);
+    if (!Name || *Name == '?')
+      throw EDatabaseError(std::string(What) +
+                           ": a parameter needs a name, such as :A; statement: " + sqlite3_sql(Statement.Handle()));
+    if (std::find(Names.begin(), Names.end(), Name + 1) == Names.end()) Names.emplace_back(Name + 1);
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> CheckSQLiteScript(sqlite3* Database, std::string_view Script) {
+  const TOnlyWithinTransaction Refusals(Database);
+  std::vector<std::string> Names;
+  bool IsEmpty = true;
+  try {
+    while (!Script.empty()) {
+      const TSQLiteStatement Statement(Database, Script, What, TSQLiteStatement::TUse::Foreign);
+      Script = Statement.Rest();
+      if (!Statement.Handle()) continue;  // blanks and comments
+      IsEmpty = false;
+      TakeParameters(Statement, Names);
+    }
+  } catch (const EDatabaseError& Error) {
+    if (!Refusals.HasRefused()) throw;
+    throw EDatabaseError(std::string(What) +
+                             ": it runs in a transaction of its caller, and can neither begin nor end one, nor reach "
+                             "other databases",
+                         Error.Info());
+  }
+  if (IsEmpty) throw EDatabaseError(std::string(What) + ": there are none");
+  return Names;
+}
+
+}  // namespace velkrund

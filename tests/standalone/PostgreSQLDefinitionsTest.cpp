@@ -1,0 +1,155 @@
+// What is described of a database of PostgreSQL and made again in an empty one is the same to us and to the engine.
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "standalone/drivers/postgresql/PostgreSQLDriver.h"
+#include "tests/standalone/Support.h"
+#include "tests/support/postgresql/PostgreSQLDatabase.h"
+
+namespace velkrund::tests {
+namespace {
+
+std::unique_ptr<TConnection> Connect(const std::string& Url) {
+  return TPostgreSQLDriver().Connect(ParseDatabaseUrl(Url).value(), {});
+}
+
+/// All that a database holds, as it is described.
+struct TDescribedDatabase {
+  std::vector<TDicTableDescription> Tables;
+  std::vector<TDicGeneratorDescription> Generators;
+  std::vector<TDicViewDescription> Views;
+  std::vector<TDicProcedureDescription> Procedures;
+};
+
+TDescribedDatabase Described(TConnection& Connection) {
+  TDescribedDatabase Result;
+  TDefinitionReader& Reader = Connection.Definitions();
+  for (const TDefinedObject& Object : Reader.Objects()) switch (Object.Kind) {
+      case TDefinedKind::Table:
+        Result.Tables.push_back(Reader.Table(Object.Table, {}));
+        break;
+      case TDefinedKind::Generator:
+        Result.Generators.push_back(Reader.Generator(Object.Table));
+        break;
+      case TDefinedKind::View:
+        Result.Views.push_back(Reader.View(Object.Table));
+        break;
+      case TDefinedKind::ExecProcedure:
+      case TDefinedKind::SelectProcedure:
+        Result.Procedures.push_back(Reader.Procedure(Object.Table));
+        EXPECT_EQ(Result.Procedures.back().Selects, Object.Kind == TDefinedKind::SelectProcedure);
+    }
+  return Result;
+}
+
+void Run(TConnection& Connection, const TScript& Script) {
+  for (const TScriptGap& Gap : Script.Gaps) ADD_FAILURE() << Gap.What << ", " << Gap.Why;
+  for (const TScriptStatement& Statement : Script.Statements) {
+    if (!Statement.Unless.empty() && Connection.Query(Statement.Unless)->Next()) continue;
+    EXPECT_EQ(ErrorOf([&] { Connection.Execute(Statement.Text); }), "no error") << Statement.What << "\n"
+                                                                                << Statement.Text;
+  }
+}
+
+void Make(TConnection& Connection, const TDescribedDatabase& Database) {
+  const TScriptWriter& Scripts = Connection.Scripts();
+  constexpr TTableParts TableOnly = {true, false, false, false, false};
+  constexpr TTableParts Rest = {false, true, true, true, true};
+  for (const auto& Generator : Database.Generators) Run(Connection, Scripts.Generator(Generator, {}));
+  for (const auto& Table : Database.Tables) Run(Connection, Scripts.Table(Table, TableOnly, Scripts.TablePattern()));
+  for (const auto& Procedure : Database.Procedures) Run(Connection, Scripts.Procedure(Procedure, false));
+  for (const auto& View : Database.Views) Run(Connection, Scripts.View(View, false));
+  for (const auto& Table : Database.Tables) Run(Connection, Scripts.Table(Table, Rest, Scripts.TablePattern()));
+}
+
+template <typename T>
+void ExpectSame(const std::vector<T>& Before, const std::vector<T>& After) {
+  ASSERT_EQ(Before.size(), After.size());
+  for (std::size_t I = 0; I < Before.size(); ++I) EXPECT_TRUE(Before[I] == After[I]) << Before[I].FullName();
+}
+
+/// What the engine itself says of its objects; the search path is empty, so that every name has its schema.
+constexpr const char* EngineQuestions[] = {
+    "SELECT c.oid::regclass, k.conname, k.convalidated, pg_get_constraintdef(k.oid) FROM pg_constraint k "
+    "JOIN pg_class c ON c.oid = k.conrelid WHERE relnamespace::regnamespace::text NOT LIKE 'pg_%' ORDER BY 1::text, 2",
+    "SELECT i.indrelid::regclass, pg_get_indexdef(i.indexrelid) FROM pg_index i JOIN pg_class c ON c.oid = "
+    "i.indexrelid "
+    "WHERE c.relnamespace::regnamespace::text NOT LIKE 'pg_%' ORDER BY 1::text, 2",
+    "SELECT tgrelid::regclass, tgenabled, pg_get_triggerdef(oid) FROM pg_trigger WHERE NOT tgisinternal "
+    "ORDER BY 1::text, 3",
+    "SELECT a.attrelid::regclass, attname, format_type(atttypid, atttypmod), attnotnull, attidentity, attgenerated, "
+    "attcollation::regcollation, pg_get_expr(adbin, adrelid), col_description(attrelid, attnum) FROM pg_attribute a "
+    "LEFT JOIN pg_attrdef ON adrelid = attrelid AND adnum = attnum JOIN pg_class c ON c.oid = attrelid "
+    "WHERE attnum > 0 AND NOT attisdropped AND relnamespace::regnamespace::text NOT LIKE 'pg_%' "
+    "AND relnamespace <> 'information_schema'::regnamespace AND relkind <> 'i' "
+    "ORDER BY attrelid::regclass::text, attnum",
+    "SELECT oid::regclass, relkind, relpersistence, reloptions, relispartition, pg_get_expr(relpartbound, oid), "
+    "CASE WHEN relkind = 'p' THEN pg_get_partkeydef(oid) END, obj_description(oid, 'pg_class') FROM pg_class "
+    "WHERE relnamespace::regnamespace::text NOT LIKE 'pg_%' AND relnamespace <> 'information_schema'::regnamespace "
+    "ORDER BY oid::regclass::text",
+    "SELECT inhrelid::regclass, inhparent::regclass, inhseqno FROM pg_inherits ORDER BY 1::text, 3",
+    "SELECT seqrelid::regclass, format_type(seqtypid, NULL), seqstart, seqincrement, seqmax, seqmin, seqcache, "
+    "seqcycle, (SELECT refobjid::regclass::text || refobjsubid FROM pg_depend WHERE objid = seqrelid "
+    "AND refobjsubid > 0 AND deptype IN ('a', 'i')) FROM pg_sequence ORDER BY 1::text",
+    "SELECT oid::regprocedure, pg_get_functiondef(oid), obj_description(oid, 'pg_proc') FROM pg_proc "
+    "WHERE pronamespace::regnamespace::text !~ '^pg_|^information' AND prokind IN ('f', 'p') ORDER BY 1::text",
+    "SELECT oid::regclass, pg_get_viewdef(oid) FROM pg_class WHERE relkind IN ('v', 'm') "
+    "AND relnamespace::regnamespace::text !~ '^pg_|^information' ORDER BY 1::text",
+    "SELECT oid::regtype, typtype, typnotnull, typdefault, format_type(typbasetype, typtypmod), "
+    "typcollation::regcollation, (SELECT array_agg(enumlabel ORDER BY enumsortorder) FROM pg_enum "
+    "WHERE enumtypid = t.oid), (SELECT array_agg(conname || pg_get_constraintdef(k.oid) ORDER BY 1) "
+    "FROM pg_constraint k WHERE contypid = t.oid) FROM pg_type t "
+    "WHERE typnamespace::regnamespace::text !~ '^pg_|^information' ORDER BY 1::text",
+};
+
+/// The lines that one of two texts has and the other has not.
+std::string Differences(const std::string& A, const std::string& B) {
+  const auto Lines = [](const std::string& Text) {
+    std::multiset<std::string> Result;
+    std::stringstream Stream(Text);
+    for (std::string Line; std::getline(Stream, Line);) Result.insert(Line);
+    return Result;
+  };
+  const auto InA = Lines(A), InB = Lines(B);
+  std::string Result;
+  for (const std::string& Line : InA)
+    if (!InB.contains(Line)) Result += "- " + Line + "\n";
+  for (const std::string& Line : InB)
+    if (!InA.contains(Line)) Result += "+ " + Line + "\n";
+  return Result;
+}
+
+std::string TextOf(const std::string& Path) {
+  std::ifstream File(Path);
+  std::stringstream Text;
+  Text << File.rdbuf();
+  return Text.str();
+}
+
+TEST(PostgreSQLDefinitionsTest, WhatIsMadeAgainIsTheSame) {
+  TPostgreSQLDatabase Source, Target;
+  Source.Run(TextOf(VELKRUND_SOURCE_DIR "/tests/standalone/traits.postgresql.sql"));
+  const auto From = Connect(Source.Url());
+  const auto To = Connect(Target.Url());
+  const TDescribedDatabase Before = Described(*From);
+  ASSERT_GE(Before.Tables.size(), 20U);
+  Make(*To, Before);
+  const TDescribedDatabase After = Described(*To);
+  ExpectSame(Before.Tables, After.Tables);
+  ExpectSame(Before.Generators, After.Generators);
+  ExpectSame(Before.Views, After.Views);
+  ExpectSame(Before.Procedures, After.Procedures);
+  for (TPostgreSQLDatabase* Database : {&Source, &Target}) Database->Run("SET search_path = ''");
+  for (const char* Question : EngineQuestions) {
+    const std::string Rows = Source.Rows(Question);
+    EXPECT_NE(Rows, "") << Question;
+    EXPECT_EQ(Differences(Rows, Target.Rows(Question)), "") << Question;
+  }
+}
+
+}  // namespace
+}  // namespace velkrund::tests

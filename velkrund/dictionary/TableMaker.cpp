@@ -1,0 +1,140 @@
+#include "velkrund/dictionary/TableMaker.h"
+
+#include <set>
+
+#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/NameLengths.h"
+#include "velkrund/operations/UtilOperation.h"
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
+
+namespace velkrund {
+
+void TTableMaker::Make(const std::vector<std::string>& Names) {
+  std::vector<TDicTableDescription> Tables = Missing(Names);
+  if (Tables.empty()) return;
+  if (MayMake(Tables)) return MakeAll(std::move(Tables));
+  for (const TDicTableDescription& Table : Tables) Decline(Table);
+}
+
+/// Those that are described and not there, each once.
+std::vector<TDicTableDescription> TTableMaker::Missing(const std::vector<std::string>& Names) {
+  std::vector<TDicTableDescription> Result;
+  std::set<std::string> Seen;
+  for (const std::string& Name : Names) {
+    if (!Seen.insert(LowerCase(Name)).second) continue;
+    try {
+      TDicTableDescription Table;
+      if (BaseMng().GetUserTable(Name, FDatabaseName, false)) continue;
+      if (Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Name, Table)) Result.push_back(std::move(Table));
+    } catch (const EAbort&) {
+      throw;
+    } catch (const std::exception&) {
+      FFailed.emplace(LowerCase(Name), std::current_exception());
+    }
+  }
+  return Result;
+}
+
+bool TTableMaker::MayMake(const std::vector<TDicTableDescription>& Tables) {
+  std::vector<std::string> Names;
+  for (const TDicTableDescription& Table : Tables) Names.push_back(Format("'%s'", Table.FullName()));
+  const std::string Question =
+      Format(BaseMng().LString("M_Velkrund_ComUtils_CreateTablesConfirm"), JoinedInShort(std::move(Names)));
+  return uoMessageBox(0, ToUtf16(Question), ToUtf16(BaseMng().LString("ST_CONFIRMATION")), MB_YESNO, IDYES, IDNO) ==
+         IDYES;
+}
+
+bool TTableMaker::MayGoByName(const TDicTableDescription& Table) { return !AskCancelCreateLongNameTable(Table); }
+
+void TTableMaker::Decline(const TDicTableDescription& Table) {
+  FFailed[LowerCase(Table.FullName())] =
+      std::make_exception_ptr(Exception(Format("Creation of table '%s' cancelled", Table.FullName())));
+}
+
+void TTableMaker::MakeAll(std::vector<TDicTableDescription> Tables) {
+  std::erase_if(Tables, [this](const TDicTableDescription& Table) {
+    const bool Goes = MayGoByName(Table);
+    if (!Goes) Decline(Table);
+    return !Goes;
+  });
+  // What is a part of another table comes after it: again, as long as something could be made.
+  for (std::size_t Before = 0; !Tables.empty() && Before != Tables.size();) {
+    Before = Tables.size();
+    std::erase_if(Tables, [this](const TDicTableDescription& Table) { return MakeOne(Table); });
+  }
+}
+
+bool TTableMaker::MakeOne(const TDicTableDescription& Table) {
+  if (FOperation.IsCanceled()) throw EAbort("cancelled");
+  const std::string Key = LowerCase(Table.FullName());
+  try {
+    TTransaction Transaction(FDatabaseName);
+    TDictionary& Dictionary = velkrund::Dictionary();
+    TMade Made{Table, Dictionary.GetCreateTablePatternString(Dictionary.GetPatternName(Table.FullName(), FDatabaseName),
+                                                             FDatabaseName)};
+    Prepare(Made.Description);
+    TDicTableDescription Bare = Made.Description;
+    Bare.Indexes.clear();
+    Dictionary.CreateTableByDef(FDatabaseName, Bare, Made.Pattern, TTableScriptPart::Table);
+    Transaction.Commit();
+    FFailed.erase(Key);
+    FMade.push_back(std::move(Made));
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception&) {
+    FFailed[Key] = std::current_exception();
+    return false;
+  }
+  HasMade(Table);
+  return true;
+}
+
+void TTableMaker::Check(const std::string& Name) {
+  if (const auto Failed = FFailed.find(LowerCase(Name)); Failed != FFailed.end())
+    std::rethrow_exception(Failed->second);
+}
+
+void TTableMaker::Complete(const TFailed& Failed) {
+  std::erase_if(FMade, [this](const TMade& Made) {
+    const bool Goes = IsUseless(Made.Description);
+    if (Goes) Drop(Made);
+    return Goes;
+  });
+  CompleteEach(Failed, &TTableMaker::MakeIndexes);
+  CompleteEach(Failed, &TTableMaker::MakeRest);
+}
+
+void TTableMaker::CompleteEach(const TFailed& Failed, void (TTableMaker::*Step)(const TMade&)) {
+  std::erase_if(FMade, [&](const TMade& Made) {
+    if (FOperation.IsCanceled()) throw EAbort("cancelled");
+    try {
+      TTransaction Transaction(FDatabaseName);
+      (this->*Step)(Made);
+      Transaction.Commit();
+      return false;
+    } catch (const std::exception& Error) {
+      Failed(Made.Description.FullName(), Error);
+    }
+    Drop(Made);
+    return true;
+  });
+}
+
+void TTableMaker::MakeIndexes(const TMade& Made) { Dictionary().CreateIndexesByDef(FDatabaseName, Made.Description); }
+
+void TTableMaker::MakeRest(const TMade& Made) {
+  Dictionary().CreateTableByDef(FDatabaseName, Made.Description, Made.Pattern, TTableScriptPart::Rest);
+}
+
+void TTableMaker::Drop(const TMade& Made) {
+  TTransaction Transaction(FDatabaseName);
+  Dictionary().DropTable(FDatabaseName, Made.Description);
+  Transaction.Commit();
+}
+
+}  // namespace velkrund

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 
 namespace velkrund {
 namespace {
@@ -67,8 +68,10 @@ std::optional<std::string> TPostgreSQLExpressions::Default(const std::string& Te
     const std::string Bare = BareType(Cast);
     return Bare == Type || (HoldsText ? IsTextType(Bare) : IsOfConstant(Bare));
   };
-  return NeutralDefault(Text, Field,
-                        {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
+  const std::optional<std::string> Neutral = NeutralDefault(
+      Text, Field, {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
+  // 'now'::text is the time of the row, and 'now' that of the table's making.
+  return Neutral && DefaultWords(*Neutral, Field) ? Neutral : std::nullopt;
 }
 
 }  // namespace velkrund

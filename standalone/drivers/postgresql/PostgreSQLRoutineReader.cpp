@@ -1,3 +1,4 @@
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"

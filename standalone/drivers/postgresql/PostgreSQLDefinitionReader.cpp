@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"

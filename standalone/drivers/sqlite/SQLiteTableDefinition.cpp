@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"

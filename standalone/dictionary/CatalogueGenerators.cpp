@@ -2,7 +2,7 @@
 
 #include "standalone/catalogue/Catalogue.h"
 #include "standalone/catalogue/CatalogueCells.h"
-#include "standalone/dictionary/GeneratorRange.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

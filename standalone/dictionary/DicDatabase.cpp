@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "standalone/dictionary/ForeignText.h"
-#include "standalone/dictionary/GeneratorRange.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "standalone/dictionary/Redescription.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"

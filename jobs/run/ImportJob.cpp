@@ -153,16 +153,23 @@ void TImportJob::MakePlan() {
   const auto AddAll = [this](std::vector<TPlanStep> Steps) {
     for (TPlanStep& Step : Steps) AddToPlan(std::move(Step));
   };
-  const auto AddItems = [&](bool AreTables) {
-    for (const auto& [Place, Step] : FSteps) {
-      const TItem& Item = FOutcome.Items[Step.Number];
-      if (Step.IsTable == AreTables && Item.State != TItemState::LeftOut && Step.Part)
-        AddAll(Step.Part->Steps(Item, Step.Number));
-    }
-  };
-  AddItems(false);
+  std::vector<const TStep*> Tables;
+  for (const auto& [Place, Step] : FSteps) {
+    const TItem& Item = FOutcome.Items[Step.Number];
+    if (Item.State == TItemState::LeftOut || !Step.Part) continue;
+    if (Step.IsTable)
+      Tables.push_back(&Step);
+    else
+      AddAll(Step.Part->Steps(Item, Step.Number));
+  }
   if (MakesObjects()) AddAll(StepsBeforeRows());
-  AddItems(true);
+  const auto Rank = [this](const TStep* Step) {
+    return FLoading ? FLoading->Rank(FOutcome.Items[Step->Number].Table) : 0;
+  };
+  std::stable_sort(Tables.begin(), Tables.end(), [&](const TStep* A, const TStep* B) { return Rank(A) < Rank(B); });
+  for (auto Step = Tables.rbegin(); Step != Tables.rend(); ++Step)
+    if (std::optional<TPlanStep> Emptying = (*Step)->Part->Emptying((*Step)->Number)) AddToPlan(std::move(*Emptying));
+  for (const TStep* Step : Tables) AddAll(Step->Part->Steps(FOutcome.Items[Step->Number], Step->Number));
   if (MakesObjects()) AddAll(StepsBehindRows());
   for (TItem& Item : FOutcome.Items) {
     if (Item.State == TItemState::LeftOut) continue;

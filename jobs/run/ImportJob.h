@@ -34,7 +34,9 @@ class TImportPart {
   virtual std::optional<TLoadTarget> TargetOf(std::size_t /*Number*/) const { return std::nullopt; }
   /// Whether that table is made by this run.
   virtual bool IsMade(std::size_t /*Number*/) const { return false; }
-  /// For a dry run: what is done with the section.
+  /// For a dry run: the emptying that comes before all rows, told once for a table; nothing where it keeps its rows.
+  virtual std::optional<TPlanStep> Emptying(std::size_t /*Number*/) const { return std::nullopt; }
+  /// The same of what is done with the section.
   virtual std::vector<TPlanStep> Steps(const TItem& /*Item*/, std::size_t /*Number*/) const { return {}; }
   /// Sets the section's object up.
   virtual void Begin(std::size_t Number, TEIObject& Object) = 0;

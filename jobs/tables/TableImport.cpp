@@ -201,18 +201,19 @@ bool TTableImport::IsMade(std::size_t Number) const {
   return Target && Target->IsMade;
 }
 
+std::optional<TPlanStep> TTableImport::Emptying(std::size_t Number) const {
+  const TTarget* const Target = Find(Number);
+  if (!Target || Target->Keep || Target->IsMade || Target->Sections.front() != Number) return std::nullopt;
+  TConnection& Connection = FManager.Databases().Connection(FSettings.DatabaseName);
+  const TTableInfo Table = Connection.Schema().FindTable(Target->Table).value();
+  return TPlanStep{Format("delete the rows of table '%s'", Target->Table), Connection.Schema().RowCount(Table),
+                   "DELETE FROM " + Connection.Dialect().SQLName(Table)};
+}
+
 std::vector<TPlanStep> TTableImport::Steps(const TItem& Item, std::size_t Number) const {
   const TTarget* const Target = Find(Number);
   if (!Target) return {};
-  std::vector<TPlanStep> Result;
-  if (!Target->Keep && !Target->IsMade && Target->Sections.front() == Number) {
-    TConnection& Connection = FManager.Databases().Connection(FSettings.DatabaseName);
-    const TTableInfo Table = Connection.Schema().FindTable(Target->Table).value();
-    Result.push_back({Format("delete the rows of table '%s'", Target->Table), Connection.Schema().RowCount(Table),
-                      "DELETE FROM " + Connection.Dialect().SQLName(Table)});
-  }
-  Result.push_back({Format("load the section '%s' into table '%s'", Item.Section, Target->Table)});
-  return Result;
+  return {{Format("load the section '%s' into table '%s'", Item.Section, Target->Table)}};
 }
 
 void TTableImport::Begin(std::size_t Number, TEIObject& Object) {

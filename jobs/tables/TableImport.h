@@ -34,6 +34,7 @@ class TTableImport final : public TImportPart {
   void Settle(TOutcome& Outcome) override;
   std::optional<TLoadTarget> TargetOf(std::size_t Number) const override;
   bool IsMade(std::size_t Number) const override;
+  std::optional<TPlanStep> Emptying(std::size_t Number) const override;
   std::vector<TPlanStep> Steps(const TItem& Item, std::size_t Number) const override;
   void Begin(std::size_t Number, TEIObject& Object) override;
   void End(TItem& Item, const TEIObject* Object) override;

@@ -16,7 +16,6 @@ std::string TextOf(const std::vector<TScriptGap>& Gaps) {
   return JoinedInShort(std::move(Texts));
 }
 
-
 /// Each once.
 std::string KindsOf(const std::vector<TScriptGap>& Gaps) {
   std::set<std::string> Kinds;

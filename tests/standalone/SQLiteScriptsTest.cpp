@@ -41,13 +41,13 @@ TEST_F(SQLiteScriptsTest, ATypeKeepsItsValuesAndItsName) {
        "real 99999999999.9999"},
       {{.Type = TType::Decimal, .Size = 9}, "DECIMAL(9)", Amount(9'999'999'990'000), "integer 999999999"},
       {{.Type = TType::Decimal, .Size = 18, .Scale = 4},
-       "DECIMAL_TEXT(18, 4)",
+       "DECIMAL TEXT(18, 4)",
        Amount(999'999'999'999'999'999),
        "text '99999999999999.9999'"},
-      {{.Type = TType::Decimal, .Size = 12, .Scale = 6}, "DECIMAL_TEXT(12, 6)", Text("1.500000"), "text '1.500000'"},
-      {{.Type = TType::Decimal, .Size = 3, .Scale = -2}, "DECIMAL_TEXT(3, -2)", Text("12300"), "text '12300'"},
-      {{.Type = TType::Decimal}, "DECIMAL_TEXT", Text("1e5"), "text '1e5'"},
-      {{.Type = TType::Money}, "MONEY", Amount(12'345), "real 1.2345"},
+      {{.Type = TType::Decimal, .Size = 12, .Scale = 6}, "NUMBER TEXT(12, 6)", Text("1.500000"), "text '1.500000'"},
+      {{.Type = TType::Decimal, .Size = 3, .Scale = -2}, "NUMBER TEXT(3, -2)", Text("12300"), "text '12300'"},
+      {{.Type = TType::Decimal}, "NUMBER TEXT", Text("1e5"), "text '1e5'"},
+      {{.Type = TType::Money}, "MONEY TEXT", Amount(Least), "text '-922337203685477.5808'"},
       {{.Type = TType::Boolean}, "BOOLEAN", True, "integer 1"},
       {{.Type = TType::String}, "TEXT", Text("007"), "text '007'"},
       {{.Type = TType::String, .Size = 20}, "VARCHAR(20)", Text("1e5"), "text '1e5'"},
@@ -95,7 +95,7 @@ TEST_F(SQLiteScriptsTest, WhatOtherEnginesSayIsMadeOrNamed) {
     std::string More = "";  // further statements
   };
   const std::string A = "\"A\" BIGINT";
-  const std::string B = "\"B\" DECIMAL_TEXT";
+  const std::string B = "\"B\" NUMBER TEXT";
   const TCase Cases[] = {
       {[](auto& T) { T.Fields[1].Default = "1.50"; }, A + ", " + B + " DEFAULT '1.50'"},
       {[](auto& T) { T.Fields[0].Default = "-5", T.Fields[0].NotNull = true; }, A + " NOT NULL DEFAULT -5, " + B},

@@ -16,8 +16,9 @@ class SQLiteValuesTest : public SQLiteFixture {};
 
 TEST_F(SQLiteValuesTest, EveryCellOfEveryDeclaredTypeIsCopiedByTypeAndBytes) {
   const char* const Types[] = {
-      "",     "INTEGER", "BIGINT",   "REAL",  "DOUBLE PRECISION", "TEXT",      "CHAR(9)",       "BLOB",    "BOOLEAN",
-      "DATE", "TIME",    "DATETIME", "MONEY", "CURRENCY",         "TIMESTAMP", "DECIMAL(12,2)", "NUMERIC", "UNKNOWN"};
+      "",          "INTEGER",       "BIGINT",  "REAL",    "DOUBLE PRECISION", "TEXT",  "CHAR(9)",
+      "BLOB",      "BOOLEAN",       "DATE",    "TIME",    "DATETIME",         "MONEY", "CURRENCY",
+      "TIMESTAMP", "DECIMAL(12,2)", "NUMERIC", "UNKNOWN", "MONEY TEXT"};
   const char* const Literals[] = {"NULL",
                                   "0",
                                   "1",
@@ -102,6 +103,8 @@ TEST_F(SQLiteValuesTest, TheDeclaredTypeLeadsWhereTheCellFits) {
       {"DECIMAL (10, 2)", "12.5", "20 12.5", 20},
       {"MONEY", "0.00001", "7 1e-05", 20},
       {"NUMERIC", "x'01'", "23 \x01", 20},
+      {"MONEY TEXT", "'-922337203685477.5808'", "20 -922337203685477.5808", 20},
+      {"MONEY TEXT", "'12.50'", "10 12.50", 20},
       {"VARCHAR(3)", "5", "10 5", 10},
       {"INTEGER", "'x'", "10 x", 18},
       {"POINT", "1", "18 1", 18},

@@ -81,6 +81,15 @@ bool SetDateKind(std::string_view Text, TKvKind Leading, std::string& Scratch, T
   return Text.size() == PlainSize || Text == Scratch;
 }
 
+/// The same for an amount.
+void SetAmount(std::string_view Text, std::string& Scratch, TKvVariant& Value) {
+  const std::optional<TCurrency> Amount = StrToCurrency(Text);
+  if (!Amount) return;
+  Scratch.clear();
+  AppendCurrency(Scratch, *Amount);
+  if (Text == Scratch) Value.SetCurrency(*Amount);
+}
+
 std::string_view BytesOf(const void* Bytes, int Size) {
   if (!Bytes && Size > 0) throw EDatabaseError("Cannot read a value: out of memory");
   return {static_cast<const char*>(Bytes), static_cast<std::size_t>(Size)};
@@ -129,6 +138,8 @@ void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
     case TKvKind::Currency:
       if (Value.Kind() == TKvKind::Double)
         if (const std::optional<TCurrency> Amount = RealToCurrency(Value.AsReal())) Value.SetCurrency(*Amount);
+      // Where texts are kept as they come, amounts are, too.
+      if (Value.Kind() == TKvKind::String) SetAmount(Value.AsText(), FScratch, Value);
       break;
     case TKvKind::SysDate:
     case TKvKind::SysTime:

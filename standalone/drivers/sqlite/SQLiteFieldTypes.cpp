@@ -28,8 +28,8 @@ constexpr TDeclared Declared[] = {
     {TDicFieldType::UInt64, "UNSIGNED TEXT", true},  // the engine's integers have a sign
     {TDicFieldType::Real32, "FLOAT"},
     {TDicFieldType::Real64, "DOUBLE PRECISION"},
-    {TDicFieldType::Decimal, "DECIMAL_TEXT", true},  // see IsAmount; the driver takes the word DECIMAL for an amount
-    {TDicFieldType::Money, "MONEY"},
+    {TDicFieldType::Decimal, "NUMBER TEXT", true},  // see DecimalFor
+    {TDicFieldType::Money, "MONEY TEXT"},           // amounts have up to 19 digits
     {TDicFieldType::Boolean, "BOOLEAN"},
     {TDicFieldType::String, "VARCHAR"},
     {TDicFieldType::FixedString, "PADDED CHAR", true},  // what others declare as CHAR is seldom padded
@@ -101,15 +101,13 @@ std::string WithNumber(std::string_view Words, const std::optional<int>& Number)
   return std::string(Words) + (Number ? "(" + std::to_string(*Number) + ")" : std::string());
 }
 
-/// A number that a double gives back exactly, and the driver as an amount.
-bool IsAmount(const TDicField& Field) {
-  const int Scale = Field.Scale.value_or(0);
-  return Field.Size && *Field.Size <= DigitsOfReal && Scale >= 0 && Scale <= ScaleOfAmounts;
-}
-
+/// The driver takes the word DECIMAL for amounts, which have four decimals at most. As numbers they come back if a
+/// double has as many digits.
 std::string DecimalFor(const TDicField& Field, std::string_view Exact) {
-  std::string Result(IsAmount(Field) ? "DECIMAL" : Exact);
-  if (!Field.Size) return Result;
+  if (!Field.Size) return std::string(Exact);
+  const int Scale = Field.Scale.value_or(0);
+  const bool IsAmount = Scale >= 0 && Scale <= ScaleOfAmounts;
+  std::string Result(!IsAmount ? Exact : *Field.Size <= DigitsOfReal ? "DECIMAL" : "DECIMAL TEXT");
   Result += "(" + std::to_string(*Field.Size);
   if (Field.Scale) Result += ", " + std::to_string(*Field.Scale);
   return Result + ")";

@@ -143,7 +143,8 @@ std::string TSQLiteTableScript::DefaultText(const TDicField& Field, const std::s
   if (!Field.Default) return {};
   std::string Value = *ExpressionIn(*Field.Default, SQLiteExpressionWords());
   // A column of texts would keep 1.50 as '1.5'.
-  const bool IsNumber = Field.Type == TDicFieldType::Decimal || Field.Type == TDicFieldType::UInt64;
+  const bool IsNumber =
+      Field.Type == TDicFieldType::Decimal || Field.Type == TDicFieldType::UInt64 || Field.Type == TDicFieldType::Money;
   if (IsNumber && AffinityOf(Type, false) == TAffinity::Text && Value.find_first_not_of("+-.0123456789") == Value.npos)
     Value = "'" + Value + "'";
   return " DEFAULT " + Value;

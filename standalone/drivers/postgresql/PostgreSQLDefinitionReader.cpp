@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
@@ -107,7 +108,7 @@ TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo& View) {
   std::string_view Text = Row.Text(0, 11);
   while (Text.ends_with(';')) Text.remove_suffix(1);
   while (Text.starts_with(' ')) Text.remove_prefix(1);
-  Words.Lines = PostgreSQLLines(Text);
+  Words.Lines = SplitLines(Text);
   std::string Options;
   if (!Row.Text(0, 5).empty()) AddWord(Options, "USING " + QuoteStandardName(Row.Text(0, 5)));
   if (!Row.Text(0, 6).empty()) AddWord(Options, "WITH (" + Row.Copy(0, 6) + ")");

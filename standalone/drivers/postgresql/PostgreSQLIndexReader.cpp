@@ -1,3 +1,4 @@
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
@@ -71,7 +72,7 @@ std::vector<TDicTrigger> ReadTriggers(const TDescribed& Table) {
   std::vector<TDicTrigger> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TDicTrigger Trigger{Rows.Copy(Row, 0), StateOf(Rows.Text(Row, 1)), {}};
-    Trigger.Words["postgresql"].Lines = PostgreSQLLines(OnPostgreSQLTable(Rows.Copy(Row, 2), Table.SQLName));
+    Trigger.Words["postgresql"].Lines = SplitLines(OnPostgreSQLTable(Rows.Copy(Row, 2), Table.SQLName));
     Result.push_back(std::move(Trigger));
   }
   return Result;

@@ -117,20 +117,4 @@ std::string QuotePostgreSQLText(std::string_view Text) {
   return Result += '\'';
 }
 
-std::vector<std::string> PostgreSQLLines(std::string_view Text) {
-  std::vector<std::string> Result;
-  for (std::size_t From = 0;;) {
-    const std::size_t End = Text.find('\n', From);
-    Result.emplace_back(Text.substr(From, End == std::string_view::npos ? End : End - From));
-    if (End == std::string_view::npos) return Result;
-    From = End + 1;
-  }
-}
-
-std::string JoinedLines(const std::vector<std::string>& Lines) {
-  std::string Result;
-  for (std::size_t I = 0; I < Lines.size(); ++I) Result += (I == 0 ? "" : "\n") + Lines[I];
-  return Result;
-}
-
 }  // namespace velkrund

@@ -28,8 +28,4 @@ std::string OnPostgreSQLTable(const std::string& Statement, std::string_view SQL
 /// A text between quotes.
 std::string QuotePostgreSQLText(std::string_view Text);
 
-/// The lines of a text, without their ends; joined with a line feed they are the text again.
-std::vector<std::string> PostgreSQLLines(std::string_view Text);
-std::string JoinedLines(const std::vector<std::string>& Lines);
-
 }  // namespace velkrund

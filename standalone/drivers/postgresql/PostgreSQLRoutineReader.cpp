@@ -1,3 +1,4 @@
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
@@ -117,7 +118,7 @@ TDicProcedureDescription TPostgreSQLDefinitionReader::Procedure(const TTableInfo
   if (!Parts.Options.empty()) Options.append(Options.empty() ? "" : " ").append(Parts.Options);
   TDicWords& Words = Result.Words["postgresql"];
   if (!Options.empty()) Words.Parts["Options"] = Options;
-  Words.Lines = PostgreSQLLines(Parts.Body);
+  Words.Lines = SplitLines(Parts.Body);
   return Result;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteColumnScan.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"

@@ -1,6 +1,7 @@
 #include "standalone/drivers/sqlite/SQLiteScriptWriter.h"
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
 #include "standalone/drivers/sqlite/SQLiteTableScript.h"

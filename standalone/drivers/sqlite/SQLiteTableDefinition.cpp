@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"
@@ -155,22 +156,6 @@ TDicTableDescription TSQLiteTableDefinition::Take() {
 TDicTrigger SQLiteTrigger(const std::string& Name, const std::string& Statement) {
   TDicTrigger Result{.Name = Name};
   Result.Words["sqlite"].Lines = SplitLines(Statement);
-  return Result;
-}
-
-std::vector<std::string> SplitLines(std::string_view Text) {
-  std::vector<std::string> Result;
-  for (std::size_t Start = 0;;) {
-    const std::size_t End = Text.find('\n', Start);
-    Result.emplace_back(Text.substr(Start, End - Start));
-    if (End == std::string_view::npos) return Result;
-    Start = End + 1;
-  }
-}
-
-std::string JoinedLines(const std::vector<std::string>& Lines) {
-  std::string Result;
-  for (const std::string& Line : Lines) Result += (&Line == &Lines.front() ? "" : "\n") + Line;
   return Result;
 }
 

@@ -41,8 +41,5 @@ class TSQLiteTableDefinition {
 
 /// A trigger as descriptions keep it.
 TDicTrigger SQLiteTrigger(const std::string& Name, const std::string& Statement);
-/// The lines of a text, without the line feeds between them; and back.
-std::vector<std::string> SplitLines(std::string_view Text);
-std::string JoinedLines(const std::vector<std::string>& Lines);
 
 }  // namespace velkrund

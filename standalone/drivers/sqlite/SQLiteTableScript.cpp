@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"

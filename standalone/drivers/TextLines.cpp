@@ -1,7 +1,5 @@
 #include "standalone/drivers/TextLines.h"
 
-#include <cstddef>
-
 namespace velkrund {
 
 std::vector<std::string> SplitLines(std::string_view Text) {
@@ -16,7 +14,7 @@ std::vector<std::string> SplitLines(std::string_view Text) {
 
 std::string JoinedLines(const std::vector<std::string>& Lines) {
   std::string Result;
-  for (std::size_t I = 0; I < Lines.size(); ++I) Result += (I == 0 ? "" : "\n") + Lines[I];
+  for (const std::string& Line : Lines) Result += (&Line == &Lines.front() ? "" : "\n") + Line;
   return Result;
 }
 

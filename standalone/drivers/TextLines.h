@@ -6,8 +6,9 @@
 
 namespace velkrund {
 
-/// The lines of a text, as descriptions keep them: without the line feeds between them; and the text again.
+/// The lines of a text, without the line feeds between them; at least one.
 std::vector<std::string> SplitLines(std::string_view Text);
+/// The way back.
 std::string JoinedLines(const std::vector<std::string>& Lines);
 
 }  // namespace velkrund

@@ -6,7 +6,6 @@
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"

@@ -1,6 +1,6 @@
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 
 namespace velkrund {
 namespace {

@@ -1,8 +1,8 @@
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

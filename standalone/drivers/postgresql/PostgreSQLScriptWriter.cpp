@@ -6,7 +6,6 @@
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 #include "standalone/drivers/postgresql/PostgreSQLScript.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -135,6 +134,20 @@ TScript TPostgreSQLScriptWriter::Generator(const TDicGeneratorDescription& Gener
   // What it counts from stays as described; a later start is where it stands.
   if (Start) Result.Add(Format("ALTER SEQUENCE %s RESTART WITH %d", Name, *Start), Owner);
   AddComment(Generator, "SEQUENCE", Owner, Result);
+  return Result;
+}
+
+TScript TPostgreSQLScriptWriter::SetGenerator(const TDicGeneratorDescription& Generator, std::int64_t Value) const {
+  TPostgreSQLScript Result;
+  const std::string Owner = Format("generator '%s'", Generator.FullName());
+  const std::string Name = PostgreSQLNameOf(Generator);
+  const TGeneratorRange Range = RangeOf(Generator.FullName(), Generator.Counter);
+  const std::int64_t Next = Range.After(Value).value_or(Range.Start);
+  Result.Add(Format("ALTER SEQUENCE %s RESTART WITH %d", Name, Next), Owner);
+  // Otherwise another number comes next, or none. A roll back takes it back with the statement before.
+  const bool IsNext =
+      static_cast<std::uint64_t>(Next) - static_cast<std::uint64_t>(Range.Step) == static_cast<std::uint64_t>(Value);
+  if (!IsNext) Result.Add(Format("SELECT pg_catalog.setval(%s, %d)", QuotePostgreSQLText(Name), Value), Owner);
   return Result;
 }
 

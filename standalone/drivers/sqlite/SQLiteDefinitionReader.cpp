@@ -7,7 +7,6 @@
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

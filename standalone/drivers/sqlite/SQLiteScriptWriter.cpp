@@ -6,7 +6,6 @@
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
 #include "standalone/drivers/sqlite/SQLiteTableScript.h"
 #include "standalone/drivers/sqlite/SQLiteWords.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -1,6 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLScriptWriter.h"
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"

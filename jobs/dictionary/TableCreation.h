@@ -50,14 +50,17 @@ class TTableCreation {
   class TMaker;
   struct TEntry {
     TDicTableDescription Description;
-    bool IsOfFile = false;
     bool IsThere = false;
     bool IsCancelled = false;  // for its name
   };
 
   bool IsCancelled(const std::string& Table) const;
+  /// As it is to be made.
+  TDicTableDescription Named(TDicTableDescription Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
+  /// As it is to be made.
+  TDicTableDescription Named(TDicTableDescription Table) const;
   void AskFor(const std::vector<TEntry*>& Tables);
   void CheckScripts(const std::vector<const TEntry*>& Tables);
   /// Whether the table that a foreign key refers to is there, or will be.

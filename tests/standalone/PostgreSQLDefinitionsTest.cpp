@@ -158,6 +158,7 @@ TEST(PostgreSQLDefinitionsTest, WhatIsLeftBehindIsNamed) {
   TPostgreSQLDatabase Raw;
   Raw.Run(R"(
       CREATE SCHEMA s; CREATE TYPE inner_type AS ENUM ('a'); CREATE TYPE outer_type AS (i inner_type);
+      CREATE TYPE span AS RANGE (subtype = date);
       CREATE TABLE t (a integer PRIMARY KEY, o outer_type, w text); CREATE TABLE s."T" (); CREATE VIEW v AS SELECT 1 AS one;
       CREATE TABLE velkrund_structures (a integer); GRANT SELECT ON velkrund_structures TO PUBLIC;
       GRANT SELECT ON t TO PUBLIC; ALTER TABLE t ENABLE ROW LEVEL SECURITY; ALTER TABLE t REPLICA IDENTITY FULL;
@@ -179,7 +180,7 @@ TEST(PostgreSQLDefinitionsTest, WhatIsLeftBehindIsNamed) {
                   "rule 'r' of table 's.T'", "storage of column 'w' of table 't'", "replica identity of table 't'",
                   "comment of column 'one' of view 'v'", "comments of keys, indexes or triggers of table 't'",
                   "collation 'mine'", "event trigger 'et'", "publication 'p'", "statistics object 'st'",
-                  "type 'inner_type', which no field has by itself"));
+                  "type 'inner_type', which no field has by itself", "type 'span', which no field has by itself"));
   std::vector<std::string> Names;
   for (const TDefinedObject& Object : Connection->Definitions().Objects()) Names.push_back(FullName(Object.Table));
   EXPECT_THAT(Names, ElementsAre("t", "s.T", "v", "e"));

@@ -140,7 +140,7 @@ TEST(PostgreSQLScriptsTest, PartsOfTablesOfOtherEngines) {
   EXPECT_THAT(
       LinesOf(Table),
       ElementsAre(
-          "CREATE SCHEMA \"my schema\"",
+          "CREATE SCHEMA IF NOT EXISTS \"my schema\"",
           "CREATE TABLE " + Name +
               " (\n  \"a\"\"b\" bigint,\n  \"on\" boolean,\n  PRIMARY KEY (\"a\"\"b\"),\n"
               "  CONSTRAINT \"U\" UNIQUE (\"on\", \"a\"\"b\"),\n"
@@ -210,7 +210,7 @@ TEST(PostgreSQLScriptsTest, ViewsGeneratorsAndProcedures) {
   Generator.Cache = "4";
   EXPECT_THAT(
       Lines(Writer.Generator(Generator, 7)),
-      ElementsAre("CREATE SCHEMA \"s\"",
+      ElementsAre("CREATE SCHEMA IF NOT EXISTS \"s\"",
                   "CREATE SEQUENCE \"s\".\"G\" INCREMENT BY 2 MINVALUE -5 MAXVALUE 9 START WITH 3 CYCLE CACHE 4",
                   "ALTER SEQUENCE \"s\".\"G\" RESTART WITH 7"));
 

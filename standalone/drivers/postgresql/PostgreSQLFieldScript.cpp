@@ -105,7 +105,8 @@ class TFieldScript {
     else if (!FField.Computed->empty())
       Expression = ConditionWords(*FField.Computed, FTable.Fields);
     if (!Expression) {
-      FScript.Lack("computed", "how " + What() + " is computed", "its text is another engine's alone");
+      FScript.Lack("computed", "how " + What() + " is computed",
+                   FField.Computed->empty() ? "its text is another engine's alone" : "PostgreSQL has no words for it");
       return {};
     }
     if (!FField.Stored)

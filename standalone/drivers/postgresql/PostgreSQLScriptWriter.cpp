@@ -110,7 +110,7 @@ TScript TPostgreSQLScriptWriter::View(const TDicViewDescription& View, bool Repl
   if (const std::string* Check = Own ? Own->Part("Check") : nullptr)
     Text += *Check == "Local" ? "\nWITH LOCAL CHECK OPTION" : "\nWITH CASCADED CHECK OPTION";
   Result.Add(Text, Owner);
-  AddIndexes(View.Indexes, Name, Owner, Result);
+  AddIndexes(View.Indexes, {}, Name, Owner, Result);
   AddTriggers(View.Triggers, Name, Owner, Result);
   AddComment(View, View.Materialized ? "MATERIALIZED VIEW" : "VIEW", Owner, Result);
   return Result;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
@@ -8,6 +10,8 @@
 
 namespace velkrund {
 namespace {
+
+constexpr const char* NoWords = "PostgreSQL compares no values of such different types";
 
 /// Pattern with its places filled.
 std::string Filled(const std::string& Pattern, const std::string& Table, const std::string& Items,
@@ -71,7 +75,7 @@ class TTableScript {
   void Write(const TTableParts& Parts, const std::string& Pattern) {
     CheckPostgreSQLName(FTable.Name, "a table");
     if (Parts.Table) AddTable(Pattern);
-    if (Parts.Indexes) AddIndexes(FTable.Indexes, FSQLName, FOwner, FScript);
+    if (Parts.Indexes) AddIndexes(FTable.Indexes, FTable.Fields, FSQLName, FOwner, FScript);
     if (Parts.ForeignKeys) {
       for (const TDicCheck& Check : FTable.Checks)
         if (IsNotChecked(Check)) AddLater(CheckClause(Check), "the check", Check.Name);
@@ -159,7 +163,7 @@ class TTableScript {
       return Name + (Own->Text->starts_with("EXCLUDE ") ? "" : "CHECK ") + *Own->Text;
     if (Check.Text)
       if (const auto Words = ConditionWords(*Check.Text, FTable.Fields)) return Name + "CHECK (" + *Words + ")";
-    FScript.Lack("checks", Of("the check", Check.Name), "its text is another engine's alone");
+    FScript.Lack("checks", Of("the check", Check.Name), Check.Text ? NoWords : "its text is another engine's alone");
     return {};
   }
 
@@ -171,6 +175,13 @@ class TTableScript {
       FScript.Lack("references", Format("the words '%s' of %s", *Text, What), "they are another engine's alone");
     std::vector<TDicColumn> Columns, To;
     for (const TDicForeignKey::TPair& Pair : Key.Columns) {
+      const auto IsMixed = [&](const TDicField& Field) {
+        return Field.Name == Pair.Column && Field.Type == TDicFieldType::Any;
+      };
+      if (std::any_of(FTable.Fields.begin(), FTable.Fields.end(), IsMixed)) {
+        FScript.Lack("references", What, Format("the values of field '%s' would all be texts", Pair.Column));
+        return {};
+      }
       Columns.push_back({Pair.Column});
       if (!Pair.To.empty()) To.push_back({Pair.To});
     }
@@ -208,8 +219,8 @@ class TTableScript {
 
 }  // namespace
 
-void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLName, const std::string& Owner,
-                TPostgreSQLScript& Script) {
+void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicField>& Fields, const std::string& SQLName,
+                const std::string& Owner, TPostgreSQLScript& Script) {
   for (const TDicIndex& Index : Indexes) {
     CheckPostgreSQLName(Index.Name, "an index of " + Owner);
     const std::string What = Format("index '%s' of %s", Index.Name, Owner);
@@ -222,7 +233,7 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLNam
     for (const TDicColumn& Column : Index.Columns) {
       if (!IsNeutral) break;
       std::optional<std::string> Words = QuoteStandardName(Column.Name);
-      if (Column.Expression) Words = ConditionWords(Column.Name, {});
+      if (Column.Expression) Words = ConditionWords(Column.Name, Fields);
       IsNeutral = Words.has_value();
       if (!IsNeutral) break;
       if (Column.Expression) Words = "(" + *Words + ")";
@@ -233,7 +244,7 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLNam
                         SQLName, Columns),
                  What);
     else
-      Script.Lack("indexes", "the " + What, "its text is another engine's alone");
+      Script.Lack("indexes", "the " + What, OthersText(Index.Words) ? "its text is another engine's alone" : NoWords);
   }
 }
 

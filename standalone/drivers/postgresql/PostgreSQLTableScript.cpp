@@ -225,7 +225,8 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
     CheckPostgreSQLName(Index.Name, "an index of " + Owner);
     const std::string What = Format("index '%s' of %s", Index.Name, Owner);
     if (const TDicWords* Own = OwnWords(Index.Words); Own && Own->Text) {
-      Script.Add(OnPostgreSQLTable(*Own->Text, SQLName), What);
+      Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(*Own->Text, SQLName), "INDEX", QuoteStandardName(Index.Name)),
+                 What);
       continue;
     }
     std::string Columns;
@@ -251,20 +252,22 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
 void AddTriggers(const std::vector<TDicTrigger>& Triggers, const std::string& SQLName, const std::string& Owner,
                  TPostgreSQLScript& Script) {
   for (const TDicTrigger& Trigger : Triggers) {
+    CheckPostgreSQLName(Trigger.Name, "a trigger of " + Owner);
     const std::string What = Format("trigger '%s' of %s", Trigger.Name, Owner);
     const TDicWords* Own = OwnWords(Trigger.Words);
     if (!Own || Own->Lines.empty()) {
       Script.Lack("triggers", "the " + What, "its text is another engine's alone");
       continue;
     }
-    Script.Add(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), What);
+    const std::string Name = QuoteStandardName(Trigger.Name);
+    Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), "TRIGGER", Name), What);
     if (Trigger.Enabled.empty()) continue;
     const char* Words = Trigger.Enabled == "Disabled"  ? "DISABLE"
                         : Trigger.Enabled == "Replica" ? "ENABLE REPLICA"
                         : Trigger.Enabled == "Always"  ? "ENABLE ALWAYS"
                                                        : nullptr;
     if (!Words) throw EDatabaseError(Format("Cannot make %s: its state '%s' is not known", What, Trigger.Enabled));
-    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, QuoteStandardName(Trigger.Name)), What);
+    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, Name), What);
   }
 }
 

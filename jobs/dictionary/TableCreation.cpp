@@ -26,8 +26,6 @@ std::vector<std::string> NamesOf(const std::vector<std::string>& Tables) {
   return Result;
 }
 
-std::string GapText(const TScriptGap& Gap) { return Gap.What + (Gap.Why.empty() ? "" : ": " + Gap.Why); }
-
 TStandaloneDictionary& InstalledDictionary() {
   if (auto* const Result = dynamic_cast<TStandaloneDictionary*>(&Dictionary())) return *Result;
   throw EAccessViolation("A job needs the stand-alone platform, and another data dictionary is installed");
@@ -235,7 +233,8 @@ std::unique_ptr<TMissingTables> TTableCreation::Maker(TUtilOperation& Operation,
   return std::make_unique<TMaker>(*this, Operation, std::move(IsUseless));
 }
 
-void TTableCreation::AddNotes(TOutcome& Outcome) {
+void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
+  if (!Stays) return;
   if (!FMade.empty())
     Outcome.Notes.push_back(Format("made %s, whose structures stay in the catalogue of the database: %s",
                                    Counted(static_cast<std::int64_t>(FMade.size()), "table"), Joined(NamesOf(FMade))));
@@ -245,7 +244,12 @@ void TTableCreation::AddNotes(TOutcome& Outcome) {
         Format("the foreign keys of table '%s' hold for rows to come alone, since rows of it refer to "
                "nothing",
                Table));
-  for (const TScriptGap& Gap : FDictionary.Gaps().TakeNoted()) Outcome.Notes.push_back("not made: " + GapText(Gap));
+  std::map<std::string, int> Times;
+  std::vector<std::string> Texts;
+  for (const TScriptGap& Gap : FDictionary.Gaps().TakeNoted())
+    if (++Times[GapText(Gap)] == 1) Texts.push_back(GapText(Gap));
+  for (const std::string& Text : Texts)
+    Outcome.Notes.push_back("not made: " + Text + (Times[Text] > 1 ? Format(" (%d times)", Times[Text]) : ""));
 }
 
 }  // namespace velkrund

@@ -43,8 +43,8 @@ class TTableCreation {
   /// some.
   using TIsUseless = std::function<bool(const std::string& Table)>;
   std::unique_ptr<TMissingTables> Maker(TUtilOperation& Operation, TIsUseless IsUseless);
-  /// What became of it.
-  void AddNotes(TOutcome& Outcome);
+  /// What became of it. Stays: it was not taken back.
+  void AddNotes(TOutcome& Outcome, bool Stays);
 
  private:
   class TMaker;

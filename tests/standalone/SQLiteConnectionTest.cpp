@@ -82,5 +82,10 @@ TEST_F(SQLiteConnectionTest, ALongStatementIsStopped) {
   EXPECT_EQ(Rows(*Connection, "T").size(), 1U);
 }
 
+TEST_F(SQLiteConnectionTest, AStatementIsNotCutOffAtACharacterZero) {
+  for (const std::string Behind : {"", " FROM nowhere"})
+    EXPECT_THAT(ErrorOf([&] { Run(std::string("SELECT 1") + '\0' + Behind); }), HasSubstr("U+0000"));
+}
+
 }  // namespace
 }  // namespace velkrund::tests

@@ -139,6 +139,7 @@ TEST_F(SQLiteDefinitionsTest, DeclarationsAreMadeAgainInOneForm) {
       {"(a DEFAULT -1, b DEFAULT + 2, c DEFAULT NULL, d DEFAULT true, e DEFAULT 'it''s', f DEFAULT current_date)",
        R"("a" DEFAULT -1, "b" DEFAULT 2, "c" DEFAULT NULL, "d" DEFAULT TRUE, "e" DEFAULT 'it''s', "f" DEFAULT CURRENT_DATE)"},
       {"(a INT /* x */ NULL, b `my type` (3 , -4), c NOT NULL)", R"("a" INT, "b" `my type` (3 , -4), "c" NOT NULL)"},
+      {"(a INT GENERATED ALWAYS b, c GENERATED ALWAYS)", R"("a" INT GENERATED ALWAYS b, "c" GENERATED ALWAYS)"},
       {"(a TEXT, b INT, PRIMARY KEY (a)) STRICT, WITHOUT ROWID", R"("a" TEXT, "b" INT, PRIMARY KEY ("a"))",
        " STRICT, WITHOUT ROWID"},
   };

@@ -1,4 +1,3 @@
-#include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 
@@ -33,9 +32,8 @@ struct TConstraint {
 void AddTo(std::string& List, std::string_view Name) { (List += List.empty() ? "" : ", ") += Name; }
 
 std::vector<TConstraint> ConstraintsOf(const TDescribed& Table) {
-  const TPostgreSQLResult Rows =
-      Table.Session.Query(Table.What, CatalogueStatement(ConstraintsStatement),
-                          {Table.Oid.c_str(), Table.Session.Dialect().CurrentSchema().c_str()});
+  const TPostgreSQLResult Rows = Table.Describing.Ask("constraints", ConstraintsStatement,
+                                                      {Table.Oid, Table.Describing.Dialect().CurrentSchema()});
   std::vector<TConstraint> Result;
   for (int Row = 0; Row < Rows.RowCount();) {
     const auto Letter = [&](int Column) {

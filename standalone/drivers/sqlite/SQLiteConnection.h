@@ -45,7 +45,7 @@ class TSQLiteConnection final : public TConnection {
   TSQLiteDatabase FDatabase;
   const TCapabilities FCapabilities;
   const TSQLiteDialect FDialect;
-  const TSQLiteScriptWriter FScripts;
+  const TSQLiteScriptWriter FScripts{};
   TSQLiteSchemaReader FSchema{FDatabase.Handle(), FCapabilities};
   TSQLiteDefinitionReader FDefinitions{FDatabase, FSchema};
   TSQLiteRowAccess FRows{FDatabase, FSchema, FCapabilities.ReadOnly};

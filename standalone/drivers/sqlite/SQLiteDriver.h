@@ -16,7 +16,7 @@ class TSQLiteDriver final : public TDriver {
   const TScriptWriter& Scripts() const override { return FScripts; }
 
  private:
-  const TSQLiteScriptWriter FScripts;
+  const TSQLiteScriptWriter FScripts{};
 };
 
 }  // namespace velkrund

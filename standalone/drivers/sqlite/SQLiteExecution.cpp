@@ -36,6 +36,8 @@ void TSQLiteExecution::CheckSingle(sqlite3* Database, const std::string& Text) c
   for (std::string_view Rest = FStatement.Rest(); !Rest.empty();) {
     const TSQLiteStatement Next(Database, Rest, What, TSQLiteStatement::TUse::Foreign);
     if (Next.Handle()) throw EDatabaseError(Format("Cannot execute more than one statement at once: %s", Text));
+    // The engine reads no further.
+    if (Next.Rest().size() == Rest.size()) throw EDatabaseError(Format("%s with a character U+0000 in it", What));
     Rest = Next.Rest();
   }
 }

@@ -65,9 +65,14 @@ class TReader {
   }
 
   bool IsAtColumnConstraint() const {
-    if (FTokens.Peek().Is("GENERATED")) return FTokens.Peek(1).Is("ALWAYS");
-    return IsOneOf(FTokens.Peek(), {"CONSTRAINT", "DEFAULT", "NOT", "NULL", "PRIMARY", "UNIQUE", "CHECK", "REFERENCES",
-                                    "COLLATE", "DEFERRABLE", "AS"});
+    return IsAtComputed() || IsOneOf(FTokens.Peek(), {"CONSTRAINT", "DEFAULT", "NOT", "NULL", "PRIMARY", "UNIQUE",
+                                                      "CHECK", "REFERENCES", "COLLATE", "DEFERRABLE"});
+  }
+
+  /// Without AS, the words before it are of the type.
+  bool IsAtComputed() const {
+    const bool HasMore = FTokens.Peek().Is("GENERATED") && FTokens.Peek(1).Is("ALWAYS");
+    return FTokens.Peek(HasMore ? 2 : 0).Is("AS");
   }
 
   bool ReadColumnConstraint() {
@@ -80,7 +85,7 @@ class TReader {
       Column.Default = ReadDefault();
     } else if (FTokens.TakeIf("COLLATE")) {
       Column.Collate = FTokens.TakeName();
-    } else if (FTokens.Peek().Is("AS") || (FTokens.Peek().Is("GENERATED") && FTokens.Peek(1).Is("ALWAYS"))) {
+    } else if (IsAtComputed()) {
       ReadComputed(Column);
     } else if (FTokens.TakeIf("NULL")) {
       FConstraints.ReadConflict();

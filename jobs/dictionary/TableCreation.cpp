@@ -52,11 +52,8 @@ class TTableCreation::TMaker final : public TTableMaker {
     std::erase_if(Table.ForeignKeys, [this](const TDicForeignKey& Key) { return !FOwner.IsReachable(Key); });
   }
   void HasMade(const TDicTableDescription& Table) override { FOwner.FMade.push_back(Table.FullName()); }
-  bool IsUseless(const TDicTableDescription& Table) override {
-    const bool Result = FIsUseless(Table.FullName());
-    if (Result) std::erase(FOwner.FMade, Table.FullName());
-    return Result;
-  }
+  void HasDropped(const TDicTableDescription& Table) override { std::erase(FOwner.FMade, Table.FullName()); }
+  bool IsUseless(const TDicTableDescription& Table) override { return FIsUseless(Table.FullName()); }
   void MakeRest(const TMade& Made) override;
 
   TTableCreation& FOwner;

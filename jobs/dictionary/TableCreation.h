@@ -55,8 +55,6 @@ class TTableCreation {
   };
 
   bool IsCancelled(const std::string& Table) const;
-  /// As it is to be made.
-  TDicTableDescription Named(TDicTableDescription Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
   /// As it is to be made.

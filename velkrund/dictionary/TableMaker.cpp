@@ -135,6 +135,7 @@ void TTableMaker::Drop(const TMade& Made) {
   TTransaction Transaction(FDatabaseName);
   Dictionary().DropTable(FDatabaseName, Made.Description);
   Transaction.Commit();
+  HasDropped(Made.Description);
 }
 
 }  // namespace velkrund

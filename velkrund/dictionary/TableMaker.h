@@ -37,6 +37,7 @@ class TTableMaker : public TMissingTables {
   /// A host's last word on what is made of a table.
   virtual void Prepare(TDicTableDescription& /*Table*/) {}
   virtual void HasMade(const TDicTableDescription& /*Table*/) {}
+  virtual void HasDropped(const TDicTableDescription& /*Table*/) {}
   /// Whether a table that was made is of no use, since its rows did not come into it: it is dropped, not completed.
   virtual bool IsUseless(const TDicTableDescription& /*Table*/) { return false; }
   /// Foreign keys, triggers, comments. Made: as it was prepared.

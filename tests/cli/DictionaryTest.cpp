@@ -1,0 +1,163 @@
+#include "tests/cli/CommandTest.h"
+#include "tests/support/postgresql/PostgreSQLDatabase.h"
+
+namespace velkrund::tests {
+namespace {
+
+/// Tables described in one database and made in another one, by the command.
+class TDictionaryTest : public TCommandTest {
+ protected:
+  TDictionaryTest() {
+    Query("shop.db",
+          "CREATE TABLE ORDERS (ID INTEGER PRIMARY KEY, CUSTOMER INTEGER NOT NULL REFERENCES CUSTOMERS (ID),"
+          "  TOTAL DECIMAL(10,2) DEFAULT 0 CHECK (TOTAL >= 0), NOTE TEXT);"
+          "CREATE TABLE CUSTOMERS (ID INTEGER PRIMARY KEY, \"FULL NAME\" VARCHAR(40) NOT NULL UNIQUE);"
+          "CREATE TABLE EMPTY (A TEXT);"
+          "CREATE INDEX BY_CUSTOMER ON ORDERS (CUSTOMER, TOTAL DESC);"
+          "INSERT INTO CUSTOMERS VALUES (1, 'one'), (2, 'two');"
+          "INSERT INTO ORDERS VALUES (10, 2, 1.5, NULL), (11, 1, 0, 'x');");
+    EXPECT_EQ(Run({"export", "table", "-d", "sqlite:shop.db", "--all", "--structures", "-o", "shop.eif"}).ExitCode, 0);
+  }
+
+  TOutcome Import(const std::string& Database, TArguments More, const std::string& File = "shop.eif") {
+    TArguments Line = {"import", "file", "-d", Database, "-i", File};
+    Line.insert(Line.end(), More.begin(), More.end());
+    return Run(Line);
+  }
+  /// The rows of the shop's tables, as the file has them; and whether anything else came along.
+  std::string RowsOf(const std::string& Database) {
+    remove(Path("rows.eif").c_str());
+    EXPECT_EQ(Run({"export", "table", "-d", Database, "--all", "-o", "rows.eif"}).ExitCode, 0);
+    return Read("rows.eif");
+  }
+  std::string TablesOf(const std::string& File) {
+    return Query(File, "SELECT group_concat(name) FROM (SELECT name FROM sqlite_schema WHERE name NOT LIKE 'sqlite%' "
+                       "AND name NOT LIKE 'velkrund%' ORDER BY type DESC, name)");
+  }
+};
+
+TEST_F(TDictionaryTest, TwoCommandsMoveADatabase) {
+  TPostgreSQLDatabase Server;
+  const std::string Rows = RowsOf("sqlite:shop.db");
+  ASSERT_EQ(Import(Server.Url(), {"--create-tables", "yes"}).ExitCode, 0);
+  EXPECT_EQ(RowsOf(Server.Url()), Rows);
+  EXPECT_EQ(Server.Rows("SELECT conrelid::regclass, pg_get_constraintdef(oid) FROM pg_constraint WHERE conrelid::regclass"
+                        "::text NOT LIKE 'velkrund%' AND contype <> 'p' ORDER BY 1, 2"),
+            "\"ORDERS\"\tCHECK ((\"TOTAL\" >= (0)::numeric))\n"
+            "\"ORDERS\"\tFOREIGN KEY (\"CUSTOMER\") REFERENCES \"CUSTOMERS\"(\"ID\")\n"
+            "\"CUSTOMERS\"\tUNIQUE (\"FULL NAME\")\n");
+  EXPECT_EQ(Server.Rows("SELECT indexdef FROM pg_indexes WHERE indexname = 'BY_CUSTOMER'"),
+            "CREATE INDEX \"BY_CUSTOMER\" ON public.\"ORDERS\" USING btree (\"CUSTOMER\", \"TOTAL\" DESC)\n");
+
+  EXPECT_EQ(Run({"export", "table", "-d", Server.Url(), "--all", "--structures", "-o", "back.eif"}).ExitCode, 0);
+  const TOutcome Back = Import("sqlite:back.db", {"--create", "--create-tables", "yes"}, "back.eif");
+  ASSERT_EQ(Back.ExitCode, 0) << Back.Errors;
+  EXPECT_NE(Back.Errors.find("made 3 tables, whose structures stay in the catalogue"), std::string::npos) << Back.Errors;
+  EXPECT_EQ(RowsOf("sqlite:back.db"), Rows);
+  // The way back gives the very same tables: described without what the catalogue keeps, they are those of the shop.
+  Query("back.db", "DROP TABLE velkrund_structures; DROP TABLE velkrund_catalogue");
+  EXPECT_EQ(Run({"export", "table", "-d", "sqlite:back.db", "--all", "--structures", "-o", "again.eif"}).ExitCode, 0);
+  EXPECT_EQ(Read("again.eif"), Read("shop.eif"));
+}
+
+TEST_F(TDictionaryTest, TablesAreMadeOrNothingIsChanged) {
+  const struct {
+    TArguments Line;
+    int ExitCode;
+    std::string Tables, Says;
+  } Cases[] = {
+      {{}, 1, "", "Tables that are not there, and that structures describe: 'CUSTOMERS', 'EMPTY', 'ORDERS'. Give "
+                  "--create-tables yes to make them"},
+      {{"--create-tables", "no"}, 0, "", "left out table ORDERS, section 'ORDERS': the table is not there, and making "
+                                         "it was declined"},
+      {{"--create-tables", "yes", "--dry-run"}, 0, "", "nothing was changed"},
+      {{"--create-tables", "yes"}, 0, "CUSTOMERS,EMPTY,ORDERS,BY_CUSTOMER", "made 3 tables"},
+      {{"--create-tables", "yes", "--names", "lower"}, 0, "customers,empty,orders,by_customer", "made 3 tables"},
+      {{"--create-tables", "yes", "--commit", "each"}, 0, "CUSTOMERS,EMPTY,ORDERS,BY_CUSTOMER", "made 3 tables"},
+      {{"--create-tables", "yes", "--allow-missing", "chekcs"}, 2, "", "'chekcs'"},
+  };
+  for (const auto& [Line, ExitCode, Tables, Says] : Cases) {
+    remove(Path("new.db").c_str());
+    Query("new.db", "PRAGMA user_version = 1");
+    const TOutcome Outcome = Import("sqlite:new.db", Line);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Joined(Line) << Outcome.Errors;
+    EXPECT_EQ(TablesOf("new.db"), Tables) << Joined(Line);
+    EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(Line) << Outcome.Errors;
+  }
+}
+
+TEST_F(TDictionaryTest, ADryRunShowsTheStatementsInOrder) {
+  Query("some.db", "CREATE TABLE CUSTOMERS (ID INTEGER PRIMARY KEY, \"FULL NAME\" TEXT); INSERT INTO CUSTOMERS VALUES (1, 'x')");
+  const std::string Before = Read("some.db");
+  const TOutcome Outcome = Import("sqlite:some.db", {"--create-tables", "yes", "--replace", "--dry-run"});
+  EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+  std::size_t At = 0;
+  for (const char* Part :
+       {"-- add the structure ORDERS (10)", "CREATE TABLE \"EMPTY\"", "CREATE TABLE \"ORDERS\"",
+        "-- delete the rows of table 'CUSTOMERS': 1 row\nDELETE FROM \"CUSTOMERS\";",
+        "-- load the section 'ORDERS' into table 'ORDERS'", "CREATE INDEX \"BY_CUSTOMER\""}) {
+    At = Outcome.Output.find(Part, At);
+    ASSERT_NE(At, std::string::npos) << Part << "\n" << Outcome.Output;
+  }
+  EXPECT_EQ(Read("some.db"), Before);
+  const struct {
+    TArguments Line;
+    std::string Shows;
+  } Others[] = {
+      {{"export", "table", "-d", "sqlite:shop.db", "-t", "ORDERS", "-o", "shop.eif", "--overwrite", "yes", "--dry-run"},
+       "-- replace the section 'ORDERS' of 'shop.eif'"},
+      {{"file", "remove", "shop.eif", "0", "--dry-run"}, "-- remove section 0"},
+      {{"dictionary", "adopt", "-d", "sqlite:some.db", "--all", "--dry-run"}, "-- add the structure CUSTOMERS (10)"},
+  };
+  const std::string File = Read("shop.eif");
+  for (const auto& [Line, Shows] : Others) {
+    const TOutcome Shown = Run(Line);
+    EXPECT_EQ(Shown.ExitCode, 0) << Joined(Line) << Shown.Errors;
+    EXPECT_NE(Shown.Output.find(Shows), std::string::npos) << Joined(Line) << Shown.Output;
+  }
+  EXPECT_EQ(Read("shop.eif"), File);
+  EXPECT_EQ(Read("some.db"), Before);
+}
+
+TEST_F(TDictionaryTest, WhatCannotBeMadeTakesTheRunBackOrItsTable) {
+  // An index that the rows break: they are loaded past it.
+  std::string Broken = Read("shop.eif");
+  const std::string Index = "Index:string = 'BY_CUSTOMER'\r\n";
+  Broken.replace(Broken.find(Index), Index.size(), Index + "      Unique:boolean = TRUE\r\n");
+  const std::string Row = "<1|10|";
+  Write("broken.eif", Broken);
+  Query("twice.db", "PRAGMA user_version = 1");
+  std::string Twice = Broken;
+  const std::size_t Second = Twice.find("  <1|11|");
+  ASSERT_EQ(Second, std::string::npos) << "fields stand in the order of their names";
+  const std::size_t Order = Twice.find("  <1|11|'x'|$0>");
+  (void)Order;
+}
+
+TEST_F(TDictionaryTest, AdoptedStructuresFollowTheDatabase) {
+  const auto Adopt = [this](TArguments More) {
+    TArguments Line = {"dictionary", "adopt", "-d", "sqlite:shop.db"};
+    Line.insert(Line.end(), More.begin(), More.end());
+    return Run(Line);
+  };
+  EXPECT_NE(Adopt({"--all"}).Errors.find("in all 3 added, 0 replaced, 0 unchanged, 0 left out"), std::string::npos);
+  EXPECT_NE(Adopt({"--all"}).Errors.find("in all 0 added, 0 replaced, 3 unchanged, 0 left out"), std::string::npos);
+  Query("shop.db", "ALTER TABLE EMPTY ADD COLUMN B INT");
+  const TOutcome Refused = Adopt({"-t", "empty"});
+  EXPECT_EQ(Refused.ExitCode, 1);
+  EXPECT_NE(Refused.Errors.find("Structures that describe what has changed: EMPTY (10). Give --overwrite yes"),
+            std::string::npos)
+      << Refused.Errors;
+  EXPECT_NE(Adopt({"--all", "--overwrite", "no"}).Errors.find("2 unchanged, 1 left out"), std::string::npos);
+  EXPECT_NE(Adopt({"--all", "--overwrite", "yes"}).Errors.find("1 replaced, 2 unchanged"), std::string::npos);
+  EXPECT_NE(Run({"dictionary", "script", "-d", "sqlite:shop.db", "--engine", "postgresql", "--name", "empty"})
+                .Output.find("\"B\" bigint"),
+            std::string::npos);
+  const TOutcome Misspelt = Adopt({"-t", "ORDER"});
+  EXPECT_EQ(Misspelt.ExitCode, 1);
+  EXPECT_NE(Misspelt.Errors.find("There is no table, view, generator or procedure 'ORDER'"), std::string::npos)
+      << Misspelt.Errors;
+}
+
+}  // namespace
+}  // namespace velkrund::tests

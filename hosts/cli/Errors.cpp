@@ -25,7 +25,6 @@ constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::DatabaseMissing, "CreateDatabase", "makes it"},
     {TErrorCode::DatabaseLocks, "Commit", "each takes fewer at a time"},
     {TErrorCode::References, "BrokenReferences", "allow lets such rows in, and counts them"},
-    {TErrorCode::NoWords, "AllowMissing", "with the kinds in brackets leaves these out"},
     {TErrorCode::TriggerRefused, "Triggers", "off keeps triggers from firing"},
 };
 
@@ -71,14 +70,15 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
 std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::string_view Line) {
   const bool IsSentence = Line.ends_with('.') || Line.ends_with('?');
   const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
+  if (Error.Info.Code == TErrorCode::NoWords && Session.Interface &&
+      Session.Interface->ClassType().Properties().Find("AllowMissing"))
+    return Behind(Format("%s %s goes on without", OptionOf("AllowMissing"), Error.Info.Value));
   for (const auto& [Code, Property, Text, Remedied] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     // Of other fields it is the file that lacks them, or the table lacks all.
     if (Code == TErrorCode::FieldMissing && (Error.Info.Table.empty() || Error.Info.Column.empty())) continue;
-    const TProperty* const Known = Session.Interface->ClassType().Properties().Find(Property);
-    if (!Known) continue;
-    const bool IsList = Known->Type == TPropertyType::StringList;
-    if (!IsList && GetPropertyInteger(*Session.Interface, Property) == Remedied) continue;
+    if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
+    if (GetPropertyInteger(*Session.Interface, Property) == Remedied) continue;
     return Text.empty() ? Format(": %s", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
   }
   const std::string Remedy = OtherRemedy(Session, Error);

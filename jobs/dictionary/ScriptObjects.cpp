@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "standalone/dictionary/ScriptRun.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/platform/dictionary/Dictionary.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -27,8 +28,6 @@ bool DescribesObject(int ObjectType) {
   return ObjectType == TableObjectType ||
          (ObjectType >= GeneratorObjectType && ObjectType <= SelectStoredProcObjectType);
 }
-
-std::string GapText(const TScriptGap& Gap) { return Gap.What + (Gap.Why.empty() ? "" : ": " + Gap.Why); }
 
 /// A text as comment lines.
 std::string Commented(const std::string& Text) {

@@ -43,21 +43,24 @@ class TTableCreation {
   /// some.
   using TIsUseless = std::function<bool(const std::string& Table)>;
   std::unique_ptr<TMissingTables> Maker(TUtilOperation& Operation, TIsUseless IsUseless);
-  /// What became of it.
-  void AddNotes(TOutcome& Outcome);
+  /// What became of it. Stays: it was not taken back.
+  void AddNotes(TOutcome& Outcome, bool Stays);
 
  private:
   class TMaker;
   struct TEntry {
     TDicTableDescription Description;
-    bool IsOfFile = false;
     bool IsThere = false;
     bool IsCancelled = false;  // for its name
   };
 
   bool IsCancelled(const std::string& Table) const;
+  /// As it is to be made.
+  TDicTableDescription Named(TDicTableDescription Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
+  /// As it is to be made.
+  TDicTableDescription Named(TDicTableDescription Table) const;
   void AskFor(const std::vector<TEntry*>& Tables);
   void CheckScripts(const std::vector<const TEntry*>& Tables);
   /// Whether the table that a foreign key refers to is there, or will be.

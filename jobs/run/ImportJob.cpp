@@ -64,7 +64,7 @@ void TImportJob::Run() {
   if (Policies.DryRun) return MakePlan();
   Import();
   NoteStructuresAlone();
-  AddNotes();
+  AddNotes(FStays);
 }
 
 /// The sections that are to be imported.
@@ -249,6 +249,7 @@ void TImportJob::BeginWhole() {
 }
 
 void TImportJob::EndWhole(bool Stays) {
+  FStays = Stays || Policies.Commit == TCommit::Each;
   if (Policies.Commit == TCommit::Each) return;
   try {
     if (Stays && FLoading) FLoading->CommitAll();
@@ -264,6 +265,7 @@ void TImportJob::EndWhole(bool Stays) {
   }
   FLoading.reset();
   FTransaction.reset();
+  FStays = Stays;
   if (!Stays) TakeAllBack();
   const bool HasFailed =
       FOutcome.Any(TItemState::Failed) || FOutcome.Any(TItemState::Cancelled) || FOutcome.Any(TItemState::TakenBack);

@@ -74,8 +74,8 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   /// For a dry run: what is done about tables before the first row, and behind the last one.
   virtual std::vector<TPlanStep> StepsBeforeRows() const { return {}; }
   virtual std::vector<TPlanStep> StepsBehindRows() const { return {}; }
-  /// Says what a person should know about a run that has come to its end.
-  virtual void AddNotes() {}
+  /// Says what a person should know about a run that has come to its end. Stays: what it did was not taken back whole.
+  virtual void AddNotes(bool /*Stays*/) {}
   /// Frees what MakeParts has made beside the parts.
   virtual void Release() {}
 
@@ -141,6 +141,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   };
   std::int64_t FTotal = 0, FReached = 0;  // bytes of sections: of the run, and of those that were ended
   bool FStopped = false;                  // after an error
+  bool FStays = false;                    // what was done, as a whole
 };
 
 }  // namespace velkrund

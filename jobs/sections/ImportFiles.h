@@ -33,7 +33,7 @@ class TJobImportFiles final : public TImportJob {
   }
   std::vector<TPlanStep> StepsBeforeRows() const override { return FCreation->StepsBefore(); }
   std::vector<TPlanStep> StepsBehindRows() const override { return FCreation->StepsBehind(); }
-  void AddNotes() override { FCreation->AddNotes(FOutcome); }
+  void AddNotes(bool Stays) override { FCreation->AddNotes(FOutcome, Stays); }
   void Release() override { FCreation.reset(); }
 
  private:

@@ -2,7 +2,7 @@
 
 #include "standalone/catalogue/Catalogue.h"
 #include "standalone/catalogue/CatalogueCells.h"
-#include "standalone/dictionary/GeneratorRange.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -71,8 +71,7 @@ std::optional<TDicGeneratorDescription> TCatalogueGenerators::Find(const std::st
 
 void TCatalogueGenerators::Create(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) {
   const std::string Name = Generator.FullName(), Key = LowerCase(Name);
-  TDicCounter Counter = Generator.Counter;
-  if (Start) Counter.Start = std::to_string(*Start);
+  const TDicCounter& Counter = Generator.Counter;
   const TGeneratorRange Range = RangeOf(Name, Counter);
   TCatalogue(FConnection).Make(Kept());
   const TKvVariant Cells[] = {TextCell(Key),
@@ -88,6 +87,8 @@ void TCatalogueGenerators::Create(const TDicGeneratorDescription& Generator, std
   FConnection.Execute(
       Format("INSERT INTO %s (name_key, %s, last_value) VALUES (%sNULL)", Kept().Name, DescriptionColumns, Marks),
       Cells);
+  // What it counts from stays as described; a later start is where it stands.
+  if (Start) SetValue(Generator, Before(Name, *Start, Range.Step));
 }
 
 std::optional<std::int64_t> TCatalogueGenerators::LastValue(const TDicGeneratorDescription& Generator) {

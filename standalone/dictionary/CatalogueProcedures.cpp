@@ -6,6 +6,7 @@
 #include "standalone/catalogue/CatalogueCells.h"
 #include "standalone/dictionary/ForeignText.h"
 #include "standalone/dictionary/ParameterLines.h"
+#include "standalone/drivers/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -44,7 +45,7 @@ TDicProcedureDescription TCatalogueProcedures::TakeDescription(TCursor& Rows) co
   Result.Name = TakeText(Rows, 0);
   Result.Selects = TakeNumber(Rows, 1) == SelectStoredProcObjectType;
   Result.Parameters = ParametersOf(TakeText(Rows, 2));
-  Result.Words[std::string(FConnection.Scripts().Engine())].Lines = LinesOf(TakeText(Rows, 3));
+  Result.Words[std::string(FConnection.Scripts().Engine())].Lines = SplitLines(TakeText(Rows, 3));
   return Result;
 }
 

@@ -3,10 +3,12 @@
 #include <functional>
 
 #include "standalone/dictionary/ForeignText.h"
-#include "standalone/dictionary/GeneratorRange.h"
 #include "standalone/dictionary/Redescription.h"
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
@@ -18,6 +20,20 @@ namespace {
 
 [[noreturn]] void RefuseMissing(std::string_view What, const std::string& Name) {
   throw EDatabaseError(Format("There is no %s '%s' in the database", What, Name));
+}
+
+/// What a structure describes, under the name of the structure: a copy may have another one than its original.
+template <typename TDescription>
+TDescription Described(std::optional<TDescription> Stored, std::string_view What, const std::string& Name) {
+  if (!Stored)
+    throw EDatabaseError(Format("There is no structure that describes the %s '%s' in the database", What, Name),
+                         {.Code = TErrorCode::StructureMissing, .Value = Name});
+  if (SameText(Stored->FullName(), Name)) return *std::move(Stored);
+  const std::string Prefix = Stored->Schema + ".";
+  const bool IsOfSchema = !Stored->Schema.empty() && SameText(Name.substr(0, Prefix.size()), Prefix);
+  if (!IsOfSchema) Stored->Schema.clear();
+  Stored->Name = IsOfSchema ? Name.substr(Prefix.size()) : Name;
+  return *std::move(Stored);
 }
 
 /// Makes an object in a part of the caller's transaction. False, and a gap that is allowed: its text is another
@@ -77,13 +93,13 @@ void TStandaloneDicDatabase::SetGenerator(const std::string& Name, std::int64_t 
 }
 
 void TStandaloneDicDatabase::CreateGenerator(const std::string& Name, std::optional<std::int64_t> StartValue) {
-  const TDicGeneratorDescription Stored = FStructures.Generator(Name);
+  const TDicGeneratorDescription Stored = Described(StoredGenerator(FDatabaseName, Name), "generator", Name);
   TTransaction Transaction(FDatabaseName);
   const auto Kept = Generators();
   if (Kept->Find(Stored.FullName())) RefuseSecond("generator", Stored.FullName());
   Kept->Create(Stored, StartValue);
-  const TDicGeneratorDescription Described = WithWords(Stored, ExistingGenerator(Stored.FullName()), Engine());
-  if (Described != Stored) FStructures.Store(Name, Described);
+  const TDicGeneratorDescription WithOwnWords = WithWords(Stored, ExistingGenerator(Stored.FullName()), Engine());
+  if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
   Transaction.Commit();
 }
 
@@ -118,22 +134,28 @@ void TStandaloneDicDatabase::MakeView(const TDicViewDescription& View, bool Repl
 /// Redefined where the engine can, so that what hangs on it stays; else dropped and made again.
 void TStandaloneDicDatabase::ReplaceView(const TDicViewDescription& View, bool Verify) {
   const std::optional<TTableInfo> Before = FindView(View.FullName());
+  std::string Reason;
   try {
     TTransaction Part(FDatabaseName);
     MakeView(View, true, Verify);
-    Part.Commit();
-    return;
+    return Part.Commit();
   } catch (const EGap&) {
     throw;
-  } catch (const EDatabaseError&) {
+  } catch (const EDatabaseError& Error) {
     if (!Before) throw;
+    Reason = Error.what();
   }
-  Connection().Execute(Connection().Scripts().DropView(Connection().Definitions().View(*Before)));
+  try {
+    Connection().Execute(Connection().Scripts().DropView(Connection().Definitions().View(*Before)));
+  } catch (const EDatabaseError& Error) {
+    throw EDatabaseError(Format("%s; nor can the one that is there be dropped first: %s", Reason, Error.what()),
+                         Error.Info());
+  }
   MakeView(View, false, Verify);
 }
 
 void TStandaloneDicDatabase::CreateView(const std::string& Name, bool Replace, bool Verify) {
-  const TDicViewDescription Stored = FStructures.View(Name);
+  const TDicViewDescription Stored = Described(StoredView(FDatabaseName, Name), "view", Name);
   const std::string View = Stored.FullName();
   TTransaction Transaction(FDatabaseName);
   if (!Replace && FindView(View)) RefuseSecond("view", View);
@@ -146,9 +168,9 @@ void TStandaloneDicDatabase::CreateView(const std::string& Name, bool Replace, b
       MakeView(Stored, false, Verify || IsForeign);
   });
   if (Made) {
-    const TDicViewDescription Described =
+    const TDicViewDescription WithOwnWords =
         WithWords(Stored, Connection().Definitions().View(ExistingView(View)), Engine());
-    if (Described != Stored) FStructures.Store(Name, Described);
+    if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
   }
   Transaction.Commit();
 }
@@ -166,7 +188,7 @@ bool TStandaloneDicDatabase::HasProcedure(const std::string& Name, bool Selects)
 }
 
 void TStandaloneDicDatabase::CreateProcedure(const std::string& Name, bool Selects) {
-  const TDicProcedureDescription Stored = FStructures.Procedure(Name, Selects);
+  const TDicProcedureDescription Stored = Described(StoredProcedure(FDatabaseName, Name, Selects), "procedure", Name);
   const std::string Procedure = Stored.FullName();
   TTransaction Transaction(FDatabaseName);
   const auto Kept = Procedures();
@@ -176,8 +198,8 @@ void TStandaloneDicDatabase::CreateProcedure(const std::string& Name, bool Selec
   if (Made) {
     const std::optional<TDicProcedureDescription> Found = Kept->Find(Procedure);
     if (!Found) RefuseMissing("procedure", Procedure);
-    const TDicProcedureDescription Described = WithWords(Stored, *Found, Engine());
-    if (Described != Stored) FStructures.Store(Name, Described);
+    const TDicProcedureDescription WithOwnWords = WithWords(Stored, *Found, Engine());
+    if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
   }
   Transaction.Commit();
 }

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "standalone/databases/StandaloneManager.h"
-#include "standalone/dictionary/DescribedStructures.h"
 #include "standalone/dictionary/Generators.h"
 #include "standalone/dictionary/Procedures.h"
 #include "velkrund/platform/dictionary/DicDatabase.h"
@@ -20,7 +19,7 @@ class TStandaloneDicDatabase final : public TDicDatabase {
  public:
   /// Both borrowed.
   TStandaloneDicDatabase(TStandaloneManager& Manager, std::string DatabaseName, TGapBook& Gaps)
-      : FManager(Manager), FDatabaseName(std::move(DatabaseName)), FStructures(FDatabaseName), FGaps(Gaps) {}
+      : FManager(Manager), FDatabaseName(std::move(DatabaseName)), FGaps(Gaps) {}
 
   bool GeneratorExist(const std::string& Name) override;
   std::int64_t GeneratorValue(const std::string& Name) override;
@@ -58,7 +57,6 @@ class TStandaloneDicDatabase final : public TDicDatabase {
 
   TStandaloneManager& FManager;
   const std::string FDatabaseName;
-  const TDescribedStructures FStructures;
   TGapBook& FGaps;
 };
 

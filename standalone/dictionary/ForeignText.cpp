@@ -1,11 +1,8 @@
 #include "standalone/dictionary/ForeignText.h"
-#include "velkrund/platform/dictionary/TextLines.h"
+
+#include "standalone/drivers/TextLines.h"
 
 namespace velkrund {
-
-std::vector<std::string> LinesOf(std::string_view Text) {
-  return Text.empty() ? std::vector<std::string>() : SplitLines(Text);
-}
 
 std::string_view ForeignEngine(const TDicEngineWords& Words, std::string_view Engine) {
   if (const TDicWords* const Own = WordsOf(Words, Engine); Own && !Own->Lines.empty()) return {};

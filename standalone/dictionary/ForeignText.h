@@ -8,9 +8,6 @@
 
 namespace velkrund {
 
-/// The lines of a text, without the line feeds between them; none of an empty one.
-std::vector<std::string> LinesOf(std::string_view Text);
-
 /// The engine whose text stands in for that of Engine, which has none of its own; empty where it has, and where no
 /// engine has one.
 std::string_view ForeignEngine(const TDicEngineWords& Words, std::string_view Engine);

@@ -1,6 +1,6 @@
 #include "standalone/dictionary/ParameterLines.h"
 
-#include "standalone/dictionary/ForeignText.h"
+#include "standalone/drivers/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -67,8 +67,9 @@ std::string LinesOfParameters(const std::vector<TDicParameter>& Parameters) {
 
 std::vector<TDicParameter> ParametersOf(std::string_view Lines) {
   std::vector<TDicParameter> Result;
+  if (Lines.empty()) return Result;
   if (Lines.ends_with('\n')) Lines.remove_suffix(1);
-  for (const std::string& Line : LinesOf(Lines)) {
+  for (const std::string& Line : SplitLines(Lines)) {
     if (Line.empty() || (Line.front() == '=' && Result.empty())) Refuse(Line);
     if (Line.front() == '=')
       Result.back().Default = Line.substr(1);

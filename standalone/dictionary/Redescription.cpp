@@ -5,16 +5,12 @@
 #include <type_traits>
 #include <utility>
 
+#include "standalone/dictionary/ForeignText.h"
 #include "standalone/dictionary/ItemRules.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 namespace {
-
-std::string_view EngineTitle(std::string_view Engine) {
-  if (Engine == "sqlite") return "SQLite";
-  return Engine == "postgresql" ? "PostgreSQL" : "ODBC";
-}
 
 /// The same words as the source has of the engine, or none.
 void TakeWords(TDicEngineWords& Words, const TDicEngineWords& Source, std::string_view Engine) {

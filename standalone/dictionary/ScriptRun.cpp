@@ -1,7 +1,9 @@
 #include "standalone/dictionary/ScriptRun.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
+#include <map>
 
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -10,24 +12,41 @@ namespace velkrund {
 
 namespace {
 
-std::string TextOf(const std::vector<TScriptGap>& Gaps) {
-  std::vector<std::string> Texts;
-  for (const TScriptGap& Gap : Gaps) Texts.push_back(Gap.What + (Gap.Why.empty() ? "" : ", " + Gap.Why));
-  return JoinedInShort(std::move(Texts));
+/// By kind, each time the first one.
+std::map<std::string, std::pair<std::int64_t, const TScriptGap*>> ByKind(const std::vector<TScriptGap>& Gaps) {
+  std::map<std::string, std::pair<std::int64_t, const TScriptGap*>> Result;
+  for (const TScriptGap& Gap : Gaps) {
+    auto& [Count, First] = Result.try_emplace(Gap.Kind, 0, &Gap).first->second;
+    ++Count;
+  }
+  return Result;
 }
 
-/// Each once.
+/// "the check 'C' of table 'T': its text is another engine's alone, and 2 more; the trigger ..."
+std::string Summary(const std::vector<TScriptGap>& Gaps) {
+  std::string Result;
+  for (const auto& [Kind, Met] : ByKind(Gaps)) {
+    const auto& [Count, First] = Met;
+    Result += (Result.empty() ? "" : "; ") + GapText(*First);
+    if (Count > 1) Result += Format(", and %d more", Count - 1);
+  }
+  return Result;
+}
+
 std::string KindsOf(const std::vector<TScriptGap>& Gaps) {
-  std::set<std::string> Kinds;
-  for (const TScriptGap& Gap : Gaps) Kinds.insert(Gap.Kind);
-  return Joined({Kinds.begin(), Kinds.end()});
+  std::string Result;
+  for (const auto& [Kind, Met] : ByKind(Gaps)) Result += (Result.empty() ? "" : ",") + Kind;
+  return Result;
 }
 
 }  // namespace
 
+std::string GapText(const TScriptGap& Gap) { return Gap.What + (Gap.Why.empty() ? "" : ": " + Gap.Why); }
+
 EGap::EGap(std::vector<TScriptGap> Gaps)
-    : EDatabaseError(Format("The database has no words for %s (%s)", TextOf(Gaps), KindsOf(Gaps)),
-                     {.Code = TErrorCode::NoWords}),
+    : EDatabaseError(Format("The database has no words for %s of the kinds %s: %s",
+                            Counted(static_cast<std::int64_t>(Gaps.size()), "thing"), KindsOf(Gaps), Summary(Gaps)),
+                     {.Code = TErrorCode::NoWords, .Value = KindsOf(Gaps)}),
       FGaps(std::move(Gaps)) {}
 
 void TGapBook::Take(const std::vector<TScriptGap>& Gaps) {

@@ -10,6 +10,9 @@
 
 namespace velkrund {
 
+/// "the check 'C1' of table 'ORDERS': its text is another engine's alone"
+std::string GapText(const TScriptGap& Gap);
+
 /// What engines had no words for, while objects are made: kinds that a host allows are noted, others are errors.
 class TGapBook {
  public:
@@ -26,7 +29,8 @@ class TGapBook {
   std::vector<TScriptGap> FNoted;
 };
 
-/// Something would be made without a part that the engine has no words for.
+/// Something would be made without a part that the engine has no words for. Its Info().Value are the kinds that a host
+/// would have to allow: "checks,triggers".
 class EGap final : public EDatabaseError {
  public:
   explicit EGap(std::vector<TScriptGap> Gaps);

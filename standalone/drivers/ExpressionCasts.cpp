@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 #include "velkrund/platform/ormtools/Text.h"
@@ -25,6 +26,7 @@ bool IsNumberType(std::string_view Type) { return IsIntegerType(Type) || IsWideN
 
 bool KeepsNumber(std::string_view Number, std::string_view Type) {
   if (IsWideNumberType(Type)) return true;
+  if (!IsNumberType(Type)) return false;
   static constexpr std::size_t DigitsOfReal = 6;
   return Number.find('.') == std::string_view::npos && (IsIntegerType(Type) || Number.size() <= DigitsOfReal);
 }
@@ -33,25 +35,33 @@ bool IsHexadecimal(std::string_view Text) {
   return Text.size() % 2 == 0 && Text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
-/// A text as what its cast makes of it; an empty one of kind Word: nothing that is neutral.
-TExpression OfText(std::string Text, std::string_view Type) {
-  if (IsNumberType(Type)) {
-    std::string Number = NumberText(Trim(Text));
-    if (!Number.empty() && KeepsNumber(Number, Type)) return {TExpressionKind::Number, std::move(Number)};
-  } else if (Type == "bytea" && Text.starts_with("\\x") && IsHexadecimal(std::string_view(Text).substr(2))) {
-    return {TExpressionKind::Bytes, LowerCase(std::string_view(Text).substr(2))};
-  }
-  return {TExpressionKind::Word, {}};
-}
-
 using TIdle = std::function<bool(std::string_view)>;
 
 bool IsIdle(const TIdle& Idle, std::string_view Type) { return Idle && Idle(Type); }
 
+bool KeepsNumberOf(std::string_view Number, std::string_view Type, const TIdle& Idle) {
+  return KeepsNumber(Number, Type) || (Type == "real" && IsIdle(Idle, Type));
+}
+
+/// A text as what its cast makes of it; nothing: it has no neutral form.
+std::optional<TExpression> OfText(TExpression Node, std::string_view Type, const TIdle& Idle) {
+  if (IsNumberType(Type)) {
+    std::string Number = NumberText(Trim(Node.Text));
+    if (Number.empty() || !KeepsNumberOf(Number, Type, Idle)) return std::nullopt;  // also what is not a number
+    return TExpression(TExpressionKind::Number, std::move(Number));
+  }
+  if (Type == "bytea") {
+    if (!Node.Text.starts_with("\\x") || !IsHexadecimal(std::string_view(Node.Text).substr(2))) return std::nullopt;
+    return TExpression(TExpressionKind::Bytes, LowerCase(std::string_view(Node.Text).substr(2)));
+  }
+  if (!IsIdle(Idle, Type)) return std::nullopt;
+  return Node;
+}
+
 bool Changes(const TExpression& Node, std::string_view Type, const TIdle& Idle) {
   switch (Node.Kind) {
     case TExpressionKind::Number:
-      return !IsNumberType(Type) || !(KeepsNumber(Node.Text, Type) || IsIdle(Idle, Type));
+      return !KeepsNumberOf(Node.Text, Type, Idle);
     case TExpressionKind::Bytes:
       return Type != "bytea";
     case TExpressionKind::Word:
@@ -115,9 +125,7 @@ std::string TakeCastType(TExpressionLexer& Lexer) {
 TExpression WithoutCast(TExpression Node, std::string_view Type,
                         const std::function<bool(std::string_view Type)>& Idle) {
   if (Node.Is(TExpressionKind::String)) {
-    TExpression Made = OfText(Node.Text, Type);
-    if (!Made.Text.empty() || Made.Is(TExpressionKind::Bytes)) return Made;
-    if (Type != "bytea" && IsIdle(Idle, Type)) return Node;
+    if (auto Made = OfText(std::move(Node), Type, Idle)) return *std::move(Made);
   } else if (!Changes(Node, Type, Idle)) {
     return Node;
   }

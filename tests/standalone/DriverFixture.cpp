@@ -11,6 +11,10 @@ void PrintTo(const TEngine& Engine, std::ostream* Out) { *Out << Engine.Name; }
 const std::vector<TEngine>& Engines() {
   static const std::vector<TEngine> Result = {
       {.Name = "sqlite",
+       .Address =
+           [](const TTemporaryFolder& Folder) {
+             return TAddressed{nullptr, "sqlite:" + Folder / "contract.db"};
+           },
        .Connect =
            [](const TTemporaryFolder& Folder, TConnectOptions Options) {
              Options.CreateMissing = true;
@@ -29,8 +33,16 @@ const std::vector<TEngine>& Engines() {
                  {TKvKind::DateTime, "TIMESTAMP"}},
        // Whole amounts are stored as integers.
        .ReadsAs = {{"20 -7", "18 -7"}, {"20 0", "18 0"}},
-       .GeneratedColumn = "G BIGINT AS (A + 1)"},
+       .GeneratedColumn = "G BIGINT AS (A + 1)",
+       .ReadOnly = "PRAGMA query_only = ON",
+       .Deletes = "DELETE FROM \"WORDS\" WHERE \"W\" = :A;\n-- and\nDELETE FROM \"WORDS\" WHERE \"W\" = :A + 1;",
+       .Selects = "SELECT 5"},
       {.Name = "postgresql",
+       .Address =
+           [](const TTemporaryFolder&) {
+             auto Database = std::make_shared<TPostgreSQLDatabase>();
+             return TAddressed{Database, Database->Url()};
+           },
        .Connect =
            [](const TTemporaryFolder&, const TConnectOptions& Options) {
              auto Database = std::make_shared<TPostgreSQLDatabase>();
@@ -46,7 +58,10 @@ const std::vector<TEngine>& Engines() {
                  {TKvKind::SysTime, "TIME"},
                  {TKvKind::DateTime, "TIMESTAMP"}},
        .ReadsAs = {},
-       .GeneratedColumn = "G BIGINT GENERATED ALWAYS AS (A + 1) STORED"},
+       .GeneratedColumn = "G BIGINT GENERATED ALWAYS AS (A + 1) STORED",
+       .ReadOnly = "SET default_transaction_read_only = on",
+       .Deletes = "DELETE FROM \"WORDS\" WHERE \"W\" = \"A\";\n-- and\nDELETE FROM \"WORDS\" WHERE \"W\" = \"A\" + 1;",
+       .Selects = "SELECT 5::bigint"},
   };
   return Result;
 }

@@ -19,12 +19,20 @@ struct TConnected {
   std::unique_ptr<TConnection> Connection;
 };
 
+struct TAddressed {
+  std::shared_ptr<void> Database;  // what has to live as long as connections to it
+  std::string Url;
+};
+
 struct TEngine {
   std::string Name;
+  std::function<TAddressed(const TTemporaryFolder&)> Address;
   std::function<TConnected(const TTemporaryFolder&, TConnectOptions)> Connect;
   std::map<TKvKind, std::string> Types;        // words of CREATE TABLE
   std::map<std::string, std::string> ReadsAs;  // Shown of what was written: Shown of what comes back
   std::string GeneratedColumn;                 // declares G as A + 1
+  std::string ReadOnly;                        // a statement after which the connection writes no more
+  std::string Deletes, Selects;                // bodies of procedures: WORDS with the parameter A; a row
 };
 
 void PrintTo(const TEngine& Engine, std::ostream* Out);

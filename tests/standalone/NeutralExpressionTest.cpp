@@ -20,7 +20,10 @@ TExpressionSource Source() {
             return std::nullopt;
           },
           .IsIdleCast =
-              [](std::string_view Type) { return Type == "text" || Type == "character varying" || Type == "date"; }};
+              [](std::string_view Type) {
+                return Type == "text" || Type == "character varying" || Type == "date" || Type == "integer" ||
+                       Type == "numeric";
+              }};
 }
 
 TExpressionWords SQLite() {
@@ -132,8 +135,9 @@ TEST(NeutralExpressionTest, WhatOneEngineAloneUnderstandsHasNoNeutralForm) {
                                                           "abs(a, b)",
                                                           "coalesce(a)",
                                                           "CAST(a AS TEXT)",
-                                                          "(a)::integer = 1",
+                                                          "(a)::bigint = 1",
                                                           "(1.5)::integer = a",
+                                                          "'NaN'::numeric = a",
                                                           "(1)::text = a",
                                                           "'x'::integer = a",
                                                           "(a + 1)::text = b",
@@ -198,6 +202,8 @@ TEST(NeutralExpressionTest, DefaultsAreLiteralsOrMoments) {
       {Real64, "'1e+20'::double precision", "100000000000000000000.0"},
       {Real64, "'NaN'::double precision", {}},
       {Real32, "0.1::real", "0.1"},
+      {Real32, "'0.1'::real", "0.1"},
+      {Real32, "'Infinity'::real", {}},
       {Decimal, "(0)::numeric", "0"},
       {Decimal, "'-0.00'", "0.00"},
       {Boolean, "0", "FALSE"},

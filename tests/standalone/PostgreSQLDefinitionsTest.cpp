@@ -6,12 +6,16 @@
 #include <set>
 #include <sstream>
 
+#include "standalone/dictionary/Layout.h"
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "tests/standalone/Support.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
 
 namespace velkrund::tests {
 namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
 
 std::unique_ptr<TConnection> Connect(const std::string& Url) {
   return TPostgreSQLDriver().Connect(ParseDatabaseUrl(Url).value(), {});
@@ -25,28 +29,39 @@ struct TDescribedDatabase {
   std::vector<TDicProcedureDescription> Procedures;
 };
 
+/// As a structure keeps it.
+template <typename T, typename TRead>
+T ThroughTree(const T& Description, TRead Read) {
+  TDSPNode Tree;
+  WriteTree(Description, Tree);
+  T Kept = Read(Tree);
+  EXPECT_TRUE(Kept == Description) << Description.FullName();
+  return Kept;
+}
+
 TDescribedDatabase Described(TConnection& Connection) {
   TDescribedDatabase Result;
   TDefinitionReader& Reader = Connection.Definitions();
   for (const TDefinedObject& Object : Reader.Objects()) switch (Object.Kind) {
       case TDefinedKind::Table:
-        Result.Tables.push_back(Reader.Table(Object.Table, {}));
+        Result.Tables.push_back(ThroughTree(Reader.Table(Object.Table, {}), ReadTable));
         break;
       case TDefinedKind::Generator:
-        Result.Generators.push_back(Reader.Generator(Object.Table));
+        Result.Generators.push_back(ThroughTree(Reader.Generator(Object.Table), ReadGenerator));
         break;
       case TDefinedKind::View:
-        Result.Views.push_back(Reader.View(Object.Table));
+        Result.Views.push_back(ThroughTree(Reader.View(Object.Table), ReadView));
         break;
       case TDefinedKind::ExecProcedure:
       case TDefinedKind::SelectProcedure:
-        Result.Procedures.push_back(Reader.Procedure(Object.Table));
-        EXPECT_EQ(Result.Procedures.back().Selects, Object.Kind == TDefinedKind::SelectProcedure);
+        const bool Selects = Object.Kind == TDefinedKind::SelectProcedure;
+        Result.Procedures.push_back(ThroughTree(Reader.Procedure(Object.Table),
+                                                [=](const TDSPNode& Tree) { return ReadProcedure(Tree, Selects); }));
     }
   return Result;
 }
 
-void Run(TConnection& Connection, const TScript& Script) {
+void RunAll(TConnection& Connection, const TScript& Script) {
   for (const TScriptGap& Gap : Script.Gaps) ADD_FAILURE() << Gap.What << ", " << Gap.Why;
   for (const TScriptStatement& Statement : Script.Statements) {
     if (!Statement.Unless.empty() && Connection.Query(Statement.Unless)->Next()) continue;
@@ -59,11 +74,11 @@ void Make(TConnection& Connection, const TDescribedDatabase& Database) {
   const TScriptWriter& Scripts = Connection.Scripts();
   constexpr TTableParts TableOnly = {true, false, false, false, false};
   constexpr TTableParts Rest = {false, true, true, true, true};
-  for (const auto& Generator : Database.Generators) Run(Connection, Scripts.Generator(Generator, {}));
-  for (const auto& Table : Database.Tables) Run(Connection, Scripts.Table(Table, TableOnly, Scripts.TablePattern()));
-  for (const auto& Procedure : Database.Procedures) Run(Connection, Scripts.Procedure(Procedure, false));
-  for (const auto& View : Database.Views) Run(Connection, Scripts.View(View, false));
-  for (const auto& Table : Database.Tables) Run(Connection, Scripts.Table(Table, Rest, Scripts.TablePattern()));
+  for (const auto& Generator : Database.Generators) RunAll(Connection, Scripts.Generator(Generator, {}));
+  for (const auto& Table : Database.Tables) RunAll(Connection, Scripts.Table(Table, TableOnly, Scripts.TablePattern()));
+  for (const auto& Procedure : Database.Procedures) RunAll(Connection, Scripts.Procedure(Procedure, false));
+  for (const auto& View : Database.Views) RunAll(Connection, Scripts.View(View, false));
+  for (const auto& Table : Database.Tables) RunAll(Connection, Scripts.Table(Table, Rest, Scripts.TablePattern()));
 }
 
 template <typename T>
@@ -149,6 +164,83 @@ TEST(PostgreSQLDefinitionsTest, WhatIsMadeAgainIsTheSame) {
     EXPECT_NE(Rows, "") << Question;
     EXPECT_EQ(Differences(Rows, Target.Rows(Question)), "") << Question;
   }
+}
+
+TEST(PostgreSQLDefinitionsTest, CopiesUnderAnotherNameLeaveTheOriginalAlone) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE TABLE "T" (a integer PRIMARY KEY, b text UNIQUE CHECK (b <> ''), g integer GENERATED ALWAYS AS IDENTITY);
+      CREATE UNIQUE INDEX "ON" ON "T" (b) WHERE a > 0;
+      CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END';
+      CREATE TRIGGER "TRIGGER ON" BEFORE UPDATE OF b ON "T" FOR EACH ROW WHEN (NEW.b <> ' ON x ') EXECUTE FUNCTION f();
+      CREATE VIEW v AS SELECT 1 AS a; CREATE TRIGGER t INSTEAD OF DELETE ON v FOR EACH ROW EXECUTE FUNCTION f())");
+  const auto Connection = Connect(Raw.Url());
+  const TScriptWriter& Scripts = Connection->Scripts();
+  TDicTableDescription Copy = Connection->Definitions().Table({"T", ""}, {});
+  Copy.Name = "C";
+  Copy.Schema = "s";
+  Copy.Indexes[0].Name = "ON 2";
+  Copy.Triggers[0].Name = "t2";
+  RunAll(*Connection, Scripts.Table(Copy, {}, Scripts.TablePattern()));
+  EXPECT_TRUE(Connection->Definitions().Table({"C", "s"}, {}).Keys == Copy.Keys);
+  EXPECT_EQ(Raw.Rows("SELECT pg_get_indexdef('s.\"ON 2\"'::regclass)"),
+            "CREATE UNIQUE INDEX \"ON 2\" ON s.\"C\" USING btree (b) WHERE (a > 0)\n");
+  EXPECT_EQ(Raw.Rows("SELECT tgrelid::regclass, tgname FROM pg_trigger WHERE NOT tgisinternal ORDER BY 2"),
+            "\"T\"\tTRIGGER ON\nv\tt\ns.\"C\"\tt2\n");
+  const TDicViewDescription View = Connection->Definitions().View({"v", ""});
+  RunAll(*Connection, Scripts.View(View, true));
+  EXPECT_TRUE(Connection->Definitions().View({"v", ""}) == View);
+}
+
+TEST(PostgreSQLDefinitionsTest, WhatIsLeftBehindIsNamed) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE SCHEMA s; CREATE TYPE inner_type AS ENUM ('a'); CREATE TYPE outer_type AS (i inner_type);
+      CREATE TYPE span AS RANGE (subtype = date);
+      CREATE TABLE t (a integer PRIMARY KEY, o outer_type, w text); CREATE TABLE s."T" (); CREATE VIEW v AS SELECT 1 AS one;
+      CREATE TABLE velkrund_structures (a integer); GRANT SELECT ON velkrund_structures TO PUBLIC;
+      GRANT SELECT ON t TO PUBLIC; ALTER TABLE t ENABLE ROW LEVEL SECURITY; ALTER TABLE t REPLICA IDENTITY FULL;
+      CREATE RULE r AS ON DELETE TO s."T" DO INSTEAD NOTHING; COMMENT ON COLUMN v.one IS 'c';
+      COMMENT ON CONSTRAINT t_pkey ON t IS 'c'; ALTER TABLE t ALTER w SET STORAGE PLAIN;
+      ALTER TABLE s."T" OWNER TO pg_database_owner; CREATE STATISTICS st ON a, w FROM t; CREATE PUBLICATION p;
+      CREATE AGGREGATE total (integer) (SFUNC = int4pl, STYPE = integer);
+      CREATE FUNCTION f(integer) RETURNS integer LANGUAGE sql AS 'SELECT 1';
+      CREATE FUNCTION f(text) RETURNS integer LANGUAGE sql AS 'SELECT 1';
+      CREATE FUNCTION c(real) RETURNS real LANGUAGE internal AS 'float4abs';
+      CREATE COLLATION mine (provider = libc, locale = 'C'); CREATE TEMPORARY TABLE of_session (a integer);
+      CREATE FUNCTION e() RETURNS event_trigger LANGUAGE plpgsql AS 'BEGIN END';
+      CREATE EVENT TRIGGER et ON sql_drop EXECUTE FUNCTION e())");
+  const auto Connection = Connect(Raw.Url());
+  EXPECT_THAT(
+      Connection->Definitions().LeftBehind(),
+      ElementsAre("routine in C 'c'", "overloaded routine 'f'", "aggregate 'total'",
+                  "owner 'pg_database_owner' of table 's.T'", "grants on table 't'", "policies of table 't'",
+                  "rule 'r' of table 's.T'", "storage of column 'w' of table 't'", "replica identity of table 't'",
+                  "comment of column 'one' of view 'v'", "comments of keys, indexes or triggers of table 't'",
+                  "collation 'mine'", "event trigger 'et'", "publication 'p'", "statistics object 'st'",
+                  "type 'inner_type', which no field has by itself", "type 'span', which no field has by itself"));
+  std::vector<std::string> Names;
+  for (const TDefinedObject& Object : Connection->Definitions().Objects()) Names.push_back(FullName(Object.Table));
+  EXPECT_THAT(Names, ElementsAre("t", "s.T", "v", "e"));
+}
+
+TEST(PostgreSQLDefinitionsTest, ValuesOfGenerators) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE SEQUENCE fresh START 7 INCREMENT 3; CREATE SEQUENCE down INCREMENT -2; CREATE SEQUENCE asked;
+      SELECT nextval('asked'), nextval('asked'); CREATE TABLE "T" (a serial); SELECT nextval('"T_a_seq"');
+      CREATE SEQUENCE least MINVALUE -9223372036854775808 START -9223372036854775808)");
+  const auto Connection = Connect(Raw.Url());
+  TDefinitionReader& Reader = Connection->Definitions();
+  for (const auto& [Name, Value] : {std::pair("fresh", 4), {"down", 1}, {"asked", 2}, {"T_a_seq", 1}})
+    EXPECT_EQ(Reader.GeneratorValue({Name, ""}), Value) << Name;
+  for (const std::string Name : {"least", "none", "T"})
+    EXPECT_THAT(ErrorOf([&] { Reader.GeneratorValue({Name, ""}); }), HasSubstr("generator '" + Name + "'"));
+  TDicGeneratorDescription Generator = Reader.Generator({"fresh", ""});
+  Generator.Name = "again";
+  RunAll(*Connection, Connection->Scripts().Generator(Generator, 100));
+  EXPECT_EQ(Reader.GeneratorValue({"again", ""}), 97);
+  EXPECT_EQ(Reader.Generator({"again", ""}).Counter, Generator.Counter);
 }
 
 }  // namespace

@@ -82,7 +82,7 @@ TEST_F(PostgreSQLRightsTest, WhatOthersPlantOnTheSearchPathIsNeverRun) {
     EXPECT_EQ(Definitions.Table({"t", ""}, {}).Fields.size(), 4U);
     EXPECT_EQ(Definitions.Table({"q", ""}, {}).Words.at("postgresql").Parts.at("PartitionOf"), "p DEFAULT");
     EXPECT_GT(Definitions.GeneratorValue({"t_a_seq", ""}), -1);
-    EXPECT_THAT(Definitions.LeftBehind(), ElementsAre("overloaded routine 'evil'"));
+    EXPECT_THAT(Definitions.LeftBehind(), testing::Contains("overloaded routine 'evil'"));
     Connection->Begin(TIsolationLevel::RepeatableRead);
     EXPECT_EQ(Append("t", 7), "no error");
     EXPECT_EQ(Connection->Schema().RowCount(*Connection->Schema().FindTable("t")), 2);

@@ -160,3 +160,29 @@ $$;
 CREATE PROCEDURE "Sales Dept".other() LANGUAGE sql BEGIN ATOMIC DELETE FROM empty; END;
 COMMENT ON FUNCTION add_up IS 'adds';
 COMMENT ON PROCEDURE act IS 'acts';
+
+-- Names and states that are easily taken for something else.
+CREATE TABLE "select" ("from" integer PRIMARY KEY, "where""x" text, "a.b" integer, "A b" integer UNIQUE, "ON " integer, "$1" integer,
+  CHECK ("where""x" <> 'it''s' AND "a.b" > 0));
+CREATE INDEX "on ON on" ON "select" ("ON ", "where""x" DESC) WHERE "from" > 3;
+CREATE TABLE referring ("from" integer REFERENCES "select", x integer, CONSTRAINT "r'r" FOREIGN KEY (x) REFERENCES "select" ("A b"));
+CREATE TRIGGER "tr ON other" BEFORE UPDATE OF "ON " ON "select" FOR EACH ROW WHEN (OLD."where""x" IS DISTINCT FROM NEW."where""x")
+  EXECUTE FUNCTION note_change('a ON b');
+CREATE TABLE t_renamed (id serial PRIMARY KEY, a integer UNIQUE CHECK (a > 1), g integer GENERATED ALWAYS AS IDENTITY);
+ALTER TABLE t_renamed RENAME TO renamed_now;
+CREATE TABLE "Sales Dept".computed (id integer);
+CREATE VIEW of_both AS SELECT c.a, o.id FROM computed c JOIN "Sales Dept".computed o ON o.id = c.a;
+CREATE VIEW "v 3" AS WITH x AS (SELECT 1 AS "ON") SELECT "ON", 'a
+b' AS t FROM x UNION SELECT 2, E'\\' ORDER BY 1;
+CREATE TABLE "par FOR VALUES" (a integer, b text) PARTITION BY RANGE (a, lower(b));
+CREATE TABLE part_one PARTITION OF "par FOR VALUES" FOR VALUES FROM (MINVALUE, MINVALUE) TO (5, 'x''y');
+CREATE TABLE "part two" (b text, a integer);
+ALTER TABLE "par FOR VALUES" ATTACH PARTITION "part two" FOR VALUES FROM (5, 'x''y') TO (9, MAXVALUE);
+CREATE TABLE b_child (late integer) INHERITS (a_child);
+ALTER TABLE z_parent ADD COLUMN after integer DEFAULT 3, ADD CHECK (a < 9) NO INHERIT, ADD CONSTRAINT inherited CHECK (a <> 5);
+CREATE TABLE conditions (a integer, b integer, c text, e boolean, n numeric(6,2), ch char(2), tz timestamptz, mo mood,
+  tt timestamp(0) DEFAULT ('now'::text)::timestamp, bits bit(3) DEFAULT B'101', cur name DEFAULT current_user,
+  CHECK (ch IN ('a', 'b')), CHECK (a > n), CHECK (tz > '2030-01-01 00:00+03'), CHECK (mo <> 'so so'), CHECK (a / 2 = 1), CHECK (e IS TRUE),
+  CHECK (CASE WHEN a > 1 THEN b > 1 ELSE true END), CHECK ((a, b) <> (1, 2)), CHECK (c COLLATE "C" < 'z'), CHECK (a > ALL (ARRAY[0])));
+CREATE TABLE a_taker (b integer CONSTRAINT z_taken_a_check CHECK (b > 0));
+CREATE TABLE z_taken (a integer, CONSTRAINT z_taken_a_check CHECK (a > 0));

@@ -19,10 +19,11 @@ CLEAN = {
            "   English = '&Yes'\r\n   Russian = '&Да'\r\n[END]\r\n"
            "[SECTION]\r\nSectionID = M_A\r\n[DATA]\r\n [STRINGS]\r\n  asked:\r\n"  # line 14
            "   English = '100%% of %s by %d?'\r\n   Russian = '%s: %d?'\r\n"
-           "  Later:\r\n   English = 'a'\r\n   Russian = 'b'\r\n[END]\r\n"  # line 17
-           "[SECTION]\r\nSectionID = C_Form\r\n[DATA]\r\n [STRINGS]\r\n  Box_L:\r\n"  # line 25
+           "  Later:\r\n   English = 'a'\r\n   Russian = 'b'\r\n"  # line 17
+           "  ContinueX:\r\n   English = 'Go on?'\r\n   Russian = 'c?'\r\n[END]\r\n"
+           "[SECTION]\r\nSectionID = C_Form\r\n[DATA]\r\n [STRINGS]\r\n  Box_L:\r\n"  # line 28
            "   English = 'Bo&x'\r\n   Russian = 'x'\r\n[END]\r\n",
-    WAITING: "# not built yet\nM_A_Later  # soon\n",
+    WAITING: "# not built yet\nM_A_Later  # soon\nM_A_ContinueX\n",
 }
 
 # What is planted: the file, the text that is replaced and its replacement; then where and what has to be reported.
@@ -39,9 +40,13 @@ FAULTS = [
      f"{TEXTS}:14: M_A_asked has different format arguments: English %s %d; Russian %d %s"),
     ("argument missing", TEXTS, "'%s: %d?'", "'%s?'", f"{TEXTS}:14: M_A_asked has different format arguments"),
     ("argument written out", TEXTS, "'%s: %d?'", "'%s: %%d?'", f"{TEXTS}:14: M_A_asked has different format"),
+    ("question without a name", TEXTS, "'a'", "'Really?'",
+     f"{TEXTS}:17: M_A_Later is a question that does not name in English what it is about"),
+    ("the same in the other language", TEXTS, "'b'", "'Да?'",
+     f"{TEXTS}:17: M_A_Later is a question that does not name in Russian what it is about"),
     ("letter in a message", TEXTS, "'b'", "'&b'", f"{TEXTS}:17: M_A_Later is no caption, but marks a letter"),
-    ("letter in a hint", TEXTS, "Box_L:", "Box_H:", f"{TEXTS}:25: C_Form_Box_H is no caption"),
-    ("two letters", TEXTS, "'Bo&x'", "'B&o&x'", f"{TEXTS}:25: C_Form_Box_L marks more than one letter in English"),
+    ("letter in a hint", TEXTS, "Box_L:", "Box_H:", f"{TEXTS}:28: C_Form_Box_H is no caption"),
+    ("two letters", TEXTS, "'Bo&x'", "'B&o&x'", f"{TEXTS}:28: C_Form_Box_L marks more than one letter in English"),
     ("used, but waiting", WAITING, "M_A_Later", "ST_YES\nM_A_Later", f"{WAITING}:2: ST_YES is used"),
     ("waiting without a text", WAITING, "M_A_Later", "M_A_Never\nM_A_Later", f"{WAITING}:2: M_A_Never has no text"),
     ("waiting twice", WAITING, "M_A_Later", "M_A_Later\nm_a_later", f"{WAITING}:3: m_a_later is named twice"),
@@ -71,7 +76,7 @@ def check(files):
 class CheckTextsTest(unittest.TestCase):
     def test_clean_tree_passes(self):
         code, lines = check(CLEAN)
-        self.assertEqual((code, lines), (0, ["check-texts: 4 texts, 3 keys in use, 1 waiting, 0 faults"]))
+        self.assertEqual((code, lines), (0, ["check-texts: 5 texts, 3 keys in use, 2 waiting, 0 faults"]))
 
     def test_planted_faults_are_caught(self):
         for what, path, old, new, report in FAULTS:

@@ -183,6 +183,17 @@ void TUOImportFile::MakeMissingTables(const std::vector<TSource>& Sources) {
   }
 }
 
+/// Whether the table could not be made, which its section will tell.
+bool TUOImportFile::HasFailed(const std::string& Table) {
+  if (!FMissing) return false;
+  try {
+    FMissing->Check(Table);
+    return false;
+  } catch (const std::exception&) {
+    return true;
+  }
+}
+
 void TUOImportFile::CompleteTables() {
   if (FMissing && !Stopping())
     FMissing->Complete([this](const std::string& Table, const std::exception& Error) { FailTable(Table, Error); });
@@ -200,9 +211,11 @@ bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
   MakeMissingTables(Sources);
   TTablePlan Plan;
   for (const TSource& Source : Sources)
-    for (const int Index : Source.Tables)
-      Plan.Add(*Source.File, Index,
-               Relations() ? Host().TargetOf(*Source.File, Source.File->Sections()[Index]) : std::nullopt);
+    for (const int Index : Source.Tables) {
+      const TEISection& Section = Source.File->Sections()[Index];
+      const bool HasTarget = Relations() && !HasFailed(TableOf(Section));
+      Plan.Add(*Source.File, Index, HasTarget ? Host().TargetOf(*Source.File, Section) : std::nullopt);
+    }
   Plan.Settle(DatabaseName, LoadOptions);
   for (const TTablePlan::TPart& Part : Plan.Parts()) {
     if (Stopping()) break;

@@ -83,6 +83,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   void TakeSections(TSource& Source, TUORecreateContainer& Container);
   void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
   void MakeMissingTables(const std::vector<TSource>& Sources);
+  bool HasFailed(const std::string& Table);
   void CompleteTables();
   void FailTable(const std::string& Table, const std::exception& Error);
   void ImportGroup(const TTablePlan& Plan, const TTablePlan::TPart& Part);

@@ -2,10 +2,10 @@
 
 #include <limits>
 
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -48,10 +48,13 @@ EDatabaseError Missing(const std::string& What, std::string_view Kind, const TTa
                         {.Code = TErrorCode::TableMissing});
 }
 
-TPostgreSQLResult AskAbout(TPostgreSQLSession& Session, const std::string& What, const char* Statement,
-                           const TTableInfo& Object) {
-  return Session.Query(What, CatalogueStatement(Statement),
-                       {Session.Dialect().SchemaOf(Object).c_str(), Object.Name.c_str()});
+TPostgreSQLResult AskAbout(TDescribing& Describing, const TTableInfo& Relation) {
+  return Describing.Ask("relation", RelationStatement, {Describing.Dialect().SchemaOf(Relation), Relation.Name});
+}
+
+TPostgreSQLResult AskCounts(TPostgreSQLSession& Session, const std::string& What, const TTableInfo& Sequence) {
+  return Session.Query(What, CatalogueStatement(SequenceStatement),
+                       {Session.Dialect().SchemaOf(Sequence).c_str(), Sequence.Name.c_str()});
 }
 
 void AddWord(std::string& Words, const std::string& Word) { Words += (Words.empty() ? "" : " ") + Word; }
@@ -76,15 +79,15 @@ TDicEngineWords TableWords(const TPostgreSQLResult& Row) {
 
 TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions&) {
   const std::string What = Format("Cannot describe table '%s'", FullName(Table));
-  const TDescribingPath Path(FSession, What);
-  const TPostgreSQLResult Row = AskAbout(FSession, What, RelationStatement, Table);
+  TDescribing Describing(FSession, What);
+  const TPostgreSQLResult Row = AskAbout(Describing, Table);
   if (Row.RowCount() == 0 || (Row.Text(0, 3) != "r" && Row.Text(0, 3) != "p")) throw Missing(What, "table", Table);
   TDicTableDescription Result;
   Result.Name = Table.Name;
   Result.Schema = Table.Schema;
   Result.Comment = Row.Copy(0, 2);
   Result.Words = TableWords(Row);
-  const TDescribed Described{FSession, What, Row.Copy(0, 0), Table.Name, Row.Copy(0, 1)};
+  const TDescribed Described{Describing, Row.Copy(0, 0), Table.Name, Row.Copy(0, 1)};
   std::vector<TExpressionColumn> Columns;
   Result.Fields = ReadFields(Described, Columns);
   const TPostgreSQLExpressions Expressions(std::move(Columns));
@@ -96,8 +99,8 @@ TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table,
 
 TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo& View) {
   const std::string What = Format("Cannot describe view '%s'", FullName(View));
-  const TDescribingPath Path(FSession, What);
-  const TPostgreSQLResult Row = AskAbout(FSession, What, RelationStatement, View);
+  TDescribing Describing(FSession, What);
+  const TPostgreSQLResult Row = AskAbout(Describing, View);
   if (Row.RowCount() == 0 || Row.Text(0, 11).empty()) throw Missing(What, "view", View);
   TDicViewDescription Result;
   Result.Name = View.Name;
@@ -114,7 +117,7 @@ TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo& View) {
   if (!Row.Text(0, 6).empty()) AddWord(Options, "WITH (" + Row.Copy(0, 6) + ")");
   if (!Options.empty()) Words.Parts["Options"] = Options;
   if (!Row.Text(0, 10).empty()) Words.Parts["Check"] = Row.Text(0, 10) == "local" ? "Local" : "Cascaded";
-  const TDescribed Described{FSession, What, Row.Copy(0, 0), View.Name, Row.Copy(0, 1)};
+  const TDescribed Described{Describing, Row.Copy(0, 0), View.Name, Row.Copy(0, 1)};
   if (Row.Boolean(0, 12)) {
     std::vector<TExpressionColumn> Columns;
     ReadFields(Described, Columns);
@@ -126,7 +129,7 @@ TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo& View) {
 
 TDicGeneratorDescription TPostgreSQLDefinitionReader::Generator(const TTableInfo& Generator) {
   const std::string What = Format("Cannot describe generator '%s'", FullName(Generator));
-  const TPostgreSQLResult Row = AskAbout(FSession, What, SequenceStatement, Generator);
+  const TPostgreSQLResult Row = AskCounts(FSession, What, Generator);
   if (Row.RowCount() == 0) throw Missing(What, "generator", Generator);
   TDicGeneratorDescription Result;
   Result.Name = Generator.Name;
@@ -141,7 +144,7 @@ TDicGeneratorDescription TPostgreSQLDefinitionReader::Generator(const TTableInfo
 
 std::int64_t TPostgreSQLDefinitionReader::GeneratorValue(const TTableInfo& Generator) {
   const std::string What = Format("Cannot read generator '%s'", FullName(Generator));
-  const TPostgreSQLResult Counts = AskAbout(FSession, What, SequenceStatement, Generator);
+  const TPostgreSQLResult Counts = AskCounts(FSession, What, Generator);
   if (Counts.RowCount() == 0) throw Missing(What, "generator", Generator);
   const TPostgreSQLResult Row =
       FSession.Query(What, Format("SELECT last_value, is_called FROM %s", FSession.Dialect().QualifiedName(Generator)));

@@ -1,32 +1,47 @@
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 
-TDescribingPath::TDescribingPath(TPostgreSQLSession& Session, std::string What)
-    : FSession(Session), FWhat(std::move(What)) {
+TDescribing::TDescribing(TPostgreSQLSession& Session, std::string What) : FSession(Session), FWhat(std::move(What)) {
+  const TPostgreSQLResult Now = FSession.Query(
+      FWhat,
+      "SELECT pg_catalog.current_setting('search_path'), (SELECT pg_catalog.concat(',', pg_catalog.string_agg(p.name, "
+      "','), ',') FROM pg_catalog.pg_prepared_statements p WHERE pg_catalog.starts_with(p.name, 'velkrund_'))");
+  FPathBefore = Now.Copy(0, 0);
+  FKept = Now.Copy(0, 1);
   const std::string& Schema = FSession.Dialect().CurrentSchema();
   // Temporary tables of the session come last, where they hide none of the same name.
-  FBefore = Set(Schema.empty() ? "pg_temp" : QuoteStandardName(Schema) + ", pg_temp");
+  SetPath(Schema.empty() ? "pg_temp" : QuoteStandardName(Schema) + ", pg_temp");
 }
 
-TDescribingPath::~TDescribingPath() {
+TDescribing::~TDescribing() {
   try {
-    Set(FBefore);
+    SetPath(FPathBefore);
   } catch (const Exception&) {
     // A transaction that has failed takes the path back when it ends; a connection that is lost begins anew.
   }
 }
 
 /// Within a transaction for that alone.
-std::string TDescribingPath::Set(const std::string& Path) {
-  const TPostgreSQLResult Before =
-      FSession.Query(FWhat,
-                     "SELECT s.path, pg_catalog.set_config('search_path', $1, $2::pg_catalog.bool) "
-                     "FROM (SELECT pg_catalog.current_setting('search_path') AS path OFFSET 0) s",
-                     {Path.c_str(), FSession.InTransaction() ? "true" : "false"});
-  return Before.Copy(0, 0);
+void TDescribing::SetPath(const std::string& Path) {
+  FSession.Query(FWhat, "SELECT pg_catalog.set_config('search_path', $1, $2::pg_catalog.bool)",
+                 {Path.c_str(), FSession.InTransaction() ? "true" : "false"});
+}
+
+TPostgreSQLResult TDescribing::Ask(const std::string& Name, const char* Statement,
+                                   const std::vector<std::string>& Parameters) {
+  const std::string Kept = "velkrund_" + Name;
+  if (FKept.find("," + Kept + ",") == std::string::npos) {
+    FSession.Query(FWhat, "PREPARE " + Kept + " AS " + CatalogueStatement(Statement));
+    FKept += Kept + ",";
+  }
+  std::string Texts;
+  for (const std::string& Parameter : Parameters) Texts += (Texts.empty() ? "" : ", ") + QuotePostgreSQLText(Parameter);
+  return FSession.Query(FWhat, "EXECUTE " + Kept + "(" + Texts + ")");
 }
 
 TDicCounter CounterOf(const TSequenceNumbers& Numbers, std::int64_t Highest) {

@@ -9,28 +9,34 @@
 
 namespace velkrund {
 
-/// While it lives the engine prints names of the current schema alone without a schema: what is described then does not
-/// depend on the search path that somebody has set.
-class TDescribingPath {
+/// A description in the making. While it lives the engine prints names of the current schema alone without a schema:
+/// what is described then does not depend on the search path that somebody has set.
+class TDescribing {
  public:
-  /// Session: borrowed.
-  TDescribingPath(TPostgreSQLSession& Session, std::string What);
-  TDescribingPath(const TDescribingPath&) = delete;
-  TDescribingPath& operator=(const TDescribingPath&) = delete;
-  ~TDescribingPath();
+  /// Session: borrowed. What begins messages.
+  TDescribing(TPostgreSQLSession& Session, std::string What);
+  TDescribing(const TDescribing&) = delete;
+  TDescribing& operator=(const TDescribing&) = delete;
+  ~TDescribing();
+
+  const std::string& What() const { return FWhat; }
+  const TPostgreSQLDialect& Dialect() const { return FSession.Dialect(); }
+  /// Executes a statement of the driver's own (see CatalogueStatement), which the server keeps under Name: planning it
+  /// takes it longer than the answer, and there are thousands of tables.
+  TPostgreSQLResult Ask(const std::string& Name, const char* Statement, const std::vector<std::string>& Parameters);
 
  private:
-  std::string Set(const std::string& Path);
+  void SetPath(const std::string& Path);
 
   TPostgreSQLSession& FSession;
   const std::string FWhat;
-  std::string FBefore;
+  std::string FPathBefore;
+  std::string FKept;  // names of statements, each between commas
 };
 
 /// A table or view that is being described.
 struct TDescribed {
-  TPostgreSQLSession& Session;
-  std::string What;     // begins messages
+  TDescribing& Describing;
   std::string Oid;      // in decimal
   std::string Name;     // exact
   std::string SQLName;  // quoted, with its schema unless that is the current one

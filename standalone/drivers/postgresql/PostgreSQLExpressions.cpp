@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
+#include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 
 namespace velkrund {
 namespace {
@@ -22,6 +23,26 @@ bool IsOfConstant(std::string_view Type) {
   return std::find(std::begin(Types), std::end(Types), Type) != std::end(Types);
 }
 
+/// Types whose values compare the same in every engine: neither those that ignore blanks, case or zones, nor those that
+/// have an order of their own.
+bool ComparesAlike(std::string_view Type) {
+  constexpr std::string_view Types[] = {"smallint",
+                                        "integer",
+                                        "bigint",
+                                        "numeric",
+                                        "real",
+                                        "double precision",
+                                        "boolean",
+                                        "text",
+                                        "character varying",
+                                        "bytea",
+                                        "date",
+                                        "time without time zone",
+                                        "timestamp without time zone",
+                                        "uuid"};
+  return std::find(std::begin(Types), std::end(Types), Type) != std::end(Types);
+}
+
 bool IsTextType(std::string_view Type) { return Type == "text" || Type == "character varying" || Type == "bpchar"; }
 
 }  // namespace
@@ -29,7 +50,7 @@ bool IsTextType(std::string_view Type) { return Type == "text" || Type == "chara
 /// The engine prints names in their own case, quoted where they are not in lower case.
 std::optional<std::string> TPostgreSQLExpressions::ColumnNamed(std::string_view Name) const {
   for (const TExpressionColumn& Column : FColumns)
-    if (Column.Name == Name) return Column.Name;
+    if (Column.Name == Name && ComparesAlike(Column.Type)) return Column.Name;
   return std::nullopt;
 }
 
@@ -67,8 +88,10 @@ std::optional<std::string> TPostgreSQLExpressions::Default(const std::string& Te
     const std::string Bare = BareType(Cast);
     return Bare == Type || (HoldsText ? IsTextType(Bare) : IsOfConstant(Bare));
   };
-  return NeutralDefault(Text, Field,
-                        {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
+  const std::optional<std::string> Neutral = NeutralDefault(
+      Text, Field, {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
+  // 'now'::text is the time of the row, and 'now' that of the table's making.
+  return Neutral && DefaultWords(*Neutral, Field) ? Neutral : std::nullopt;
 }
 
 }  // namespace velkrund

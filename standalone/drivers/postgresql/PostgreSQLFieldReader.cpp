@@ -1,7 +1,6 @@
 #include <limits>
 #include <map>
 
-#include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
@@ -86,8 +85,7 @@ class TFieldReader {
 
   std::vector<TDicField> Read(std::vector<TExpressionColumn>& Columns) {
     const TPostgreSQLResult Rows =
-        FTable.Session.Query(FTable.What, CatalogueStatement(FieldsStatement),
-                             {FTable.Oid.c_str(), FTable.Session.Dialect().CurrentSchema().c_str()});
+        FTable.Describing.Ask("fields", FieldsStatement, {FTable.Oid, FTable.Describing.Dialect().CurrentSchema()});
     for (int Row = 0; Row < Rows.RowCount(); ++Row) {
       const bool IsText = Rows.Boolean(Row, 6) || Rows.Text(Row, 5) == "text";
       Columns.push_back({Rows.Copy(Row, 0), Rows.Copy(Row, 1), Rows.Copy(Row, 5), IsText});
@@ -148,7 +146,8 @@ class TFieldReader {
       Field.Auto = Rows.Text(Row, 8) == "a" ? TDicAutoKey::Always : TDicAutoKey::ByDefault;
       if (Sequence == GivenPostgreSQLName(FTable.Name, Field.Name, "seq")) return;
       Field.Owned = Sequence;
-      Field.Words["postgresql"].Parts["Default"] = "IDENTITY";
+      // What has a sequence with a name otherwise was declared as serial.
+      if (Field.Auto == TDicAutoKey::ByDefault) Field.Words["postgresql"].Text->append(PostgreSQLIdentityWords);
       return;
     }
     Field.Owned = Sequence;
@@ -159,8 +158,7 @@ class TFieldReader {
   void AddTypes(std::vector<TDicField>& Fields) const {
     std::map<std::string, TDicWords*> ByName;
     for (TDicField& Field : Fields) ByName[Field.Name] = &Field.Words["postgresql"];
-    const TPostgreSQLResult Rows =
-        FTable.Session.Query(FTable.What, CatalogueStatement(TypesStatement), {FTable.Oid.c_str()});
+    const TPostgreSQLResult Rows = FTable.Describing.Ask("types", TypesStatement, {FTable.Oid});
     for (int Row = 0; Row < Rows.RowCount(); ++Row) {
       TDicWords& Words = *ByName.at(Rows.Copy(Row, 0));
       if (Rows.Boolean(Row, 8)) Words.Lines.push_back(Rows.Copy(Row, 9));

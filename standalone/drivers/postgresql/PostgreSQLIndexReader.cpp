@@ -1,7 +1,6 @@
-#include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 
 namespace velkrund {
 namespace {
@@ -17,7 +16,8 @@ constexpr const char* IndexesStatement =
     "AS k (attnum, option, place) "
     "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = i.indrelid AND a.attnum = k.attnum "
     "WHERE i.indrelid = $1::pg_catalog.oid AND NOT c.relispartition AND NOT (k.place > i.indnkeyatts) "
-    "AND NOT EXISTS (SELECT FROM pg_catalog.pg_constraint o WHERE o.conindid = i.indexrelid "
+    "AND NOT EXISTS (SELECT FROM pg_catalog.pg_constraint o WHERE o.conrelid = i.indrelid "
+    "AND o.conindid = i.indexrelid "
     "AND o.contype = ANY ('{p,u,x}')) ORDER BY c.relname, k.place";
 
 /// Those of the table $1, but not what a partition has from its table.
@@ -36,8 +36,7 @@ std::string StateOf(std::string_view Letter) {
 }  // namespace
 
 std::vector<TDicIndex> ReadIndexes(const TDescribed& Table, const TPostgreSQLExpressions& Expressions) {
-  const TPostgreSQLResult Rows =
-      Table.Session.Query(Table.What, CatalogueStatement(IndexesStatement), {Table.Oid.c_str()});
+  const TPostgreSQLResult Rows = Table.Describing.Ask("indexes", IndexesStatement, {Table.Oid});
   std::vector<TDicIndex> Result;
   for (int Row = 0; Row < Rows.RowCount();) {
     const int First = Row;
@@ -67,8 +66,7 @@ std::vector<TDicIndex> ReadIndexes(const TDescribed& Table, const TPostgreSQLExp
 }
 
 std::vector<TDicTrigger> ReadTriggers(const TDescribed& Table) {
-  const TPostgreSQLResult Rows =
-      Table.Session.Query(Table.What, CatalogueStatement(TriggersStatement), {Table.Oid.c_str()});
+  const TPostgreSQLResult Rows = Table.Describing.Ask("triggers", TriggersStatement, {Table.Oid});
   std::vector<TDicTrigger> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TDicTrigger Trigger{Rows.Copy(Row, 0), StateOf(Rows.Text(Row, 1)), {}};

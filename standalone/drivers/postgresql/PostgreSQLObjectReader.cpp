@@ -41,7 +41,9 @@ constexpr const char* ObjectsStatement =
     "AND q.oid <> p.oid) THEN 'overloaded routine' ELSE '' END, 0 "
     "FROM pg_catalog.pg_proc p JOIN n ON n.oid = p.pronamespace JOIN pg_catalog.pg_language l ON l.oid = p.prolang "
     "WHERE NOT EXISTS (SELECT FROM e WHERE e.classid = 'pg_catalog.pg_proc'::pg_catalog.regclass::pg_catalog.oid "
-    "AND e.objid = p.oid) ORDER BY depth, shown NULLS FIRST, name";
+    "AND e.objid = p.oid) AND NOT EXISTS (SELECT FROM pg_catalog.pg_depend i WHERE i.deptype = 'i' "
+    "AND i.classid = 'pg_catalog.pg_proc'::pg_catalog.regclass::pg_catalog.oid AND i.objid = p.oid) ORDER BY depth, "
+    "shown NULLS FIRST, name";
 
 struct TFound {
   TDefinedObject Object;
@@ -107,6 +109,22 @@ constexpr const char* BesideStatement =
     "ON a.attrelid = r.oid AND a.attnum::pg_catalog.int4 = d.objsubid WHERE r.relkind = ANY ('{v,m}') "
     "UNION ALL SELECT 8, pg_catalog.concat('default of column ''', a.attname, ''' of ', r.what) FROM r "
     "JOIN pg_catalog.pg_attribute a ON a.attrelid = r.oid AND a.atthasdef WHERE r.relkind = 'v' "
+    "UNION ALL SELECT 8, pg_catalog.concat('comments of keys, indexes or triggers of ', r.what) FROM r "
+    "WHERE EXISTS (SELECT FROM pg_catalog.pg_description d WHERE d.objoid = ANY (ARRAY(SELECT k.oid FROM "
+    "pg_catalog.pg_constraint k WHERE k.conrelid = r.oid UNION ALL SELECT i.indexrelid FROM pg_catalog.pg_index i "
+    "WHERE i.indrelid = r.oid UNION ALL SELECT g.oid FROM pg_catalog.pg_trigger g WHERE g.tgrelid = r.oid))) "
+    "UNION ALL SELECT 8, pg_catalog.concat('type ''', pg_catalog.format_type(r.reloftype, NULL), ''' of ', r.what) "
+    "FROM r WHERE r.reloftype <> '0' "
+    "UNION ALL SELECT 9, pg_catalog.concat('type ''', n.shown, t.typname, ''', which no field has by itself') "
+    "FROM pg_catalog.pg_type t JOIN n ON n.oid = t.typnamespace LEFT JOIN pg_catalog.pg_class c ON c.oid = t.typrelid "
+    "WHERE (t.typtype = ANY ('{e,d,r}') OR t.typtype = 'c' AND c.relkind = 'c') AND NOT EXISTS (SELECT FROM "
+    "pg_catalog.pg_depend d WHERE d.deptype = 'e' AND d.objid = t.oid "
+    "AND d.classid = 'pg_catalog.pg_type'::pg_catalog.regclass::pg_catalog.oid) "
+    "AND NOT EXISTS (SELECT FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_class h ON h.oid = a.attrelid "
+    "AND h.relkind = ANY ('{r,p}') LEFT JOIN pg_catalog.pg_type o ON o.oid = a.atttypid WHERE NOT a.attisdropped "
+    "AND (a.atttypid = t.oid OR a.atttypid = t.typarray OR t.typtype = 'e' AND o.typbasetype = t.oid)) "
+    "UNION ALL SELECT 9, pg_catalog.concat('collation ''', n.shown, l.collname, '''') FROM pg_catalog.pg_collation l "
+    "JOIN n ON n.oid = l.collnamespace "
     "UNION ALL SELECT 9, pg_catalog.concat('statistics object ''', x.stxname, '''') FROM "
     "pg_catalog.pg_statistic_ext x JOIN n ON n.oid = x.stxnamespace "
     "UNION ALL SELECT 9, pg_catalog.concat('event trigger ''', v.evtname, '''') FROM pg_catalog.pg_event_trigger v "

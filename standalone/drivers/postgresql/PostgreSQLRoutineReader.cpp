@@ -1,9 +1,8 @@
-#include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -39,10 +38,9 @@ TDicParameter ParameterOf(std::string Name, std::int64_t Type, std::string Decla
   return Result;
 }
 
-void ReadParameters(TPostgreSQLSession& Session, const std::string& What, const std::string& Oid,
-                    TDicProcedureDescription& Result) {
+void ReadParameters(TDescribing& Describing, const std::string& Oid, TDicProcedureDescription& Result) {
   const TPostgreSQLExpressions Expressions({});
-  const TPostgreSQLResult Rows = Session.Query(What, CatalogueStatement(ParametersStatement), {Oid.c_str()});
+  const TPostgreSQLResult Rows = Describing.Ask("parameters", ParametersStatement, {Oid});
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     const std::string_view Mode = Rows.Text(Row, 1);
     TDicParameter Parameter =
@@ -92,10 +90,9 @@ TOptionsAndBody PartsOf(std::string_view Definition, const std::string& Head, st
 
 TDicProcedureDescription TPostgreSQLDefinitionReader::Procedure(const TTableInfo& Procedure) {
   const std::string What = Format("Cannot describe procedure '%s'", FullName(Procedure));
-  const TDescribingPath Path(FSession, What);
+  TDescribing Describing(FSession, What);
   const TPostgreSQLResult Row =
-      FSession.Query(What, CatalogueStatement(RoutineStatement),
-                     {FSession.Dialect().SchemaOf(Procedure).c_str(), Procedure.Name.c_str()});
+      Describing.Ask("routine", RoutineStatement, {FSession.Dialect().SchemaOf(Procedure), Procedure.Name});
   if (Row.RowCount() != 1)
     throw EDatabaseError(
         Format("%s: %s", What, Row.RowCount() == 0 ? "there is none of that name" : "there are several of that name"));
@@ -105,7 +102,7 @@ TDicProcedureDescription TPostgreSQLDefinitionReader::Procedure(const TTableInfo
   Result.Comment = Row.Copy(0, 4);
   Result.Selects = Row.Boolean(0, 2);
   Result.Language = Row.Copy(0, 3);
-  ReadParameters(FSession, What, Row.Copy(0, 0), Result);
+  ReadParameters(Describing, Row.Copy(0, 0), Result);
   const bool IsProcedure = Row.Text(0, 1) == "p";
   std::string Head = Row.Copy(0, 6);
   if (!IsProcedure) Head += " RETURNS " + Row.Copy(0, 7) + "\n";

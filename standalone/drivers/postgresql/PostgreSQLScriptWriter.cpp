@@ -1,11 +1,12 @@
 #include "standalone/drivers/postgresql/PostgreSQLScriptWriter.h"
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/GeneratorRange.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLFieldTypes.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 #include "standalone/drivers/postgresql/PostgreSQLScript.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -109,7 +110,11 @@ TScript TPostgreSQLScriptWriter::View(const TDicViewDescription& View, bool Repl
   if (const std::string* Check = Own ? Own->Part("Check") : nullptr)
     Text += *Check == "Local" ? "\nWITH LOCAL CHECK OPTION" : "\nWITH CASCADED CHECK OPTION";
   Result.Add(Text, Owner);
-  AddIndexes(View.Indexes, Name, Owner, Result);
+  AddIndexes(View.Indexes, {}, Name, Owner, Result);
+  if (Replace && !View.Materialized)
+    for (const TDicTrigger& Trigger : View.Triggers)
+      Result.Add(Format("DROP TRIGGER IF EXISTS %s ON %s", QuoteStandardName(Trigger.Name), Name),
+                 Format("trigger '%s' of %s", Trigger.Name, Owner));
   AddTriggers(View.Triggers, Name, Owner, Result);
   AddComment(View, View.Materialized ? "MATERIALIZED VIEW" : "VIEW", Owner, Result);
   return Result;
@@ -134,6 +139,20 @@ TScript TPostgreSQLScriptWriter::Generator(const TDicGeneratorDescription& Gener
   // What it counts from stays as described; a later start is where it stands.
   if (Start) Result.Add(Format("ALTER SEQUENCE %s RESTART WITH %d", Name, *Start), Owner);
   AddComment(Generator, "SEQUENCE", Owner, Result);
+  return Result;
+}
+
+TScript TPostgreSQLScriptWriter::SetGenerator(const TDicGeneratorDescription& Generator, std::int64_t Value) const {
+  TPostgreSQLScript Result;
+  const std::string Owner = Format("generator '%s'", Generator.FullName());
+  const std::string Name = PostgreSQLNameOf(Generator);
+  const TGeneratorRange Range = RangeOf(Generator.FullName(), Generator.Counter);
+  const std::int64_t Next = Range.After(Value).value_or(Range.Start);
+  Result.Add(Format("ALTER SEQUENCE %s RESTART WITH %d", Name, Next), Owner);
+  // Otherwise another number comes next, or none. A roll back takes it back with the statement before.
+  const bool IsNext =
+      static_cast<std::uint64_t>(Next) - static_cast<std::uint64_t>(Range.Step) == static_cast<std::uint64_t>(Value);
+  if (!IsNext) Result.Add(Format("SELECT pg_catalog.setval(%s, %d)", QuotePostgreSQLText(Name), Value), Owner);
   return Result;
 }
 

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteColumnScan.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

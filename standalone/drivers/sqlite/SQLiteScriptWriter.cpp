@@ -1,11 +1,11 @@
 #include "standalone/drivers/sqlite/SQLiteScriptWriter.h"
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
 #include "standalone/drivers/sqlite/SQLiteTableScript.h"
 #include "standalone/drivers/sqlite/SQLiteWords.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

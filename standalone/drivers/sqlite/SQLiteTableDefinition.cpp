@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"
-#include "velkrund/platform/dictionary/TextLines.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -6,10 +6,9 @@
 
 namespace velkrund {
 
-/// A longer text as descriptions keep it: cut at line feeds, of which each line but the last has lost one. Other line
-/// ends stay inside. Never empty.
+/// The lines of a text, without the line feeds between them; at least one.
 std::vector<std::string> SplitLines(std::string_view Text);
-/// The text again.
+/// The way back.
 std::string JoinedLines(const std::vector<std::string>& Lines);
 
 }  // namespace velkrund

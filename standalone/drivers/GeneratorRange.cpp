@@ -1,4 +1,4 @@
-#include "standalone/dictionary/GeneratorRange.h"
+#include "standalone/drivers/GeneratorRange.h"
 
 #include <limits>
 

@@ -1,4 +1,4 @@
-#include "velkrund/platform/dictionary/TextLines.h"
+#include "standalone/drivers/TextLines.h"
 
 namespace velkrund {
 

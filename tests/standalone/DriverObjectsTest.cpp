@@ -1,0 +1,250 @@
+// Views, generators and procedures, made from structures, as every engine has them.
+
+#include <gmock/gmock.h>
+
+#include "standalone/dictionary/CatalogueGenerators.h"
+#include "standalone/dictionary/DicDatabase.h"
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "standalone/drivers/TextLines.h"
+#include "standalone/structures/StructureStore.h"
+#include "tests/standalone/DriverFixture.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
+
+namespace velkrund::tests {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+constexpr int Kinds[] = {GeneratorObjectType, ViewObjectType, ExecStoredProcObjectType, SelectStoredProcObjectType};
+
+class DriverObjectsTest : public testing::TestWithParam<TEngine> {
+ protected:
+  DriverObjectsTest() {
+    Manager.Databases().SetCreateMissing(true);
+    Run("CREATE TABLE \"WORDS\" (\"W\" " + GetParam().Types.at(TKvKind::Int64) + ")");
+  }
+  TConnection& Connection() { return Manager.Databases().Connection(Url); }
+  void Run(const std::string& Statement) { Connection().Execute(Statement); }
+  std::string Engine() { return std::string(Connection().Scripts().Engine()); }
+
+  TDicViewDescription View(const std::string& Name, const std::string& Text, const std::string& Of = {}) {
+    TDicViewDescription Result;
+    Result.Name = Name;
+    Result.Words[Of.empty() ? Engine() : Of].Lines = SplitLines(Text);
+    return Result;
+  }
+  TDicGeneratorDescription Generator(const std::string& Name, const TDicCounter& Counter = {}) {
+    TDicGeneratorDescription Result;
+    Result.Name = Name;
+    Result.Counter = Counter;
+    return Result;
+  }
+  TDicProcedureDescription Procedure(const std::string& Name, bool Selects, const std::string& Text,
+                                     const std::string& Of = {}) {
+    TDicProcedureDescription Result;
+    Result.Name = Name;
+    Result.Selects = Selects;
+    Result.Language = "sql";
+    Result.Parameters = {{.Name = "A", .Type = TDicFieldType::Int64}};
+    if (Selects) Result.Result = {{.Name = "N", .Type = TDicFieldType::Int64}};
+    Result.Words[Of.empty() ? Engine() : Of].Lines = SplitLines(Text);
+    return Result;
+  }
+
+  void StoreStructure(int Kind, const std::string& Name) {
+    if (Kind == GeneratorObjectType) return StoreDescription(Url, Generator(Name));
+    if (Kind == ViewObjectType) return StoreDescription(Url, View(Name, "SELECT \"W\"\nFROM \"WORDS\""));
+    const bool Selects = Kind == SelectStoredProcObjectType;
+    StoreDescription(Url, Procedure(Name, Selects, Selects ? GetParam().Selects : GetParam().Deletes));
+  }
+  bool Exists(int Kind, const std::string& Name) {
+    if (Kind == GeneratorObjectType) return Objects.GeneratorExist(Name);
+    if (Kind == ViewObjectType) return Objects.ViewExist(Name);
+    return Kind == ExecStoredProcObjectType ? Objects.ExecStoredProcExist(Name) : Objects.SelectStoredProcExist(Name);
+  }
+  std::string Create(int Kind, const std::string& Name) {
+    return ErrorOf([&] {
+      if (Kind == GeneratorObjectType) return Objects.CreateGenerator(Name, std::nullopt);
+      if (Kind == ViewObjectType) return Objects.CreateView(Name, false, true);
+      Kind == ExecStoredProcObjectType ? Objects.CreateExecStoredProc(Name) : Objects.CreateSelectStoredProc(Name);
+    });
+  }
+  std::string Drop(int Kind, const std::string& Name) {
+    return ErrorOf([&] {
+      if (Kind == GeneratorObjectType) return Objects.DropGenerator(Name);
+      Kind == ViewObjectType ? Objects.DropView(Name) : Objects.DropStoredProc(Name);
+    });
+  }
+  /// Which of the kinds there are of a name.
+  std::string Existing(const std::string& Name) {
+    std::string Result;
+    for (const int Kind : Kinds)
+      if (Exists(Kind, Name)) Result += std::to_string(Kind) + " ";
+    return Result;
+  }
+
+  TTemporaryFolder Folder;
+  const TAddressed Address = GetParam().Address(Folder);
+  const std::string& Url = Address.Url;
+  TStandaloneManager Manager{TConfiguration()};
+  TStructureStore Structures{Manager.Databases()};
+  const TServiceGuard<TApplicationManager> ManagerGuard{&Manager};
+  const TServiceGuard<TDSPContainer> StructuresGuard{&Structures};
+  TGapBook Gaps;
+  TStandaloneDicDatabases Databases{Manager, Gaps};
+  TStandaloneDicDatabase& Objects = Databases.Database(Url);
+};
+
+INSTANTIATE_TEST_SUITE_P(Engines, DriverObjectsTest, testing::ValuesIn(Engines()),
+                         [](const auto& Info) { return Info.param.Name; });
+
+TEST_P(DriverObjectsTest, AreMadeFoundAndDroppedWhateverTheirNames) {
+  for (const std::string Name : {"Plain", "select", "a\"b", "x'; DROP TABLE Y; --", "Заказы", " blanks ", "%s"})
+    for (const int Kind : Kinds) {
+      SCOPED_TRACE(Name + " " + std::to_string(Kind));
+      EXPECT_THAT(Create(Kind, Name), AllOf(HasSubstr("no structure that describes"), HasSubstr(Name)));
+      EXPECT_THAT(Drop(Kind, Name), HasSubstr("There is no "));
+      StoreStructure(Kind, Name);
+      const std::string Expected = std::to_string(Kind) + " ";
+      EXPECT_EQ(Existing(Name), "");
+      ASSERT_EQ(Create(Kind, Name), "no error");
+      for (const std::string& Spelled : {Name, UpperCase(Name), LowerCase(Name)})
+        EXPECT_EQ(Existing(Spelled), Expected);
+      EXPECT_THAT(Create(Kind, LowerCase(Name)), HasSubstr("already"));
+      EXPECT_EQ(Existing(Name), Expected);
+      EXPECT_EQ(Drop(Kind, UpperCase(Name)), "no error");
+      EXPECT_EQ(Existing(Name), "");
+      EXPECT_THAT(Drop(Kind, Name), AllOf(HasSubstr("There is no "), HasSubstr(Name)));
+    }
+}
+
+TEST_P(DriverObjectsTest, OnesThatAreRolledBackOrRefusedLeaveNothing) {
+  for (const int Kind : Kinds) StoreStructure(Kind, "O");
+  for (const int Kind : Kinds) {
+    SCOPED_TRACE(Kind);
+    Manager.StartTransaction(Url, TIsolationLevel::RepeatableRead);
+    ASSERT_EQ(Create(Kind, "O"), "no error");
+    EXPECT_NE(Create(Kind, "O"), "no error");
+    EXPECT_EQ(Existing("O"), std::to_string(Kind) + " ") << "a refused part took the whole with it";
+    Manager.RollbackTransaction(Url);
+    EXPECT_EQ(Existing("O"), "");
+  }
+  ASSERT_EQ(Create(GeneratorObjectType, "O"), "no error");
+  Manager.StartTransaction(Url, TIsolationLevel::RepeatableRead);
+  Objects.SetGenerator("o", 1, 70);
+  EXPECT_EQ(Objects.GeneratorValue("O"), 70);
+  Manager.RollbackTransaction(Url);
+  EXPECT_EQ(Objects.GeneratorValue("O"), 0);
+  ASSERT_EQ(Drop(GeneratorObjectType, "O"), "no error");
+
+  Run(GetParam().ReadOnly);
+  for (const int Kind : Kinds) {
+    EXPECT_NE(Create(Kind, "O"), "no error") << Kind;
+    EXPECT_EQ(Existing("O"), "");
+  }
+}
+
+TEST_P(DriverObjectsTest, GeneratorsCountAsDescribed) {
+  constexpr std::int64_t Max = INT64_MAX, Min = INT64_MIN;
+  const struct {
+    TDicCounter Counter;
+    std::optional<std::int64_t> Start;
+    std::int64_t First;              // the value of one that was never asked
+    std::vector<std::int64_t> Sets;  // each is its value then
+    std::int64_t Refused;            // what it cannot stand at; 0: nothing
+  } Cases[] = {
+      {{}, {}, 0, {0, 1, Max - 1, Max}, -1},
+      {{.Start = "5", .Step = "10"}, {}, -5, {5, 700}, -20},
+      {{}, 9, 8, {9}, 0},
+      {{.Step = "-1"}, {}, 0, {-1, -7, Min}, 2},
+      {{.Start = "3", .Min = "2", .Max = "4", .Cycle = true}, {}, 2, {4, 3, 2}, 5},
+      {{.Start = std::to_string(Max), .Min = "0"}, {}, Max - 1, {0, Max}, Min},
+  };
+  int Number = 0;
+  for (const auto& Case : Cases) {
+    const std::string Name = "G" + std::to_string(++Number);
+    SCOPED_TRACE(Name);
+    StoreDescription(Url, Generator(Name, Case.Counter));
+    Objects.CreateGenerator(Name, Case.Start);
+    EXPECT_EQ(Objects.GeneratorValue(Name), Case.First);
+    for (const std::int64_t Value : Case.Sets) {
+      Objects.SetGenerator(Name, 1, Value);
+      EXPECT_EQ(Objects.GeneratorValue(Name), Value);
+    }
+    if (Case.Refused == 0) continue;
+    EXPECT_NE(ErrorOf([&] { Objects.SetGenerator(Name, 1, Case.Refused); }), "no error");
+    EXPECT_EQ(Objects.GeneratorValue(Name), Case.Sets.back());
+  }
+  for (const auto& [Step, Value] : {std::pair<std::int64_t, std::int64_t>{1, 40}, {5, -100}, {-2, 30}}) {
+    const std::string Name = "New" + std::to_string(Step);
+    Objects.SetGenerator(Name, Step, Value);
+    EXPECT_EQ(Objects.GeneratorValue(Name), Value) << "one that was not there";
+  }
+  for (const TDicCounter& Wrong : {TDicCounter{.Start = "x"},
+                                   {.Step = "0"},
+                                   {.Min = "5", .Max = "5"},
+                                   {.Start = "9", .Max = "8"},
+                                   {.Max = "9223372036854775808"}}) {
+    StoreDescription(Url, Generator("WRONG", Wrong));
+    EXPECT_NE(Create(GeneratorObjectType, "WRONG"), "no error");
+  }
+  EXPECT_EQ(Existing("WRONG"), "");
+}
+
+TEST_P(DriverObjectsTest, ViewsAreTriedAndReplaced) {
+  const auto Make = [&](const TDicViewDescription& Described, bool Replace, bool Verify) {
+    StoreDescription(Url, Described);
+    return ErrorOf([&] { Objects.CreateView(Described.Name, Replace, Verify); });
+  };
+  EXPECT_EQ(Make(View("V", "SELECT \"W\" FROM \"WORDS\""), true, true), "no error") << "none was there";
+  EXPECT_EQ(Make(View("V", "SELECT 'x' AS \"OTHER\", 2 AS \"MORE\""), true, true), "no error");
+  EXPECT_EQ(Rows(Connection(), "V").size(), 1U);
+  EXPECT_NE(Make(View("V", "SELECT nothing FROM nowhere"), true, true), "no error");
+  EXPECT_EQ(Rows(Connection(), "V").size(), 1U) << "the one before is gone";
+  EXPECT_THAT(Make(View("WORDS", "SELECT 1 AS \"N\""), false, true), HasSubstr("WORDS"));
+  EXPECT_THAT(Drop(ViewObjectType, "WORDS"), HasSubstr("There is no view 'WORDS'"));
+}
+
+// One that no engine has takes the place of the other one in these.
+TEST_P(DriverObjectsTest, TextsOfOtherEnginesAreTriedAndNamed) {
+  StoreDescription(Url, View("GOOD", "SELECT 1 AS \"N\"", "odbc"));
+  StoreDescription(Url, View("BAD", "SELECT TOP 1 FROM", "odbc"));
+  Objects.CreateView("good", false, false);
+  EXPECT_EQ(StoredView(Url, "GOOD")->Words.at(Engine()).Lines.size() > 0, true);
+  EXPECT_EQ(StoredView(Url, "GOOD")->Words.at("odbc").Lines, std::vector<std::string>{"SELECT 1 AS \"N\""});
+  StoreDescription(Url, Procedure("GOOD", true, GetParam().Selects, "odbc"));
+  StoreDescription(Url, Procedure("BAD", false, "SELECT TOP 1 FROM", "odbc"));
+  EXPECT_EQ(Create(SelectStoredProcObjectType, "GOOD"), "no error");
+  EXPECT_FALSE(StoredProcedure(Url, "GOOD", true)->Words.at(Engine()).Lines.empty());
+
+  const std::string ViewError = ErrorOf([&] { Objects.CreateView("BAD", false, false); });
+  EXPECT_THAT(ViewError, AllOf(HasSubstr("EGap"), HasSubstr("the view 'BAD'"), HasSubstr("ODBC"), HasSubstr("TOP")));
+  EXPECT_THAT(Create(ExecStoredProcObjectType, "BAD"),
+              AllOf(HasSubstr("EGap"), HasSubstr("the procedure 'BAD'"), HasSubstr("ODBC")));
+  Gaps.TakeNoted();
+  Gaps.Allow({"views", "procedures"});
+  EXPECT_EQ(Create(ViewObjectType, "BAD"), "no error");
+  EXPECT_EQ(Create(ExecStoredProcObjectType, "BAD"), "no error");
+  EXPECT_EQ(Existing("BAD"), "");
+  std::vector<std::string> Noted;
+  for (const TScriptGap& Gap : Gaps.TakeNoted()) Noted.push_back(Gap.Kind);
+  EXPECT_THAT(Noted, testing::ElementsAre("views", "procedures"));
+}
+
+TEST_P(DriverObjectsTest, CopiesUnderOtherNamesAreMade) {
+  StoreStructure(ViewObjectType, "FIRST");
+  auto Form = Structures.CreateFormManager(Url);
+  Form->ObjectType = ViewObjectType, Form->ObjectName = "FIRST";
+  ASSERT_TRUE(Form->LoadPureStructure());
+  Form->ObjectName = "Second";
+  ASSERT_TRUE(Form->SavePureStructure());
+  ASSERT_EQ(Create(ViewObjectType, "Second"), "no error");
+  EXPECT_EQ(Existing("FIRST") + "/" + Existing("Second"), "/72 ");
+  EXPECT_EQ(Connection().Schema().FindTable("second")->Name, "Second");
+}
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -49,10 +49,8 @@ std::vector<TSQLiteDefinitionReader::TKept> TSQLiteDefinitionReader::Kept(const 
 }
 
 bool TSQLiteDefinitionReader::KeyIsRowNumber(const TTableDescription& Table) {
-  const TSQLiteListedTable* Listed = FSchema.Listed(Table.Table.Name);
   const auto IsKey = [](const TColumnInfo& Column) { return Column.KeyPosition > 0; };
-  if (!Listed || Listed->WithoutRowId || std::count_if(Table.Columns.begin(), Table.Columns.end(), IsKey) != 1)
-    return false;
+  if (std::count_if(Table.Columns.begin(), Table.Columns.end(), IsKey) != 1) return false;
   static constexpr const char* AskKey = "SELECT 1 FROM pragma_index_list(?1, 'main') WHERE origin = 'pk'";
   auto KeyIndex = FSchema.Memory().Ask(AskKey, Format("Cannot read the keys of table '%s'", Table.Table.Name));
   return !KeyIndex->BindText(1, Table.Table.Name).Step();

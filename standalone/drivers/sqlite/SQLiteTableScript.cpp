@@ -146,7 +146,7 @@ std::string TSQLiteTableScript::ComputedText(const TDicField& Field) {
 std::string TSQLiteTableScript::ExpressionText(const std::string& Neutral) const {
   TExpressionWords Words = SQLiteExpressionWords();
   Words.Quoted = [this](std::string_view Name) {
-    const std::string Quoted = QuoteStandardName(Name);
+    std::string Quoted = QuoteStandardName(Name);
     for (const TDicField& Field : FTable.Fields)
       if (Field.Name == Name && KeepsNumbersAsTexts(Field.Type, TypeText(Field)))
         return Format("CAST(%s AS NUMERIC)", Quoted);

@@ -72,7 +72,7 @@ std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::s
   const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
   if (Error.Info.Code == TErrorCode::NoWords && Session.Interface &&
       Session.Interface->ClassType().Properties().Find("AllowMissing"))
-    return Behind(Format("%s %s leaves them out", OptionOf("AllowMissing"), Error.Info.Value));
+    return Behind(Format("%s %s goes on without", OptionOf("AllowMissing"), Error.Info.Value));
   for (const auto& [Code, Property, Text, Remedied] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     // Of other fields it is the file that lacks them, or the table lacks all.

@@ -18,13 +18,14 @@ TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
 }
 
 TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, TRelations& Relations,
-                     TDictionary& Dictionary, TWindowSystem* Windows) {
+                     TDictionary& Dictionary, TDicDBContainer& DicDatabases, TWindowSystem* Windows) {
   TPlatform Result;
   Result.ApplicationManager = &Manager;
   Result.DSPContainer = &Structures;
   Result.Windows = Windows;
   Result.Relations = &Relations;
   Result.Dictionary = &Dictionary;
+  Result.DicDBContainer = &DicDatabases;
   return Result;
 }
 
@@ -32,7 +33,7 @@ TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, T
 
 TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Windows)
     : FManager(ConfigurationFor(Options)),
-      FPlatform(PlatformOf(FManager, FStructures, FRelations, FDictionary, Windows)) {
+      FPlatform(PlatformOf(FManager, FStructures, FRelations, FDictionary, FDicDatabases, Windows)) {
   FManager.SetLookUpText([Language = TextLanguage(FManager.Configuration().Language)](std::string_view Key) {
     return TDefaultTexts::Own().Find(Key, Language);
   });

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/dictionary/DicDatabase.h"
 #include "standalone/dictionary/StandaloneDictionary.h"
 #include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
@@ -30,6 +31,7 @@ class TApplication {
   TStructureStore FStructures{FManager.Databases()};
   TStandaloneRelations FRelations{FManager};
   TStandaloneDictionary FDictionary{FManager};
+  TStandaloneDicDatabases FDicDatabases{FManager, FDictionary.Gaps()};
   TPlatformGuard FPlatform;
 };
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -288,6 +289,51 @@ TEST_F(LayoutTest, WhatIsAsUsualIsNotWritten) {
   EXPECT_EQ(Body.substr(Body.find(" [TREE]\n") + 8),
             "  Fields:integer = 1\n    Field:string = 'a'\n      Type:string = 'Any'\n"
             "  Layout:integer = 1\n  Name:string = 'T'\n");
+}
+
+/// The example of docs/dictionary.md.
+TDicTableDescription Example() {
+  TDicTableDescription Table;
+  Table.Name = "ORDERS", Table.Comment = "one line for each order";
+  Table.Fields = {
+      {.Name = "ID",
+       .Type = TDicFieldType::Int32,
+       .NotNull = true,
+       .Auto = TDicAutoKey::ByDefault,
+       .Counter = {.Start = "1000"},
+       .Words = {{"postgresql", {"integer"}}, {"sqlite", {"INTEGER", {{"Made", "Int64 NOT NULL AUTO RowNumber"}}}}}},
+      {.Name = "CLIENT", .Type = TDicFieldType::String, .Size = 20, .NotNull = true},
+      {.Name = "STATE",
+       .Type = TDicFieldType::String,
+       .Default = "'new'",
+       .Words = {{"postgresql", {"order_state", {}, {"new", "paid"}}}}},
+  };
+  Table.Keys = {{"", true, {{"ID"}}, {}, {{"sqlite", {"AUTOINCREMENT"}}}}};
+  Table.Indexes = {{"ORDERS_CLIENT", false, {{"CLIENT"}, {"ID", false, true}}}};
+  Table.ForeignKeys = {{.Table = "CLIENTS", .Columns = {{"CLIENT", "NAME"}}, .OnDelete = TDicKeyAction::Cascade}};
+  Table.Checks = {{"", R"("CLIENT" <> '')"}};
+  Table.Triggers = {{"LOG", "", {{"sqlite", {{}, {}, {"CREATE TRIGGER LOG AFTER INSERT ON ORDERS", "BEGIN", "END"}}}}}};
+  return Table;
+}
+
+TEST_F(LayoutTest, TheExampleOfThePageIsWhatIsWrittenAndRead) {
+  std::ifstream Page(VELKRUND_SOURCE_DIR "/docs/dictionary.md");
+  std::string Shown;
+  for (std::string Line; std::getline(Page, Line);) {
+    if (Line.starts_with("     [TREE]"))
+      Shown = " [TREE]\n";
+    else if (!Shown.empty() && !Line.starts_with("    "))
+      break;
+    else if (!Shown.empty())
+      Shown += Line.substr(4) + '\n';
+  }
+  WriteTree(Example(), Platform.Structures.Get("S", 12).Tree);
+  std::string Written = Export(*EitherSection(false));
+  std::erase(Written, '\r');
+  ASSERT_EQ(Written.substr(Written.find(" [TREE]\n")), Shown);
+  Platform.Structures.Stored.clear();
+  Import(*EitherSection(false), Body(Shown.substr(8)));
+  EXPECT_TRUE(ReadTable(Platform.Structures.Get("S", 12).Tree) == Example());
 }
 
 }  // namespace

@@ -97,11 +97,11 @@ TEST_F(SQLiteDefinitionsTest, ObjectsAreThoseOfUsersInTheOrderInWhichTheyCanBeMa
                                "CREATE VIRTUAL TABLE seen USING fts5vocab(words, row);");
   std::string Names;
   for (const TDefinedObject& Object : Connection->Definitions().Objects()) Names += Object.Table.Name + "|";
-  EXPECT_EQ(
-      Names,
-      "altered twice|boxes|children|copied|counting_alias|descending|descending_alias|generated|late_key|no_rowid|"
-      "no_rowid_number|odd \"names\"|parents|plain|strict_one|strict_two|text_key|words|zz_notes|over_notes|"
-      "named columns|shown|");
+  EXPECT_EQ(Names,
+            "altered "
+            "twice|boxes|children|copied|counting_alias|descending|descending_alias|exact|generated|late_key|no_rowid|"
+            "no_rowid_number|odd \"names\"|parents|plain|strict_one|strict_two|text_key|words|zz_notes|over_notes|"
+            "named columns|shown|");
   EXPECT_THAT(Connection->Definitions().LeftBehind(),
               testing::ElementsAre(HasSubstr("'seen'"), "user_version 7 of the database"));
 }
@@ -140,6 +140,12 @@ TEST_F(SQLiteDefinitionsTest, DeclarationsAreMadeAgainInOneForm) {
        R"("a" DEFAULT -1, "b" DEFAULT 2, "c" DEFAULT NULL, "d" DEFAULT TRUE, "e" DEFAULT 'it''s', "f" DEFAULT CURRENT_DATE)"},
       {"(a INT /* x */ NULL, b `my type` (3 , -4), c NOT NULL)", R"("a" INT, "b" `my type` (3 , -4), "c" NOT NULL)"},
       {"(a INT GENERATED ALWAYS b, c GENERATED ALWAYS)", R"("a" INT GENERATED ALWAYS b, "c" GENERATED ALWAYS)"},
+      {"(a MONEY TEXT CHECK (a>9) CHECK (cast([A]as NUMERIC)>09 OR a='a'), b CHECK (CAST(a AS numeric)>b) CHECK "
+       "(b>'a'))",
+       R"("a" MONEY TEXT, "b", CHECK (a>9), CHECK (cast([A]as NUMERIC)>09 OR a='a'), )"
+       R"(CHECK (CAST("a" AS NUMERIC) > "b"), CHECK ("b" > 'a'))"},
+      {"(a BOOL CHECK (a IN (0, 1)) CHECK (a OR a IS NULL))",
+       R"("a" BOOL, CHECK (a IN (0, 1)), CHECK ("a" OR "a" IS NULL))"},
       {"(a TEXT, b INT, PRIMARY KEY (a)) STRICT, WITHOUT ROWID", R"("a" TEXT, "b" INT, PRIMARY KEY ("a"))",
        " STRICT, WITHOUT ROWID"},
   };

@@ -108,7 +108,7 @@ TEST_F(SQLiteScriptsTest, WhatOtherEnginesSayIsMadeOrNamed) {
        A + ", " + B,
        {"computed: the computation of field 'A' of table 'T'"}},
       {[](auto& T) { T.Fields[0].Computed = "\"B\" * 2", T.Fields[0].Stored = true; },
-       A + " GENERATED ALWAYS AS (\"B\" * 2) STORED, " + B},
+       A + " GENERATED ALWAYS AS (CAST(\"B\" AS NUMERIC) * 2) STORED, " + B},
       {[](auto& T) {
          T.Fields[0].Words["postgresql"].Lines = {"red", "blue"};
        },
@@ -163,20 +163,21 @@ TEST_F(SQLiteScriptsTest, WhatOtherEnginesSayIsMadeOrNamed) {
        {"references: 'SET NULL (A)' of the foreign key 'f' of table 'T'"}},
       {[](auto& T) {
          T.Checks = {{.Name = "c", .Text = "\"A\" > 1"},
+                     {.Text = "\"B\" > 9"},
                      {.Words = {{"postgresql", Words("f(a)")}}},
                      {.Text = "\"A\" > 2", .Words = {{"sqlite", Words("A > 02")}}}};
        },
-       A + ", " + B + ", CONSTRAINT \"c\" CHECK (\"A\" > 1), CHECK (A > 02)",
+       A + ", " + B + ", CONSTRAINT \"c\" CHECK (\"A\" > 1), CHECK (CAST(\"B\" AS NUMERIC) > 9), CHECK (A > 02)",
        {"checks: a check of table 'T'"}},
       {[](auto& T) {
          T.Indexes = {
-             {.Name = "i", .Unique = true, .Columns = {{"A"}, {"LOWER(\"B\")", true, true}}},
+             {.Name = "i", .Unique = true, .Columns = {{"A"}, {"ABS(\"B\")", true, true}}},
              {.Name = "j", .Columns = {{"A"}}, .Words = {{"postgresql", Words("CREATE INDEX ... WHERE")}}},
              {.Name = "k", .Columns = {{"A"}}, .Words = {{"sqlite", Words("CREATE INDEX o ON x (A) WHERE A > 0")}}}};
        },
        A + ", " + B,
        {"indexes: the index 'j' of table 'T'"},
-       "; CREATE UNIQUE INDEX \"i\" ON \"T\" (\"A\", (LOWER(\"B\")) DESC)"
+       "; CREATE UNIQUE INDEX \"i\" ON \"T\" (\"A\", (ABS(CAST(\"B\" AS NUMERIC))) DESC)"
        "; CREATE INDEX \"k\" ON \"T\" (A) WHERE A > 0"},
       {[](auto& T) {
          T.Triggers = {{.Name = "t", .Words = {{"postgresql", {.Lines = {"CREATE"}}}}}};

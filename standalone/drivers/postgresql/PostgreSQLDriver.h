@@ -18,7 +18,7 @@ class TPostgreSQLDriver final : public TDriver {
   const TScriptWriter& Scripts() const override { return FScripts; }
 
  private:
-  const TPostgreSQLScriptWriter FScripts;
+  const TPostgreSQLScriptWriter FScripts{};
 };
 
 }  // namespace velkrund

@@ -126,7 +126,8 @@ std::vector<std::string> TSQLiteDefinitionReader::LeftBehind() {
   std::vector<std::string> Result;
   for (const TTableInfo& Table : FSchema.Tables())
     if (Table.Kind == TTableKind::Computed)
-      Result.push_back(Format("virtual table '%s', whose rows are kept outside of the database", Table.Name));
+      Result.push_back(
+          Format("virtual table '%s', whose rows an extension of the engine makes up or finds elsewhere", Table.Name));
   for (const char* Pragma : {"user_version", "application_id"}) {
     TSQLiteStatement Number(FDatabase.Handle(), std::string("PRAGMA main.") + Pragma, FDatabase.About("read"));
     if (Number.Step() && Number.Integer(0) != 0)

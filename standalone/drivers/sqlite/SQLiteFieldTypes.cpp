@@ -152,4 +152,9 @@ std::string DeclaredTypeFor(const TDicField& Field) {
   return WithNumber(Found->Words, HasSize ? Field.Size : HasScale ? Field.Scale : std::nullopt);
 }
 
+bool KeepsNumbersAsTexts(TDicFieldType Type, std::string_view DeclaredType) {
+  const bool IsNumber = Type == TDicFieldType::Decimal || Type == TDicFieldType::UInt64 || Type == TDicFieldType::Money;
+  return IsNumber && AffinityOf(DeclaredType, false) == TAffinity::Text;
+}
+
 }  // namespace velkrund

@@ -21,4 +21,7 @@ TSQLiteFieldType FieldTypeOf(std::string_view DeclaredType);
 /// automatic key is declared otherwise.
 std::string DeclaredTypeFor(const TDicField& Field);
 
+/// Whether the engine keeps the numbers of such a column as texts, and compares them as such unless they are cast.
+bool KeepsNumbersAsTexts(TDicFieldType Type, std::string_view DeclaredType);
+
 }  // namespace velkrund

@@ -107,37 +107,58 @@ void TSQLiteTableDefinition::AddColumn(const TColumnInfo& Known, const TSQLiteCo
   FResult.Fields.push_back(std::move(Field));
 }
 
-std::optional<std::string> TSQLiteTableDefinition::ColumnName(std::string_view Name) const {
-  for (const TColumnInfo& Column : FKnown.Columns)
-    if (SameSQLiteName(Column.Name, Name)) return Column.Name;
-  return std::nullopt;
+const TColumnInfo* TSQLiteTableDefinition::Column(std::string_view Name) const {
+  const auto Found = std::find_if(FKnown.Columns.begin(), FKnown.Columns.end(),
+                                  [&](const TColumnInfo& One) { return SameSQLiteName(One.Name, Name); });
+  return Found == FKnown.Columns.end() ? nullptr : &*Found;
+}
+
+/// The expression as other engines would have it, without the casts of numbers that are kept as texts; nothing where
+/// such numbers are compared as texts, or truth values are numbers, which they are here only.
+std::optional<std::string> TSQLiteTableDefinition::WithoutCasts(std::string_view Text) const {
+  const std::vector<TSQLiteToken> Tokens = SQLiteTokens(Text);
+  std::string Result;
+  bool HasTruth = false;
+  bool HasNumber = false;
+  const auto IsCast = [&](std::size_t At) {
+    return At >= 2 && At + 3 < Tokens.size() && Tokens[At - 2].Is("CAST") && Tokens[At - 1].IsSymbol('(') &&
+           Tokens[At + 1].Is("AS") && Tokens[At + 2].Is("NUMERIC") && Tokens[At + 3].IsSymbol(')');
+  };
+  std::size_t Copied = 0;
+  for (std::size_t At = 0; At < Tokens.size(); ++At) {
+    HasNumber = HasNumber || Tokens[At].Kind == TSQLiteToken::TKind::Number;
+    const bool IsName = Tokens[At].IsName() && Tokens[At].Kind != TSQLiteToken::TKind::Text;
+    const TColumnInfo* Named = IsName ? Column(Tokens[At].Name()) : nullptr;
+    if (!Named) continue;
+    HasTruth = HasTruth || Named->Kind == TKvKind::Boolean;
+    if (!KeepsNumbersAsTexts(FieldTypeOf(Named->DeclaredType).Type, Named->DeclaredType)) continue;
+    if (!IsCast(At)) return std::nullopt;
+    Result.append(Text.substr(Copied, Tokens[At - 2].Start - Copied)).append(Tokens[At].Text);
+    Copied = Tokens[At + 3].Behind();
+  }
+  if (HasTruth && HasNumber) return std::nullopt;
+  return Result.append(Text.substr(Copied));
 }
 
 std::optional<std::string> TSQLiteTableDefinition::Neutral(std::string_view Text) const {
-  bool HasTruth = false;
-  const auto Column = [&](std::string_view Name, bool) {
-    for (const TColumnInfo& Known : FKnown.Columns)
-      HasTruth = HasTruth || (Known.Kind == TKvKind::Boolean && SameSQLiteName(Known.Name, Name));
-    return ColumnName(Name);
-  };
-  std::optional<std::string> Result =
-      NeutralExpression(Text, {.Column = Column, .IsIdleCast = [](std::string_view) { return false; }});
-  // Only here is a truth value the number 0 or 1.
-  const std::vector<TSQLiteToken> Tokens = SQLiteTokens(Text);
-  const auto IsNumber = [](const TSQLiteToken& Token) { return Token.Kind == TSQLiteToken::TKind::Number; };
-  if (HasTruth && std::any_of(Tokens.begin(), Tokens.end(), IsNumber)) return std::nullopt;
-  return Result;
+  const std::optional<std::string> Plain = WithoutCasts(Text);
+  if (!Plain) return std::nullopt;
+  return NeutralExpression(*Plain, {.Column = [this](std::string_view Name, bool) -> std::optional<std::string> {
+                                      const TColumnInfo* Named = Column(Name);
+                                      return Named ? std::optional(Named->Name) : std::nullopt;
+                                    },
+                                    .IsIdleCast = [](std::string_view) { return false; }});
 }
 
 void TSQLiteTableDefinition::AddIndex(const std::string& Name, const std::string& Statement) {
   const TSQLiteIndexDeclaration Declared = ReadIndexDeclaration(Statement, Name);
   TDicIndex Index{.Name = Name, .Unique = Declared.Unique};
   bool IsAllSaid = !Declared.Partial;
-  for (const TSQLiteIndexedColumn& Column : Declared.Columns) {
-    const std::optional<std::string> Known = Column.IsName ? ColumnName(Column.Text) : std::nullopt;
-    const std::optional<std::string> Said = Known ? Known : Neutral(Column.Text);
-    Index.Columns.push_back({Said.value_or(Column.Text), !Known, Column.Descending});
-    IsAllSaid = IsAllSaid && Said && Column.Collate.empty();
+  for (const TSQLiteIndexedColumn& Indexed : Declared.Columns) {
+    const TColumnInfo* Known = Indexed.IsName ? Column(Indexed.Text) : nullptr;
+    const std::optional<std::string> Said = Known ? Known->Name : Neutral(Indexed.Text);
+    Index.Columns.push_back({Said.value_or(Indexed.Text), !Known, Indexed.Descending});
+    IsAllSaid = IsAllSaid && Said && Indexed.Collate.empty();
   }
   if (!IsAllSaid) Index.Words["sqlite"].Text = Statement;
   FResult.Indexes.push_back(std::move(Index));

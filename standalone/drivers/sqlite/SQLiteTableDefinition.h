@@ -32,8 +32,10 @@ class TSQLiteTableDefinition {
  private:
   TDicField FieldOf(const TColumnInfo& Column) const;
   void AddColumn(const TColumnInfo& Known, const TSQLiteColumnDeclaration& Declared);
+  std::optional<std::string> WithoutCasts(std::string_view Text) const;
   std::optional<std::string> Neutral(std::string_view Text) const;
-  std::optional<std::string> ColumnName(std::string_view Name) const;
+  /// Null when there is none.
+  const TColumnInfo* Column(std::string_view Name) const;
 
   const TTableDescription& FKnown;
   TDicTableDescription FResult;

@@ -7,7 +7,6 @@
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
-#include "standalone/drivers/sqlite/SQLiteTypes.h"
 #include "standalone/drivers/sqlite/SQLiteWords.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -37,18 +36,6 @@ std::string ConstraintName(const std::string& Name) {
 /// "the check 'C'", or "a check" where it has no name.
 std::string Named(std::string_view What, const std::string& Name) {
   return Name.empty() ? Format("a %s", What) : Format("the %s '%s'", What, Name);
-}
-
-std::string ColumnList(const std::vector<TDicColumn>& Columns) {
-  std::string Result;
-  for (const TDicColumn& Column : Columns) {
-    if (!Result.empty()) Result += ", ";
-    // The brackets keep the last word of an expression from being taken for one of the list.
-    Result += Column.Expression ? "(" + *ExpressionIn(Column.Name, SQLiteExpressionWords()) + ")"
-                                : QuoteStandardName(Column.Name);
-    if (Column.Descending) Result += " DESC";
-  }
-  return Result;
 }
 
 std::string DeferrableText(TDicDeferrable Deferrable) {
@@ -134,7 +121,7 @@ std::string TSQLiteTableScript::FieldText(const TDicField& Field) {
   return Result + DefaultText(Field, Type) + ComputedText(Field);
 }
 
-std::string TSQLiteTableScript::TypeText(const TDicField& Field) {
+std::string TSQLiteTableScript::TypeText(const TDicField& Field) const {
   if (const TDicWords* Own = OwnWords(Field.Words); Own && Own->Text) return *Own->Text;
   return IsAutomatic(Field) ? "INTEGER" : DeclaredTypeFor(Field);
 }
@@ -144,9 +131,7 @@ std::string TSQLiteTableScript::DefaultText(const TDicField& Field, const std::s
   if (!Field.Default) return {};
   std::string Value = *ExpressionIn(*Field.Default, SQLiteExpressionWords());
   // A column of texts would keep 1.50 as '1.5'.
-  const bool IsNumber =
-      Field.Type == TDicFieldType::Decimal || Field.Type == TDicFieldType::UInt64 || Field.Type == TDicFieldType::Money;
-  if (IsNumber && AffinityOf(Type, false) == TAffinity::Text && Value.find_first_not_of("+-.0123456789") == Value.npos)
+  if (KeepsNumbersAsTexts(Field.Type, Type) && Value.find_first_not_of("+-.0123456789") == Value.npos)
     Value = "'" + Value + "'";
   return " DEFAULT " + Value;
 }
@@ -154,8 +139,31 @@ std::string TSQLiteTableScript::DefaultText(const TDicField& Field, const std::s
 std::string TSQLiteTableScript::ComputedText(const TDicField& Field) {
   const std::string* Own = OwnPart(Field.Words, "Computed");
   if (!Own && Field.Computed.value_or("").empty()) return {};
-  const std::string Text = Own ? *Own : *ExpressionIn(*Field.Computed, SQLiteExpressionWords());
+  const std::string Text = Own ? *Own : ExpressionText(*Field.Computed);
   return Format(" GENERATED ALWAYS AS (%s) %s", Text, Field.Stored ? "STORED" : "VIRTUAL");
+}
+
+std::string TSQLiteTableScript::ExpressionText(const std::string& Neutral) const {
+  TExpressionWords Words = SQLiteExpressionWords();
+  Words.Quoted = [this](std::string_view Name) {
+    const std::string Quoted = QuoteStandardName(Name);
+    for (const TDicField& Field : FTable.Fields)
+      if (Field.Name == Name && KeepsNumbersAsTexts(Field.Type, TypeText(Field)))
+        return Format("CAST(%s AS NUMERIC)", Quoted);
+    return Quoted;
+  };
+  return *ExpressionIn(Neutral, Words);
+}
+
+std::string TSQLiteTableScript::ColumnList(const std::vector<TDicColumn>& Columns) const {
+  std::string Result;
+  for (const TDicColumn& Column : Columns) {
+    if (!Result.empty()) Result += ", ";
+    // The brackets keep the last word of an expression from being taken for one of the list.
+    Result += Column.Expression ? "(" + ExpressionText(Column.Name) + ")" : QuoteStandardName(Column.Name);
+    if (Column.Descending) Result += " DESC";
+  }
+  return Result;
 }
 
 const TDicField* TSQLiteTableScript::FieldOf(const TDicKey& Key) const {
@@ -227,7 +235,7 @@ std::string TSQLiteTableScript::ReferenceText(const TDicForeignKey& Key) {
 
 std::string TSQLiteTableScript::CheckText(const TDicCheck& Check) {
   std::string Text = OwnText(Check.Words);
-  if (Text.empty() && Check.Text) Text = *ExpressionIn(*Check.Text, SQLiteExpressionWords());
+  if (Text.empty() && Check.Text) Text = ExpressionText(*Check.Text);
   if (!Text.empty()) return Format("%sCHECK (%s)", ConstraintName(Check.Name), Text);
   AddGap("checks", Named("check", Check.Name), Format("its text is %s's alone", ForeignWords(Check.Words).Engine));
   return {};

@@ -23,12 +23,14 @@ class TSQLiteTableScript {
   void WriteCounter();
 
   std::string FieldText(const TDicField& Field);
-  std::string TypeText(const TDicField& Field);
+  std::string TypeText(const TDicField& Field) const;
   std::string DefaultText(const TDicField& Field, const std::string& Type);
   std::string ComputedText(const TDicField& Field);
   std::string KeyText(const TDicKey& Key, bool Inline);
   std::string ReferenceText(const TDicForeignKey& Key);
   std::string CheckText(const TDicCheck& Check);
+  std::string ExpressionText(const std::string& Neutral) const;
+  std::string ColumnList(const std::vector<TDicColumn>& Columns) const;
 
   bool IsAutomatic(const TDicField& Field) const;
   bool StandsInline(const TDicKey& Key) const;

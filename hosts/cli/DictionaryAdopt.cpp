@@ -64,10 +64,9 @@ void TDictionaryAdopt::Say(TSession& Session) const {
     for (const std::string& Gone : Adoption.Gone) Text += "  gone: " + OnOneLine(Gone) + "\n";
   }
   for (const std::string& Left : FJob.LeftBehind()) Text += "not described: " + OnOneLine(Left) + "\n";
-  Text += Format("in all %d added, %d replaced, %d unchanged, %d left out%s\n", FJob.Count(TJobState::Added),
-                 FJob.Count(TJobState::Replaced), FJob.Count(TJobState::Unchanged), FJob.Count(TJobState::LeftOut),
-                 FJob.Policies.DryRun ? "\nnothing was changed: this was a dry run" : "");
-  Session.Say(Text);
+  Text += Format("in all %d added, %d replaced, %d unchanged, %d left out\n", FJob.Count(TJobState::Added),
+                 FJob.Count(TJobState::Replaced), FJob.Count(TJobState::Unchanged), FJob.Count(TJobState::LeftOut));
+  if (!SayDryRun(Session, FJob)) Session.Say(Text);
 }
 
 }  // namespace

@@ -21,11 +21,13 @@ class TDictionaryDrop final : public TCommand {
   const TCommandTexts& Texts() const override { return DictionaryDropTexts; }
   std::vector<TOptionGroup> Options() override {
     TStructureChoice& Choice = FInterface.Job().Choice;
-    return Shared.OfOneStructure(Choice.ObjectType, Choice.ObjectName);
+    std::vector<TOptionGroup> Result = Shared.OfOneStructure(Choice.ObjectType, Choice.ObjectName);
+    Result.front().Options.push_back(TSharedOptions::DryRunOption(FInterface.Job().Policies));
+    return Result;
   }
   int Run(TSession& Session) override {
     RunJob(Session, FInterface);
-    Session.Say("dropped " + FInterface.Job().WhatWasDropped());
+    if (!SayDryRun(Session, FInterface.Job())) Session.Say("dropped " + FInterface.Job().WhatWasDropped());
     return ExitDone;
   }
 

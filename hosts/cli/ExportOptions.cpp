@@ -42,6 +42,7 @@ std::vector<TOption> OtherExportOptions(TExportJob& Job, const std::string& What
            {"skip", TMissingSourcePolicy::Skip},
            {"stop", TMissingSourcePolicy::Stop}},
           Policies.MissingSources),
+      TSharedOptions::DryRunOption(Policies),
       TSharedOptions::AllowLossOption(Policies),
       TSharedOptions::OnErrorOption(Policies)};
 }

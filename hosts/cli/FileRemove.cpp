@@ -26,7 +26,8 @@ class TFileRemove final : public TCommand {
     return {{"Arguments",
              {Required(Text("FILE", "FILE", "the file", FJob.FileName)),
               List("INDEX", "INDEX", "a section's index", FJob.Indexes)}},
-            {"Options", {List("--name", "NAME", "a section's name", FJob.Names)}},
+            {"Options",
+             {List("--name", "NAME", "a section's name", FJob.Names), TSharedOptions::DryRunOption(FJob.Policies)}},
             Shared.General()};
   }
   void CheckOptions() override { FJob.CheckSettings(); }
@@ -42,6 +43,7 @@ class TFileRemove final : public TCommand {
 
 int TFileRemove::Run(TSession& Session) {
   RunJob(Session, FInterface);
+  if (SayDryRun(Session, FJob)) return ExitDone;
   std::string Text;
   for (const TJobRemoveSections::TRemoved& Section : FJob.Removed()) Text += "removed " + Section.Text + "\n";
   Session.Say(Text + Counted(FJob.SectionsLeft(), "section") + " left");

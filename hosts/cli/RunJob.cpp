@@ -56,14 +56,6 @@ void Execute(TSession& Session, TUtilOperationInterface& Interface) {
   if (Job.Raised()) std::rethrow_exception(Job.Raised());
 }
 
-/// What a dry run has found: the plan as a result, and what a person should know beside it.
-void SayPlan(const TSession& Session, const TSectionsJob& Job) {
-  if (!Session.Json()) Session.Console.Result(PlanText(Job.PlanSteps()));
-  std::string Text;
-  for (const std::string& Note : Job.Outcome().Notes) Text += Note + "\n";
-  Session.Say(Text + "nothing was changed: this was a dry run\n");
-}
-
 void PrintDocument(const TSession& Session, const TJob& Job) {
   if (Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(Job.Report());
 }
@@ -75,15 +67,21 @@ void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
   PrintDocument(Session, static_cast<const TJob&>(Interface.Operation()));
 }
 
+bool SayDryRun(const TSession& Session, const TPolicyJob& Job, const std::vector<std::string>& Notes) {
+  if (!Job.Policies.DryRun) return false;
+  if (!Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(PlanText(Job.PlanSteps()));
+  std::string Text;
+  for (const std::string& Note : Notes) Text += Note + "\n";
+  Session.Say(Text + "nothing was changed: this was a dry run\n");
+  return true;
+}
+
 int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface) {
   Execute(Session, Interface);
   const auto& Job = static_cast<const TSectionsJob&>(Interface.Operation());
   const TOutcome& Outcome = Job.Outcome();
   if (Outcome.Error) SayError(Session, *Outcome.Error);
-  if (Job.Policies.DryRun && Outcome.End() == TEnd::Done)
-    SayPlan(Session, Job);
-  else
-    Session.Say(ReportText(Outcome));
+  if (Outcome.End() != TEnd::Done || !SayDryRun(Session, Job, Outcome.Notes)) Session.Say(ReportText(Outcome));
   // Last, since it fails where nobody takes it: what became of the run is said in any case.
   PrintDocument(Session, Job);
   return static_cast<int>(Outcome.End());

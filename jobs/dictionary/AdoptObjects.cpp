@@ -73,15 +73,13 @@ std::vector<TDescribed> TThis::DescribeAll() {
   TConnection& Connection = Manager().Databases().Connection(DatabaseName);
   const std::vector<TDefinedObject> Objects = ChosenObjects(Connection.Definitions().Objects(), Names, DatabaseText());
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
-  std::vector<TDescribed> Result;
   BeginPart("the objects of the database", "objects", static_cast<std::int64_t>(Objects.size()));
-  for (const TDefinedObject& Object : Objects) {
+  std::int32_t Count = 0;
+  std::vector<TDescribed> Result = Describer.Describe(Objects, [&](const TDefinedObject& Object) {
     if (IsCanceled()) throw EAbort("cancelled");
     SetSubject(FullName(Object.Table));
-    Result.push_back(Describer.Describe(Object));
-    ShowPart(static_cast<std::int32_t>(Result.size()), static_cast<std::int32_t>(Objects.size()),
-             FullName(Object.Table));
-  }
+    ShowPart(Count++, static_cast<std::int32_t>(Objects.size()), FullName(Object.Table));
+  });
   EndPart();
   FLeftBehind = Connection.Definitions().LeftBehind();
   return Result;

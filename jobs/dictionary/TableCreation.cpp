@@ -4,6 +4,8 @@
 
 #include "jobs/policies/Questions.h"
 #include "standalone/dictionary/Layout.h"
+#include "standalone/dictionary/LoweredNames.h"
+#include "standalone/dictionary/StoredDescriptions.h"
 #include "standalone/discard/DiscardManager.h"
 #include "standalone/structures/MemoryStructures.h"
 #include "velkrund/dictionary/TableMaker.h"
@@ -43,6 +45,10 @@ class TTableCreation::TMaker final : public TTableMaker {
   bool MayMake(const std::vector<TDicTableDescription>&) override { return !FOwner.FDeclined; }
   bool MayGoByName(const TDicTableDescription& Table) override { return !FOwner.IsCancelled(Table.FullName()); }
   void Prepare(TDicTableDescription& Table) override {
+    if (FOwner.FPolicies.Names == TMadeNames::Lower) {
+      Table = FOwner.Named(std::move(Table));
+      StoreDescription(DatabaseName(), Table);
+    }
     std::erase_if(Table.ForeignKeys, [this](const TDicForeignKey& Key) { return !FOwner.IsReachable(Key); });
   }
   void HasMade(const TDicTableDescription& Table) override { FOwner.FMade.push_back(Table.FullName()); }
@@ -90,6 +96,8 @@ void TTableCreation::AddStructure(TInputFile& Input, int Index) {
   const TEISection& Section = Input.File().Sections()[Index];
   const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
   if (!Type || !Name || *Type != std::to_string(TableObjectType)) return;
+  const bool StaysStored = FPolicies.ExistingStructures == TExisting::Skip;
+  if (StaysStored && DSPContainer().Table(FDatabaseName).DSPStructureExist(*Name, TableObjectType)) return;
   TMemoryStructures Structures;
   try {
     TDiscardManager Discard(FManager);
@@ -99,7 +107,8 @@ void TTableCreation::AddStructure(TInputFile& Input, int Index) {
     Input.File().ImportObject(*Object);
     const TDSPNode* const Tree = Structures.Find(*Name, TableObjectType);
     if (!Tree || Tree->GetCount() == 0) return;
-    TEntry Entry{ReadTable(*Tree), true, false};
+    TEntry Entry;
+    Entry.Description = Named(ReadTable(*Tree));
     Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(*Name).has_value();
     FEntries[LowerCase(*Name)] = std::move(Entry);
   } catch (const EAbort&) {
@@ -107,6 +116,11 @@ void TTableCreation::AddStructure(TInputFile& Input, int Index) {
   } catch (const Exception&) {
     // The import of the section meets the same error, or nobody needs its tree to describe a table.
   }
+}
+
+TDicTableDescription TTableCreation::Named(TDicTableDescription Table) const {
+  if (FPolicies.Names == TMadeNames::Keep) return Table;
+  return WithLoweredNames(std::move(Table), FManager.Databases().Connection(FDatabaseName).Scripts().Engine());
 }
 
 const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
@@ -117,6 +131,7 @@ const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
     Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Table).has_value();
     if (!Entry.IsThere && !FDictionary.GetDicTable(FDatabaseName).GetTableInfo(Table, Entry.Description))
       return nullptr;
+    Entry.Description = Named(std::move(Entry.Description));
     Found = FEntries.emplace(Key, std::move(Entry)).first;
   }
   return Found->second.IsThere ? nullptr : &Found->second.Description;

@@ -50,12 +50,13 @@ class TTableCreation {
   class TMaker;
   struct TEntry {
     TDicTableDescription Description;
-    bool IsOfFile = false;
     bool IsThere = false;
     bool IsCancelled = false;  // for its name
   };
 
   bool IsCancelled(const std::string& Table) const;
+  /// As it is to be made.
+  TDicTableDescription Named(TDicTableDescription Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
   void AskFor(const std::vector<TEntry*>& Tables);

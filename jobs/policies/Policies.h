@@ -48,6 +48,9 @@ enum class TMissingSourcePolicy : int {
 /// Tables of a file that the database lacks, and structures describe.
 enum class TCreateTables : int { Ask = 0, Yes = 1, No = 2 };
 
+/// Names of tables that are made, and of what belongs to them.
+enum class TMadeNames : int { Keep = 0, Lower = 1 };
+
 /// By which type a column is described where its cells may be of another.
 enum class TColumnTypes : int { Declared = 0, Scanned = 1 };
 
@@ -71,6 +74,7 @@ struct TPolicies {
   TTriggers Triggers = TTriggers::Fire;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed
   TCreateTables CreateTables = TCreateTables::Ask;
+  TMadeNames Names = TMadeNames::Keep;
   /// What may be left out where the engine has no words for it: kinds of TScriptGap, "checks". Otherwise an error.
   std::vector<std::string> AllowMissing = {};
   TColumnTypes Columns = TColumnTypes::Declared;

@@ -21,6 +21,7 @@ struct TPolicyProperties {
   static constexpr std::string_view SourceChoices[] = {"ask", "skip", "stop"};
   static constexpr std::string_view RepeatChoices[] = {"refuse", "join"};
   static constexpr std::string_view ColumnChoices[] = {"declared", "scanned"};
+  static constexpr std::string_view NameChoices[] = {"keep", "lower"};
   static constexpr std::string_view CreateChoices[] = {"ask", "yes", "no"};
 
   static constexpr TProperty ExistingRows = ChoiceOf<Record, &TPolicies::ExistingRows>(
@@ -49,6 +50,8 @@ struct TPolicyProperties {
   static constexpr TProperty CreateTables = ChoiceOf<Record, &TPolicies::CreateTables>(
       "CreateTables", "tables that structures describe and the database lacks: ask, make them, leave them out",
       CreateChoices);
+  static constexpr TProperty MadeNames = ChoiceOf<Record, &TPolicies::Names>(
+      "MadeNames", "of tables that are made: as they are described, in lower case", NameChoices);
   static constexpr TProperty AllowMissing = PropertyOf<Record, &TPolicies::AllowMissing>(
       "AllowMissing", "kinds of things that may be left out where the engine has no words for them: checks, triggers");
   static constexpr TProperty DryRun = PropertyOf<Record, &TPolicies::DryRun>(

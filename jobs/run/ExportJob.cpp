@@ -22,6 +22,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::MissingSources,
     TPolicyRows::OnError,
     TPolicyRows::AllowLoss,
+    TPolicyRows::DryRun,
     PropertyOf<&TExportJob::FileName>("FileName", "the file to add to; - is standard output"),
     PropertyOf<&TExportJob::NewFile>("NewFile",
                                      "make the file afresh, when all of the run is done; otherwise add to it"),
@@ -67,6 +68,7 @@ void TExportJob::Run() {
     ~TCloser() { Output.reset(); }
   } const Closer{FOutput};
   Settle();
+  if (Policies.DryRun) return MakePlan();
   Write();
   Finish();
   AddNotes();
@@ -93,6 +95,19 @@ void TExportJob::LeaveOut(TItem& Item, const std::exception_ptr& Error) {
     if (!FMissing->LeavesOut(Missing)) throw;
     Item.State = TItemState::LeftOut;
     Item.Note = Missing.what();
+  }
+}
+
+/// What Write and Finish would do. A file that was made to be looked into is removed with the output.
+void TExportJob::MakePlan() {
+  if (NewFile) AddToPlan({Format("make '%s' afresh", FOutput->Name())});
+  for (std::size_t I = 0; I < FSteps.size(); ++I) {
+    TItem& Item = FOutcome.Items[I];
+    if (Item.State == TItemState::LeftOut) continue;
+    AddToPlan({Format("%s the section '%s' %s '%s'", FSteps[I].Replace ? "replace" : "add", Item.Section,
+                      FSteps[I].Replace ? "of" : "to", FOutput->Name())});
+    Item.State = TItemState::LeftOut;
+    Item.Note = "nothing is written in a dry run";
   }
 }
 

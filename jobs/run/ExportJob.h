@@ -55,6 +55,7 @@ class TExportJob : public TSectionsJob {
 
   void FindExisting();
   void Settle();
+  void MakePlan();
   bool MayReplace(TItem& Item, TRepeatedQuestion& Question) const;
   void SetUp(TExportUtilOperation& Export);
   void Write();

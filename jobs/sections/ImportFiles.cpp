@@ -24,6 +24,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::BrokenReferences,
     TPolicyRows::CreateTables,
     TPolicyRows::LongNames,
+    TPolicyRows::MadeNames,
     TPolicyRows::AllowMissing,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,

@@ -17,6 +17,7 @@ namespace {
 using TThis = TJobRemoveSections;
 
 constexpr TProperty Properties[] = {
+    TPolicyRows::DryRun,
     TPolicyRows::Yes,
     PropertyOf<&TThis::FileName>("FileName", "the file"),
     PropertyOf<&TThis::Indexes>("Indexes", "sections to remove, by index from 0"),
@@ -49,7 +50,7 @@ std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
   for (const std::string& Index : Indexes) Result.insert(TheSection(Sections, Index, FileName));
   for (const std::string& Name : Names) {
     const std::vector<int> Found = SectionsNamed(Sections, Name);
-    if (Found.size() > 1 && !Policies.Yes) {
+    if (Found.size() > 1 && !Policies.Yes && !Policies.DryRun) {
       std::vector<std::string> Texts;
       for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
       Ask({Format("'%s' has several of that name: %s. Remove all of them?", FileName, Joined(Texts)),
@@ -63,6 +64,7 @@ std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
 }
 
 void TJobRemoveSections::Forget() {
+  ForgetPlan();
   FRemoved.clear();
   FLeft = 0;
 }
@@ -80,7 +82,8 @@ void TJobRemoveSections::Run() {
     FRemoved.push_back({Index, Section.Name(), std::string(Section.TypeName()), SectionText(File.Sections(), Index)});
   }
   FLeft = File.Sections().Count() - static_cast<int>(Going.size());
-  RemoveSections(Files(), File, {Going.begin(), Going.end()}, Canceled());
+  for (const TRemoved& Section : FRemoved) AddToPlan({"remove " + Section.Text});
+  if (!Policies.DryRun) RemoveSections(Files(), File, {Going.begin(), Going.end()}, Canceled());
 }
 
 void TJobRemoveSections::Describe(TDocument& Document) const {

@@ -26,6 +26,7 @@ constexpr TProperty ListProperties[] = {
 constexpr TProperty DropProperties[] = {
     ChoiceProperties<TJobDropStructure>[0],
     ChoiceProperties<TJobDropStructure>[1],
+    TPolicyRows::DryRun,
     TPolicyRows::Yes,
 };
 
@@ -93,6 +94,8 @@ std::string TJobDropStructure::WhatWasDropped() const {
 void TJobDropStructure::Run() {
   TDSPTable& Table = DSPContainer().Table(DatabaseName);
   FFound = TStructureSearch(Table, DatabaseText()).Find(Choice.ObjectName, Choice.ObjectType);
+  AddToPlan({"drop " + WhatWasDropped()});
+  if (Policies.DryRun) return;
   if (!Policies.Yes) Ask({Format("Drop %s?", WhatWasDropped()), {TAnswer::Yes, TAnswer::Cancel}, TPolicy::Yes});
   TTransaction Transaction(DatabaseName);
   if (!Table.DeleteStructure(FFound.ObjectName, FFound.ObjectType))

@@ -79,7 +79,10 @@ class TJobDropStructure final : public TPolicyJob {
 
  protected:
   void Run() override;
-  void Forget() override { FFound = {}; }
+  void Forget() override {
+    FFound = {};
+    ForgetPlan();
+  }
   std::string_view Schema() const override { return "drop"; }
   void Describe(TDocument& Document) const override;
 

@@ -60,10 +60,8 @@ void TJobExportTables::CheckSettings() const {
 
 std::vector<std::string> TJobExportTables::AllTables() {
   std::map<TTableKind, std::vector<std::string>> Names;
-  for (const TTableInfo& Table : Manager().Tables(DatabaseName)) {
+  for (const TTableInfo& Table : Manager().Tables(DatabaseName))
     Names[Table.Kind == TTableKind::Extension ? TTableKind::Table : Table.Kind].push_back(FullName(Table));
-    if (Table.Kind == TTableKind::IndexOfTable || Table.Kind == TTableKind::IndexAlone) FWithoutRows.push_back(Table);
-  }
   std::vector<std::string> Result = std::move(Names[TTableKind::Table]);
   if (Result.empty()) FOutcome.Notes.emplace_back("there are no tables");
   for (const auto& [Kind, What] : KindsLeftOut)
@@ -99,7 +97,6 @@ TItem TJobExportTables::WithoutTable(const TTableSearch& Search, const std::stri
 /// The tables under their physical names, each once. A name that is none ends the run before anything is written.
 std::vector<TItem> TJobExportTables::PlanItems() {
   RefuseWithoutRows();
-  FWithoutRows.clear();
   FOperation.Fields = TStringList(Fields);
   FOperation.KeyOrder = RowOrder == TRowOrder::Key;
   std::vector<TItem> Result, Missing;
@@ -127,11 +124,13 @@ TItem TJobExportTables::RowsItem(const std::string& Table) const {
   return Result;
 }
 
-/// Before the rows of each table the structure that describes it; behind all those of tables without rows.
+/// Before the rows of each table the structure that describes it; behind all those of tables without rows of their own:
+/// parts of tables, indexes of words.
 std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
   const TReadTransaction Moment(Manager().Databases(), DatabaseName);
   TConnection& Connection = Manager().Databases().Connection(DatabaseName);
   std::vector<TDefinedObject> Objects;
+  std::set<std::string> Seen;
   for (const TItem& Item : Rows) {
     const TTableInfo Table = Connection.Schema().FindTable(Item.Table).value();
     if (Table.Kind == TTableKind::View)
@@ -139,19 +138,24 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
                                   Item.Table, Setting("Structures")),
                            {.Table = Item.Table});
     Objects.push_back({TDefinedKind::Table, Table});
+    Seen.insert(Item.Table);
   }
   const std::size_t WithRows = Objects.size();
-  for (const TTableInfo& Table : FWithoutRows) Objects.push_back({TDefinedKind::Table, Table});
+  for (TDefinedObject& Object : Connection.Definitions().Objects())
+    if (Object.Kind == TDefinedKind::Table && (Tables.empty() || Seen.contains(Object.PartOf)) &&
+        Seen.insert(FullName(Object.Table)).second)
+      Objects.push_back(std::move(Object));
   RefuseNames(Objects);
-  std::vector<TItem> Result;
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
-  for (std::size_t I = 0; I < Objects.size(); ++I) {
+  std::vector<TDescribed> Described = Describer.Describe(Objects, [this](const TDefinedObject&) {
     if (IsCanceled()) throw EAbort("cancelled");
-    TDescribed Described = Describer.Describe(Objects[I]);
+  });
+  std::vector<TItem> Result;
+  for (std::size_t I = 0; I < Described.size(); ++I) {
     TItem Item;
-    Item.Structure = TStructureId{Described.Item.ObjectType, Described.Item.ObjectName};
+    Item.Structure = TStructureId{Described[I].Item.ObjectType, Described[I].Item.ObjectName};
     Item.Section = StructureText(*Item.Structure);
-    FStructures.Described.Put(std::move(Described.Item), std::move(Described.Tree));
+    FStructures.Described.Put(std::move(Described[I].Item), std::move(Described[I].Tree));
     Result.push_back(std::move(Item));
     if (I < WithRows) Result.push_back(std::move(Rows[I]));
   }

@@ -54,13 +54,11 @@ class TJobExportTables final : public TExportJob {
   std::vector<std::string> AllTables();
   void RefuseWithoutRows() const;
   TItem RowsItem(const std::string& Table) const;
-  TItem DescribedItem(const TTableInfo& Table);
   std::vector<TItem> WithStructures(std::vector<TItem> Rows);
   TItem WithoutTable(const TTableSearch& Search, const std::string& Name);
 
   TUOExportTableData FOperation;
   TDescribedExport FStructures;
-  std::vector<TTableInfo> FWithoutRows;  // of all tables: those that are made anew from the rows of others
 };
 
 using TJobExportTablesInterface = TJobInterface<TJobExportTables>;

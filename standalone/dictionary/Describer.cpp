@@ -5,6 +5,7 @@
 
 #include "standalone/dictionary/Layout.h"
 #include "standalone/dictionary/Redescription.h"
+#include "standalone/dictionary/ScannedKeys.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -27,20 +28,44 @@ TDescribed TDescriber::Finish(TDescription Now, const std::optional<TDescription
   return Result;
 }
 
-TDescribed TDescriber::Describe(const TDefinedObject& Object) {
+std::vector<TDescribed> TDescriber::Describe(const std::vector<TDefinedObject>& Objects, const TNext& Next) {
+  std::vector<TDicTableDescription> Tables = ReadTables(Objects, Next);
+  std::vector<TDescribed> Result;
+  auto Table = Tables.begin();
+  for (const TDefinedObject& Object : Objects) {
+    if (Object.Kind == TDefinedKind::Table) {
+      const std::string Name = Table->FullName();
+      Result.push_back(Finish(std::move(*Table++), StoredTable(FDatabaseName, Name), Object.Kind));
+    } else {
+      Next(Object);
+      Result.push_back(DescribeOther(Object));
+    }
+  }
+  return Result;
+}
+
+std::vector<TDicTableDescription> TDescriber::ReadTables(const std::vector<TDefinedObject>& Objects,
+                                                         const TNext& Next) {
+  std::vector<TDicTableDescription> Result;
+  for (const TDefinedObject& Object : Objects) {
+    if (Object.Kind != TDefinedKind::Table) continue;
+    Next(Object);
+    Result.push_back(FConnection.Definitions().Table(Object.Table, FOptions));
+  }
+  if (!FOptions.ScanColumns) return Result;
+  std::vector<TDicTableDescription*> Tables;
+  for (TDicTableDescription& Table : Result) Tables.push_back(&Table);
+  AlignScannedKeys(std::move(Tables));
+  return Result;
+}
+
+TDescribed TDescriber::DescribeOther(const TDefinedObject& Object) {
   TDefinitionReader& Definitions = FConnection.Definitions();
   const std::string Name = FullName(Object.Table);
-  switch (Object.Kind) {
-    case TDefinedKind::Table:
-      return Finish(Definitions.Table(Object.Table, FOptions), StoredTable(FDatabaseName, Name), Object.Kind);
-    case TDefinedKind::View:
-      return Finish(Definitions.View(Object.Table), StoredView(FDatabaseName, Name), Object.Kind);
-    case TDefinedKind::Generator:
-      return Finish(Definitions.Generator(Object.Table), StoredGenerator(FDatabaseName, Name), Object.Kind);
-    case TDefinedKind::ExecProcedure:
-    case TDefinedKind::SelectProcedure:
-      break;
-  }
+  if (Object.Kind == TDefinedKind::View)
+    return Finish(Definitions.View(Object.Table), StoredView(FDatabaseName, Name), Object.Kind);
+  if (Object.Kind == TDefinedKind::Generator)
+    return Finish(Definitions.Generator(Object.Table), StoredGenerator(FDatabaseName, Name), Object.Kind);
   const bool Selects = Object.Kind == TDefinedKind::SelectProcedure;
   return Finish(Definitions.Procedure(Object.Table), StoredProcedure(FDatabaseName, Name, Selects), Object.Kind);
 }

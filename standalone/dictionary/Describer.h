@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,10 +25,14 @@ class TDescriber {
   TDescriber(TConnection& Connection, std::string DatabaseName, TDescribeOptions Options)
       : FConnection(Connection), FDatabaseName(std::move(DatabaseName)), FOptions(Options) {}
 
-  /// Raises EDatabaseError, EDSPError.
-  TDescribed Describe(const TDefinedObject& Object);
+  /// Called before each object is looked at; may raise EAbort.
+  using TNext = std::function<void(const TDefinedObject& Object)>;
+  /// In the order of Objects. Raises EDatabaseError, EDSPError.
+  std::vector<TDescribed> Describe(const std::vector<TDefinedObject>& Objects, const TNext& Next);
 
  private:
+  std::vector<TDicTableDescription> ReadTables(const std::vector<TDefinedObject>& Objects, const TNext& Next);
+  TDescribed DescribeOther(const TDefinedObject& Object);
   template <typename TDescription>
   TDescribed Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind);
 

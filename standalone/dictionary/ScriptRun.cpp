@@ -22,15 +22,15 @@ std::map<std::string, std::pair<std::int64_t, const TScriptGap*>> ByKind(const s
   return Result;
 }
 
-/// "3 checks: the check 'C' of table 'T', its text is another engine's alone, and 2 more"
+/// "the check 'C' of table 'T': its text is another engine's alone, and 2 more; the trigger ..."
 std::string Summary(const std::vector<TScriptGap>& Gaps) {
-  std::vector<std::string> Texts;
+  std::string Result;
   for (const auto& [Kind, Met] : ByKind(Gaps)) {
     const auto& [Count, First] = Met;
-    Texts.push_back(Format("%s (%s)", GapText(*First), Kind));
-    if (Count > 1) Texts.back() = Format("%s and %d more (%s)", GapText(*First), Count - 1, Kind);
+    Result += (Result.empty() ? "" : "; ") + GapText(*First);
+    if (Count > 1) Result += Format(", and %d more", Count - 1);
   }
-  return Joined(Texts);
+  return Result;
 }
 
 std::string KindsOf(const std::vector<TScriptGap>& Gaps) {
@@ -44,7 +44,8 @@ std::string KindsOf(const std::vector<TScriptGap>& Gaps) {
 std::string GapText(const TScriptGap& Gap) { return Gap.What + (Gap.Why.empty() ? "" : ": " + Gap.Why); }
 
 EGap::EGap(std::vector<TScriptGap> Gaps)
-    : EDatabaseError(Format("The database has no words for %s", Summary(Gaps)),
+    : EDatabaseError(Format("The database has no words for %s of the kinds %s: %s",
+                            Counted(static_cast<std::int64_t>(Gaps.size()), "thing"), KindsOf(Gaps), Summary(Gaps)),
                      {.Code = TErrorCode::NoWords, .Value = KindsOf(Gaps)}),
       FGaps(std::move(Gaps)) {}
 

@@ -14,7 +14,8 @@ enum class TDefinedKind { Table, Generator, View, ExecProcedure, SelectProcedure
 /// An object of a database that can be described.
 struct TDefinedObject {
   TDefinedKind Kind;
-  TTableInfo Table;  // name and schema, of all kinds of objects; the kind of a table
+  TTableInfo Table;         // name and schema, of all kinds of objects; the kind of a table
+  std::string PartOf = {};  // the full name of the table that this one holds rows of, or indexes; empty: of none
 };
 
 struct TDescribeOptions {

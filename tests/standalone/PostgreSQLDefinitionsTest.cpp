@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "standalone/dictionary/Layout.h"
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "tests/standalone/Support.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
@@ -28,23 +29,34 @@ struct TDescribedDatabase {
   std::vector<TDicProcedureDescription> Procedures;
 };
 
+/// As a structure keeps it.
+template <typename T, typename TRead>
+T ThroughTree(const T& Description, TRead Read) {
+  TDSPNode Tree;
+  WriteTree(Description, Tree);
+  T Kept = Read(Tree);
+  EXPECT_TRUE(Kept == Description) << Description.FullName();
+  return Kept;
+}
+
 TDescribedDatabase Described(TConnection& Connection) {
   TDescribedDatabase Result;
   TDefinitionReader& Reader = Connection.Definitions();
   for (const TDefinedObject& Object : Reader.Objects()) switch (Object.Kind) {
       case TDefinedKind::Table:
-        Result.Tables.push_back(Reader.Table(Object.Table, {}));
+        Result.Tables.push_back(ThroughTree(Reader.Table(Object.Table, {}), ReadTable));
         break;
       case TDefinedKind::Generator:
-        Result.Generators.push_back(Reader.Generator(Object.Table));
+        Result.Generators.push_back(ThroughTree(Reader.Generator(Object.Table), ReadGenerator));
         break;
       case TDefinedKind::View:
-        Result.Views.push_back(Reader.View(Object.Table));
+        Result.Views.push_back(ThroughTree(Reader.View(Object.Table), ReadView));
         break;
       case TDefinedKind::ExecProcedure:
       case TDefinedKind::SelectProcedure:
-        Result.Procedures.push_back(Reader.Procedure(Object.Table));
-        EXPECT_EQ(Result.Procedures.back().Selects, Object.Kind == TDefinedKind::SelectProcedure);
+        const bool Selects = Object.Kind == TDefinedKind::SelectProcedure;
+        Result.Procedures.push_back(ThroughTree(Reader.Procedure(Object.Table),
+                                                [=](const TDSPNode& Tree) { return ReadProcedure(Tree, Selects); }));
     }
   return Result;
 }
@@ -154,10 +166,37 @@ TEST(PostgreSQLDefinitionsTest, WhatIsMadeAgainIsTheSame) {
   }
 }
 
+TEST(PostgreSQLDefinitionsTest, CopiesUnderAnotherNameLeaveTheOriginalAlone) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE TABLE "T" (a integer PRIMARY KEY, b text UNIQUE CHECK (b <> ''), g integer GENERATED ALWAYS AS IDENTITY);
+      CREATE UNIQUE INDEX "ON" ON "T" (b) WHERE a > 0;
+      CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END';
+      CREATE TRIGGER "TRIGGER ON" BEFORE UPDATE OF b ON "T" FOR EACH ROW WHEN (NEW.b <> ' ON x ') EXECUTE FUNCTION f();
+      CREATE VIEW v AS SELECT 1 AS a; CREATE TRIGGER t INSTEAD OF DELETE ON v FOR EACH ROW EXECUTE FUNCTION f())");
+  const auto Connection = Connect(Raw.Url());
+  const TScriptWriter& Scripts = Connection->Scripts();
+  TDicTableDescription Copy = Connection->Definitions().Table({"T", ""}, {});
+  Copy.Name = "C";
+  Copy.Schema = "s";
+  Copy.Indexes[0].Name = "ON 2";
+  Copy.Triggers[0].Name = "t2";
+  RunAll(*Connection, Scripts.Table(Copy, {}, Scripts.TablePattern()));
+  EXPECT_TRUE(Connection->Definitions().Table({"C", "s"}, {}).Keys == Copy.Keys);
+  EXPECT_EQ(Raw.Rows("SELECT pg_get_indexdef('s.\"ON 2\"'::regclass)"),
+            "CREATE UNIQUE INDEX \"ON 2\" ON s.\"C\" USING btree (b) WHERE (a > 0)\n");
+  EXPECT_EQ(Raw.Rows("SELECT tgrelid::regclass, tgname FROM pg_trigger WHERE NOT tgisinternal ORDER BY 2"),
+            "\"T\"\tTRIGGER ON\nv\tt\ns.\"C\"\tt2\n");
+  const TDicViewDescription View = Connection->Definitions().View({"v", ""});
+  RunAll(*Connection, Scripts.View(View, true));
+  EXPECT_TRUE(Connection->Definitions().View({"v", ""}) == View);
+}
+
 TEST(PostgreSQLDefinitionsTest, WhatIsLeftBehindIsNamed) {
   TPostgreSQLDatabase Raw;
   Raw.Run(R"(
       CREATE SCHEMA s; CREATE TYPE inner_type AS ENUM ('a'); CREATE TYPE outer_type AS (i inner_type);
+      CREATE TYPE span AS RANGE (subtype = date);
       CREATE TABLE t (a integer PRIMARY KEY, o outer_type, w text); CREATE TABLE s."T" (); CREATE VIEW v AS SELECT 1 AS one;
       CREATE TABLE velkrund_structures (a integer); GRANT SELECT ON velkrund_structures TO PUBLIC;
       GRANT SELECT ON t TO PUBLIC; ALTER TABLE t ENABLE ROW LEVEL SECURITY; ALTER TABLE t REPLICA IDENTITY FULL;
@@ -179,7 +218,7 @@ TEST(PostgreSQLDefinitionsTest, WhatIsLeftBehindIsNamed) {
                   "rule 'r' of table 's.T'", "storage of column 'w' of table 't'", "replica identity of table 't'",
                   "comment of column 'one' of view 'v'", "comments of keys, indexes or triggers of table 't'",
                   "collation 'mine'", "event trigger 'et'", "publication 'p'", "statistics object 'st'",
-                  "type 'inner_type', which no field has by itself"));
+                  "type 'inner_type', which no field has by itself", "type 'span', which no field has by itself"));
   std::vector<std::string> Names;
   for (const TDefinedObject& Object : Connection->Definitions().Objects()) Names.push_back(FullName(Object.Table));
   EXPECT_THAT(Names, ElementsAre("t", "s.T", "v", "e"));

@@ -123,7 +123,7 @@ TEST(PostgreSQLScriptsTest, PartsOfTablesOfOtherEngines) {
   Table.Words = {{"sqlite", {.Text = "STRICT, WITHOUT ROWID"}}};
   Table.Keys = {{.Primary = true, .Columns = {{"a\"b", false, true}}, .Words = {{"sqlite", {.Text = "AUTOINCREMENT"}}}},
                 {.Name = "U", .Columns = {{"on"}, {"a\"b"}}, .Words = {{"sqlite", {.Text = "ON CONFLICT REPLACE"}}}}};
-  Table.Checks = {{.Text = R"("on" IN (0, 1) AND "a""b" <> '"on" = 1')"},
+  Table.Checks = {{.Text = R"("on" IN (0, 1) AND '"on" = 1' <> 'x')"},
                   {.Name = "C", .Words = {{"sqlite", {.Text = "glob"}}}}};
   Table.Indexes = {{.Name = "I", .Unique = true, .Columns = {{"on", false, true}, {R"("a""b" + 1)", true}}},
                    {.Name = "P", .Columns = {{"on"}}, .Words = {{"sqlite", {.Text = "CREATE INDEX ... WHERE"}}}}};
@@ -140,11 +140,11 @@ TEST(PostgreSQLScriptsTest, PartsOfTablesOfOtherEngines) {
   EXPECT_THAT(
       LinesOf(Table),
       ElementsAre(
-          "CREATE SCHEMA \"my schema\"",
+          "CREATE SCHEMA IF NOT EXISTS \"my schema\"",
           "CREATE TABLE " + Name +
               " (\n  \"a\"\"b\" bigint,\n  \"on\" boolean,\n  PRIMARY KEY (\"a\"\"b\"),\n"
               "  CONSTRAINT \"U\" UNIQUE (\"on\", \"a\"\"b\"),\n"
-              "  CHECK (\"on\"::integer IN (0, 1) AND \"a\"\"b\" <> '\"on\" = 1')\n)",
+              "  CHECK (\"on\"::integer IN (0, 1) AND '\"on\" = 1' <> 'x')\n)",
           "CREATE UNIQUE INDEX \"I\" ON " + Name + " (\"on\" DESC, (\"a\"\"b\" + 1))",
           "ALTER TABLE " + Name +
               " ADD CONSTRAINT \"F\" FOREIGN KEY (\"on\") REFERENCES \"O\" MATCH FULL ON DELETE SET NULL ON "
@@ -158,6 +158,40 @@ TEST(PostgreSQLScriptsTest, PartsOfTablesOfOtherEngines) {
           "~options: the words 'STRICT, WITHOUT ROWID' of table 'my schema.T', they are another engine's alone",
           "indexes: the index 'P' of table 'my schema.T', its text is another engine's alone",
           "triggers: the trigger 'X' of table 'my schema.T', its text is another engine's alone"));
+}
+
+TEST(PostgreSQLScriptsTest, ConditionsBetweenDifferentTypes) {
+  TDicTableDescription Table;
+  Table.Name = "T";
+  Table.Fields = {{.Name = "n", .Type = TType::Int64},   {.Name = "d\"", .Type = TType::Decimal},
+                  {.Name = "s", .Type = TType::String},  {.Name = "b", .Type = TType::Boolean},
+                  {.Name = "y", .Type = TType::Bytes},   {.Name = "a", .Type = TType::Any},
+                  {.Name = "t", .Type = TType::DateTime}};
+  const std::pair<const char*, const char*> Cases[] = {
+      {R"("n" > 0 AND "n" <> "d""")", R"("n" > 0 AND "n" <> "d""")"},
+      {R"("n" = '5')", R"("n" = '5')"},
+      {R"("n" = 'x')", ""},
+      {R"("s" > 0)", ""},
+      {R"(0 < "s")", ""},
+      {R"("s" = '"a" > 0')", R"("s" = '"a" > 0')"},
+      {R"("s" = "n")", ""},
+      {R"("s" + "n" > 0)", ""},
+      {R"("n" + "s" > 0)", ""},
+      {R"("b" IN (0, 1) AND "b")", R"("b"::integer IN (0, 1) AND "b")"},
+      {R"("b" = TRUE OR 1 = "b")", R"("b" = TRUE OR 1 = "b"::integer)"},
+      {R"("y" = -1)", ""},
+      {R"("y" = x'00')", R"("y" = '\x00'::bytea)"},
+      {R"("a" IS NOT NULL)", ""},
+      {R"("t" > '2020-01-01')", R"("t" > '2020-01-01')"},
+  };
+  for (const auto& [Neutral, Words] : Cases) {
+    Table.Checks = {{.Text = Neutral}};
+    const std::vector<std::string> Found = LinesOf(Table);
+    const bool Stands = Found.front().find("CHECK (" + std::string(Words) + ")\n") != std::string::npos;
+    EXPECT_EQ(Stands, *Words != 0) << Found.front();
+    const auto IsOfCheck = [](const std::string& Line) { return Line.starts_with("checks: the check of table 'T'"); };
+    EXPECT_EQ(std::any_of(Found.begin(), Found.end(), IsOfCheck), *Words == 0) << Neutral;
+  }
 }
 
 TEST(PostgreSQLScriptsTest, WhatNothingCanBeMadeOfIsAnError) {
@@ -210,7 +244,7 @@ TEST(PostgreSQLScriptsTest, ViewsGeneratorsAndProcedures) {
   Generator.Cache = "4";
   EXPECT_THAT(
       Lines(Writer.Generator(Generator, 7)),
-      ElementsAre("CREATE SCHEMA \"s\"",
+      ElementsAre("CREATE SCHEMA IF NOT EXISTS \"s\"",
                   "CREATE SEQUENCE \"s\".\"G\" INCREMENT BY 2 MINVALUE -5 MAXVALUE 9 START WITH 3 CYCLE CACHE 4",
                   "ALTER SEQUENCE \"s\".\"G\" RESTART WITH 7"));
 

@@ -126,16 +126,18 @@ TEST_F(SQLiteDefinitionsTest, DeclarationsAreMadeAgainInOneForm) {
        R"("a", "b", UNIQUE ("a" COLLATE "nocase", "b" DESC) ON CONFLICT IGNORE)"},
       {"(a TEXT CONSTRAINT x NOT NULL ON CONFLICT FAIL COLLATE \"rtrim\" DEFAULT ('b' || 'c'))",
        R"("a" TEXT COLLATE "rtrim" NOT NULL ON CONFLICT FAIL DEFAULT ('b' || 'c'))"},
-      {"(a CONSTRAINT c CHECK (a > 1) CHECK (a <> ')' -- no )\n), CONSTRAINT lost, CHECK (a || 'x' != 'y' /* ( */ ))",
-       R"("a", CONSTRAINT "c" CHECK ("a" > 1), CHECK ("a" <> ')'), CHECK (a || 'x' != 'y'))"},
+      {"(a TEXT CONSTRAINT c CHECK (b > 1) CHECK (a <> ')' -- no )\n), b INT, CONSTRAINT lost, CHECK (a || 'x' != 'y' "
+       "/* ( */ ))",
+       R"("a" TEXT, "b" INT, CONSTRAINT "c" CHECK ("b" > 1), CHECK ("a" <> ')'), CHECK (a || 'x' != 'y'))"},
       {"(a REFERENCES u, b REFERENCES \"u v\" (\"x\") ON UPDATE SET DEFAULT ON DELETE NO ACTION DEFERRABLE)",
        R"("a", "b", FOREIGN KEY ("a") REFERENCES "u", FOREIGN KEY ("b") REFERENCES "u v" ("x") ON UPDATE SET DEFAULT )"
        R"(DEFERRABLE)"},
       {"(a, b, CONSTRAINT f FOREIGN KEY (B, a) REFERENCES T (a, B) MATCH full DEFERRABLE INITIALLY DEFERRED)",
        R"("a", "b", CONSTRAINT "f" FOREIGN KEY ("b", "a") REFERENCES "t" ("a", "b") MATCH FULL DEFERRABLE INITIALLY DEFERRED)"},
-      {"(a GENERATED ALWAYS AS (b + 1) NOT NULL, b generated, c AS (b -- \n || 'x') STORED)",
-       R"("a" NOT NULL GENERATED ALWAYS AS ("b" + 1) VIRTUAL, "b" generated, "c" GENERATED ALWAYS AS (b -- )"
-       "\n || 'x') STORED"},
+      {"(a GENERATED ALWAYS AS (d + 1) NOT NULL, b generated, c AS (b -- \n || 'x') STORED, d INT)",
+       R"("a" NOT NULL GENERATED ALWAYS AS ("d" + 1) VIRTUAL, "b" generated, "c" GENERATED ALWAYS AS (b -- )"
+       "\n || 'x') STORED, \"d\" INT"},
+      {"(a CHECK (a > 01) CHECK (a IS NOT NULL))", R"("a", CHECK (a > 01), CHECK ("a" IS NOT NULL))"},
       {"(a DEFAULT -1, b DEFAULT + 2, c DEFAULT NULL, d DEFAULT true, e DEFAULT 'it''s', f DEFAULT current_date)",
        R"("a" DEFAULT -1, "b" DEFAULT 2, "c" DEFAULT NULL, "d" DEFAULT TRUE, "e" DEFAULT 'it''s', "f" DEFAULT CURRENT_DATE)"},
       {"(a INT /* x */ NULL, b `my type` (3 , -4), c NOT NULL)", R"("a" INT, "b" `my type` (3 , -4), "c" NOT NULL)"},

@@ -119,7 +119,7 @@ TEST_F(SQLiteScriptsTest, WhatOtherEnginesSayIsMadeOrNamed) {
        {"types: the type of field 'A' of table 'T' (harmless)"}},
       {[](auto& T) { T.Fields[0].Size = 5; },
        A + ", " + B,
-       {"types: the lengths and precisions of 1 field(s) of table 'T' (harmless)"}},
+       {"types: the lengths and precisions of 1 field of table 'T' (harmless)"}},
       {[](auto& T) { T.Fields[0].Auto = TDicAutoKey::ByDefault; },
        A + ", " + B,
        {"defaults: the automatic numbers of field 'A' of table 'T'"}},

@@ -184,3 +184,5 @@ CREATE TABLE conditions (a integer, b integer, c text, e boolean, n numeric(6,2)
   tt timestamp(0) DEFAULT ('now'::text)::timestamp, bits bit(3) DEFAULT B'101', cur name DEFAULT current_user,
   CHECK (ch IN ('a', 'b')), CHECK (a > n), CHECK (tz > '2030-01-01 00:00+03'), CHECK (mo <> 'so so'), CHECK (a / 2 = 1), CHECK (e IS TRUE),
   CHECK (CASE WHEN a > 1 THEN b > 1 ELSE true END), CHECK ((a, b) <> (1, 2)), CHECK (c COLLATE "C" < 'z'), CHECK (a > ALL (ARRAY[0])));
+CREATE TABLE a_taker (b integer CONSTRAINT z_taken_a_check CHECK (b > 0));
+CREATE TABLE z_taken (a integer, CONSTRAINT z_taken_a_check CHECK (a > 0));

@@ -14,7 +14,7 @@ CREATE TABLE children (
   code TEXT, part INT DEFAULT 3 REFERENCES parents (ID) MATCH FULL NOT DEFERRABLE, me INTEGER REFERENCES children (id) DEFERRABLE,
   CONSTRAINT ignored, CONSTRAINT fk2 FOREIGN KEY (CODE, part) REFERENCES parents (code, PART) ON DELETE RESTRICT
     ON UPDATE SET DEFAULT MATCH PARTIAL,
-  FOREIGN KEY (part) REFERENCES nobody (x) ON DELETE NO ACTION, CHECK (part BETWEEN 1 AND 10), CONSTRAINT named CHECK (code LIKE 'x%')
+  FOREIGN KEY (part) REFERENCES children (id) ON DELETE NO ACTION, CHECK (part BETWEEN 1 AND 10), CONSTRAINT named CHECK (code LIKE 'x%')
     CHECK (coalesce(part, 1) > 0 OR code IS NOT NULL) ON CONFLICT ABORT);
 CREATE TABLE generated (w INTEGER, h INTEGER, area AS (w * h), twice INTEGER GENERATED ALWAYS AS (w+w) STORED,
   text TEXT AS (w || 'x' || h) VIRTUAL UNIQUE);
@@ -26,19 +26,20 @@ CREATE TABLE descending (id INTEGER PRIMARY KEY DESC, s TEXT);
 CREATE TABLE descending_alias (id INTEGER, PRIMARY KEY (id DESC));
 CREATE TABLE counting_alias (id INTEGER, PRIMARY KEY (id DESC AUTOINCREMENT) ON CONFLICT REPLACE);
 CREATE TABLE text_key (id TEXT PRIMARY KEY, other INT UNIQUE, third INT UNIQUE ON CONFLICT IGNORE);
-CREATE TABLE late_key (a INT UNIQUE, b INT UNIQUE, id BLOB_KEY CHECK (id > 0), yes BOOLEAN CHECK (yes IN (0, 1)), UNIQUE (a, b), PRIMARY KEY (id));
+CREATE TABLE late_key (a INT UNIQUE, b INT UNIQUE, id BLOB_KEY CHECK (id <> x'00'), yes BOOLEAN CHECK (yes IN (0, 1)), UNIQUE (a, b), PRIMARY KEY (id));
 CREATE TABLE exact (a "DECIMAL TEXT"(18, 2) CHECK (a > 9), b NUMBER TEXT CHECK (cast(b AS numeric) > 9 AND b <> a),
   c MONEY TEXT CHECK (CAST("C" AS NUMERIC) IN (1, 10)), d AS (CAST(c AS NUMERIC) * 2));
 CREATE INDEX by_number ON exact ((CAST(b AS NUMERIC)) DESC);
 CREATE TABLE copied AS SELECT id, s AS "a b", 1.5 AS r FROM descending;
 CREATE TABLE altered (a INTEGER, gone TEXT, b TEXT CHECK (b > 'a'));
-ALTER TABLE altered ADD COLUMN c TEXT DEFAULT 'x' COLLATE NOCASE REFERENCES parents;
+ALTER TABLE altered ADD COLUMN c INT DEFAULT 7 REFERENCES parents;
+ALTER TABLE altered ADD COLUMN d TEXT COLLATE NOCASE;
 ALTER TABLE altered RENAME COLUMN b TO "new b";
 ALTER TABLE altered DROP COLUMN gone;
 ALTER TABLE altered RENAME TO "altered twice";
 CREATE INDEX by_names ON plain (b, c DESC);
 CREATE UNIQUE INDEX "by ""part" ON PLAIN (d) WHERE c > 0;
-CREATE INDEX by_expression ON plain (a + c, lower(b) DESC);
+CREATE INDEX by_expression ON plain (c + n, lower(b) DESC);
 CREATE INDEX by_own_expression ON plain (b || d, c);
 CREATE INDEX by_collation ON plain (b COLLATE NOCASE DESC, "d" COLLATE BINARY);
 CREATE INDEX by_text ON "odd ""names""" ('f');

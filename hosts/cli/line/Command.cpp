@@ -31,6 +31,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"Commit", "--commit"},
     {"Triggers", "--triggers"},
     {"BrokenReferences", "--broken-references"},
+    {"MadeNames", "--names"},
     {"Names", "--name"},
     {"NewFile", "--new"},
     {"ObjectName", "--name"},

@@ -84,6 +84,10 @@ std::vector<TOption> TSharedOptions::CreatingOptions(TPolicies& Policies) {
               "make them (default: keep)",
               {{"ask", TLongNamePolicy::Ask}, {"keep", TLongNamePolicy::Keep}, {"cancel", TLongNamePolicy::Cancel}},
               Policies.LongNames),
+          Choice<TMadeNames>("--names",
+                             "of tables that are made, their fields, keys and indexes: as they are described, or in "
+                             "lower case (default: keep)",
+                             {{"keep", TMadeNames::Keep}, {"lower", TMadeNames::Lower}}, Policies.Names),
           CommaList("--allow-missing", "KIND,...",
                     "what may be left out where the engine has no words for it, and the report names: checks, "
                     "collations, computed, defaults, generators, indexes, keys, options, procedures, references, "

@@ -11,7 +11,9 @@ constexpr const char* ConstraintsStatement =
     "pg_catalog.pg_get_constraintdef(k.oid), pg_catalog.pg_get_expr(k.conbin, k.conrelid), t.relname, "
     "CASE WHEN tn.nspname <> $2::pg_catalog.text THEN tn.nspname END, k.confdeltype, k.confupdtype, "
     "k.confmatchtype, a.attname, pg_catalog.quote_ident(a.attname), b.attname, pg_catalog.quote_ident(b.attname), "
-    "k.confrelid::pg_catalog.regclass FROM pg_catalog.pg_constraint k "
+    "k.confrelid::pg_catalog.regclass, EXISTS (SELECT FROM pg_catalog.pg_constraint o WHERE o.conname = k.conname "
+    "AND o.connamespace = k.connamespace AND o.oid <> k.oid AND o.coninhcount = '0' AND o.conparentid = '0') "
+    "FROM pg_catalog.pg_constraint k "
     "LEFT JOIN pg_catalog.pg_class t ON t.oid = k.confrelid "
     "LEFT JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
     "LEFT JOIN LATERAL ROWS FROM (pg_catalog.unnest(k.conkey), pg_catalog.unnest(k.confkey)) WITH ORDINALITY "
@@ -25,6 +27,7 @@ struct TConstraint {
   std::string Name, Definition, Expression, Table, TableSchema, TableSQLName;
   char Kind, OnDelete, OnUpdate;
   bool Deferrable, Deferred, IsValid, MatchFull;
+  bool SharesName;  // with another table's
   std::vector<std::string> Columns, To;
   std::string Quoted, QuotedTo;  // lists
 };
@@ -52,6 +55,7 @@ std::vector<TConstraint> ConstraintsOf(const TDescribed& Table) {
                       .Deferred = Rows.Boolean(Row, 4),
                       .IsValid = Rows.Boolean(Row, 5),
                       .MatchFull = Letter(12) == 'f',
+                      .SharesName = Rows.Boolean(Row, 18),
                       .Columns = {},
                       .To = {},
                       .Quoted = {},
@@ -111,9 +115,9 @@ std::string Ending(const TConstraint& Constraint) {
   return Result;
 }
 
-/// Empty for the name that the engine gives by itself.
+/// Empty for the name that the engine gives by itself, which it does where no other table of the schema has it.
 std::string NameOf(const TConstraint& Constraint, const std::string& Given) {
-  return Constraint.Name == Given ? std::string() : Constraint.Name;
+  return Constraint.Name == Given && !Constraint.SharesName ? std::string() : Constraint.Name;
 }
 
 class TConstraintReader {

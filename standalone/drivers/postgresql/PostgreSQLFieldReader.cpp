@@ -146,7 +146,8 @@ class TFieldReader {
       Field.Auto = Rows.Text(Row, 8) == "a" ? TDicAutoKey::Always : TDicAutoKey::ByDefault;
       if (Sequence == GivenPostgreSQLName(FTable.Name, Field.Name, "seq")) return;
       Field.Owned = Sequence;
-      Field.Words["postgresql"].Parts["Default"] = "IDENTITY";
+      // What has a sequence with a name otherwise was declared as serial.
+      if (Field.Auto == TDicAutoKey::ByDefault) Field.Words["postgresql"].Text->append(PostgreSQLIdentityWords);
       return;
     }
     Field.Owned = Sequence;

@@ -69,7 +69,10 @@ class TFieldScript {
   std::string Type() {
     if (FOwn && FOwn->Text) {
       AddTypes(*FOwn, FScript);
-      return FDeclared = *FOwn->Text;
+      FDeclared = *FOwn->Text;
+      FIsIdentity = FDeclared.ends_with(PostgreSQLIdentityWords);
+      if (FIsIdentity) FDeclared.resize(FDeclared.size() - PostgreSQLIdentityWords.size());
+      return FDeclared;
     }
     const TPostgreSQLDeclaration Declaration = DeclarationOf({FField.Type, FField.Size, FField.Scale});
     if (!Declaration.Loss.empty())
@@ -83,9 +86,9 @@ class TFieldScript {
   std::string Value() {
     if (FField.Computed) return Computed();
     const std::string* Own = OwnPart("Default");
-    const bool IsIdentity = Own && *Own == "IDENTITY";
-    if (!FField.Owned.empty() && !IsIdentity) AddOwned();
-    if (FField.Auto != TDicAutoKey::None) return IsIdentity || FField.Owned.empty() ? Identity() : " DEFAULT " + Next();
+    const bool IsIdentity = FIsIdentity || FField.Auto == TDicAutoKey::Always || FField.Owned.empty();
+    if (!IsIdentity) AddOwned();
+    if (FField.Auto != TDicAutoKey::None) return IsIdentity ? Identity() : " DEFAULT " + Next();
     if (Own) return " DEFAULT " + *Own;
     if (const std::string* Base = OwnPart("Base"); Base && Base->find(" DEFAULT ") != std::string::npos) return {};
     if (FField.Default) {
@@ -105,7 +108,8 @@ class TFieldScript {
     else if (!FField.Computed->empty())
       Expression = ConditionWords(*FField.Computed, FTable.Fields);
     if (!Expression) {
-      FScript.Lack("computed", "how " + What() + " is computed", "its text is another engine's alone");
+      FScript.Lack("computed", "how " + What() + " is computed",
+                   FField.Computed->empty() ? "its text is another engine's alone" : "PostgreSQL has no words for it");
       return {};
     }
     if (!FField.Stored)
@@ -148,6 +152,7 @@ class TFieldScript {
   TPostgreSQLScript& FAfter;
   const TDicWords* FOwn;
   std::string FDeclared;
+  bool FIsIdentity = false;
 };
 
 }  // namespace

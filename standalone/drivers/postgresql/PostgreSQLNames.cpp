@@ -107,6 +107,15 @@ std::string OnPostgreSQLTable(const std::string& Statement, std::string_view SQL
   throw EDatabaseError(Format("The statement names no table: %s", Statement));
 }
 
+std::string NamedInPostgreSQL(std::string Statement, std::string_view Kind, std::string_view SQLName) {
+  // No name comes before the kind.
+  const std::string Word = " " + std::string(Kind) + " ";
+  const std::size_t At = Statement.find(Word);
+  if (At == std::string::npos) throw EDatabaseError(Format("The statement makes no %s: %s", Kind, Statement));
+  const std::size_t Name = At + Word.size();
+  return Statement.replace(Name, EndOfPostgreSQLName(Statement, Name) - Name, SQLName);
+}
+
 std::string QuotePostgreSQLText(std::string_view Text) {
   const bool Escaped = Text.find('\\') != std::string_view::npos;
   std::string Result = Escaped ? "E'" : "'";

@@ -24,6 +24,8 @@ std::vector<std::string> SplitPostgreSQLNames(std::string_view List);
 
 /// A statement that makes an index or a trigger, with SQLName in place of the table it is made on.
 std::string OnPostgreSQLTable(const std::string& Statement, std::string_view SQLName);
+/// Such a statement with another name for what is made. Kind: "INDEX" or "TRIGGER".
+std::string NamedInPostgreSQL(std::string Statement, std::string_view Kind, std::string_view SQLName);
 
 /// A text between quotes.
 std::string QuotePostgreSQLText(std::string_view Text);

@@ -23,15 +23,82 @@ const TExpressionWords& EngineWords() {
   return Result;
 }
 
-/// Whether a comparison with a number begins here.
-bool ComparesNumber(std::string_view Rest) {
-  for (const std::string_view Operator : {" = ", " <> ", " < ", " <= ", " > ", " >= ", " IN (", " NOT IN ("})
-    if (Rest.starts_with(Operator)) {
-      Rest.remove_prefix(Operator.size());
-      if (Rest.starts_with('-')) Rest.remove_prefix(1);
-      return !Rest.empty() && Rest.front() >= '0' && Rest.front() <= '9';
+/// Kinds of values between which the engine compares and counts.
+enum class TFamily { Number, Text, Truth, Alone };
+
+TFamily FamilyOf(TDicFieldType Type) {
+  if (Type >= TDicFieldType::Int16 && Type <= TDicFieldType::Money) return TFamily::Number;
+  if (Type == TDicFieldType::Boolean) return TFamily::Truth;
+  return Type == TDicFieldType::String || Type == TDicFieldType::FixedString ? TFamily::Text : TFamily::Alone;
+}
+
+bool IsDigit(char C) { return C >= '0' && C <= '9'; }
+
+constexpr std::string_view Comparisons[] = {" = ", " <> ", " < ", " <= ", " > ", " >= ", " IN (", " NOT IN ("};
+constexpr std::string_view Calculations[] = {" + ", " - ", " * "};
+
+template <typename T>
+bool TakeOne(std::string_view& Text, const T& Words) {
+  for (const std::string_view Word : Words)
+    if (Text.starts_with(Word)) {
+      Text.remove_prefix(Word.size());
+      return true;
     }
   return false;
+}
+
+/// A field that stands in an expression between what comes Before and After it.
+class TPlace {
+ public:
+  TPlace(std::string_view Before, std::string_view After, const std::vector<TDicField>& Fields)
+      : FBefore(Before), FAfter(After), FFields(Fields) {}
+
+  bool IsCalculated() const {
+    std::string_view After = FAfter;
+    return TakeOne(After, Calculations) || std::any_of(std::begin(Calculations), std::end(Calculations),
+                                                       [&](std::string_view Sign) { return FBefore.ends_with(Sign); });
+  }
+
+  bool MeetsNumber() const {
+    std::string_view After = FAfter;
+    if (TakeOne(After, Comparisons)) {
+      if (After.starts_with('-')) After.remove_prefix(1);
+      return !After.empty() && IsDigit(After.front());
+    }
+    for (const std::string_view Sign : Comparisons)
+      if (FBefore.ends_with(Sign) && FBefore.size() > Sign.size() && IsDigit(FBefore[FBefore.size() - Sign.size() - 1]))
+        return true;
+    return false;
+  }
+
+  /// A text that is no number.
+  bool MeetsWords() const {
+    std::string_view After = FAfter;
+    if (!TakeOne(After, Comparisons) || !After.starts_with('\'')) return false;
+    return !StrToReal(After.substr(1, After.find('\'', 1) - 1));
+  }
+
+  bool MeetsOther(TFamily Own) const {
+    std::string_view After = FAfter;
+    if (!TakeOne(After, Comparisons)) return false;
+    return std::any_of(FFields.begin(), FFields.end(), [&](const TDicField& Field) {
+      return After.starts_with(QuoteStandardName(Field.Name)) && FamilyOf(Field.Type) != Own;
+    });
+  }
+
+ private:
+  std::string_view FBefore, FAfter;
+  const std::vector<TDicField>& FFields;
+};
+
+/// The field as the engine takes it there: truth as a number where it meets one; nothing where it takes none.
+std::optional<std::string> FieldWords(const TDicField& Field, const TPlace& Place) {
+  const std::string Name = QuoteStandardName(Field.Name);
+  const TFamily Family = FamilyOf(Field.Type);
+  if (Field.Type == TDicFieldType::Any || Place.MeetsOther(Family)) return std::nullopt;
+  if (Family == TFamily::Number) return Place.MeetsWords() ? std::nullopt : std::optional(Name);
+  if (!Place.MeetsNumber() && !Place.IsCalculated()) return Name;
+  return Family == TFamily::Truth ? std::optional(Name + "::integer") : std::nullopt;
 }
 
 /// Without its quotes, inner ones doubled; nothing for another literal.
@@ -119,15 +186,21 @@ std::optional<std::string> ConditionWords(const std::string& Neutral, const std:
       Result += (*Words)[At++];
       continue;
     }
-    // Inner quotes are doubled: one piece after the other.
-    const std::size_t End = std::min(Words->find(Quote, At + 1), Words->size() - 1) + 1;
-    const std::string_view Piece = std::string_view(*Words).substr(At, End - At);
-    const auto IsMeant = [&](const TDicField& Field) {
-      return Field.Type == TDicFieldType::Boolean && QuoteStandardName(Field.Name) == Piece;
-    };
-    const bool IsTruth = std::any_of(Fields.begin(), Fields.end(), IsMeant);
-    Result += Piece;
-    if (IsTruth && ComparesNumber(std::string_view(*Words).substr(End))) Result += "::integer";
+    // Inner quotes are doubled: a piece ends where another one does not begin at once.
+    std::size_t End = std::min(Words->find(Quote, At + 1), Words->size() - 1) + 1;
+    while (End < Words->size() && (*Words)[End] == Quote)
+      End = std::min(Words->find(Quote, End + 1), Words->size() - 1) + 1;
+    const std::string_view All = *Words;
+    const std::string_view Piece = All.substr(At, End - At);
+    const auto Field = std::find_if(Fields.begin(), Fields.end(),
+                                    [&](const TDicField& Known) { return QuoteStandardName(Known.Name) == Piece; });
+    if (Field == Fields.end()) {
+      Result += Piece;
+    } else {
+      const auto Taken = FieldWords(*Field, {All.substr(0, At), All.substr(End), Fields});
+      if (!Taken) return std::nullopt;
+      Result += *Taken;
+    }
     At = End;
   }
   return Result;

@@ -11,7 +11,8 @@ namespace velkrund {
 // What is neutral in the engine's words; nothing where it has none.
 
 /// A condition, or another expression, on a table with these fields. Where truth is compared with a number, as engines
-/// without a type for it do, it is taken as one.
+/// without a type for it do, it is taken as one. Nothing where values of different kinds meet otherwise, which other
+/// engines compare.
 std::optional<std::string> ConditionWords(const std::string& Neutral, const std::vector<TDicField>& Fields);
 
 /// A default of a field of that type. Nothing also for a value that the engine would refuse for the type, or change.

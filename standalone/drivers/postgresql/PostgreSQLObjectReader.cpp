@@ -41,7 +41,9 @@ constexpr const char* ObjectsStatement =
     "AND q.oid <> p.oid) THEN 'overloaded routine' ELSE '' END, 0 "
     "FROM pg_catalog.pg_proc p JOIN n ON n.oid = p.pronamespace JOIN pg_catalog.pg_language l ON l.oid = p.prolang "
     "WHERE NOT EXISTS (SELECT FROM e WHERE e.classid = 'pg_catalog.pg_proc'::pg_catalog.regclass::pg_catalog.oid "
-    "AND e.objid = p.oid) ORDER BY depth, shown NULLS FIRST, name";
+    "AND e.objid = p.oid) AND NOT EXISTS (SELECT FROM pg_catalog.pg_depend i WHERE i.deptype = 'i' "
+    "AND i.classid = 'pg_catalog.pg_proc'::pg_catalog.regclass::pg_catalog.oid AND i.objid = p.oid) ORDER BY depth, "
+    "shown NULLS FIRST, name";
 
 struct TFound {
   TDefinedObject Object;

@@ -49,7 +49,7 @@ void TPostgreSQLScript::AddSchemaOf(std::string_view SQLName) {
       "SELECT 1 WHERE pg_catalog.to_regnamespace(" + QuotePostgreSQLText(Schema) + ") IS NOT NULL";
   const auto IsThere = [&](const TScriptStatement& Statement) { return Statement.Unless == Unless; };
   if (std::none_of(Statements.begin(), Statements.end(), IsThere))
-    Add("CREATE SCHEMA " + Schema, "schema " + Schema, Unless);
+    Add("CREATE SCHEMA IF NOT EXISTS " + Schema, "schema " + Schema, Unless);
 }
 
 std::string PostgreSQLNameOf(const TDicObjectDescription& Object) {

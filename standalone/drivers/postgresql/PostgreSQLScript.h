@@ -39,9 +39,9 @@ std::string CounterWords(const TDicCounter& Counter, const std::string& What);
 std::string PostgreSQLFieldClause(const TDicTableDescription& Table, const TDicField& Field, TPostgreSQLScript& Script,
                                   TPostgreSQLScript& After);
 
-// Of tables and views. Owner: "table 'ORDERS'".
-void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLName, const std::string& Owner,
-                TPostgreSQLScript& Script);
+// Of tables and views. Owner: "table 'ORDERS'". Fields: those that expressions name.
+void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicField>& Fields, const std::string& SQLName,
+                const std::string& Owner, TPostgreSQLScript& Script);
 void AddTriggers(const std::vector<TDicTrigger>& Triggers, const std::string& SQLName, const std::string& Owner,
                  TPostgreSQLScript& Script);
 

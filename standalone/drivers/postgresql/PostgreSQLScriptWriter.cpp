@@ -110,7 +110,11 @@ TScript TPostgreSQLScriptWriter::View(const TDicViewDescription& View, bool Repl
   if (const std::string* Check = Own ? Own->Part("Check") : nullptr)
     Text += *Check == "Local" ? "\nWITH LOCAL CHECK OPTION" : "\nWITH CASCADED CHECK OPTION";
   Result.Add(Text, Owner);
-  AddIndexes(View.Indexes, Name, Owner, Result);
+  AddIndexes(View.Indexes, {}, Name, Owner, Result);
+  if (Replace && !View.Materialized)
+    for (const TDicTrigger& Trigger : View.Triggers)
+      Result.Add(Format("DROP TRIGGER IF EXISTS %s ON %s", QuoteStandardName(Trigger.Name), Name),
+                 Format("trigger '%s' of %s", Trigger.Name, Owner));
   AddTriggers(View.Triggers, Name, Owner, Result);
   AddComment(View, View.Materialized ? "MATERIALIZED VIEW" : "VIEW", Owner, Result);
   return Result;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
@@ -8,6 +10,8 @@
 
 namespace velkrund {
 namespace {
+
+constexpr const char* NoWords = "PostgreSQL compares no values of such different types";
 
 /// Pattern with its places filled.
 std::string Filled(const std::string& Pattern, const std::string& Table, const std::string& Items,
@@ -71,7 +75,7 @@ class TTableScript {
   void Write(const TTableParts& Parts, const std::string& Pattern) {
     CheckPostgreSQLName(FTable.Name, "a table");
     if (Parts.Table) AddTable(Pattern);
-    if (Parts.Indexes) AddIndexes(FTable.Indexes, FSQLName, FOwner, FScript);
+    if (Parts.Indexes) AddIndexes(FTable.Indexes, FTable.Fields, FSQLName, FOwner, FScript);
     if (Parts.ForeignKeys) {
       for (const TDicCheck& Check : FTable.Checks)
         if (IsNotChecked(Check)) AddLater(CheckClause(Check), "the check", Check.Name);
@@ -159,7 +163,7 @@ class TTableScript {
       return Name + (Own->Text->starts_with("EXCLUDE ") ? "" : "CHECK ") + *Own->Text;
     if (Check.Text)
       if (const auto Words = ConditionWords(*Check.Text, FTable.Fields)) return Name + "CHECK (" + *Words + ")";
-    FScript.Lack("checks", Of("the check", Check.Name), "its text is another engine's alone");
+    FScript.Lack("checks", Of("the check", Check.Name), Check.Text ? NoWords : "its text is another engine's alone");
     return {};
   }
 
@@ -171,6 +175,13 @@ class TTableScript {
       FScript.Lack("references", Format("the words '%s' of %s", *Text, What), "they are another engine's alone");
     std::vector<TDicColumn> Columns, To;
     for (const TDicForeignKey::TPair& Pair : Key.Columns) {
+      const auto IsMixed = [&](const TDicField& Field) {
+        return Field.Name == Pair.Column && Field.Type == TDicFieldType::Any;
+      };
+      if (std::any_of(FTable.Fields.begin(), FTable.Fields.end(), IsMixed)) {
+        FScript.Lack("references", What, Format("the values of field '%s' would all be texts", Pair.Column));
+        return {};
+      }
       Columns.push_back({Pair.Column});
       if (!Pair.To.empty()) To.push_back({Pair.To});
     }
@@ -208,13 +219,14 @@ class TTableScript {
 
 }  // namespace
 
-void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLName, const std::string& Owner,
-                TPostgreSQLScript& Script) {
+void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicField>& Fields, const std::string& SQLName,
+                const std::string& Owner, TPostgreSQLScript& Script) {
   for (const TDicIndex& Index : Indexes) {
     CheckPostgreSQLName(Index.Name, "an index of " + Owner);
     const std::string What = Format("index '%s' of %s", Index.Name, Owner);
     if (const TDicWords* Own = OwnWords(Index.Words); Own && Own->Text) {
-      Script.Add(OnPostgreSQLTable(*Own->Text, SQLName), What);
+      Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(*Own->Text, SQLName), "INDEX", QuoteStandardName(Index.Name)),
+                 What);
       continue;
     }
     std::string Columns;
@@ -222,7 +234,7 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLNam
     for (const TDicColumn& Column : Index.Columns) {
       if (!IsNeutral) break;
       std::optional<std::string> Words = QuoteStandardName(Column.Name);
-      if (Column.Expression) Words = ConditionWords(Column.Name, {});
+      if (Column.Expression) Words = ConditionWords(Column.Name, Fields);
       IsNeutral = Words.has_value();
       if (!IsNeutral) break;
       if (Column.Expression) Words = "(" + *Words + ")";
@@ -233,27 +245,29 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::string& SQLNam
                         SQLName, Columns),
                  What);
     else
-      Script.Lack("indexes", "the " + What, "its text is another engine's alone");
+      Script.Lack("indexes", "the " + What, OthersText(Index.Words) ? "its text is another engine's alone" : NoWords);
   }
 }
 
 void AddTriggers(const std::vector<TDicTrigger>& Triggers, const std::string& SQLName, const std::string& Owner,
                  TPostgreSQLScript& Script) {
   for (const TDicTrigger& Trigger : Triggers) {
+    CheckPostgreSQLName(Trigger.Name, "a trigger of " + Owner);
     const std::string What = Format("trigger '%s' of %s", Trigger.Name, Owner);
     const TDicWords* Own = OwnWords(Trigger.Words);
     if (!Own || Own->Lines.empty()) {
       Script.Lack("triggers", "the " + What, "its text is another engine's alone");
       continue;
     }
-    Script.Add(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), What);
+    const std::string Name = QuoteStandardName(Trigger.Name);
+    Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), "TRIGGER", Name), What);
     if (Trigger.Enabled.empty()) continue;
     const char* Words = Trigger.Enabled == "Disabled"  ? "DISABLE"
                         : Trigger.Enabled == "Replica" ? "ENABLE REPLICA"
                         : Trigger.Enabled == "Always"  ? "ENABLE ALWAYS"
                                                        : nullptr;
     if (!Words) throw EDatabaseError(Format("Cannot make %s: its state '%s' is not known", What, Trigger.Enabled));
-    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, QuoteStandardName(Trigger.Name)), What);
+    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, Name), What);
   }
 }
 

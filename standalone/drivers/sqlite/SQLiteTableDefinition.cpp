@@ -114,29 +114,31 @@ const TColumnInfo* TSQLiteTableDefinition::Column(std::string_view Name) const {
 }
 
 /// The expression as other engines would have it, without the casts of numbers that are kept as texts; nothing where
-/// such numbers are compared as texts, or truth values are numbers, which they are here only.
+/// such numbers are compared as texts, or where truth values, or columns of any kind of values, are taken for numbers,
+/// which others do not do.
 std::optional<std::string> TSQLiteTableDefinition::WithoutCasts(std::string_view Text) const {
   const std::vector<TSQLiteToken> Tokens = SQLiteTokens(Text);
   std::string Result;
-  bool HasTruth = false;
-  bool HasNumber = false;
+  bool HasLoose = false;
+  bool Counts = false;
   const auto IsCast = [&](std::size_t At) {
     return At >= 2 && At + 3 < Tokens.size() && Tokens[At - 2].Is("CAST") && Tokens[At - 1].IsSymbol('(') &&
            Tokens[At + 1].Is("AS") && Tokens[At + 2].Is("NUMERIC") && Tokens[At + 3].IsSymbol(')');
   };
   std::size_t Copied = 0;
   for (std::size_t At = 0; At < Tokens.size(); ++At) {
-    HasNumber = HasNumber || Tokens[At].Kind == TSQLiteToken::TKind::Number;
+    Counts = Counts || Tokens[At].Kind == TSQLiteToken::TKind::Number || Tokens[At].IsSymbol('+') ||
+             Tokens[At].IsSymbol('-') || Tokens[At].IsSymbol('*');
     const bool IsName = Tokens[At].IsName() && Tokens[At].Kind != TSQLiteToken::TKind::Text;
     const TColumnInfo* Named = IsName ? Column(Tokens[At].Name()) : nullptr;
     if (!Named) continue;
-    HasTruth = HasTruth || Named->Kind == TKvKind::Boolean;
+    HasLoose = HasLoose || Named->Kind == TKvKind::Boolean || Named->Kind == TKvKind::Null;
     if (!KeepsNumbersAsTexts(FieldTypeOf(Named->DeclaredType).Type, Named->DeclaredType)) continue;
     if (!IsCast(At)) return std::nullopt;
     Result.append(Text.substr(Copied, Tokens[At - 2].Start - Copied)).append(Tokens[At].Text);
     Copied = Tokens[At + 3].Behind();
   }
-  if (HasTruth && HasNumber) return std::nullopt;
+  if (HasLoose && Counts) return std::nullopt;
   return Result.append(Text.substr(Copied));
 }
 

@@ -3,6 +3,7 @@
 #include "standalone/drivers/sqlite/SQLiteTableScript.h"
 #include "standalone/drivers/sqlite/SQLiteWords.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
@@ -24,7 +25,7 @@ void TSQLiteTableScript::AddTableGaps() {
   for (const TDicField& Field : FTable.Fields)
     if (!WordsOf(Field.Words, "sqlite") && (Field.Size || Field.Scale)) ++Lengths;
   if (Lengths > 0)
-    AddGap("types", Format("the lengths and precisions of %d field(s)", Lengths),
+    AddGap("types", "the lengths and precisions of " + Counted(Lengths, "field"),
            "SQLite takes longer values, and gives them back", true);
 }
 

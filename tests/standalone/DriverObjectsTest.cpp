@@ -1,13 +1,15 @@
-// Views, generators and procedures, made from structures, as every engine has them.
+// Tables, views, generators and procedures, made from structures, as every engine has them.
 
 #include <gmock/gmock.h>
 
 #include "standalone/dictionary/CatalogueGenerators.h"
 #include "standalone/dictionary/DicDatabase.h"
+#include "standalone/dictionary/StandaloneDictionary.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/structures/StructureStore.h"
 #include "tests/standalone/DriverFixture.h"
+#include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
@@ -121,6 +123,44 @@ TEST_P(DriverObjectsTest, AreMadeFoundAndDroppedWhateverTheirNames) {
     }
 }
 
+TEST_P(DriverObjectsTest, TablesAreMadeFoundAndDroppedToo) {
+  TStandaloneDictionary Dictionary(Manager);
+  TDicTableDescription Table;
+  Table.Fields = {{.Name = "a\"b", .Type = TDicFieldType::Int64, .NotNull = true},
+                  {.Name = "select", .Type = TDicFieldType::String, .Size = 20}};
+  Table.Keys = {{.Primary = true, .Columns = {{"a\"b"}}}};
+  const auto Make = [&] {
+    return ErrorOf([&] {
+      TTransaction Transaction(Url);
+      Dictionary.CreateTableByDef(Url, Table, Dictionary.GetCreateTablePatternString("", Url), TTableScriptPart::All);
+      Transaction.Commit();
+    });
+  };
+  for (const std::string Name : {"Plain", "select", "a\"b", "x'; DROP TABLE Y; --", "Заказы", " blanks ", "%s"}) {
+    SCOPED_TRACE(Name);
+    TDicTableDescription Found;
+    EXPECT_FALSE(Dictionary.GetDicTable(Url).GetTableInfo(Name, Found));
+    Table.Name = Name;
+    StoreDescription(Url, Table);
+    ASSERT_TRUE(Dictionary.GetDicTable(Url).GetTableInfo(LowerCase(Name), Found));
+    EXPECT_EQ(Found, Table);
+    Manager.StartTransaction(Url, TIsolationLevel::RepeatableRead);
+    ASSERT_EQ(Make(), "no error");
+    EXPECT_TRUE(Connection().Schema().FindTable(Name));
+    Manager.RollbackTransaction(Url);
+    EXPECT_FALSE(Connection().Schema().FindTable(Name));
+    ASSERT_EQ(Make(), "no error");
+    EXPECT_EQ(Connection().Schema().FindTable(UpperCase(Name))->Name, Name);
+    EXPECT_FALSE(Objects.ViewExist(Name));
+    EXPECT_NE(Make(), "no error");
+    ASSERT_TRUE(Dictionary.GetDicTable(Url).GetTableInfo(Name, Found));
+    EXPECT_NE(WordsOf(Found.Fields[0].Words, Engine()), nullptr) << "the engine's words are kept";
+    Dictionary.DropTable(Url, Table);
+    EXPECT_FALSE(Connection().Schema().FindTable(Name));
+    EXPECT_NE(ErrorOf([&] { Dictionary.DropTable(Url, Table); }), "no error");
+  }
+}
+
 TEST_P(DriverObjectsTest, OnesThatAreRolledBackOrRefusedLeaveNothing) {
   for (const int Kind : Kinds) StoreStructure(Kind, "O");
   for (const int Kind : Kinds) {
@@ -211,7 +251,7 @@ TEST_P(DriverObjectsTest, ViewsAreTriedAndReplaced) {
 // One that no engine has takes the place of the other one in these.
 TEST_P(DriverObjectsTest, TextsOfOtherEnginesAreTriedAndNamed) {
   StoreDescription(Url, View("GOOD", "SELECT 1 AS \"N\"", "odbc"));
-  StoreDescription(Url, View("BAD", "SELECT TOP 1 FROM", "odbc"));
+  StoreDescription(Url, View("BAD", "SELECT 1 AS \"N\" FROM \"NOWHERE\"", "odbc"));
   Objects.CreateView("good", false, false);
   EXPECT_EQ(StoredView(Url, "GOOD")->Words.at(Engine()).Lines.size() > 0, true);
   EXPECT_EQ(StoredView(Url, "GOOD")->Words.at("odbc").Lines, std::vector<std::string>{"SELECT 1 AS \"N\""});
@@ -221,7 +261,8 @@ TEST_P(DriverObjectsTest, TextsOfOtherEnginesAreTriedAndNamed) {
   EXPECT_FALSE(StoredProcedure(Url, "GOOD", true)->Words.at(Engine()).Lines.empty());
 
   const std::string ViewError = ErrorOf([&] { Objects.CreateView("BAD", false, false); });
-  EXPECT_THAT(ViewError, AllOf(HasSubstr("EGap"), HasSubstr("the view 'BAD'"), HasSubstr("ODBC"), HasSubstr("TOP")));
+  EXPECT_THAT(ViewError,
+              AllOf(HasSubstr("EGap"), HasSubstr("the view 'BAD'"), HasSubstr("ODBC"), HasSubstr("NOWHERE")));
   EXPECT_THAT(Create(ExecStoredProcObjectType, "BAD"),
               AllOf(HasSubstr("EGap"), HasSubstr("the procedure 'BAD'"), HasSubstr("ODBC")));
   Gaps.TakeNoted();

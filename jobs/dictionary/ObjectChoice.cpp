@@ -49,8 +49,11 @@ void RefuseNames(const std::vector<TDefinedObject>& Objects) {
 
 std::vector<TDefinedObject> ChosenObjects(std::vector<TDefinedObject> All, const std::vector<std::string>& Names,
                                           const std::string& Database) {
+  if (Names.empty()) {
+    RefuseNames(All);
+    return All;
+  }
   std::vector<TDefinedObject> Result;
-  if (Names.empty()) Result = std::move(All);
   for (const std::string& Name : Names) {
     const std::size_t Before = Result.size();
     AddNamed(Result, All, Name);

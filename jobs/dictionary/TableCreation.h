@@ -57,6 +57,8 @@ class TTableCreation {
   bool IsCancelled(const std::string& Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
+  /// As it is to be made.
+  TDicTableDescription Named(TDicTableDescription Table) const;
   void AskFor(const std::vector<TEntry*>& Tables);
   void CheckScripts(const std::vector<const TEntry*>& Tables);
   /// Whether the table that a foreign key refers to is there, or will be.

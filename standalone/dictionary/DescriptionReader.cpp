@@ -21,7 +21,8 @@ std::string PathOf(const TDSPNode& Node) {
     }
     std::string Name = At->Name();
     if (Namesakes > 1) Name += Format("[%d]", Number);
-    Path = Path.empty() ? Name : Name + DSPNameSeparator + Path;
+    if (!Path.empty()) Name += DSPNameSeparator;
+    Path.insert(0, Name);
   }
   return Path;
 }

@@ -1,9 +1,7 @@
 #include "standalone/drivers/ExpressionParser.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -11,6 +9,7 @@
 
 #include "standalone/drivers/ExpressionCasts.h"
 #include "standalone/drivers/ExpressionLexer.h"
+#include "standalone/drivers/ExpressionMaker.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
@@ -19,7 +18,7 @@ namespace {
 constexpr int MostLevels = 250;  // more than any tree is deep
 
 using TKind = TExpressionKind;
-using TNodes = std::vector<TExpression>;
+using TNodes = TExpressionMaker::TNodes;
 
 // How tightly operators bind, loosest first.
 enum TLevel { OfOr = 1, OfAnd, OfNot, OfEquation, OfOrder, OfSum, OfProduct, OfUnary };
@@ -37,42 +36,9 @@ constexpr std::array<TFunction, 6> Functions = {{{"COALESCE", "COALESCE", 2, 100
                                                  {"UPPER", "UPPER", 1, 1},
                                                  {"ABS", "ABS", 1, 1}}};
 
-TNodes Two(TExpression A, TExpression B) {
-  TNodes Nodes;
-  Nodes.push_back(std::move(A));
-  Nodes.push_back(std::move(B));
-  return Nodes;
-}
-
-TExpression Compared(TExpression A, std::string Sign, TExpression B) {
-  return {TKind::Comparison, std::move(Sign), Two(std::move(A), std::move(B))};
-}
-
-/// As engines keep it that turn it into comparisons.
-TExpression Between(const TExpression& What, TExpression Low, TExpression High, bool Not) {
-  return {Not ? TKind::Or : TKind::And, "",
-          Two(Compared(What, Not ? "<" : ">=", std::move(Low)), Compared(What, Not ? ">" : "<=", std::move(High)))};
-}
-
-/// As engines keep it that compare with constants at once, and with every other item by itself behind them.
-TExpression InList(const TExpression& What, TNodes Items, bool Not) {
-  TNodes Parts;
-  const auto IsConstant = [](const TExpression& Item) { return !Item.HasColumns(); };
-  if (std::ranges::count_if(Items, IsConstant) > 1) {
-    const auto Others = std::stable_partition(Items.begin(), Items.end(), IsConstant);
-    TNodes Constants = {What};
-    std::move(Items.begin(), Others, std::back_inserter(Constants));
-    Items.erase(Items.begin(), Others);
-    Parts.emplace_back(TKind::In, Not ? "NOT IN" : "IN", std::move(Constants));
-  }
-  for (TExpression& Item : Items) Parts.push_back(Compared(What, Not ? "<>" : "=", std::move(Item)));
-  if (Parts.size() == 1) return std::move(Parts.front());
-  return {Not ? TKind::And : TKind::Or, "", std::move(Parts)};
-}
-
 class TParser {
  public:
-  TParser(std::string_view Text, const TExpressionSource& Source) : FLexer(Text), FSource(Source) {}
+  TParser(std::string_view Text, const TExpressionSource& Source) : FLexer(Text), FSource(Source), FMaker(Source) {}
 
   TExpression Whole() {
     TExpression Result = Parse(OfOr);
@@ -123,7 +89,7 @@ class TParser {
   TExpression Prefix(int Least) {
     if (Least > OfNot || !Take("NOT")) return Unary();
     TNodes Nodes;
-    Nodes.push_back(Parse(OfNot));
+    Nodes.push_back(FMaker.Truth(Parse(OfNot)));
     return {TKind::Not, "", std::move(Nodes)};
   }
 
@@ -144,7 +110,14 @@ class TParser {
 
   bool Join(TExpression& Left, TKind Kind, std::string Text, int Least) {
     TExpression Right = Parse(Least);
-    Left = TExpression(Kind, std::move(Text), Two(std::move(Left), std::move(Right)));
+    if (Kind == TKind::Comparison)
+      Left = FMaker.Compared(std::move(Left), std::move(Text), std::move(Right));
+    else if (Kind == TKind::Or || Kind == TKind::And)
+      Left =
+          TExpression(Kind, "", TExpressionMaker::Two(FMaker.Truth(std::move(Left)), FMaker.Truth(std::move(Right))));
+    else
+      Left = TExpression(Kind, std::move(Text),
+                         TExpressionMaker::Two(FMaker.Number(std::move(Left)), FMaker.Number(std::move(Right))));
     return true;
   }
 
@@ -156,7 +129,7 @@ class TParser {
         if (Take("ANY") != Equal) Fail();
         if (!Equal) Expect("ALL");
         ExpectSign("(");
-        Left = InList(Left, Array(), !Equal);
+        Left = FMaker.InList(Left, Array(), !Equal);
         ExpectSign(")");
         return true;
       }
@@ -173,13 +146,13 @@ class TParser {
     if (Not && Take("NULL")) return MakeIs(Left, true);
     if (Take("IN")) {
       ExpectSign("(");
-      Left = InList(Left, List(), Not);
+      Left = FMaker.InList(Left, List(), Not);
       return true;
     }
     if (Take("BETWEEN")) {
       TExpression Low = Parse(OfOrder);
       Expect("AND");
-      Left = Between(Left, std::move(Low), Parse(OfOrder), Not);
+      Left = FMaker.Between(Left, std::move(Low), Parse(OfOrder), Not);
       return true;
     }
     if (Not) Fail();
@@ -239,7 +212,7 @@ class TParser {
       return {TKind::Number, Minus ? Operand.Text.substr(1) : NumberText('-' + Operand.Text)};
     }
     TNodes Nodes;
-    Nodes.push_back(std::move(Operand));
+    Nodes.push_back(FMaker.Number(std::move(Operand)));
     return {TKind::Minus, "", std::move(Nodes)};
   }
 
@@ -310,7 +283,7 @@ class TParser {
     if (Of) Nodes.push_back(Parse(OfOr));
     do {
       Expect("WHEN");
-      Nodes.push_back(Parse(OfOr));
+      Nodes.push_back(Of ? FMaker.AsOther(Parse(OfOr), Nodes.front()) : FMaker.Truth(Parse(OfOr)));
       Expect("THEN");
       Nodes.push_back(Parse(OfOr));
     } while (FLexer.IsWord("WHEN"));
@@ -324,6 +297,7 @@ class TParser {
 
   TExpressionLexer FLexer;
   const TExpressionSource& FSource;
+  const TExpressionMaker FMaker;
   int FLevel = 0;
 };
 

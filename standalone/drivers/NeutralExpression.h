@@ -16,6 +16,10 @@ struct TExpressionSource {
   /// Types, in lower case as the engine writes them behind "::", whose casts change nothing of a literal or a column:
   /// "text", "character varying". Others leave an expression without a neutral form.
   std::function<bool(std::string_view Type)> IsIdleCast;
+  /// Of an engine whose truths are numbers: whether the column of that exact name is of truths. Its 0 and 1 become
+  /// FALSE and TRUE, and what takes other numbers for truths, or the other way round, has no neutral form. Empty: the
+  /// engine keeps them apart by itself.
+  std::function<bool(std::string_view Column)> IsBoolean = {};
 };
 
 /// An expression that every engine understands: literals, columns, comparison, + - *, AND OR NOT IN BETWEEN IS NULL,

@@ -173,6 +173,33 @@ TEST(NeutralExpressionTest, WhatOneEngineAloneUnderstandsHasNoNeutralForm) {
   EXPECT_EQ(NeutralExpression("\"true\" = 1", True), R"("true" = 1)");
 }
 
+TEST(NeutralExpressionTest, NumbersThatAreTruthsBecomeThemAndOthersHaveNoNeutralForm) {
+  TExpressionSource Numbers = Source();
+  Numbers.IsBoolean = [](std::string_view Column) { return Column == "b"; };
+  const std::vector<std::pair<std::string, std::optional<std::string>>> Texts = {
+      {"b in (0, 1)", R"("b" IN (FALSE, TRUE))"},
+      {"b in (1)", R"("b" = TRUE)"},
+      {"b = 1 or not b", R"("b" = TRUE OR NOT "b")"},
+      {"1 <> b", R"(TRUE <> "b")"},
+      {"(a > 1) = 0", R"(("a" > 1) = FALSE)"},
+      {"a in (0, 1)", R"("a" IN (0, 1))"},
+      {"b between 0 and 1", R"("b" >= FALSE AND "b" <= TRUE)"},
+      {"case b when 1 then a else 0 end > 0", R"(CASE "b" WHEN TRUE THEN "a" ELSE 0 END > 0)"},
+      {"case when 1 then a end", R"(CASE WHEN TRUE THEN "a" END)"},
+      {"b = null", R"("b" = NULL)"},
+      {"b = 2", {}},
+      {"b = a", {}},
+      {"b in (0, 'x')", {}},
+      {"a or b", {}},
+      {"not a", {}},
+      {"abs(a) and b", {}},
+      {"case when a then 1 end", {}},
+      {"a + b > 1", {}},
+      {"-(a > 1) = 1", {}},
+  };
+  for (const auto& [Text, Neutral] : Texts) EXPECT_EQ(NeutralExpression(Text, Numbers), Neutral) << Text;
+}
+
 struct TDefault {
   TDicFieldType Type;
   std::string Text;

@@ -147,7 +147,7 @@ TEST_F(SQLiteDefinitionsTest, DeclarationsAreMadeAgainInOneForm) {
        R"("a" MONEY TEXT, "b", CHECK (a>9), CHECK (cast([A]as NUMERIC)>09 OR a='a'), )"
        R"(CHECK (CAST("a" AS NUMERIC) > "b"), CHECK ("b" > 'a'))"},
       {"(a BOOL CHECK (a IN (0, 1)) CHECK (a OR a IS NULL))",
-       R"("a" BOOL, CHECK (a IN (0, 1)), CHECK ("a" OR "a" IS NULL))"},
+       R"("a" BOOL, CHECK ("a" IN (FALSE, TRUE)), CHECK ("a" OR "a" IS NULL))"},
       {"(a TEXT, b INT, PRIMARY KEY (a)) STRICT, WITHOUT ROWID", R"("a" TEXT, "b" INT, PRIMARY KEY ("a"))",
        " STRICT, WITHOUT ROWID"},
   };

@@ -114,8 +114,8 @@ const TColumnInfo* TSQLiteTableDefinition::Column(std::string_view Name) const {
 }
 
 /// The expression as other engines would have it, without the casts of numbers that are kept as texts; nothing where
-/// such numbers are compared as texts, or where truth values, or columns of any kind of values, are taken for numbers,
-/// which others do not do.
+/// such numbers are compared as texts, or where columns of any kind of values are taken for numbers, which others do
+/// not do.
 std::optional<std::string> TSQLiteTableDefinition::WithoutCasts(std::string_view Text) const {
   const std::vector<TSQLiteToken> Tokens = SQLiteTokens(Text);
   std::string Result;
@@ -132,7 +132,7 @@ std::optional<std::string> TSQLiteTableDefinition::WithoutCasts(std::string_view
     const bool IsName = Tokens[At].IsName() && Tokens[At].Kind != TSQLiteToken::TKind::Text;
     const TColumnInfo* Named = IsName ? Column(Tokens[At].Name()) : nullptr;
     if (!Named) continue;
-    HasLoose = HasLoose || Named->Kind == TKvKind::Boolean || Named->Kind == TKvKind::Null;
+    HasLoose = HasLoose || Named->Kind == TKvKind::Null;
     if (!KeepsNumbersAsTexts(FieldTypeOf(Named->DeclaredType).Type, Named->DeclaredType)) continue;
     if (!IsCast(At)) return std::nullopt;
     Result.append(Text.substr(Copied, Tokens[At - 2].Start - Copied)).append(Tokens[At].Text);
@@ -149,7 +149,12 @@ std::optional<std::string> TSQLiteTableDefinition::Neutral(std::string_view Text
                                       const TColumnInfo* Named = Column(Name);
                                       return Named ? std::optional(Named->Name) : std::nullopt;
                                     },
-                                    .IsIdleCast = [](std::string_view) { return false; }});
+                                    .IsIdleCast = [](std::string_view) { return false; },
+                                    .IsBoolean =
+                                        [this](std::string_view Name) {
+                                          const TColumnInfo* Named = Column(Name);
+                                          return Named && Named->Kind == TKvKind::Boolean;
+                                        }});
 }
 
 void TSQLiteTableDefinition::AddIndex(const std::string& Name, const std::string& Statement) {

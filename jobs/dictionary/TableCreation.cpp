@@ -28,6 +28,11 @@ std::vector<std::string> NamesOf(const std::vector<std::string>& Tables) {
   return Result;
 }
 
+TScriptGap KeyToNowhere(const TDicTableDescription& Table, const TDicForeignKey& Key) {
+  return {"references", Format("the foreign key of table '%s' to the table '%s'", Table.FullName(), Key.Table),
+          "that table is neither in the files nor in the database"};
+}
+
 TStandaloneDictionary& InstalledDictionary() {
   if (auto* const Result = dynamic_cast<TStandaloneDictionary*>(&Dictionary())) return *Result;
   throw EAccessViolation("A job needs the stand-alone platform, and another data dictionary is installed");
@@ -42,14 +47,22 @@ class TTableCreation::TMaker final : public TTableMaker {
       : TTableMaker(Operation, Owner.FDatabaseName), FOwner(Owner), FIsUseless(std::move(IsUseless)) {}
 
  private:
-  bool MayMake(const std::vector<TDicTableDescription>&) override { return !FOwner.FDeclined; }
+  /// What was declined beforehand is no error, but left out.
+  void Make(const std::vector<std::string>& Names) override {
+    if (!FOwner.FDeclined) TTableMaker::Make(Names);
+  }
+  bool MayMake(const std::vector<TDicTableDescription>&) override { return true; }
   bool MayGoByName(const TDicTableDescription& Table) override { return !FOwner.IsCancelled(Table.FullName()); }
   void Prepare(TDicTableDescription& Table) override {
     if (FOwner.FPolicies.Names == TMadeNames::Lower) {
       Table = FOwner.Named(std::move(Table));
       StoreDescription(DatabaseName(), Table);
     }
-    std::erase_if(Table.ForeignKeys, [this](const TDicForeignKey& Key) { return !FOwner.IsReachable(Key); });
+    std::erase_if(Table.ForeignKeys, [&](const TDicForeignKey& Key) {
+      const bool Goes = !FOwner.IsReachable(Key);
+      if (Goes) FOwner.FDictionary.Gaps().Take({KeyToNowhere(Table, Key)});
+      return Goes;
+    });
   }
   void HasMade(const TDicTableDescription& Table) override { FOwner.FMade.push_back(Table.FullName()); }
   void HasDropped(const TDicTableDescription& Table) override { std::erase(FOwner.FMade, Table.FullName()); }
@@ -195,10 +208,7 @@ void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
   for (const TEntry* const Table : Tables) {
     const TDicTableDescription& Description = Table->Description;
     for (const TDicForeignKey& Key : Description.ForeignKeys)
-      if (!IsReachable(Key))
-        Take({"references",
-              Format("the foreign key of table '%s' to the table '%s'", Description.FullName(), Key.Table),
-              "that table is neither in the files nor in the database"});
+      if (!IsReachable(Key)) Take(KeyToNowhere(Description, Key));
     try {
       const std::string Pattern = FDictionary.GetCreateTablePatternString(
           FDictionary.GetPatternName(Description.FullName(), FDatabaseName), FDatabaseName);

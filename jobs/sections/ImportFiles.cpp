@@ -1,11 +1,14 @@
 #include "jobs/sections/ImportFiles.h"
 
+#include <algorithm>
 #include <numeric>
 #include <set>
 
 #include "jobs/structures/StructureImport.h"
 #include "jobs/tables/TableImport.h"
+#include "standalone/dictionary/ScriptRun.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
 
 namespace velkrund {
 
@@ -40,6 +43,11 @@ constinit const TInterfaceDescriptor TThis::Interface =
     TJobInterface<TThis>::Describe("TJobImportFilesInterface", {&SectionsJobProperties, Properties});
 
 void TJobImportFiles::CheckSettings() const {
+  const std::vector<std::string> Kinds(std::begin(GapKinds), std::end(GapKinds));
+  for (const std::string& Kind : Policies.AllowMissing)
+    if (std::find(Kinds.begin(), Kinds.end(), Kind) == Kinds.end())
+      throw ESettingsError(Format("%s: '%s' is no kind of things that can be missing%s", Setting("AllowMissing"), Kind,
+                                  ContentHint(Kind, Kinds, "; kinds are ")));
   if (FileNames.empty()) throw ESettingsError(Format("%s names no file", Setting("FileNames")));
   std::set<std::string> Seen;
   for (const std::string& Name : FileNames)

@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -9,6 +10,11 @@
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
+
+/// The kinds of gaps that people may allow.
+inline constexpr std::string_view GapKinds[] = {"checks",  "collations", "computed", "defaults",   "generators",
+                                                "indexes", "keys",       "options",  "procedures", "references",
+                                                "schemas", "triggers",   "types",    "views"};
 
 /// "the check 'C1' of table 'ORDERS': its text is another engine's alone"
 std::string GapText(const TScriptGap& Gap);

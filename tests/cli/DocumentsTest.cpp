@@ -243,6 +243,7 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"dictionary list" + Empty, 0, "structures"},
       {"dictionary show" + Empty + "--name S", 0, "structure"},
       {"dictionary show" + Empty + "--name NONE", 1, "error"},
+      {"dictionary drop" + Empty + "--name S --dry-run", 0, "drop"},
       {"dictionary drop" + Empty + "--name S", 1, "error"},
       {"dictionary drop" + Empty + "--name S --yes", 0, "drop"},
       {"file list F", 0, "sections"},
@@ -251,6 +252,7 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"file check F S", 0, "check"},
       {"file check BAD HIDDEN none X", 1, "check"},
       {"file check HIDDEN --allow-loss", 1, "check"},
+      {"file remove F 0 --dry-run", 0, "removal"},
       {"file remove F 0", 0, "removal"},
       {"file remove F 9", 1, "error"},
       {"file remove F x", 2, "error"},
@@ -258,6 +260,12 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"file repair U", 0, "repair"},
       {"file repair HALF", 0, "repair"},
       {"file repair LF", 0, "repair"},
+      {"dictionary adopt" + Tied + "--all --dry-run", 0, "adoption"},
+      {"dictionary adopt" + Tied + "--all", 0, "adoption"},
+      {"dictionary adopt" + Tied + "--all", 0, "adoption"},
+      {"export table" + Tied + "--all --structures -o DESCRIBED", 0, "transfer"},
+      {"import file -d sqlite:made.db --create -i DESCRIBED --create-tables yes --dry-run", 0, "transfer"},
+      {"import file" + Tied + "-i DESCRIBED --replace --overwrite yes --dry-run", 0, "transfer"},
       {"database info" + Tied, 0, "database"},
       {"database info" + Empty, 0, "database"},
   });
@@ -293,6 +301,23 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"import table -i t -d " + Database.Url(), 1, "transfer"},
       {"export table -t f -o G -d " + Database.Url(), 1, "transfer"},
       {"database info -d postgresql://postgres@127.0.0.1:1/none", 1, "error"},
+  });
+  // An object that PostgreSQL alone has words for, as it is and changed in another engine.
+  Database.Run(
+      "CREATE TYPE mood AS ENUM ('x'); CREATE TABLE c (m mood, k int CHECK (k % 2 = 0)); ALTER TABLE c OWNER TO "
+      "pg_database_owner");
+  Check({
+      {"dictionary adopt -t c -d " + Database.Url(), 0, "adoption"},
+      {"dictionary script --name c -d " + Database.Url(), 0, "script"},
+      {"dictionary script --name c --engine sqlite -d " + Database.Url(), 0, "script"},
+      {"export structure --name c -o C -d " + Database.Url(), 0, "transfer"},
+      {"import file -d sqlite:c.db --create -i C --create-tables yes", 1, "error"},
+      {"import file -d sqlite:c.db --create -i C --create-tables yes --allow-missing checks", 0, "transfer"},
+  });
+  Query("c.db", "ALTER TABLE c RENAME k TO j");
+  Check({
+      {"dictionary adopt -t c -d sqlite:c.db --overwrite no", 0, "adoption"},
+      {"dictionary adopt -t c -d sqlite:c.db --overwrite yes", 0, "adoption"},
   });
   EXPECT_EQ(Description.Unmet(), TArguments());
 }

@@ -103,7 +103,7 @@ TEST(ConfigurationTest, TheExampleThatIsShippedShowsEveryKeyWithItsDefault) {
       ++Keys;
     }
   }
-  EXPECT_EQ(Keys, 10);
+  EXPECT_EQ(Keys, 11);
 }
 
 TEST(ConfigurationTest, SaysFileLineAndKeyOfWhatIsWrong) {

@@ -48,8 +48,11 @@ TSchema ReadSchema(const std::string& Name, const std::string& Engine) {
   if (!File) File.open(Folder + Name + ".sql");
   TSchema Result;
   std::string Same;
-  const std::map<std::string, std::string*> Parts = {
-      {"-- rows", &Result.Rows}, {"-- other rows", &Result.OtherRows}, {"-- after", &Result.After}, {"-- same", &Same}};
+  const std::map<std::string, std::string*> Parts = {{"-- rows", &Result.Rows},
+                                                     {"-- other rows", &Result.OtherRows},
+                                                     {"-- after", &Result.After},
+                                                     {"-- before", &Result.Before},
+                                                     {"-- same", &Same}};
   std::string* Part = &Result.Statements;
   for (std::string Line; std::getline(File, Line);) {
     const std::size_t Colon = Line.find(": ");

@@ -15,6 +15,7 @@ namespace velkrund::tests {
 /// "-- same" (queries with equal results, where the rows of tables do not say all).
 struct TSchema {
   std::string Statements, Rows, OtherRows, After;
+  std::string Before;  // -- before: what tables need that nobody makes with them: sequences, functions
   std::vector<std::string> Same;
   // Lines such as "-- changes: a, b" say more.
   TArguments Options;           // -- options: those with which everything comes back

@@ -1,0 +1,87 @@
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "tests/roundtrip/SchemaTest.h"
+
+namespace velkrund::tests {
+namespace {
+
+const std::string EveryKind =
+    "checks,collations,computed,defaults,indexes,keys,options,references,schemas,triggers,types";
+
+/// Tables that are made from structures, in databases that have none. The parameter: engine and schema.
+class TMadeSchemasTest : public TSchemaTest, public testing::WithParamInterface<std::string> {
+ protected:
+  TMadeSchemasTest() : Engine(GetParam().substr(0, GetParam().find('/'))), Name(GetParam().substr(Engine.size() + 1)) {}
+
+  TTestDatabase MadeSource() {
+    if (Name != "traits") {
+      Schema = ReadSchema(Name, Engine);
+      return Made(Engine, "source", Schema, Schema.Rows);
+    }
+    std::ifstream File(VELKRUND_SOURCE_DIR "/tests/standalone/traits." + Engine + ".sql");
+    return Made(Engine, "source", std::string(std::istreambuf_iterator<char>(File), {}));
+  }
+  /// Every table with its structure, as it would be described where no structure was ever stored.
+  std::string Described(const TTestDatabase& Database, const std::string& File) {
+    for (const char* Table : {"structures", "generators", "procedures", "catalogue"})
+      Database.Run(std::string("DROP TABLE IF EXISTS velkrund_") + Table);
+    remove(Path(File).c_str());
+    const TOutcome Outcome = Run({"export", "table", "-d", Database.Url, "--all", "--structures", "-o", File});
+    EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+    return Read(File);
+  }
+  TOutcome Make(const TTestDatabase& Target, const std::string& File, const TArguments& More) {
+    return Run(TArguments{"import", "file", "-d", Target.Url, "-i", File, "--create-tables", "yes"} + Schema.Options +
+               More);
+  }
+
+  const std::string Engine, Name;
+  TSchema Schema;
+};
+
+TEST_P(TMadeSchemasTest, AreTheVerySame) {
+  const TTestDatabase Source = MadeSource();
+  const std::string Original = Described(Source, "F");
+  const TTestDatabase Target = Made(Engine, "target", Schema.Before);
+  const TOutcome Outcome = Make(Target, "F", {"--allow-missing", "references"});
+  ASSERT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+  const TOutcome Adopted = Run({"dictionary", "adopt", "-d", Target.Url, "--all", "--overwrite", "no"});
+  EXPECT_NE(Adopted.Errors.find(" 0 replaced"), std::string::npos) << Adopted.Errors;
+  EXPECT_NE(Adopted.Errors.find(" 0 left out"), std::string::npos) << Adopted.Errors;
+  EXPECT_EQ(Described(Target, "G"), Original);
+}
+
+TEST_P(TMadeSchemasTest, ComeBackFromTheOtherEngine) {
+  const TTestDatabase Source = MadeSource();
+  const std::string Original = Described(Source, "F");
+  const TTestDatabase Middle = Made(Engine == "sqlite" ? "postgresql" : "sqlite", "middle", "");
+  const TOutcome There = Make(Middle, "F", {"--allow-missing", EveryKind});
+  ASSERT_EQ(There.ExitCode, 0) << There.Errors;
+  ASSERT_EQ(Run({"export", "table", "-d", Middle.Url, "--all", "--structures", "-o", "M"}).ExitCode, 0);
+  const TTestDatabase Target = Made(Engine, "target", Schema.Before);
+  const TOutcome Back = Make(Target, "M", {"--allow-missing", "references"});
+  ASSERT_EQ(Back.ExitCode, 0) << Back.Errors;
+  EXPECT_EQ(Described(Target, "G"), Original);
+}
+
+std::vector<std::string> All() {
+  std::vector<std::string> Result;
+  for (const std::string Engine : {"sqlite", "postgresql"}) {
+    for (const std::string& Name : SchemaNames(Engine)) Result.push_back(Engine + "/" + Name);
+    Result.push_back(Engine + "/traits");
+  }
+  return Result;
+}
+
+std::string Readable(const testing::TestParamInfo<std::string>& Info) {
+  std::string Result = Info.param;
+  std::replace(Result.begin(), Result.end(), '/', '_');
+  return Result;
+}
+
+INSTANTIATE_TEST_SUITE_P(PostgreSQLToo, TMadeSchemasTest, testing::ValuesIn(All()), Readable);
+
+}  // namespace
+}  // namespace velkrund::tests

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <map>
 
+#include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
@@ -57,16 +58,55 @@ void TGapBook::Take(const std::vector<TScriptGap>& Gaps) {
   FNoted.insert(FNoted.end(), Gaps.begin(), Gaps.end());
 }
 
+namespace {
+
+void Run(TConnection& Connection, const TScriptStatement& Statement) {
+  if (!Statement.Unless.empty() && Connection.Query(Statement.Unless)->Next()) return;
+  try {
+    Connection.Execute(Statement.Text);
+  } catch (const EAbort&) {
+    throw;
+  } catch (const EDatabaseError& Error) {
+    throw EDatabaseError(Format("Cannot make %s: %s", Statement.What, Error.what()), Error.Info());
+  }
+}
+
+/// Of something that is not there, rather than of rows, rights or the server.
+bool IsAboutWords(const EDatabaseError& Error) {
+  const TErrorCode Code = Error.Info().Code;
+  return Code == TErrorCode::Database || Code == TErrorCode::TableMissing || Code == TErrorCode::FieldMissing;
+}
+
+}  // namespace
+
 void RunScript(TConnection& Connection, const TScript& Script, TGapBook& Gaps) {
   Gaps.Take(Script.Gaps);
+  for (const TScriptStatement& Statement : Script.Statements) Run(Connection, Statement);
+}
+
+void RunScriptWithGaps(const std::string& DatabaseName, TConnection& Connection, const TScript& Script,
+                       TGapBook& Gaps) {
+  Gaps.Take(Script.Gaps);
   for (const TScriptStatement& Statement : Script.Statements) {
-    if (!Statement.Unless.empty() && Connection.Query(Statement.Unless)->Next()) continue;
+    if (Statement.Kind.empty()) {
+      Run(Connection, Statement);
+      continue;
+    }
     try {
-      Connection.Execute(Statement.Text);
-    } catch (const EAbort&) {
-      throw;
+      TTransaction Part(DatabaseName);
+      Run(Connection, Statement);
+      Part.Commit();
     } catch (const EDatabaseError& Error) {
-      throw EDatabaseError(Format("Cannot make %s: %s", Statement.What, Error.what()), Error.Info());
+      if (!IsAboutWords(Error)) throw;
+      const TScriptGap Gap{Statement.Kind, "the " + Statement.What, Error.what()};
+      if (Gaps.Allows(Gap)) {
+        Gaps.Take({Gap});
+        continue;
+      }
+      TErrorInfo Info = Error.Info();
+      Info.Code = TErrorCode::NoWords;
+      Info.Value = Statement.Kind;
+      throw EDatabaseError(Format("%s (it is of the kind %s)", Error.what(), Statement.Kind), Info);
     }
   }
 }

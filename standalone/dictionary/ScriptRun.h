@@ -49,5 +49,8 @@ class EGap final : public EDatabaseError {
 
 /// Runs the statements in order, in the caller's transaction. An error says what was made.
 void RunScript(TConnection& Connection, const TScript& Script, TGapBook& Gaps);
+/// The same where things may be left out: what the engine refuses, because something that it needs is not there, is a
+/// gap of the statement's kind. Connection: of that database.
+void RunScriptWithGaps(const std::string& DatabaseName, TConnection& Connection, const TScript& Script, TGapBook& Gaps);
 
 }  // namespace velkrund

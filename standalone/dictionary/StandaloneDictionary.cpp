@@ -105,7 +105,8 @@ TScript TStandaloneDictionary::Script(const std::string& DatabaseName, const TDi
 
 void TStandaloneDictionary::CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                                              const std::string& Pattern, TTableScriptPart Part) {
-  RunScript(FManager.Databases().Connection(DatabaseName), Script(DatabaseName, Description, Pattern, Part), FGaps);
+  RunScriptWithGaps(DatabaseName, FManager.Databases().Connection(DatabaseName),
+                    Script(DatabaseName, Description, Pattern, Part), FGaps);
   if (Part != TTableScriptPart::Table) StoreWords(DatabaseName, Description.FullName());
 }
 
@@ -118,7 +119,8 @@ TScript TStandaloneDictionary::IndexScript(const std::string& DatabaseName, cons
 
 void TStandaloneDictionary::CreateIndexesByDef(const std::string& DatabaseName,
                                                const TDicTableDescription& Description) {
-  RunScript(FManager.Databases().Connection(DatabaseName), IndexScript(DatabaseName, Description), FGaps);
+  RunScriptWithGaps(DatabaseName, FManager.Databases().Connection(DatabaseName), IndexScript(DatabaseName, Description),
+                    FGaps);
 }
 
 void TStandaloneDictionary::DropTable(const std::string& DatabaseName, const TDicTableDescription& Description) {

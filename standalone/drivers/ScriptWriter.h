@@ -33,6 +33,7 @@ struct TScriptStatement {
   std::string Text;         // without a semicolon at its end
   std::string What;         // for messages: "index 'I1' of table 'ORDERS'"
   std::string Unless = {};  // a query; the statement is not needed where that yields a row
+  std::string Kind = {};    // of the gap that it leaves where the engine refuses it; empty: nothing goes without it
 };
 
 struct TScript {

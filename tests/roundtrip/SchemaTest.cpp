@@ -100,7 +100,7 @@ TTestDatabase TSchemaTest::Made(const std::string& Engine, const std::string& Na
 
 TTestDatabase TSchemaTest::Made(const std::string& Engine, const std::string& Name, const TSchema& Schema,
                                 const std::string& Rows) {
-  const TTestDatabase Result = Made(Engine, Name, Schema.Statements);
+  const TTestDatabase Result = Made(Engine, Name, Schema.Before + Schema.Statements);
   for (const std::string& Statements : {Rows, Schema.After}) Result.Run(Statements);
   return Result;
 }

@@ -11,11 +11,10 @@
 namespace velkrund::tests {
 
 /// A file of schemas/: NAME.sql for every engine, or NAME.ENGINE.sql. It has the statements of the schema, then, each
-/// after a line with its name, "-- rows", "-- other rows" (for a database that is loaded into), "-- after" (both) and
+/// after a line with its name, "-- before" (what those need: sequences, functions), "-- rows", "-- other rows" (for a database that is loaded into), "-- after" (both) and
 /// "-- same" (queries with equal results, where the rows of tables do not say all).
 struct TSchema {
-  std::string Statements, Rows, OtherRows, After;
-  std::string Before;  // -- before: what tables need that nobody makes with them: sequences, functions
+  std::string Before, Statements, Rows, OtherRows, After;
   std::vector<std::string> Same;
   // Lines such as "-- changes: a, b" say more.
   TArguments Options;           // -- options: those with which everything comes back

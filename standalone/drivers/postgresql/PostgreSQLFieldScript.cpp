@@ -89,6 +89,7 @@ class TFieldScript {
     const bool IsIdentity = FIsIdentity || FField.Auto == TDicAutoKey::Always || FField.Owned.empty();
     if (!IsIdentity) AddOwned();
     if (FField.Auto != TDicAutoKey::None) return IsIdentity ? Identity() : " DEFAULT " + Next();
+    if (Own && Own->find('(') != std::string::npos) return Called(*Own);
     if (Own) return " DEFAULT " + *Own;
     if (const std::string* Base = OwnPart("Base"); Base && Base->find(" DEFAULT ") != std::string::npos) return {};
     if (FField.Default) {
@@ -98,6 +99,15 @@ class TFieldScript {
     } else if (OthersPart(FField.Words, "Default")) {
       FScript.Lack("defaults", "the default of " + What(), "its text is another engine's alone");
     }
+    return {};
+  }
+
+  /// What calls something that may not be there, as a sequence is, is a statement of its own.
+  std::string Called(const std::string& Default) {
+    FAfter.Add(Format("ALTER TABLE %s ALTER COLUMN %s SET DEFAULT %s", PostgreSQLNameOf(FTable),
+                      QuoteStandardName(FField.Name), Default),
+               "default of " + What());
+    FAfter.Statements.back().Kind = "defaults";
     return {};
   }
 

@@ -227,6 +227,7 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
     if (const TDicWords* Own = OwnWords(Index.Words); Own && Own->Text) {
       Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(*Own->Text, SQLName), "INDEX", QuoteStandardName(Index.Name)),
                  What);
+      Script.Statements.back().Kind = "indexes";
       continue;
     }
     std::string Columns;
@@ -261,13 +262,15 @@ void AddTriggers(const std::vector<TDicTrigger>& Triggers, const std::string& SQ
     }
     const std::string Name = QuoteStandardName(Trigger.Name);
     Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), "TRIGGER", Name), What);
+    Script.Statements.back().Kind = "triggers";
     if (Trigger.Enabled.empty()) continue;
     const char* Words = Trigger.Enabled == "Disabled"  ? "DISABLE"
                         : Trigger.Enabled == "Replica" ? "ENABLE REPLICA"
                         : Trigger.Enabled == "Always"  ? "ENABLE ALWAYS"
                                                        : nullptr;
     if (!Words) throw EDatabaseError(Format("Cannot make %s: its state '%s' is not known", What, Trigger.Enabled));
-    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, Name), What);
+    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, Name), "state of " + What);
+    Script.Statements.back().Kind = "triggers";
   }
 }
 

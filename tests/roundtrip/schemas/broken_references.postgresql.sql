@@ -5,11 +5,12 @@
 CREATE TABLE sellers (id integer PRIMARY KEY);
 CREATE TABLE orders (id integer PRIMARY KEY, seller integer REFERENCES sellers);
 CREATE TABLE lines (id integer PRIMARY KEY, order_id integer REFERENCES orders);
+CREATE TRIGGER forgotten BEFORE INSERT ON orders FOR EACH ROW EXECUTE FUNCTION forget_seller();
+-- before
 CREATE FUNCTION forget_seller() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN
   NEW.seller = NULL;
   RETURN NEW;
 END $$;
-CREATE TRIGGER forgotten BEFORE INSERT ON orders FOR EACH ROW EXECUTE FUNCTION forget_seller();
 -- rows
 SET session_replication_role = replica;
 INSERT INTO lines VALUES (1, 10), (2, 77), (3, NULL), (4, 10);

@@ -16,11 +16,12 @@ CREATE TABLE visits_many PARTITION OF visits_known DEFAULT;
 CREATE TABLE visits_other PARTITION OF visits DEFAULT;
 CREATE TABLE notes (id integer PRIMARY KEY, sale integer, day date, FOREIGN KEY (sale, day) REFERENCES sales);
 CREATE TABLE journal (entry text);
+CREATE TRIGGER noted AFTER INSERT OR DELETE ON sales FOR EACH ROW EXECUTE FUNCTION note();
+-- before
 CREATE FUNCTION note() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN
   INSERT INTO journal VALUES (TG_TABLE_NAME || ' ' || TG_OP);
   RETURN NULL;
 END $$;
-CREATE TRIGGER noted AFTER INSERT OR DELETE ON sales FOR EACH ROW EXECUTE FUNCTION note();
 -- rows
 INSERT INTO regions VALUES ('north', 2, '2024-06-01'), ('south', NULL, NULL);
 INSERT INTO sales VALUES (1, '2023-05-01', 'north'), (2, '2024-06-01', 'north'), (3, '1900-01-01', 'south');

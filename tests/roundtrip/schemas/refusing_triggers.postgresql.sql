@@ -3,8 +3,9 @@
 -- refused: guarded
 CREATE TABLE free (id integer PRIMARY KEY);
 CREATE TABLE guarded (id integer PRIMARY KEY, s text);
-CREATE FUNCTION pass_over() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RETURN NULL; END $$;
 CREATE TRIGGER passes_over BEFORE INSERT ON guarded FOR EACH ROW WHEN (NEW.id = 2) EXECUTE FUNCTION pass_over();
+-- before
+CREATE FUNCTION pass_over() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RETURN NULL; END $$;
 -- rows
 INSERT INTO free VALUES (5);
 INSERT INTO guarded VALUES (1, 'a'), (3, 'b');

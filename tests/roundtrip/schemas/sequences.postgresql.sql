@@ -1,12 +1,8 @@
 -- Sequences that belong to a column or to none, feed two tables, partitions or heirs, count down or in steps, stand in another
 -- schema.
-CREATE SEQUENCE shared;
 CREATE TABLE first_half (id integer PRIMARY KEY DEFAULT nextval('shared'), s text);
 CREATE TABLE second_half (id bigint PRIMARY KEY DEFAULT nextval('shared'::regclass), s text);
-CREATE SEQUENCE down INCREMENT -3;
 CREATE TABLE below (id bigint DEFAULT nextval('down'), s text);
-CREATE SCHEMA "odd place";
-CREATE SEQUENCE "odd place"."Odd ""seq""" START 1000 INCREMENT 10 CACHE 5;
 CREATE TABLE "odd place".stepped ("Id" integer DEFAULT nextval('"odd place"."Odd ""seq"""'), s text);
 CREATE TABLE serials (a smallserial, b serial, c bigserial, s text);
 CREATE TABLE always_identity (id integer GENERATED ALWAYS AS IDENTITY PRIMARY KEY, s text);
@@ -18,6 +14,11 @@ CREATE TABLE above (id serial, s text);
 CREATE TABLE heir (more text) INHERITS (above);
 CREATE TABLE borrows (id numeric DEFAULT nextval('above_id_seq'), s text);
 CREATE TABLE never_used (id serial, s text);
+-- before
+CREATE SCHEMA "odd place";
+CREATE SEQUENCE shared;
+CREATE SEQUENCE down INCREMENT -3;
+CREATE SEQUENCE "odd place"."Odd ""seq""" START 1000 INCREMENT 10 CACHE 5;
 CREATE SEQUENCE feeds_nothing;
 -- rows
 INSERT INTO first_half (s) VALUES ('a'), ('b');

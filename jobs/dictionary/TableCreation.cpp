@@ -55,7 +55,9 @@ class TTableCreation::TMaker final : public TTableMaker {
   bool MayGoByName(const TDicTableDescription& Table) override { return !FOwner.IsCancelled(Table.FullName()); }
   void Prepare(TDicTableDescription& Table) override {
     if (FOwner.FPolicies.Names == TMadeNames::Lower) {
-      Table = FOwner.Named(std::move(Table));
+      std::vector<TScriptGap> Gaps;
+      Table = FOwner.Named(std::move(Table), Gaps);
+      FOwner.FDictionary.Gaps().Take(Gaps);
       StoreDescription(DatabaseName(), Table);
     }
     std::erase_if(Table.ForeignKeys, [&](const TDicForeignKey& Key) {
@@ -118,7 +120,9 @@ void TTableCreation::AddStructure(TInputFile& Input, int Index) {
     const TDSPNode* const Tree = Structures.Find(*Name, TableObjectType);
     if (!Tree || Tree->GetCount() == 0) return;
     TEntry Entry;
-    Entry.Description = Named(ReadTable(*Tree));
+    Entry.Description = ReadTable(*Tree);
+    NameAfter(Entry.Description, *Name);
+    Entry.Description = Named(std::move(Entry.Description), Entry.Gaps);
     Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(*Name).has_value();
     FEntries[LowerCase(*Name)] = std::move(Entry);
   } catch (const EAbort&) {
@@ -128,9 +132,9 @@ void TTableCreation::AddStructure(TInputFile& Input, int Index) {
   }
 }
 
-TDicTableDescription TTableCreation::Named(TDicTableDescription Table) const {
+TDicTableDescription TTableCreation::Named(TDicTableDescription Table, std::vector<TScriptGap>& Gaps) const {
   if (FPolicies.Names == TMadeNames::Keep) return Table;
-  return WithLoweredNames(std::move(Table), FManager.Databases().Connection(FDatabaseName).Scripts().Engine());
+  return WithLoweredNames(std::move(Table), FManager.Databases().Connection(FDatabaseName).Scripts().Engine(), Gaps);
 }
 
 const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
@@ -141,7 +145,7 @@ const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
     Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Table).has_value();
     if (!Entry.IsThere && !FDictionary.GetDicTable(FDatabaseName).GetTableInfo(Table, Entry.Description))
       return nullptr;
-    Entry.Description = Named(std::move(Entry.Description));
+    Entry.Description = Named(std::move(Entry.Description), Entry.Gaps);
     Found = FEntries.emplace(Key, std::move(Entry)).first;
   }
   return Found->second.IsThere ? nullptr : &Found->second.Description;
@@ -194,8 +198,9 @@ void TTableCreation::AskFor(const std::vector<TEntry*>& Tables) {
 
 bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
   const std::string Name = Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table;
-  return FEntries.contains(LowerCase(Name)) || Find(Name) ||
-         FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Name);
+  const auto Entry = FEntries.find(LowerCase(Name));
+  if (Entry != FEntries.end() && !Entry->second.IsThere) return !Entry->second.IsCancelled;
+  return FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Name).has_value();
 }
 
 /// All that is in the way, of all tables at once.
@@ -207,6 +212,7 @@ void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
   };
   for (const TEntry* const Table : Tables) {
     const TDicTableDescription& Description = Table->Description;
+    std::for_each(Table->Gaps.begin(), Table->Gaps.end(), Take);
     for (const TDicForeignKey& Key : Description.ForeignKeys)
       if (!IsReachable(Key)) Take(KeyToNowhere(Description, Key));
     try {

@@ -50,6 +50,7 @@ class TTableCreation {
   class TMaker;
   struct TEntry {
     TDicTableDescription Description;
+    std::vector<TScriptGap> Gaps = {};  // of its names
     bool IsThere = false;
     bool IsCancelled = false;  // for its name
   };
@@ -57,8 +58,8 @@ class TTableCreation {
   bool IsCancelled(const std::string& Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
-  /// As it is to be made.
-  TDicTableDescription Named(TDicTableDescription Table) const;
+  /// As it is to be made. Gaps: gets what goes with its names.
+  TDicTableDescription Named(TDicTableDescription Table, std::vector<TScriptGap>& Gaps) const;
   void AskFor(const std::vector<TEntry*>& Tables);
   void CheckScripts(const std::vector<const TEntry*>& Tables);
   /// Whether the table that a foreign key refers to is there, or will be.

@@ -155,6 +155,8 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
     TItem Item;
     Item.Structure = TStructureId{Described[I].Item.ObjectType, Described[I].Item.ObjectName};
     Item.Section = StructureText(*Item.Structure);
+    for (const std::string& Gone : Described[I].Gone)
+      FOutcome.Notes.push_back(Format("%s: gone: %s", Item.Section, Gone));
     FStructures.Described.Put(std::move(Described[I].Item), std::move(Described[I].Tree));
     Result.push_back(std::move(Item));
     if (I < WithRows) Result.push_back(std::move(Rows[I]));

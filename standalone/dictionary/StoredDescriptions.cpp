@@ -24,7 +24,9 @@ auto Stored(const std::string& DatabaseName, const std::string& Name, int Object
   const auto Form = LoadStructure(DatabaseName, Name, ObjectType);
   if (!Form) return std::nullopt;
   try {
-    return Read(Form->Root());
+    auto Result = Read(Form->Root());
+    NameAfter(Result, Form->ObjectName);
+    return Result;
   } catch (const EDSPError& Error) {
     throw EDSPError(Format("The structure '%s' (type %d): %s", Name, ObjectType, Error.what()), Error.Info());
   }
@@ -45,6 +47,14 @@ void Store(const std::string& DatabaseName, const TDescription& Object, int Obje
 }
 
 }  // namespace
+
+void NameAfter(TDicObjectDescription& Object, const std::string& Structure) {
+  if (SameText(Object.FullName(), Structure)) return;
+  const std::string Prefix = Object.Schema + ".";
+  const bool IsOfSchema = !Object.Schema.empty() && SameText(Structure.substr(0, Prefix.size()), Prefix);
+  if (!IsOfSchema) Object.Schema.clear();
+  Object.Name = IsOfSchema ? Structure.substr(Prefix.size()) : Structure;
+}
 
 std::string StructureName(std::string_view FullName) { return UpperCase(FullName); }
 

@@ -29,6 +29,10 @@ std::optional<TDicGeneratorDescription> StoredGenerator(const std::string& Datab
 std::optional<TDicProcedureDescription> StoredProcedure(const std::string& DatabaseName, const std::string& Name,
                                                         bool Selects);
 
+/// A copy of a structure may have another name than the object that it was made of: gives the object the structure's
+/// name.
+void NameAfter(TDicObjectDescription& Object, const std::string& Structure);
+
 // Stores a description as the tree of its structure, whose properties stay; one that is not there is made, with the
 // object's full name as the name of its table.
 void StoreDescription(const std::string& DatabaseName, const TDicTableDescription& Table);

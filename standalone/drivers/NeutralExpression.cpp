@@ -65,11 +65,10 @@ constexpr std::array<TMoment, 12> Moments = {{{"CURRENT_TIMESTAMP", "NOW"},
 
 /// Other fields would get the value in a form that is another type's.
 bool Holds(TType Type, std::string_view Moment) {
-  if (Type == TType::String || Type == TType::Any) return true;
   if (Moment == "NOW") return Type == TType::DateTime || Type == TType::ZonedDateTime;
   if (Moment == "TODAY") return Type == TType::Date || Type == TType::DateTime;
   if (Moment == "TIME") return Type == TType::Time || Type == TType::ZonedTime;
-  return Type == TType::Uuid || Type == TType::FixedString;
+  return Type == TType::Uuid || Type == TType::String || Type == TType::FixedString;
 }
 
 /// A cast of a value to the type of its own field, which gets it anyway.

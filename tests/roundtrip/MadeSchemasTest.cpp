@@ -24,13 +24,19 @@ class TMadeSchemasTest : public TSchemaTest, public testing::WithParamInterface<
     return Made(Engine, "source", std::string(std::istreambuf_iterator<char>(File), {}));
   }
   /// Every table with its structure, as it would be described where no structure was ever stored.
-  std::string Described(const TTestDatabase& Database, const std::string& File) {
+  std::string Described(const TTestDatabase& Database, const std::string& File, const TArguments& More = {}) {
     for (const char* Table : {"structures", "generators", "procedures", "catalogue"})
       Database.Run(std::string("DROP TABLE IF EXISTS velkrund_") + Table);
     remove(Path(File).c_str());
-    const TOutcome Outcome = Run({"export", "table", "-d", Database.Url, "--all", "--structures", "-o", File});
+    const TOutcome Outcome =
+        Run(TArguments{"export", "table", "-d", Database.Url, "--all", "--structures", "-o", File} + More);
     EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
-    return Read(File);
+    std::string Result = Read(File);
+    // Keys that rows of the source break are made for rows to come alone.
+    const std::string NotChecked = "      NotChecked:boolean = TRUE\r\n";
+    if (Schema.Options.size() < 2 || Schema.Options[0] != "--broken-references") return Result;
+    for (std::size_t At = 0; (At = Result.find(NotChecked)) != std::string::npos;) Result.erase(At, NotChecked.size());
+    return Result;
   }
   TOutcome Make(const TTestDatabase& Target, const std::string& File, const TArguments& More) {
     return Run(TArguments{"import", "file", "-d", Target.Url, "-i", File, "--create-tables", "yes"} + Schema.Options +
@@ -56,8 +62,9 @@ TEST_P(TMadeSchemasTest, AreTheVerySame) {
 TEST_P(TMadeSchemasTest, ComeBackFromTheOtherEngine) {
   const TTestDatabase Source = MadeSource();
   const std::string Original = Described(Source, "F");
+  Described(Source, "S", {"--columns", "scanned"});
   const TTestDatabase Middle = Made(Engine == "sqlite" ? "postgresql" : "sqlite", "middle", "");
-  const TOutcome There = Make(Middle, "F", {"--allow-missing", EveryKind});
+  const TOutcome There = Make(Middle, "S", {"--allow-missing", EveryKind});
   ASSERT_EQ(There.ExitCode, 0) << There.Errors;
   ASSERT_EQ(Run({"export", "table", "-d", Middle.Url, "--all", "--structures", "-o", "M"}).ExitCode, 0);
   const TTestDatabase Target = Made(Engine, "target", Schema.Before);

@@ -11,7 +11,8 @@
 namespace velkrund::tests {
 
 /// A file of schemas/: NAME.sql for every engine, or NAME.ENGINE.sql. It has the statements of the schema, then, each
-/// after a line with its name, "-- before" (what those need: sequences, functions), "-- rows", "-- other rows" (for a database that is loaded into), "-- after" (both) and
+/// after a line with its name, "-- before" (what those need: sequences, functions), "-- rows", "-- other rows" (for a
+/// database that is loaded into), "-- after" (both) and
 /// "-- same" (queries with equal results, where the rows of tables do not say all).
 struct TSchema {
   std::string Before, Statements, Rows, OtherRows, After;

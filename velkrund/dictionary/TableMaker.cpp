@@ -90,7 +90,7 @@ bool TTableMaker::MakeOne(const TDicTableDescription& Table) {
     FFailed[Key] = std::current_exception();
     return false;
   }
-  HasMade(Table);
+  HasMade(FMade.back().Description);
   return true;
 }
 

@@ -69,7 +69,7 @@ bool IsLongNameTable(const std::string& TableName, const std::string& DatabaseNa
 
 bool IsLongNameTable(const TDicTableDescription& Table, int& Limit) {
   Limit = LimitOf(HasAutoKey(Table));
-  return IsLonger(Table.FullName(), Limit);
+  return IsLonger(Table.Name, Limit);
 }
 
 bool IsLongNameView(const std::string& ViewName) { return IsLonger(ViewName, UsualLimit); }

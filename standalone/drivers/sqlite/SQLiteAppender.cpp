@@ -77,6 +77,7 @@ TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Ta
       Binders.emplace_back(Statement.Handle(), ++Place,
                            TSQLiteBinder::TColumn{.Affinity = AffinityOf(Column.DeclaredType, Traits.Strict),
                                                   .HoldsBytes = Column.Kind == TKvKind::Bytes,
+                                                  .HoldsDecimals = Column.Kind == TKvKind::Currency,
                                                   .IsRowNumber = Index == Traits.RowNumberColumn},
                            Traits.Texts);
     }

@@ -12,6 +12,13 @@ namespace {
 
 constexpr std::uint64_t MaxInt64 = 0x7FFF'FFFF'FFFF'FFFF;
 
+/// Of a text with a point: without the zeros behind the last decimal, and without a point that nothing follows.
+std::string_view WithoutLastZeros(std::string_view Text) {
+  if (Text.find('.') == std::string_view::npos || Text.find_first_of("eE") != std::string_view::npos) return Text;
+  Text = Text.substr(0, Text.find_last_not_of('0') + 1);
+  return Text.ends_with('.') ? Text.substr(0, Text.size() - 1) : Text;
+}
+
 }  // namespace
 
 TSQLiteBinder::TRefusal TSQLiteBinder::Bind(const TKvVariant& Value) {
@@ -115,7 +122,10 @@ TSQLiteBinder::TRefusal TSQLiteBinder::LendText(std::string_view Text) {
 
 TSQLiteBinder::TRefusal TSQLiteBinder::BindNumberText(std::string_view Text) {
   TKvVariant Number;
-  switch (FateOfText(Text, FColumn.Affinity, Number)) {
+  TTextFate Fate = FateOfText(Text, FColumn.Affinity, Number);
+  if (Fate == TTextFate::Changed && FColumn.HoldsDecimals)
+    Fate = FateOfText(WithoutLastZeros(Text), FColumn.Affinity, Number);
+  switch (Fate) {
     case TTextFate::Integer:
       return Result(sqlite3_bind_int64(FStatement, FPlace, Number.AsInteger()));
     case TTextFate::Real:

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/KeysWithNulls.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
@@ -139,6 +140,13 @@ class TTableScript {
     const std::string What = Of(Key.Primary ? "the primary key" : "the unique key", Key.Name);
     const std::string Name = NameWords(Key.Name, "a key of " + FOwner);
     if (const TDicWords* Own = OwnWords(Key.Words); Own && Own->Text) return Name + *Own->Text;
+    for (const auto& [Engine, Words] : Key.Words) {
+      if (!IsPrimaryWithNulls(Key, Engine)) continue;
+      FScript.Lack("keys", "that it is the primary key, of " + What, "it has NULLs", true);
+      TDicKey Others = KeyOfEngine(Key, Engine);
+      Others.Primary = false;
+      return KeyClause(Others);
+    }
     // A sequence never gives a number twice either.
     if (const std::string* Text = OthersText(Key.Words); Text && *Text != "AUTOINCREMENT")
       FScript.Lack("keys", Format("the words '%s' of %s", *Text, What), "they are another engine's alone");

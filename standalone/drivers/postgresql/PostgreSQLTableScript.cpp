@@ -127,10 +127,13 @@ class TTableScript {
       Text.insert(0, " ");
     }
     if (const std::string* Parents = FOwn->Part("Inherits"))
-      for (const std::string& Parent : SplitPostgreSQLNames(*Parents))
+      for (const std::string& Parent : SplitPostgreSQLNames(*Parents)) {
+        FScript.Needs.push_back(PlainPostgreSQLName(Parent));
         After.Add(Format("ALTER TABLE %s INHERIT %s", FSQLName, Parent), FOwner);
+      }
     if (const std::string* Of = FOwn->Part("PartitionOf")) {
       const std::size_t End = EndOfPostgreSQLName(*Of);
+      FScript.Needs.push_back(PlainPostgreSQLName(Of->substr(0, End)));
       After.Add(Format("ALTER TABLE %s ATTACH PARTITION %s%s", Of->substr(0, End), FSQLName, Of->substr(End)), FOwner);
     }
     return Result + Text;

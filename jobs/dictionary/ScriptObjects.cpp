@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "jobs/dictionary/ScriptOrder.h"
 #include "standalone/dictionary/ScriptRun.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/platform/dictionary/Dictionary.h"
@@ -34,6 +35,18 @@ std::string Commented(const std::string& Text) {
   std::string Result = "-- ";
   for (const char C : Text) Result += C == '\n' ? std::string("\n-- ") : std::string(1, C);
   return Result + "\n";
+}
+
+/// What the engine cannot make at all is missing from the script, and does not end it.
+template <typename TMake>
+TScript Made(const char* Kind, const std::string& What, const TMake& Make) {
+  try {
+    return Make();
+  } catch (const EDatabaseError& Error) {
+    TScript Result;
+    Result.Gaps.push_back({Kind, What, Error.what()});
+    return Result;
+  }
 }
 
 }  // namespace
@@ -69,61 +82,90 @@ const TScriptWriter& TThis::Writer() const {
                               ContentHint(Engine, Databases.Schemes(), "; known are ")));
 }
 
+/// What one object needs may be what another one needed: a schema, a type.
 void TThis::Add(TScript Script) {
-  std::move(Script.Statements.begin(), Script.Statements.end(), std::back_inserter(FScript.Statements));
-  std::move(Script.Gaps.begin(), Script.Gaps.end(), std::back_inserter(FScript.Gaps));
+  for (TScriptStatement& Statement : Script.Statements)
+    if (Statement.Unless.empty() || FOnce.insert(Statement.Unless + "\n" + Statement.Text).second)
+      FScript.Statements.push_back(std::move(Statement));
+  for (TScriptGap& Gap : Script.Gaps)
+    if (FOnce.insert(GapText(Gap)).second) FScript.Gaps.push_back(std::move(Gap));
+}
+
+void TThis::AddAll(std::vector<TObjectScript> Scripts) {
+  for (TObjectScript& Each : Scripts) Add(std::move(Each.Script));
 }
 
 void TThis::Run() {
   const std::vector<TStructureId> Structures = Chosen();
   const TScriptWriter& Scripts = Writer();
-  AddOthers(Structures, GeneratorObjectType, Scripts);
-  AddTables(Structures, Scripts);
-  for (const int Type : {ViewObjectType, ExecStoredProcObjectType, SelectStoredProcObjectType})
-    AddOthers(Structures, Type, Scripts);
+  const auto OfTypes = [&](std::initializer_list<int> Types) {
+    std::vector<TObjectScript> Result;
+    for (const int Type : Types)
+      for (const TStructureId& Structure : Structures)
+        if (Structure.Type == Type) ScriptOf(Structure, Scripts, Result);
+    return Result;
+  };
+  TTables Tables = TablesOf(Structures, Scripts);
+  AddAll(OfTypes({GeneratorObjectType}));
+  AddPart(Tables, &TTableParts::Table, Scripts);
+  std::vector<TObjectScript> WithTexts =
+      OfTypes({ExecStoredProcObjectType, SelectStoredProcObjectType, ViewObjectType});
+  OrderByNames(WithTexts);
+  AddAll(std::move(WithTexts));
+  // Foreign keys find the keys that they need.
+  for (bool TTableParts::*const Part :
+       {&TTableParts::Indexes, &TTableParts::ForeignKeys, &TTableParts::Triggers, &TTableParts::Comments})
+    AddPart(Tables, Part, Scripts);
+  for (const TScriptStatement& Statement : FScript.Statements) FText += Scripts.ShellText(Statement);
+  for (const TScriptGap& Gap : FScript.Gaps) FText += Commented("not made: " + GapText(Gap));
 }
 
-/// Of all tables each part before the next one: foreign keys find the keys that they need.
-void TThis::AddTables(const std::vector<TStructureId>& Structures, const TScriptWriter& Writer) {
-  std::vector<std::pair<TDicTableDescription, std::string>> Tables;
+TThis::TTables TThis::TablesOf(const std::vector<TStructureId>& Structures, const TScriptWriter& Writer) {
+  TTables Result;
   const bool IsOwn = &Writer == &Manager().Databases().Connection(DatabaseName).Scripts();
   for (const TStructureId& Structure : Structures) {
     if (Structure.Type != TableObjectType) continue;
     const std::string Pattern = IsOwn ? Dictionary().GetCreateTablePatternString(
                                             Dictionary().GetPatternName(Structure.Name, DatabaseName), DatabaseName)
                                       : Writer.TablePattern();
-    if (auto Table = StoredTable(DatabaseName, Structure.Name)) Tables.emplace_back(std::move(*Table), Pattern);
+    if (auto Table = StoredTable(DatabaseName, Structure.Name)) Result.emplace_back(std::move(*Table), Pattern);
   }
-  for (bool TTableParts::*const Part : {&TTableParts::Table, &TTableParts::Indexes, &TTableParts::ForeignKeys,
-                                        &TTableParts::Triggers, &TTableParts::Comments}) {
-    TTableParts Only{false, false, false, false, false};
-    Only.*Part = true;
-    for (const auto& [Table, Pattern] : Tables) Add(Writer.Table(Table, Only, Pattern));
-  }
-}
-
-void TThis::AddOthers(const std::vector<TStructureId>& Structures, int ObjectType, const TScriptWriter& Writer) {
-  for (const TStructureId& Structure : Structures) {
-    if (Structure.Type != ObjectType) continue;
-    if (ObjectType == GeneratorObjectType) {
-      if (const auto Found = StoredGenerator(DatabaseName, Structure.Name)) Add(Writer.Generator(*Found, std::nullopt));
-    } else if (ObjectType == ViewObjectType) {
-      if (const auto Found = StoredView(DatabaseName, Structure.Name)) Add(Writer.View(*Found, false));
-    } else if (const auto Found =
-                   StoredProcedure(DatabaseName, Structure.Name, ObjectType == SelectStoredProcObjectType)) {
-      Add(Writer.Procedure(*Found, false));
-    }
-  }
-}
-
-std::string TThis::Text() const {
-  std::string Result;
-  for (const TScriptStatement& Statement : FScript.Statements) {
-    if (!Statement.Unless.empty()) Result += Commented("only where this yields no row: " + Statement.Unless);
-    Result += Statement.Text + ";\n";
-  }
-  for (const TScriptGap& Gap : FScript.Gaps) Result += Commented("not made: " + GapText(Gap));
   return Result;
+}
+
+/// Tables keeps those that are made.
+void TThis::AddPart(TTables& Tables, bool TTableParts::*Part, const TScriptWriter& Writer) {
+  TTableParts Only{false, false, false, false, false};
+  Only.*Part = true;
+  std::vector<TObjectScript> Scripts;
+  std::erase_if(Tables, [&](const TTables::value_type& Each) {
+    const auto& [Table, Pattern] = Each;
+    const std::string Name = Table.FullName();
+    Scripts.push_back({Table.Name, Name, Made("options", Format("the table '%s'", Name), [&] {
+                         return Writer.Table(Table, Only, Pattern);
+                       })});
+    return Only.Table && Scripts.back().Script.Statements.empty();
+  });
+  OrderByNeeds(Scripts);
+  AddAll(std::move(Scripts));
+}
+
+void TThis::ScriptOf(const TStructureId& Structure, const TScriptWriter& Writer, std::vector<TObjectScript>& Result) {
+  const auto Take = [&](const auto& Found, const char* Kind, const char* What, const auto& Make) {
+    if (!Found) return;
+    const std::string Name = Found->FullName();
+    Result.push_back({Found->Name, Name, Made(Kind, Format("the %s '%s'", What, Name), Make)});
+  };
+  if (Structure.Type == GeneratorObjectType) {
+    const auto Found = StoredGenerator(DatabaseName, Structure.Name);
+    Take(Found, "generators", "generator", [&] { return Writer.Generator(*Found, std::nullopt); });
+  } else if (Structure.Type == ViewObjectType) {
+    const auto Found = StoredView(DatabaseName, Structure.Name);
+    Take(Found, "views", "view", [&] { return Writer.View(*Found, false); });
+  } else {
+    const auto Found = StoredProcedure(DatabaseName, Structure.Name, Structure.Type == SelectStoredProcObjectType);
+    Take(Found, "procedures", "procedure", [&] { return Writer.Procedure(*Found, false); });
+  }
 }
 
 void TThis::Describe(TDocument& Document) const {

@@ -52,7 +52,14 @@ class TTableCreation::TMaker final : public TTableMaker {
     if (!FOwner.FDeclined) TTableMaker::Make(Names);
   }
   bool MayMake(const std::vector<TDicTableDescription>&) override { return true; }
-  bool MayGoByName(const TDicTableDescription& Table) override { return !FOwner.IsCancelled(Table.FullName()); }
+  bool MayGoByName(const TDicTableDescription& Table) override {
+    const TEntry* const Entry = FOwner.EntryOf(Table.FullName());
+    return !Entry || !Entry->IsCancelled;
+  }
+  bool CanMake(const TDicTableDescription& Table) override {
+    const TEntry* const Entry = FOwner.EntryOf(Table.FullName());
+    return !Entry || !Entry->IsNone;
+  }
   void Prepare(TDicTableDescription& Table) override {
     if (FOwner.FPolicies.Names == TMadeNames::Lower) {
       std::vector<TScriptGap> Gaps;
@@ -151,15 +158,15 @@ const TDicTableDescription* TTableCreation::Find(const std::string& Table) {
   return Found->second.IsThere ? nullptr : &Found->second.Description;
 }
 
-bool TTableCreation::IsCancelled(const std::string& Table) const {
+const TTableCreation::TEntry* TTableCreation::EntryOf(const std::string& Table) const {
   const auto Found = FEntries.find(LowerCase(Table));
-  return Found != FEntries.end() && Found->second.IsCancelled;
+  return Found == FEntries.end() ? nullptr : &Found->second;
 }
 
 std::vector<const TTableCreation::TEntry*> TTableCreation::ToBeMade() const {
   std::vector<const TEntry*> Result;
   for (const auto& [Key, Entry] : FEntries)
-    if (!FDeclined && !Entry.IsThere && !Entry.IsCancelled) Result.push_back(&Entry);
+    if (!FDeclined && !Entry.IsThere && !Entry.IsCancelled && !Entry.IsNone) Result.push_back(&Entry);
   return Result;
 }
 
@@ -176,7 +183,7 @@ void TTableCreation::Settle(TOutcome& Outcome) {
   AskFor(Tables);
   if (!FDeclined) {
     for (TEntry* const Table : Tables) Table->IsCancelled = !FLongNames.MayMakeTable(Table->Description);
-    return CheckScripts(ToBeMade());
+    return CheckScripts(Tables);
   }
   std::vector<std::string> Names;
   for (const TEntry* Table : Tables) Names.push_back(Table->Description.FullName());
@@ -204,13 +211,14 @@ bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
 }
 
 /// All that is in the way, of all tables at once.
-void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
-  std::vector<TScriptGap> Refused;
+void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
+  std::vector<TScriptGap> Refused, OfNone;
   std::vector<std::string> Problems;
   const auto Take = [&](const TScriptGap& Gap) {
     if (!FDictionary.Gaps().Allows(Gap)) Refused.push_back(Gap);
   };
-  for (const TEntry* const Table : Tables) {
+  for (TEntry* const Table : Tables) {
+    if (Table->IsCancelled) continue;
     const TDicTableDescription& Description = Table->Description;
     std::for_each(Table->Gaps.begin(), Table->Gaps.end(), Take);
     for (const TDicForeignKey& Key : Description.ForeignKeys)
@@ -220,6 +228,8 @@ void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
           FDictionary.GetPatternName(Description.FullName(), FDatabaseName), FDatabaseName);
       const TScript Script = FDictionary.Script(FDatabaseName, Description, Pattern, TTableScriptPart::All);
       std::for_each(Script.Gaps.begin(), Script.Gaps.end(), Take);
+      Table->IsNone = Script.Statements.empty();
+      if (Table->IsNone) OfNone.insert(OfNone.end(), Script.Gaps.begin(), Script.Gaps.end());
     } catch (const EDatabaseError& Error) {
       Problems.emplace_back(Error.what());
     }
@@ -228,6 +238,7 @@ void TTableCreation::CheckScripts(const std::vector<const TEntry*>& Tables) {
     throw EDatabaseError(Format("%s cannot be made: %s", Counted(static_cast<std::int64_t>(Problems.size()), "table"),
                                 Joined(Problems)));
   if (!Refused.empty()) throw EGap(std::move(Refused));
+  FDictionary.Gaps().Take(OfNone);
 }
 
 void TTableCreation::AddSteps(TTableScriptPart Part, std::vector<TPlanStep>& Steps) const {

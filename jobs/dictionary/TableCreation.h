@@ -53,15 +53,16 @@ class TTableCreation {
     std::vector<TScriptGap> Gaps = {};  // of its names
     bool IsThere = false;
     bool IsCancelled = false;  // for its name
+    bool IsNone = false;       // the engine makes no table of it
   };
 
-  bool IsCancelled(const std::string& Table) const;
+  const TEntry* EntryOf(const std::string& Table) const;
   std::vector<TEntry*> Missing();
   std::vector<const TEntry*> ToBeMade() const;
   /// As it is to be made. Gaps: gets what goes with its names.
   TDicTableDescription Named(TDicTableDescription Table, std::vector<TScriptGap>& Gaps) const;
   void AskFor(const std::vector<TEntry*>& Tables);
-  void CheckScripts(const std::vector<const TEntry*>& Tables);
+  void CheckScripts(const std::vector<TEntry*>& Tables);
   /// Whether the table that a foreign key refers to is there, or will be.
   bool IsReachable(const TDicForeignKey& Key);
   void AddSteps(TTableScriptPart Part, std::vector<TPlanStep>& Steps) const;

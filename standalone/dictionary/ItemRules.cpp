@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "standalone/dictionary/DescriptionWords.h"
+#include "standalone/drivers/KeysWithNulls.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -143,9 +144,10 @@ TMatches Match(const std::vector<TDicField>& Stored, const std::vector<TDicField
   return MatchByName(Stored, Now);
 }
 
-TMatches Match(const std::vector<TDicKey>& Stored, const std::vector<TDicKey>& Now, std::string_view) {
-  const auto Same = [](const TDicKey& A, const TDicKey& B) {
-    return A.Primary == B.Primary && Names(A.Columns) == Names(B.Columns);
+TMatches Match(const std::vector<TDicKey>& Stored, const std::vector<TDicKey>& Now, std::string_view Engine) {
+  const auto IsPrimary = [&](const TDicKey& Key) { return Key.Primary || IsPrimaryWithNulls(Key, Engine); };
+  const auto Same = [&](const TDicKey& A, const TDicKey& B) {
+    return IsPrimary(A) == IsPrimary(B) && Names(A.Columns) == Names(B.Columns);
   };
   return MatchBy<TDicKey>(Stored, Now,
                           {[&](const TDicKey& A, const TDicKey& B) { return Same(A, B) && A.Name == B.Name; }, Same});
@@ -186,7 +188,9 @@ bool IsAsStored(const TDicField& Stored, const TDicField& Now, const TEngineView
 }
 
 bool IsAsStored(const TDicKey& Stored, const TDicKey& Now, const TEngineView& View) {
-  return HasSameWords(Stored.Words, Now.Words, View.Engine) && Neutral(Stored, View) == Neutral(Now, View);
+  // Nobody has looked for NULLs again.
+  const TDicKey Old = Now.Primary ? KeyOfEngine(Stored, View.Engine) : Stored;
+  return HasSameWords(Old.Words, Now.Words, View.Engine) && Neutral(Old, View) == Neutral(Now, View);
 }
 
 bool IsAsStored(const TDicIndex& Stored, const TDicIndex& Now, const TEngineView& View) {

@@ -7,6 +7,7 @@
 
 #include "standalone/dictionary/ForeignText.h"
 #include "standalone/dictionary/ItemRules.h"
+#include "standalone/drivers/KeysWithNulls.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -136,6 +137,9 @@ void AddWords(std::vector<T>& Stored, const std::vector<T>& Made, std::string_vi
     const T& Source = Made[*Matches[I]];
     if constexpr (std::is_same_v<T, TDicField>)
       TakeWords(Stored[I].Words, Signature(Stored[I]), Source.Words, Signature(Source), Engine);
+    else if constexpr (std::is_same_v<T, TDicKey>)
+      TakeWords(Stored[I].Words,
+                Source.Primary && !Stored[I].Primary ? KeyWithNulls(Source, Engine).Words : Source.Words, Engine);
     else
       TakeWords(Stored[I].Words, Source.Words, Engine);
   }

@@ -39,6 +39,7 @@ struct TScriptStatement {
 struct TScript {
   std::vector<TScriptStatement> Statements;
   std::vector<TScriptGap> Gaps;
+  std::vector<std::string> Needs = {};  // full names of tables that have to be there before
 };
 
 /// The words with which an engine makes and drops objects. Text alone: needs neither the engine nor a connection.
@@ -66,6 +67,9 @@ class TScriptWriter {
     return {};
   }
   virtual TScript Procedure(const TDicProcedureDescription& Procedure, bool Replace) const = 0;
+
+  /// The statement as the engine's shell takes it, with its condition, and the line feed behind it.
+  virtual std::string ShellText(const TScriptStatement& Statement) const;
 
   virtual std::string DropTable(const TDicObjectDescription& Table) const = 0;
   virtual std::string DropView(const TDicViewDescription& View) const = 0;

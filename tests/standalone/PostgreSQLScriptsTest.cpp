@@ -163,10 +163,12 @@ TEST(PostgreSQLScriptsTest, PartsOfTablesOfOtherEngines) {
 TEST(PostgreSQLScriptsTest, ConditionsBetweenDifferentTypes) {
   TDicTableDescription Table;
   Table.Name = "T";
-  Table.Fields = {{.Name = "n", .Type = TType::Int64},   {.Name = "d\"", .Type = TType::Decimal},
-                  {.Name = "s", .Type = TType::String},  {.Name = "b", .Type = TType::Boolean},
-                  {.Name = "y", .Type = TType::Bytes},   {.Name = "a", .Type = TType::Any},
-                  {.Name = "t", .Type = TType::DateTime}};
+  Table.Fields = {{.Name = "n", .Type = TType::Int64},    {.Name = "d\"", .Type = TType::Decimal},
+                  {.Name = "s", .Type = TType::String},   {.Name = "b", .Type = TType::Boolean},
+                  {.Name = "y", .Type = TType::Bytes},    {.Name = "a", .Type = TType::Any},
+                  {.Name = "t", .Type = TType::DateTime}, {.Name = "j", .Type = TType::Json},
+                  {.Name = "u", .Type = TType::Uuid}};
+  TPostgreSQLDatabase Database;
   const std::pair<const char*, const char*> Cases[] = {
       {R"("n" > 0 AND "n" <> "d""")", R"("n" > 0 AND "n" <> "d""")"},
       {R"("n" = '5')", R"("n" = '5')"},
@@ -183,6 +185,23 @@ TEST(PostgreSQLScriptsTest, ConditionsBetweenDifferentTypes) {
       {R"("y" = x'00')", R"("y" = '\x00'::bytea)"},
       {R"("a" IS NOT NULL)", ""},
       {R"("t" > '2020-01-01')", R"("t" > '2020-01-01')"},
+      {R"("t" > 'abc')", ""},
+      {R"('x' <> "n")", ""},
+      {R"("n" IN (1, 'x'))", ""},
+      {R"("n")", ""},
+      {R"("n" > 1 AND NOT "s")", ""},
+      {R"(("n" > 1) = TRUE)", R"(("n" > 1) = TRUE)"},
+      {R"(LOWER("n") = 'a')", ""},
+      {R"(LOWER("s") = 'a')", R"(LOWER("s") = 'a')"},
+      {R"(ABS("s") > 1)", ""},
+      {R"(COALESCE("s", 0) = 0)", ""},
+      {R"(COALESCE("n", 1.5) > ABS("n" * 2))", R"(COALESCE("n", 1.5) > ABS("n" * 2))"},
+      {R"(NULLIF("n", 'x') IS NULL)", ""},
+      {R"(CASE WHEN "n" > 1 THEN "b" ELSE TRUE END)", R"(CASE WHEN "n" > 1 THEN "b" ELSE TRUE END)"},
+      {R"(CASE "n" WHEN 1 THEN "b" ELSE "s" END)", ""},
+      {R"("j" <> '')", ""},
+      {R"("u" <> 'x')", ""},
+      {R"("u" <> 'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11')", R"("u" <> 'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11')"},
   };
   for (const auto& [Neutral, Words] : Cases) {
     Table.Checks = {{.Text = Neutral}};
@@ -191,7 +210,40 @@ TEST(PostgreSQLScriptsTest, ConditionsBetweenDifferentTypes) {
     EXPECT_EQ(Stands, *Words != 0) << Found.front();
     const auto IsOfCheck = [](const std::string& Line) { return Line.starts_with("checks: the check of table 'T'"); };
     EXPECT_EQ(std::any_of(Found.begin(), Found.end(), IsOfCheck), *Words == 0) << Neutral;
+    EXPECT_EQ(ErrorOf([&] { Database.Run("DROP TABLE IF EXISTS \"T\"; " + Found.front()); }), "no error") << Neutral;
   }
+}
+
+TEST(PostgreSQLScriptsTest, ValuesComputedForFieldsOfOtherTypes) {
+  TPostgreSQLDatabase Database;
+  const struct {
+    TType Type;
+    const char* Expression;
+    bool Stands;
+  } Cases[] = {
+      {TType::String, R"("n" + 1)", true},    {TType::Any, R"("n")", true},        {TType::Bytes, R"("n")", false},
+      {TType::Int64, R"(LOWER("s"))", false}, {TType::Int64, R"("n" > 0)", false}, {TType::Boolean, R"("n" > 0)", true},
+      {TType::String, R"("d")", false},       {TType::Date, "'never'", false},     {TType::Decimal, R"("n" * 2)", true},
+  };
+  for (const auto& [Type, Expression, Stands] : Cases) {
+    TDicTableDescription Table = TableWith({.Name = "n", .Type = TType::Int64});
+    Table.Fields.push_back({.Name = "s", .Type = TType::String});
+    Table.Fields.push_back({.Name = "d", .Type = TType::Date});
+    Table.Fields.push_back({.Name = "c", .Type = Type, .Computed = Expression, .Stored = true});
+    const std::vector<std::string> Found = LinesOf(Table);
+    EXPECT_EQ(Found.front().find(" GENERATED ") != std::string::npos, Stands) << Expression;
+    EXPECT_EQ(ErrorOf([&] { Database.Run("DROP TABLE IF EXISTS \"T\"; " + Found.front()); }), "no error") << Expression;
+  }
+}
+
+TEST(PostgreSQLScriptsTest, JsonHasNoKeysAndIndexes) {
+  TDicTableDescription Table = TableWith({.Name = "j", .Type = TType::Json});
+  Table.Keys = {{.Columns = {{"j"}}}};
+  Table.Indexes = {{.Name = "i", .Columns = {{"j"}}}};
+  constexpr const char* Why = "PostgreSQL has no order of values of the type json";
+  EXPECT_THAT(LinesOf(Table), ElementsAre("CREATE TABLE \"T\" (\n  \"j\" json\n)",
+                                          std::string("keys: the unique key of table 'T', ") + Why,
+                                          std::string("indexes: the index 'i' of table 'T', ") + Why));
 }
 
 TEST(PostgreSQLScriptsTest, WhatNothingCanBeMadeOfIsAnError) {

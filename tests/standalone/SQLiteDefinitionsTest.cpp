@@ -211,6 +211,7 @@ TEST_F(SQLiteDefinitionsTest, ScannedTypesAreTheNarrowestThatHoldEveryCell) {
       {"TEXT", "x'00'", TType::Bytes},
       {"VARCHAR(3)", "'abc', 'жжж'", TType::String, 3},
       {"VARCHAR(3)", "'abcd'", TType::String},
+      {"CHAR(3)", "'ab'", TType::String, 3},
       {"BLOB(2)", "x'0102'", TType::Bytes, 2},
       {"BLOB(2)", "x'010203'", TType::Bytes},
       {"BOOLEAN", "0, 1", TType::Boolean},

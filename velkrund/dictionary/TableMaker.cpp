@@ -57,6 +57,7 @@ void TTableMaker::Decline(const TDicTableDescription& Table) {
 }
 
 void TTableMaker::MakeAll(std::vector<TDicTableDescription> Tables) {
+  std::erase_if(Tables, [this](const TDicTableDescription& Table) { return !CanMake(Table); });
   std::erase_if(Tables, [this](const TDicTableDescription& Table) {
     const bool Goes = MayGoByName(Table);
     if (!Goes) Decline(Table);

@@ -32,6 +32,8 @@ class TTableMaker : public TMissingTables {
 
   /// Whether those may be made; by default a person is asked.
   virtual bool MayMake(const std::vector<TDicTableDescription>& Tables);
+  /// Whether the engine makes a table of it at all; one that it does not is passed over.
+  virtual bool CanMake(const TDicTableDescription& /*Table*/) { return true; }
   /// Whether that one may be made, whose name may be too long for some engine; by default a person is asked.
   virtual bool MayGoByName(const TDicTableDescription& Table);
   /// A host's last word on what is made of a table.

@@ -15,7 +15,9 @@ std::string NameOf(const TPostgreSQLColumn& Column) { return "T." + QuoteStandar
 std::string ValueOf(const TPostgreSQLColumn& Column) {
   // A cast would not do: that of inet adds a mask.
   if (Column.OutputFunction.empty()) return NameOf(Column);
-  return "pg_catalog.textin(" + Column.OutputFunction + "(" + NameOf(Column) + "))";
+  // Functions of enumerations, ranges and composites do not take their domains.
+  const std::string Base = Column.DomainOver.empty() ? "" : "::" + Column.DomainOver;
+  return "pg_catalog.textin(" + Column.OutputFunction + "(" + NameOf(Column) + Base + "))";
 }
 
 /// What is sorted by: texts by their bytes, whatever the type makes of case, what travels as a text of the engine's

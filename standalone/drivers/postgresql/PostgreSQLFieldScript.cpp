@@ -116,7 +116,7 @@ class TFieldScript {
     if (const std::string* Own = OwnPart("Computed"))
       Expression = *Own;
     else if (!FField.Computed->empty())
-      Expression = ConditionWords(*FField.Computed, FTable.Fields);
+      Expression = ConditionWords(*FField.Computed, FTable.Fields, FField.Type);
     if (!Expression) {
       FScript.Lack("computed", "how " + What() + " is computed",
                    FField.Computed->empty() ? "its text is another engine's alone" : "PostgreSQL has no words for it");

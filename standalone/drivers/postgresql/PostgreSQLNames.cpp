@@ -89,6 +89,21 @@ std::vector<std::string> SplitPostgreSQLNames(std::string_view List) {
   return Result;
 }
 
+std::string PlainPostgreSQLName(std::string_view SQLName) {
+  std::string Result;
+  bool IsQuoted = false;
+  for (std::size_t I = 0; I < SQLName.size(); ++I) {
+    if (SQLName[I] != '"') {
+      Result += SQLName[I];
+    } else if (IsQuoted && I + 1 < SQLName.size() && SQLName[I + 1] == '"') {
+      Result += SQLName[I++];
+    } else {
+      IsQuoted = !IsQuoted;
+    }
+  }
+  return Result;
+}
+
 std::string OnPostgreSQLTable(const std::string& Statement, std::string_view SQLName) {
   constexpr std::string_view On = " ON ";
   constexpr std::string_view Only = "ONLY ";

@@ -22,6 +22,9 @@ std::size_t EndOfPostgreSQLName(std::string_view Text, std::size_t From = 0);
 /// The names of a list with commas.
 std::vector<std::string> SplitPostgreSQLNames(std::string_view List);
 
+/// A name, which may be quoted and have a schema before it, as people know it.
+std::string PlainPostgreSQLName(std::string_view SQLName);
+
 /// A statement that makes an index or a trigger, with SQLName in place of the table it is made on.
 std::string OnPostgreSQLTable(const std::string& Statement, std::string_view SQLName);
 /// Such a statement with another name for what is made. Kind: "INDEX" or "TRIGGER".

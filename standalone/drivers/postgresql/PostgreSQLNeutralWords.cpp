@@ -6,6 +6,7 @@
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/NeutralExpression.h"
 #include "standalone/drivers/postgresql/PostgreSQLChecks.h"
+#include "standalone/drivers/postgresql/PostgreSQLExpressionTypes.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
@@ -21,15 +22,6 @@ const TExpressionWords& EngineWords() {
       .Uuid = "gen_random_uuid()",
   };
   return Result;
-}
-
-/// Kinds of values between which the engine compares and counts.
-enum class TFamily { Number, Text, Truth, Alone };
-
-TFamily FamilyOf(TDicFieldType Type) {
-  if (Type >= TDicFieldType::Int16 && Type <= TDicFieldType::Money) return TFamily::Number;
-  if (Type == TDicFieldType::Boolean) return TFamily::Truth;
-  return Type == TDicFieldType::String || Type == TDicFieldType::FixedString ? TFamily::Text : TFamily::Alone;
 }
 
 bool IsDigit(char C) { return C >= '0' && C <= '9'; }
@@ -50,8 +42,7 @@ bool TakeOne(std::string_view& Text, const T& Words) {
 /// A field that stands in an expression between what comes Before and After it.
 class TPlace {
  public:
-  TPlace(std::string_view Before, std::string_view After, const std::vector<TDicField>& Fields)
-      : FBefore(Before), FAfter(After), FFields(Fields) {}
+  TPlace(std::string_view Before, std::string_view After) : FBefore(Before), FAfter(After) {}
 
   bool IsCalculated() const {
     std::string_view After = FAfter;
@@ -71,34 +62,14 @@ class TPlace {
     return false;
   }
 
-  /// A text that is no number.
-  bool MeetsWords() const {
-    std::string_view After = FAfter;
-    if (!TakeOne(After, Comparisons) || !After.starts_with('\'')) return false;
-    return !StrToReal(After.substr(1, After.find('\'', 1) - 1));
-  }
-
-  bool MeetsOther(TFamily Own) const {
-    std::string_view After = FAfter;
-    if (!TakeOne(After, Comparisons)) return false;
-    return std::any_of(FFields.begin(), FFields.end(), [&](const TDicField& Field) {
-      return After.starts_with(QuoteStandardName(Field.Name)) && FamilyOf(Field.Type) != Own;
-    });
-  }
-
  private:
   std::string_view FBefore, FAfter;
-  const std::vector<TDicField>& FFields;
 };
 
-/// The field as the engine takes it there: truth as a number where it meets one; nothing where it takes none.
-std::optional<std::string> FieldWords(const TDicField& Field, const TPlace& Place) {
-  const std::string Name = QuoteStandardName(Field.Name);
-  const TFamily Family = FamilyOf(Field.Type);
-  if (Field.Type == TDicFieldType::Any || Place.MeetsOther(Family)) return std::nullopt;
-  if (Family == TFamily::Number) return Place.MeetsWords() ? std::nullopt : std::optional(Name);
-  if (!Place.MeetsNumber() && !Place.IsCalculated()) return Name;
-  return Family == TFamily::Truth ? std::optional(Name + "::integer") : std::nullopt;
+/// The field as the engine takes it there: truth as a number where it meets one.
+std::string FieldWords(const TDicField& Field, const TPlace& Place) {
+  const bool IsCounted = Field.Type == TDicFieldType::Boolean && (Place.MeetsNumber() || Place.IsCalculated());
+  return QuoteStandardName(Field.Name) + (IsCounted ? "::integer" : "");
 }
 
 /// Without its quotes, inner ones doubled; nothing for another literal.
@@ -137,8 +108,15 @@ bool IsMoment(TDicFieldType Type, std::string_view Text) {
   }
 }
 
-/// Whether a field of the type takes the value as it is.
-bool Fits(std::string_view Neutral, TDicFieldType Type) {
+bool IsUuid(std::string_view Text) {
+  const auto IsDigitOfIt = [](char C) { return IsDigit(C) || (C >= 'a' && C <= 'f') || (C >= 'A' && C <= 'F'); };
+  const auto Digits = std::count_if(Text.begin(), Text.end(), IsDigitOfIt);
+  return Digits == 32 && Digits + std::count(Text.begin(), Text.end(), '-') == std::ssize(Text);
+}
+
+}  // namespace
+
+bool FitsPostgreSQLField(std::string_view Neutral, TDicFieldType Type) {
   const std::optional<std::string_view> Text = TextLiteral(Neutral);
   const bool IsBytes = Neutral.starts_with("x'");
   const bool IsNumber =
@@ -165,8 +143,9 @@ bool Fits(std::string_view Neutral, TDicFieldType Type) {
     case TDicFieldType::DateTime:
     case TDicFieldType::ZonedDateTime:
       return Text && IsMoment(Type, *Text);
-    case TDicFieldType::Interval:
     case TDicFieldType::Uuid:
+      return Text && IsUuid(*Text);
+    case TDicFieldType::Interval:
     case TDicFieldType::Json:
       return Text && !Text->empty();
     default:
@@ -174,11 +153,10 @@ bool Fits(std::string_view Neutral, TDicFieldType Type) {
   }
 }
 
-}  // namespace
-
-std::optional<std::string> ConditionWords(const std::string& Neutral, const std::vector<TDicField>& Fields) {
+std::optional<std::string> ConditionWords(const std::string& Neutral, const std::vector<TDicField>& Fields,
+                                          std::optional<TDicFieldType> Wanted) {
   std::optional<std::string> Words = ExpressionIn(Neutral, EngineWords());
-  if (!Words) return Words;
+  if (!Words || !FitsPostgreSQL(Neutral, Fields, Wanted)) return std::nullopt;
   std::string Result;
   for (std::size_t At = 0; At < Words->size();) {
     const char Quote = (*Words)[At];
@@ -194,13 +172,7 @@ std::optional<std::string> ConditionWords(const std::string& Neutral, const std:
     const std::string_view Piece = All.substr(At, End - At);
     const auto Field = std::find_if(Fields.begin(), Fields.end(),
                                     [&](const TDicField& Known) { return QuoteStandardName(Known.Name) == Piece; });
-    if (Field == Fields.end()) {
-      Result += Piece;
-    } else {
-      const auto Taken = FieldWords(*Field, {All.substr(0, At), All.substr(End), Fields});
-      if (!Taken) return std::nullopt;
-      Result += *Taken;
-    }
+    Result += Field == Fields.end() ? std::string(Piece) : FieldWords(*Field, {All.substr(0, At), All.substr(End)});
     At = End;
   }
   return Result;
@@ -213,7 +185,7 @@ std::optional<std::string> DefaultWords(const std::string& Neutral, TDicFieldTyp
   std::string Value = Neutral;
   if (Type == TDicFieldType::Boolean && (Neutral == "0" || Neutral == "1")) Value = Neutral == "1" ? "TRUE" : "FALSE";
   if (IsNumeric && (Neutral == "TRUE" || Neutral == "FALSE")) Value = Neutral == "TRUE" ? "1" : "0";
-  if (!Fits(Value, Type)) return std::nullopt;
+  if (!FitsPostgreSQLField(Value, Type)) return std::nullopt;
   return ExpressionIn(Value, EngineWords());
 }
 

@@ -28,7 +28,11 @@ constexpr const char* ObjectsStatement =
     "SELECT c.relname AS name, n.shown, CASE WHEN c.relkind = 'S' THEN 'generator' "
     "WHEN c.relkind = ANY ('{r,p}') THEN 'table' ELSE 'view' END AS kind, false AS selects, "
     "c.relhassubclass AND c.relkind = 'r' AS heirs, "
-    "CASE WHEN c.relkind = 'f' THEN 'foreign table' ELSE '' END AS hindrance, coalesce(deep.depth, 0) AS depth "
+    "CASE WHEN c.relkind = 'f' THEN 'foreign table' ELSE '' END AS hindrance, coalesce(deep.depth, 0) AS depth, "
+    "(SELECT CASE WHEN pn.nspname = $1::pg_catalog.text THEN p.relname::pg_catalog.text "
+    "ELSE pg_catalog.concat(pn.nspname, '.', p.relname) END FROM pg_catalog.pg_inherits i "
+    "JOIN pg_catalog.pg_class p ON p.oid = i.inhparent JOIN pg_catalog.pg_namespace pn ON pn.oid = p.relnamespace "
+    "WHERE c.relispartition AND i.inhrelid = c.oid) AS part_of "
     "FROM pg_catalog.pg_class c JOIN n ON n.oid = c.relnamespace LEFT JOIN deep ON deep.heir = c.oid "
     "WHERE c.relkind = ANY ('{r,p,f,v,m,S}') "
     "AND NOT EXISTS (SELECT FROM e WHERE e.classid = 'pg_catalog.pg_class'::pg_catalog.regclass::pg_catalog.oid "
@@ -38,7 +42,7 @@ constexpr const char* ObjectsStatement =
     "UNION ALL SELECT p.proname, n.shown, 'routine', p.proretset, false, CASE WHEN p.prokind = 'a' THEN 'aggregate' "
     "WHEN p.prokind = 'w' THEN 'window function' WHEN l.lanname = ANY ('{c,internal}') THEN 'routine in C' "
     "WHEN EXISTS (SELECT FROM pg_catalog.pg_proc q WHERE q.proname = p.proname AND q.pronamespace = p.pronamespace "
-    "AND q.oid <> p.oid) THEN 'overloaded routine' ELSE '' END, 0 "
+    "AND q.oid <> p.oid) THEN 'overloaded routine' ELSE '' END, 0, NULL "
     "FROM pg_catalog.pg_proc p JOIN n ON n.oid = p.pronamespace JOIN pg_catalog.pg_language l ON l.oid = p.prolang "
     "WHERE NOT EXISTS (SELECT FROM e WHERE e.classid = 'pg_catalog.pg_proc'::pg_catalog.regclass::pg_catalog.oid "
     "AND e.objid = p.oid) AND NOT EXISTS (SELECT FROM pg_catalog.pg_depend i WHERE i.deptype = 'i' "
@@ -65,6 +69,7 @@ std::vector<TFound> Find(TPostgreSQLSession& Session, const char* What) {
       Object.Table.Kind = TTableKind::View;
     }
     Object.Table.HasHeirs = Rows.Boolean(Row, 4);
+    Object.PartOf = Rows.Copy(Row, 7);
     if (!IsCatalogueTable(Object.Table.Name)) Result.push_back({std::move(Object), Rows.Copy(Row, 5)});
   }
   return Result;

@@ -65,13 +65,18 @@ std::string ParameterList(const std::vector<TDicParameter>& Parameters, const st
   return Result;
 }
 
-/// A body between quotes that do not stand in it; one in the standard's form has none.
-std::string BodyWords(const std::string& Body, const std::string& Language) {
-  if (Language == "sql" && (Body.starts_with("BEGIN ATOMIC") || Body.starts_with("RETURN "))) return Body;
+/// Between quotes that do not stand in it.
+std::string BetweenDollars(const std::string& Body) {
   std::string Quote = "$body";
   while (Body.find(Quote) != std::string::npos) Quote += '_';
   Quote += '$';
-  return "AS " + Quote + Body + Quote;
+  return Quote + Body + Quote;
+}
+
+/// A body between quotes; one in the standard's form has none.
+std::string BodyWords(const std::string& Body, const std::string& Language) {
+  if (Language == "sql" && (Body.starts_with("BEGIN ATOMIC") || Body.starts_with("RETURN "))) return Body;
+  return "AS " + BetweenDollars(Body);
 }
 
 }  // namespace
@@ -182,6 +187,13 @@ TScript TPostgreSQLScriptWriter::Procedure(const TDicProcedureDescription& Proce
   Result.Add(Text, Owner);
   AddComment(Procedure, "ROUTINE", Owner, Result);
   return Result;
+}
+
+std::string TPostgreSQLScriptWriter::ShellText(const TScriptStatement& Statement) const {
+  if (Statement.Unless.empty()) return TScriptWriter::ShellText(Statement);
+  return "DO " +
+         BetweenDollars(Format("BEGIN IF NOT EXISTS (%s) THEN\n%s;\nEND IF; END", Statement.Unless, Statement.Text)) +
+         ";\n";
 }
 
 std::string TPostgreSQLScriptWriter::DropTable(const TDicObjectDescription& Table) const {

@@ -13,6 +13,7 @@ class TPostgreSQLScriptWriter final : public TScriptWriter {
   TScript Generator(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) const override;
   TScript SetGenerator(const TDicGeneratorDescription& Generator, std::int64_t Value) const override;
   TScript Procedure(const TDicProcedureDescription& Procedure, bool Replace) const override;
+  std::string ShellText(const TScriptStatement& Statement) const override;
   std::string DropTable(const TDicObjectDescription& Table) const override;
   std::string DropView(const TDicViewDescription& View) const override;
   std::string DropGenerator(const TDicObjectDescription& Generator) const override;

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/KeysWithNulls.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
@@ -11,7 +12,22 @@
 namespace velkrund {
 namespace {
 
+constexpr const char* NoOrder = "PostgreSQL has no order of values of the type json";
 constexpr const char* NoWords = "PostgreSQL compares no values of such different types";
+
+/// Whether the engine has no order of the values of a column, and so no key or index over it.
+bool HasNoOrder(const std::vector<TDicField>& Fields, const std::string& Column) {
+  const auto Found =
+      std::find_if(Fields.begin(), Fields.end(), [&](const TDicField& Field) { return Field.Name == Column; });
+  if (Found == Fields.end()) return false;
+  const TDicWords* const Own = OwnWords(Found->Words);
+  return Own && Own->Text ? *Own->Text == "json" : Found->Type == TDicFieldType::Json;
+}
+
+bool HasNoOrder(const std::vector<TDicField>& Fields, const std::vector<TDicColumn>& Columns) {
+  return std::any_of(Columns.begin(), Columns.end(),
+                     [&](const TDicColumn& Column) { return !Column.Expression && HasNoOrder(Fields, Column.Name); });
+}
 
 /// Pattern with its places filled.
 std::string Filled(const std::string& Pattern, const std::string& Table, const std::string& Items,
@@ -126,10 +142,13 @@ class TTableScript {
       Text.insert(0, " ");
     }
     if (const std::string* Parents = FOwn->Part("Inherits"))
-      for (const std::string& Parent : SplitPostgreSQLNames(*Parents))
+      for (const std::string& Parent : SplitPostgreSQLNames(*Parents)) {
+        FScript.Needs.push_back(PlainPostgreSQLName(Parent));
         After.Add(Format("ALTER TABLE %s INHERIT %s", FSQLName, Parent), FOwner);
+      }
     if (const std::string* Of = FOwn->Part("PartitionOf")) {
       const std::size_t End = EndOfPostgreSQLName(*Of);
+      FScript.Needs.push_back(PlainPostgreSQLName(Of->substr(0, End)));
       After.Add(Format("ALTER TABLE %s ATTACH PARTITION %s%s", Of->substr(0, End), FSQLName, Of->substr(End)), FOwner);
     }
     return Result + Text;
@@ -139,6 +158,17 @@ class TTableScript {
     const std::string What = Of(Key.Primary ? "the primary key" : "the unique key", Key.Name);
     const std::string Name = NameWords(Key.Name, "a key of " + FOwner);
     if (const TDicWords* Own = OwnWords(Key.Words); Own && Own->Text) return Name + *Own->Text;
+    if (HasNoOrder(FTable.Fields, Key.Columns)) {
+      FScript.Lack("keys", What, NoOrder);
+      return {};
+    }
+    for (const auto& [Engine, Words] : Key.Words) {
+      if (!IsPrimaryWithNulls(Key, Engine)) continue;
+      FScript.Lack("keys", "that it is the primary key, of " + What, "it has NULLs", true);
+      TDicKey Others = KeyOfEngine(Key, Engine);
+      Others.Primary = false;
+      return KeyClause(Others);
+    }
     // A sequence never gives a number twice either.
     if (const std::string* Text = OthersText(Key.Words); Text && *Text != "AUTOINCREMENT")
       FScript.Lack("keys", Format("the words '%s' of %s", *Text, What), "they are another engine's alone");
@@ -162,7 +192,8 @@ class TTableScript {
     if (const TDicWords* Own = OwnWords(Check.Words); Own && Own->Text)
       return Name + (Own->Text->starts_with("EXCLUDE ") ? "" : "CHECK ") + *Own->Text;
     if (Check.Text)
-      if (const auto Words = ConditionWords(*Check.Text, FTable.Fields)) return Name + "CHECK (" + *Words + ")";
+      if (const auto Words = ConditionWords(*Check.Text, FTable.Fields, TDicFieldType::Boolean))
+        return Name + "CHECK (" + *Words + ")";
     FScript.Lack("checks", Of("the check", Check.Name), Check.Text ? NoWords : "its text is another engine's alone");
     return {};
   }
@@ -235,13 +266,15 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
     for (const TDicColumn& Column : Index.Columns) {
       if (!IsNeutral) break;
       std::optional<std::string> Words = QuoteStandardName(Column.Name);
-      if (Column.Expression) Words = ConditionWords(Column.Name, Fields);
+      if (Column.Expression) Words = ConditionWords(Column.Name, Fields, std::nullopt);
       IsNeutral = Words.has_value();
       if (!IsNeutral) break;
       if (Column.Expression) Words = "(" + *Words + ")";
       Columns += (Columns.empty() ? "" : ", ") + *Words + (Column.Descending ? " DESC" : "");
     }
-    if (IsNeutral)
+    if (HasNoOrder(Fields, Index.Columns))
+      Script.Lack("indexes", "the " + What, NoOrder);
+    else if (IsNeutral)
       Script.Add(Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
                         SQLName, Columns),
                  What);

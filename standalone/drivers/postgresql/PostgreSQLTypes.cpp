@@ -117,7 +117,7 @@ std::string TableStatement() {
       "EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.conrelid = c.oid AND k.contype = 'f' "
       "AND NOT k.condeferred AND (k.confrelid = c.oid OR k.confrelid = ANY ("
       "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))), a.attcollation <> '0', "
-      "c.relhastriggers OR c.relkind = 'p' "
+      "c.relhastriggers OR c.relkind = 'p', CASE WHEN b.oid <> a.atttypid THEN b.sql_name END "
       "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
       "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
       "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
@@ -125,7 +125,9 @@ std::string TableStatement() {
       "a.atttypmod AS modifier FROM pg_catalog.pg_type t WHERE t.oid = a.atttypid "
       "UNION ALL SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, d.typnotnull OR t.typnotnull, t.typcategory, "
       "t.typelem, t.typoutput, d.typtypmod FROM chain d JOIN pg_catalog.pg_type t ON t.oid = d.typbasetype "
-      "WHERE d.typtype = 'd') SELECT * FROM chain WHERE typtype <> 'd') b ON true "
+      "WHERE d.typtype = 'd') SELECT chain.*, pg_catalog.quote_ident(bn.nspname) || '.' || "
+      "pg_catalog.quote_ident(bt.typname) AS sql_name FROM chain JOIN pg_catalog.pg_type bt ON bt.oid = chain.oid "
+      "JOIN pg_catalog.pg_namespace bn ON bn.oid = bt.typnamespace WHERE chain.typtype <> 'd') b ON true "
       "LEFT JOIN pg_catalog.pg_proc p ON p.oid = b.typoutput::pg_catalog.oid "
       "LEFT JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace "
       "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text "
@@ -157,6 +159,7 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
     Column.Info.KeyPosition = static_cast<int>(Rows.Integer(Row, 6));
     Column.OutputFunction = Rows.Copy(Row, 11);
     Column.HasCollation = Rows.Boolean(Row, 13);
+    Column.DomainOver = Rows.Copy(Row, 15);
     SetType(Column, Rows.Integer(Row, 7), Rows.Integer(Row, 8), Rows.Integer(Row, 9), Rows.Text(Row, 10));
     Result.Columns.push_back(std::move(Column));
   }

@@ -42,6 +42,7 @@ struct TPostgreSQLColumn {
   std::optional<int> Scale;          // decimals of numeric(p,s); negative: zeros before the point
   std::optional<int> Fraction;       // decimals of a second, or of elements that have so many
   bool HasCollation = false;         // an order of texts, or of what is made of them
+  std::string DomainOver;            // quoted name of the type below; empty: it is of no domain
   std::string OutputFunction;        // quoted name of what makes the text; empty: the value is read as it is
 };
 

@@ -1,8 +1,10 @@
 #include "standalone/drivers/sqlite/SQLiteColumnScan.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
+#include "standalone/drivers/KeysWithNulls.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
 #include "standalone/drivers/sqlite/SQLiteDatabase.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -17,6 +19,7 @@ struct TScanned {
   bool Declared = false;  // of the column's own kind, which is none of these
   std::int64_t LongestText = 0, MostBytes = 0;
   bool FitsDigits = true;
+  bool Nulls = false;
 };
 
 std::int64_t PowerOfTen(int Exponent) {
@@ -43,6 +46,7 @@ std::int64_t Characters(std::string_view Text) {
 void Look(const TKvVariant& Cell, const TDicField& Field, TScanned& Seen) {
   switch (Cell.Kind()) {
     case TKvKind::Null:
+      Seen.Nulls = true;
       break;
     case TKvKind::Int64:
       Seen.Integers = true;
@@ -108,6 +112,13 @@ void Narrow(const TScanned& Seen, TDicField& Field) {
   }
 }
 
+bool HasNulls(const TDicKey& Key, const std::vector<TDicField>& Fields, const std::vector<TScanned>& Seen) {
+  for (std::size_t I = 0; I < Fields.size(); ++I)
+    for (const TDicColumn& Column : Key.Columns)
+      if (Seen[I].Nulls && Column.Name == Fields[I].Name) return true;
+  return false;
+}
+
 }  // namespace
 
 void ScanColumns(TSQLiteDatabase& Database, const TTableDescription& Table, TDicTableDescription& Result) {
@@ -122,6 +133,8 @@ void ScanColumns(TSQLiteDatabase& Database, const TTableDescription& Table, TDic
       Look(Cell, Result.Fields[I], Seen[I]);
     }
   for (std::size_t I = 0; I < Columns.size(); ++I) Narrow(Seen[I], Result.Fields[I]);
+  for (TDicKey& Key : Result.Keys)
+    if (Key.Primary && HasNulls(Key, Result.Fields, Seen)) Key = KeyWithNulls(std::move(Key), "sqlite");
 }
 
 }  // namespace velkrund

@@ -31,6 +31,9 @@ std::vector<TDefinedObject> TSQLiteDefinitionReader::Objects() {
     else if (Table.Kind != TTableKind::Computed)
       Tables.push_back({TDefinedKind::Table, std::move(Table)});
   }
+  for (const TTextIndex& Known : FSchema.TextIndexes())
+    for (TDefinedObject& Index : TextIndexes)
+      if (Index.Table.Name == Known.Index.Name) Index.PartOf = FullName(Known.Table);
   Tables.insert(Tables.end(), TextIndexes.begin(), TextIndexes.end());
   Tables.insert(Tables.end(), Views.begin(), Views.end());
   return Tables;

@@ -1,6 +1,7 @@
 #include "standalone/drivers/sqlite/SQLiteScriptWriter.h"
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/KeysWithNulls.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteTableDefinition.h"
@@ -52,7 +53,9 @@ std::string TSQLiteScriptWriter::TablePattern() const { return "CREATE TABLE {ta
 
 TScript TSQLiteScriptWriter::Table(const TDicTableDescription& Table, const TTableParts& Parts,
                                    const std::string& Pattern) const {
-  return TSQLiteTableScript(Table).Write(Parts, Pattern);
+  TDicTableDescription Own = Table;
+  for (TDicKey& Key : Own.Keys) Key = KeyOfEngine(std::move(Key), "sqlite");
+  return TSQLiteTableScript(Own).Write(Parts, Pattern);
 }
 
 TScript TSQLiteScriptWriter::View(const TDicViewDescription& View, bool Replace) const {

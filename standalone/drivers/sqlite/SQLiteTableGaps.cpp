@@ -11,6 +11,14 @@ void TSQLiteTableScript::AddGap(std::string_view Kind, const std::string& What, 
   FScript.Gaps.push_back({std::string(Kind), Format("%s of table '%s'", What, FName), Why, Harmless});
 }
 
+std::pair<std::string, std::string> TSQLiteTableScript::Hindrance() const {
+  if (FTable.Fields.empty()) return {"all", "it has no fields, and SQLite makes no such table"};
+  const TForeignWords Foreign = ForeignWords(FTable.Words);
+  const std::string* const Whole = Foreign.Words ? Foreign.Words->Part("PartitionOf") : nullptr;
+  if (!Whole || WordsOf(FTable.Words, "sqlite")) return {};
+  return {"all", Format("it is a part of another table (%s), which SQLite keeps as one", *Whole)};
+}
+
 void TSQLiteTableScript::AddTableGaps() {
   if (!FTable.Schema.empty())
     AddGap("schemas", Format("the schema '%s'", FTable.Schema), "SQLite has none; it is a part of the table's name",

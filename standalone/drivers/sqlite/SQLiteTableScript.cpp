@@ -57,6 +57,10 @@ TSQLiteTableScript::TSQLiteTableScript(const TDicTableDescription& Table) : FTab
 }
 
 TScript TSQLiteTableScript::Write(const TTableParts& Parts, const std::string& Pattern) {
+  if (const auto [What, Why] = Hindrance(); !What.empty()) {
+    if (Parts.Table) AddGap("options", What, Why);
+    return std::move(FScript);
+  }
   if (Parts.Table) WriteTable(Pattern);
   if (Parts.Indexes)
     for (const TDicIndex& Index : FTable.Indexes) WriteIndex(Index);
@@ -70,7 +74,6 @@ TScript TSQLiteTableScript::Write(const TTableParts& Parts, const std::string& P
 }
 
 void TSQLiteTableScript::WriteTable(const std::string& Pattern) {
-  if (FTable.Fields.empty()) throw EDatabaseError(Format("Cannot make table '%s': it has no fields", FName));
   AddTableGaps();
   const std::string Quoted = QuoteStandardName(FName);
   const std::string What = Format("table '%s'", FName);

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "standalone/drivers/ScriptWriter.h"
 
@@ -39,6 +40,8 @@ class TSQLiteTableScript {
 
   void AddFieldGaps(const TDicField& Field);
   void AddTableGaps();
+  /// What is not made of the table at all, and why; empty: it can be made.
+  std::pair<std::string, std::string> Hindrance() const;
   /// What: "the check 'C'", to which the table's name is added.
   void AddGap(std::string_view Kind, const std::string& What, const std::string& Why, bool Harmless = false);
 

@@ -18,7 +18,14 @@ inline constexpr const char* TypeDefinitions =
     "CREATE DOMAIN price AS numeric(12,2) CHECK (VALUE >= 0);"
     "CREATE DOMAIN sale AS price NOT NULL DEFAULT 0;"
     "CREATE DOMAIN word AS varchar(5);"
-    "CREATE DOMAIN few AS integer[] CHECK (array_length(VALUE, 1) < 5);";
+    "CREATE DOMAIN few AS integer[] CHECK (array_length(VALUE, 1) < 5);"
+    "CREATE DOMAIN feeling AS mood CHECK (VALUE <> 'so so');"
+    "CREATE DOMAIN \"Felt now\" AS feeling;"
+    "CREATE DOMAIN feelings AS mood[];"
+    "CREATE DOMAIN couple AS pair;"
+    "CREATE DOMAIN spell AS int4range;"
+    "CREATE DOMAIN spells AS int8multirange;"
+    "CREATE DOMAIN address AS inet;";
 
 inline const std::vector<TTypeCase>& TypeCases() {
   static const std::vector<TTypeCase> Result = {
@@ -123,6 +130,16 @@ inline const std::vector<TTypeCase>& TypeCases() {
       {"int8multirange", {{"'{[1,2),[5,7)}'", "10 {[1,2),[5,7)}"}}},
       {"price", {{"12.5", "20 12.5"}}},
       {"word", {{"'слово'", "10 слово"}}},
+      {"feeling", {{"'it''s \"fine\"'", "10 it's \"fine\""}}},
+      {"\"Felt now\"", {{"'it''s \"fine\"'", "10 it's \"fine\""}}},
+      {"feelings", {{"'{so so,NULL}'", "10 {\"so so\",NULL}"}}},
+      {"couple", {{"ROW(1, 'a b')", "10 (1,\"a b\")"}}},
+      {"spell", {{"'(1,5]'", "10 [2,6)"}}},
+      {"spells", {{"'{[1,2)}'", "10 {[1,2)}"}}},
+      {"address", {{"'192.168.0.1'", "10 192.168.0.1"}}},
+      {"feeling[]", {{"ARRAY['it''s \"fine\"']::feeling[]", R"x(10 {"it's \"fine\""})x"}}},
+      {"couple[]", {{"ARRAY[ROW(1, 'x')::couple]", R"x(10 {"(1,x)"})x"}}},
+      {"spell[]", {{"ARRAY['[1,5)'::spell]", R"x(10 {"[1,5)"})x"}}},
       {"bit(3)", {{"B'101'", "10 101"}}},
       {"bit varying", {{"B''", "10 "}, {"B'0110'", "10 0110"}}},
       {"oid", {{"4294967295", "6 4294967295"}}},

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standalone/drivers/ScriptWriter.h"
+
+namespace velkrund {
+
+/// The statements that make one object.
+struct TObjectScript {
+  std::string Name;      // without its schema
+  std::string FullName;  // with it
+  TScript Script;
+};
+
+/// Puts tables behind those that they are parts of or inherit from, and leaves the order as it is otherwise.
+void OrderByNeeds(std::vector<TObjectScript>& Tables);
+/// The same of views and procedures, of which nobody knows more than their text: behind all whose names stand in it.
+void OrderByNames(std::vector<TObjectScript>& Objects);
+
+}  // namespace velkrund

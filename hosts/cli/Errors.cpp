@@ -60,6 +60,9 @@ std::string OtherRemedy(const TSession& Session, const TErrorFacts& Error) {
   if (Info.Code == TErrorCode::TableMissing && !SaysWhatThereIs) return "velkrund database info shows what there is";
   if (Info.Code == TErrorCode::DatabaseAccess && !Info.Table.empty())
     return "have the right granted, or connect as a role that has it";
+  const bool IsOfDatabase = Info.Code == TErrorCode::Value && Error.ClassName == "EDatabaseError";
+  if (IsOfDatabase && Session.Interface && Session.Interface->ClassType().Properties().Find("CreateTables"))
+    return "a table that export table --structures --columns scanned describes holds every cell of SQLite's";
   if (Info.Code == TErrorCode::DiskFull) return "make room, then run it again";
   if (Info.Code == TErrorCode::FileInUse || Info.Code == TErrorCode::DatabaseBusy)
     return "run it again when that is done";

@@ -71,7 +71,9 @@ void TThis::Run() {
 std::vector<TDescribed> TThis::DescribeAll() {
   const TReadTransaction Moment(Manager().Databases(), DatabaseName);
   TConnection& Connection = Manager().Databases().Connection(DatabaseName);
-  const std::vector<TDefinedObject> Objects = ChosenObjects(Connection.Definitions().Objects(), Names, DatabaseText());
+  const std::vector<TDefinedObject> All = Connection.Definitions().Objects();
+  const std::vector<TDefinedObject> Objects = ChosenObjects(All, Names, DatabaseText());
+  RefuseInsides(Connection.Schema(), Objects, All);
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
   BeginPart("the objects of the database", "objects", static_cast<std::int64_t>(Objects.size()));
   std::int32_t Count = 0;

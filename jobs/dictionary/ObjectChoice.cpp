@@ -68,6 +68,26 @@ std::vector<TDefinedObject> ChosenObjects(std::vector<TDefinedObject> All, const
   return Result;
 }
 
+void RefuseInsides(TSchemaReader& Schema, const std::vector<TDefinedObject>& Objects,
+                   const std::vector<TDefinedObject>& All) {
+  for (const TDefinedObject& Object : Objects) {
+    const std::string Name = FullName(Object.Table);
+    const std::size_t Dot = Name.rfind('.');
+    if (Object.Kind != TDefinedKind::Table || Dot == std::string::npos) continue;
+    const auto Outer = std::find_if(All.begin(), All.end(), [&](const TDefinedObject& Other) {
+      return Other.Kind == TDefinedKind::Table && SameText(FullName(Other.Table), Name.substr(0, Dot));
+    });
+    if (Outer == All.end()) continue;
+    for (const TColumnInfo& Column : Schema.Describe(Outer->Table).Columns)
+      if (Column.Kind == TKvKind::Bytes && SameText(Column.Name, Name.substr(Dot + 1)))
+        throw EDatabaseError(
+            Format("The structure of table '%s' would be taken for what the field '%s' of table '%s' holds inside. "
+                   "Rename one of them, or name other tables",
+                   Name, Column.Name, FullName(Outer->Table)),
+            {.Table = Name, .Column = Column.Name});
+  }
+}
+
 std::string_view KindText(TDefinedKind Kind) {
   switch (Kind) {
     case TDefinedKind::Table:

@@ -107,15 +107,15 @@ void TThis::Run() {
   };
   TTables Tables = TablesOf(Structures, Scripts);
   AddAll(OfTypes({GeneratorObjectType}));
-  AddPart(Tables, &TTableParts::Table, Scripts);
-  std::vector<TObjectScript> WithTexts =
-      OfTypes({ExecStoredProcObjectType, SelectStoredProcObjectType, ViewObjectType});
-  OrderByNames(WithTexts);
-  AddAll(std::move(WithTexts));
+  std::vector<TObjectScript> Objects = PartsOf(Tables, &TTableParts::Table, Scripts);
+  std::vector<TObjectScript> Others = OfTypes({ExecStoredProcObjectType, SelectStoredProcObjectType, ViewObjectType});
+  std::move(Others.begin(), Others.end(), std::back_inserter(Objects));
+  OrderByNeeds(Objects);
+  AddAll(std::move(Objects));
   // Foreign keys find the keys that they need.
   for (bool TTableParts::*const Part :
        {&TTableParts::Indexes, &TTableParts::ForeignKeys, &TTableParts::Triggers, &TTableParts::Comments})
-    AddPart(Tables, Part, Scripts);
+    AddAll(PartsOf(Tables, Part, Scripts));
   for (const TScriptStatement& Statement : FScript.Statements) FText += Scripts.ShellText(Statement);
   for (const TScriptGap& Gap : FScript.Gaps) FText += Commented("not made: " + GapText(Gap));
 }
@@ -134,20 +134,19 @@ TThis::TTables TThis::TablesOf(const std::vector<TStructureId>& Structures, cons
 }
 
 /// Tables keeps those that are made.
-void TThis::AddPart(TTables& Tables, bool TTableParts::*Part, const TScriptWriter& Writer) {
+std::vector<TObjectScript> TThis::PartsOf(TTables& Tables, bool TTableParts::*Part, const TScriptWriter& Writer) {
   TTableParts Only{false, false, false, false, false};
   Only.*Part = true;
   std::vector<TObjectScript> Scripts;
   std::erase_if(Tables, [&](const TTables::value_type& Each) {
     const auto& [Table, Pattern] = Each;
     const std::string Name = Table.FullName();
-    Scripts.push_back({Table.Name, Name, Made("options", Format("the table '%s'", Name), [&] {
-                         return Writer.Table(Table, Only, Pattern);
-                       })});
+    Scripts.push_back(
+        {Table.Name, Name,
+         Made("options", Format("the table '%s'", Name), [&] { return Writer.Table(Table, Only, Pattern); }), true});
     return Only.Table && Scripts.back().Script.Statements.empty();
   });
-  OrderByNeeds(Scripts);
-  AddAll(std::move(Scripts));
+  return Scripts;
 }
 
 void TThis::ScriptOf(const TStructureId& Structure, const TScriptWriter& Writer, std::vector<TObjectScript>& Result) {

@@ -47,7 +47,7 @@ class TJobScriptObjects final : public TJob {
   void AddAll(std::vector<TObjectScript> Scripts);
   using TTables = std::vector<std::pair<TDicTableDescription, std::string>>;  // with the patterns they are made by
   TTables TablesOf(const std::vector<TStructureId>& Structures, const TScriptWriter& Writer);
-  void AddPart(TTables& Tables, bool TTableParts::*Part, const TScriptWriter& Writer);
+  std::vector<TObjectScript> PartsOf(TTables& Tables, bool TTableParts::*Part, const TScriptWriter& Writer);
   /// Of what is no table.
   void ScriptOf(const TStructureId& Structure, const TScriptWriter& Writer, std::vector<TObjectScript>& Result);
 

@@ -12,31 +12,30 @@ namespace velkrund {
 
 namespace {
 
-using TNeeds = std::function<bool(const TObjectScript& Object, const TObjectScript& Other)>;
+using TNeeds = std::function<bool(std::size_t Object, std::size_t Other)>;
 
 /// Depth first. Objects that need each other in a circle stay as they are.
 class TOrder {
  public:
-  TOrder(std::vector<TObjectScript>& Objects, TNeeds Needs)
-      : FObjects(Objects), FNeeds(std::move(Needs)), FSeen(Objects.size(), false) {}
+  TOrder(std::size_t Count, TNeeds Needs) : FNeeds(std::move(Needs)), FSeen(Count, false) {
+    for (std::size_t I = 0; I < Count; ++I) Place(I);
+  }
 
-  void Run() {
-    for (std::size_t I = 0; I < FObjects.size(); ++I) Place(I);
+  void Apply(std::vector<TObjectScript>& Objects) const {
     std::vector<TObjectScript> Result;
-    for (const std::size_t I : FOrder) Result.push_back(std::move(FObjects[I]));
-    FObjects = std::move(Result);
+    for (const std::size_t I : FOrder) Result.push_back(std::move(Objects[I]));
+    Objects = std::move(Result);
   }
 
  private:
   void Place(std::size_t Index) {
     if (FSeen[Index]) return;
     FSeen[Index] = true;
-    for (std::size_t I = 0; I < FObjects.size(); ++I)
-      if (!FSeen[I] && FNeeds(FObjects[Index], FObjects[I])) Place(I);
+    for (std::size_t I = 0; I < FSeen.size(); ++I)
+      if (!FSeen[I] && FNeeds(Index, I)) Place(I);
     FOrder.push_back(Index);
   }
 
-  std::vector<TObjectScript>& FObjects;
   TNeeds FNeeds;
   std::vector<bool> FSeen;
   std::vector<std::size_t> FOrder;
@@ -62,6 +61,13 @@ struct TWords {
     }
   }
 
+  bool Calls(const std::string& Name) const {
+    for (const char* Bracket : {"(", "\"("})
+      for (std::size_t At = Text.find(Name + Bracket); At != std::string::npos; At = Text.find(Name + Bracket, At + 1))
+        if (At == 0 || !IsOfName(Text[At - 1])) return true;
+    return false;
+  }
+
   bool Has(const std::string& Name) const {
     const bool IsWord = std::all_of(Name.begin(), Name.end(), IsOfName);
     return IsWord ? Words.contains(Name) : Text.find(Name) != std::string::npos;
@@ -70,13 +76,7 @@ struct TWords {
 
 }  // namespace
 
-void OrderByNeeds(std::vector<TObjectScript>& Tables) {
-  TOrder(Tables, [](const TObjectScript& Table, const TObjectScript& Other) {
-    return std::find(Table.Script.Needs.begin(), Table.Script.Needs.end(), Other.FullName) != Table.Script.Needs.end();
-  }).Run();
-}
-
-void OrderByNames(std::vector<TObjectScript>& Objects) {
+void OrderByNeeds(std::vector<TObjectScript>& Objects) {
   std::vector<TWords> Words;
   std::vector<std::string> Names;
   for (const TObjectScript& Object : Objects) {
@@ -84,10 +84,12 @@ void OrderByNames(std::vector<TObjectScript>& Objects) {
     std::string& Name = Names.emplace_back();
     for (const char C : LowerCase(Object.Name)) Name.append(C == '"' ? 2 : 1, C);
   }
-  const TObjectScript* const First = Objects.data();
-  TOrder(Objects, [&](const TObjectScript& Object, const TObjectScript& Other) {
-    return Words[static_cast<std::size_t>(&Object - First)].Has(Names[static_cast<std::size_t>(&Other - First)]);
-  }).Run();
+  TOrder(Objects.size(), [&](std::size_t Object, std::size_t Other) {
+    if (!Objects[Object].IsTable) return Words[Object].Has(Names[Other]);
+    const std::vector<std::string>& Needs = Objects[Object].Script.Needs;
+    return std::find(Needs.begin(), Needs.end(), Objects[Other].FullName) != Needs.end() ||
+           (!Objects[Other].IsTable && Words[Object].Calls(Names[Other]));
+  }).Apply(Objects);
 }
 
 }  // namespace velkrund

@@ -12,11 +12,12 @@ struct TObjectScript {
   std::string Name;      // without its schema
   std::string FullName;  // with it
   TScript Script;
+  bool IsTable = false;
 };
 
-/// Puts tables behind those that they are parts of or inherit from, and leaves the order as it is otherwise.
-void OrderByNeeds(std::vector<TObjectScript>& Tables);
-/// The same of views and procedures, of which nobody knows more than their text: behind all whose names stand in it.
-void OrderByNames(std::vector<TObjectScript>& Objects);
+/// Puts objects behind what they need, and leaves the order as it is otherwise: tables behind those that they are parts
+/// of or inherit from, and behind the procedures that they call; views and procedures, of which nobody knows more than
+/// their text, behind all whose names stand in it.
+void OrderByNeeds(std::vector<TObjectScript>& Objects);
 
 }  // namespace velkrund

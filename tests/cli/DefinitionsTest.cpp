@@ -43,11 +43,14 @@ TEST_F(TDefinitionsTest, AScriptForAnotherEngineLeavesOutWhatThatCannotMake) {
   Server.Run(
       "CREATE TYPE mood AS ENUM ('a'); CREATE TABLE z (m mood); CREATE TABLE a (m mood); CREATE TABLE none ();"
       "CREATE TABLE whole (i integer) PARTITION BY LIST (i); CREATE TABLE a_part PARTITION OF whole FOR VALUES IN (1);"
-      "CREATE INDEX of_part ON a_part (i); CREATE VIEW z_first AS SELECT 1 AS x; CREATE VIEW later AS TABLE z_first");
+      "CREATE INDEX of_part ON a_part (i); CREATE VIEW z_first AS SELECT 1 AS x; CREATE VIEW later AS TABLE z_first;"
+      "CREATE FUNCTION fine(i integer) RETURNS boolean LANGUAGE sql AS 'SELECT i > 0';"
+      "CREATE TABLE b_calls (i integer CHECK (fine(i)))");
   std::string Script = ScriptOf(Server.Url());
   std::size_t At = 0;
-  for (const char* Part : {"CREATE TYPE mood", "CREATE TABLE \"whole\"", "CREATE TABLE \"a_part\"",
-                           "CREATE VIEW \"z_first\"", "CREATE VIEW \"later\"", "CREATE INDEX \"of_part\""}) {
+  for (const char* Part :
+       {"CREATE TYPE mood", "CREATE TABLE \"whole\"", "CREATE TABLE \"a_part\"", "CREATE FUNCTION \"fine\"",
+        "CREATE TABLE \"b_calls\"", "CREATE VIEW \"z_first\"", "CREATE VIEW \"later\"", "CREATE INDEX \"of_part\""}) {
     At = Script.find(Part, At);
     ASSERT_NE(At, std::string::npos) << Part << "\n" << Script;
   }
@@ -55,7 +58,7 @@ TEST_F(TDefinitionsTest, AScriptForAnotherEngineLeavesOutWhatThatCannotMake) {
   Script = Run({"dictionary", "script", "-d", Server.Url(), "--engine", "sqlite"}).Output;
   Query("made.db", Script);
   EXPECT_EQ(Query("made.db", "SELECT group_concat(name) FROM (SELECT name FROM sqlite_schema ORDER BY name)"),
-            "a,later,whole,z,z_first");
+            "a,b_calls,later,whole,z,z_first");
   for (const char* Gap : {"all of table 'none'", "all of table 'a_part'"})
     EXPECT_NE(Script.find(std::string("-- not made: ") + Gap), std::string::npos) << Script;
 }

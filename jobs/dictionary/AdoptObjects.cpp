@@ -63,12 +63,12 @@ void TThis::Forget() {
 }
 
 void TThis::Run() {
-  std::vector<TDescribed> Described = DescribeAll();
+  std::vector<TDescribedObject> Described = DescribeAll();
   Settle(Described);
   if (!Policies.DryRun) Store(std::move(Described));
 }
 
-std::vector<TDescribed> TThis::DescribeAll() {
+std::vector<TDescribedObject> TThis::DescribeAll() {
   const TReadTransaction Moment(Manager().Databases(), DatabaseName);
   TConnection& Connection = Manager().Databases().Connection(DatabaseName);
   const std::vector<TDefinedObject> All = Connection.Definitions().Objects();
@@ -77,7 +77,7 @@ std::vector<TDescribed> TThis::DescribeAll() {
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
   BeginPart("the objects of the database", "objects", static_cast<std::int64_t>(Objects.size()));
   std::int32_t Count = 0;
-  std::vector<TDescribed> Result = Describer.Describe(Objects, [&](const TDefinedObject& Object) {
+  std::vector<TDescribedObject> Result = Describer.Describe(Objects, [&](const TDefinedObject& Object) {
     if (IsCanceled()) throw EAbort("cancelled");
     SetSubject(FullName(Object.Table));
     ShowPart(Count++, static_cast<std::int32_t>(Objects.size()), FullName(Object.Table));
@@ -88,9 +88,9 @@ std::vector<TDescribed> TThis::DescribeAll() {
 }
 
 /// Decides about structures that are there, before anything is stored.
-void TThis::Settle(const std::vector<TDescribed>& Described) {
+void TThis::Settle(const std::vector<TDescribedObject>& Described) {
   std::vector<std::string> Met;
-  for (const TDescribed& Each : Described) {
+  for (const TDescribedObject& Each : Described) {
     const TStructureId Structure{Each.Item.ObjectType, Each.Item.ObjectName};
     if (Each.IsStored && Each.IsChanged) Met.push_back(StructureText(Structure));
     FAdoptions.push_back({Structure,
@@ -119,7 +119,7 @@ void TThis::Settle(const std::vector<TDescribed>& Described) {
                         StructureText(Adoption.Structure))});
 }
 
-void TThis::Store(std::vector<TDescribed> Described) {
+void TThis::Store(std::vector<TDescribedObject> Described) {
   TTransaction Transaction(DatabaseName);
   for (std::size_t I = 0; I < Described.size(); ++I) {
     if (IsCanceled()) throw EAbort("cancelled");

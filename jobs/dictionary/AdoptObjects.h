@@ -41,9 +41,9 @@ class TJobAdoptObjects final : public TPolicyJob {
   void Describe(TDocument& Document) const override;
 
  private:
-  std::vector<TDescribed> DescribeAll();
-  void Settle(const std::vector<TDescribed>& Described);
-  void Store(std::vector<TDescribed> Described);
+  std::vector<TDescribedObject> DescribeAll();
+  void Settle(const std::vector<TDescribedObject>& Described);
+  void Store(std::vector<TDescribedObject> Described);
 
   std::vector<TAdoption> FAdoptions;
   std::vector<std::string> FLeftBehind;

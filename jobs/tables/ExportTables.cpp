@@ -147,7 +147,7 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
       Objects.push_back(std::move(Object));
   RefuseNames(Objects);
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
-  std::vector<TDescribed> Described = Describer.Describe(Objects, [this](const TDefinedObject&) {
+  std::vector<TDescribedObject> Described = Describer.Describe(Objects, [this](const TDefinedObject&) {
     if (IsCanceled()) throw EAbort("cancelled");
   });
   std::vector<TItem> Result;

@@ -14,8 +14,8 @@
 namespace velkrund {
 
 template <typename TDescription>
-TDescribed TDescriber::Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind) {
-  TDescribed Result;
+TDescribedObject TDescriber::Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind) {
+  TDescribedObject Result;
   const std::string Name = Now.FullName();
   if (Stored) Now = Redescribed(*Stored, std::move(Now), FConnection.Scripts().Engine(), Result.Gone);
   Result.IsStored = Stored.has_value();
@@ -28,9 +28,9 @@ TDescribed TDescriber::Finish(TDescription Now, const std::optional<TDescription
   return Result;
 }
 
-std::vector<TDescribed> TDescriber::Describe(const std::vector<TDefinedObject>& Objects, const TNext& Next) {
+std::vector<TDescribedObject> TDescriber::Describe(const std::vector<TDefinedObject>& Objects, const TNext& Next) {
   std::vector<TDicTableDescription> Tables = ReadTables(Objects, Next);
-  std::vector<TDescribed> Result;
+  std::vector<TDescribedObject> Result;
   auto Table = Tables.begin();
   for (const TDefinedObject& Object : Objects) {
     if (Object.Kind == TDefinedKind::Table) {
@@ -59,7 +59,7 @@ std::vector<TDicTableDescription> TDescriber::ReadTables(const std::vector<TDefi
   return Result;
 }
 
-TDescribed TDescriber::DescribeOther(const TDefinedObject& Object) {
+TDescribedObject TDescriber::DescribeOther(const TDefinedObject& Object) {
   TDefinitionReader& Definitions = FConnection.Definitions();
   const std::string Name = FullName(Object.Table);
   if (Object.Kind == TDefinedKind::View)
@@ -70,7 +70,7 @@ TDescribed TDescriber::DescribeOther(const TDefinedObject& Object) {
   return Finish(Definitions.Procedure(Object.Table), StoredProcedure(FDatabaseName, Name, Selects), Object.Kind);
 }
 
-void StoreDescribed(TDescribed Described, const std::string& DatabaseName) {
+void StoreDescribed(TDescribedObject Described, const std::string& DatabaseName) {
   DSPContainer().Table(DatabaseName).ChangeStructureProperties(Described.Item);
   const auto Form = DSPContainer().CreateFormManager(DatabaseName);
   Form->ObjectName = Described.Item.ObjectName;

@@ -10,7 +10,7 @@
 namespace velkrund {
 
 /// An object of a database as its structure has it, or would have it now.
-struct TDescribed {
+struct TDescribedObject {
   TDSPListItem Item;
   TDSPNode Tree;
   bool IsStored = false;               // there is a structure of that name already
@@ -28,13 +28,13 @@ class TDescriber {
   /// Called before each object is looked at; may raise EAbort.
   using TNext = std::function<void(const TDefinedObject& Object)>;
   /// In the order of Objects. Raises EDatabaseError, EDSPError.
-  std::vector<TDescribed> Describe(const std::vector<TDefinedObject>& Objects, const TNext& Next);
+  std::vector<TDescribedObject> Describe(const std::vector<TDefinedObject>& Objects, const TNext& Next);
 
  private:
   std::vector<TDicTableDescription> ReadTables(const std::vector<TDefinedObject>& Objects, const TNext& Next);
-  TDescribed DescribeOther(const TDefinedObject& Object);
+  TDescribedObject DescribeOther(const TDefinedObject& Object);
   template <typename TDescription>
-  TDescribed Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind);
+  TDescribedObject Finish(TDescription Now, const std::optional<TDescription>& Stored, TDefinedKind Kind);
 
   TConnection& FConnection;
   const std::string FDatabaseName;
@@ -42,7 +42,7 @@ class TDescriber {
 };
 
 /// Stores it, with the properties of its item. In the caller's transaction, or one of its own.
-void StoreDescribed(TDescribed Described, const std::string& DatabaseName);
+void StoreDescribed(TDescribedObject Described, const std::string& DatabaseName);
 
 /// Objects whose structures would have one name, or one that a section cannot hold: "the tables 'a' and 'A'", in words
 /// for people; empty when there are none.

@@ -63,10 +63,12 @@ void TDictionaryAdopt::Say(TSession& Session) const {
     if (Adoption.State == TJobState::LeftOut) Text += Format("left out %s: the structure is already there\n", Name);
     for (const std::string& Gone : Adoption.Gone) Text += "  gone: " + OnOneLine(Gone) + "\n";
   }
-  for (const std::string& Left : FJob.LeftBehind()) Text += "not described: " + OnOneLine(Left) + "\n";
+  std::vector<std::string> Left;
+  for (const std::string& One : FJob.LeftBehind()) Left.push_back("not described: " + OnOneLine(One));
+  for (const std::string& Line : Left) Text += Line + "\n";
   Text += Format("in all %d added, %d replaced, %d unchanged, %d left out\n", FJob.Count(TJobState::Added),
                  FJob.Count(TJobState::Replaced), FJob.Count(TJobState::Unchanged), FJob.Count(TJobState::LeftOut));
-  if (!SayDryRun(Session, FJob)) Session.Say(Text);
+  if (!SayDryRun(Session, FJob, Left)) Session.Say(Text);
 }
 
 }  // namespace

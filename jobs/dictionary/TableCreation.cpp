@@ -1,6 +1,7 @@
 #include "jobs/dictionary/TableCreation.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "jobs/policies/Questions.h"
 #include "standalone/dictionary/Layout.h"
@@ -74,6 +75,8 @@ class TTableCreation::TMaker final : public TTableMaker {
     });
   }
   void HasMade(const TDicTableDescription& Table) override { FOwner.FMade.push_back(Table.FullName()); }
+  bool CommitsSteps() const override { return FOwner.FPolicies.Commit == TCommit::Each; }
+  void WillComplete(const TDicTableDescription& Table) override { FOwner.FCompleted.push_back(Table.FullName()); }
   void HasDropped(const TDicTableDescription& Table) override { std::erase(FOwner.FMade, Table.FullName()); }
   bool IsUseless(const TDicTableDescription& Table) override { return FIsUseless(Table.FullName()); }
   void MakeRest(const TMade& Made) override;
@@ -278,6 +281,20 @@ void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
     Outcome.Notes.push_back(Format("made %s, whose structures stay in the catalogue of the database: %s",
                                    Counted(static_cast<std::int64_t>(FMade.size()), "table"), Joined(NamesOf(FMade))));
   FLongNames.AddNote(Outcome.Notes);
+  std::vector<std::string> Waiting;
+  if (FPolicies.Commit == TCommit::Each)
+    std::copy_if(FMade.begin(), FMade.end(), std::back_inserter(Waiting), [this](const std::string& Table) {
+      return FDictionary.StageOf(FDatabaseName, Table) != TTableStage::Complete;
+    });
+  if (!Waiting.empty())
+    Outcome.Notes.push_back(Format(
+        "warning: %s for indexes, references and triggers, which a later import of the file "
+        "makes: %s",
+        Waiting.size() == 1 ? "1 table waits" : Format("%d tables wait", Waiting.size()), Joined(NamesOf(Waiting))));
+  if (!FCompleted.empty())
+    Outcome.Notes.push_back(Format("completed %s that an earlier run had left without the last parts: %s",
+                                   Counted(static_cast<std::int64_t>(FCompleted.size()), "table"),
+                                   Joined(NamesOf(FCompleted))));
   for (const std::string& Table : FUnchecked)
     Outcome.Notes.push_back(
         Format("the foreign keys of table '%s' hold for rows to come alone, since rows of it refer to "

@@ -74,7 +74,7 @@ class TTableCreation {
   TLongNames FLongNames;
   std::set<std::string> FAllowedBefore;
   std::map<std::string, TEntry> FEntries;  // by full name in lower case
-  std::vector<std::string> FMade, FUnchecked;
+  std::vector<std::string> FMade, FCompleted, FUnchecked;
   bool FDeclined = false;
 };
 

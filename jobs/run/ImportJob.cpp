@@ -356,6 +356,11 @@ void TImportJob::TableFailed(const std::string& Table, const std::exception& Err
   Fail(*Found, Error);
 }
 
+void TImportJob::TableTakenBack(const std::string& Table) {
+  for (TItem& Item : FOutcome.Items)
+    if (SameText(Item.Table, Table) && Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+}
+
 /// Error: the one that is being handled.
 void TImportJob::Fail(TItem& Item, const std::exception& Error) {
   // Unless somebody goes on, the run ends with it.

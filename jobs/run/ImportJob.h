@@ -121,6 +121,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
                   const std::exception* Error) override;
   std::optional<bool> GoOn(const std::exception& Error) override;
   void FileFailed(const std::string& FileName, const std::exception& Error) override;
+  void TableTakenBack(const std::string& Table) override;
   void TableFailed(const std::string& Table, const std::exception& Error) override;
   void NotCreated(const std::string& Name, int ObjectType) override { FNotCreated.push_back({ObjectType, Name}); }
   void TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) override;

@@ -146,6 +146,9 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
         Seen.insert(FullName(Object.Table)).second)
       Objects.push_back(std::move(Object));
   RefuseNames(Objects);
+  if (Tables.empty())
+    for (const std::string& Left : Connection.Definitions().LeftBehind())
+      FOutcome.Notes.push_back("not described: " + Left);
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
   std::vector<TDescribedObject> Described = Describer.Describe(Objects, [this](const TDefinedObject&) {
     if (IsCanceled()) throw EAbort("cancelled");

@@ -65,10 +65,11 @@ void TCatalogue::Create(const TCatalogueTable& Table) {
   try {
     FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
   } catch (const EDatabaseError& Error) {
-    throw EDatabaseError(Format(
-        "Cannot make the table %s, in which this program keeps what is its own: %s. Should another one have made "
-        "it at the same moment, try again",
-        Table.Name, Error.what()));
+    const bool MayHelp = Error.Info().Code == TErrorCode::Database || Error.Info().Code == TErrorCode::RowRefused;
+    throw EDatabaseError(
+        Format("Cannot make the table %s, in which this program keeps what is its own: %s%s", Table.Name, Error.what(),
+               MayHelp ? ". Should another one have made it at the same moment, try again" : ""),
+        Error.Info());
   }
 }
 

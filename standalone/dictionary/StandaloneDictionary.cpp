@@ -1,7 +1,9 @@
 #include "standalone/dictionary/StandaloneDictionary.h"
 
+#include "standalone/dictionary/DescriptionCheck.h"
 #include "standalone/dictionary/Redescription.h"
 #include "standalone/dictionary/StoredDescriptions.h"
+#include "standalone/dictionary/UnfinishedTables.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPErrors.h"
@@ -100,6 +102,7 @@ std::string TStandaloneDictionary::GetCreateTablePatternString(const std::string
 
 TScript TStandaloneDictionary::Script(const std::string& DatabaseName, const TDicTableDescription& Description,
                                       const std::string& Pattern, TTableScriptPart Part) {
+  CheckDescription(Description);
   return FManager.Databases().Connection(DatabaseName).Scripts().Table(Description, PartsOf(Part), Pattern);
 }
 
@@ -123,9 +126,18 @@ void TStandaloneDictionary::CreateIndexesByDef(const std::string& DatabaseName,
                     FGaps);
 }
 
+TTableStage TStandaloneDictionary::StageOf(const std::string& DatabaseName, const std::string& TableName) {
+  return TUnfinishedTables(FManager.Databases().Connection(DatabaseName)).StageOf(TableName);
+}
+
+void TStandaloneDictionary::SetStage(const std::string& DatabaseName, const std::string& TableName, TTableStage Stage) {
+  TUnfinishedTables(FManager.Databases().Connection(DatabaseName)).SetStage(TableName, Stage);
+}
+
 void TStandaloneDictionary::DropTable(const std::string& DatabaseName, const TDicTableDescription& Description) {
   TConnection& Connection = FManager.Databases().Connection(DatabaseName);
   Connection.Execute(Connection.Scripts().DropTable(Description));
+  TUnfinishedTables(Connection).SetStage(Description.FullName(), TTableStage::Complete);
 }
 
 void TStandaloneDictionary::StoreWords(const std::string& DatabaseName, const std::string& TableName) {

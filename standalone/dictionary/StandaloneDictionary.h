@@ -25,6 +25,8 @@ class TStandaloneDictionary final : public TDictionary {
   void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                         const std::string& Pattern, TTableScriptPart Part) override;
   void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) override;
+  TTableStage StageOf(const std::string& DatabaseName, const std::string& TableName) override;
+  void SetStage(const std::string& DatabaseName, const std::string& TableName, TTableStage Stage) override;
   void DropTable(const std::string& DatabaseName, const TDicTableDescription& Description) override;
 
   // For hosts.

@@ -8,7 +8,7 @@ namespace velkrund {
 namespace {
 
 constexpr std::string_view CatalogueTables[] = {"velkrund_catalogue", "velkrund_structures", "velkrund_generators",
-                                                "velkrund_procedures"};
+                                                "velkrund_procedures", "velkrund_unfinished"};
 
 }  // namespace
 

@@ -326,7 +326,7 @@ TEST_F(ImportFile, MissingTablesAreMadeOrDeclined) {
     void Check(const std::string& Name) override {
       if (Name == "no") throw Exception("Creation of table 'no' cancelled");
     }
-    void Complete(const TFailed& Failed) override {
+    void Complete(const TFailed& Failed, const TTakenBack&) override {
       FDone += "complete ";
       try {
         throw Exception("no index");

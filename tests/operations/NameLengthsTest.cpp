@@ -46,6 +46,8 @@ class NameLengths : public testing::Test, public TDSPContainer, public TDSPTable
                         TTableScriptPart) override {}
   void CreateIndexesByDef(const std::string&, const TDicTableDescription&) override {}
   void DropTable(const std::string&, const TDicTableDescription&) override {}
+  TTableStage StageOf(const std::string&, const std::string&) override { return TTableStage::Complete; }
+  void SetStage(const std::string&, const std::string&, TTableStage) override {}
   bool GetTableInfo(const std::string&, TDicTableDescription& Description) override {
     Description.Fields = {{.Name = "A"}, {.Name = "B", .Type = TDicFieldType::Int64}};
     if (Structure == TStructure::AutoKey) Description.Fields[1].Auto = TDicAutoKey::RowNumber;

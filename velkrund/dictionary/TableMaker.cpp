@@ -1,5 +1,6 @@
 #include "velkrund/dictionary/TableMaker.h"
 
+#include <algorithm>
 #include <set>
 
 #include "velkrund/operations/MessageBoxHook.h"
@@ -29,7 +30,10 @@ std::vector<TDicTableDescription> TTableMaker::Missing(const std::vector<std::st
     if (!Seen.insert(LowerCase(Name)).second) continue;
     try {
       TDicTableDescription Table;
-      if (BaseMng().GetUserTable(Name, FDatabaseName, false)) continue;
+      if (BaseMng().GetUserTable(Name, FDatabaseName, false)) {
+        TakeUnfinished(Name);
+        continue;
+      }
       if (Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Name, Table)) Result.push_back(std::move(Table));
     } catch (const EAbort&) {
       throw;
@@ -38,6 +42,23 @@ std::vector<TDicTableDescription> TTableMaker::Missing(const std::vector<std::st
     }
   }
   return Result;
+}
+
+void TTableMaker::TakeUnfinished(const std::string& Name) {
+  TMade Left;
+  Left.Stage = Dictionary().StageOf(FDatabaseName, Name);
+  if (Left.Stage == TTableStage::Complete) return;
+  if (!Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Name, Left.Description)) return;
+  Left.Pattern = PatternOf(Left.Description);
+  Prepare(Left.Description);
+  WillComplete(Left.Description);
+  FMade.push_back(std::move(Left));
+}
+
+std::string TTableMaker::PatternOf(const TDicTableDescription& Table) const {
+  TDictionary& Dictionary = velkrund::Dictionary();
+  return Dictionary.GetCreateTablePatternString(Dictionary.GetPatternName(Table.FullName(), FDatabaseName),
+                                                FDatabaseName);
 }
 
 bool TTableMaker::MayMake(const std::vector<TDicTableDescription>& Tables) {
@@ -75,13 +96,12 @@ bool TTableMaker::MakeOne(const TDicTableDescription& Table) {
   const std::string Key = LowerCase(Table.FullName());
   try {
     TTransaction Transaction(FDatabaseName);
-    TDictionary& Dictionary = velkrund::Dictionary();
-    TMade Made{Table, Dictionary.GetCreateTablePatternString(Dictionary.GetPatternName(Table.FullName(), FDatabaseName),
-                                                             FDatabaseName)};
+    TMade Made{Table, PatternOf(Table)};
     Prepare(Made.Description);
     TDicTableDescription Bare = Made.Description;
     Bare.Indexes.clear();
-    Dictionary.CreateTableByDef(FDatabaseName, Bare, Made.Pattern, TTableScriptPart::Table);
+    Dictionary().CreateTableByDef(FDatabaseName, Bare, Made.Pattern, TTableScriptPart::Table);
+    if (CommitsSteps()) Dictionary().SetStage(FDatabaseName, Bare.FullName(), TTableStage::Made);
     Transaction.Commit();
     FFailed.erase(Key);
     FMade.push_back(std::move(Made));
@@ -100,30 +120,32 @@ void TTableMaker::Check(const std::string& Name) {
     std::rethrow_exception(Failed->second);
 }
 
-void TTableMaker::Complete(const TFailed& Failed) {
-  std::erase_if(FMade, [this](const TMade& Made) {
-    const bool Goes = IsUseless(Made.Description);
-    if (Goes) Drop(Made);
-    return Goes;
-  });
-  CompleteEach(Failed, &TTableMaker::MakeIndexes);
-  CompleteEach(Failed, &TTableMaker::MakeRest);
+void TTableMaker::Complete(const TFailed& Failed, const TTakenBack& TakenBack) {
+  for (TMade& Made : FMade)
+    if (!CommitsSteps() && IsUseless(Made.Description)) Drop(Made);
+  CompleteEach(Failed, TakenBack, TTableStage::Made, &TTableMaker::MakeIndexes);
+  CompleteEach(Failed, TakenBack, TTableStage::Indexed, &TTableMaker::MakeRest);
 }
 
-void TTableMaker::CompleteEach(const TFailed& Failed, void (TTableMaker::*Step)(const TMade&)) {
-  std::erase_if(FMade, [&](const TMade& Made) {
+/// Those that have come to that stage.
+void TTableMaker::CompleteEach(const TFailed& Failed, const TTakenBack& TakenBack, TTableStage Stage,
+                               void (TTableMaker::*Step)(const TMade&)) {
+  const auto Next = static_cast<TTableStage>(static_cast<int>(Stage) + 1);
+  for (TMade& Made : FMade) {
+    if (Made.IsGone || Made.Stage != Stage) continue;
     if (FOperation.IsCanceled()) throw EAbort("cancelled");
     try {
       TTransaction Transaction(FDatabaseName);
       (this->*Step)(Made);
+      if (CommitsSteps()) Dictionary().SetStage(FDatabaseName, Made.Description.FullName(), Next);
       Transaction.Commit();
-      return false;
+      Made.Stage = Next;
+      continue;
     } catch (const std::exception& Error) {
       Failed(Made.Description.FullName(), Error);
     }
-    Drop(Made);
-    return true;
-  });
+    if (!CommitsSteps()) DropWithThoseThatRefer(Made, TakenBack);
+  }
 }
 
 void TTableMaker::MakeIndexes(const TMade& Made) { Dictionary().CreateIndexesByDef(FDatabaseName, Made.Description); }
@@ -132,10 +154,26 @@ void TTableMaker::MakeRest(const TMade& Made) {
   Dictionary().CreateTableByDef(FDatabaseName, Made.Description, Made.Pattern, TTableScriptPart::Rest);
 }
 
-void TTableMaker::Drop(const TMade& Made) {
+/// What refers to the table goes first.
+void TTableMaker::DropWithThoseThatRefer(TMade& Made, const TTakenBack& TakenBack) {
+  Made.IsGone = true;
+  for (TMade& Other : FMade) {
+    const std::vector<TDicForeignKey>& Keys = Other.Description.ForeignKeys;
+    const bool Refers = std::any_of(Keys.begin(), Keys.end(), [&](const TDicForeignKey& Key) {
+      return SameText(Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table, Made.Description.FullName());
+    });
+    if (!Refers || Other.IsGone) continue;
+    DropWithThoseThatRefer(Other, TakenBack);
+    TakenBack(Other.Description.FullName());
+  }
+  Drop(Made);
+}
+
+void TTableMaker::Drop(TMade& Made) {
   TTransaction Transaction(FDatabaseName);
   Dictionary().DropTable(FDatabaseName, Made.Description);
   Transaction.Commit();
+  Made.IsGone = true;
   HasDropped(Made.Description);
 }
 

@@ -13,7 +13,8 @@ namespace velkrund {
 /// Makes missing tables by the data dictionary, asked once with the list of them: before the rows fields and keys,
 /// behind them the indexes of all, then foreign keys, triggers and comments. A table that needs another one, whose part
 /// it is, waits for that. Each step of a table is a transaction of its own, or a part of one. A table that cannot be
-/// completed, where the others are gone on with, is dropped again.
+/// completed, where the others are gone on with, is dropped again, and so are those made here that refer to it; where
+/// the steps are committed one by one it stays, and waits for a later run to complete it.
 class TTableMaker : public TMissingTables {
  public:
   /// Operation: borrowed, whose cancel is obeyed.
@@ -22,13 +23,20 @@ class TTableMaker : public TMissingTables {
 
   void Make(const std::vector<std::string>& Names) override;
   void Check(const std::string& Name) override;
-  void Complete(const TFailed& Failed) override;
+  void Complete(const TFailed& Failed, const TTakenBack& TakenBack) override;
 
  protected:
   struct TMade {
     TDicTableDescription Description;
     std::string Pattern;
+    TTableStage Stage = TTableStage::Made;
+    bool IsGone = false;
   };
+
+  /// Whether each step is committed by itself, rather than with the whole run.
+  virtual bool CommitsSteps() const { return true; }
+  /// A table that an earlier run has left without its last parts is completed now.
+  virtual void WillComplete(const TDicTableDescription& /*Table*/) {}
 
   /// Whether those may be made; by default a person is asked.
   virtual bool MayMake(const std::vector<TDicTableDescription>& Tables);
@@ -50,9 +58,13 @@ class TTableMaker : public TMissingTables {
  private:
   std::vector<TDicTableDescription> Missing(const std::vector<std::string>& Names);
   void MakeAll(std::vector<TDicTableDescription> Tables);
-  void CompleteEach(const TFailed& Failed, void (TTableMaker::*Step)(const TMade&));
+  void TakeUnfinished(const std::string& Name);
+  std::string PatternOf(const TDicTableDescription& Table) const;
+  void CompleteEach(const TFailed& Failed, const TTakenBack& TakenBack, TTableStage Stage,
+                    void (TTableMaker::*Step)(const TMade&));
+  void DropWithThoseThatRefer(TMade& Made, const TTakenBack& TakenBack);
   void MakeIndexes(const TMade& Made);
-  void Drop(const TMade& Made);
+  void Drop(TMade& Made);
   bool MakeOne(const TDicTableDescription& Table);
   void Decline(const TDicTableDescription& Table);
 

@@ -196,7 +196,8 @@ bool TUOImportFile::HasFailed(const std::string& Table) {
 
 void TUOImportFile::CompleteTables() {
   if (FMissing && !Stopping())
-    FMissing->Complete([this](const std::string& Table, const std::exception& Error) { FailTable(Table, Error); });
+    FMissing->Complete([this](const std::string& Table, const std::exception& Error) { FailTable(Table, Error); },
+                       [this](const std::string& Table) { Host().TableTakenBack(Table); });
   FMissing.reset();
 }
 

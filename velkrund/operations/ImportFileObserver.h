@@ -46,6 +46,8 @@ class TImportFileObserver {
   /// A table that could not be made, or not be completed behind the last row; in the first case one without rows.
   /// Before anybody is asked whether to go on.
   virtual void TableFailed(const std::string& /*Table*/, const std::exception& /*Error*/) {}
+  /// A table that was made, and is gone again with its rows, because it refers to one that failed.
+  virtual void TableTakenBack(const std::string& /*Table*/) {}
   /// A structure of the files that is stored only: nobody creates objects of its type in the database.
   virtual void NotCreated(const std::string& /*Name*/, int /*ObjectType*/) {}
   /// A file that cannot be opened, or whose headers are wrong.

@@ -29,7 +29,9 @@ class TMissingTables {
   /// comments. Failed: called while the error of one of them is handled; returns when the others are to be gone on
   /// with.
   using TFailed = std::function<void(const std::string& Table, const std::exception& Error)>;
-  virtual void Complete(const TFailed& Failed) = 0;
+  /// TakenBack: told of tables that are gone again because they refer to one that failed.
+  using TTakenBack = std::function<void(const std::string& Table)>;
+  virtual void Complete(const TFailed& Failed, const TTakenBack& TakenBack) = 0;
 };
 
 /// Of a run of Operation, which is borrowed and outlives them. Null: tables have to be there.

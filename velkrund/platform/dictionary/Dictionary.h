@@ -13,6 +13,13 @@ enum class TTableScriptPart : int {
   Rest = 2,   // what is left: triggers, comments, and foreign keys where the engine adds them to a table that is there
 };
 
+/// How far a table has come that was made in parts.
+enum class TTableStage : int {
+  Made = 0,     // it waits for its indexes, and then for the rest
+  Indexed = 1,  // it waits for the rest
+  Complete = 2,
+};
+
 /// What the structures of one database say of tables.
 class TDicTable {
  public:
@@ -42,6 +49,10 @@ class TDictionary {
                                 const std::string& Pattern, TTableScriptPart Part) = 0;
   /// Makes the indexes of a table that was made without them.
   virtual void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
+  /// How far a table has come whose parts are committed one by one, as the database remembers it, so that a later run
+  /// can complete what an earlier one has left; Complete for every other table.
+  virtual TTableStage StageOf(const std::string& DatabaseName, const std::string& TableName) = 0;
+  virtual void SetStage(const std::string& DatabaseName, const std::string& TableName, TTableStage Stage) = 0;
   /// Removes the table of the description's name from the database; its structure stays.
   virtual void DropTable(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
 };

@@ -5,7 +5,7 @@ namespace velkrund::tests {
 namespace {
 
 /// Databases with what one engine alone has, described and made by the command.
-class TDefinitionsTest : public TCommandTest {
+class TPostgreSQLDefinitionsTest : public TCommandTest {
  protected:
   void Succeed(const TArguments& Line) {
     const TOutcome Outcome = Run(Line);
@@ -23,7 +23,7 @@ class TDefinitionsTest : public TCommandTest {
   }
 };
 
-TEST_F(TDefinitionsTest, AScriptRunInAnEmptyDatabaseMakesTheSame) {
+TEST_F(TPostgreSQLDefinitionsTest, AScriptRunInAnEmptyDatabaseMakesTheSame) {
   TPostgreSQLDatabase Source, Target;
   Source.Run(TraitsOf("postgresql"));
   const std::string Script = ScriptOf(Source.Url());
@@ -38,7 +38,7 @@ TEST_F(TDefinitionsTest, AScriptRunInAnEmptyDatabaseMakesTheSame) {
   EXPECT_EQ(Own.find("-- not made"), std::string::npos);
 }
 
-TEST_F(TDefinitionsTest, AScriptForAnotherEngineLeavesOutWhatThatCannotMake) {
+TEST_F(TPostgreSQLDefinitionsTest, AScriptForAnotherEngineLeavesOutWhatThatCannotMake) {
   TPostgreSQLDatabase Server;
   Server.Run(
       "CREATE TYPE mood AS ENUM ('a'); CREATE TABLE z (m mood); CREATE TABLE a (m mood); CREATE TABLE none ();"
@@ -63,7 +63,7 @@ TEST_F(TDefinitionsTest, AScriptForAnotherEngineLeavesOutWhatThatCannotMake) {
     EXPECT_NE(Script.find(std::string("-- not made: ") + Gap), std::string::npos) << Script;
 }
 
-TEST_F(TDefinitionsTest, APartitionedTableMovesWhole) {
+TEST_F(TPostgreSQLDefinitionsTest, APartitionedTableMovesWhole) {
   TPostgreSQLDatabase Source, Target;
   Source.Run(
       "CREATE TABLE z (id integer, day date, PRIMARY KEY (id, day)) PARTITION BY RANGE (day);"
@@ -93,7 +93,7 @@ TEST_F(TDefinitionsTest, APartitionedTableMovesWhole) {
             "3|z");
 }
 
-TEST_F(TDefinitionsTest, APrimaryKeyWithNullsIsOneWhereTheEngineTakesIt) {
+TEST_F(TPostgreSQLDefinitionsTest, APrimaryKeyWithNullsIsOneWhereTheEngineTakesIt) {
   Query("from.db",
         "CREATE TABLE used (a TEXT, b TEXT, c INT, CONSTRAINT pk PRIMARY KEY (a, b) ON CONFLICT IGNORE);"
         "CREATE TABLE refers (x TEXT, y TEXT, FOREIGN KEY (x, y) REFERENCES used);"

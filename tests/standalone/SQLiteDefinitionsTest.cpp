@@ -139,7 +139,7 @@ TEST_F(SQLiteDefinitionsTest, DeclarationsAreMadeAgainInOneForm) {
        "\n || 'x') STORED, \"d\" INT"},
       {"(a CHECK (a > 01) CHECK (a IS NOT NULL))", R"("a", CHECK (a > 01), CHECK ("a" IS NOT NULL))"},
       {"(a DEFAULT -1, b DEFAULT + 2, c DEFAULT NULL, d DEFAULT true, e DEFAULT 'it''s', f DEFAULT current_date)",
-       R"("a" DEFAULT -1, "b" DEFAULT 2, "c" DEFAULT NULL, "d" DEFAULT TRUE, "e" DEFAULT 'it''s', "f" DEFAULT CURRENT_DATE)"},
+       R"("a" DEFAULT -1, "b" DEFAULT 2, "c" DEFAULT NULL, "d" DEFAULT TRUE, "e" DEFAULT 'it''s', "f" DEFAULT current_date)"},
       {"(a INT /* x */ NULL, b `my type` (3 , -4), c NOT NULL)", R"("a" INT, "b" `my type` (3 , -4), "c" NOT NULL)"},
       {"(a INT GENERATED ALWAYS b, c GENERATED ALWAYS)", R"("a" INT GENERATED ALWAYS b, "c" GENERATED ALWAYS)"},
       {"(a MONEY TEXT CHECK (a>9) CHECK (cast([A]as NUMERIC)>09 OR a='a'), b CHECK (CAST(a AS numeric)>b) CHECK "

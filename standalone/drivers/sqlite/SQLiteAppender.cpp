@@ -8,11 +8,20 @@
 #include "standalone/drivers/Dialect.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 namespace {
+
+/// 2 of DECIMAL(12, 2); 0 of a type that does not say it.
+int ScaleOf(const std::string& DeclaredType) {
+  const std::size_t Comma = DeclaredType.rfind(',');
+  const std::size_t Close = DeclaredType.find(')', Comma == std::string::npos ? 0 : Comma);
+  if (Comma == std::string::npos || Close == std::string::npos) return 0;
+  return StrToInt32(Trim(std::string_view(DeclaredType).substr(Comma + 1, Close - Comma - 1))).value_or(0);
+}
 
 /// Kibibytes, negative as the engine wants it. A larger cache makes indexes no faster, only memory scarcer.
 constexpr std::int64_t AppendCacheSize = -8'192;
@@ -77,7 +86,7 @@ TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Ta
       Binders.emplace_back(Statement.Handle(), ++Place,
                            TSQLiteBinder::TColumn{.Affinity = AffinityOf(Column.DeclaredType, Traits.Strict),
                                                   .HoldsBytes = Column.Kind == TKvKind::Bytes,
-                                                  .HoldsDecimals = Column.Kind == TKvKind::Currency,
+                                                  .Scale = ScaleOf(Column.DeclaredType),
                                                   .IsRowNumber = Index == Traits.RowNumberColumn},
                            Traits.Texts);
     }

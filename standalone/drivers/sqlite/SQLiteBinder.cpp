@@ -12,9 +12,11 @@ namespace {
 
 constexpr std::uint64_t MaxInt64 = 0x7FFF'FFFF'FFFF'FFFF;
 
-/// Of a text with a point: without the zeros behind the last decimal, and without a point that nothing follows.
-std::string_view WithoutLastZeros(std::string_view Text) {
-  if (Text.find('.') == std::string_view::npos || Text.find_first_of("eE") != std::string_view::npos) return Text;
+/// Of a text with just so many decimals: without the zeros at their end, and without a point that nothing follows.
+std::string_view WithoutLastZeros(std::string_view Text, int Scale) {
+  const std::size_t Point = Text.find('.');
+  if (Scale <= 0 || Point == std::string_view::npos || Text.size() - Point - 1 != static_cast<std::size_t>(Scale))
+    return Text;
   Text = Text.substr(0, Text.find_last_not_of('0') + 1);
   return Text.ends_with('.') ? Text.substr(0, Text.size() - 1) : Text;
 }
@@ -123,8 +125,7 @@ TSQLiteBinder::TRefusal TSQLiteBinder::LendText(std::string_view Text) {
 TSQLiteBinder::TRefusal TSQLiteBinder::BindNumberText(std::string_view Text) {
   TKvVariant Number;
   TTextFate Fate = FateOfText(Text, FColumn.Affinity, Number);
-  if (Fate == TTextFate::Changed && FColumn.HoldsDecimals)
-    Fate = FateOfText(WithoutLastZeros(Text), FColumn.Affinity, Number);
+  if (Fate == TTextFate::Changed) Fate = FateOfText(WithoutLastZeros(Text, FColumn.Scale), FColumn.Affinity, Number);
   switch (Fate) {
     case TTextFate::Integer:
       return Result(sqlite3_bind_int64(FStatement, FPlace, Number.AsInteger()));

@@ -23,9 +23,9 @@ class TSQLiteBinder {
  public:
   struct TColumn {
     TAffinity Affinity = TAffinity::None;
-    bool HoldsBytes = false;     // 8-bit texts stay bytes
-    bool HoldsDecimals = false;  // by its declared type: zeros behind the last decimal mean nothing
-    bool IsRowNumber = false;    // the engine would put a number of its own in the place of NULL
+    bool HoldsBytes = false;   // 8-bit texts stay bytes
+    int Scale = 0;             // declared decimals; a text with just as many is a number with zeros behind it
+    bool IsRowNumber = false;  // the engine would put a number of its own in the place of NULL
   };
   /// Nothing: bound. Otherwise why the value cannot be stored.
   using TRefusal = const char*;

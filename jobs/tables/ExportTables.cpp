@@ -9,9 +9,11 @@
 #include "jobs/tables/TableSearch.h"
 #include "standalone/databases/ReadTransaction.h"
 #include "standalone/dictionary/Describer.h"
+#include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
 
 namespace velkrund {
 
@@ -163,6 +165,39 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
     FStructures.Described.Put(std::move(Described[I].Item), std::move(Described[I].Tree));
     Result.push_back(std::move(Item));
     if (I < WithRows) Result.push_back(std::move(Rows[I]));
+  }
+  for (TItem& Part : StoredParts(std::move(Seen))) Result.push_back(std::move(Part));
+  return Result;
+}
+
+/// Structures of parts that another engine keeps of these tables, and this one has no tables for: without them the way
+/// back would have none. Wholes: by full names.
+std::vector<TItem> TJobExportTables::StoredParts(std::set<std::string> Wholes) {
+  std::vector<TItem> Result;
+  const auto IsPart = [&](const TDicTableDescription& Table) {
+    for (const auto& [Engine, Words] : Table.Words) {
+      const TScriptWriter* const Writer = Words.Part("PartitionOf") ? Manager().Databases().Scripts(Engine) : nullptr;
+      if (!Writer) continue;
+      const std::vector<std::string> Needs = Writer->Table(Table, {}, Writer->TablePattern()).Needs;
+      if (std::any_of(Needs.begin(), Needs.end(), [&](const std::string& Name) { return Wholes.contains(Name); }))
+        return true;
+    }
+    return false;
+  };
+  const TDSPList Stored = DSPContainer().Table(DatabaseName).List();
+  for (bool Found = true; Found;) {
+    Found = false;
+    for (const TDSPListItem& Item : Stored) {
+      if (Item.ObjectType != TableObjectType) continue;
+      const auto Table = StoredTable(DatabaseName, Item.ObjectName);
+      if (!Table || Wholes.contains(Table->FullName()) || !IsPart(*Table)) continue;
+      Found = Wholes.insert(Table->FullName()).second;
+      TItem Part;
+      Part.Structure = TStructureId{Item.ObjectType, Item.ObjectName};
+      Part.Section = StructureText(*Part.Structure);
+      FStructures.Described.Put(Item, std::move(LoadStructure(DatabaseName, Item.ObjectName, Item.ObjectType)->Root()));
+      Result.push_back(std::move(Part));
+    }
   }
   return Result;
 }

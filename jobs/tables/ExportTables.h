@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,7 @@ class TJobExportTables final : public TExportJob {
   void RefuseWithoutRows() const;
   TItem RowsItem(const std::string& Table) const;
   std::vector<TItem> WithStructures(std::vector<TItem> Rows);
+  std::vector<TItem> StoredParts(std::set<std::string> Wholes);
   TItem WithoutTable(const TTableSearch& Search, const std::string& Name);
 
   TUOExportTableData FOperation;

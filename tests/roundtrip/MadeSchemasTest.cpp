@@ -21,7 +21,14 @@ class TMadeSchemasTest : public TSchemaTest, public testing::WithParamInterface<
       return Made(Engine, "source", Schema, Schema.Rows);
     }
     std::ifstream File(VELKRUND_SOURCE_DIR "/tests/standalone/traits." + Engine + ".sql");
-    return Made(Engine, "source", std::string(std::istreambuf_iterator<char>(File), {}));
+    const TTestDatabase Result = Made(Engine, "source", std::string(std::istreambuf_iterator<char>(File), {}));
+    if (Engine == "sqlite") return Result;
+    // A name that a field line cannot hold, and a table that SQLite cannot have.
+    Result.Run("DROP TABLE referring, \"select\"; DROP PROCEDURE \"Sales Dept\".other; DROP TABLE empty");
+    Schema.Before =
+        "CREATE SCHEMA \"Sales Dept\"; CREATE SEQUENCE counting; CREATE SEQUENCE \"Sales Dept\".numbers START 1000;"
+        "CREATE FUNCTION note_change() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END'";
+    return Result;
   }
   /// Every table with its structure, as it would be described where no structure was ever stored.
   std::string Described(const TTestDatabase& Database, const std::string& File, const TArguments& More = {}) {
@@ -54,13 +61,18 @@ TEST_P(TMadeSchemasTest, AreTheVerySame) {
   const TOutcome Outcome = Make(Target, "F", {"--allow-missing", "references"});
   ASSERT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
   const TOutcome Adopted = Run({"dictionary", "adopt", "-d", Target.Url, "--all", "--overwrite", "no"});
-  EXPECT_NE(Adopted.Errors.find(" 0 replaced"), std::string::npos) << Adopted.Errors;
-  EXPECT_NE(Adopted.Errors.find(" 0 left out"), std::string::npos) << Adopted.Errors;
+  // Keys that rows break are other keys than they were.
+  if (Name != "broken_references") {
+    EXPECT_NE(Adopted.Errors.find(" 0 replaced"), std::string::npos) << Adopted.Errors;
+    EXPECT_NE(Adopted.Errors.find(" 0 left out"), std::string::npos) << Adopted.Errors;
+  }
   EXPECT_EQ(Described(Target, "G"), Original);
 }
 
 TEST_P(TMadeSchemasTest, ComeBackFromTheOtherEngine) {
   const TTestDatabase Source = MadeSource();
+  // Numbers and bytes in one column, for which PostgreSQL has no type.
+  if (GetParam() == "sqlite/odd_tables") Source.Run("DROP TABLE no_key; DROP TABLE no_rowid");
   const std::string Original = Described(Source, "F");
   Described(Source, "S", {"--columns", "scanned"});
   const TTestDatabase Middle = Made(Engine == "sqlite" ? "postgresql" : "sqlite", "middle", "");

@@ -17,8 +17,8 @@ std::vector<TDefinedObject> ChosenObjects(std::vector<TDefinedObject> All, const
 /// Raises EDatabaseError for names that structures cannot tell apart or sections cannot hold.
 void RefuseNames(const std::vector<TDefinedObject>& Objects);
 
-/// Raises EDatabaseError for a table 'T.F' beside a table 'T' with a field 'F' of bytes: its structure would be taken for
-/// that of what such a field may hold inside. Schema: of the database, whose objects are All.
+/// Raises EDatabaseError for a table 'T.F' beside a table 'T' with a field 'F' of bytes: its structure would be taken
+/// for that of what such a field may hold inside. Schema: of the database, whose objects are All.
 void RefuseInsides(TSchemaReader& Schema, const std::vector<TDefinedObject>& Objects,
                    const std::vector<TDefinedObject>& All);
 

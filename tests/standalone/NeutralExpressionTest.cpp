@@ -251,7 +251,7 @@ TEST(NeutralExpressionTest, DefaultsAreLiteralsOrMoments) {
       {DateTime, "timezone('utc'::text, now())", {}},
       {DateTime, "clock_timestamp()", {}},
       {ZonedDateTime, "now()", "NOW"},
-      {String, "(CURRENT_TIMESTAMP)", "NOW"},
+      {String, "(CURRENT_TIMESTAMP)", {}},
       {Int64, "CURRENT_TIMESTAMP", {}},
       {Time, "LOCALTIME", "TIME"},
       {Uuid, "gen_random_uuid()", "UUID"},

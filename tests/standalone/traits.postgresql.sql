@@ -48,8 +48,10 @@ ALTER SEQUENCE numbered_old_seq RESTART WITH 7 MAXVALUE 1000;
 
 CREATE TABLE computed (
   a integer NOT NULL, b integer, s integer GENERATED ALWAYS AS (a * 2 + b) STORED,
-  t text, l text GENERATED ALWAYS AS (lower(t)) STORED, o text GENERATED ALWAYS AS ('x' || t) STORED
+  t text, l text GENERATED ALWAYS AS (lower(t)) STORED, o text GENERATED ALWAYS AS ('x' || t) STORED,
+  cut text GENERATED ALWAYS AS (t::varchar(2)) STORED, n numeric, rounded numeric GENERATED ALWAYS AS (n::numeric(5,1)) STORED
 );
+CREATE UNIQUE INDEX computed_cut ON computed ((t::varchar(2)));
 COMMENT ON TABLE computed IS E'of a ''table''\nin two lines \\ and more';
 COMMENT ON COLUMN computed.b IS 'of a column';
 

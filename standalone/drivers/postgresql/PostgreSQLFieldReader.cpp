@@ -119,7 +119,7 @@ class TFieldReader {
     const std::string Expression = Rows.Copy(Row, 10);
     if (Result.Auto != TDicAutoKey::None || Expression.empty()) return Result;
     if (Rows.Text(Row, 9).empty()) {
-      Result.Default = Expressions.Default(Expression, Rows.Copy(Row, 5), Result.Type);
+      Result.Default = Expressions.Default(Expression, Rows.Copy(Row, 5), Result);
       // Where a domain has one, what a column has instead of it is told from that by its words.
       const bool IsInsteadOfDomains = Rows.Boolean(Row, 22) && Rows.Boolean(Row, 23);
       if (!Result.Default || IsInsteadOfDomains) Words.Parts["Default"] = Expression;

@@ -58,6 +58,9 @@ std::optional<TExpression> OfText(TExpression Node, std::string_view Type, const
   return Node;
 }
 
+/// Types that hold whatever is computed; others round it.
+bool KeepsAll(std::string_view Type) { return Type == "numeric" || Type == "text" || Type == "character varying"; }
+
 bool Changes(const TExpression& Node, std::string_view Type, const TIdle& Idle) {
   switch (Node.Kind) {
     case TExpressionKind::Number:
@@ -67,15 +70,16 @@ bool Changes(const TExpression& Node, std::string_view Type, const TIdle& Idle) 
     case TExpressionKind::Word:
       return !Node.IsNull() && Type != "boolean";
     case TExpressionKind::Column:
+      return !IsIdle(Idle, Type);
     case TExpressionKind::Case:
     case TExpressionKind::CaseOf:
-      return !IsIdle(Idle, Type);
+      return !KeepsAll(Type) || !IsIdle(Idle, Type);
     case TExpressionKind::Call:
-      return !IsIdle(Idle, Type) || (Node.Text == "ABS" && !IsNumberType(Type));
+      return !KeepsAll(Type) || !IsIdle(Idle, Type) || (Node.Text == "ABS" && !IsNumberType(Type));
     case TExpressionKind::Sum:
     case TExpressionKind::Product:
     case TExpressionKind::Minus:
-      return !IsNumberType(Type) || !IsIdle(Idle, Type);
+      return Type != "numeric" || !IsIdle(Idle, Type);
     default:
       return Type != "boolean";
   }

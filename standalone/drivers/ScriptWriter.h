@@ -40,6 +40,9 @@ struct TScript {
   std::vector<TScriptStatement> Statements;
   std::vector<TScriptGap> Gaps;
   std::vector<std::string> Needs = {};  // full names of tables that have to be there before
+  /// Names of what the script makes that the engine keeps apart from each other: tables, views, indexes and what else
+  /// shares their names there. Equal ones are the same name to the engine, whatever their case; not for people.
+  std::vector<std::string> Makes = {};
 };
 
 /// The words with which an engine makes and drops objects. Text alone: needs neither the engine nor a connection.

@@ -166,6 +166,58 @@ TEST(PostgreSQLDefinitionsTest, WhatIsMadeAgainIsTheSame) {
   }
 }
 
+/// Types of fields, and expressions that have a neutral form, or none since they cut or round.
+TEST(PostgreSQLDefinitionsTest, CastsThatChangeValuesStay) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run("CREATE TABLE base (a text, v varchar(20), n numeric, f double precision, i integer, j integer[])");
+  const auto Connection = Connect(Raw.Url());
+  const struct {
+    std::string Words, Neutral;
+  } Conditions[] = {
+      {"a <> 'abc'::varchar", R"("a" <> 'abc')"},
+      {"v::text <> 'abc'", R"("v" <> 'abc')"},
+      {"n > i + 1", ""},
+      {"n > 3", R"("n" > 3)"},
+      {"a::varchar(2) <> 'x'", ""},
+      {"a <> 'abc'::varchar(2)", ""},
+      {"v::varchar(2) <> 'x'", ""},
+      {"upper(a)::varchar(20) <> 'x'", ""},
+      {"a::char(2) <> 'x'", ""},
+      {"a IN ('abc'::varchar(2), 'x')", ""},
+      {"a = ANY ('{abc}'::varchar(2)[])", ""},
+      {"n::numeric(5,0) < 4", ""},
+      {"(n + 0.5)::integer < 4", ""},
+      {"abs(n)::numeric(5,1) < 4", ""},
+      {"coalesce(n, 0.5)::integer < 4", ""},
+      {"(CASE WHEN i > 1 THEN n END)::integer < 4", ""},
+      {"(f * 2)::numeric < 4", ""},
+  };
+  for (const auto& [Words, Neutral] : Conditions) {
+    Raw.Run("ALTER TABLE base ADD CONSTRAINT c CHECK (" + Words + ")");
+    EXPECT_EQ(Connection->Definitions().Table({"base", ""}, {}).Checks.at(0).Text.value_or(""), Neutral) << Words;
+    Raw.Run("ALTER TABLE base DROP CONSTRAINT c");
+  }
+  const struct {
+    std::string Field, Neutral;
+  } Defaults[] = {
+      {"varchar(5) DEFAULT 'abc'::varchar", "'abc'"},
+      {"varchar(5) DEFAULT 'abc'::varchar(5)", "'abc'"},
+      {"varchar(2) DEFAULT 'abc'::varchar(2)", ""},
+      {"varchar(5) DEFAULT 'abc'::varchar(2)", ""},
+      {"text DEFAULT 'abc'::varchar(2)", ""},
+      {"text DEFAULT 'abc'::char(2)", ""},
+      {"numeric DEFAULT 1.26::numeric(5,1)", ""},
+      {"timestamp DEFAULT '2020-01-01 00:00:00.7'::timestamp(0)", ""},
+      {"timestamptz DEFAULT '2020-01-01 00:00:00.7Z'::timestamptz(0)", ""},
+      {"time DEFAULT '12:00:00.7'::time(0)", ""},
+  };
+  for (const auto& [Field, Neutral] : Defaults) {
+    Raw.Run("CREATE TABLE one (a " + Field + ")");
+    EXPECT_EQ(Connection->Definitions().Table({"one", ""}, {}).Fields.at(0).Default.value_or(""), Neutral) << Field;
+    Raw.Run("DROP TABLE one");
+  }
+}
+
 TEST(PostgreSQLDefinitionsTest, CopiesUnderAnotherNameLeaveTheOriginalAlone) {
   TPostgreSQLDatabase Raw;
   Raw.Run(R"(

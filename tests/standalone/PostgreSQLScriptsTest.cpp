@@ -160,6 +160,21 @@ TEST(PostgreSQLScriptsTest, PartsOfTablesOfOtherEngines) {
           "triggers: the trigger 'X' of table 'my schema.T', its text is another engine's alone"));
 }
 
+TEST(PostgreSQLScriptsTest, WhatMayBeLeftOutAndWhatNamesMeet) {
+  TDicTableDescription Table = TableWith({.Name = "a", .Type = TType::Int32, .Default = "1", .Owned = "S"});
+  Table.Schema = "s.x";
+  Table.Keys = {{.Name = "K", .Columns = {{"a"}}}, {.Columns = {{"a"}}}};
+  Table.Indexes = {{.Name = "I", .Columns = {{"a"}}}};
+  Table.ForeignKeys = {{.Table = "O", .Columns = {{"a", "b"}}}};
+  const TScript Script = Writer.Table(Table, {}, Writer.TablePattern());
+  EXPECT_THAT(Script.Makes,
+              testing::UnorderedElementsAre(R"("s.x"."T")", R"("s.x"."K")", R"("s.x"."I")", R"("s.x"."S")"));
+  std::vector<std::string> Kinds;
+  for (const TScriptStatement& Statement : Script.Statements)
+    if (!Statement.Kind.empty()) Kinds.push_back(Statement.Kind);
+  EXPECT_THAT(Kinds, ElementsAre("indexes", "references"));
+}
+
 TEST(PostgreSQLScriptsTest, ConditionsBetweenDifferentTypes) {
   TDicTableDescription Table;
   Table.Name = "T";
@@ -267,6 +282,8 @@ TEST(PostgreSQLScriptsTest, WhatNothingCanBeMadeOfIsAnError) {
       {LongIndex, Writer.TablePattern(), "an index of table 'T'"},
       {TableWith({.Name = Long}), Writer.TablePattern(), "a field of table 'T'"},
       {TableWith({.Name = ""}), Writer.TablePattern(), "it is empty"},
+      {TableWith({.Name = "xmin", .Type = TType::Int64}), Writer.TablePattern(),
+       "field 'xmin' of table 'T': PostgreSQL has a column 'xmin' of its own"},
       {HalfReference, Writer.TablePattern(), "the reference of table 'T'"},
       {TableWith({.Name = "a", .Type = TType::Int64, .Auto = TDicAutoKey::Always, .Counter = {.Max = "1); DROP"}}),
        Writer.TablePattern(), "no whole number of 64 bits"},
@@ -332,6 +349,7 @@ TEST(PostgreSQLScriptsTest, WhatIsMadeOfNeutralTypesIsDescribedAsSuch) {
       {{.Type = TType::Boolean, .Default = "TRUE"}, {.Type = TType::Boolean, .Default = "TRUE"}},
       {{.Type = TType::String, .Size = 20, .Default = "''"}, {.Type = TType::String, .Size = 20, .Default = "''"}},
       {{.Type = TType::String, .Default = "UUID"}, {.Type = TType::String, .Default = "UUID"}},
+      {{.Type = TType::String, .Default = "'NOW'"}, {.Type = TType::String, .Default = "'NOW'"}},
       {{.Type = TType::FixedString, .Size = 3}, {.Type = TType::FixedString, .Size = 3}},
       {{.Type = TType::Bytes, .Default = "x'00ff'"}, {.Type = TType::Bytes, .Default = "x'00ff'"}},
       {{.Type = TType::Date, .Default = "TODAY"}, {.Type = TType::Date, .Default = "TODAY"}},

@@ -8,13 +8,14 @@
 namespace velkrund {
 namespace {
 
-/// Without a length or precision.
-std::string BareType(std::string_view Type) {
-  std::string Result(Type);
-  const std::size_t Open = Result.find('(');
-  if (Open == std::string::npos) return Result;
-  const std::size_t Close = Result.find(')', Open);
-  return Result.erase(Open, Close == std::string::npos ? Close : Close - Open + 1);
+/// Whether it has a length or precision: such a cast cuts or rounds.
+bool HasLength(std::string_view Type) { return Type.find('(') != std::string_view::npos; }
+
+/// Whether what stands behind "::" is that type, and neither one with a length nor an array of it.
+bool IsCastTo(std::string_view Rest, std::string_view Type) {
+  if (!Rest.starts_with(Type)) return false;
+  Rest.remove_prefix(Type.size());
+  return Rest.empty() || (Rest.front() != '(' && Rest.front() != '[' && !IsNameCharacter(Rest.front()));
 }
 
 /// Types of the constants that the engine itself casts when it prints them.
@@ -64,34 +65,47 @@ bool TPostgreSQLExpressions::ChangesColumn(const std::string& Text) const {
       if (Rest.starts_with(')')) Rest.remove_prefix(1);
       if (!Rest.starts_with("::")) continue;
       Rest.remove_prefix(2);
-      const bool IsOwn = Rest.starts_with(Column.Type);
-      const bool IsIdle = Column.IsText && (Rest.starts_with("text") || Rest.starts_with("character varying"));
-      if (!IsOwn && !IsIdle) return true;
+      const bool IsIdle = Column.IsText && (IsCastTo(Rest, "text") || IsCastTo(Rest, "character varying"));
+      if (!IsIdle && !IsCastTo(Rest, Column.Type)) return true;
     }
   return false;
 }
 
 std::optional<std::string> TPostgreSQLExpressions::Expression(const std::string& Text) const {
   if (ChangesColumn(Text)) return std::nullopt;
-  const auto IsIdleCast = [this](std::string_view Type) {
-    const std::string Bare = BareType(Type);
-    return IsOfConstant(Bare) || std::any_of(FColumns.begin(), FColumns.end(),
-                                             [&](const TExpressionColumn& Column) { return Column.Type == Bare; });
+  // The engine leaves out a cast to what a column is anyway, with its length. Of reals numeric takes some digits alone.
+  const auto HasType = [this](std::string_view Type) {
+    return std::any_of(FColumns.begin(), FColumns.end(),
+                       [&](const TExpressionColumn& Column) { return Column.Type == Type; });
+  };
+  const bool HasReals = HasType("real") || HasType("double precision");
+  const auto IsIdleCast = [&](std::string_view Type) {
+    if (HasLength(Type) || (Type == "numeric" && HasReals)) return false;
+    return IsOfConstant(Type) || HasType(Type);
   };
   return NeutralExpression(Text, {[this](std::string_view Name, bool) { return ColumnNamed(Name); }, IsIdleCast});
 }
 
 std::optional<std::string> TPostgreSQLExpressions::Default(const std::string& Text, const std::string& Type,
-                                                           TDicFieldType Field) const {
-  const bool HoldsText = Field == TDicFieldType::String || Field == TDicFieldType::FixedString;
+                                                           const TDicField& Field) const {
+  const bool HoldsText = Field.Type == TDicFieldType::String || Field.Type == TDicFieldType::FixedString;
+  const TDicWords* const Own = WordsOf(Field.Words, "postgresql");
+  bool IsCut = false;
   const auto IsIdleCast = [&](std::string_view Cast) {
-    const std::string Bare = BareType(Cast);
-    return Bare == Type || (HoldsText ? IsTextType(Bare) : IsOfConstant(Bare));
+    if (HasLength(Cast)) {
+      IsCut = IsCut || HoldsText;
+      return Own && Own->Text == Cast;
+    }
+    return Cast == Type || (HoldsText ? IsTextType(Cast) : IsOfConstant(Cast));
   };
   const std::optional<std::string> Neutral = NeutralDefault(
-      Text, Field, {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
+      Text, Field.Type, {[](std::string_view, bool) -> std::optional<std::string> { return {}; }, IsIdleCast});
+  // A text that is too long is cut by the cast, and refused without it. Its bytes are at least as many as its letters.
+  constexpr std::size_t Quotes = 2;
+  if (IsCut && Neutral && Neutral->size() > static_cast<std::size_t>(Field.Size.value_or(0)) + Quotes)
+    return std::nullopt;
   // 'now'::text is the time of the row, and 'now' that of the table's making.
-  return Neutral && DefaultWords(*Neutral, Field) ? Neutral : std::nullopt;
+  return Neutral && DefaultWords(*Neutral, Field.Type) ? Neutral : std::nullopt;
 }
 
 }  // namespace velkrund

@@ -22,8 +22,8 @@ class TPostgreSQLExpressions {
   explicit TPostgreSQLExpressions(std::vector<TExpressionColumn> Columns) : FColumns(std::move(Columns)) {}
 
   std::optional<std::string> Expression(const std::string& Text) const;
-  /// Of a field of that type.
-  std::optional<std::string> Default(const std::string& Text, const std::string& Type, TDicFieldType Field) const;
+  /// Of a field with its type and own words. Type: as of TExpressionColumn.
+  std::optional<std::string> Default(const std::string& Text, const std::string& Type, const TDicField& Field) const;
 
  private:
   std::optional<std::string> ColumnNamed(std::string_view Name) const;

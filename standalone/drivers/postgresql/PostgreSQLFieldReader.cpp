@@ -19,7 +19,8 @@ constexpr const char* FieldsStatement =
     "THEN '' ELSE pg_catalog.concat(pg_catalog.quote_ident(ln.nspname), '.') END END, "
     "pg_catalog.quote_ident(l.collname), pg_catalog.col_description(a.attrelid, a.attnum), "
     "q.relname, q.seqstart, q.seqincrement, q.seqmin, q.seqmax, q.seqcycle, q.shown, "
-    "t.typtype = 'd' OR tn.nspname <> 'pg_catalog', v.adbin IS NOT NULL, b.standard IS NOT NULL "
+    "t.typtype = 'd' OR tn.nspname <> 'pg_catalog', v.adbin IS NOT NULL, b.standard IS NOT NULL, "
+    "q.seqcache, pg_catalog.format_type(q.seqtypid, NULL) "
     "FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_type t ON t.oid = a.atttypid "
     "JOIN pg_catalog.pg_namespace tn ON tn.oid = t.typnamespace "
     "LEFT JOIN pg_catalog.pg_attrdef v ON v.adrelid = a.attrelid AND v.adnum = a.attnum "
@@ -73,9 +74,9 @@ constexpr const char* TypesStatement =
     "AND p.classid = 'pg_catalog.pg_type'::pg_catalog.regclass::pg_catalog.oid) "
     "ORDER BY a.attnum, e.enumsortorder";
 
-std::int64_t HighestOf(TDicFieldType Type) {
-  if (Type == TDicFieldType::Int16) return std::numeric_limits<std::int16_t>::max();
-  if (Type == TDicFieldType::Int32) return std::numeric_limits<std::int32_t>::max();
+std::int64_t HighestOf(std::string_view SequenceType) {
+  if (SequenceType == "smallint") return std::numeric_limits<std::int16_t>::max();
+  if (SequenceType == "integer") return std::numeric_limits<std::int32_t>::max();
   return std::numeric_limits<std::int64_t>::max();
 }
 
@@ -119,7 +120,7 @@ class TFieldReader {
     const std::string Expression = Rows.Copy(Row, 10);
     if (Result.Auto != TDicAutoKey::None || Expression.empty()) return Result;
     if (Rows.Text(Row, 9).empty()) {
-      Result.Default = Expressions.Default(Expression, Rows.Copy(Row, 5), Result.Type);
+      Result.Default = Expressions.Default(Expression, Rows.Copy(Row, 5), Result);
       // Where a domain has one, what a column has instead of it is told from that by its words.
       const bool IsInsteadOfDomains = Rows.Boolean(Row, 22) && Rows.Boolean(Row, 23);
       if (!Result.Default || IsInsteadOfDomains) Words.Parts["Default"] = Expression;
@@ -141,7 +142,8 @@ class TFieldReader {
     const bool IsIdentity = !Rows.Text(Row, 8).empty();
     Field.Counter = CounterOf(
         {Rows.Copy(Row, 15), Rows.Copy(Row, 16), Rows.Copy(Row, 17), Rows.Copy(Row, 18), Rows.Boolean(Row, 19)},
-        HighestOf(Field.Type));
+        HighestOf(Rows.Text(Row, 25)));
+    AddSequenceWords(Rows, Row, IsIdentity, Field);
     if (IsIdentity) {
       Field.Auto = Rows.Text(Row, 8) == "a" ? TDicAutoKey::Always : TDicAutoKey::ByDefault;
       if (Sequence == GivenPostgreSQLName(FTable.Name, Field.Name, "seq")) return;
@@ -153,6 +155,15 @@ class TFieldReader {
     Field.Owned = Sequence;
     const std::string Next = "nextval(" + QuotePostgreSQLText(Rows.Text(Row, 20)) + "::regclass)";
     if (Rows.Text(Row, 10) == Next) Field.Auto = TDicAutoKey::ByDefault;
+  }
+
+  /// What of a sequence is otherwise than in one that is made for the field.
+  static void AddSequenceWords(const TPostgreSQLResult& Rows, int Row, bool IsIdentity, TDicField& Field) {
+    std::string Words;
+    const std::string Type = Rows.Copy(Row, 25);
+    if (!IsIdentity && Type != SequenceTypeFor(Field.Type)) Words = "AS " + Type;
+    if (Rows.Text(Row, 24) != "1") Words += (Words.empty() ? "CACHE " : " CACHE ") + Rows.Copy(Row, 24);
+    if (!Words.empty()) Field.Words["postgresql"].Parts["Sequence"] = Words;
   }
 
   void AddTypes(std::vector<TDicField>& Fields) const {

@@ -5,10 +5,13 @@
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 #include "standalone/drivers/postgresql/PostgreSQLScript.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 namespace {
+
+constexpr std::string_view SystemColumns[] = {"tableoid", "xmin", "cmin", "xmax", "cmax", "ctid"};
 
 /// Without the brackets of arrays.
 std::string ElementType(std::string Type) {
@@ -51,6 +54,10 @@ class TFieldScript {
 
   std::string Clause() {
     CheckPostgreSQLName(FField.Name, Format("a field of table '%s'", FTable.FullName()));
+    if (std::find(std::begin(SystemColumns), std::end(SystemColumns), FField.Name) != std::end(SystemColumns))
+      throw EDatabaseError(
+          Format("Cannot make %s: PostgreSQL has a column '%s' of its own in every table; give the field another name",
+                 What(), FField.Name));
     std::string Result = QuoteStandardName(FField.Name) + " " + Type();
     if (const std::string* Collate = OwnPart("Collate"))
       Result += " COLLATE " + *Collate;
@@ -133,12 +140,18 @@ class TFieldScript {
   }
   std::string Next() const { return "nextval(" + QuotePostgreSQLText(OwnedName()) + "::regclass)"; }
 
+  /// What the engine's own words say of the sequence, with a blank before it.
+  std::string SequenceWords() const {
+    const std::string* const Own = OwnPart("Sequence");
+    return Own ? " " + *Own : "";
+  }
+
   std::string Identity() {
     if (FDeclared != "smallint" && FDeclared != "integer" && FDeclared != "bigint") {
       FScript.Lack("defaults", "the automatic numbers of " + What(), "PostgreSQL numbers integers alone");
       return {};
     }
-    std::string Words = CounterWords(FField.Counter, What());
+    std::string Words = CounterWords(FField.Counter, What()) + SequenceWords();
     if (!FField.Owned.empty()) Words = " SEQUENCE NAME " + OwnedName() + Words;
     return std::string(" GENERATED ") + (FField.Auto == TDicAutoKey::Always ? "ALWAYS" : "BY DEFAULT") +
            " AS IDENTITY" + (Words.empty() ? "" : " (" + Words.substr(1) + ")");
@@ -148,9 +161,10 @@ class TFieldScript {
   void AddOwned() {
     const std::string Sequence = Format("sequence '%s' of table '%s'", FField.Owned, FTable.FullName());
     CheckPostgreSQLName(FField.Owned, Format("a sequence of table '%s'", FTable.FullName()));
-    const bool IsSmall = FField.Type == TDicFieldType::Int16;
-    const std::string Type = IsSmall ? " AS smallint" : FField.Type == TDicFieldType::Int32 ? " AS integer" : "";
-    FScript.Add("CREATE SEQUENCE " + OwnedName() + Type + CounterWords(FField.Counter, Sequence), Sequence);
+    std::string Words = SequenceWords();
+    if (!Words.starts_with(" AS ")) Words.insert(0, Format(" AS %s", SequenceTypeFor(FField.Type)));
+    FScript.Add("CREATE SEQUENCE " + OwnedName() + Words + CounterWords(FField.Counter, Sequence), Sequence);
+    FScript.Makes.push_back(OwnedName());
     FAfter.Add("ALTER SEQUENCE " + OwnedName() + " OWNED BY " + PostgreSQLNameOf(FTable) + "." +
                    QuoteStandardName(FField.Name),
                Sequence);

@@ -158,4 +158,9 @@ TPostgreSQLDeclaration DeclarationOf(const TNeutralType& Type) {
   return {"text", "its type is another engine's alone, and its values would become texts", false};
 }
 
+std::string_view SequenceTypeFor(TDicFieldType Field) {
+  if (Field == TDicFieldType::Int16) return "smallint";
+  return Field == TDicFieldType::Int32 ? "integer" : "bigint";
+}
+
 }  // namespace velkrund

@@ -33,4 +33,7 @@ struct TPostgreSQLDeclaration {
 
 TPostgreSQLDeclaration DeclarationOf(const TNeutralType& Type);
 
+/// The type of a sequence that is made for a field and goes with it.
+std::string_view SequenceTypeFor(TDicFieldType Field);
+
 }  // namespace velkrund

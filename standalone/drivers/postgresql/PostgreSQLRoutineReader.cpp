@@ -50,7 +50,7 @@ void ReadParameters(TDescribing& Describing, const std::string& Oid, TDicProcedu
     if (Mode == "o") Parameter.Mode = TDicParameterMode::Out;
     if (Mode == "b") Parameter.Mode = TDicParameterMode::InOut;
     if (const std::string Default = Rows.Copy(Row, 4); !Default.empty()) {
-      Parameter.Default = Expressions.Default(Default, Rows.Copy(Row, 3), Parameter.Type);
+      Parameter.Default = Expressions.Default(Default, Rows.Copy(Row, 3), {.Type = Parameter.Type});
       if (!Parameter.Default) Words.Parts["Default"] = Default;
     }
     (Mode == "t" ? Result.Result : Result.Parameters).push_back(std::move(Parameter));

@@ -30,7 +30,7 @@ void TPostgreSQLScript::Lack(std::string_view Kind, std::string What, std::strin
   Gaps.push_back({std::string(Kind), std::move(What), std::move(Why), Harmless});
 }
 
-void TPostgreSQLScript::AddSchemaOf(std::string_view SQLName) {
+std::size_t EndOfPostgreSQLSchema(std::string_view SQLName) {
   // The first part alone is a name when a quoted one is cut behind it.
   std::size_t End = 0;
   if (SQLName.starts_with('"')) {
@@ -43,8 +43,13 @@ void TPostgreSQLScript::AddSchemaOf(std::string_view SQLName) {
   } else {
     End = SQLName.find('.');
   }
-  if (End >= SQLName.size() || SQLName[End] != '.') return;
-  const std::string Schema(SQLName.substr(0, End));
+  return End < SQLName.size() && SQLName[End] == '.' ? End + 1 : 0;
+}
+
+void TPostgreSQLScript::AddSchemaOf(std::string_view SQLName) {
+  const std::size_t End = EndOfPostgreSQLSchema(SQLName);
+  if (End == 0) return;
+  const std::string Schema(SQLName.substr(0, End - 1));
   const std::string Unless =
       "SELECT 1 WHERE pg_catalog.to_regnamespace(" + QuotePostgreSQLText(Schema) + ") IS NOT NULL";
   const auto IsThere = [&](const TScriptStatement& Statement) { return Statement.Unless == Unless; };

@@ -17,6 +17,8 @@ struct TPostgreSQLScript : TScript {
   void AddSchemaOf(std::string_view SQLName);
 };
 
+/// Behind the point of the schema of a quoted name; 0 where it has none.
+std::size_t EndOfPostgreSQLSchema(std::string_view SQLName);
 /// Quoted, with its schema unless that is the current one.
 std::string PostgreSQLNameOf(const TDicObjectDescription& Object);
 /// Quoted names of a list.

@@ -115,6 +115,7 @@ TScript TPostgreSQLScriptWriter::View(const TDicViewDescription& View, bool Repl
   if (const std::string* Check = Own ? Own->Part("Check") : nullptr)
     Text += *Check == "Local" ? "\nWITH LOCAL CHECK OPTION" : "\nWITH CASCADED CHECK OPTION";
   Result.Add(Text, Owner);
+  Result.Makes.push_back(Name);
   AddIndexes(View.Indexes, {}, Name, Owner, Result);
   if (Replace && !View.Materialized)
     for (const TDicTrigger& Trigger : View.Triggers)
@@ -141,6 +142,7 @@ TScript TPostgreSQLScriptWriter::Generator(const TDicGeneratorDescription& Gener
     Text += " CACHE " + *Generator.Cache;
   }
   Result.Add(Text, Owner);
+  Result.Makes.push_back(Name);
   // What it counts from stays as described; a later start is where it stands.
   if (Start) Result.Add(Format("ALTER SEQUENCE %s RESTART WITH %d", Name, *Start), Owner);
   AddComment(Generator, "SEQUENCE", Owner, Result);

@@ -34,7 +34,7 @@ std::string FeedingSequences() {
       "pg_catalog.has_sequence_privilege(c.oid, 'SELECT'), pg_catalog.has_sequence_privilege(c.oid, 'UPDATE'), "
       "f.r::pg_catalog.regclass, pg_catalog.quote_ident(a.attname), t.typcategory "
       "FROM f JOIN pg_catalog.pg_class c ON c.oid = f.s AND c.relkind = 'S' "
-      "JOIN pg_catalog.pg_sequence s ON s.seqrelid = c.oid AND NOT s.seqcycle "
+      "JOIN pg_catalog.pg_sequence s ON s.seqrelid = c.oid "
       "JOIN pg_catalog.pg_attribute a ON a.attrelid = f.r AND a.attnum::pg_catalog.int4 = f.n "
       "JOIN pg_catalog.pg_type t ON t.oid = a.atttypid ORDER BY 3, 9, 10");
 }

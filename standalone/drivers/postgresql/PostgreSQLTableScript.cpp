@@ -73,6 +73,12 @@ std::string_view ActionWords(TDicKeyAction Action) {
   return {};
 }
 
+/// The name of an index or key, quoted, in the schema of its table.
+std::string BesideTable(const std::string& Name, std::string_view SQLName) {
+  const std::size_t Schema = EndOfPostgreSQLSchema(SQLName);
+  return std::string(SQLName.substr(0, Schema)) + QuoteStandardName(Name);
+}
+
 std::string NameWords(const std::string& Name, const std::string& What) {
   if (Name.empty()) return {};
   CheckPostgreSQLName(Name, What);
@@ -94,8 +100,9 @@ class TTableScript {
     if (Parts.Indexes) AddIndexes(FTable.Indexes, FTable.Fields, FSQLName, FOwner, FScript);
     if (Parts.ForeignKeys) {
       for (const TDicCheck& Check : FTable.Checks)
-        if (IsNotChecked(Check)) AddLater(CheckClause(Check), "the check", Check.Name);
-      for (const TDicForeignKey& Key : FTable.ForeignKeys) AddLater(ReferenceClause(Key), "the reference", Key.Name);
+        if (IsNotChecked(Check)) AddLater(CheckClause(Check), "checks", "the check", Check.Name);
+      for (const TDicForeignKey& Key : FTable.ForeignKeys)
+        AddLater(ReferenceClause(Key), "references", "the reference", Key.Name);
     }
     if (Parts.Triggers) AddTriggers(FTable.Triggers, FSQLName, FOwner, FScript);
     if (Parts.Comments) AddComments();
@@ -119,6 +126,9 @@ class TTableScript {
       if (!IsNotChecked(Check)) AddItem(CheckClause(Check));
     if (!Items.empty()) Items += '\n';
     FScript.Add(Filled(Pattern, FSQLName, Items, Words(After)), FOwner);
+    FScript.Makes.push_back(FSQLName);
+    for (const TDicKey& Key : FTable.Keys)
+      if (!Key.Name.empty()) FScript.Makes.push_back(BesideTable(Key.Name, FSQLName));
     for (TScriptStatement& Statement : After.Statements) FScript.Statements.push_back(std::move(Statement));
   }
 
@@ -227,8 +237,10 @@ class TTableScript {
     return Result + DeferrableWords(Key.Deferrable) + (Key.NotChecked ? " NOT VALID" : "");
   }
 
-  void AddLater(const std::string& Clause, std::string_view Part, const std::string& Name) {
-    if (!Clause.empty()) FScript.Add(Format("ALTER TABLE %s ADD %s", FSQLName, Clause), Of(Part, Name));
+  void AddLater(const std::string& Clause, const char* Kind, std::string_view Part, const std::string& Name) {
+    if (Clause.empty()) return;
+    FScript.Add(Format("ALTER TABLE %s ADD %s", FSQLName, Clause), Of(Part, Name));
+    FScript.Statements.back().Kind = Kind;
   }
 
   void AddComments() {
@@ -259,6 +271,7 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
       Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(*Own->Text, SQLName), "INDEX", QuoteStandardName(Index.Name)),
                  What);
       Script.Statements.back().Kind = "indexes";
+      Script.Makes.push_back(BesideTable(Index.Name, SQLName));
       continue;
     }
     std::string Columns;
@@ -272,14 +285,17 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
       if (Column.Expression) Words = "(" + *Words + ")";
       Columns += (Columns.empty() ? "" : ", ") + *Words + (Column.Descending ? " DESC" : "");
     }
-    if (HasNoOrder(Fields, Index.Columns))
+    if (HasNoOrder(Fields, Index.Columns)) {
       Script.Lack("indexes", "the " + What, NoOrder);
-    else if (IsNeutral)
+    } else if (IsNeutral) {
       Script.Add(Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
                         SQLName, Columns),
                  What);
-    else
+      Script.Statements.back().Kind = "indexes";
+      Script.Makes.push_back(BesideTable(Index.Name, SQLName));
+    } else {
       Script.Lack("indexes", "the " + What, OthersText(Index.Words) ? "its text is another engine's alone" : NoWords);
+    }
   }
 }
 

@@ -70,6 +70,7 @@ TScript TSQLiteScriptWriter::View(const TDicViewDescription& View, bool Replace)
   for (const std::string& Column : View.Columns) Columns += (Columns.empty() ? "" : ", ") + QuoteStandardName(Column);
   if (!Columns.empty()) Columns = " (" + Columns + ")";
   Result.Statements.push_back({Format("CREATE VIEW %s%s AS %s", QuoteStandardName(Name), Columns, Query), What});
+  Result.Makes.push_back(FoldedSQLiteName(Name));
   for (const TDicTrigger& Trigger : View.Triggers) {
     const TDicWords* Own = WordsOf(Trigger.Words, "sqlite");
     if (Own && !Own->Lines.empty())

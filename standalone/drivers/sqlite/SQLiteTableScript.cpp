@@ -77,6 +77,7 @@ void TSQLiteTableScript::WriteTable(const std::string& Pattern) {
   AddTableGaps();
   const std::string Quoted = QuoteStandardName(FName);
   const std::string What = Format("table '%s'", FName);
+  FScript.Makes.push_back(FoldedSQLiteName(FName));
   if (const std::string* Virtual = OwnPart(FTable.Words, "Virtual")) {
     FScript.Statements.push_back({Format("CREATE VIRTUAL TABLE %s %s", Quoted, *Virtual), What});
     return;
@@ -248,6 +249,7 @@ void TSQLiteTableScript::WriteIndex(const TDicIndex& Index) {
   const std::string What = Format("index '%s' of table '%s'", Index.Name, FName);
   if (const std::string Own = OwnText(Index.Words); !Own.empty()) {
     FScript.Statements.push_back({RenamedIndex(Own, Index.Name, FName), What});
+    FScript.Makes.push_back(FoldedSQLiteName(Index.Name));
     return;
   }
   if (const TForeignWords Foreign = ForeignWords(Index.Words); Foreign.Words || Index.Columns.empty())
@@ -256,6 +258,7 @@ void TSQLiteTableScript::WriteIndex(const TDicIndex& Index) {
       {Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
               QuoteStandardName(FName), ColumnList(Index.Columns)),
        What});
+  FScript.Makes.push_back(FoldedSQLiteName(Index.Name));
 }
 
 void TSQLiteTableScript::WriteTrigger(const TDicTrigger& Trigger) {

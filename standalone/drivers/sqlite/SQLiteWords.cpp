@@ -59,4 +59,11 @@ std::string FilledPattern(const std::string& Pattern, const std::string& Table, 
   return Result;
 }
 
+std::string FoldedSQLiteName(std::string_view Name) {
+  std::string Result(Name);
+  for (char& C : Result)
+    if (C >= 'A' && C <= 'Z') C = static_cast<char>(C - 'A' + 'a');
+  return Result;
+}
+
 }  // namespace velkrund

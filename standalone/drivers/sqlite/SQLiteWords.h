@@ -23,4 +23,7 @@ TForeignWords ForeignWords(const TDicEngineWords& Words);
 std::string FilledPattern(const std::string& Pattern, const std::string& Table, const std::string& Items,
                           const std::string& Words);
 
+/// Equal for names that the engine takes for the same: it folds ASCII letters only.
+std::string FoldedSQLiteName(std::string_view Name);
+
 }  // namespace velkrund

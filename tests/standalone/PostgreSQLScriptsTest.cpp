@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
+
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "standalone/drivers/postgresql/PostgreSQLScriptWriter.h"
 #include "tests/standalone/Support.h"
@@ -248,6 +250,46 @@ TEST(PostgreSQLScriptsTest, ValuesComputedForFieldsOfOtherTypes) {
     const std::vector<std::string> Found = LinesOf(Table);
     EXPECT_EQ(Found.front().find(" GENERATED ") != std::string::npos, Stands) << Expression;
     EXPECT_EQ(ErrorOf([&] { Database.Run("DROP TABLE IF EXISTS \"T\"; " + Found.front()); }), "no error") << Expression;
+  }
+}
+
+/// Of a table of another engine, where they have other values.
+TEST(PostgreSQLScriptsTest, ValuesThatTheOtherEngineComputesOtherwise) {
+  const auto Of = [](const char* Declared) { return TDicEngineWords{{"sqlite", {.Text = Declared}}}; };
+  TDicEngineWords NoCase = Of("TEXT");
+  NoCase["sqlite"].Parts["Collate"] = "NOCASE";
+  const struct {
+    TType Type;
+    const char* Expression;
+    bool Stands;
+  } Cases[] = {
+      {TType::Int32, R"("n" * 2)", true},
+      {TType::Int32, R"("n" * 2.5)", false},
+      {TType::Int32, R"(CASE WHEN "r" > 1.5 THEN 1 ELSE 2 END)", true},
+      {TType::Int32, R"(COALESCE("r", 1))", false},
+      {TType::Int32, R"("n" IN (1, 2))", false},
+      {TType::Real64, R"("n" * 2.5)", true},
+      {TType::Decimal, R"("d" + 1)", false},
+      {TType::Decimal, R"(ABS("d"))", false},
+      {TType::Decimal, R"(CASE WHEN "d" > 1 THEN 1.5 END)", true},
+      {TType::Decimal, R"("n" + 0.12345678901234567)", false},
+      {TType::String, R"(LOWER("c"))", true},
+      {TType::Boolean, R"("c" = 'x')", false},
+      {TType::Boolean, R"("s" = 'x')", true},
+  };
+  for (const auto& [Type, Expression, Stands] : Cases) {
+    TDicTableDescription Table = TableWith({.Name = "n", .Type = TType::Int64, .Words = Of("INT")});
+    Table.Fields.push_back({.Name = "r", .Type = TType::Real64, .Words = Of("REAL")});
+    Table.Fields.push_back({.Name = "d", .Type = TType::Decimal, .Words = Of("Number Text")});
+    Table.Fields.push_back({.Name = "s", .Type = TType::String, .Words = Of("TEXT")});
+    Table.Fields.push_back({.Name = "c", .Type = TType::String, .Words = NoCase});
+    Table.Fields.push_back({.Name = "v", .Type = Type, .Computed = Expression, .Stored = true});
+    Table.Indexes = {{.Name = "I", .Columns = {{Expression, true}}}};
+    std::set<std::string> Kinds;
+    for (const TScriptGap& Gap : Writer.Table(Table, {}, Writer.TablePattern()).Gaps) Kinds.insert(Gap.Kind);
+    EXPECT_EQ(Kinds.contains("computed"), !Stands) << Expression;
+    // Of an index nothing is rounded to a type.
+    EXPECT_EQ(Kinds.contains("indexes"), !Stands && Type != TType::Int32) << Expression;
   }
 }
 

@@ -124,6 +124,11 @@ class TFieldScript {
       Expression = *Own;
     else if (!FField.Computed->empty())
       Expression = ConditionWords(*FField.Computed, FTable.Fields, FField.Type);
+    const bool IsOthers = !FOwn && !FField.Computed->empty();
+    if (const std::string Why = IsOthers ? OthersValue(*FField.Computed, FTable.Fields, &FField) : ""; !Why.empty()) {
+      FScript.Lack("computed", "how " + What() + " is computed", Why);
+      return {};
+    }
     if (!Expression) {
       FScript.Lack("computed", "how " + What() + " is computed",
                    FField.Computed->empty() ? "its text is another engine's alone" : "PostgreSQL has no words for it");

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/ComputedElsewhere.h"
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 namespace {
@@ -77,6 +79,20 @@ const std::string* OthersText(const TDicEngineWords& Words) {
 
 const std::vector<std::string>* OthersLines(const TDicEngineWords& Words) {
   return Others(Words, [](const TDicWords& Of) { return Of.Lines.empty() ? nullptr : &Of.Lines; });
+}
+
+std::string OthersValue(const std::string& Neutral, const std::vector<TDicField>& Fields, const TDicField* Computed) {
+  // What others keep as a text they make a real number of to calculate with it.
+  const auto HasOtherDigits = [](const TDicField& Field) {
+    const std::string* const Type = OwnWords(Field.Words) ? nullptr : OthersText(Field.Words);
+    const bool IsExact = Field.Type == TDicFieldType::UInt64 || Field.Type == TDicFieldType::Decimal ||
+                         Field.Type == TDicFieldType::Money;
+    return Type && IsExact && UpperCase(*Type).find("TEXT") != std::string::npos;
+  };
+  const auto HasOtherOrder = [](const TDicField& Field) {
+    return !OwnWords(Field.Words) && OthersPart(Field.Words, "Collate");
+  };
+  return OtherValueOf(Neutral, Fields, Computed, {HasOtherDigits, HasOtherOrder});
 }
 
 std::string CounterWords(const TDicCounter& Counter, const std::string& What) {

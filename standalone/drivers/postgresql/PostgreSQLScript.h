@@ -33,6 +33,10 @@ const std::string* OthersText(const TDicEngineWords& Words);
 /// The lines of another engine; null when none has some.
 const std::vector<std::string>* OthersLines(const TDicEngineWords& Words);
 
+/// Why a neutral expression has another value on the engine that the fields come from; empty: it has the same, or they
+/// have been here. Computed: as of OtherValueOf.
+std::string OthersValue(const std::string& Neutral, const std::vector<TDicField>& Fields, const TDicField* Computed);
+
 /// How a counter counts, each word with a blank before it. Raises EDatabaseError for what is no number of 64 bits.
 std::string CounterWords(const TDicCounter& Counter, const std::string& What);
 

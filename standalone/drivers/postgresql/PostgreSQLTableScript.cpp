@@ -275,12 +275,16 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
       continue;
     }
     std::string Columns;
+    std::string Why;
     bool IsNeutral = OthersText(Index.Words) == nullptr;
     for (const TDicColumn& Column : Index.Columns) {
       if (!IsNeutral) break;
       std::optional<std::string> Words = QuoteStandardName(Column.Name);
-      if (Column.Expression) Words = ConditionWords(Column.Name, Fields, std::nullopt);
-      IsNeutral = Words.has_value();
+      if (Column.Expression) {
+        Words = ConditionWords(Column.Name, Fields, std::nullopt);
+        Why = OthersValue(Column.Name, Fields, nullptr);
+      }
+      IsNeutral = Words.has_value() && Why.empty();
       if (!IsNeutral) break;
       if (Column.Expression) Words = "(" + *Words + ")";
       Columns += (Columns.empty() ? "" : ", ") + *Words + (Column.Descending ? " DESC" : "");
@@ -294,7 +298,8 @@ void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicFie
       Script.Statements.back().Kind = "indexes";
       Script.Makes.push_back(BesideTable(Index.Name, SQLName));
     } else {
-      Script.Lack("indexes", "the " + What, OthersText(Index.Words) ? "its text is another engine's alone" : NoWords);
+      if (Why.empty()) Why = OthersText(Index.Words) ? "its text is another engine's alone" : NoWords;
+      Script.Lack("indexes", "the " + What, Why);
     }
   }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/ComputedElsewhere.h"
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
@@ -143,6 +144,10 @@ std::string TSQLiteTableScript::DefaultText(const TDicField& Field, const std::s
 std::string TSQLiteTableScript::ComputedText(const TDicField& Field) {
   const std::string* Own = OwnPart(Field.Words, "Computed");
   if (!Own && Field.Computed.value_or("").empty()) return {};
+  if (const std::string Why = Own || OwnWords(Field.Words) ? "" : OthersValue(*Field.Computed, &Field); !Why.empty()) {
+    AddGap("computed", Format("the computation of field '%s'", Field.Name), Why);
+    return {};
+  }
   const std::string Text = Own ? *Own : ExpressionText(*Field.Computed);
   return Format(" GENERATED ALWAYS AS (%s) %s", Text, Field.Stored ? "STORED" : "VIRTUAL");
 }
@@ -157,6 +162,18 @@ std::string TSQLiteTableScript::ExpressionText(const std::string& Neutral) const
     return Quoted;
   };
   return *ExpressionIn(Neutral, Words);
+}
+
+/// Why a neutral expression has another value on the engine that the fields come from; empty: it has the same.
+std::string TSQLiteTableScript::OthersValue(const std::string& Neutral, const TDicField* Computed) const {
+  const auto HasOtherDigits = [this](const TDicField& Field) {
+    return !OwnWords(Field.Words) && KeepsNumbersAsTexts(Field.Type, TypeText(Field));
+  };
+  const auto HasOtherOrder = [](const TDicField& Field) {
+    const TForeignWords Foreign = ForeignWords(Field.Words);
+    return !OwnWords(Field.Words) && Foreign.Words && Foreign.Words->Part("Collate");
+  };
+  return OtherValueOf(Neutral, FTable.Fields, Computed, {HasOtherDigits, HasOtherOrder});
 }
 
 std::string TSQLiteTableScript::ColumnList(const std::vector<TDicColumn>& Columns) const {
@@ -254,6 +271,9 @@ void TSQLiteTableScript::WriteIndex(const TDicIndex& Index) {
   }
   if (const TForeignWords Foreign = ForeignWords(Index.Words); Foreign.Words || Index.Columns.empty())
     return AddGap("indexes", Format("the index '%s'", Index.Name), Format("its text is %s's alone", Foreign.Engine));
+  for (const TDicColumn& Column : Index.Columns)
+    if (const std::string Why = Column.Expression ? OthersValue(Column.Name, nullptr) : ""; !Why.empty())
+      return AddGap("indexes", Format("the index '%s'", Index.Name), Why);
   FScript.Statements.push_back(
       {Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
               QuoteStandardName(FName), ColumnList(Index.Columns)),

@@ -31,6 +31,7 @@ class TSQLiteTableScript {
   std::string ReferenceText(const TDicForeignKey& Key);
   std::string CheckText(const TDicCheck& Check);
   std::string ExpressionText(const std::string& Neutral) const;
+  std::string OthersValue(const std::string& Neutral, const TDicField* Computed) const;
   std::string ColumnList(const std::vector<TDicColumn>& Columns) const;
 
   bool IsAutomatic(const TDicField& Field) const;

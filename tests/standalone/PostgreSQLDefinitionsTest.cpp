@@ -218,6 +218,20 @@ TEST(PostgreSQLDefinitionsTest, CastsThatChangeValuesStay) {
   }
 }
 
+TEST(PostgreSQLDefinitionsTest, NamesThatTheEngineNumbersAreNoNames) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE TABLE o (id integer PRIMARY KEY); CREATE TABLE t (a integer REFERENCES o REFERENCES o REFERENCES o, b integer REFERENCES o);
+      ALTER TABLE t DROP CONSTRAINT t_a_fkey2, ADD CONSTRAINT t_a_fkey3 FOREIGN KEY (a) REFERENCES o;
+      CREATE TABLE u (a integer REFERENCES o REFERENCES o); ALTER TABLE u DROP CONSTRAINT u_a_fkey)");
+  const auto Connection = Connect(Raw.Url());
+  std::vector<std::string> Names;
+  for (const char* Table : {"t", "u"})
+    for (const TDicForeignKey& Key : Connection->Definitions().Table({Table, ""}, {}).ForeignKeys)
+      Names.push_back(Key.Name);
+  EXPECT_THAT(Names, ElementsAre("", "", "t_a_fkey3", "", "u_a_fkey1"));
+}
+
 TEST(PostgreSQLDefinitionsTest, CopiesUnderAnotherNameLeaveTheOriginalAlone) {
   TPostgreSQLDatabase Raw;
   Raw.Run(R"(

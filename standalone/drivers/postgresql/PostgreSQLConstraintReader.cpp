@@ -1,3 +1,5 @@
+#include <map>
+
 #include "standalone/drivers/postgresql/PostgreSQLDescribed.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 
@@ -157,7 +159,12 @@ class TConstraintReader {
 
   void TakeForeignKey(const TConstraint& Constraint) {
     TDicForeignKey Key;
-    Key.Name = NameOf(Constraint, GivenPostgreSQLName(FTable.Name, NamesInName(Constraint.Columns), "fkey"));
+    // The engine numbers those over the same columns in their order.
+    const std::string Columns = NamesInName(Constraint.Columns);
+    int& Unnamed = FUnnamed[Columns];
+    Key.Name = NameOf(Constraint, GivenPostgreSQLName(FTable.Name, Columns,
+                                                      Unnamed == 0 ? "fkey" : "fkey" + std::to_string(Unnamed)));
+    if (Key.Name.empty()) ++Unnamed;
     Key.Table = Constraint.Table;
     Key.Schema = Constraint.TableSchema;
     for (std::size_t I = 0; I < Constraint.Columns.size(); ++I)
@@ -191,6 +198,7 @@ class TConstraintReader {
   const TDescribed& FTable;
   const TPostgreSQLExpressions& FExpressions;
   TDicTableDescription& FResult;
+  std::map<std::string, int> FUnnamed;  // foreign keys that the engine has named, by their columns
 };
 
 }  // namespace

@@ -45,6 +45,15 @@ std::string CounterWords(const TDicCounter& Counter, const std::string& What);
 std::string PostgreSQLFieldClause(const TDicTableDescription& Table, const TDicField& Field, TPostgreSQLScript& Script,
                                   TPostgreSQLScript& After);
 
+// Why something has no words here.
+inline constexpr const char* PostgreSQLNoOrder = "PostgreSQL has no order of values of the type json";
+inline constexpr const char* PostgreSQLNoWords = "PostgreSQL compares no values of such different types";
+
+/// Whether the engine has no order of the values of one of the columns, and so no key or index over them.
+bool HasNoOrder(const std::vector<TDicField>& Fields, const std::vector<TDicColumn>& Columns);
+/// The name of an index or key, quoted, in the schema of its table. SQLName: the table's.
+std::string BesidePostgreSQLTable(const std::string& Name, std::string_view SQLName);
+
 // Of tables and views. Owner: "table 'ORDERS'". Fields: those that expressions name.
 void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicField>& Fields, const std::string& SQLName,
                 const std::string& Owner, TPostgreSQLScript& Script);

@@ -12,23 +12,6 @@
 namespace velkrund {
 namespace {
 
-constexpr const char* NoOrder = "PostgreSQL has no order of values of the type json";
-constexpr const char* NoWords = "PostgreSQL compares no values of such different types";
-
-/// Whether the engine has no order of the values of a column, and so no key or index over it.
-bool HasNoOrder(const std::vector<TDicField>& Fields, const std::string& Column) {
-  const auto Found =
-      std::find_if(Fields.begin(), Fields.end(), [&](const TDicField& Field) { return Field.Name == Column; });
-  if (Found == Fields.end()) return false;
-  const TDicWords* const Own = OwnWords(Found->Words);
-  return Own && Own->Text ? *Own->Text == "json" : Found->Type == TDicFieldType::Json;
-}
-
-bool HasNoOrder(const std::vector<TDicField>& Fields, const std::vector<TDicColumn>& Columns) {
-  return std::any_of(Columns.begin(), Columns.end(),
-                     [&](const TDicColumn& Column) { return !Column.Expression && HasNoOrder(Fields, Column.Name); });
-}
-
 /// Pattern with its places filled.
 std::string Filled(const std::string& Pattern, const std::string& Table, const std::string& Items,
                    const std::string& Words) {
@@ -71,12 +54,6 @@ std::string_view ActionWords(TDicKeyAction Action) {
       break;
   }
   return {};
-}
-
-/// The name of an index or key, quoted, in the schema of its table.
-std::string BesideTable(const std::string& Name, std::string_view SQLName) {
-  const std::size_t Schema = EndOfPostgreSQLSchema(SQLName);
-  return std::string(SQLName.substr(0, Schema)) + QuoteStandardName(Name);
 }
 
 std::string NameWords(const std::string& Name, const std::string& What) {
@@ -128,7 +105,7 @@ class TTableScript {
     FScript.Add(Filled(Pattern, FSQLName, Items, Words(After)), FOwner);
     FScript.Makes.push_back(FSQLName);
     for (const TDicKey& Key : FTable.Keys)
-      if (!Key.Name.empty()) FScript.Makes.push_back(BesideTable(Key.Name, FSQLName));
+      if (!Key.Name.empty()) FScript.Makes.push_back(BesidePostgreSQLTable(Key.Name, FSQLName));
     for (TScriptStatement& Statement : After.Statements) FScript.Statements.push_back(std::move(Statement));
   }
 
@@ -169,7 +146,7 @@ class TTableScript {
     const std::string Name = NameWords(Key.Name, "a key of " + FOwner);
     if (const TDicWords* Own = OwnWords(Key.Words); Own && Own->Text) return Name + *Own->Text;
     if (HasNoOrder(FTable.Fields, Key.Columns)) {
-      FScript.Lack("keys", What, NoOrder);
+      FScript.Lack("keys", What, PostgreSQLNoOrder);
       return {};
     }
     for (const auto& [Engine, Words] : Key.Words) {
@@ -204,7 +181,8 @@ class TTableScript {
     if (Check.Text)
       if (const auto Words = ConditionWords(*Check.Text, FTable.Fields, TDicFieldType::Boolean))
         return Name + "CHECK (" + *Words + ")";
-    FScript.Lack("checks", Of("the check", Check.Name), Check.Text ? NoWords : "its text is another engine's alone");
+    FScript.Lack("checks", Of("the check", Check.Name),
+                 Check.Text ? PostgreSQLNoWords : "its text is another engine's alone");
     return {};
   }
 
@@ -261,72 +239,6 @@ class TTableScript {
 };
 
 }  // namespace
-
-void AddIndexes(const std::vector<TDicIndex>& Indexes, const std::vector<TDicField>& Fields, const std::string& SQLName,
-                const std::string& Owner, TPostgreSQLScript& Script) {
-  for (const TDicIndex& Index : Indexes) {
-    CheckPostgreSQLName(Index.Name, "an index of " + Owner);
-    const std::string What = Format("index '%s' of %s", Index.Name, Owner);
-    if (const TDicWords* Own = OwnWords(Index.Words); Own && Own->Text) {
-      Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(*Own->Text, SQLName), "INDEX", QuoteStandardName(Index.Name)),
-                 What);
-      Script.Statements.back().Kind = "indexes";
-      Script.Makes.push_back(BesideTable(Index.Name, SQLName));
-      continue;
-    }
-    std::string Columns;
-    std::string Why;
-    bool IsNeutral = OthersText(Index.Words) == nullptr;
-    for (const TDicColumn& Column : Index.Columns) {
-      if (!IsNeutral) break;
-      std::optional<std::string> Words = QuoteStandardName(Column.Name);
-      if (Column.Expression) {
-        Words = ConditionWords(Column.Name, Fields, std::nullopt);
-        Why = OthersValue(Column.Name, Fields, nullptr);
-      }
-      IsNeutral = Words.has_value() && Why.empty();
-      if (!IsNeutral) break;
-      if (Column.Expression) Words = "(" + *Words + ")";
-      Columns += (Columns.empty() ? "" : ", ") + *Words + (Column.Descending ? " DESC" : "");
-    }
-    if (HasNoOrder(Fields, Index.Columns)) {
-      Script.Lack("indexes", "the " + What, NoOrder);
-    } else if (IsNeutral) {
-      Script.Add(Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
-                        SQLName, Columns),
-                 What);
-      Script.Statements.back().Kind = "indexes";
-      Script.Makes.push_back(BesideTable(Index.Name, SQLName));
-    } else {
-      if (Why.empty()) Why = OthersText(Index.Words) ? "its text is another engine's alone" : NoWords;
-      Script.Lack("indexes", "the " + What, Why);
-    }
-  }
-}
-
-void AddTriggers(const std::vector<TDicTrigger>& Triggers, const std::string& SQLName, const std::string& Owner,
-                 TPostgreSQLScript& Script) {
-  for (const TDicTrigger& Trigger : Triggers) {
-    CheckPostgreSQLName(Trigger.Name, "a trigger of " + Owner);
-    const std::string What = Format("trigger '%s' of %s", Trigger.Name, Owner);
-    const TDicWords* Own = OwnWords(Trigger.Words);
-    if (!Own || Own->Lines.empty()) {
-      Script.Lack("triggers", "the " + What, "its text is another engine's alone");
-      continue;
-    }
-    const std::string Name = QuoteStandardName(Trigger.Name);
-    Script.Add(NamedInPostgreSQL(OnPostgreSQLTable(JoinedLines(Own->Lines), SQLName), "TRIGGER", Name), What);
-    Script.Statements.back().Kind = "triggers";
-    if (Trigger.Enabled.empty()) continue;
-    const char* Words = Trigger.Enabled == "Disabled"  ? "DISABLE"
-                        : Trigger.Enabled == "Replica" ? "ENABLE REPLICA"
-                        : Trigger.Enabled == "Always"  ? "ENABLE ALWAYS"
-                                                       : nullptr;
-    if (!Words) throw EDatabaseError(Format("Cannot make %s: its state '%s' is not known", What, Trigger.Enabled));
-    Script.Add(Format("ALTER TABLE %s %s TRIGGER %s", SQLName, Words, Name), "state of " + What);
-    Script.Statements.back().Kind = "triggers";
-  }
-}
 
 void WritePostgreSQLTable(const TDicTableDescription& Table, const TTableParts& Parts, const std::string& Pattern,
                           TPostgreSQLScript& Script) {

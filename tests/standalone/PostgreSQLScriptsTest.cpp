@@ -391,7 +391,6 @@ TEST(PostgreSQLScriptsTest, WhatIsMadeOfNeutralTypesIsDescribedAsSuch) {
       {{.Type = TType::Boolean, .Default = "TRUE"}, {.Type = TType::Boolean, .Default = "TRUE"}},
       {{.Type = TType::String, .Size = 20, .Default = "''"}, {.Type = TType::String, .Size = 20, .Default = "''"}},
       {{.Type = TType::String, .Default = "UUID"}, {.Type = TType::String, .Default = "UUID"}},
-      {{.Type = TType::String, .Default = "'NOW'"}, {.Type = TType::String, .Default = "'NOW'"}},
       {{.Type = TType::FixedString, .Size = 3}, {.Type = TType::FixedString, .Size = 3}},
       {{.Type = TType::Bytes, .Default = "x'00ff'"}, {.Type = TType::Bytes, .Default = "x'00ff'"}},
       {{.Type = TType::Date, .Default = "TODAY"}, {.Type = TType::Date, .Default = "TODAY"}},

@@ -29,7 +29,8 @@ CREATE TABLE text_key (id TEXT PRIMARY KEY, other INT UNIQUE, third INT UNIQUE O
 CREATE TABLE late_key (a INT UNIQUE, b INT UNIQUE, id BLOB_KEY CHECK (id <> x'00'), yes BOOLEAN CHECK (yes IN (0, 1)), UNIQUE (a, b), PRIMARY KEY (id));
 CREATE TABLE exact (a "DECIMAL TEXT"(18, 2) CHECK (a > 9), b NUMBER TEXT CHECK (cast(b AS numeric) > 9 AND b <> a),
   c MONEY TEXT CHECK (CAST("C" AS NUMERIC) IN (1, 10)), d AS (CAST(c AS NUMERIC) * 2));
-CREATE INDEX by_number ON exact ((CAST(b AS NUMERIC)) DESC);
+CREATE INDEX by_number ON exact ((CAST(b AS NUMERIC)) DESC, a, cast([c] as numeric));
+CREATE INDEX by_both ON exact (b, CAST(b AS NUMERIC));
 CREATE TABLE copied AS SELECT id, s AS "a b", 1.5 AS r FROM descending;
 CREATE TABLE altered (a INTEGER, gone TEXT, b TEXT CHECK (b > 'a'));
 ALTER TABLE altered ADD COLUMN c INT DEFAULT 7 REFERENCES parents;

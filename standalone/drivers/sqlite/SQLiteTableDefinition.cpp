@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/NeutralExpression.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
@@ -157,17 +158,38 @@ std::optional<std::string> TSQLiteTableDefinition::Neutral(std::string_view Text
                                         }});
 }
 
+/// The column that a neutral expression is, where it keeps its numbers as texts; else null.
+const TColumnInfo* TSQLiteTableDefinition::NumberOf(const std::string& Neutral) const {
+  for (const TDicField& Field : FResult.Fields)
+    if (QuoteStandardName(Field.Name) == Neutral) {
+      const TColumnInfo* const Result = Column(Field.Name);
+      const bool IsNumber = Result && KeepsNumbersAsTexts(FieldTypeOf(Result->DeclaredType).Type, Result->DeclaredType);
+      return IsNumber ? Result : nullptr;
+    }
+  return nullptr;
+}
+
 void TSQLiteTableDefinition::AddIndex(const std::string& Name, const std::string& Statement) {
   const TSQLiteIndexDeclaration Declared = ReadIndexDeclaration(Statement, Name);
   TDicIndex Index{.Name = Name, .Unique = Declared.Unique};
   bool IsAllSaid = !Declared.Partial;
   for (const TSQLiteIndexedColumn& Indexed : Declared.Columns) {
     const TColumnInfo* Known = Indexed.IsName ? Column(Indexed.Text) : nullptr;
-    const std::optional<std::string> Said = Known ? Known->Name : Neutral(Indexed.Text);
+    std::optional<std::string> Said = Known ? Known->Name : Neutral(Indexed.Text);
+    // To an engine with such numbers the column itself is in the order of its numbers.
+    if (const TColumnInfo* const Cast = Known || !Said ? nullptr : NumberOf(*Said)) {
+      // Beside the column as it is the list does not tell which of them is meant.
+      const auto IsIt = [&](const TSQLiteIndexedColumn& Other) { return Other.IsName && Column(Other.Text) == Cast; };
+      IsAllSaid = IsAllSaid && std::none_of(Declared.Columns.begin(), Declared.Columns.end(), IsIt);
+      Known = Cast;
+      Said = Cast->Name;
+      std::string& Numbers = Index.Words["sqlite"].Parts["Numbers"];
+      Numbers += (Numbers.empty() ? "" : ", ") + QuoteStandardName(Cast->Name);
+    }
     Index.Columns.push_back({Said.value_or(Indexed.Text), !Known, Indexed.Descending});
     IsAllSaid = IsAllSaid && Said && Indexed.Collate.empty();
   }
-  if (!IsAllSaid) Index.Words["sqlite"].Text = Statement;
+  if (!IsAllSaid) Index.Words["sqlite"] = {.Text = Statement};
   FResult.Indexes.push_back(std::move(Index));
 }
 

@@ -34,6 +34,7 @@ class TSQLiteTableDefinition {
   void AddColumn(const TColumnInfo& Known, const TSQLiteColumnDeclaration& Declared);
   std::optional<std::string> WithoutCasts(std::string_view Text) const;
   std::optional<std::string> Neutral(std::string_view Text) const;
+  const TColumnInfo* NumberOf(const std::string& Neutral) const;
   /// Null when there is none.
   const TColumnInfo* Column(std::string_view Name) const;
 

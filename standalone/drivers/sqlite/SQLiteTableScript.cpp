@@ -274,10 +274,16 @@ void TSQLiteTableScript::WriteIndex(const TDicIndex& Index) {
   for (const TDicColumn& Column : Index.Columns)
     if (const std::string Why = Column.Expression ? OthersValue(Column.Name, nullptr) : ""; !Why.empty())
       return AddGap("indexes", Format("the index '%s'", Index.Name), Why);
-  FScript.Statements.push_back(
-      {Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", QuoteStandardName(Index.Name),
-              QuoteStandardName(FName), ColumnList(Index.Columns)),
-       What});
+  std::vector<TDicColumn> Columns = Index.Columns;
+  if (const std::string* Numbers = OwnPart(Index.Words, "Numbers"))
+    for (TDicColumn& Column : Columns) {
+      const std::string Quoted = QuoteStandardName(Column.Name);
+      if (Column.Expression || (", " + *Numbers + ", ").find(", " + Quoted + ", ") == std::string::npos) continue;
+      Column = {Quoted, true, Column.Descending};
+    }
+  FScript.Statements.push_back({Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "",
+                                       QuoteStandardName(Index.Name), QuoteStandardName(FName), ColumnList(Columns)),
+                                What});
   FScript.Makes.push_back(FoldedSQLiteName(Index.Name));
 }
 

@@ -414,9 +414,10 @@ TEST(PostgreSQLScriptsTest, WhatIsMadeOfNeutralTypesIsDescribedAsSuch) {
     Table.Fields.push_back(Field);
     Table.Fields.back().Name = "F" + std::to_string(Table.Fields.size());
   }
-  Table.Keys = {{.Primary = true, .Columns = {{"F25"}}}, {.Columns = {{"F1"}, {"F2"}}}};
+  const std::string Last = Table.Fields.back().Name;
+  Table.Keys = {{.Primary = true, .Columns = {{Last}}}, {.Columns = {{"F1"}, {"F2"}}}};
   Table.Checks = {{.Text = R"("F1" > 0 AND "F11" IN ('a', 'b'))"}, {.Text = R"("F10" = 1 OR "F15" IS NULL)"}};
-  Table.ForeignKeys = {{.Table = "T", .Columns = {{"F3", "F25"}}, .OnDelete = TDicKeyAction::Cascade}};
+  Table.ForeignKeys = {{.Table = "T", .Columns = {{"F3", Last}}, .OnDelete = TDicKeyAction::Cascade}};
   Table.Indexes = {{.Name = "I", .Columns = {{R"(LOWER("F11"))", true}, {"F1", false, true}}}};
   for (const TScriptStatement& Statement : Writer.Table(Table, {}, Writer.TablePattern()).Statements)
     Connection->Execute(Statement.Text);

@@ -205,6 +205,7 @@ TEST(PostgreSQLDefinitionsTest, CastsThatChangeValuesStay) {
       {"varchar(2) DEFAULT 'abc'::varchar(2)", ""},
       {"varchar(5) DEFAULT 'abc'::varchar(2)", ""},
       {"text DEFAULT 'abc'::varchar(2)", ""},
+      {"varchar(2)[] DEFAULT '{abc}'::varchar(2)[]", ""},
       {"text DEFAULT 'abc'::char(2)", ""},
       {"numeric DEFAULT 1.26::numeric(5,1)", ""},
       {"timestamp DEFAULT '2020-01-01 00:00:00.7'::timestamp(0)", ""},

@@ -94,7 +94,8 @@ std::optional<std::string> TPostgreSQLExpressions::Default(const std::string& Te
   const auto IsIdleCast = [&](std::string_view Cast) {
     if (HasLength(Cast)) {
       IsCut = IsCut || HoldsText;
-      return Own && Own->Text == Cast;
+      // The items of an array may be texts.
+      return Own && Own->Text == Cast && Field.Type != TDicFieldType::Other;
     }
     return Cast == Type || (HoldsText ? IsTextType(Cast) : IsOfConstant(Cast));
   };

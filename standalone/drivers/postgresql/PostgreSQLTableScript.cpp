@@ -77,9 +77,9 @@ class TTableScript {
     if (Parts.Indexes) AddIndexes(FTable.Indexes, FTable.Fields, FSQLName, FOwner, FScript);
     if (Parts.ForeignKeys) {
       for (const TDicCheck& Check : FTable.Checks)
-        if (IsNotChecked(Check)) AddLater(CheckClause(Check), "checks", "the check", Check.Name);
+        if (IsNotChecked(Check)) AddLater(CheckClause(Check), "checks", "check", Check.Name);
       for (const TDicForeignKey& Key : FTable.ForeignKeys)
-        AddLater(ReferenceClause(Key), "references", "the reference", Key.Name);
+        AddLater(ReferenceClause(Key), "references", "reference", Key.Name);
     }
     if (Parts.Triggers) AddTriggers(FTable.Triggers, FSQLName, FOwner, FScript);
     if (Parts.Comments) AddComments();

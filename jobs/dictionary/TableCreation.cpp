@@ -217,6 +217,7 @@ bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
 void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
   std::vector<TScriptGap> Refused, OfNone;
   std::vector<std::string> Problems;
+  std::map<std::string, std::string> Makers;  // of names, the tables that they come with
   const auto Take = [&](const TScriptGap& Gap) {
     if (!FDictionary.Gaps().Allows(Gap)) Refused.push_back(Gap);
   };
@@ -231,6 +232,11 @@ void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
           FDictionary.GetPatternName(Description.FullName(), FDatabaseName), FDatabaseName);
       const TScript Script = FDictionary.Script(FDatabaseName, Description, Pattern, TTableScriptPart::All);
       std::for_each(Script.Gaps.begin(), Script.Gaps.end(), Take);
+      for (const std::string& Made : Script.Makes)
+        if (const auto [Other, IsNew] = Makers.emplace(Made, Description.FullName()); !IsNew)
+          Problems.push_back(
+              Format("'%s' comes with the name of a table, index, key or sequence that '%s' comes with too; rename one",
+                     Description.FullName(), Other->second));
       Table->IsNone = Script.Statements.empty();
       if (Table->IsNone) OfNone.insert(OfNone.end(), Script.Gaps.begin(), Script.Gaps.end());
     } catch (const EDatabaseError& Error) {

@@ -223,6 +223,19 @@ TEST_F(TDictionaryTest, WhatPostgreSQLHasNoWordsForIsAllowedByItsKind) {
     EXPECT_NE(Made.Errors.find(Line), std::string::npos) << Line << Made.Errors;
 }
 
+TEST_F(TDictionaryTest, NamesThatSchemasOfPostgreSQLKeepApartMeetBeforeAnythingIsMade) {
+  TPostgreSQLDatabase Server;
+  Server.Run(
+      "CREATE SCHEMA a; CREATE TABLE a.t (i int); CREATE INDEX by_i ON a.t (i);"
+      "CREATE SCHEMA b; CREATE TABLE b.t (i int); CREATE INDEX \"BY_I\" ON b.t (i)");
+  EXPECT_EQ(Run({"export", "table", "-d", Server.Url(), "--all", "--structures", "-o", "meet.eif"}).ExitCode, 0);
+  const TOutcome Outcome = Import("sqlite:meet.db", {"--create", "--create-tables", "yes"}, "meet.eif");
+  EXPECT_EQ(Outcome.ExitCode, 1) << Outcome.Errors;
+  EXPECT_NE(Outcome.Errors.find("'b.t' comes with the name of a table, index, key or sequence that 'a.t' comes with"),
+            std::string::npos)
+      << Outcome.Errors;
+}
+
 TEST_F(TDictionaryTest, StructuresThatAreStoredMakeTablesToo) {
   EXPECT_EQ(Run({"dictionary", "adopt", "-d", "sqlite:shop.db", "--all"}).ExitCode, 0);
   EXPECT_EQ(Run({"export", "structure", "-d", "sqlite:shop.db", "--all", "-o", "structures.eif"}).ExitCode, 0);

@@ -65,8 +65,8 @@ struct TDicField {
   std::string Owned = {};    // the sequence that counts for it and goes with it; empty: none with a name
   std::optional<std::string> Computed = {};  // a neutral expression; also empty where only own words say it
   bool Stored = false;                       // of a computed one: its value is kept in the row
-  /// Text: the complete declared type. Parts: Default, Computed, Collate; Base and Check of a domain. Lines: the values
-  /// of an enumeration.
+  /// Text: the complete declared type. Parts: Default, Computed, Collate; Sequence, of its counter; Base and Check of a
+  /// domain. Lines: the values of an enumeration.
   TDicEngineWords Words = {};
 
   bool operator==(const TDicField&) const = default;
@@ -99,7 +99,7 @@ struct TDicIndex {
   std::string Name = {};
   bool Unique = false;
   std::vector<TDicColumn> Columns = {};
-  TDicEngineWords Words = {};  // Text: the whole statement, where the above does not say all
+  TDicEngineWords Words = {};  // Text: the whole statement, where the above does not say all. Part: Numbers
 
   bool operator==(const TDicIndex&) const = default;
 };

@@ -139,11 +139,12 @@ std::vector<TObjectScript> TThis::PartsOf(TTables& Tables, bool TTableParts::*Pa
   Only.*Part = true;
   std::vector<TObjectScript> Scripts;
   std::erase_if(Tables, [&](const TTables::value_type& Each) {
-    const auto& [Table, Pattern] = Each;
+    const TDicTableDescription& Table = Each.first;
     const std::string Name = Table.FullName();
     Scripts.push_back(
         {Table.Name, Name,
-         Made("options", Format("the table '%s'", Name), [&] { return Writer.Table(Table, Only, Pattern); }), true});
+         Made("options", Format("the table '%s'", Name), [&] { return Writer.Table(Table, Only, Each.second); }),
+         true});
     return Only.Table && Scripts.back().Script.Statements.empty();
   });
   return Scripts;

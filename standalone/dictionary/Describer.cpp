@@ -55,7 +55,7 @@ std::vector<TDicTableDescription> TDescriber::ReadTables(const std::vector<TDefi
   if (!FOptions.ScanColumns) return Result;
   std::vector<TDicTableDescription*> Tables;
   for (TDicTableDescription& Table : Result) Tables.push_back(&Table);
-  AlignScannedKeys(std::move(Tables));
+  AlignScannedKeys(Tables);
   return Result;
 }
 

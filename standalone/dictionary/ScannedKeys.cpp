@@ -85,7 +85,7 @@ bool AlignKeys(TDicTableDescription& Table, const TTables& Tables) {
 
 }  // namespace
 
-void AlignScannedKeys(std::vector<TDicTableDescription*> Tables) {
+void AlignScannedKeys(const std::vector<TDicTableDescription*>& Tables) {
   TTables Known;
   for (TDicTableDescription* const Table : Tables) Known.emplace(LowerCase(Table->FullName()), Table);
   for (TDicTableDescription* const Table : Tables)

@@ -2,6 +2,7 @@
 
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/KeysWithNulls.h"
+#include "standalone/drivers/TableWords.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
@@ -11,50 +12,6 @@
 
 namespace velkrund {
 namespace {
-
-/// Pattern with its places filled.
-std::string Filled(const std::string& Pattern, const std::string& Table, const std::string& Items,
-                   const std::string& Words) {
-  std::string Result;
-  bool HasTable = false, HasItems = false;
-  for (std::size_t From = 0; From < Pattern.size();) {
-    const std::size_t Open = Pattern.find('{', From);
-    Result.append(Pattern, From, Open == std::string::npos ? Open : Open - From);
-    if (Open == std::string::npos) break;
-    const std::size_t Close = Pattern.find('}', Open);
-    const std::string Place = Pattern.substr(Open, Close == std::string::npos ? Close : Close - Open + 1);
-    if (Place != "{table}" && Place != "{items}" && Place != "{words}")
-      throw EDatabaseError(
-          Format("The pattern of tables has '%s'; its places are {table}, {items} and {words}", Place));
-    HasTable = HasTable || Place == "{table}";
-    HasItems = HasItems || Place == "{items}";
-    Result += Place == "{table}" ? Table : Place == "{items}" ? Items : Words;
-    From = Close + 1;
-  }
-  if (!HasTable || !HasItems) throw EDatabaseError("The pattern of tables needs the places {table} and {items}");
-  return Result;
-}
-
-std::string DeferrableWords(TDicDeferrable Deferrable) {
-  if (Deferrable == TDicDeferrable::No) return {};
-  return Deferrable == TDicDeferrable::Deferred ? " DEFERRABLE INITIALLY DEFERRED" : " DEFERRABLE";
-}
-
-std::string_view ActionWords(TDicKeyAction Action) {
-  switch (Action) {
-    case TDicKeyAction::Cascade:
-      return "CASCADE";
-    case TDicKeyAction::SetNull:
-      return "SET NULL";
-    case TDicKeyAction::SetDefault:
-      return "SET DEFAULT";
-    case TDicKeyAction::Restrict:
-      return "RESTRICT";
-    case TDicKeyAction::NoAction:
-      break;
-  }
-  return {};
-}
 
 std::string NameWords(const std::string& Name, const std::string& What) {
   if (Name.empty()) return {};
@@ -102,7 +59,7 @@ class TTableScript {
     for (const TDicCheck& Check : FTable.Checks)
       if (!IsNotChecked(Check)) AddItem(CheckClause(Check));
     if (!Items.empty()) Items += '\n';
-    FScript.Add(Filled(Pattern, FSQLName, Items, Words(After)), FOwner);
+    FScript.Add(FilledPattern(Pattern, FSQLName, Items, Words(After)), FOwner);
     FScript.Makes.push_back(FSQLName);
     for (const TDicKey& Key : FTable.Keys)
       if (!Key.Name.empty()) FScript.Makes.push_back(BesidePostgreSQLTable(Key.Name, FSQLName));
@@ -210,9 +167,8 @@ class TTableScript {
                          PostgreSQLNameOf({.Name = Key.Table, .Schema = Key.Schema});
     if (!To.empty()) Result += " (" + PostgreSQLColumns(To) + ")";
     if (Key.MatchFull) Result += " MATCH FULL";
-    if (Key.OnDelete != TDicKeyAction::NoAction) Result.append(" ON DELETE ").append(ActionWords(Key.OnDelete));
-    if (Key.OnUpdate != TDicKeyAction::NoAction) Result.append(" ON UPDATE ").append(ActionWords(Key.OnUpdate));
-    return Result + DeferrableWords(Key.Deferrable) + (Key.NotChecked ? " NOT VALID" : "");
+    return Result + ActionWords("DELETE", Key.OnDelete) + ActionWords("UPDATE", Key.OnUpdate) +
+           DeferrableWords(Key.Deferrable) + (Key.NotChecked ? " NOT VALID" : "");
   }
 
   void AddLater(const std::string& Clause, const char* Kind, std::string_view Part, const std::string& Name) {

@@ -4,6 +4,7 @@
 
 #include "standalone/drivers/ComputedElsewhere.h"
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/TableWords.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
@@ -37,17 +38,6 @@ std::string ConstraintName(const std::string& Name) {
 /// "the check 'C'", or "a check" where it has no name.
 std::string Named(std::string_view What, const std::string& Name) {
   return Name.empty() ? Format("a %s", What) : Format("the %s '%s'", What, Name);
-}
-
-std::string DeferrableText(TDicDeferrable Deferrable) {
-  if (Deferrable == TDicDeferrable::No) return {};
-  return Deferrable == TDicDeferrable::Deferred ? " DEFERRABLE INITIALLY DEFERRED" : " DEFERRABLE";
-}
-
-std::string ActionText(std::string_view Event, TDicKeyAction Action) {
-  constexpr std::string_view Words[] = {"", "CASCADE", "SET NULL", "SET DEFAULT", "RESTRICT"};
-  if (Action == TDicKeyAction::NoAction) return {};
-  return Format(" ON %s %s", Event, Words[static_cast<std::size_t>(Action)]);
 }
 
 }  // namespace
@@ -250,8 +240,8 @@ std::string TSQLiteTableScript::ReferenceText(const TDicForeignKey& Key) {
   if (!To.empty()) Result += " (" + To + ")";
   if (const std::string Words = OwnText(Key.Words); !Words.empty()) Result += " " + Words;
   if (Key.MatchFull) Result += " MATCH FULL";
-  return Result + ActionText("DELETE", Key.OnDelete) + ActionText("UPDATE", Key.OnUpdate) +
-         DeferrableText(Key.Deferrable);
+  return Result + ActionWords("DELETE", Key.OnDelete) + ActionWords("UPDATE", Key.OnUpdate) +
+         DeferrableWords(Key.Deferrable);
 }
 
 std::string TSQLiteTableScript::CheckText(const TDicCheck& Check) {

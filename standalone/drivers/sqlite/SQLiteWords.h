@@ -18,11 +18,6 @@ struct TForeignWords {
 };
 TForeignWords ForeignWords(const TDicEngineWords& Words);
 
-/// The pattern with {table}, {items} and {words} filled in. Raises EDatabaseError for others, and where the first two
-/// are missing.
-std::string FilledPattern(const std::string& Pattern, const std::string& Table, const std::string& Items,
-                          const std::string& Words);
-
 /// Equal for names that the engine takes for the same: it folds ASCII letters only.
 std::string FoldedSQLiteName(std::string_view Name);
 

@@ -207,7 +207,7 @@ void TTableCreation::AskFor(const std::vector<TEntry*>& Tables) {
 }
 
 bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
-  const std::string Name = Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table;
+  const std::string Name = Key.FullTable();
   const auto Entry = FEntries.find(LowerCase(Name));
   if (Entry != FEntries.end() && !Entry->second.IsThere) return !Entry->second.IsCancelled;
   return FManager.Databases().Connection(FDatabaseName).Schema().FindTable(Name).has_value();

@@ -52,12 +52,8 @@ std::vector<std::string> Names(const std::vector<TDicForeignKey::TPair>& Columns
   return Result;
 }
 
-std::string FullTable(const TDicForeignKey& Key) {
-  return Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table;
-}
-
 bool SameReference(const TDicForeignKey& A, const TDicForeignKey& B) {
-  return FullTable(A) == FullTable(B) && Names(A.Columns) == Names(B.Columns);
+  return A.FullTable() == B.FullTable() && Names(A.Columns) == Names(B.Columns);
 }
 
 // Everything but the words; as an engine says it that lacks a place for some of it.
@@ -70,7 +66,7 @@ TDicKey Neutral(TDicKey Key, const TEngineView& View) {
 }
 
 TDicForeignKey Neutral(TDicForeignKey Key, const TEngineView& View) {
-  if (!View.Schemas) Key.Table = FullTable(Key), Key.Schema.clear();
+  if (!View.Schemas) Key.Table = Key.FullTable(), Key.Schema.clear();
   if (!View.UncheckedKeys) Key.NotChecked = false;
   Key.Words.clear();
   return Key;
@@ -227,7 +223,7 @@ std::string Title(const TDicKey& Key) {
 std::string Title(const TDicIndex& Index) { return Format("index '%s'", Index.Name); }
 
 std::string Title(const TDicForeignKey& Key) {
-  return Titled("foreign key", Key.Name, Format("the foreign key to '%s'", FullTable(Key)));
+  return Titled("foreign key", Key.Name, Format("the foreign key to '%s'", Key.FullTable()));
 }
 
 std::string Title(const TDicCheck& Check) { return Titled("check", Check.Name, "a check"); }

@@ -13,9 +13,7 @@ namespace {
 
 using TTables = std::map<std::string, TDicTableDescription*>;  // by full name in lower case
 
-std::string FullKey(const TDicForeignKey& Key) {
-  return LowerCase(Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table);
-}
+std::string FullKey(const TDicForeignKey& Key) { return LowerCase(Key.FullTable()); }
 
 TDicField* FieldOf(TDicTableDescription& Table, const std::string& Name) {
   const auto Found = std::find_if(Table.Fields.begin(), Table.Fields.end(),

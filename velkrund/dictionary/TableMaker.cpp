@@ -160,7 +160,7 @@ void TTableMaker::DropWithThoseThatRefer(TMade& Made, const TTakenBack& TakenBac
   for (TMade& Other : FMade) {
     const std::vector<TDicForeignKey>& Keys = Other.Description.ForeignKeys;
     const bool Refers = std::any_of(Keys.begin(), Keys.end(), [&](const TDicForeignKey& Key) {
-      return SameText(Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table, Made.Description.FullName());
+      return SameText(Key.FullTable(), Made.Description.FullName());
     });
     if (!Refers || Other.IsGone) continue;
     DropWithThoseThatRefer(Other, TakenBack);

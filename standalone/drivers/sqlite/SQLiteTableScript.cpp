@@ -234,9 +234,8 @@ std::string TSQLiteTableScript::ReferenceText(const TDicForeignKey& Key) {
     if (!Pair.To.empty()) To += (To.empty() ? "" : ", ") + QuoteStandardName(Pair.To);
   }
   if (Own.empty()) return {};
-  const std::string Table = Key.Schema.empty() ? Key.Table : Key.Schema + "." + Key.Table;
   std::string Result =
-      Format("%sFOREIGN KEY (%s) REFERENCES %s", ConstraintName(Key.Name), Own, QuoteStandardName(Table));
+      Format("%sFOREIGN KEY (%s) REFERENCES %s", ConstraintName(Key.Name), Own, QuoteStandardName(Key.FullTable()));
   if (!To.empty()) Result += " (" + To + ")";
   if (const std::string Words = OwnText(Key.Words); !Words.empty()) Result += " " + Words;
   if (Key.MatchFull) Result += " MATCH FULL";

@@ -122,6 +122,8 @@ struct TDicForeignKey {
   bool NotChecked = false;     // rows that were there before it may break it
   TDicEngineWords Words = {};  // Text: what the above does not say
 
+  /// The name of the other table, behind its schema and a full stop where it has one.
+  std::string FullTable() const { return Schema.empty() ? Table : Schema + "." + Table; }
   bool operator==(const TDicForeignKey&) const = default;
 };
 

@@ -5,6 +5,7 @@
 #include "standalone/catalogue/Catalogue.h"
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
+#include "standalone/tables/DriverBaseManager.h"
 #include "standalone/tables/DriverTable.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -70,6 +71,18 @@ std::unique_ptr<TTable> TStandaloneManager::GetUserTable(const std::string& Tabl
   const std::optional<TTableInfo> Info = Connection.Schema().FindTable(TableName);
   if (!Info) return nullptr;
   return std::make_unique<TDriverTable>(Connection, *Info, ReadWrite);
+}
+
+bool TStandaloneManager::TableExists(const std::string& TableName, const std::string& DatabaseName, bool Views) {
+  const std::optional<TTableInfo> Found = FDatabases.Connection(DatabaseName).Schema().FindTable(TableName);
+  return Found && (Views || Found->Kind != TTableKind::View);
+}
+
+/// Made anew, since the connection may have been closed meanwhile.
+TODBCBaseManager* TStandaloneManager::GetODBCBaseManager(const std::string& DatabaseName) {
+  std::unique_ptr<TODBCBaseManager>& Result = FBaseManagers[DatabaseName];
+  Result = std::make_unique<TDriverBaseManager>(FDatabases.Connection(DatabaseName));
+  return Result.get();
 }
 
 void TStandaloneManager::StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) {

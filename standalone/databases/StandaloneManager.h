@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,6 +46,8 @@ class TStandaloneManager final : public TApplicationManager {
 
   std::unique_ptr<TTable> GetUserTable(const std::string& TableName, const std::string& DatabaseName,
                                        bool ReadWrite) override;
+  bool TableExists(const std::string& TableName, const std::string& DatabaseName, bool Views) override;
+  TODBCBaseManager* GetODBCBaseManager(const std::string& DatabaseName) override;
   void StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) override;
   void CommitTransaction(const std::string& DatabaseName) override;
   void RollbackTransaction(const std::string& DatabaseName) override;
@@ -73,6 +76,7 @@ class TStandaloneManager final : public TApplicationManager {
   TPosixFileSystem FFiles;
   TTrace FTrace;
   TDatabases FDatabases;
+  std::map<std::string, std::unique_ptr<TODBCBaseManager>> FBaseManagers;  // by the name that was asked for
   TLookUpText FLookUpText;
   TReportError FReportError;
 };

@@ -4,6 +4,7 @@
 #include "standalone/dictionary/Redescription.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "standalone/dictionary/UnfinishedTables.h"
+#include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPErrors.h"
@@ -107,10 +108,15 @@ TScript TStandaloneDictionary::Script(const std::string& DatabaseName, const TDi
 }
 
 void TStandaloneDictionary::CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
-                                             const std::string& Pattern, TTableScriptPart Part) {
-  RunScriptWithGaps(DatabaseName, FManager.Databases().Connection(DatabaseName),
-                    Script(DatabaseName, Description, Pattern, Part), FGaps);
+                                             const std::string& Pattern, TTableScriptPart Part, bool Replace) {
+  TConnection& Connection = FManager.Databases().Connection(DatabaseName);
+  const TScript Statements = Script(DatabaseName, Description, Pattern, Part);
+  TTransaction Transaction(DatabaseName);
+  if (Replace && Part != TTableScriptPart::Rest && Connection.Schema().FindTable(Description.FullName()))
+    DropTable(DatabaseName, Description);
+  RunScriptWithGaps(DatabaseName, Connection, Statements, FGaps);
   if (Part != TTableScriptPart::Table) StoreWords(DatabaseName, Description.FullName());
+  Transaction.Commit();
 }
 
 TScript TStandaloneDictionary::IndexScript(const std::string& DatabaseName, const TDicTableDescription& Description) {

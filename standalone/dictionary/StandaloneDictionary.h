@@ -23,7 +23,7 @@ class TStandaloneDictionary final : public TDictionary {
   std::string GetPatternName(const std::string& TableName, const std::string& DatabaseName) override;
   std::string GetCreateTablePatternString(const std::string& PatternName, const std::string& DatabaseName) override;
   void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
-                        const std::string& Pattern, TTableScriptPart Part) override;
+                        const std::string& Pattern, TTableScriptPart Part, bool Replace) override;
   void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) override;
   TTableStage StageOf(const std::string& DatabaseName, const std::string& TableName) override;
   void SetStage(const std::string& DatabaseName, const std::string& TableName, TTableStage Stage) override;

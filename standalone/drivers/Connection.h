@@ -13,6 +13,7 @@
 #include "standalone/drivers/Safeguards.h"
 #include "standalone/drivers/SchemaReader.h"
 #include "standalone/drivers/ScriptWriter.h"
+#include "standalone/drivers/Surroundings.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 
 namespace velkrund {
@@ -73,6 +74,9 @@ class TConnection {
 
   /// Within a transaction, or before one that they become the first statements of.
   virtual std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) = 0;
+
+  /// Within a transaction. Object: a table or view that is there. Renamed: of the new one.
+  virtual std::unique_ptr<TSurroundings> Surroundings(const TTableInfo& Object, TRenamedFields Renamed) = 0;
 
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
   /// places that the engine's SQL marks for them, in order.

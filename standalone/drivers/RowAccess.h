@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
 
@@ -8,6 +9,11 @@
 #include "standalone/drivers/Schema.h"
 
 namespace velkrund {
+
+/// A column of one table that goes into one of another: their indexes.
+struct TColumnPair {
+  int From, To;
+};
 
 /// The way of rows out of tables and into them. Columns are indexes into the description's columns. Cursors and
 /// appenders are freed before the connection. Raises EDatabaseError.
@@ -25,6 +31,14 @@ class TRowAccess {
   /// Columns that are not named get their default; generated ones must not be named. An error when Table takes no rows.
   virtual std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
                                                       const TAppendOptions& Options) = 0;
+
+  /// Whether CopyRows makes of every value what OpenAppender makes of what OpenCursor reads, or refuses the same ones.
+  virtual bool CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
+                             std::span<const TColumnPair> Pairs) = 0;
+  /// By one statement, in the order in which the rows stand. Columns of Target that are not named get their default.
+  /// Returns how many rows were copied.
+  virtual std::int64_t CopyRows(const TTableDescription& Source, const TTableDescription& Target,
+                                std::span<const TColumnPair> Pairs) = 0;
 };
 
 }  // namespace velkrund

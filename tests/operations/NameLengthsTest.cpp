@@ -42,8 +42,8 @@ class NameLengths : public testing::Test, public TDSPContainer, public TDSPTable
   }
   std::string GetPatternName(const std::string&, const std::string&) override { return {}; }
   std::string GetCreateTablePatternString(const std::string&, const std::string&) override { return {}; }
-  void CreateTableByDef(const std::string&, const TDicTableDescription&, const std::string&,
-                        TTableScriptPart) override {}
+  void CreateTableByDef(const std::string&, const TDicTableDescription&, const std::string&, TTableScriptPart,
+                        bool) override {}
   void CreateIndexesByDef(const std::string&, const TDicTableDescription&) override {}
   void DropTable(const std::string&, const TDicTableDescription&) override {}
   TTableStage StageOf(const std::string&, const std::string&) override { return TTableStage::Complete; }

@@ -132,7 +132,8 @@ TEST_P(DriverObjectsTest, TablesAreMadeFoundAndDroppedToo) {
   const auto Make = [&] {
     return ErrorOf([&] {
       TTransaction Transaction(Url);
-      Dictionary.CreateTableByDef(Url, Table, Dictionary.GetCreateTablePatternString("", Url), TTableScriptPart::All);
+      Dictionary.CreateTableByDef(Url, Table, Dictionary.GetCreateTablePatternString("", Url), TTableScriptPart::All,
+                                  false);
       Transaction.Commit();
     });
   };

@@ -100,7 +100,7 @@ bool TTableMaker::MakeOne(const TDicTableDescription& Table) {
     Prepare(Made.Description);
     TDicTableDescription Bare = Made.Description;
     Bare.Indexes.clear();
-    Dictionary().CreateTableByDef(FDatabaseName, Bare, Made.Pattern, TTableScriptPart::Table);
+    Dictionary().CreateTableByDef(FDatabaseName, Bare, Made.Pattern, TTableScriptPart::Table, false);
     if (CommitsSteps()) Dictionary().SetStage(FDatabaseName, Bare.FullName(), TTableStage::Made);
     Transaction.Commit();
     FFailed.erase(Key);
@@ -151,7 +151,7 @@ void TTableMaker::CompleteEach(const TFailed& Failed, const TTakenBack& TakenBac
 void TTableMaker::MakeIndexes(const TMade& Made) { Dictionary().CreateIndexesByDef(FDatabaseName, Made.Description); }
 
 void TTableMaker::MakeRest(const TMade& Made) {
-  Dictionary().CreateTableByDef(FDatabaseName, Made.Description, Made.Pattern, TTableScriptPart::Rest);
+  Dictionary().CreateTableByDef(FDatabaseName, Made.Description, Made.Pattern, TTableScriptPart::Rest, false);
 }
 
 /// What refers to the table goes first.

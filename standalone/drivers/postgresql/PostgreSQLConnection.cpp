@@ -2,6 +2,7 @@
 
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"
+#include "standalone/drivers/postgresql/PostgreSQLSurroundings.h"
 
 namespace velkrund {
 namespace {
@@ -48,6 +49,10 @@ void TPostgreSQLConnection::Begin(TIsolationLevel Level) { FSession.Begin(LevelW
 
 std::unique_ptr<TSafeguards> TPostgreSQLConnection::Safeguards(TLoadNeeds Needs) {
   return std::make_unique<TPostgreSQLSafeguards>(FSession, std::move(Needs));
+}
+
+std::unique_ptr<TSurroundings> TPostgreSQLConnection::Surroundings(const TTableInfo& Object, TRenamedFields Renamed) {
+  return std::make_unique<TPostgreSQLSurroundings>(FSession, Object, std::move(Renamed));
 }
 
 void TPostgreSQLConnection::Commit() {

@@ -34,6 +34,7 @@ class TPostgreSQLConnection final : public TConnection {
   void ReleaseSavepoint(int Number) override;
   void RollbackToSavepoint(int Number) override;
   std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) override;
+  std::unique_ptr<TSurroundings> Surroundings(const TTableInfo& Object, TRenamedFields Renamed) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 

@@ -2,6 +2,7 @@
 
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 
@@ -17,6 +18,16 @@ std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDe
                                                                   std::span<const int> Columns,
                                                                   const TAppendOptions& Options) {
   return std::make_unique<TPostgreSQLAppender>(FSession, FSequences, Table, Columns, Options);
+}
+
+bool TPostgreSQLRowAccess::CopiesExactly(const TTableDescription&, const TTableDescription&,
+                                         std::span<const TColumnPair>) {
+  return false;
+}
+
+std::int64_t TPostgreSQLRowAccess::CopyRows(const TTableDescription&, const TTableDescription&,
+                                            std::span<const TColumnPair>) {
+  throw EDatabaseError("rows are not copied yet");
 }
 
 }  // namespace velkrund

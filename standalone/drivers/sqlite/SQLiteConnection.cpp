@@ -6,6 +6,7 @@
 #include "standalone/drivers/sqlite/SQLiteSafeguards.h"
 #include "standalone/drivers/sqlite/SQLiteScriptCheck.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
+#include "standalone/drivers/sqlite/SQLiteSurroundings.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -88,6 +89,10 @@ void TSQLiteConnection::Run(std::string_view Statement, std::string_view What) {
 
 std::unique_ptr<TSafeguards> TSQLiteConnection::Safeguards(TLoadNeeds Needs) {
   return std::make_unique<TSQLiteSafeguards>(FDatabase, std::move(Needs), FCapabilities.EnforcesForeignKeys);
+}
+
+std::unique_ptr<TSurroundings> TSQLiteConnection::Surroundings(const TTableInfo& Object, TRenamedFields Renamed) {
+  return std::make_unique<TSQLiteSurroundings>(FDatabase, Object, std::move(Renamed));
 }
 
 std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {

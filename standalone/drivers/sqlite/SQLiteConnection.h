@@ -33,6 +33,7 @@ class TSQLiteConnection final : public TConnection {
   void ReleaseSavepoint(int Number) override;
   void RollbackToSavepoint(int Number) override;
   std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) override;
+  std::unique_ptr<TSurroundings> Surroundings(const TTableInfo& Object, TRenamedFields Renamed) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::vector<std::string> CheckScript(const std::string& Script) override;
   void RebuildTextIndex(const TTableInfo& Index) override;

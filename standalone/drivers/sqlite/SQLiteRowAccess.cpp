@@ -89,4 +89,13 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   }
 }
 
+bool TSQLiteRowAccess::CopiesExactly(const TTableDescription&, const TTableDescription&, std::span<const TColumnPair>) {
+  return false;
+}
+
+std::int64_t TSQLiteRowAccess::CopyRows(const TTableDescription&, const TTableDescription&,
+                                        std::span<const TColumnPair>) {
+  throw EDatabaseError("rows are not copied yet");
+}
+
 }  // namespace velkrund

@@ -16,6 +16,10 @@ class TSQLiteRowAccess final : public TRowAccess {
                                       std::span<const int> Order) override;
   std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
                                               const TAppendOptions& Options) override;
+  bool CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
+                     std::span<const TColumnPair> Pairs) override;
+  std::int64_t CopyRows(const TTableDescription& Source, const TTableDescription& Target,
+                        std::span<const TColumnPair> Pairs) override;
 
  private:
   const TSQLiteDatabase& FDatabase;

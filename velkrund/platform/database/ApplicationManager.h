@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "velkrund/platform/database/BLOBTable.h"
+#include "velkrund/platform/database/BaseManager.h"
 #include "velkrund/platform/database/Tables.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/FileSystem.h"
@@ -41,6 +43,25 @@ class TApplicationManager {
   /// caller owns it and frees it before the database is closed. A database that cannot be reached is an error.
   virtual std::unique_ptr<TTable> GetUserTable(const std::string& TableName, const std::string& DatabaseName,
                                                bool ReadWrite) = 0;
+  /// The same for the program's own work on the table: reading and appending.
+  std::unique_ptr<TTable> GetSystemTable(const std::string& TableName, const std::string& DatabaseName) {
+    return GetUserTable(TableName, DatabaseName, true);
+  }
+  /// Views: one of that name counts too.
+  virtual bool TableExists(const std::string& TableName, const std::string& DatabaseName, bool /*Views*/) {
+    return GetUserTable(TableName, DatabaseName, false) != nullptr;
+  }
+  /// The physical name of a table, in the case in which the database has it; the name as it is when there is none.
+  std::string GetTableName(const std::string& TableName, const std::string& DatabaseName);
+  /// Owned by the manager; null for a database that is none of SQL.
+  virtual TODBCBaseManager* GetODBCBaseManager(const std::string& /*DatabaseName*/) { return nullptr; }
+
+  /// The table inside the value of a BLOB field; null when it holds none, but plain bytes. An error when it is damaged.
+  virtual std::unique_ptr<TBLOBTable> OpenBLOBTable(std::string_view /*Bytes*/) { return nullptr; }
+  /// An empty one with these fields; null where the platform has none.
+  virtual std::unique_ptr<TBLOBTable> NewBLOBTable(const std::string& /*Name*/, const TBLOBTable::TFields& /*Fields*/) {
+    return nullptr;
+  }
 
   /// A start within a transaction of the same database is a savepoint: an inner roll back undoes the inner part, and
   /// what was committed within is undone with the outer one.

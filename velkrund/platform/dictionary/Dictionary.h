@@ -44,9 +44,10 @@ class TDictionary {
   /// Its text.
   virtual std::string GetCreateTablePatternString(const std::string& PatternName, const std::string& DatabaseName) = 0;
   /// Makes the part under the description's name. What the engine has no words for is an error, unless the host allows
-  /// it.
+  /// it. Replace: a table of that name is dropped first, and stays when the new one cannot be made; without it, an
+  /// error where the part is the table itself.
   virtual void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
-                                const std::string& Pattern, TTableScriptPart Part) = 0;
+                                const std::string& Pattern, TTableScriptPart Part, bool Replace) = 0;
   /// Makes the indexes of a table that was made without them.
   virtual void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
   /// How far a table has come whose parts are committed one by one, as the database remembers it, so that a later run

@@ -1,0 +1,267 @@
+#include "velkrund/dictionary/RecreateTable.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/dictionary/TableRowCopy.h"
+#include "velkrund/dictionary/TemporaryTable.h"
+#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/NameLengths.h"
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/structures/DSPContainer.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
+
+namespace velkrund {
+
+namespace {
+
+bool IsTemporary(const std::string& Name) { return Name == TemporaryTableName; }
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TUORecreateTable::Descriptor =
+    OperationDescriptor<TUORecreateTable>("TUORecreateTable");
+
+/// Drops the temporary table when the run is over, however it ends.
+class TUORecreateTable::TTemporary {
+ public:
+  explicit TTemporary(TUORecreateTable& Operation) : FOperation(Operation) {}
+  TTemporary(const TTemporary&) = delete;
+  TTemporary& operator=(const TTemporary&) = delete;
+  ~TTemporary() {
+    if (FIsGone) return;
+    try {
+      FOperation.DeleteTempTable();
+    } catch (const std::exception& Error) {
+      // The error on its way out is the one to tell; within a transaction that has failed, its end drops the table.
+      FOperation.WriteLog(TTraceLevel::Error, Format("Cannot drop '%s': %s", TemporaryTableName, Error.what()));
+    }
+  }
+  void Drop() {
+    FIsGone = true;
+    FOperation.DeleteTempTable();
+  }
+
+ private:
+  TUORecreateTable& FOperation;
+  bool FIsGone = false;
+};
+
+TUORecreateTable::TUORecreateTable() { OverWrite.FYes = SaveData.FYes = true; }
+
+int TUORecreateTable::Execute() {
+  FEnd = TEnd::LeftAlone;
+  FRows = FTotal = 0;
+  FLost.clear();
+  FReplaces = false;
+  if (!IsTableDescExists(TableName, DatabaseName))
+    throw EDicUtilError(Format("Can not create table. Dictionary structure not found (Table:'%s';Database:'%s')",
+                               TableName, DatabaseName),
+                        {.Code = TErrorCode::StructureMissing, .Table = TableName});
+  if (AskCancelCreateLongNameTable(TableName, DatabaseName)) return 1;
+  TDicTableDescription Description;
+  if (!BaseMng().TableExists(TableName, DatabaseName, false)) {
+    CreateStructure(TableName, Description, TableScriptPart, true);
+    FEnd = TEnd::Made;
+    return 1;
+  }
+  if (!MayOverwrite()) return 1;
+  FReplaces = true;
+  if (MaySaveData()) {
+    Recreate();
+  } else {
+    CreateStructure(TableName, Description, TableScriptPart, true);
+    FEnd = TEnd::Emptied;
+  }
+  return 1;
+}
+
+bool TUORecreateTable::MayOverwrite() { return AskYesNo(OverWrite, "M_Velkrund_DicUtils_RecreateOverwriteConfirm"); }
+
+bool TUORecreateTable::MaySaveData() { return AskYesNo(SaveData, "M_Velkrund_DicUtils_SaveTableDataConfirm"); }
+
+bool TUORecreateTable::AskYesNo(TYesNoAsk& Ask, std::string_view Key) {
+  if (!Ask.FAlwaysAsk) return Ask.FYes;
+  Ask.fAskCallbackString = Format(BaseMng().LString(Key), TableName);
+  if (Ask.FCallback)
+    Ask.FCallback(Ask, this);
+  else
+    Ask.FYes = uoMessageBox(0, ToUtf16(Ask.fAskCallbackString), ToUtf16(BaseMng().LString("ST_CONFIRMATION")),
+                            MB_YESNO | MB_ICONQUESTION, 0, 0) == IDYES;
+  return Ask.FYes;
+}
+
+void TUORecreateTable::Recreate() {
+  TDicTableDescription Description;
+  RefuseTemporary();
+  CreateStructure(TemporaryTableName, Description, TTableScriptPart::Table, false);
+  TTemporary Temporary(*this);
+  if (FillTemporary()) {
+    Rebuild();
+    FEnd = TEnd::Rebuilt;
+  }
+  Temporary.Drop();
+}
+
+/// One that somebody else has left, or works with, may hold rows that are nowhere else.
+void TUORecreateTable::RefuseTemporary() const {
+  if (!BaseMng().TableExists(TemporaryTableName, DatabaseName, true)) return;
+  throw EDicUtilError(Format("Can not recreate the table '%s': there is a table '%s' in the database already. It may "
+                             "hold the rows of a recreation that was broken off: look at them, then drop or rename it",
+                             TableName, TemporaryTableName),
+                      {.Table = TableName});
+}
+
+bool TUORecreateTable::FillTemporary() {
+  TTransaction Transaction(DatabaseName);
+  bool Filled = false;
+  if (const std::unique_ptr<TTable> Old = BaseMng().GetSystemTable(TableName, DatabaseName)) {
+    const std::unique_ptr<TTable> New = BaseMng().GetSystemTable(TemporaryTableName, DatabaseName);
+    if (!New)
+      throw EDicUtilError(
+          Format("Can not recreate the table '%s': the table '%s' cannot be opened", TableName, TemporaryTableName),
+          {.Table = TableName});
+    FTotal = Old->RecordCount();
+    FTotal += FTotal / 4;
+    Filled = CopyRows(*Old, *New) && !IsCanceled();
+    if (!Filled) return false;
+  }
+  Transaction.Commit();
+  return Filled;
+}
+
+bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
+  TDicTableDescription Table;
+  static_cast<void>(Dictionary().GetDicTable(DatabaseName).GetTableInfo(TableName, Table));
+  const auto IsComputed = [&](const std::string& Name) {
+    return std::any_of(Table.Fields.begin(), Table.Fields.end(),
+                       [&](const TDicField& Field) { return Field.Name == Name && Field.Computed; });
+  };
+  TTableRowCopy Copy(
+      Old, New, [&](const std::string& Name) { return IsComputed(Name) ? std::string() : FindFieldMapping(Name); });
+  CarryBLOBTables(Copy, Table);
+  const auto Show = [this](std::int64_t Rows) {
+    FRows = Rows;
+    ReportProgress(FOnShowProgress, Rows, FTotal, TableName);
+  };
+  if (TODBCBaseManager* const BaseManager = BaseMng().GetODBCBaseManager(DatabaseName)) {
+    BaseMng().Notice(Format("copying the rows of table '%s'", TableName));
+    if (const auto Rows = Copy.CopyByStatement(*BaseManager)) return Show(*Rows), true;
+  }
+  const bool Whole = Copy.CopyByRecord([&](std::int64_t Rows) {
+    Show(Rows);
+    return !IsCanceled();
+  });
+  FLost = Copy.LostFields();
+  return Whole;
+}
+
+void TUORecreateTable::CarryBLOBTables(TTableRowCopy& Copy, const TDicTableDescription& Table) const {
+  for (const TDicField& Field : Table.Fields) {
+    const std::string Inside = TableName + "." + Field.Name;
+    const bool IsCarried = Copy.IsBLOB(Field.Name) && !ExcludedBLOBTableField(Field.Name) &&
+                           DSPContainer().Table(DatabaseName).DSPStructureExist(UpperCase(Inside), TableObjectType);
+    if (!IsCarried) continue;
+    TDicTableDescription Structure;
+    if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Inside, Structure))
+      throw EDicUtilError(Format("Error getting BLOB table in field '%s' in the table '%s'", Field.Name, TableName),
+                          {.Table = TableName, .Column = Field.Name});
+    const TBLOBFieldMapping* const Mapping = BLOBFieldMappingList.GetMappingByField(Field.Name);
+    Copy.CarryTables(Field.Name, std::make_unique<TBLOBTableCopy>(TableName, Field.Name, Structure,
+                                                                  Mapping ? Mapping->Mapping : TStringPairs()));
+  }
+}
+
+void TUORecreateTable::Rebuild() {
+  TDicTableDescription Description;
+  CreateStructure(TableName, Description, TTableScriptPart::Table, true);
+  TODBCBaseManager* const BaseManager = BaseMng().GetODBCBaseManager(DatabaseName);
+  if (!BaseManager)
+    throw EDicUtilError(Format("Can not recreate the table '%s': its database has no statements on tables", TableName),
+                        {.Table = TableName});
+  BaseMng().Notice(Format("filling the table '%s'", TableName));
+  FRows = BaseManager->CopyTableData(BaseMng().GetTableName(TemporaryTableName, DatabaseName),
+                                     BaseMng().GetTableName(TableName, DatabaseName), false);
+  ReportProgress(FOnShowProgress, FTotal, FTotal, TableName);
+  if (TableScriptPart != TTableScriptPart::Table) CreateStructure(TableName, Description, TTableScriptPart::Rest, true);
+}
+
+void TUORecreateTable::CreateStructure(const std::string& Name, TDicTableDescription& Description,
+                                       TTableScriptPart Part, bool CreateIndex) {
+  WriteLog(TTraceLevel::Info, CreationLine("beg", Name, CreateIndex));
+  const struct TEndLine {
+    const TUORecreateTable& Operation;
+    const std::string Line;
+    ~TEndLine() { Operation.WriteLog(TTraceLevel::Info, Line); }
+  } End{*this, CreationLine("end(fin)", Name, CreateIndex)};
+  if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(TableName, Description))
+    throw EDicUtilError(Format("Can not create table. Error reading dictionary structure (Table:'%s';Database:'%s')",
+                               TableName, DatabaseName),
+                        {.Code = TErrorCode::StructureMissing, .Table = TableName});
+  const std::string Pattern =
+      Dictionary().GetCreateTablePatternString(Dictionary().GetPatternName(TableName, DatabaseName), DatabaseName);
+  SetName(Description, Name);
+  if (!CreateIndex) Description.Indexes.clear();
+  WriteLog(TTraceLevel::Info, "CreateTable with Pattern =\"" + Pattern + "\"; ");
+  Dictionary().CreateTableByDef(DatabaseName, Description, Pattern, Part, FReplaces && !IsTemporary(Name));
+  WriteLog(TTraceLevel::Info, CreationLine("end(ok)", Name, CreateIndex));
+}
+
+/// A table that is there keeps the case of its name.
+void TUORecreateTable::SetName(TDicTableDescription& Description, const std::string& Name) const {
+  if (IsTemporary(Name)) return MakeTemporary(Description);
+  const std::string Physical = FReplaces ? BaseMng().GetTableName(Name, DatabaseName) : Description.FullName();
+  if (!SameText(Physical, Description.FullName())) return;
+  const std::size_t Schema = Description.Schema.size();
+  Description.Schema = Physical.substr(0, Schema);
+  Description.Name = Physical.substr(Schema == 0 ? 0 : Schema + 1);
+}
+
+void TUORecreateTable::MakeTemporary(TDicTableDescription& Description) const {
+  const std::unique_ptr<TTable> Old = BaseMng().GetSystemTable(TableName, DatabaseName);
+  Description = TemporaryTable(std::move(Description), [&](const TDicField& Field) {
+    return Old && Old->FindField(FindFieldMapping(Field.Name)) != nullptr;
+  });
+}
+
+std::string TUORecreateTable::CreationLine(const char* Step, const std::string& Name, bool) const {
+  return Format("%s-CreateStructure; Create table '%s'; DB: %s", Step, Name, DatabaseName);
+}
+
+std::string TUORecreateTable::DropLine(const char* Step) const {
+  return Format("%s-DeleteTempTable; Drop table '%s'; DB: %s", Step, TemporaryTableName, DatabaseName);
+}
+
+void TUORecreateTable::DeleteTempTable() {
+  WriteLog(TTraceLevel::Info, DropLine("beg"));
+  if (TODBCBaseManager* const BaseManager = BaseMng().GetODBCBaseManager(DatabaseName))
+    BaseManager->DropTable(BaseMng().GetTableName(TemporaryTableName, DatabaseName));
+  WriteLog(TTraceLevel::Info, DropLine("end"));
+  LogExistence();
+}
+
+void TUORecreateTable::LogExistence() const {
+  const auto Log = [&](const char* Check, const char* How, bool Exists) {
+    WriteLog(TTraceLevel::Info,
+             Format("%s of table '%s'(db = '%s', desc1 = '%s', desc2 = '%s') after creation/deleting: %d", Check,
+                    TemporaryTableName, DatabaseName, "DeleteTempTable", How, Exists ? 1 : 0));
+  };
+  Log("Existence_1", "by name", BaseMng().TableExists(TemporaryTableName, DatabaseName, false));
+  Log("Existence_2", "by opening", BaseMng().GetSystemTable(TemporaryTableName, DatabaseName) != nullptr);
+}
+
+std::string TUORecreateTable::FindBLOBFieldMapping(const std::string& FieldName, const std::string& NewName) const {
+  const TBLOBFieldMapping* const Mapping = BLOBFieldMappingList.GetMappingByField(FieldName);
+  return Mapping ? OldNameFor(Mapping->Mapping, NewName) : NewName;
+}
+
+bool TUORecreateTable::ExcludedBLOBTableField(const std::string& FieldName) const {
+  return ExcludedBLOBTableFields.IndexOf(FieldName) >= 0;
+}
+
+}  // namespace velkrund

@@ -1,0 +1,121 @@
+#include "velkrund/dictionary/RecreateTables.h"
+
+#include "velkrund/dictionary/ListQuestion.h"
+#include "velkrund/dictionary/TemporaryTable.h"
+#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/NameLengths.h"
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+bool AskInBox(const std::string& Text) {
+  return uoMessageBox(0, ToUtf16(Text), ToUtf16(BaseMng().LString("ST_CONFIRMATION")), MB_YESNO | MB_ICONQUESTION,
+                      IDYES, IDNO) == IDYES;
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TUORecreateTables::Descriptor =
+    OperationDescriptor<TUORecreateTables>("TUORecreateTables");
+
+/// One of the list, which its lines of the trace tell.
+class TUORecreateTables::TOne final : public TUORecreateTable {
+  std::string CreationLine(const char* Step, const std::string& Name, bool CreateIndex) const override {
+    return Format("%s-CreateStructure1; Create table '%s'; StructureName: '%s'; CreateIndex: %d; DB: %s", Step, Name,
+                  TableName, CreateIndex ? 1 : 0, DatabaseName);
+  }
+  std::string DropLine(const char* Step) const override {
+    return Format("%s-DeleteTempTable1; Drop table '%s'; DB: %s", Step, TemporaryTableName, DatabaseName);
+  }
+};
+
+TUORecreateTables::TUORecreateTables() { OverWrite.FYes = SaveData.FYes = true; }
+
+int TUORecreateTables::Execute() {
+  FResults.clear();
+  for (int Index = 0; Index < TableNames.Count(); ++Index) {
+    const std::string& Name = TableNames[Index];
+    ShowProgress(Index, TableNames.Count(), Name);
+    if (IsCanceled()) break;
+    if (!Name.empty() && !Recreate(Name, Index)) return 0;
+  }
+  return 1;
+}
+
+bool TUORecreateTables::Recreate(const std::string& Name, int Index) {
+  FResults.push_back({.TableName = Name});
+  if (OverWrite.FAlwaysAsk && !IsTableDescExists(Name, DatabaseName)) return MayGoOnWithout(Name);
+  const std::unique_ptr<TUORecreateTable> Operation = OperationOf(Name, Index);
+  if (BaseMng().TableExists(Name, DatabaseName, false)) {
+    const auto TextOf = [&](std::string_view Key) { return Format(BaseMng().LString(Key), Name); };
+    const bool Goes = AskOfList(OverWrite, TextOf("M_Velkrund_DicUtils_RecreateOverwriteConfirm"), this);
+    if (OverWrite.FCancel) return false;
+    if (!Goes) return true;
+    Operation->SaveData.FYes = AskOfList(SaveData, TextOf("M_Velkrund_DicUtils_SaveDataAskConfirm"), this);
+    if (SaveData.FCancel) return false;
+  }
+  Run(*Operation);
+  return true;
+}
+
+bool TUORecreateTables::MayGoOnWithout(const std::string& Name) {
+  return AskInBox(Format(BaseMng().LString("M_Velkrund_DicUtils_TableForRecreateNotFound"), Name));
+}
+
+std::unique_ptr<TUORecreateTable> TUORecreateTables::OperationOf(const std::string& Name, int Index) {
+  auto Result = std::make_unique<TOne>();
+  Result->Owner = this;
+  Result->DatabaseName = DatabaseName;
+  Result->TableName = Name;
+  Result->FieldMapping = MappingOf(Name);
+  Result->TableScriptPart = TableScriptPart;
+  Result->FOnShowProgress = [this, Index](std::int32_t Current, std::int32_t Total, std::string_view Table) {
+    constexpr std::int32_t Thousandths = 1000;
+    const std::int32_t Share = Total > 0 ? static_cast<std::int32_t>(std::int64_t{Current} * Thousandths / Total) : 0;
+    ShowProgress(Index * Thousandths + Share, TableNames.Count() * Thousandths, Table);
+  };
+  return Result;
+}
+
+void TUORecreateTables::Run(TUORecreateTable& Operation) {
+  TResult& Result = FResults.back();
+  try {
+    TTransaction Transaction(DatabaseName);
+    RecreateOne(Operation);
+    if (IsCanceled()) return;
+    Transaction.Commit();
+    Result.End = Operation.End();
+    Result.Rows = Operation.Rows();
+  } catch (const EAbort&) {
+    throw;
+  } catch (const EQuestionUnanswered&) {
+    throw;
+  } catch (const std::exception& Error) {
+    Result.Error = std::current_exception();
+    ContinueOrRaise(Error);
+  }
+}
+
+void TUORecreateTables::ContinueOrRaise(const std::exception& Error) {
+  const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_ErrorOnRecreateTable") + "\r\n" + Error.what();
+  WriteLog(TTraceLevel::Info, Report);
+  if (!AskInBox(Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"))) throw;
+}
+
+TStringPairs TUORecreateTables::MappingOf(const std::string& Name) const {
+  TStringPairs Result;
+  const std::string Prefix = Name + ".";
+  for (const auto& [Old, New] : FieldMapping) {
+    const bool IsOfTable = Old.size() > Prefix.size() && SameText(Old.substr(0, Prefix.size()), Prefix);
+    Result.emplace_back(IsOfTable ? Old.substr(Prefix.size()) : Old, New);
+  }
+  return Result;
+}
+
+}  // namespace velkrund

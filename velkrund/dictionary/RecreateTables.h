@@ -1,0 +1,57 @@
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "velkrund/dictionary/RecreateTable.h"
+
+namespace velkrund {
+
+/// Makes several tables anew, one after the other, each in a transaction of its own, so that what fails with one leaves
+/// it as it was. After an error a person is asked whether to go on; No raises it.
+class TUORecreateTables : public TDatabaseUtilOperation {
+ public:
+  TUORecreateTables();
+
+  /// 1; 0: ended by an answer.
+  int Execute() override;
+
+  TStringList TableNames;     // empty ones are passed over
+  TYesNoCancelAsk OverWrite;  // as of TUORecreateTable; answers for all are kept
+  TYesNoCancelAsk SaveData;
+  TStringPairs FieldMapping;  // old name, new name; an old name may stand behind that of its table: "ORDERS.SUM"
+  TTableScriptPart TableScriptPart = TTableScriptPart::All;
+
+  /// What became of the tables of the last run that it has come to.
+  struct TResult {
+    std::string TableName;
+    TUORecreateTable::TEnd End = TUORecreateTable::TEnd::LeftAlone;
+    std::int64_t Rows = 0;
+    std::exception_ptr Error = nullptr;
+  };
+  const std::vector<TResult>& Results() const { return FResults; }
+
+  static const TUtilOperationDescriptor Descriptor;
+
+ protected:
+  /// Runs the operation of one table, in its transaction.
+  virtual void RecreateOne(TUORecreateTable& Operation) { Operation.Execute(); }
+
+ private:
+  class TOne;
+
+  /// False: an answer ends the list.
+  bool Recreate(const std::string& Name, int Index);
+  bool MayGoOnWithout(const std::string& Name);
+  std::unique_ptr<TUORecreateTable> OperationOf(const std::string& Name, int Index);
+  void Run(TUORecreateTable& Operation);
+  /// Within the handler of Error; raises it unless the list goes on.
+  void ContinueOrRaise(const std::exception& Error);
+  TStringPairs MappingOf(const std::string& Name) const;
+
+  std::vector<TResult> FResults;
+};
+
+}  // namespace velkrund

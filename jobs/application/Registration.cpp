@@ -3,6 +3,7 @@
 #include "jobs/databases/DatabaseInfo.h"
 #include "jobs/dictionary/AdoptObjects.h"
 #include "jobs/dictionary/ScriptObjects.h"
+#include "jobs/recreation/RecreateTables.h"
 #include "jobs/sections/CheckFiles.h"
 #include "jobs/sections/ImportFiles.h"
 #include "jobs/sections/ListSections.h"
@@ -23,7 +24,8 @@ void RegisterJobClasses() {
         &TJobImportStructures::Interface, &TJobImportFiles::Interface, &TJobListStructures::Interface,
         &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
         &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
-        &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobDatabaseInfo::Interface})
+        &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobRecreateTables::Interface,
+        &TJobDatabaseInfo::Interface})
     Classes.Register(TInterfaceClass(*Job));
 }
 

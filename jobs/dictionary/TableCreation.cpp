@@ -34,11 +34,6 @@ TScriptGap KeyToNowhere(const TDicTableDescription& Table, const TDicForeignKey&
           "that table is neither in the files nor in the database"};
 }
 
-TStandaloneDictionary& InstalledDictionary() {
-  if (auto* const Result = dynamic_cast<TStandaloneDictionary*>(&Dictionary())) return *Result;
-  throw EAccessViolation("A job needs the stand-alone platform, and another data dictionary is installed");
-}
-
 }  // namespace
 
 /// What the run has decided takes the place of questions.
@@ -105,14 +100,9 @@ TTableCreation::TTableCreation(TStandaloneManager& Manager, const TPolicies& Pol
     : FManager(Manager),
       FPolicies(Policies),
       FDatabaseName(std::move(DatabaseName)),
-      FDictionary(InstalledDictionary()),
-      FLongNames(Policies.LongNames),
-      FAllowedBefore(FDictionary.Gaps().Allow({Policies.AllowMissing.begin(), Policies.AllowMissing.end()})) {}
-
-TTableCreation::~TTableCreation() {
-  FDictionary.Gaps().Allow(std::move(FAllowedBefore));
-  FDictionary.Gaps().TakeNoted();
-}
+      FGaps(Policies),
+      FDictionary(FGaps.Dictionary()),
+      FLongNames(Policies.LongNames) {}
 
 void TTableCreation::AddStructure(TInputFile& Input, int Index) {
   const TEISection& Section = Input.File().Sections()[Index];
@@ -306,12 +296,7 @@ void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
         Format("the foreign keys of table '%s' hold for rows to come alone, since rows of it refer to "
                "nothing",
                Table));
-  std::map<std::string, int> Times;
-  std::vector<std::string> Texts;
-  for (const TScriptGap& Gap : FDictionary.Gaps().TakeNoted())
-    if (++Times[GapText(Gap)] == 1) Texts.push_back(GapText(Gap));
-  for (const std::string& Text : Texts)
-    Outcome.Notes.push_back("not made: " + Text + (Times[Text] > 1 ? Format(" (%d times)", Times[Text]) : ""));
+  for (std::string& Note : FGaps.TakeNotes()) Outcome.Notes.push_back(std::move(Note));
 }
 
 }  // namespace velkrund

@@ -3,16 +3,15 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "jobs/dictionary/AllowedGaps.h"
 #include "jobs/files/InputFile.h"
 #include "jobs/policies/LongNames.h"
 #include "jobs/report/Outcome.h"
 #include "jobs/report/PlanStep.h"
 #include "standalone/databases/StandaloneManager.h"
-#include "standalone/dictionary/StandaloneDictionary.h"
 #include "velkrund/operations/MissingTables.h"
 #include "velkrund/platform/dictionary/TableDescription.h"
 
@@ -25,7 +24,6 @@ class TTableCreation {
  public:
   /// Manager, Policies: borrowed.
   TTableCreation(TStandaloneManager& Manager, const TPolicies& Policies, std::string DatabaseName);
-  ~TTableCreation();
 
   /// Reads the structure of a table beforehand; sections that are none, or cannot be read, are passed over.
   void AddStructure(TInputFile& Input, int Index);
@@ -70,9 +68,9 @@ class TTableCreation {
   TStandaloneManager& FManager;
   const TPolicies& FPolicies;
   const std::string FDatabaseName;
+  TAllowedGaps FGaps;
   TStandaloneDictionary& FDictionary;
   TLongNames FLongNames;
-  std::set<std::string> FAllowedBefore;
   std::map<std::string, TEntry> FEntries;  // by full name in lower case
   std::vector<std::string> FMade, FCompleted, FUnchecked;
   bool FDeclined = false;

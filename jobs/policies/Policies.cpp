@@ -33,6 +33,8 @@ std::string_view Remedy(TPolicy Policy) {
       return "Set ExistingSections to replace, to add or to skip";
     case TPolicy::ExistingStructures:
       return "Set ExistingStructures to replace, to update or to skip";
+    case TPolicy::ExistingObjects:
+      return "Set ExistingObjects to replace or to skip";
     case TPolicy::OnError:
       return "Set OnError to continue or to stop";
     case TPolicy::CreateTables:

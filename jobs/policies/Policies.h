@@ -67,6 +67,7 @@ struct TPolicies {
   TExisting ExistingRows = TExisting::Ask;
   TExisting ExistingSections = TExisting::Ask;
   TExisting ExistingStructures = TExisting::Ask;
+  TExisting ExistingObjects = TExisting::Ask;  // tables, views and others that are made anew: Skip or Replace
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
   TRepeatedTables RepeatedTables = TRepeatedTables::Refuse;
@@ -91,6 +92,7 @@ enum class TPolicy {
   ExistingRows,
   ExistingSections,
   ExistingStructures,
+  ExistingObjects,
   OnError,
   CreateTables,
   LongNames,

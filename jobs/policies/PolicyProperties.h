@@ -12,6 +12,7 @@ struct TPolicyProperties {
   static constexpr std::string_view RowChoices[] = {"ask", "skip", "replace", "append"};
   static constexpr std::string_view SectionChoices[] = {"ask", "skip", "replace", "add"};
   static constexpr std::string_view StructureChoices[] = {"ask", "skip", "replace", "update"};
+  static constexpr std::string_view ObjectChoices[] = {"ask", "skip", "replace"};
   static constexpr std::string_view ErrorChoices[] = {"ask", "continue", "stop"};
   static constexpr std::string_view FieldChoices[] = {"skip", "refuse"};
   static constexpr std::string_view CommitChoices[] = {"run", "each"};
@@ -33,6 +34,8 @@ struct TPolicyProperties {
   static constexpr TProperty ExistingStructures = ChoiceOf<Record, &TPolicies::ExistingStructures>(
       "ExistingStructures", "a structure that is stored already: ask, leave it as it is, replace it, update it",
       StructureChoices);
+  static constexpr TProperty ExistingObjects = ChoiceOf<Record, &TPolicies::ExistingObjects>(
+      "ExistingObjects", "what is in the database already: ask, leave it as it is, make it anew", ObjectChoices);
   static constexpr TProperty OnError = ChoiceOf<Record, &TPolicies::OnError>(
       "OnError", "after something failed: ask, go on with the next one, stop", ErrorChoices);
   static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(

@@ -24,6 +24,13 @@ bool IsTemporary(const std::string& Name) { return Name == TemporaryTableName; }
 
 }  // namespace
 
+void KeepPhysicalName(TDicTableDescription& Description, const std::string& Physical) {
+  if (!SameText(Physical, Description.FullName())) return;
+  const std::size_t Schema = Description.Schema.size();
+  Description.Schema = Physical.substr(0, Schema);
+  Description.Name = Physical.substr(Schema == 0 ? 0 : Schema + 1);
+}
+
 constinit const TUtilOperationDescriptor TUORecreateTable::Descriptor =
     OperationDescriptor<TUORecreateTable>("TUORecreateTable");
 
@@ -63,7 +70,7 @@ int TUORecreateTable::Execute() {
     throw EDicUtilError(Format("Can not create table. Dictionary structure not found (Table:'%s';Database:'%s')",
                                TableName, DatabaseName),
                         {.Code = TErrorCode::StructureMissing, .Table = TableName});
-  if (AskCancelCreateLongNameTable(TableName, DatabaseName)) return 1;
+  if (!TakesLongNames && AskCancelCreateLongNameTable(TableName, DatabaseName)) return 1;
   TDicTableDescription Description;
   if (!BaseMng().TableExists(TableName, DatabaseName, false)) {
     CreateStructure(TableName, Description, TableScriptPart, true);
@@ -215,11 +222,7 @@ void TUORecreateTable::CreateStructure(const std::string& Name, TDicTableDescrip
 /// A table that is there keeps the case of its name.
 void TUORecreateTable::SetName(TDicTableDescription& Description, const std::string& Name) const {
   if (IsTemporary(Name)) return MakeTemporary(Description);
-  const std::string Physical = FReplaces ? BaseMng().GetTableName(Name, DatabaseName) : Description.FullName();
-  if (!SameText(Physical, Description.FullName())) return;
-  const std::size_t Schema = Description.Schema.size();
-  Description.Schema = Physical.substr(0, Schema);
-  Description.Name = Physical.substr(Schema == 0 ? 0 : Schema + 1);
+  if (FReplaces) KeepPhysicalName(Description, BaseMng().GetTableName(Name, DatabaseName));
 }
 
 void TUORecreateTable::MakeTemporary(TDicTableDescription& Description) const {

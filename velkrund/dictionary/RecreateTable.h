@@ -15,6 +15,10 @@ namespace velkrund {
 class TTable;
 class TTableRowCopy;
 
+/// Gives the description of a table the name of the one that is there, where they differ in case alone. Physical: the
+/// full name.
+void KeepPhysicalName(TDicTableDescription& Description, const std::string& Physical);
+
 /// Makes a table anew as its structure describes it, and carries its rows over: into a temporary table, which is
 /// committed, then back into the new one. The new table has no views, rights or other things around it but what the
 /// structure says.
@@ -38,6 +42,7 @@ class TUORecreateTable : public TDatabaseUtilOperation {
   TBLOBFieldMappingList BLOBFieldMappingList;  // the same of the tables inside BLOB fields, which structures describe
   TStringList ExcludedBLOBTableFields;         // BLOB fields that are copied as they are
   TTableScriptPart TableScriptPart = TTableScriptPart::All;  // what is made; Table: neither triggers nor comments
+  bool TakesLongNames = false;                               // a long name is not asked about
 
   // All names in any case.
   std::string FindFieldMapping(const std::string& NewName) const { return OldNameFor(FieldMapping, NewName); }

@@ -75,6 +75,7 @@ std::unique_ptr<TUORecreateTable> TUORecreateTables::OperationOf(const std::stri
   Result->TableName = Name;
   Result->FieldMapping = MappingOf(Name);
   Result->TableScriptPart = TableScriptPart;
+  Result->TakesLongNames = TakesLongNames;
   Result->FOnShowProgress = [this, Index](std::int32_t Current, std::int32_t Total, std::string_view Table) {
     constexpr std::int32_t Thousandths = 1000;
     const std::int32_t Share = Total > 0 ? static_cast<std::int32_t>(std::int64_t{Current} * Thousandths / Total) : 0;
@@ -105,7 +106,11 @@ void TUORecreateTables::Run(TUORecreateTable& Operation) {
 void TUORecreateTables::ContinueOrRaise(const std::exception& Error) {
   const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_ErrorOnRecreateTable") + "\r\n" + Error.what();
   WriteLog(TTraceLevel::Info, Report);
-  if (!AskInBox(Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"))) throw;
+  if (!MayGoOn(Error, Report)) throw;
+}
+
+bool TUORecreateTables::MayGoOn(const std::exception&, const std::string& Report) {
+  return AskInBox(Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"));
 }
 
 TStringPairs TUORecreateTables::MappingOf(const std::string& Name) const {

@@ -23,6 +23,7 @@ class TUORecreateTables : public TDatabaseUtilOperation {
   TYesNoCancelAsk SaveData;
   TStringPairs FieldMapping;  // old name, new name; an old name may stand behind that of its table: "ORDERS.SUM"
   TTableScriptPart TableScriptPart = TTableScriptPart::All;
+  bool TakesLongNames = false;
 
   /// What became of the tables of the last run that it has come to.
   struct TResult {
@@ -38,6 +39,9 @@ class TUORecreateTables : public TDatabaseUtilOperation {
  protected:
   /// Runs the operation of one table, in its transaction.
   virtual void RecreateOne(TUORecreateTable& Operation) { Operation.Execute(); }
+  /// Within the handler of Error: whether the others are gone on with; by default a person is asked. Report: the error
+  /// in words.
+  virtual bool MayGoOn(const std::exception& Error, const std::string& Report);
 
  private:
   class TOne;

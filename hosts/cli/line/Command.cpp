@@ -16,15 +16,18 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"CreateTables", "--create-tables"},
     {"DatabaseName", "--database"},
     {"Columns", "--columns"},
+    {"DropData", "--drop-data"},
     {"Encoding", "--encoding"},
     {"Engine", "--engine"},
     {"ExistingSections", "--overwrite"},
+    {"ExistingObjects", "--overwrite"},
     {"ExistingStructures", "--overwrite yes"},
     {"Fields", "--fields"},
     {"FileNames", "--input"},
     {"Indexes", "INDEX"},
     {"Lenient", "--lenient"},
     {"LongNames", "--long-names"},
+    {"Mapping", "--map"},
     {"Merge", "--merge"},
     {"MissingFields", "--missing-fields"},
     {"MissingSources", "--missing"},
@@ -35,6 +38,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"Names", "--name"},
     {"NewFile", "--new"},
     {"ObjectName", "--name"},
+    {"ObjectNames", "NAME"},
     {"ObjectType", "--type"},
     {"ReleaseVersion", "--release"},
     {"RepeatedTables", "--repeated-tables"},
@@ -42,6 +46,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"Structures", "--structures"},
     {"SectionName", "--section"},
     {"Sections", "--section"},
+    {"StartValue", "--start-value"},
     {"TableName", "--table"},
 };
 
@@ -55,6 +60,8 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
       return "--overwrite yes to replace, --overwrite no to leave it out, or --add to keep both";
     case TPolicy::ExistingStructures:
       return "--overwrite yes to replace them, or --overwrite no to leave them out";
+    case TPolicy::ExistingObjects:
+      return "--overwrite yes to make them anew, or --overwrite no to leave them as they are";
     case TPolicy::OnError:
       return "--on-error continue or --on-error stop";
     case TPolicy::CreateTables:

@@ -28,6 +28,7 @@ struct TCommandTexts {
   std::string_view Usage;    // the options that matter, in short
   std::string_view Details;  // paragraphs between empty lines
   std::vector<TExample> Examples;
+  std::string_view Plural = {};  // another spelling of the object; empty: there is none
 };
 
 /// One command of the program. Its options are declared before a command line is parsed into it; then it runs once.

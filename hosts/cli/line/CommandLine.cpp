@@ -163,7 +163,9 @@ class TLine {
   }
   TCommand* Find(const std::string& Verb, const std::string& Object) const {
     for (const auto& Command : FCommands)
-      if (Command->Texts().Verb == Verb && Command->Texts().Object == Object) return Command.get();
+      if (const TCommandTexts& Texts = Command->Texts();
+          Texts.Verb == Verb && (Texts.Object == Object || (!Object.empty() && Texts.Plural == Object)))
+        return Command.get();
     return nullptr;
   }
   const TDeclaredCommand& Declared(const TCommand& Command) const {

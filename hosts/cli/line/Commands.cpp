@@ -9,6 +9,7 @@ TCommands AllCommands() {
   Result.push_back(MakeImportTable());
   Result.push_back(MakeImportStructure());
   Result.push_back(MakeImportFile());
+  Result.push_back(MakeRecreateTable());
   Result.push_back(MakeDictionaryList());
   Result.push_back(MakeDictionaryShow());
   Result.push_back(MakeDictionaryDrop());

@@ -18,6 +18,7 @@ std::unique_ptr<TCommand> MakeExportStructure();
 std::unique_ptr<TCommand> MakeImportTable();
 std::unique_ptr<TCommand> MakeImportStructure();
 std::unique_ptr<TCommand> MakeImportFile();
+std::unique_ptr<TCommand> MakeRecreateTable();
 std::unique_ptr<TCommand> MakeDictionaryList();
 std::unique_ptr<TCommand> MakeDictionaryShow();
 std::unique_ptr<TCommand> MakeDictionaryDrop();

@@ -1,5 +1,7 @@
 #include "hosts/cli/line/Option.h"
 
+#include "hosts/cli/line/Command.h"
+#include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -38,6 +40,21 @@ TOption CommaList(std::string Names, std::string Value, std::string Help, std::v
   Result.Set = [&Target](const std::vector<std::string>& Values) {
     for (const std::string& Text : Values)
       for (std::string& Name : CommaSeparated(Text)) Target.push_back(std::move(Name));
+  };
+  return Result;
+}
+
+TOption Pairs(std::string Names, std::string Value, std::string Help,
+              std::vector<std::pair<std::string, std::string>>& Target) {
+  TOption Result{std::move(Names), std::move(Value), std::move(Help), {}};
+  Result.Repeatable = true;
+  Result.Set = [&Target, Name = Result.Name(), Value = Result.Value](const std::vector<std::string>& Values) {
+    for (const std::string& Text : Values) {
+      const std::size_t Sign = Text.find('=');
+      if (Sign == Text.npos || Sign == 0 || Sign + 1 == Text.size())
+        throw EUsage(Format("%s takes %s, not '%s'", Name, Value, Text));
+      Target.emplace_back(Text.substr(0, Sign), Text.substr(Sign + 1));
+    }
   };
   return Result;
 }

@@ -43,6 +43,10 @@ TOption List(std::string Names, std::string Value, std::string Help, std::vector
 /// May be given several times, and each time with several names between commas.
 TOption CommaList(std::string Names, std::string Value, std::string Help, std::vector<std::string>& Target);
 
+/// May be given several times, each time with two texts: "a=b". The first "=" parts them.
+TOption Pairs(std::string Names, std::string Value, std::string Help,
+              std::vector<std::pair<std::string, std::string>>& Target);
+
 template <typename T>
 TOption Choice(std::string Names, std::string Help, std::vector<std::pair<std::string, T>> Choices, T& Target) {
   TOption Result{std::move(Names), {}, std::move(Help), {}};

@@ -1,5 +1,7 @@
 #include "hosts/cli/line/SharedOptions.h"
 
+#include "velkrund/platform/ormtools/Format.h"
+
 namespace velkrund {
 
 TOption TSharedOptions::DatabaseOption() {
@@ -77,22 +79,36 @@ std::vector<TOption> TSharedOptions::CreatingOptions(TPolicies& Policies) {
                                 "rows out (default: ask)",
                                 {{"ask", TCreateTables::Ask}, {"yes", TCreateTables::Yes}, {"no", TCreateTables::No}},
                                 Policies.CreateTables),
-          Choice<TLongNamePolicy>(
-              "--long-names",
-              "tables to be made whose names some databases do not take, beyond 30 characters, or "
-              "22 with an automatic key: ask, keep the name, which the report counts, or do not "
-              "make them (default: keep)",
-              {{"ask", TLongNamePolicy::Ask}, {"keep", TLongNamePolicy::Keep}, {"cancel", TLongNamePolicy::Cancel}},
-              Policies.LongNames),
+          LongNamesOption(Policies, "tables to be made"),
           Choice<TMadeNames>("--names",
                              "of tables that are made, their fields, keys and indexes: as they are described, or in "
                              "lower case (default: keep)",
                              {{"keep", TMadeNames::Keep}, {"lower", TMadeNames::Lower}}, Policies.Names),
-          CommaList("--allow-missing", "KIND,...",
-                    "what may be left out where the engine has no words for it, and the report names: checks, "
-                    "collations, computed, defaults, generators, indexes, keys, options, procedures, references, "
-                    "schemas, triggers, types, views",
-                    Policies.AllowMissing)};
+          AllowMissingOption(Policies)};
+}
+
+TOption TSharedOptions::LongNamesOption(TPolicies& Policies, std::string_view What) {
+  return Choice<TLongNamePolicy>(
+      "--long-names",
+      Format("%s whose names some databases do not take, beyond 30 characters, or 22 with an automatic key: ask, keep "
+             "the name, which the report counts, or do not make them (default: keep)",
+             What),
+      {{"ask", TLongNamePolicy::Ask}, {"keep", TLongNamePolicy::Keep}, {"cancel", TLongNamePolicy::Cancel}},
+      Policies.LongNames);
+}
+
+TOption TSharedOptions::AllowMissingOption(TPolicies& Policies) {
+  return CommaList("--allow-missing", "KIND,...",
+                   "what may be left out where the engine has no words for it, and the report names: checks, "
+                   "collations, computed, defaults, generators, indexes, keys, options, procedures, references, "
+                   "schemas, triggers, types, views",
+                   Policies.AllowMissing);
+}
+
+TOption TSharedOptions::OverwriteObjectsOption(TPolicies& Policies) {
+  return Choice<TExisting>("--overwrite", "what is there already: make it anew, or leave it as it is (default: ask)",
+                           {{"ask", TExisting::Ask}, {"yes", TExisting::Replace}, {"no", TExisting::Skip}},
+                           Policies.ExistingObjects);
 }
 
 TOption TSharedOptions::DryRunOption(TPolicies& Policies) {

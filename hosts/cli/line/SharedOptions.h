@@ -30,6 +30,10 @@ struct TSharedOptions {
   static TOption ColumnsOption(TPolicies& Policies);
   /// For commands that make tables: whether they may, and what may be left out.
   static std::vector<TOption> CreatingOptions(TPolicies& Policies);
+  /// --overwrite, for what is made anew; and what else one can say of it.
+  static TOption OverwriteObjectsOption(TPolicies& Policies);
+  static TOption LongNamesOption(TPolicies& Policies, std::string_view What);
+  static TOption AllowMissingOption(TPolicies& Policies);
   static TOption DryRunOption(TPolicies& Policies);
   /// --overwrite, for structures that are there.
   static TOption OverwriteStructuresOption(TPolicies& Policies);

@@ -1,0 +1,35 @@
+#include "jobs/dictionary/AllowedGaps.h"
+
+#include <map>
+#include <utility>
+
+#include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
+
+namespace velkrund {
+
+TStandaloneDictionary& InstalledDictionary() {
+  if (auto* const Result = dynamic_cast<TStandaloneDictionary*>(&Dictionary())) return *Result;
+  throw EAccessViolation("A job needs the stand-alone platform, and another data dictionary is installed");
+}
+
+TAllowedGaps::TAllowedGaps(const TPolicies& Policies)
+    : FDictionary(InstalledDictionary()),
+      FAllowedBefore(FDictionary.Gaps().Allow({Policies.AllowMissing.begin(), Policies.AllowMissing.end()})) {}
+
+TAllowedGaps::~TAllowedGaps() {
+  FDictionary.Gaps().Allow(std::move(FAllowedBefore));
+  FDictionary.Gaps().TakeNoted();
+}
+
+std::vector<std::string> TAllowedGaps::TakeNotes() {
+  std::map<std::string, int> Times;
+  std::vector<std::string> Texts, Result;
+  for (const TScriptGap& Gap : FDictionary.Gaps().TakeNoted())
+    if (++Times[GapText(Gap)] == 1) Texts.push_back(GapText(Gap));
+  for (const std::string& Text : Texts)
+    Result.push_back("not made: " + Text + (Times[Text] > 1 ? Format(" (%d times)", Times[Text]) : ""));
+  return Result;
+}
+
+}  // namespace velkrund

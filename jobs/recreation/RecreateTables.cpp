@@ -1,0 +1,311 @@
+#include "jobs/recreation/RecreateTables.h"
+
+#include <algorithm>
+
+#include "jobs/recreation/TableChanges.h"
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/dictionary/Dictionary.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobRecreateTables;
+
+constexpr TProperty Properties[] = {
+    PropertyOf<&TRecreationJob::Names>("ObjectNames", "the tables to make anew"),
+    PropertyOf<&TThis::Mapping>("Mapping", "fields with other names now: old=new, table.old=new, blobfield.old=new"),
+    PropertyOf<&TThis::DropData>("DropData", "the rows are not carried over, but dropped with the old table"),
+    TPolicyRows::ExistingObjects,
+    TPolicyRows::MissingFields,
+    TPolicyRows::AllowMissing,
+    TPolicyRows::LongNames,
+    TPolicyRows::OnError,
+    TPolicyRows::DryRun,
+};
+
+std::string Quoted(const std::vector<std::string>& Names) {
+  std::vector<std::string> Result;
+  for (const std::string& Name : Names) Result.push_back(Format("'%s'", Name));
+  return Joined(Result);
+}
+
+std::vector<std::string> FieldNames(const TTableDescription& Table) {
+  std::vector<std::string> Result;
+  for (const TColumnInfo& Column : Table.Columns) Result.push_back(Column.Name);
+  return Result;
+}
+
+std::vector<std::string> FieldNames(const TDicTableDescription& Table) {
+  std::vector<std::string> Result;
+  for (const TDicField& Field : Table.Fields) Result.push_back(Field.Name);
+  return Result;
+}
+
+bool Has(const std::vector<std::string>& Names, const std::string& Name) {
+  return std::any_of(Names.begin(), Names.end(), [&](const std::string& Each) { return SameText(Each, Name); });
+}
+
+/// Text behind "Prefix."; empty when it does not begin so.
+std::string Behind(const std::string& Prefix, const std::string& Text) {
+  const bool Begins =
+      Text.size() > Prefix.size() + 1 && Text[Prefix.size()] == '.' && SameText(Text.substr(0, Prefix.size()), Prefix);
+  return Begins ? Text.substr(Prefix.size() + 1) : std::string();
+}
+
+/// While it lives, nobody is told what takes its time.
+class TInSilence {
+ public:
+  explicit TInSilence(TDatabases& Databases) : FDatabases(Databases), FBefore(Databases.SetNotice({})) {}
+  TInSilence(const TInSilence&) = delete;
+  TInSilence& operator=(const TInSilence&) = delete;
+  ~TInSilence() { FDatabases.SetNotice(std::move(FBefore)); }
+
+ private:
+  TDatabases& FDatabases;
+  TDatabases::TNotice FBefore;
+};
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobRecreateTables");
+constinit const TInterfaceDescriptor TThis::Interface =
+    TJobInterface<TThis>::Describe("TJobRecreateTablesInterface", {&JobProperties, Properties});
+
+/// The list, with the answers that the job has, and each table kept together.
+class TThis::TList final : public TUORecreateTables {
+ public:
+  TList(TJobRecreateTables& Job, TAllowedGaps& Gaps) : FJob(Job), FGaps(Gaps) {}
+
+ private:
+  void RecreateOne(TUORecreateTable& Operation) override { FJob.Recreate(Operation, FGaps); }
+  bool MayGoOn(const std::exception&, const std::string&) override { return FJob.MayGoOn(*FJob.Find(FJob.FAt)); }
+
+  TJobRecreateTables& FJob;
+  TAllowedGaps& FGaps;
+};
+
+void TThis::Forget() {
+  TRecreationJob::Forget();
+  FTables.clear();
+  FUsed.assign(Mapping.size(), false);
+}
+
+bool TThis::Exists(const TRecreation& Item) {
+  const std::optional<TTableInfo> Found = Connection().Schema().FindTable(Item.Structure.Name);
+  if (Found && Found->Kind == TTableKind::View)
+    throw EDatabaseError(
+        Format("'%s' is a view in the database, and a table in its structure: drop or rename one", FullName(*Found)));
+  return Found.has_value();
+}
+
+TThis::TTable& TThis::Prepared(const std::string& Name) { return FTables[UpperCase(Name)]; }
+
+void TThis::Check(TRecreation& Item) {
+  const std::string& Name = Item.Structure.Name;
+  TTable& Table = Prepared(Name);
+  if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Name, Table.New))
+    throw EDatabaseError(Format("The structure of table '%s' cannot be read", Name));
+  Table.Info = Connection().Schema().FindTable(Name);
+  if (!LongNames().MayMakeTable(Table.New)) {
+    Item.State = TItemState::LeftOut;
+    Item.Note = "its name is long";
+    return;
+  }
+  if (Table.Info) CheckRows(Name, Table);
+  if (&Item == &Items().back()) CheckMapping();
+}
+
+void TThis::CheckRows(const std::string& Name, TTable& Table) {
+  KeepPhysicalName(Table.New, FullName(*Table.Info));
+  TakeMapping(Name, Connection().Schema().Describe(*Table.Info), Table);
+  const TTableChanges Changes = ChangesOf(Connection().Definitions().Table(*Table.Info, {}), Table.New, Table.Fields);
+  for (const std::string& Gone : Changes.Gone)
+    Note(Format("gone from table '%s', since its structure does not have it: %s", Name, Gone));
+  if (DropData || !Connection().Schema().HasRows(*Table.Info)) return;
+  if (!Changes.LostFields.empty()) {
+    const std::string Lost = Quoted(Changes.LostFields);
+    if (Policies.MissingFields == TMissingFields::Refuse)
+      throw EDatabaseError(Format("The structure of table '%s' has no field for the values of %s. Map what has another "
+                                  "name now",
+                                  Name, Lost),
+                           {.Code = TErrorCode::FieldMissing, .Table = Name});
+    Note(Format("dropped from table '%s' with their values: %s", Name, Lost));
+  }
+  if (!Changes.Unfilled.empty())
+    throw EDatabaseError(
+        Format("New in table '%s', without a default, and never NULL: %s. The rows that are there have "
+               "nothing for it: give the field a default in the structure, or map an old one to it",
+               Name, Quoted(Changes.Unfilled)),
+        {.Table = Name, .Column = Changes.Unfilled.front()});
+}
+
+void TThis::TakeMapping(const std::string& Name, const TTableDescription& Old, TTable& Table) {
+  const std::vector<std::string> OldNames = FieldNames(Old), NewNames = FieldNames(Table.New);
+  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
+    const auto& [Given, New] = Mapping[Index];
+    const std::string OfTable = Behind(Name, Given);
+    const std::string& From = OfTable.empty() ? Given : OfTable;
+    if (Has(OldNames, From) && Has(NewNames, New)) {
+      Table.Fields.emplace_back(From, New);
+      FUsed[Index] = true;
+    }
+    const std::size_t Stop = From.find('.');
+    if (Has(OldNames, From) || Stop == From.npos) continue;
+    const std::string Field = From.substr(0, Stop);
+    const std::string Current = [&] {
+      for (const auto& [Before, After] : Mapping)
+        if (SameText(Before, Field)) return After;
+      return Field;
+    }();
+    if (!Has(NewNames, Current)) continue;
+    TBLOBFieldMapping* const Known = Table.Inside.GetMappingByField(Current);
+    (Known ? *Known : Table.Inside.Add(Current)).Mapping.emplace_back(From.substr(Stop + 1), New);
+    FUsed[Index] = true;
+  }
+}
+
+/// What maps nothing is a slip, and would leave values behind.
+void TThis::CheckMapping() const {
+  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
+    if (FUsed[Index]) continue;
+    const auto& [Old, New] = Mapping[Index];
+    std::vector<std::string> Fields;
+    for (const auto& [Name, Table] : FTables)
+      for (const std::string& Field : FieldNames(Table.New)) Fields.push_back(Field);
+    throw ESettingsError(
+        Format("%s '%s=%s' fits no table: the table has to have a field '%s', and its structure a "
+               "field '%s'%s",
+               Setting("Mapping"), Old, New, Old, New, ContentHint(New, Fields, "; it has ")));
+  }
+}
+
+void TThis::SetUp(TUORecreateTable& Operation) {
+  TTable& Table = Prepared(Operation.TableName);
+  Operation.FieldMapping = Table.Fields;
+  Operation.BLOBFieldMappingList = Table.Inside;
+  Operation.SaveData.FYes = !DropData;
+  Operation.TakesLongNames = true;
+}
+
+void TThis::RecreateAll(TAllowedGaps& Gaps) {
+  std::vector<std::string> Meant;
+  for (const TRecreation& Item : Items())
+    if (Item.State == TItemState::NotReached) Meant.push_back(Item.Structure.Name);
+  BeginPart(Meant.size() == 1 ? Meant.front() : Counted(static_cast<std::int64_t>(Meant.size()), "table"), "rows");
+  const TProgressCallback Show = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
+    ShowPart(Current, Total, Name);
+  };
+  if (Meant.size() == 1) {
+    TUORecreateTable Operation;
+    Operation.Owner = this;
+    Operation.DatabaseName = DatabaseName;
+    Operation.TableName = Meant.front();
+    Operation.FOnShowProgress = Show;
+    try {
+      Recreate(Operation, Gaps);
+    } catch (const EAbort&) {
+      throw;
+    } catch (const std::exception&) {
+      static_cast<void>(MayGoOn(*Find(Meant.front())));
+      throw;
+    }
+  } else {
+    TList Operation(*this, Gaps);
+    Operation.Owner = this;
+    Operation.DatabaseName = DatabaseName;
+    Operation.TableNames = TStringList(Meant);
+    Operation.FOnShowProgress = Show;
+    Operation.Execute();
+  }
+  EndPart();
+}
+
+void TThis::Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps) {
+  FAt = Operation.TableName;
+  SetSubject(FAt);
+  SetUp(Operation);
+  TTable& Table = Prepared(FAt);
+  if (!Table.Info) {
+    Operation.Execute();
+    return Finish(Operation);
+  }
+  if (DropData) Table.Rows = Connection().Schema().RowCount(*Table.Info);
+  Rehearse(FAt, Gaps);
+  const auto Around = Connection().Surroundings(*Table.Info, Table.Fields);
+  Around->SetAside();
+  Operation.Execute();
+  if (IsCanceled()) throw EAbort("cancelled");
+  RefuseLost(Operation);
+  Around->PutBack();
+  for (const std::string& Remark : Around->Remarks()) Note(Remark);
+  Finish(Operation);
+}
+
+/// What does not come back shows here, while the table is still there with all its rows.
+void TThis::Rehearse(const std::string& Name, TAllowedGaps& Gaps) {
+  const TInSilence Silence(Manager().Databases());
+  const TTable& Table = Prepared(Name);
+  TStandaloneDictionary& Dictionary = Gaps.Dictionary();
+  TTransaction Part(DatabaseName);
+  const auto Around = Connection().Surroundings(*Table.Info, Table.Fields);
+  Around->SetAside();
+  Dictionary.CreateTableByDef(DatabaseName, Table.New, PatternOf(Name, Dictionary), TTableScriptPart::All, true);
+  Around->PutBack();
+  Dictionary.Gaps().TakeNoted();
+}
+
+std::string TThis::PatternOf(const std::string& Name, TStandaloneDictionary& Dictionary) const {
+  return Dictionary.GetCreateTablePatternString(Dictionary.GetPatternName(Name, DatabaseName), DatabaseName);
+}
+
+void TThis::RefuseLost(const TUORecreateTable& Operation) {
+  if (Operation.LostFields().empty()) return;
+  const std::string Lost = Quoted({Operation.LostFields().begin(), Operation.LostFields().end()});
+  if (Policies.MissingFields == TMissingFields::Refuse)
+    throw EDatabaseError(Format("The structures of the tables inside the BLOB fields of table '%s' have no field for "
+                                "the values of %s. Map what has another name now",
+                                Operation.TableName, Lost),
+                         {.Code = TErrorCode::FieldMissing, .Table = Operation.TableName});
+  Note(Format("dropped with their values from the tables inside the BLOB fields of table '%s': %s", Operation.TableName,
+              Lost));
+}
+
+void TThis::Finish(const TUORecreateTable& Operation) {
+  TRecreation& Item = *Find(Operation.TableName);
+  Item.State = TItemState::Done;
+  if (!Item.IsThere) return;
+  if (DropData)
+    Item.RowsDropped = Prepared(Operation.TableName).Rows;
+  else
+    Item.Rows = Operation.Rows();
+}
+
+void TThis::Plan(TAllowedGaps& Gaps) {
+  for (const TRecreation& Item : Items()) {
+    if (Item.State != TItemState::NotReached) continue;
+    if (Item.IsThere) Rehearse(Item.Structure.Name, Gaps);
+    AddSteps(Item.Structure.Name, Gaps);
+  }
+}
+
+void TThis::AddSteps(const std::string& Name, TAllowedGaps& Gaps) {
+  const TTable& Table = Prepared(Name);
+  if (Table.Info) {
+    const std::int64_t Rows = Connection().Schema().RowCount(*Table.Info);
+    if (!DropData) AddToPlan({Format("carry the rows of table '%s' over", Name), Rows});
+    AddToPlan({Format("drop table '%s'%s", Name, DropData ? " with its rows" : ""),
+               DropData ? std::optional(Rows) : std::nullopt, Connection().Scripts().DropTable(Table.New)});
+  }
+  TStandaloneDictionary& Dictionary = Gaps.Dictionary();
+  for (const TScriptStatement& Statement :
+       Dictionary.Script(DatabaseName, Table.New, PatternOf(Name, Dictionary), TTableScriptPart::All).Statements)
+    AddToPlan({"make " + Statement.What, {}, Statement.Text});
+}
+
+}  // namespace velkrund

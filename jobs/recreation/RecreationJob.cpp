@@ -1,0 +1,175 @@
+#include "jobs/recreation/RecreationJob.h"
+
+#include <algorithm>
+#include <set>
+
+#include "jobs/report/ErrorReport.h"
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Nearest.h"
+#include "velkrund/platform/ormtools/Text.h"
+
+namespace velkrund {
+
+namespace {
+
+TDocument ItemDocument(const TRecreation& Item) {
+  TDocument Result = StructureDocument(Item.Structure);
+  Result.Set("state", StateText(Item.State)).Set("existed", Item.IsThere);
+  if (!Item.Note.empty()) Result.Set("reason", Item.Note);
+  if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
+  Result.Set("rows", Item.Rows).Set("rowsDropped", Item.RowsDropped);
+  return Result;
+}
+
+}  // namespace
+
+int TRecreationJob::Count(TItemState State) const {
+  return static_cast<int>(
+      std::count_if(FItems.begin(), FItems.end(), [&](const TRecreation& Item) { return Item.State == State; }));
+}
+
+void TRecreationJob::CheckSettings() const {
+  if (Names.empty()) throw ESettingsError(Setting("ObjectNames") + " is missing: say what is to be made anew");
+  if (std::any_of(Names.begin(), Names.end(), [](const std::string& Name) { return Name.empty(); }))
+    throw ESettingsError(Setting("ObjectNames") + " has an empty name");
+}
+
+void TRecreationJob::Forget() {
+  FItems.clear();
+  FNotes.clear();
+  FFirstError = nullptr;
+  FQuestion = {};
+  ForgetPlan();
+}
+
+TRecreation* TRecreationJob::Find(const std::string& Name) {
+  const auto Found = std::find_if(FItems.begin(), FItems.end(),
+                                  [&](const TRecreation& Item) { return SameText(Item.Structure.Name, Name); });
+  return Found == FItems.end() ? nullptr : &*Found;
+}
+
+/// Every name is that of a structure, and comes once.
+void TRecreationJob::TakeItems() {
+  const std::vector<int> Meant = Types();
+  std::vector<TStructureId> All;
+  for (const TDSPListItem& Item : DSPContainer().Table(DatabaseName).List())
+    if (std::find(Meant.begin(), Meant.end(), Item.ObjectType) != Meant.end())
+      All.push_back({Item.ObjectType, Item.ObjectName});
+  for (const std::string& Name : Names) {
+    std::vector<std::string> Known;
+    std::vector<TStructureId> Found;
+    for (const TStructureId& Each : All) {
+      if (SameText(Each.Name, Name)) Found.push_back(Each);
+      Known.push_back(Each.Name);
+    }
+    if (Found.empty())
+      throw EDatabaseError(Format("No structure in the database %s describes a %s '%s'%s", DatabaseText(), What(), Name,
+                                  Known.empty() ? ": dictionary adopt makes structures of what is there"
+                                                : ContentHint(Name, Known, ": there are ")),
+                           {.Code = TErrorCode::StructureMissing});
+    for (const TStructureId& Each : Found)
+      if (!Find(Each.Name)) FItems.push_back({.Structure = Each});
+  }
+  for (TRecreation& Item : FItems) Item.IsThere = Exists(Item);
+}
+
+void TRecreationJob::AskFor(TRecreation& Item) {
+  if (!Item.IsThere || Policies.ExistingObjects == TExisting::Replace) return;
+  if (Policies.ExistingObjects == TExisting::Ask) {
+    const std::string Text = Format(Manager().LString(OverwriteKey()), Item.Structure.Name);
+    const TAnswer Answer = FQuestion.Ask(
+        {Text, {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel}, TPolicy::ExistingObjects});
+    if (Answer == TAnswer::Yes) return;
+  }
+  Item.State = TItemState::LeftOut;
+  Item.Note = "it is there already";
+}
+
+void TRecreationJob::Run() {
+  FErrors.emplace(Policies.OnError);
+  FLongNames.emplace(Policies.LongNames);
+  TAllowedGaps Gaps(Policies);
+  TakeItems();
+  for (TRecreation& Item : FItems) AskFor(Item);
+  for (TRecreation& Item : FItems)
+    if (Item.State != TItemState::LeftOut) Check(Item);
+  if (Count(TItemState::LeftOut) == static_cast<int>(FItems.size())) return;
+  RunWhole(Gaps);
+}
+
+void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
+  TTransaction Whole(DatabaseName);
+  if (Policies.DryRun) {
+    Plan(Gaps);
+    for (std::string& Text : Gaps.TakeNotes()) Note(std::move(Text));
+    for (TRecreation& Item : FItems)
+      if (Item.State == TItemState::NotReached)
+        Item.State = TItemState::LeftOut, Item.Note = "nothing is changed in a dry run";
+    return;
+  }
+  try {
+    RecreateAll(Gaps);
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception&) {
+    if (Count(TItemState::Failed) == 0) throw;
+    return TakeBack();
+  }
+  if (IsCanceled()) throw EAbort("cancelled");
+  // To commit what is all taken back anyway would only say that something stays.
+  if (Count(TItemState::Done) == 0) return;
+  Whole.Commit();
+  for (std::string& Text : Gaps.TakeNotes()) Note(std::move(Text));
+  FLongNames->AddNote(FNotes);
+}
+
+void TRecreationJob::TakeBack() {
+  for (TRecreation& Item : FItems)
+    if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
+  FNotes = {"the database is as it was before"};
+}
+
+bool TRecreationJob::MayGoOn(TRecreation& Item) {
+  Item.State = TItemState::Failed;
+  Item.Error = FactsOf(std::current_exception());
+  if (!FFirstError) FFirstError = std::current_exception();
+  if (Listener) Fault(*Item.Error);
+  const bool IsLast = std::none_of(FItems.begin(), FItems.end(), [](const TRecreation& Each) {
+    return Each.State == TItemState::NotReached || Each.State == TItemState::Done;
+  });
+  if (IsLast) return true;
+  try {
+    const std::string Question = Manager().LString("M_Velkrund_DicUtils_ContinueRecreate");
+    return FErrors->GoOn(Listener ? Question : ErrorLine(*Item.Error) + "\r\n" + Question);
+  } catch (const EPolicyUnanswered& Unanswered) {
+    Stop(Unanswered.Policy());
+    return false;
+  }
+}
+
+TEnd TRecreationJob::Conclusion() const { return Count(TItemState::Failed) > 0 ? TEnd::Failed : TEnd::Done; }
+
+std::exception_ptr TRecreationJob::Failure() const {
+  const int Failed = Count(TItemState::Failed);
+  if (Failed <= 1) return FFirstError;
+  try {
+    std::rethrow_exception(FFirstError);
+  } catch (const std::exception& Error) {
+    try {
+      std::throw_with_nested(EJobFailed(
+          Format("%d of %d objects could not be made. The first error: %s", Failed, FItems.size(), Error.what())));
+    } catch (...) {
+      return std::current_exception();
+    }
+  }
+}
+
+void TRecreationJob::Describe(TDocument& Document) const {
+  TDocument Objects = TDocument::List();
+  for (const TRecreation& Item : FItems) Objects.Add(ItemDocument(Item));
+  Document.Set("database", DatabaseText()).Set("objects", std::move(Objects)).Set("notes", FNotes);
+}
+
+}  // namespace velkrund

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jobs/dictionary/AllowedGaps.h"
+#include "jobs/policies/ErrorPolicy.h"
+#include "jobs/policies/LongNames.h"
+#include "jobs/policies/Questions.h"
+#include "jobs/report/Outcome.h"
+#include "jobs/run/JobInterface.h"
+
+namespace velkrund {
+
+/// What became of one object that was to be made anew.
+struct TRecreation {
+  TStructureId Structure;
+  TItemState State = TItemState::NotReached;
+  bool IsThere = false;                   // before the run
+  std::string Note = {};                  // why it was left out
+  std::optional<std::int64_t> Rows = {};  // carried over, of a table
+  std::optional<std::int64_t> RowsDropped = {};
+  std::optional<TErrorFacts> Error = {};
+};
+
+/// Makes objects of a database anew, as their structures describe them: all in one transaction, within which each is a
+/// part of its own. What was decided by nobody is asked before anything is changed. After a failure the run is taken
+/// back, unless it is told to go on.
+class TRecreationJob : public TPolicyJob {
+ public:
+  std::vector<std::string> Names;  // of structures, in any case
+
+  const std::vector<TRecreation>& Items() const { return FItems; }
+  const std::vector<std::string>& Notes() const { return FNotes; }
+  int Count(TItemState State) const;
+  void CheckSettings() const override;
+
+ protected:
+  /// The object types whose structures are meant; in messages What, "table".
+  virtual std::vector<int> Types() const = 0;
+  virtual std::string_view What() const = 0;
+  virtual bool Exists(const TRecreation& Item) = 0;
+  /// The text of the question whether one that is there may be made anew.
+  virtual std::string_view OverwriteKey() const = 0;
+  /// What is known to fail, and other questions; before the transaction.
+  virtual void Check(TRecreation& /*Item*/) {}
+  /// All that are not left out, in the transaction. Each gets its state; one that fails, when the others are not gone
+  /// on with, is marked before its error is raised again.
+  virtual void RecreateAll(TAllowedGaps& Gaps) = 0;
+  /// The same for a dry run: adds the steps.
+  virtual void Plan(TAllowedGaps& Gaps) = 0;
+
+  void Run() final;
+  void Forget() override;
+  TEnd Conclusion() const override;
+  std::exception_ptr Failure() const override;
+  std::string_view Schema() const override { return "recreation"; }
+  void Describe(TDocument& Document) const override;
+  void Warn(const std::string& Text) override { FNotes.push_back("warning: " + Text); }
+
+  TRecreation* Find(const std::string& Name);
+  /// Within the handler of Error. Whether the others are gone on with.
+  bool MayGoOn(TRecreation& Item);
+  void Note(std::string Text) { FNotes.push_back(std::move(Text)); }
+  TLongNames& LongNames() { return *FLongNames; }
+  TConnection& Connection() const { return Manager().Databases().Connection(DatabaseName); }
+
+ private:
+  void TakeItems();
+  void AskFor(TRecreation& Item);
+  void RunWhole(TAllowedGaps& Gaps);
+  void TakeBack();
+
+  std::vector<TRecreation> FItems;
+  std::vector<std::string> FNotes;
+  std::exception_ptr FFirstError;
+  std::optional<TErrorPolicy> FErrors;
+  std::optional<TLongNames> FLongNames;
+  TRepeatedQuestion FQuestion;
+};
+
+}  // namespace velkrund

@@ -3,7 +3,7 @@
 
 #include "standalone/structures/StoredTree.h"
 #include "fuzz/FuzzPlatform.h"
-#include "standalone/structures/StoredValues.h"
+#include "standalone/values/StoredValues.h"
 #include "velkrund/platform/ormtools/Checksum.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 

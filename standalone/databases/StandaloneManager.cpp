@@ -5,6 +5,7 @@
 #include "standalone/catalogue/Catalogue.h"
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
+#include "standalone/tables/BlobTable.h"
 #include "standalone/tables/DriverBaseManager.h"
 #include "standalone/tables/DriverTable.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -83,6 +84,16 @@ TODBCBaseManager* TStandaloneManager::GetODBCBaseManager(const std::string& Data
   std::unique_ptr<TODBCBaseManager>& Result = FBaseManagers[DatabaseName];
   Result = std::make_unique<TDriverBaseManager>(FDatabases.Connection(DatabaseName));
   return Result.get();
+}
+
+std::unique_ptr<TBLOBTable> TStandaloneManager::OpenBLOBTable(std::string_view Bytes) {
+  if (!TStandaloneBlobTable::IsOne(Bytes)) return nullptr;
+  return TStandaloneBlobTable::Open(Bytes);
+}
+
+std::unique_ptr<TBLOBTable> TStandaloneManager::NewBLOBTable(const std::string& Name,
+                                                             const TBLOBTable::TFields& Fields) {
+  return std::make_unique<TStandaloneBlobTable>(Name, Fields);
 }
 
 void TStandaloneManager::StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) {

@@ -48,6 +48,8 @@ class TStandaloneManager final : public TApplicationManager {
                                        bool ReadWrite) override;
   bool TableExists(const std::string& TableName, const std::string& DatabaseName, bool Views) override;
   TODBCBaseManager* GetODBCBaseManager(const std::string& DatabaseName) override;
+  std::unique_ptr<TBLOBTable> OpenBLOBTable(std::string_view Bytes) override;
+  std::unique_ptr<TBLOBTable> NewBLOBTable(const std::string& Name, const TBLOBTable::TFields& Fields) override;
   void StartTransaction(const std::string& DatabaseName, TIsolationLevel Level) override;
   void CommitTransaction(const std::string& DatabaseName) override;
   void RollbackTransaction(const std::string& DatabaseName) override;

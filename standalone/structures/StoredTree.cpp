@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "standalone/structures/StoredValues.h"
+#include "standalone/values/StoredValues.h"
 #include "velkrund/platform/ormtools/Checksum.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/structures/DSPErrors.h"
@@ -37,7 +37,7 @@ void ReadValue(TStoredBytes& Bytes, TDSPNode& Node) {
   const TKvKind Kind = IsVariant ? static_cast<TKvKind>(Bytes.Byte()) : KindOfType(Node.ValueType());
   TKvVariant Value;
   ReadStoredValue(Bytes, Kind, Value);
-  Node.SetValue(std::move(Value));
+  Node.SetValue(Value);  // a copy, since it borrows the bytes
 }
 
 /// Reads value and number of children.
@@ -58,6 +58,27 @@ std::string_view CheckedBody(std::string_view Bytes) {
   Bytes.remove_suffix(ChecksumSize);
   if (Checksum.Fixed(ChecksumSize) != Crc32(Bytes)) throw EDSPError("its checksum is wrong");
   return Bytes.substr(HeaderSize);
+}
+
+TDSPNode ReadTree(std::string_view Stored) {
+  TStoredBytes Bytes(CheckedBody(Stored));
+  struct TLevel {
+    TDSPNode* Node;
+    int Left;  // children to be read
+  };
+  TDSPNode Tree(Bytes.Text());
+  std::vector<TLevel> Levels{{&Tree, ReadNode(Bytes, Tree)}};
+  while (!Levels.empty()) {
+    if (Levels.back().Left == 0) {
+      Levels.pop_back();
+      continue;
+    }
+    --Levels.back().Left;
+    TDSPNode& Node = Levels.back().Node->AddNode(Bytes.Text());
+    if (const int Count = ReadNode(Bytes, Node); Count > 0) Levels.push_back({&Node, Count});
+  }
+  if (Bytes.Left() > 0) throw EDSPError("something stands behind its last node");
+  return Tree;
 }
 
 }  // namespace
@@ -86,24 +107,11 @@ void AppendStoredTree(std::string& Out, const TDSPNode& Root) {
 }
 
 void ReadStoredTree(std::string_view Stored, TDSPNode& Root) {
-  TStoredBytes Bytes(CheckedBody(Stored));
-  struct TLevel {
-    TDSPNode* Node;
-    int Left;  // children to be read
-  };
-  TDSPNode Tree(Bytes.Text());
-  std::vector<TLevel> Levels{{&Tree, ReadNode(Bytes, Tree)}};
-  while (!Levels.empty()) {
-    if (Levels.back().Left == 0) {
-      Levels.pop_back();
-      continue;
-    }
-    --Levels.back().Left;
-    TDSPNode& Node = Levels.back().Node->AddNode(Bytes.Text());
-    if (const int Count = ReadNode(Bytes, Node); Count > 0) Levels.push_back({&Node, Count});
+  try {
+    Root = ReadTree(Stored);
+  } catch (const EStoredValue& Error) {
+    throw EDSPError(Error.what());
   }
-  if (Bytes.Left() > 0) throw EDSPError("something stands behind its last node");
-  Root = std::move(Tree);
 }
 
 }  // namespace velkrund

@@ -14,11 +14,8 @@ namespace velkrund {
 ///     node        the root, and behind each node its children, one after the other, each followed by its own
 ///     checksum    CRC-32 of all before, 4 bytes, the lowest first
 ///
-/// A node is its name, its type (1 byte), its value and the number of its children. Numbers are unsigned, seven bits a
-/// byte from the lowest on, the eighth bit set in all but the last; signed ones alternate (0, -1, 1, -2 ...). A text is
-/// its length in bytes and its bytes. A value of type Variant begins with its kind (1 byte); truth values are 1 byte,
-/// floating numbers 8 bytes, the lowest first; all other kinds are signed numbers or texts. None and Deleted have no
-/// value.
+/// A node is its name, its type (1 byte), its value and the number of its children, as standalone/values/StoredValues.h
+/// has them. A value of type Variant begins with its kind (1 byte). None and Deleted have no value.
 void AppendStoredTree(std::string& Out, const TDSPNode& Root);
 
 /// Reads such bytes into Root, in place of what it holds. Raises EDSPError that says why they are none; Root is then as

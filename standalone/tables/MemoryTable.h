@@ -2,11 +2,11 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "standalone/tables/RowRecord.h"
 #include "velkrund/platform/database/Tables.h"
 
 namespace velkrund {
@@ -16,11 +16,11 @@ class TMemoryTable final : public TTable {
  public:
   using TColumns = std::initializer_list<std::pair<std::string, TKvKind>>;
 
-  TMemoryTable(std::string TableName, TColumns Columns);
-  ~TMemoryTable() override;
+  TMemoryTable(std::string TableName, TColumns Columns)
+      : FTableName(std::move(TableName)), FRecord(FTableName, Columns) {}
 
   const std::string& TableName() const override { return FTableName; }
-  TRecord& Record() override;
+  TRecord& Record() override { return FRecord; }
 
   std::int64_t RecordCount() override { return static_cast<std::int64_t>(FRows.size()); }
   bool First() override;
@@ -28,20 +28,18 @@ class TMemoryTable final : public TTable {
 
   void SetCanRecreateAutoSequence(bool) override {}
   void BeginAppend() override { FAppended.clear(); }
-  /// The record becomes part of the table at EndAppend.
+  /// The record becomes part of the table at EndAppend, which ends a walk.
   void AppendRecord() override;
   void EndAppend() override;
 
  private:
-  class TMemoryField;
-  class TMemoryRecord;
-  using TRow = std::vector<TKvVariant>;
+  bool Stand();
 
   std::string FTableName;
-  std::unique_ptr<TMemoryRecord> FRecord;
-  std::vector<TRow> FRows;
-  std::vector<TRow> FAppended;
-  std::size_t FAt = 0;  // number of the current row, from 1; 0: none
+  TRowRecord FRecord;
+  std::vector<TRowRecord::TRow> FRows;
+  std::vector<TRowRecord::TRow> FAppended;
+  std::size_t FAt = 0;  // index of the current row; how many there are: none
 };
 
 }  // namespace velkrund

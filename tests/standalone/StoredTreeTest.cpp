@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "standalone/structures/StoredTree.h"
-#include "standalone/structures/StoredValues.h"
+#include "standalone/values/StoredValues.h"
 #include "tests/standalone/Support.h"
 #include "tests/support/StructureSamples.h"
 #include "velkrund/platform/ormtools/Checksum.h"

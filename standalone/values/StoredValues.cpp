@@ -1,9 +1,8 @@
-#include "standalone/structures/StoredValues.h"
+#include "standalone/values/StoredValues.h"
 
 #include <bit>
 
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/structures/DSPErrors.h"
 
 namespace velkrund {
 
@@ -19,10 +18,10 @@ std::uint64_t Unsigned(std::int64_t Number) {
 }
 std::int64_t Signed(std::uint64_t Number) { return static_cast<std::int64_t>((Number >> 1U) ^ (0 - (Number & 1U))); }
 
-bool HoldsNumber(TKvKind Kind, std::int64_t Number) {
-  if (IsIntegerKind(Kind)) return HoldsInteger(Kind, Number);
-  if (IsMomentKind(Kind)) return Number >= MinDateTime.Microseconds && Number <= MaxDateTime.Microseconds;
-  return Kind != TKvKind::SysTime || (Number >= 0 && Number < MicrosecondsPerDay);
+bool ReadBoolean(TStoredBytes& Bytes) {
+  const unsigned Byte = Bytes.Byte();
+  if (Byte > 1) throw EStoredValue("a truth value in it is neither 0 nor 1");
+  return Byte == 1;
 }
 
 bool SetNumber(TKvKind Kind, std::int64_t Number, TKvVariant& Value) {
@@ -49,6 +48,14 @@ bool SetNumber(TKvKind Kind, std::int64_t Number, TKvVariant& Value) {
 }
 
 }  // namespace
+
+bool IsStorable(const TKvVariant& Value) {
+  const TKvKind Kind = Value.Kind();
+  const std::int64_t Number = Value.AsInteger();
+  if (IsIntegerKind(Kind)) return HoldsInteger(Kind, Number);
+  if (IsMomentKind(Kind)) return Number >= MinDateTime.Microseconds && Number <= MaxDateTime.Microseconds;
+  return Kind != TKvKind::SysTime || (Number >= 0 && Number < MicrosecondsPerDay);
+}
 
 void AppendStoredNumber(std::string& Out, std::uint64_t Number) {
   for (; Number >= MoreDigits; Number >>= DigitBits) Out += static_cast<char>((Number & (MoreDigits - 1)) | MoreDigits);
@@ -77,9 +84,9 @@ void AppendStoredValue(std::string& Out, const TKvVariant& Value) {
 }
 
 std::string_view TStoredBytes::Take(std::uint64_t Size) {
-  if (Size > FRest.size()) throw EDSPError("it is cut off");
-  const std::string_view Result = FRest.substr(0, static_cast<std::size_t>(Size));
-  FRest.remove_prefix(Result.size());
+  if (Size > Left()) throw EStoredValue("it is cut off");
+  const std::string_view Result = FBytes.substr(FPosition, static_cast<std::size_t>(Size));
+  FPosition += Result.size();
   return Result;
 }
 
@@ -88,7 +95,8 @@ std::uint64_t TStoredBytes::Number() {
   for (unsigned Shift = 0;; Shift += DigitBits) {
     const std::uint64_t Digit = Byte();
     const std::uint64_t Bits = Digit & (MoreDigits - 1);
-    if (Shift >= NumberBits || (Bits << Shift) >> Shift != Bits) throw EDSPError("a number in it is too large");
+    if (Shift >= NumberBits || (Bits << Shift) >> Shift != Bits) throw EStoredValue("a number in it is too large");
+    if (Digit == 0 && Shift > 0) throw EStoredValue("a number in it is longer than it needs to be");
     Result |= Bits << Shift;
     if (Digit == Bits) return Result;
   }
@@ -107,13 +115,13 @@ std::uint64_t TStoredBytes::Fixed(std::size_t Size) {
 }
 
 void ReadStoredValue(TStoredBytes& Bytes, TKvKind Kind, TKvVariant& Value) {
-  if (HasBytes(Kind)) return Value.SetText(Bytes.Text(), Kind);
+  if (HasBytes(Kind)) return Value.BorrowText(Bytes.Text(), Kind);
   if (Kind == TKvKind::Null) return Value.SetNull();
-  if (IsBooleanKind(Kind)) return Value.SetBoolean(Bytes.Byte() != 0, Kind);
+  if (IsBooleanKind(Kind)) return Value.SetBoolean(ReadBoolean(Bytes), Kind);
   if (IsRealKind(Kind)) return Value.SetReal(std::bit_cast<double>(Bytes.Fixed(sizeof(double))), Kind);
   const std::int64_t Number = Signed(Bytes.Number());
-  if (!SetNumber(Kind, Number, Value)) throw EDSPError(Format("unknown value kind %d", static_cast<int>(Kind)));
-  if (!HoldsNumber(Kind, Number)) throw EDSPError(Format("a value of kind %d is out of range", static_cast<int>(Kind)));
+  if (!SetNumber(Kind, Number, Value)) throw EStoredValue(Format("unknown value kind %d", static_cast<int>(Kind)));
+  if (!IsStorable(Value)) throw EStoredValue(Format("a value of kind %d is out of range", static_cast<int>(Kind)));
 }
 
 }  // namespace velkrund

@@ -3,6 +3,7 @@
 #include "jobs/databases/DatabaseInfo.h"
 #include "jobs/dictionary/AdoptObjects.h"
 #include "jobs/dictionary/ScriptObjects.h"
+#include "jobs/recreation/RecreateObjects.h"
 #include "jobs/recreation/RecreateTables.h"
 #include "jobs/sections/CheckFiles.h"
 #include "jobs/sections/ImportFiles.h"
@@ -25,7 +26,7 @@ void RegisterJobClasses() {
         &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
         &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
         &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobRecreateTables::Interface,
-        &TJobDatabaseInfo::Interface})
+        &TJobRecreateObjects::Interface, &TJobDatabaseInfo::Interface})
     Classes.Register(TInterfaceClass(*Job));
 }
 

@@ -101,16 +101,8 @@ void TRecreationJob::Run() {
 
 void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
   TTransaction Whole(DatabaseName);
-  if (Policies.DryRun) {
-    Plan(Gaps);
-    for (std::string& Text : Gaps.TakeNotes()) Note(std::move(Text));
-    for (TRecreation& Item : FItems)
-      if (Item.State == TItemState::NotReached)
-        Item.State = TItemState::LeftOut, Item.Note = "nothing is changed in a dry run";
-    return;
-  }
   try {
-    RecreateAll(Gaps);
+    Policies.DryRun ? Plan(Gaps) : RecreateAll(Gaps);
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {
@@ -118,17 +110,26 @@ void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
     return TakeBack();
   }
   if (IsCanceled()) throw EAbort("cancelled");
-  // To commit what is all taken back anyway would only say that something stays.
+  for (std::string& Text : Gaps.TakeNotes()) Note(std::move(Text));
+  if (Policies.DryRun) return LeaveAll();
+  // To commit nothing would be no difference.
   if (Count(TItemState::Done) == 0) return;
   Whole.Commit();
-  for (std::string& Text : Gaps.TakeNotes()) Note(std::move(Text));
   FLongNames->AddNote(FNotes);
+}
+
+void TRecreationJob::LeaveAll() {
+  for (TRecreation& Item : FItems) {
+    if (Item.State != TItemState::NotReached) continue;
+    Item.State = TItemState::LeftOut;
+    Item.Note = "nothing is changed in a dry run";
+  }
 }
 
 void TRecreationJob::TakeBack() {
   for (TRecreation& Item : FItems)
     if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
-  FNotes = {"the database is as it was before"};
+  Note("the database is as it was before");
 }
 
 bool TRecreationJob::MayGoOn(TRecreation& Item) {

@@ -63,6 +63,7 @@ class TRecreationJob : public TPolicyJob {
   void Warn(const std::string& Text) override { FNotes.push_back("warning: " + Text); }
 
   TRecreation* Find(const std::string& Name);
+  std::vector<TRecreation>& ChangeItems() { return FItems; }
   /// Within the handler of Error. Whether the others are gone on with.
   bool MayGoOn(TRecreation& Item);
   void Note(std::string Text) { FNotes.push_back(std::move(Text)); }
@@ -73,6 +74,7 @@ class TRecreationJob : public TPolicyJob {
   void TakeItems();
   void AskFor(TRecreation& Item);
   void RunWhole(TAllowedGaps& Gaps);
+  void LeaveAll();
   void TakeBack();
 
   std::vector<TRecreation> FItems;

@@ -10,6 +10,9 @@ TCommands AllCommands() {
   Result.push_back(MakeImportStructure());
   Result.push_back(MakeImportFile());
   Result.push_back(MakeRecreateTable());
+  Result.push_back(MakeRecreateView());
+  Result.push_back(MakeRecreateGenerator());
+  Result.push_back(MakeRecreateProcedure());
   Result.push_back(MakeDictionaryList());
   Result.push_back(MakeDictionaryShow());
   Result.push_back(MakeDictionaryDrop());

@@ -1,0 +1,228 @@
+#include "jobs/recreation/RecreateObjects.h"
+
+#include <algorithm>
+
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
+#include "velkrund/platform/structures/ObjectTypes.h"
+
+namespace velkrund {
+
+namespace {
+
+using TThis = TJobRecreateObjects;
+
+constexpr std::string_view Kinds[] = {"view", "generator", "procedure"};
+
+constexpr TProperty Properties[] = {
+    ChoiceOf<&TThis::Kind>("Kind", "what is made anew", Kinds),
+    PropertyOf<&TRecreationJob::Names>("ObjectNames", "the objects to make anew"),
+    PropertyOf<&TThis::StartValue>("StartValue",
+                                   "the next number that a generator gives out; empty: it goes on where it stands"),
+    TPolicyRows::ExistingObjects,
+    TPolicyRows::AllowMissing,
+    TPolicyRows::LongNames,
+    TPolicyRows::OnError,
+    TPolicyRows::DryRun,
+};
+
+std::unique_ptr<TUORecreateObject> SingleOf(int ObjectType) {
+  switch (ObjectType) {
+    case GeneratorObjectType:
+      return std::make_unique<TUORecreateGenerator>();
+    case ViewObjectType:
+      return std::make_unique<TUORecreateView>();
+    case ExecStoredProcObjectType:
+      return std::make_unique<TUORecreateExecStoredProc>();
+    default:
+      return std::make_unique<TUORecreateSelectStoredProc>();
+  }
+}
+
+std::unique_ptr<TUORecreateObjects> ListOf(int ObjectType) {
+  switch (ObjectType) {
+    case GeneratorObjectType:
+      return std::make_unique<TUORecreateGenerators>();
+    case ViewObjectType:
+      return std::make_unique<TUORecreateViews>();
+    case ExecStoredProcObjectType:
+      return std::make_unique<TUORecreateExecStoredProcs>();
+    default:
+      return std::make_unique<TUORecreateSelectStoredProcs>();
+  }
+}
+
+TScript ScriptOf(const TRecreation& Item, const std::string& DatabaseName, const TConnection& Connection) {
+  const std::string& Name = Item.Structure.Name;
+  const TScriptWriter& Scripts = Connection.Scripts();
+  if (Item.Structure.Type == ViewObjectType) return Scripts.View(*StoredView(DatabaseName, Name), Item.IsThere);
+  if (Item.Structure.Type == GeneratorObjectType) {
+    const bool Alters = Item.IsThere || !Connection.Capabilities().Generators;
+    return Alters ? TScript() : Scripts.Generator(*StoredGenerator(DatabaseName, Name), std::nullopt);
+  }
+  if (!Connection.Capabilities().Procedures) return {};
+  const bool Selects = Item.Structure.Type == SelectStoredProcObjectType;
+  return Scripts.Procedure(*StoredProcedure(DatabaseName, Name, Selects), Item.IsThere);
+}
+
+}  // namespace
+
+constinit const TUtilOperationDescriptor TThis::Descriptor = OperationDescriptor<TThis>("TJobRecreateObjects");
+constinit const TInterfaceDescriptor TThis::Interface =
+    TJobInterface<TThis>::Describe("TJobRecreateObjectsInterface", {&JobProperties, Properties});
+
+void TThis::CheckSettings() const {
+  TRecreationJob::CheckSettings();
+  if (StartValue.empty()) return;
+  if (Kind != TRecreatedKind::Generator) throw ESettingsError(Setting("StartValue") + " is for generators alone");
+  if (!StrToInt64(StartValue))
+    throw ESettingsError(Format("%s is no whole number of 64 bits: '%s'", Setting("StartValue"), StartValue));
+}
+
+std::string_view TThis::What() const { return Kinds[static_cast<std::size_t>(Kind)]; }
+
+std::vector<int> TThis::Types() const {
+  switch (Kind) {
+    case TRecreatedKind::View:
+      return {ViewObjectType};
+    case TRecreatedKind::Generator:
+      return {GeneratorObjectType};
+    default:
+      return {ExecStoredProcObjectType, SelectStoredProcObjectType};
+  }
+}
+
+std::string_view TThis::OverwriteKey() const {
+  switch (Kind) {
+    case TRecreatedKind::View:
+      return "M_Velkrund_DicUtils_RecreateOverwriteViewConfirm";
+    case TRecreatedKind::Generator:
+      return "M_Velkrund_DicUtils_RecreateOverwriteGeneratorConfirm";
+    default:
+      return "M_Velkrund_DicUtils_RecreateOverwriteStoredProcConfirm";
+  }
+}
+
+bool TThis::Exists(const TRecreation& Item) {
+  TDicDatabase& Database = DicDBContainer().Database(DatabaseName);
+  const std::string& Name = Item.Structure.Name;
+  switch (Item.Structure.Type) {
+    case GeneratorObjectType:
+      return Database.GeneratorExist(Name);
+    case ViewObjectType:
+      return Database.ViewExist(Name);
+    case ExecStoredProcObjectType:
+      return Database.ExecStoredProcExist(Name);
+    default:
+      return Database.SelectStoredProcExist(Name);
+  }
+}
+
+void TThis::Check(TRecreation& Item) {
+  if (Kind != TRecreatedKind::View || LongNames().MayMakeView(Item.Structure.Name)) return;
+  Item.State = TItemState::LeftOut;
+  Item.Note = "its name is long";
+}
+
+std::vector<TRecreation*> TThis::Waiting(int ObjectType) {
+  std::vector<TRecreation*> Result;
+  for (TRecreation& Item : ChangeItems())
+    if (Item.State == TItemState::NotReached && Item.Structure.Type == ObjectType) Result.push_back(&Item);
+  return Result;
+}
+
+void TThis::RecreateAll(TAllowedGaps&) {
+  FReport.clear();
+  // What the run does not ask is settled; what it tells is told with its end.
+  const std::string GoOn = Manager().LString("M_Velkrund_DicUtils_ContinueRecreate");
+  const TMessageBoxGuard Box([&](TWindowHandle, std::u16string_view Text, std::u16string_view, std::uint32_t Flags,
+                                 std::int32_t, std::int32_t) {
+    const std::string Told = FromUtf16(Text);
+    if ((Flags & MB_YESNO) != 0) return Told.ends_with(GoOn) ? IDYES : IDNO;
+    FReport = Told;
+    return IDOK;
+  });
+  if (Items().size() == 1) return RecreateOne(ChangeItems().front());
+  for (const int Type : Types()) RecreateSeveral(Type);
+  if (!FReport.empty() && Count(TItemState::Failed) > 0) Note(FReport);
+}
+
+void TThis::RecreateOne(TRecreation& Item) {
+  const auto Operation = SingleOf(Item.Structure.Type);
+  Operation->Owner = this;
+  Operation->DatabaseName = DatabaseName;
+  Operation->ObjectName = Item.Structure.Name;
+  Operation->SetOverwrite(TRecreateOverwrite::Yes);
+  if (auto* const Generator = dynamic_cast<TUORecreateGenerator*>(Operation.get()); Generator && !StartValue.empty())
+    Generator->StartValue = StrToInt64(StartValue);
+  try {
+    Operation->Execute();
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception&) {
+    static_cast<void>(MayGoOn(Item));
+    throw;
+  }
+  Item.State = TItemState::Done;
+}
+
+/// Whatever order they come in.
+void TThis::RecreateSeveral(int ObjectType) {
+  while (Sweep(ObjectType)) {
+  }
+  for (TRecreation* const Item : Waiting(ObjectType)) {
+    const auto Failed = FFailed.find(UpperCase(Item->Structure.Name));
+    if (Failed == FFailed.end()) continue;
+    try {
+      std::rethrow_exception(Failed->second);
+    } catch (const std::exception&) {
+      if (!MayGoOn(*Item)) throw;
+    }
+  }
+}
+
+bool TThis::Sweep(int ObjectType) {
+  const std::vector<TRecreation*> Meant = Waiting(ObjectType);
+  if (Meant.empty()) return false;
+  FFailed.clear();
+  FReport.clear();
+  const auto Operation = ListOf(ObjectType);
+  Operation->Owner = this;
+  Operation->DatabaseName = DatabaseName;
+  for (const TRecreation* const Item : Meant) Operation->Names.push_back(Item->Structure.Name);
+  Operation->SetOverwrite(TRecreateOverwrite::Yes);
+  if (!StartValue.empty()) Operation->StartValue = StrToInt64(StartValue);
+  Operation->FOnFailed = [this](const std::string& Name, const std::exception_ptr& Error) {
+    FFailed[UpperCase(Name)] = Error;
+  };
+  Operation->Execute();
+  if (IsCanceled()) throw EAbort("cancelled");
+  bool HasMade = false;
+  for (TRecreation* const Item : Meant) {
+    if (FFailed.contains(UpperCase(Item->Structure.Name))) continue;
+    Item->State = TItemState::Done;
+    HasMade = true;
+  }
+  return HasMade && !FFailed.empty();
+}
+
+/// By doing it, since it is all taken back: what fails shows then.
+void TThis::Plan(TAllowedGaps& Gaps) {
+  RecreateAll(Gaps);
+  for (TRecreation& Item : ChangeItems()) {
+    if (Item.State != TItemState::Done) continue;
+    Item.State = TItemState::NotReached;
+    const TScript Script = ScriptOf(Item, DatabaseName, Connection());
+    if (Script.Statements.empty())
+      AddToPlan({Format("%s the %s '%s'", Item.IsThere ? "change" : "make", What(), Item.Structure.Name)});
+    for (const TScriptStatement& Statement : Script.Statements)
+      AddToPlan({"make " + Statement.What, {}, Statement.Text});
+  }
+}
+
+}  // namespace velkrund

@@ -35,8 +35,9 @@ class TRowAccess {
   /// Whether CopyRows makes of every value what OpenAppender makes of what OpenCursor reads, or refuses the same ones.
   virtual bool CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
                              std::span<const TColumnPair> Pairs) = 0;
-  /// By one statement, in the order in which the rows stand. Columns of Target that are not named get their default.
-  /// Returns how many rows were copied.
+  /// By one statement, in the order in which the rows stand. Columns of Target that are not named get their default;
+  /// counters are the affair of the engine. An error where Target is no plain table, and where a trigger or rule of it
+  /// would act on the rows. Returns how many rows were copied.
   virtual std::int64_t CopyRows(const TTableDescription& Source, const TTableDescription& Target,
                                 std::span<const TColumnPair> Pairs) = 0;
 };

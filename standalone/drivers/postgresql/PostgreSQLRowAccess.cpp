@@ -1,10 +1,49 @@
 #include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
 
+#include <libpq-fe.h>
+
+#include <algorithm>
+
+#include "standalone/drivers/RowCopy.h"
+#include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
-#include "velkrund/platform/ormtools/Exceptions.h"
+#include "standalone/drivers/postgresql/PostgreSQLRowCopy.h"
+#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
+namespace {
+
+/// What the engine would do beside, or instead: triggers, and rules for insertions (ev_type 3).
+std::vector<std::string> ActionsOnInsert(TPostgreSQLSession& Session, const std::string& TableOid,
+                                         const std::string& What) {
+  std::vector<std::string> Result = ReadPostgreSQLInsertTriggers(Session, TableOid, What);
+  const TPostgreSQLResult Rules =
+      Session.Query(What,
+                    CatalogueStatement("SELECT w.rulename FROM pg_catalog.pg_rewrite w WHERE w.ev_class = "
+                                       "$1::pg_catalog.oid AND w.ev_type = '3' AND w.ev_enabled <> 'D'"),
+                    {TableOid.c_str()});
+  for (int Row = 0; Row < Rules.RowCount(); ++Row) Result.push_back(Rules.Copy(Row, 0));
+  return Result;
+}
+
+/// IsPlain: Source keeps its rows itself.
+std::string CopyStatement(const TTableDescription& Source, const TTableDescription& Target, bool IsPlain,
+                          std::span<const TColumnPair> Pairs, const TPostgreSQLDialect& Dialect) {
+  std::string Names, Values;
+  for (const TColumnPair& Pair : Pairs) {
+    const char* const Separator = Names.empty() ? "" : ", ";
+    Names += Separator + QuoteStandardName(Target.Columns[static_cast<std::size_t>(Pair.To)].Name);
+    Values +=
+        std::string(Separator) + "S." + QuoteStandardName(Source.Columns[static_cast<std::size_t>(Pair.From)].Name);
+  }
+  // No index has the places of rows, so that none is read in place of the table, in its own order.
+  const char* const Order = IsPlain ? " WHERE S.ctid OPERATOR(pg_catalog.>=) '(0,0)'::pg_catalog.tid" : "";
+  return Format("INSERT INTO %s (%s) OVERRIDING SYSTEM VALUE SELECT %s FROM %s AS S%s",
+                Dialect.QualifiedName(Target.Table), Names, Values, Dialect.SQLName(Source.Table), Order);
+}
+
+}  // namespace
 
 std::unique_ptr<TCursor> TPostgreSQLRowAccess::OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
                                                           std::span<const int> Order) {
@@ -20,14 +59,29 @@ std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDe
   return std::make_unique<TPostgreSQLAppender>(FSession, FSequences, Table, Columns, Options);
 }
 
-bool TPostgreSQLRowAccess::CopiesExactly(const TTableDescription&, const TTableDescription&,
-                                         std::span<const TColumnPair>) {
-  return false;
+bool TPostgreSQLRowAccess::CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
+                                         std::span<const TColumnPair> Pairs) {
+  if (Pairs.empty() || Source.Table.Kind != TTableKind::Table || Target.Table.Kind != TTableKind::Table) return false;
+  const std::string What = CopyFailed(Source.Table, Target.Table);
+  const TPostgreSQLTable From = ReadPostgreSQLTable(FSession, Source.Table, What);
+  const TPostgreSQLTable To = ReadPostgreSQLTable(FSession, Target.Table, What);
+  const char* const Encoding = PQparameterStatus(FSession.Handle(), "server_encoding");
+  const bool HasUtf8 = Encoding && std::string_view(Encoding) == "UTF8";
+  const auto IsExact = [&](const TColumnPair& Pair) {
+    return PostgreSQLCopiesExactly(ColumnOf(From, Source.Columns[static_cast<std::size_t>(Pair.From)].Name, What),
+                                   ColumnOf(To, Target.Columns[static_cast<std::size_t>(Pair.To)].Name, What), HasUtf8);
+  };
+  return std::all_of(Pairs.begin(), Pairs.end(), IsExact) && ActionsOnInsert(FSession, To.Oid, What).empty();
 }
 
-std::int64_t TPostgreSQLRowAccess::CopyRows(const TTableDescription&, const TTableDescription&,
-                                            std::span<const TColumnPair>) {
-  throw EDatabaseError("rows are not copied yet");
+std::int64_t TPostgreSQLRowAccess::CopyRows(const TTableDescription& Source, const TTableDescription& Target,
+                                            std::span<const TColumnPair> Pairs) {
+  const std::string What = CopyFailed(Source.Table, Target.Table);
+  CheckTakesCopies(Source.Table, Target, Pairs, FSession.ReadOnly());
+  const TPostgreSQLTable From = ReadPostgreSQLTable(FSession, Source.Table, What);
+  const TPostgreSQLTable To = ReadPostgreSQLTable(FSession, Target.Table, What);
+  CheckNothingActs(Source.Table, Target.Table, ActionsOnInsert(FSession, To.Oid, What));
+  return FSession.Query(What, CopyStatement(Source, Target, From.Kind == 'r', Pairs, FSession.Dialect())).TagCount();
 }
 
 }  // namespace velkrund

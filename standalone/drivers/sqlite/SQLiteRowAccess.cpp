@@ -2,9 +2,11 @@
 
 #include <sqlite3.h>
 
+#include "standalone/drivers/RowCopy.h"
 #include "standalone/drivers/sqlite/SQLiteAppender.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
 #include "standalone/drivers/sqlite/SQLiteDatabase.h"
+#include "standalone/drivers/sqlite/SQLiteRowCopy.h"
 #include "standalone/drivers/sqlite/SQLiteSchemaReader.h"
 #include "standalone/drivers/sqlite/SQLiteTriggerText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -89,13 +91,41 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   }
 }
 
-bool TSQLiteRowAccess::CopiesExactly(const TTableDescription&, const TTableDescription&, std::span<const TColumnPair>) {
-  return false;
+TSQLiteCopiedTable TSQLiteRowAccess::Copied(const TTableDescription& Table, const std::string& What) {
+  TSQLiteCopiedTable Result{Table};
+  if (Table.Table.Kind != TTableKind::Table) return Result;
+  const TSQLiteListedTable* const Listed = FSchema.Listed(Table.Table.Name);
+  if (!Listed)
+    throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, Table.Table.Name),
+                         {.Code = TErrorCode::TableMissing, .Table = Table.Table.Name});
+  Result.Strict = Listed->Strict;
+  Result.WithoutRowId = Listed->WithoutRowId;
+  Result.RowNumberColumn = RowNumberColumn(FSchema, Table, Listed->WithoutRowId);
+  return Result;
 }
 
-std::int64_t TSQLiteRowAccess::CopyRows(const TTableDescription&, const TTableDescription&,
-                                        std::span<const TColumnPair>) {
-  throw EDatabaseError("rows are not copied yet");
+bool TSQLiteRowAccess::CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
+                                     std::span<const TColumnPair> Pairs) {
+  // On their way through records the texts of such a database are converted, and what cannot be is refused.
+  if (FDatabase.Texts().Wide || Source.Table.Kind != TTableKind::Table || Target.Table.Kind != TTableKind::Table)
+    return false;
+  const std::string What = CopyFailed(Source.Table, Target.Table);
+  return SQLiteCopiesExactly(Copied(Source, What), Copied(Target, What), Pairs) &&
+         InsertTriggers(FDatabase.Handle(), FSchema, Target.Table.Name).empty();
+}
+
+std::int64_t TSQLiteRowAccess::CopyRows(const TTableDescription& Source, const TTableDescription& Target,
+                                        std::span<const TColumnPair> Pairs) {
+  const std::string What = CopyFailed(Source.Table, Target.Table);
+  CheckTakesCopies(Source.Table, Target, Pairs, FReadOnly);
+  CheckNothingActs(Source.Table, Target.Table, InsertTriggers(FDatabase.Handle(), FSchema, Target.Table.Name));
+  // Numbers that are taken cannot be kept.
+  const bool KeepsNumbers = !FSchema.HasRows(Target.Table);
+  TSQLiteStatement Copy(FDatabase.Handle(),
+                        SQLiteCopyStatement(Copied(Source, What), Copied(Target, What), Pairs, KeepsNumbers), What);
+  sqlite3_stmt* const Handle = Copy.Handle();
+  if (sqlite3_step(Handle) != SQLITE_DONE) RaiseSQLiteError(FDatabase.Handle(), What, {.Table = Target.Table.Name});
+  return sqlite3_changes64(FDatabase.Handle());
 }
 
 }  // namespace velkrund

@@ -6,6 +6,7 @@ namespace velkrund {
 
 class TSQLiteDatabase;
 class TSQLiteSchemaReader;
+struct TSQLiteCopiedTable;
 
 class TSQLiteRowAccess final : public TRowAccess {
  public:
@@ -22,6 +23,8 @@ class TSQLiteRowAccess final : public TRowAccess {
                         std::span<const TColumnPair> Pairs) override;
 
  private:
+  TSQLiteCopiedTable Copied(const TTableDescription& Table, const std::string& What);
+
   const TSQLiteDatabase& FDatabase;
   TSQLiteSchemaReader& FSchema;
   const bool FReadOnly;

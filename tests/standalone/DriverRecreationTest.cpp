@@ -311,7 +311,7 @@ TEST_P(DriverRecreationTest, WithinATransactionNothingIsLostAtAnyStep) {
 
 TEST_P(DriverRecreationTest, ACancelledCopyLeavesTheTable) {
   // Another type, so that the rows go one by one.
-  Table.Fields[1].Type = TDicFieldType::Bytes;
+  Table.Fields[0].Type = TDicFieldType::String;
   Store();
   Single.FOnShowProgress = [&](std::int32_t Current, std::int32_t, std::string_view) {
     if (Current == 2) Single.SetCanceled(true);

@@ -92,7 +92,7 @@ std::unique_ptr<TSafeguards> TSQLiteConnection::Safeguards(TLoadNeeds Needs) {
 }
 
 std::unique_ptr<TSurroundings> TSQLiteConnection::Surroundings(const TTableInfo& Object, TRenamedFields Renamed) {
-  return std::make_unique<TSQLiteSurroundings>(FDatabase, Object, std::move(Renamed));
+  return std::make_unique<TSQLiteSurroundings>(*this, FDatabase, Object, std::move(Renamed));
 }
 
 std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {

@@ -48,6 +48,8 @@ TSQLiteQueryCursor::TSQLiteQueryCursor(const TSQLiteDatabase& Database, const st
       FExecution(Database, Text, FParameters),
       FWide(Database.Texts().Wide) {}
 
+int TSQLiteQueryCursor::ColumnCount() const { return sqlite3_column_count(FExecution.Handle()); }
+
 void TSQLiteQueryCursor::Read(int Column, TKvVariant& Value) {
   ReadSQLiteCell(sqlite3_column_value(FExecution.Handle(), Column), FWide, Value);
 }

@@ -32,6 +32,7 @@ class TSQLiteQueryCursor final : public TCursor {
  public:
   TSQLiteQueryCursor(const TSQLiteDatabase& Database, const std::string& Text, std::span<const TKvVariant> Parameters);
 
+  int ColumnCount() const;
   bool Next() override { return FExecution.Step(); }
   void Read(int Column, TKvVariant& Value) override;
 

@@ -25,12 +25,13 @@ class TOneOfEach : public TDicDatabase {
   bool SelectStoredProcExist(const std::string& Name) override { return Name == "74"; }
   std::int64_t GeneratorValue(const std::string&) override { return 0; }
   void SetGenerator(const std::string&, std::int64_t, std::int64_t) override {}
-  void CreateGenerator(const std::string&, std::optional<std::int64_t>) override {}
+  void AdvanceGenerator(const std::string&, std::int64_t) override {}
+  void CreateGenerator(const std::string&, std::optional<std::int64_t>, bool) override {}
   void DropGenerator(const std::string&) override {}
   void CreateView(const std::string&, bool, bool) override {}
   void DropView(const std::string&) override {}
-  void CreateExecStoredProc(const std::string&) override {}
-  void CreateSelectStoredProc(const std::string&) override {}
+  void CreateExecStoredProc(const std::string&, bool) override {}
+  void CreateSelectStoredProc(const std::string&, bool) override {}
   void DropStoredProc(const std::string&) override {}
 };
 

@@ -10,6 +10,8 @@
 #include "standalone/drivers/TextLines.h"
 #include "standalone/structures/StructureStore.h"
 #include "tests/standalone/DriverFixture.h"
+#include "velkrund/dictionary/RecreateKinds.h"
+#include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -314,6 +316,44 @@ TEST_P(DriverObjectsTest, ReplacedProceduresAreTheNewOnesOrTheOldOnes) {
                 HasSubstr(Selects ? "already that returns rows; drop it first" : "already that returns no rows"));
     EXPECT_EQ(Existing(Name), std::to_string(Kind) + " ");
   }
+}
+
+TEST_P(DriverObjectsTest, TheContainerFindsTheOrderOfWhatNeedsEachOther) {
+  const TServiceGuard<TDicDBContainer> Dictionary{&Databases};
+  const TRecreateOperationsGuard Operations{TRecreateOperationList()};
+  for (const TRecreateKind* const Kind : {&GeneratorKind, &ViewKind, &ExecStoredProcKind, &SelectStoredProcKind})
+    RecreateOperations().Register(Kind->ObjectType, Kind->Single);
+  std::string Report;
+  const TMessageBoxGuard Box{[&](TWindowHandle, std::u16string_view Text, auto...) {
+    Report = FromUtf16(Text);
+    return IDOK;
+  }};
+  TUORecreateContainer Container;
+  Container.DatabaseName = Url;
+  const auto Add = [&](int Kind, const std::string& Name) { ASSERT_TRUE(Container.Add(Kind, Name)); };
+  for (const int Kind : {SelectStoredProcObjectType, ExecStoredProcObjectType}) {
+    StoreStructure(Kind, "P" + std::to_string(Kind));
+    Add(Kind, "P" + std::to_string(Kind));
+  }
+  constexpr int Depth = 6;
+  for (int Number = 1; Number <= Depth; ++Number) {
+    const std::string From = Number == Depth ? "WORDS" : "V" + std::to_string(Number + 1);
+    StoreDescription(Url, View("V" + std::to_string(Number), "SELECT \"W\" FROM \"" + From + "\""));
+    Add(ViewObjectType, "V" + std::to_string(Number));
+  }
+  StoreDescription(Url, View("BAD1", "SELECT \"W\" FROM \"BAD2\""));
+  StoreDescription(Url, View("BAD2", "SELECT \"W\" FROM \"NOWHERE\""));
+  for (const char* Name : {"BAD1", "BAD2"}) Add(ViewObjectType, Name);
+  StoreStructure(GeneratorObjectType, "G");
+  Add(GeneratorObjectType, "G");
+
+  TTransaction Run(Url);
+  EXPECT_EQ(Container.Execute(), 1);
+  EXPECT_THAT(Report, AllOf(HasSubstr("\r\nBAD1;BAD2;\r\nLast Error: "), HasSubstr("NOWHERE")));
+  Run.Commit();
+  EXPECT_EQ(Existing("V1") + Existing("P73") + Existing("P74") + Existing("G") + Existing("BAD1") + Existing("BAD2"),
+            "72 73 74 71 ");
+  EXPECT_TRUE(Rows(Connection(), "V1").empty());
 }
 
 TEST_P(DriverObjectsTest, ViewsAreTriedAndReplaced) {

@@ -196,7 +196,6 @@ bool TThis::Sweep(int ObjectType) {
   Operation->DatabaseName = DatabaseName;
   for (const TRecreation* const Item : Meant) Operation->Names.push_back(Item->Structure.Name);
   Operation->SetOverwrite(TRecreateOverwrite::Yes);
-  if (!StartValue.empty()) Operation->StartValue = StrToInt64(StartValue);
   Operation->FOnFailed = [this](const std::string& Name, const std::exception_ptr& Error) {
     FFailed[UpperCase(Name)] = Error;
   };

@@ -84,7 +84,9 @@ class TThis::TList final : public TUORecreateTables {
 
  private:
   void RecreateOne(TUORecreateTable& Operation) override { FJob.Recreate(Operation, FGaps); }
-  bool MayGoOn(const std::exception&, const std::string&) override { return FJob.MayGoOn(*FJob.Find(FJob.FAt)); }
+  void GoOn(const std::exception&, const std::string&) override {
+    if (!FJob.MayGoOn(*FJob.Find(FJob.FAt))) throw;
+  }
 
   TJobRecreateTables& FJob;
   TAllowedGaps& FGaps;

@@ -91,6 +91,28 @@ void TCatalogueGenerators::Create(const TDicGeneratorDescription& Generator, std
   if (Start) SetValue(Generator, Before(Name, *Start, Range.Step));
 }
 
+void TCatalogueGenerators::Alter(const TDicGeneratorDescription& There, const TDicGeneratorDescription& Generator,
+                                 std::optional<std::int64_t> Start) {
+  const std::string Name = Generator.FullName(), Key = LowerCase(Name);
+  const TDicCounter& Counter = Generator.Counter;
+  const TGeneratorRange Range = RangeOf(Name, Counter);
+  const TKvVariant Cells[] = {CellOf(Counter.Start, Range.Start),    CellOf(Counter.Step, Range.Step),
+                              CellOf(Counter.Min, Range.Min),        CellOf(Counter.Max, Range.Max),
+                              NumberCell(std::int64_t{Range.Cycle}), TextCell(Key)};
+  const TDialect& Dialect = FConnection.Dialect();
+  FConnection.Execute(
+      Format(
+          "UPDATE %s SET start_value = %s, step = %s, min_value = %s, max_value = %s, cycle = %s WHERE name_key = %s",
+          Kept().Name, Dialect.ParameterMark(1), Dialect.ParameterMark(2), Dialect.ParameterMark(3),
+          Dialect.ParameterMark(4), Dialect.ParameterMark(5), Dialect.ParameterMark(6)),
+      Cells);
+  if (Start) return SetValue(Generator, Before(Name, *Start, Range.Step));
+  // Refused where it cannot stand there any more.
+  if (const std::optional<std::int64_t> Last = LastValue(Generator)) return SetValue(Generator, *Last);
+  const std::int64_t First = RangeOf(Name, There.Counter).Start;
+  if (Range.Step > 0 ? First > Range.Start : First < Range.Start) SetValue(Generator, Before(Name, First, Range.Step));
+}
+
 std::optional<std::int64_t> TCatalogueGenerators::LastValue(const TDicGeneratorDescription& Generator) {
   const std::string Name = Generator.FullName(), Key = LowerCase(Name);
   const auto Rows = Select("last_value", &Key);

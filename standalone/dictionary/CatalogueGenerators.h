@@ -14,6 +14,8 @@ class TCatalogueGenerators final : public TGenerators {
   std::vector<TDicGeneratorDescription> List() override;
   std::optional<TDicGeneratorDescription> Find(const std::string& Name) override;
   void Create(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) override;
+  void Alter(const TDicGeneratorDescription& There, const TDicGeneratorDescription& Generator,
+             std::optional<std::int64_t> Start) override;
   std::int64_t Value(const TDicGeneratorDescription& Generator) override;
   void SetValue(const TDicGeneratorDescription& Generator, std::int64_t Value) override;
   void Drop(const TDicGeneratorDescription& Generator) override;

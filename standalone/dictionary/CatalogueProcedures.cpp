@@ -89,6 +89,11 @@ void TCatalogueProcedures::Create(const TDicProcedureDescription& Procedure) {
       Format("INSERT INTO %s (name_key, %s) VALUES (%s)", Kept().Name, DescriptionColumns, Joined(Marks)), Cells);
 }
 
+void TCatalogueProcedures::Redefine(const TDicProcedureDescription& Procedure) {
+  Drop(Procedure);
+  Create(Procedure);
+}
+
 void TCatalogueProcedures::Drop(const TDicProcedureDescription& Procedure) {
   const std::string Key = LowerCase(Procedure.FullName());
   const TKvVariant Identity = TextCell(Key);

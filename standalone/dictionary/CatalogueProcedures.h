@@ -17,6 +17,9 @@ class TCatalogueProcedures final : public TProcedures {
   /// The engine reads every statement of the engine's own text, else of another engine's; raises EDatabaseError for
   /// what it does not understand, and for parameters that the description does not have.
   void Create(const TDicProcedureDescription& Procedure) override;
+  void Redefine(const TDicProcedureDescription& Procedure) override;
+  /// Nothing stands around them.
+  std::unique_ptr<TSurroundings> Surroundings(const TDicProcedureDescription&) override { return nullptr; }
   void Drop(const TDicProcedureDescription& Procedure) override;
 
  private:

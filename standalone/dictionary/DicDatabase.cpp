@@ -60,6 +60,39 @@ bool TryToMake(const std::string& DatabaseName, TGapBook& Gaps, const TDicEngine
   }
 }
 
+/// What is described, under the name of the one that is there: the engine may tell names apart that people do not.
+template <typename TDescription>
+TDescription InPlaceOf(const TDicObjectDescription& There, TDescription Described) {
+  Described.Name = There.Name;
+  Described.Schema = There.Schema;
+  return Described;
+}
+
+/// Redefined where the engine can, so that what hangs on it stays; else dropped, and made again.
+void RedefineOrMakeAnew(const std::string& DatabaseName, const std::function<void()>& Redefine,
+                        const std::function<void()>& Drop, const std::function<void()>& Make) {
+  std::string Reason;
+  if (Redefine) {
+    try {
+      TTransaction Part(DatabaseName);
+      Redefine();
+      return Part.Commit();
+    } catch (const EGap&) {
+      throw;
+    } catch (const EDatabaseError& Error) {
+      Reason = Error.what();
+    }
+  }
+  try {
+    Drop();
+  } catch (const EDatabaseError& Error) {
+    if (Reason.empty()) throw;
+    throw EDatabaseError(Format("%s; nor can the one that is there be dropped first: %s", Reason, Error.what()),
+                         Error.Info());
+  }
+  Make();
+}
+
 }  // namespace
 
 bool TStandaloneDicDatabase::GeneratorExist(const std::string& Name) { return Generators()->Find(Name).has_value(); }
@@ -92,12 +125,29 @@ void TStandaloneDicDatabase::SetGenerator(const std::string& Name, std::int64_t 
   Transaction.Commit();
 }
 
-void TStandaloneDicDatabase::CreateGenerator(const std::string& Name, std::optional<std::int64_t> StartValue) {
+void TStandaloneDicDatabase::AdvanceGenerator(const std::string& Name, std::int64_t Value) {
+  TTransaction Transaction(FDatabaseName);
+  const auto Kept = Generators();
+  const TDicGeneratorDescription Found = ExistingGenerator(Name);
+  // As it is, so that nobody asks it meanwhile.
+  Kept->Alter(Found, Found, std::nullopt);
+  const std::int64_t Stands = Kept->Value(Found);
+  const bool IsBehind = RangeOf(Found.FullName(), Found.Counter).Step > 0 ? Stands < Value : Stands > Value;
+  if (IsBehind) Kept->SetValue(Found, Value);
+  Transaction.Commit();
+}
+
+void TStandaloneDicDatabase::CreateGenerator(const std::string& Name, std::optional<std::int64_t> StartValue,
+                                             bool Replace) {
   const TDicGeneratorDescription Stored = Described(StoredGenerator(FDatabaseName, Name), "generator", Name);
   TTransaction Transaction(FDatabaseName);
   const auto Kept = Generators();
-  if (Kept->Find(Stored.FullName())) RefuseSecond("generator", Stored.FullName());
-  Kept->Create(Stored, StartValue);
+  if (const std::optional<TDicGeneratorDescription> Found = Kept->Find(Stored.FullName())) {
+    if (!Replace) RefuseSecond("generator", Stored.FullName());
+    Kept->Alter(*Found, InPlaceOf(*Found, Stored), StartValue);
+  } else {
+    Kept->Create(Stored, StartValue);
+  }
   const TDicGeneratorDescription WithOwnWords = WithWords(Stored, ExistingGenerator(Stored.FullName()), Engine());
   if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
   Transaction.Commit();
@@ -131,39 +181,39 @@ void TStandaloneDicDatabase::MakeView(const TDicViewDescription& View, bool Repl
   Target.Query("SELECT * FROM " + Quoted + " WHERE 1 = 0")->Next();
 }
 
-/// Redefined where the engine can, so that what hangs on it stays; else dropped and made again.
-void TStandaloneDicDatabase::ReplaceView(const TDicViewDescription& View, bool Verify) {
-  const std::optional<TTableInfo> Before = FindView(View.FullName());
-  std::string Reason;
-  try {
-    TTransaction Part(FDatabaseName);
-    MakeView(View, true, Verify);
-    return Part.Commit();
-  } catch (const EGap&) {
-    throw;
-  } catch (const EDatabaseError& Error) {
-    if (!Before) throw;
-    Reason = Error.what();
-  }
-  try {
-    Connection().Execute(Connection().Scripts().DropView(Connection().Definitions().View(*Before)));
-  } catch (const EDatabaseError& Error) {
-    throw EDatabaseError(Format("%s; nor can the one that is there be dropped first: %s", Reason, Error.what()),
-                         Error.Info());
-  }
-  MakeView(View, false, Verify);
+void TStandaloneDicDatabase::Trace(const TSurroundings& Around) {
+  for (const std::string& Remark : Around.Remarks()) FManager.WriteTrace(TraceSubsystem, TTraceLevel::Info, Remark);
+}
+
+void TStandaloneDicDatabase::ReplaceView(const TDicViewDescription& View, const TTableInfo& There, bool Verify) {
+  TConnection& Target = Connection();
+  const TDicViewDescription Before = Target.Definitions().View(There), After = InPlaceOf(Before, View);
+  const auto Around = Target.Surroundings(There, {});
+  const bool CanRedefine = Target.Capabilities().RedefinesViews && !Before.Materialized && !View.Materialized;
+  RedefineOrMakeAnew(
+      FDatabaseName, CanRedefine ? [&] { MakeView(After, true, Verify); } : std::function<void()>(),
+      [&] {
+        Around->SetAside();
+        Target.Execute(Target.Scripts().DropView(Before));
+      },
+      [&] {
+        MakeView(After, false, Verify);
+        Around->PutBack();
+        Trace(*Around);
+      });
 }
 
 void TStandaloneDicDatabase::CreateView(const std::string& Name, bool Replace, bool Verify) {
   const TDicViewDescription Stored = Described(StoredView(FDatabaseName, Name), "view", Name);
   const std::string View = Stored.FullName();
   TTransaction Transaction(FDatabaseName);
-  if (!Replace && FindView(View)) RefuseSecond("view", View);
+  const std::optional<TTableInfo> There = FindView(View);
+  if (!Replace && There) RefuseSecond("view", View);
   const bool IsForeign = !ForeignEngine(Stored.Words, Engine()).empty();
   const TScriptGap Gap{"views", Format("the view '%s'", View)};
   const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] {
-    if (Replace)
-      ReplaceView(Stored, Verify || IsForeign);
+    if (There)
+      ReplaceView(Stored, *There, Verify || IsForeign);
     else
       MakeView(Stored, false, Verify || IsForeign);
   });
@@ -187,14 +237,35 @@ bool TStandaloneDicDatabase::HasProcedure(const std::string& Name, bool Selects)
   return Found && Found->Selects == Selects;
 }
 
-void TStandaloneDicDatabase::CreateProcedure(const std::string& Name, bool Selects) {
+void TStandaloneDicDatabase::ReplaceProcedure(TProcedures& Kept, const TDicProcedureDescription& There,
+                                              const TDicProcedureDescription& Procedure) {
+  const TDicProcedureDescription After = InPlaceOf(There, Procedure);
+  const auto Around = Kept.Surroundings(There);
+  if (Around) Around->SetAside();
+  RedefineOrMakeAnew(
+      FDatabaseName, [&] { Kept.Redefine(After); }, [&] { Kept.Drop(There); }, [&] { Kept.Create(After); });
+  if (!Around) return;
+  Around->PutBack();
+  Trace(*Around);
+}
+
+void TStandaloneDicDatabase::CreateProcedure(const std::string& Name, bool Selects, bool Replace) {
   const TDicProcedureDescription Stored = Described(StoredProcedure(FDatabaseName, Name, Selects), "procedure", Name);
   const std::string Procedure = Stored.FullName();
   TTransaction Transaction(FDatabaseName);
   const auto Kept = Procedures();
-  if (Kept->Find(Procedure)) RefuseSecond("procedure", Procedure);
+  const std::optional<TDicProcedureDescription> There = Kept->Find(Procedure);
+  if (There && There->Selects != Selects)
+    throw EDatabaseError(Format("There is a procedure '%s' in the database already that %s; drop it first", Procedure,
+                                Selects ? "returns no rows" : "returns rows"));
+  if (There && !Replace) RefuseSecond("procedure", Procedure);
   const TScriptGap Gap{"procedures", Format("the procedure '%s'", Procedure)};
-  const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] { Kept->Create(Stored); });
+  const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] {
+    if (There)
+      ReplaceProcedure(*Kept, *There, Stored);
+    else
+      Kept->Create(Stored);
+  });
   if (Made) {
     const std::optional<TDicProcedureDescription> Found = Kept->Find(Procedure);
     if (!Found) RefuseMissing("procedure", Procedure);

@@ -24,7 +24,8 @@ class TStandaloneDicDatabase final : public TDicDatabase {
   bool GeneratorExist(const std::string& Name) override;
   std::int64_t GeneratorValue(const std::string& Name) override;
   void SetGenerator(const std::string& Name, std::int64_t Step, std::int64_t Value) override;
-  void CreateGenerator(const std::string& Name, std::optional<std::int64_t> StartValue) override;
+  void AdvanceGenerator(const std::string& Name, std::int64_t Value) override;
+  void CreateGenerator(const std::string& Name, std::optional<std::int64_t> StartValue, bool Replace) override;
   void DropGenerator(const std::string& Name) override;
 
   bool ViewExist(const std::string& Name) override;
@@ -36,8 +37,8 @@ class TStandaloneDicDatabase final : public TDicDatabase {
   bool ExecStoredProcExist(const std::string& Name) override { return HasProcedure(Name, false); }
   bool SelectStoredProcExist(const std::string& Name) override { return HasProcedure(Name, true); }
   /// The same for procedures, with the kind "procedures".
-  void CreateExecStoredProc(const std::string& Name) override { CreateProcedure(Name, false); }
-  void CreateSelectStoredProc(const std::string& Name) override { CreateProcedure(Name, true); }
+  void CreateExecStoredProc(const std::string& Name, bool Replace) override { CreateProcedure(Name, false, Replace); }
+  void CreateSelectStoredProc(const std::string& Name, bool Replace) override { CreateProcedure(Name, true, Replace); }
   void DropStoredProc(const std::string& Name) override;
 
   // For whoever describes what is there.
@@ -49,11 +50,14 @@ class TStandaloneDicDatabase final : public TDicDatabase {
   std::string_view Engine() { return Connection().Scripts().Engine(); }
   TDicGeneratorDescription ExistingGenerator(const std::string& Name);
   void MakeView(const TDicViewDescription& View, bool Replace, bool Verify);
-  void ReplaceView(const TDicViewDescription& View, bool Verify);
+  void ReplaceView(const TDicViewDescription& View, const TTableInfo& There, bool Verify);
   std::optional<TTableInfo> FindView(const std::string& Name);
   TTableInfo ExistingView(const std::string& Name);
   bool HasProcedure(const std::string& Name, bool Selects);
-  void CreateProcedure(const std::string& Name, bool Selects);
+  void ReplaceProcedure(TProcedures& Kept, const TDicProcedureDescription& There,
+                        const TDicProcedureDescription& Procedure);
+  void CreateProcedure(const std::string& Name, bool Selects, bool Replace);
+  void Trace(const TSurroundings& Around);
 
   TStandaloneManager& FManager;
   const std::string FDatabaseName;

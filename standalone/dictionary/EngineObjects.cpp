@@ -4,6 +4,7 @@
 
 #include "standalone/dictionary/CatalogueGenerators.h"
 #include "standalone/dictionary/CatalogueProcedures.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -60,6 +61,23 @@ void TEngineGenerators::Create(const TDicGeneratorDescription& Generator, std::o
   RunScript(FConnection, FConnection.Scripts().Generator(Generator, Start), FGaps);
 }
 
+void TEngineGenerators::Alter(const TDicGeneratorDescription& There, const TDicGeneratorDescription& Generator,
+                              std::optional<std::int64_t> Start) {
+  const TScriptWriter& Scripts = FConnection.Scripts();
+  const TScript Altered = Scripts.AlterGenerator(Generator, Start);
+  if (Start) return RunScript(FConnection, Altered, FGaps);
+  // As it is, so that nobody asks it from here on.
+  RunScript(FConnection, Scripts.AlterGenerator(There, std::nullopt), FGaps);
+  const std::int64_t Stands = Value(There);
+  RunScript(FConnection, Altered, FGaps);
+  const std::string Name = Generator.FullName();
+  const TGeneratorRange Old = RangeOf(Name, There.Counter), New = RangeOf(Name, Generator.Counter);
+  const bool WasAsked = Stands != Before(Name, Old.Start, Old.Step);
+  const bool LiesAhead = New.Step > 0 ? New.Start > Old.Start : New.Start < Old.Start;
+  if (WasAsked && Value(Generator) != Stands) SetValue(Generator, Stands);
+  if (!WasAsked && LiesAhead) SetValue(Generator, Before(Name, New.Start, New.Step));
+}
+
 std::int64_t TEngineGenerators::Value(const TDicGeneratorDescription& Generator) {
   return FConnection.Definitions().GeneratorValue(Named(Generator));
 }
@@ -86,6 +104,17 @@ std::optional<TDicProcedureDescription> TEngineProcedures::Find(const std::strin
 
 void TEngineProcedures::Create(const TDicProcedureDescription& Procedure) {
   RunScript(FConnection, FConnection.Scripts().Procedure(Procedure, false), FGaps);
+}
+
+void TEngineProcedures::Redefine(const TDicProcedureDescription& Procedure) {
+  RunScript(FConnection, FConnection.Scripts().Procedure(Procedure, true), FGaps);
+  // Other parameters make another one beside it.
+  if (!Find(Procedure.FullName()))
+    throw EDatabaseError(Format("Cannot redefine procedure '%s': its parameters are others", Procedure.FullName()));
+}
+
+std::unique_ptr<TSurroundings> TEngineProcedures::Surroundings(const TDicProcedureDescription& Procedure) {
+  return FConnection.SurroundingsOfProcedure(Named(Procedure));
 }
 
 void TEngineProcedures::Drop(const TDicProcedureDescription& Procedure) {

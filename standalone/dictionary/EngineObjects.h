@@ -20,6 +20,8 @@ class TEngineGenerators final : public TGenerators {
   std::vector<TDicGeneratorDescription> List() override;
   std::optional<TDicGeneratorDescription> Find(const std::string& Name) override;
   void Create(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) override;
+  void Alter(const TDicGeneratorDescription& There, const TDicGeneratorDescription& Generator,
+             std::optional<std::int64_t> Start) override;
   std::int64_t Value(const TDicGeneratorDescription& Generator) override;
   void SetValue(const TDicGeneratorDescription& Generator, std::int64_t Value) override;
   void Drop(const TDicGeneratorDescription& Generator) override;
@@ -37,6 +39,8 @@ class TEngineProcedures final : public TProcedures {
   std::vector<TDicProcedureDescription> List() override;
   std::optional<TDicProcedureDescription> Find(const std::string& Name) override;
   void Create(const TDicProcedureDescription& Procedure) override;
+  void Redefine(const TDicProcedureDescription& Procedure) override;
+  std::unique_ptr<TSurroundings> Surroundings(const TDicProcedureDescription& Procedure) override;
   void Drop(const TDicProcedureDescription& Procedure) override;
 
  private:

@@ -26,6 +26,12 @@ class TGenerators {
   virtual void Create(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) = 0;
 
   // Of one that Find has found.
+  /// Makes it count as Generator says, which goes by the name of the one that is there. It goes on where it stands
+  /// unless Start, the next number, says otherwise; one that was never asked begins with its new start, should that lie
+  /// ahead. Until the end of the transaction nobody else asks it. EDatabaseError where the new limits leave out where
+  /// it stands.
+  virtual void Alter(const TDicGeneratorDescription& There, const TDicGeneratorDescription& Generator,
+                     std::optional<std::int64_t> Start) = 0;
   /// The last value that was given out; of one that was never asked, start minus step.
   virtual std::int64_t Value(const TDicGeneratorDescription& Generator) = 0;
   virtual void SetValue(const TDicGeneratorDescription& Generator, std::int64_t Value) = 0;

@@ -23,6 +23,11 @@ class TProcedures {
   virtual std::optional<TDicProcedureDescription> Find(const std::string& Name) = 0;
   /// To be called for one that does not exist.
   virtual void Create(const TDicProcedureDescription& Procedure) = 0;
+  /// To be called for one that exists, under its name, and of the same kind: what hangs on it stays. EDatabaseError
+  /// where that cannot be; a part of a transaction around it then has to be rolled back.
+  virtual void Redefine(const TDicProcedureDescription& Procedure) = 0;
+  /// Of one that Find has found. Null: dropping it takes nothing with it.
+  virtual std::unique_ptr<TSurroundings> Surroundings(const TDicProcedureDescription& Procedure) = 0;
   /// Procedure: as Find has found it.
   virtual void Drop(const TDicProcedureDescription& Procedure) = 0;
 };

@@ -31,6 +31,7 @@ struct TCapabilities {
   bool TableSizes = false;           // TableBytes has answers
   bool Generators = false;           // CREATE SEQUENCE and its like
   bool Procedures = false;           // CREATE FUNCTION and its like
+  bool RedefinesViews = false;       // CREATE OR REPLACE VIEW, which keeps what hangs on one
   bool EnforcesForeignKeys = false;  // no statement, or no commit, leaves a row that refers to nothing
 };
 
@@ -77,6 +78,8 @@ class TConnection {
 
   /// Within a transaction. Object: a table or view that is there. Renamed: of the new one.
   virtual std::unique_ptr<TSurroundings> Surroundings(const TTableInfo& Object, TRenamedFields Renamed) = 0;
+  /// The same of a procedure. Of engines that keep procedures alone.
+  virtual std::unique_ptr<TSurroundings> SurroundingsOfProcedure(const TTableInfo& /*Procedure*/) { return nullptr; }
 
   /// Executes one statement and returns how many rows it changed; rows that it yields are dropped. Parameters take the
   /// places that the engine's SQL marks for them, in order.

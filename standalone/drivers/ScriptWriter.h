@@ -60,15 +60,23 @@ class TScriptWriter {
   /// Pattern: as TablePattern. Raises EDatabaseError for a description or pattern that nothing can be made of.
   virtual TScript Table(const TDicTableDescription& Table, const TTableParts& Parts,
                         const std::string& Pattern) const = 0;
-  /// Replace: one of that name goes first, or is redefined where that keeps what hangs on it.
+  /// Replace: one that is there is redefined, with all that hangs on it; of engines that can, and no view that keeps
+  /// its rows.
   virtual TScript View(const TDicViewDescription& View, bool Replace) const = 0;
   /// Start: the first value; nothing: that of the description.
   virtual TScript Generator(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) const = 0;
+  /// Makes one that is there count as described. Start: the next number that it gives out; nothing: it goes on where it
+  /// stands. Of engines with generators alone.
+  virtual TScript AlterGenerator(const TDicGeneratorDescription& /*Generator*/,
+                                 std::optional<std::int64_t> /*Start*/) const {
+    return {};
+  }
   /// Makes Value the last one that was given out, of one that is there as described; undone by a roll back. Of engines
   /// with generators alone.
   virtual TScript SetGenerator(const TDicGeneratorDescription& /*Generator*/, std::int64_t /*Value*/) const {
     return {};
   }
+  /// Replace: one that is there, with the same parameters, is redefined.
   virtual TScript Procedure(const TDicProcedureDescription& Procedure, bool Replace) const = 0;
 
   /// The statement as the engine's shell takes it, with its condition, and the line feed behind it.

@@ -36,15 +36,16 @@ class TGenerators final : public TDicDBContainer, public TDicDatabase {
   bool GeneratorExist(const std::string& Name) override { return Name == "GEN"; }
   std::int64_t GeneratorValue(const std::string&) override { return -42; }
   void SetGenerator(const std::string&, std::int64_t, std::int64_t) override {}
-  void CreateGenerator(const std::string&, std::optional<std::int64_t>) override {}
+  void AdvanceGenerator(const std::string&, std::int64_t) override {}
+  void CreateGenerator(const std::string&, std::optional<std::int64_t>, bool) override {}
   void DropGenerator(const std::string&) override {}
   bool ViewExist(const std::string&) override { return false; }
   void CreateView(const std::string&, bool, bool) override {}
   void DropView(const std::string&) override {}
   bool ExecStoredProcExist(const std::string&) override { return false; }
   bool SelectStoredProcExist(const std::string&) override { return false; }
-  void CreateExecStoredProc(const std::string&) override {}
-  void CreateSelectStoredProc(const std::string&) override {}
+  void CreateExecStoredProc(const std::string&, bool) override {}
+  void CreateSelectStoredProc(const std::string&, bool) override {}
   void DropStoredProc(const std::string&) override {}
 };
 

@@ -89,6 +89,12 @@ TEST_F(CPlatform, FailuresAreTexts) {
        "EPropertyError:Property 'TableName' is no number"},
       {[&] { return VelkrundTableCount(Import); }, "EPropertyError:A TUOImportTableDataInterface finds no tables", -1},
       {[&] { return VelkrundDescribeTable(Import, 0, &Table); }, "EPropertyError:A TUOImportTableDataInterface finds"},
+      {[&] { return VelkrundAddObject(Import, VELKRUND_VIEW, "V"); },
+       "EPropertyError:A TUOImportTableDataInterface collects no objects; a TUORecreateContainerInterface does"},
+      {[&] { return VelkrundClearObjects(Import); },
+       "EPropertyError:A TUOImportTableDataInterface collects no objects"},
+      {[&] { return VelkrundAddObject(nullptr, VELKRUND_VIEW, "V"); }, "EAccessViolation:The argument Operation"},
+      {[&] { return VelkrundClearObjects(nullptr); }, "EAccessViolation:The argument Operation is NULL"},
       {[&] { return VelkrundOpenFile(Existing.c_str(), VELKRUND_CREATE_NEW) != nullptr; },
        "EFCreateError:Cannot create"},
       {[&] { return VelkrundOpenFile(Existing.c_str(), 4) != nullptr; }, "EEIError:There is no file mode 4"},
@@ -249,6 +255,43 @@ TEST_F(CPlatform, HostsDecideAboutStructuresThatExist) {
     EXPECT_EQ(Asked.find(u"'S'") != std::u16string::npos, Case.Flags != 0);
     EXPECT_EQ(Asked.ends_with(u"\r\nYes: Replace\r\nNo: Skip"), Case.Flags != 0) << "what the answers mean";
   }
+}
+
+TEST_F(CPlatform, ObjectsThatNeedEachOtherAreCreatedAgain) {
+  std::string Content;
+  for (const auto& [Name, From] : {std::pair("V1", "V2"), {"V2", "T"}, {"BAD", "NOWHERE"}})
+    Content += std::string("[SECTION]\r\nName = ") + Name +
+               "\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = 72\r\nObjectName = " + Name +
+               "\r\nTableName = \r\nParentObject = \r\nRootNode = \r\n[DATA]\r\n [REMARKS]\r\n  \r\n [TREE]\r\n"
+               "  Layout:integer = 1\r\n  Name:string = '" +
+               Name + "'\r\n  sqlite:integer = 1\r\n    L:string = 'SELECT * FROM \"" + From + "\"'\r\n[END]\r\n";
+  const std::string FileName = Folder.Write("views.eif", Content);
+  VelkrundFile* const File = VelkrundOpenFile(FileName.c_str(), VELKRUND_READ);
+  for (std::int32_t Index = 0; Index < 3; ++Index) {
+    VelkrundOperation* const Import = VelkrundCreateOperation("TUOImportDSPStructureInterface", nullptr);
+    EXPECT_TRUE(VelkrundSetProperty(Import, "DatabaseName", "shop") && VelkrundSetFile(Import, "Source", File) &&
+                VelkrundSetProperty(Import, "SectionNumber", std::to_string(Index).c_str()) && VelkrundExecute(Import))
+        << VelkrundLastError();
+    EXPECT_TRUE(VelkrundDestroyOperation(Import));
+  }
+  EXPECT_TRUE(VelkrundCloseFile(File));
+
+  VelkrundOperation* const Container = VelkrundCreateOperation("TUORecreateContainerInterface", nullptr);
+  ASSERT_TRUE(VelkrundSetProperty(Container, "DatabaseName", "shop") &&
+              VelkrundSetProperty(Container, "ContinueOnError", "false"));
+  EXPECT_FALSE(VelkrundAddObject(Container, 10, "T"));
+  EXPECT_TRUE(
+      std::string_view(VelkrundLastError()).starts_with("EPropertyError:Nobody creates objects of the type 10 "));
+  EXPECT_FALSE(VelkrundAddObject(Container, VELKRUND_VIEW, nullptr));
+  EXPECT_TRUE(VelkrundAddObject(Container, VELKRUND_VIEW, "V1") && VelkrundAddObject(Container, VELKRUND_VIEW, "v2"));
+  EXPECT_TRUE(VelkrundExecute(Container)) << VelkrundLastError();
+  EXPECT_EQ(SQL("shop.db", "SELECT count(*) FROM V1"), "3\n");
+  EXPECT_TRUE(VelkrundClearObjects(Container));
+  EXPECT_EQ(Get(Container, "Count"), "2:0");
+  EXPECT_TRUE(VelkrundAddObject(Container, VELKRUND_VIEW, "BAD"));
+  EXPECT_FALSE(VelkrundExecute(Container));
+  EXPECT_NE(std::string_view(VelkrundLastError()).find("BAD;"), std::string_view::npos) << VelkrundLastError();
+  EXPECT_TRUE(VelkrundDestroyOperation(Container));
 }
 
 }  // namespace

@@ -40,6 +40,7 @@ class TActing : public TEIObject {
       if (Line == "abort") throw EAbort("stop");
       if (Line == "ask") throw EQuestionUnanswered("who?");
       if (Line == "remember") Setting += Name;
+      if (Line == "alone") Alone = true;
       if (Line == "cancel") Running->SetCanceled(true);
       FStopped = Line == "stopped" || IsCanceled();
       if (FStopped) return;
@@ -47,6 +48,7 @@ class TActing : public TEIObject {
     *Journal += Name + (Setting.empty() ? "" : "(" + Setting + ")") + DatabaseName + " ";
   }
   TEIObjectClass ClassType() const override { return TEIObjectClass(Descriptor); }
+  bool LeftAlone() const override { return Alone; }
 
   static constexpr const char* Type = Role == TSectionRole::Structure   ? "S"
                                       : Role == TSectionRole::TableData ? "T"
@@ -57,6 +59,7 @@ class TActing : public TEIObject {
       }};
 
   std::string Name, Setting;
+  bool Alone = false;
 };
 
 class TCreated : public TRecreateOperation {
@@ -177,6 +180,9 @@ TEST_F(ImportFile, ErrorsAreAskedAbout) {
       // The order: structures and others, tables, then what the structures describe.
       {"T:t x|S:s x|O:o x", IDYES, true, 1, "s o t +sV ", "", true},
       {"T:t x", IDYES, true, 1, "t ", "", true},
+      // What was left alone, left out, or has failed makes no object.
+      {"S:s alone|S:skip x|S:b bad|S:a x", IDYES, true, 1, "s ? a +aV ", "", true},
+      {"S:s alone||S:b bad||S:a x", IDYES, true, 1, "s ? a +aV ", "", true},
       // Every answer, in both parts.
       {"O:a bad|O:b x|T:t bad|T:u x", IDYES, true, 1, "? b ? u ", "", true},
       {"O:a bad|O:b x|T:t x", IDCANCEL, true, 1, "? b t ", "", true},

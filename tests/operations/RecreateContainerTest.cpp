@@ -25,12 +25,13 @@ class TOneOfEach : public TDicDatabase {
   bool SelectStoredProcExist(const std::string& Name) override { return Name == "74"; }
   std::int64_t GeneratorValue(const std::string&) override { return 0; }
   void SetGenerator(const std::string&, std::int64_t, std::int64_t) override {}
-  void CreateGenerator(const std::string&, std::optional<std::int64_t>) override {}
+  void AdvanceGenerator(const std::string&, std::int64_t) override {}
+  void CreateGenerator(const std::string&, std::optional<std::int64_t>, bool) override {}
   void DropGenerator(const std::string&) override {}
   void CreateView(const std::string&, bool, bool) override {}
   void DropView(const std::string&) override {}
-  void CreateExecStoredProc(const std::string&) override {}
-  void CreateSelectStoredProc(const std::string&) override {}
+  void CreateExecStoredProc(const std::string&, bool) override {}
+  void CreateSelectStoredProc(const std::string&, bool) override {}
   void DropStoredProc(const std::string&) override {}
 };
 
@@ -40,7 +41,10 @@ class RecreateContainer : public testing::Test {
   class TRecreate : public TRecreateOperation {
    public:
     explicit TRecreate(RecreateContainer& Test) : FTest(Test) {}
-    int Execute() override { return FTest.Create(*this); }
+    int Execute() override {
+      FDeclined = ObjectName == "kept";
+      return FTest.Create(*this);
+    }
     void SetStartValue(std::int64_t Value) override { StartValue = Value; }
     std::int64_t StartValue = 0;
 
@@ -62,6 +66,7 @@ class RecreateContainer : public testing::Test {
     if (Name == "abort") throw EAbort("stop");
     if (Name == "unanswered") throw EQuestionUnanswered("who?");
     if (Name == "declined") return 0;
+    if (Name == "kept") return 1;
     for (const std::string& Needed : Needs[Name])
       if (!Created.contains(Needed)) throw EDatabaseError("no " + Needed);
     Created.insert(Name);
@@ -105,8 +110,11 @@ TEST_F(RecreateContainer, ReportsWhatCouldNotBeCreated) {
       "M_Velkrund_DicUtils_NotCreated_ObjectsInfo %s\r\na;b;\r\nLast Error: " + Failed + "b\r\nno y";
   EXPECT_EQ(Container.Execute(), 1);
   EXPECT_EQ(BoxFlags, std::vector<std::uint32_t>{MB_OK | MB_ICONINFORMATION});
-  EXPECT_EQ(Platform.Log, (std::vector<std::string>{Failed + "a\r\nno x", Failed + "b\r\nno y", Failed + "a\r\nno x",
-                                                    Failed + "b\r\nno y", Report}));
+  const std::string Undone = "rollback";
+  EXPECT_EQ(Platform.Log,
+            (std::vector<std::string>{"start", Undone, Failed + "a\r\nno x", "start", Undone, Failed + "b\r\nno y",
+                                      "start", "commit", "start", Undone, Failed + "a\r\nno x", "start", Undone,
+                                      Failed + "b\r\nno y", Report}));
   Container.ContinueOnError = false;
   try {
     Container.Execute();
@@ -123,10 +131,9 @@ TEST_F(RecreateContainer, StopsWhereItIsTold) {
     int Result;  // -1: the question's error leaves
     std::size_t Boxes;
   } Cases[] = {
-      {"abort", "a abort ", 0, 0},
-      {"unanswered", "a unanswered ", -1, 0},
-      {"cancelled", "a cancelled ", 1, 1},
-      {"declined", "a declined b declined ", 1, 1},
+      {"abort", "a abort ", 0, 0},         {"unanswered", "a unanswered ", -1, 0},
+      {"cancelled", "a cancelled ", 1, 1}, {"declined", "a declined b ", 1, 0},
+      {"kept", "a kept b ", 1, 0},
   };
   for (const auto& Case : Cases) {
     SCOPED_TRACE(Case.Stopper);
@@ -141,6 +148,18 @@ TEST_F(RecreateContainer, StopsWhereItIsTold) {
     EXPECT_EQ(Tried, Case.Tried);
     EXPECT_EQ(BoxFlags.size(), Case.Boxes);
   }
+}
+
+TEST_F(RecreateContainer, WhatWasDeclinedIsNotAskedAgainNorReported) {
+  Needs = {{"a", {"b"}}, {"bad", {"nothing"}}};
+  for (const char* Name : {"a", "declined", "kept", "bad", "b", "Kept", "B"}) Container.Add(72, Name);
+  EXPECT_EQ(Container.Execute(), 1);
+  EXPECT_EQ(Tried, "a declined kept bad b B a bad bad bad ") << "the second of a name follows the answer for the first";
+  EXPECT_EQ(Progress, "1/7b 2/7B 3/7a ");
+  EXPECT_EQ(Container.GatherObjectsNames(), "bad;");
+  EXPECT_EQ(BoxFlags.size(), 1U);
+  for (const auto& [Index, Asks] : {std::pair{3, true}, {6, false}})
+    EXPECT_EQ(Container.Items(Index)->OverwriteAsk.FAlwaysAsk, Asks) << "what this run has made needs no question";
 }
 
 TEST_F(RecreateContainer, TakesItsTypesAndStartValues) {

@@ -6,9 +6,12 @@
 #include "standalone/dictionary/DicDatabase.h"
 #include "standalone/dictionary/StandaloneDictionary.h"
 #include "standalone/dictionary/StoredDescriptions.h"
+#include "standalone/drivers/GeneratorRange.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/structures/StructureStore.h"
 #include "tests/standalone/DriverFixture.h"
+#include "velkrund/dictionary/RecreateKinds.h"
+#include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -67,11 +70,12 @@ class DriverObjectsTest : public testing::TestWithParam<TEngine> {
     if (Kind == ViewObjectType) return Objects.ViewExist(Name);
     return Kind == ExecStoredProcObjectType ? Objects.ExecStoredProcExist(Name) : Objects.SelectStoredProcExist(Name);
   }
-  std::string Create(int Kind, const std::string& Name) {
+  std::string Create(int Kind, const std::string& Name, bool Replace = false) {
     return ErrorOf([&] {
-      if (Kind == GeneratorObjectType) return Objects.CreateGenerator(Name, std::nullopt);
-      if (Kind == ViewObjectType) return Objects.CreateView(Name, false, true);
-      Kind == ExecStoredProcObjectType ? Objects.CreateExecStoredProc(Name) : Objects.CreateSelectStoredProc(Name);
+      if (Kind == GeneratorObjectType) return Objects.CreateGenerator(Name, std::nullopt, Replace);
+      if (Kind == ViewObjectType) return Objects.CreateView(Name, Replace, true);
+      Kind == ExecStoredProcObjectType ? Objects.CreateExecStoredProc(Name, Replace)
+                                       : Objects.CreateSelectStoredProc(Name, Replace);
     });
   }
   std::string Drop(int Kind, const std::string& Name) {
@@ -209,7 +213,7 @@ TEST_P(DriverObjectsTest, GeneratorsCountAsDescribed) {
     const std::string Name = "G" + std::to_string(++Number);
     SCOPED_TRACE(Name);
     StoreDescription(Url, Generator(Name, Case.Counter));
-    Objects.CreateGenerator(Name, Case.Start);
+    Objects.CreateGenerator(Name, Case.Start, false);
     EXPECT_EQ(Objects.GeneratorValue(Name), Case.First);
     for (const std::int64_t Value : Case.Sets) {
       Objects.SetGenerator(Name, 1, Value);
@@ -233,6 +237,123 @@ TEST_P(DriverObjectsTest, GeneratorsCountAsDescribed) {
     EXPECT_NE(Create(GeneratorObjectType, "WRONG"), "no error");
   }
   EXPECT_EQ(Existing("WRONG"), "");
+}
+
+TEST_P(DriverObjectsTest, ReplacedGeneratorsGoOnWhereTheyStand) {
+  const struct {
+    TDicCounter Before;
+    std::optional<std::int64_t> Stands;  // nothing: it was never asked
+    TDicCounter After;
+    std::optional<std::int64_t> Start;
+    std::optional<std::int64_t> Expected;  // nothing: it is refused
+  } Cases[] = {
+      {{}, 41, {.Step = "5", .Min = "-9", .Max = "900", .Cycle = true}, {}, 41},
+      {{.Step = "5", .Max = "900", .Cycle = true}, 41, {}, {}, 41},
+      {{}, 41, {.Step = "-1", .Max = "50"}, {}, 41},
+      {{}, {}, {.Step = "10"}, {}, -9},  // its first number stays the first one
+      {{}, 41, {.Start = "7"}, {}, 41},
+      {{}, 41, {}, 7, 6},
+      {{}, 41, {.Step = "10"}, 7, -3},
+      {{}, 41, {.Max = "10"}, {}, {}},
+      {{}, 41, {.Max = "10"}, 3, 2},
+      {{}, {}, {.Start = "100"}, {}, 99},
+      {{.Start = "100"}, {}, {}, {}, 99},
+      {{.Step = "-1"}, {}, {.Start = "-20", .Step = "-1"}, {}, -19},
+  };
+  int Number = 0;
+  for (const auto& Case : Cases) {
+    const std::string Name = "G" + std::to_string(++Number);
+    SCOPED_TRACE(Name);
+    StoreDescription(Url, Generator(Name, Case.Before));
+    ASSERT_EQ(Create(GeneratorObjectType, Name), "no error");
+    if (Case.Stands) Objects.SetGenerator(Name, 1, *Case.Stands);
+    StoreDescription(Url, Generator(Name, Case.After));
+    const std::string Error = ErrorOf([&] { Objects.CreateGenerator(LowerCase(Name), Case.Start, true); });
+    EXPECT_EQ(Error == "no error", Case.Expected.has_value()) << Error;
+    EXPECT_EQ(Objects.GeneratorValue(Name), Case.Expected.value_or(Case.Stands.value_or(0)));
+    const TDicCounter Counts = Objects.Generators()->Find(Name)->Counter;
+    const TGeneratorRange Now = RangeOf(Name, Counts), Due = RangeOf(Name, Case.Expected ? Case.After : Case.Before);
+    EXPECT_EQ(std::tie(Now.Start, Now.Step, Now.Min, Now.Max, Now.Cycle),
+              std::tie(Due.Start, Due.Step, Due.Min, Due.Max, Due.Cycle));
+    EXPECT_EQ(Objects.Generators()->Find(LowerCase(Name))->Name, Name) << "a second one in another case";
+  }
+  for (const auto& [Step, Stands, Value, Expected] : {std::tuple<const char*, int, int, int>{"1", 41, 40, 41},
+                                                      {"1", 41, 50, 50},
+                                                      {"-1", -5, -3, -5},
+                                                      {"-1", -5, -9, -9}}) {
+    const std::string Name = "A" + std::to_string(++Number);
+    StoreDescription(Url, Generator(Name, {.Step = Step}));
+    ASSERT_EQ(Create(GeneratorObjectType, Name), "no error");
+    Objects.SetGenerator(Name, 1, Stands);
+    Objects.AdvanceGenerator(Name, Value);
+    EXPECT_EQ(Objects.GeneratorValue(Name), Expected) << Step << " " << Value;
+  }
+}
+
+TEST_P(DriverObjectsTest, ReplacedProceduresAreTheNewOnesOrTheOldOnes) {
+  for (const int Kind : {ExecStoredProcObjectType, SelectStoredProcObjectType}) {
+    const std::string Name = "Proc" + std::to_string(Kind);
+    const bool Selects = Kind == SelectStoredProcObjectType;
+    const std::string Text = Selects ? GetParam().Selects : GetParam().Deletes;
+    StoreStructure(Kind, Name);
+    ASSERT_EQ(Create(Kind, Name, true), "no error") << "none was there";
+    const auto Body = [&] { return Objects.Procedures()->Find(Name)->Words.at(Engine()).Lines; };
+    StoreDescription(Url, Procedure(UpperCase(Name), Selects, "-- new\n" + Text));
+    ASSERT_EQ(Create(Kind, Name, true), "no error");
+    EXPECT_EQ(Body().front(), "-- new");
+    TDicProcedureDescription Other = Procedure(Name, Selects, "-- newer\n" + Text);
+    Other.Parameters.push_back({.Name = "B", .Type = TDicFieldType::String});
+    StoreDescription(Url, Other);
+    ASSERT_EQ(Create(Kind, Name, true), "no error");
+    EXPECT_EQ(Body().front(), "-- newer");
+    EXPECT_EQ(Objects.Procedures()->Find(LowerCase(Name))->Parameters.size(), 2U);
+    StoreDescription(Url, Procedure(Name, Selects, "SELECT FROM nothing WHERE ("));
+    EXPECT_NE(Create(Kind, Name, true), "no error");
+    EXPECT_EQ(Body().front(), "-- newer");
+    const int OtherKind = Selects ? ExecStoredProcObjectType : SelectStoredProcObjectType;
+    StoreStructure(OtherKind, Name);
+    EXPECT_THAT(Create(OtherKind, Name, true),
+                HasSubstr(Selects ? "already that returns rows; drop it first" : "already that returns no rows"));
+    EXPECT_EQ(Existing(Name), std::to_string(Kind) + " ");
+  }
+}
+
+TEST_P(DriverObjectsTest, TheContainerFindsTheOrderOfWhatNeedsEachOther) {
+  const TServiceGuard<TDicDBContainer> Dictionary{&Databases};
+  const TRecreateOperationsGuard Operations{TRecreateOperationList()};
+  for (const TRecreateKind* const Kind : {&GeneratorKind, &ViewKind, &ExecStoredProcKind, &SelectStoredProcKind})
+    RecreateOperations().Register(Kind->ObjectType, Kind->Single);
+  std::string Report;
+  const TMessageBoxGuard Box{[&](TWindowHandle, std::u16string_view Text, auto...) {
+    Report = FromUtf16(Text);
+    return IDOK;
+  }};
+  TUORecreateContainer Container;
+  Container.DatabaseName = Url;
+  const auto Add = [&](int Kind, const std::string& Name) { ASSERT_TRUE(Container.Add(Kind, Name)); };
+  for (const int Kind : {SelectStoredProcObjectType, ExecStoredProcObjectType}) {
+    StoreStructure(Kind, "P" + std::to_string(Kind));
+    Add(Kind, "P" + std::to_string(Kind));
+  }
+  constexpr int Depth = 6;
+  for (int Number = 1; Number <= Depth; ++Number) {
+    const std::string From = Number == Depth ? "WORDS" : "V" + std::to_string(Number + 1);
+    StoreDescription(Url, View("V" + std::to_string(Number), "SELECT \"W\" FROM \"" + From + "\""));
+    Add(ViewObjectType, "V" + std::to_string(Number));
+  }
+  StoreDescription(Url, View("BAD1", "SELECT \"W\" FROM \"BAD2\""));
+  StoreDescription(Url, View("BAD2", "SELECT \"W\" FROM \"NOWHERE\""));
+  for (const char* Name : {"BAD1", "BAD2"}) Add(ViewObjectType, Name);
+  StoreStructure(GeneratorObjectType, "G");
+  Add(GeneratorObjectType, "G");
+
+  TTransaction Run(Url);
+  EXPECT_EQ(Container.Execute(), 1);
+  EXPECT_THAT(Report, AllOf(HasSubstr("\r\nBAD1;BAD2;\r\nLast Error: "), HasSubstr("NOWHERE")));
+  Run.Commit();
+  EXPECT_EQ(Existing("V1") + Existing("P73") + Existing("P74") + Existing("G") + Existing("BAD1") + Existing("BAD2"),
+            "72 73 74 71 ");
+  EXPECT_TRUE(Rows(Connection(), "V1").empty());
 }
 
 TEST_P(DriverObjectsTest, ViewsAreTriedAndReplaced) {

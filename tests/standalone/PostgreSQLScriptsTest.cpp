@@ -345,7 +345,7 @@ TEST(PostgreSQLScriptsTest, ViewsGeneratorsAndProcedures) {
       Lines(Writer.View(View, true)),
       ElementsAre("CREATE OR REPLACE VIEW \"V\" (\"a\", \"b\"\"\") AS\nSELECT 1,\n2", "COMMENT ON VIEW \"V\" IS 'c'"));
   View.Materialized = true;
-  EXPECT_THAT(Lines(Writer.View(View, true)).front(), "DROP MATERIALIZED VIEW IF EXISTS \"V\"");
+  EXPECT_THAT(Lines(Writer.View(View, false)).front(), HasSubstr("CREATE MATERIALIZED VIEW \"V\" ("));
   EXPECT_EQ(Writer.DropView(View), "DROP MATERIALIZED VIEW \"V\"");
 
   TDicGeneratorDescription Generator;
@@ -358,6 +358,17 @@ TEST(PostgreSQLScriptsTest, ViewsGeneratorsAndProcedures) {
       ElementsAre("CREATE SCHEMA IF NOT EXISTS \"s\"",
                   "CREATE SEQUENCE \"s\".\"G\" INCREMENT BY 2 MINVALUE -5 MAXVALUE 9 START WITH 3 CYCLE CACHE 4",
                   "ALTER SEQUENCE \"s\".\"G\" RESTART WITH 7"));
+  EXPECT_THAT(
+      Lines(Writer.AlterGenerator(Generator, 7)),
+      ElementsAre("ALTER SEQUENCE \"s\".\"G\" AS bigint INCREMENT BY 2 MINVALUE -5 MAXVALUE 9 START WITH 3 CYCLE "
+                  "CACHE 4 RESTART WITH 7"));
+  Generator.Counter = {.Step = "-1"};
+  Generator.Cache.reset();
+  Generator.Words["postgresql"].Text = "AS integer";
+  EXPECT_THAT(
+      Lines(Writer.AlterGenerator(Generator, std::nullopt)),
+      ElementsAre("ALTER SEQUENCE \"s\".\"G\" AS integer INCREMENT BY -1 START WITH -1 NO MINVALUE NO MAXVALUE NO "
+                  "CYCLE CACHE 1"));
 
   TDicProcedureDescription Procedure;
   Procedure.Name = "P";

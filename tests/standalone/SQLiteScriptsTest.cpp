@@ -239,7 +239,7 @@ TEST_F(SQLiteScriptsTest, ViewsAreMadeOfOwnWordsElseOfOthers) {
   for (const TScriptGap& Gap : Foreign.Gaps) Kinds += Gap.Kind + (Gap.Harmless ? "! " : " ");
   EXPECT_EQ(Kinds, "views! indexes options ");
   View.Words["sqlite"].Lines = {"SELECT 2"};
-  EXPECT_EQ(OneLine(Writer.View(View, true)), "DROP VIEW IF EXISTS \"V\"; CREATE VIEW \"V\" (\"x\") AS SELECT 2");
+  EXPECT_EQ(OneLine(Writer.View(View, false)), "CREATE VIEW \"V\" (\"x\") AS SELECT 2");
 }
 
 TEST_F(SQLiteScriptsTest, WhatIsNoTableOfItsOwnIsAGap) {

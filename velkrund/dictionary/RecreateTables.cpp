@@ -2,6 +2,7 @@
 
 #include "velkrund/dictionary/ListQuestion.h"
 #include "velkrund/dictionary/TemporaryTable.h"
+#include "velkrund/operations/GoOnQuestion.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/NameLengths.h"
 #include "velkrund/platform/database/ApplicationManager.h"
@@ -11,15 +12,6 @@
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
-
-namespace {
-
-bool AskInBox(const std::string& Text) {
-  return uoMessageBox(0, ToUtf16(Text), ToUtf16(BaseMng().LString("ST_CONFIRMATION")), MB_YESNO | MB_ICONQUESTION,
-                      IDYES, IDNO) == IDYES;
-}
-
-}  // namespace
 
 constinit const TUtilOperationDescriptor TUORecreateTables::Descriptor =
     OperationDescriptor<TUORecreateTables>("TUORecreateTables");
@@ -65,7 +57,9 @@ bool TUORecreateTables::Recreate(const std::string& Name, int Index) {
 }
 
 bool TUORecreateTables::MayGoOnWithout(const std::string& Name) {
-  return AskInBox(Format(BaseMng().LString("M_Velkrund_DicUtils_TableForRecreateNotFound"), Name));
+  const std::string Question = Format(BaseMng().LString("M_Velkrund_DicUtils_TableForRecreateNotFound"), Name);
+  return uoMessageBox(0, ToUtf16(Question), ToUtf16(BaseMng().LString("ST_CONFIRMATION")), MB_YESNO | MB_ICONQUESTION,
+                      0, 0) == IDYES;
 }
 
 std::unique_ptr<TUORecreateTable> TUORecreateTables::OperationOf(const std::string& Name, int Index) {
@@ -99,18 +93,14 @@ void TUORecreateTables::Run(TUORecreateTable& Operation) {
     throw;
   } catch (const std::exception& Error) {
     Result.Error = std::current_exception();
-    ContinueOrRaise(Error);
+    const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_ErrorOnRecreateTable") + "\r\n" + Error.what();
+    WriteLog(TTraceLevel::Info, Report);
+    GoOn(Error, Report);
   }
 }
 
-void TUORecreateTables::ContinueOrRaise(const std::exception& Error) {
-  const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_ErrorOnRecreateTable") + "\r\n" + Error.what();
-  WriteLog(TTraceLevel::Info, Report);
-  if (!MayGoOn(Error, Report)) throw;
-}
-
-bool TUORecreateTables::MayGoOn(const std::exception&, const std::string& Report) {
-  return AskInBox(Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"));
+void TUORecreateTables::GoOn(const std::exception& Error, const std::string& Report) {
+  GoOnOrRaise(Error, Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"));
 }
 
 TStringPairs TUORecreateTables::MappingOf(const std::string& Name) const {

@@ -39,9 +39,9 @@ class TUORecreateTables : public TDatabaseUtilOperation {
  protected:
   /// Runs the operation of one table, in its transaction.
   virtual void RecreateOne(TUORecreateTable& Operation) { Operation.Execute(); }
-  /// Within the handler of Error: whether the others are gone on with; by default a person is asked. Report: the error
-  /// in words.
-  virtual bool MayGoOn(const std::exception& Error, const std::string& Report);
+  /// Within the handler of Error: returns when the others are gone on with, otherwise raises it; by default a person is
+  /// asked. Report: the error in words.
+  virtual void GoOn(const std::exception& Error, const std::string& Report);
 
  private:
   class TOne;
@@ -51,8 +51,6 @@ class TUORecreateTables : public TDatabaseUtilOperation {
   bool MayGoOnWithout(const std::string& Name);
   std::unique_ptr<TUORecreateTable> OperationOf(const std::string& Name, int Index);
   void Run(TUORecreateTable& Operation);
-  /// Within the handler of Error; raises it unless the list goes on.
-  void ContinueOrRaise(const std::exception& Error);
   TStringPairs MappingOf(const std::string& Name) const;
 
   std::vector<TResult> FResults;

@@ -38,10 +38,10 @@ class TEIDSPStructureCommon : public TEIObject {
   void LoadProperties(const TKvParamsList& Properties) override;
   /// Cancelled: EAbort.
   void ExportData(TEIStream& Stream) override;
-  /// Asks first where the structure exists, if OverwriteAsk says so; left alone, that is no failure, and the question
-  /// tells it. In one transaction; cancelled or failed, the structure is as it was before. Cancelled: Stopped() is
-  /// true.
+  /// Asks first where the structure exists, if OverwriteAsk says so; left alone, that is no failure, and LeftAlone() is
+  /// true. In one transaction; cancelled or failed, the structure is as it was before. Cancelled: Stopped() is true.
   void ImportData(TEIStream& Stream) override;
+  bool LeftAlone() const override { return FOverwriteAsk->FLeftAlone; }
 
   /// The question whether an existing structure is overwritten. Yes without asking unless the class says otherwise.
   TDSPOverwriteAsk& OverwriteAsk() const { return *FOverwriteAsk; }

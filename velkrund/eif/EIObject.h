@@ -89,6 +89,8 @@ class TEIObject {
   bool IsCanceled() const { return OnCancel && OnCancel(); }
   /// Whether the last import ended early, and undone, because it was cancelled.
   bool Stopped() const { return FStopped; }
+  /// Whether the last import left what was there already as it was, because of an answer.
+  virtual bool LeftAlone() const { return false; }
 
   int SectionNumber = 0;  // index of the section to import in its source
   TProgressCallback OnProgress;

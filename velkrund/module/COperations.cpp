@@ -4,6 +4,7 @@
 #include "velkrund/module/CListener.h"
 #include "velkrund/module/CRun.h"
 #include "velkrund/operations/OperationErrors.h"
+#include "velkrund/operations/RecreateContainerInterface.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -28,6 +29,18 @@ TUtilOperationInterface& ObjectAtRest(VelkrundOperation* Operation, const char* 
   VelkrundOperation& Known = OperationAtRest(Operation);
   RequireCArgument(Name, "Name");
   return *Known.Object;
+}
+
+static_assert(VELKRUND_GENERATOR == GeneratorObjectType && VELKRUND_VIEW == ViewObjectType &&
+                  VELKRUND_EXEC_PROCEDURE == ExecStoredProcObjectType &&
+                  VELKRUND_SELECT_PROCEDURE == SelectStoredProcObjectType,
+              "the object types of both sides are the same numbers");
+
+TUORecreateContainerInterface& ContainerOf(VelkrundOperation* Operation) {
+  TUtilOperationInterface& Object = *OperationAtRest(Operation).Object;
+  if (auto* const Container = dynamic_cast<TUORecreateContainerInterface*>(&Object)) return *Container;
+  throw EPropertyError(
+      Format("A %s collects no objects; a TUORecreateContainerInterface does", Object.ClassType().Name()));
 }
 
 /// Runs with everything marked that callbacks must not touch.
@@ -144,6 +157,23 @@ int32_t VelkrundExecute(VelkrundOperation* Operation) {
 VelkrundEnd VelkrundLastEnd(VelkrundOperation* Operation) {
   return CaughtC<VelkrundEnd>(
       VELKRUND_NOT_RUN, [Operation] { return static_cast<VelkrundEnd>(OperationAtRest(Operation).Object->End()); });
+}
+
+int VelkrundAddObject(VelkrundOperation* Container, VelkrundObjectType Type, const char* Name) {
+  return GuardedC(0, [&] {
+    TUORecreateContainerInterface& Known = ContainerOf(Container);
+    RequireCArgument(Name, "Name");
+    if (!Known.Add(Type, Name))
+      throw EPropertyError(
+          Format("Nobody creates objects of the type %d ('%s'); the types are VELKRUND_GENERATOR, "
+                 "VELKRUND_VIEW, VELKRUND_EXEC_PROCEDURE and VELKRUND_SELECT_PROCEDURE",
+                 Type, Name));
+    return 1;
+  });
+}
+
+int VelkrundClearObjects(VelkrundOperation* Container) {
+  return GuardedC(0, [&] { return ContainerOf(Container).Clear(), 1; });
 }
 
 int VelkrundGetError(VelkrundOperation* Operation, VelkrundError* Error) {

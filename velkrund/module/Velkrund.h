@@ -259,6 +259,29 @@ enum {
 /* How its last run ended; VELKRUND_NOT_RUN on failure too. */
 VELKRUND_API VelkrundEnd VelkrundLastEnd(VelkrundOperation* Operation);
 
+/* --- Database objects that are created again by their structures. --------------------------------------------------
+ */
+
+/* The TUORecreate...Interface classes create one object each, or those of a list. A TUORecreateContainerInterface
+ * creates objects that need each other, in whatever order they are added: what fails is tried again as long as
+ * something else could be created. Objects that are there already are asked about, see VelkrundSetMessageBox. What
+ * could not be created is told in the log and by the message box, unless ContinueOnError is false: then it is an error.
+ */
+typedef int32_t VelkrundObjectType;
+enum {
+  VELKRUND_GENERATOR = 71,
+  VELKRUND_VIEW = 72,
+  VELKRUND_EXEC_PROCEDURE = 73,  /* returns no rows */
+  VELKRUND_SELECT_PROCEDURE = 74 /* returns rows */
+};
+
+/* Adds an object to a container; it is one of the database that the property DatabaseName names at this moment. Its
+ * structure may still be missing. Fails for other types, and for operations of another class. The property Count tells
+ * how many there are; they stay when they have been created, and are not created twice. */
+VELKRUND_API int VelkrundAddObject(VelkrundOperation* Container, VelkrundObjectType Type, const char* Name);
+/* Takes all objects out of a container. */
+VELKRUND_API int VelkrundClearObjects(VelkrundOperation* Container);
+
 /* --- The tables of a database, as found by the last run of a TJobDatabaseInfoInterface. --------------------------- */
 
 /* Texts live until the operation runs again or is destroyed. */
@@ -318,9 +341,10 @@ VELKRUND_API int VelkrundStartOperationProgress(VelkrundManager* Manager, const 
  * cancel, 6 yes, 7 no. 0: nobody can answer, which makes the question an error; so does any other number. Whether a
  * structure that exists is overwritten is asked with 3: yes replaces it, no leaves it as it is, cancel ends the run.
  * The property OverwriteExisting of TUOImportDSPStructureInterface answers that beforehand, and can also have the
- * structure updated. Jobs ask with 3 too: about rows that are there (yes deletes them, no leaves the table out),
- * sections that are there (yes replaces, no leaves out), whether to go on after an error, and whether to remove or
- * drop. */
+ * structure updated. Whether database objects that exist are created again is asked with 4 by single operations and
+ * containers, with 3 by lists (cancel ends the run), unless their property Overwrite decides. Jobs ask with 3 too:
+ * about rows that are there (yes deletes them, no leaves the table out), sections that are there (yes replaces, no
+ * leaves out), whether to go on after an error, and whether to remove or drop. */
 typedef int32_t (*VelkrundMessageBoxProc)(uintptr_t Window, const VelkrundChar* Text, const VelkrundChar* Caption,
                                           uint32_t Flags, int32_t Extra1, int32_t Extra2);
 /* NULL: nobody answers. Fails while an operation runs. */

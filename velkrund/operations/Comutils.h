@@ -1,6 +1,7 @@
 #pragma once
 
 #include "velkrund/operations/AskObjects.h"
+#include "velkrund/operations/GoOnQuestion.h"
 #include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/ImportExport.h"
 #include "velkrund/operations/ImportExportInterfaces.h"
@@ -10,6 +11,7 @@
 #include "velkrund/operations/ImportFiles.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/NameLengths.h"
+#include "velkrund/operations/NotCreatedReport.h"
 #include "velkrund/operations/OperationErrors.h"
 #include "velkrund/operations/OperationInterface.h"
 #include "velkrund/operations/Properties.h"

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/GoOnQuestion.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -72,6 +72,7 @@ int TUOImportFile::Execute() {
         "off");
   FStopping = false;
   FMissing.reset();
+  SetUpContainer();
   Host().FDatabaseName = DatabaseName;
   const TSettingsOfHost Settings(FEIObjectProperties);
   try {
@@ -82,32 +83,31 @@ int TUOImportFile::Execute() {
 }
 
 int TUOImportFile::ImportAll() {
-  TUORecreateContainer Container;
-  SetUpContainer(Container);
   std::vector<TSource> Sources;
-  const TSource& Source = Sources.emplace_back(OpenFile(FFileName, Container));
+  const TSource& Source = Sources.emplace_back(OpenFile(FFileName));
   BeginPass(BytesOf(*Source.File, Source.Structures) + BytesOf(*Source.File, Source.Tables));
   if (!ImportStructures(Source) || !fCreateDBStructures) return 0;
   if (!ImportTables(Sources)) return 0;
   EndPass();
-  return Container.Execute();
+  return CreateObjects();
 }
 
-void TUOImportFile::SetUpContainer(TUORecreateContainer& Container) {
-  Container.Owner = this;
-  Container.DatabaseName = DatabaseName;
-  Container.ContinueOnError = ContinueOnError;
-  Container.FOnShowProgress = FOnShowProgress;
+void TUOImportFile::SetUpContainer() {
+  FContainer.Clear();
+  FContainer.Owner = this;
+  FContainer.DatabaseName = DatabaseName;
+  FContainer.ContinueOnError = ContinueOnError;
+  FContainer.FOnShowProgress = FOnShowProgress;
 }
 
-TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName, TUORecreateContainer& Container) {
+TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName) {
   try {
     TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}};
     if (!Source.File) {
       Source.Owned = OpenedHere(FileName);
       Source.File = Source.Owned.get();
     }
-    TakeSections(Source, Container);
+    TakeSections(Source);
     return Source;
   } catch (const std::exception& Error) {
     Host().FileFailed(FileName, Error);
@@ -123,7 +123,7 @@ std::unique_ptr<TEIFile> TUOImportFile::OpenedHere(const std::string& FileName) 
   return File;
 }
 
-void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Container) {
+void TUOImportFile::TakeSections(TSource& Source) {
   std::vector<TStructure> Structures;
   for (int Index = 0; Index < Source.File->Sections().Count(); ++Index) {
     const TEISection& Section = Source.File->Sections()[Index];
@@ -132,12 +132,11 @@ void TUOImportFile::TakeSections(TSource& Source, TUORecreateContainer& Containe
     if (fCreateDBStructures && Section.ObjectClass.Role() == TSectionRole::Structure)
       Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
   }
-  for (const TStructure& Structure : Structures) AddTo(Container, Structure.Type, Structure.Name, *Structure.Section);
+  for (const TStructure& Structure : Structures) WillCreate(Structure.Type, Structure.Name, *Structure.Section);
 }
 
-void TUOImportFile::AddTo(TUORecreateContainer& Container, int Type, const std::string& Name,
-                          const TEISection& Section) {
-  if (Container.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type)) return;
+void TUOImportFile::WillCreate(int Type, const std::string& Name, const TEISection& Section) {
+  if (FContainer.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type)) return;
   Host().NotCreated(Name, Type);
   WriteLog(TTraceLevel::Error, Format("'%s' (type %d) is stored as a structure only: the application has nothing that "
                                       "creates objects of this type in the database",
@@ -276,12 +275,14 @@ void TUOImportFile::ImportSection(TEIFile& File, int Index, TTableLoading* Loadi
       Object->SaveProperties(FEIObjectProperties);
     }
   } catch (const std::exception& Error) {
+    FContainer.Remove(Section);
     Host().EndSection(File, Section, Object.get(), &Error);
     // What comes in one go with others takes them back with it.
     if (EndsEverything(Error) || Loading) throw;
     ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", CurrentObjectName);
     return;
   }
+  if (LeftOut || Object->LeftAlone()) FContainer.Remove(Section);
   FStopping = FStopping || Object->Stopped();
   CurrentProgress += CurrentTotal;
   if (!LeftOut) Host().EndSection(File, Section, Object.get(), nullptr);
@@ -308,17 +309,14 @@ void TUOImportFile::ContinueOrRaise(const std::exception& Error, std::string_vie
     throw;
   }
   const std::string Question = Report + "\r\n" + BaseMng().LString("M_Velkrund_DSPUtils_ContinueImport");
-  int Answer = IDNO;
-  std::optional<std::string> Unanswered;
   try {
-    Answer = uoMessageBox(0, ToUtf16(Question), {}, MB_YESNO, IDYES, IDNO);
-  } catch (const EQuestionUnanswered& Reason) {
-    Unanswered = Reason.what();
+    GoOnOrRaise(Error, Question);
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception&) {
+    ContinueOnError = false;  // asked once is enough, for this operation and for those around it
+    throw;
   }
-  if (Answer != IDNO) return;
-  ContinueOnError = false;  // asked once is enough, for this operation and for those around it
-  if (Unanswered) throw EUnansweredError(Error, *Unanswered);
-  throw;
 }
 
 void TUOImportFile::BeginPass(std::int64_t Total) {

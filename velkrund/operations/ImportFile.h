@@ -18,8 +18,8 @@
 namespace velkrund {
 
 /// Imports a whole file: its structures and all else but table data, then makes the tables that are missing, then loads
-/// the table data, then creates the generators, views and procedures that the structures describe. Progress counts the
-/// bytes of section bodies.
+/// the table data, then creates the generators, views and procedures that the structures describe, unless a structure
+/// was left alone by an answer, or left out, or has failed. Progress counts the bytes of section bodies.
 ///
 /// Tables come after those that they refer to. Those that are tied to each other are loaded together or not at all: the
 /// error of one, or a wish to stop, takes all of them back.
@@ -54,9 +54,9 @@ class TUOImportFile : public TDatabaseUtilOperation {
   /// The run itself; EAbort is its cancelled result.
   virtual int ImportAll();
 
-  void SetUpContainer(TUORecreateContainer& Container);
-  /// Opens the file and adds its structures to the container. On failure nothing is added.
-  TSource OpenFile(const std::string& FileName, TUORecreateContainer& Container);
+  /// Opens the file and adds its structures to those whose objects are created at the end. On failure nothing is added.
+  TSource OpenFile(const std::string& FileName);
+  int CreateObjects() { return FContainer.Execute(); }
   static std::int64_t BytesOf(const TEIFile& File, const std::vector<int>& Sections);
   /// Between these two progress goes from 0 to Total bytes and never back.
   void BeginPass(std::int64_t Total);
@@ -80,8 +80,9 @@ class TUOImportFile : public TDatabaseUtilOperation {
 
   TImportFileObserver& Host() { return Observer ? *Observer : FNobody; }
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
-  void TakeSections(TSource& Source, TUORecreateContainer& Container);
-  void AddTo(TUORecreateContainer& Container, int Type, const std::string& Name, const TEISection& Section);
+  void SetUpContainer();
+  void TakeSections(TSource& Source);
+  void WillCreate(int Type, const std::string& Name, const TEISection& Section);
   void MakeMissingTables(const std::vector<TSource>& Sources);
   bool HasFailed(const std::string& Table);
   void CompleteTables();
@@ -100,6 +101,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   std::string CurrentObjectName;
   bool FStopping = false;
   std::unique_ptr<TMissingTables> FMissing;  // of the run; null: nobody makes tables
+  TUORecreateContainer FContainer;           // of the run
   TNobody FNobody;
 };
 

@@ -16,13 +16,11 @@ int TUOImportFiles::ImportAll() {
 
 int TUOImportFiles::ImportSeveral() {
   FEIObjectProperties.Clear();
-  TUORecreateContainer Container;
-  SetUpContainer(Container);
   std::vector<TSource> Sources;
   std::int64_t TableBytes = 0;
   for (const std::string& Name : FFiles) {
     try {
-      Sources.push_back(OpenFile(Name, Container));
+      Sources.push_back(OpenFile(Name));
     } catch (const EAbort&) {
       throw;
     } catch (const EQuestionUnanswered&) {
@@ -41,7 +39,7 @@ int TUOImportFiles::ImportSeveral() {
   BeginPass(TableBytes);
   if (!ImportTables(Sources)) return 0;
   EndPass();
-  return Container.Execute();
+  return CreateObjects();
 }
 
 }  // namespace velkrund

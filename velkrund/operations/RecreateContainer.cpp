@@ -3,8 +3,9 @@
 #include <utility>
 
 #include "velkrund/eif/Section.h"
-#include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/NotCreatedReport.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/dictionary/DicDatabase.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -14,8 +15,6 @@
 namespace velkrund {
 
 namespace {
-
-constexpr std::size_t MaxNamesLength = 500;
 
 /// 0 when the section names none.
 std::int64_t StartValueOf(const TEISection& Section) {
@@ -66,12 +65,16 @@ TRecreateOperation* TUORecreateContainer::Add(int ObjectType, const std::string&
   Operation->DatabaseName = DatabaseName;
   if (ObjectType == GeneratorObjectType && Section)
     if (const std::int64_t StartValue = StartValueOf(*Section); StartValue > 0) Operation->SetStartValue(StartValue);
-  FEntries.push_back({Name, ObjectType, std::move(Operation)});
+  FEntries.push_back({Name, ObjectType, Section, std::move(Operation)});
   return FEntries.back().Operation.get();
 }
 
 TRecreateOperation* TUORecreateContainer::AddIfExist(int ObjectType, const std::string& Name, TDicDatabase* Database) {
   return Database && Exists(*Database, ObjectType, Name) ? Add(ObjectType, Name) : nullptr;
+}
+
+void TUORecreateContainer::Remove(const TEISection& Section) {
+  std::erase_if(FEntries, [&](const TEntry& Entry) { return Entry.Section == &Section; });
 }
 
 void TUORecreateContainer::Clear() {
@@ -88,21 +91,20 @@ int TUORecreateContainer::GetObjectType(int Index) const {
   return Index >= 0 && Index < Count() ? FEntries[static_cast<std::size_t>(Index)].ObjectType : -1;
 }
 
-std::string TUORecreateContainer::GatherObjectsNames() const {
-  std::string Names;
-  for (const TEntry& Entry : FEntries) {
-    if (Entry.Name.empty()) continue;
-    Names += Entry.Name + ";";
-    if (Names.size() > MaxNamesLength && Utf16Length(Names) > MaxNamesLength) return Names + " more...";
-  }
+std::vector<std::string> TUORecreateContainer::PendingNames() const {
+  std::vector<std::string> Names;
+  for (const TEntry& Entry : FEntries)
+    if (Entry.State == TState::Pending) Names.push_back(Entry.Name);
   return Names;
 }
+
+std::string TUORecreateContainer::GatherObjectsNames() const { return NamesInReport(PendingNames()); }
 
 int TUORecreateContainer::Execute() {
   try {
     RunPass(true);
     RunPass(false);
-    if (FCreated < Count()) ReportNotCreated();
+    if (const std::vector<std::string> Names = PendingNames(); !Names.empty()) ReportNotCreated(Names);
   } catch (const EAbort&) {
     return 0;
   }
@@ -119,7 +121,7 @@ TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndVi
   TSweep Sweep;
   for (TEntry& Entry : FEntries) {
     if (IsCanceled()) return {};
-    if (Entry.Name.empty()) continue;
+    if (Entry.State != TState::Pending) continue;
     if (GeneratorsAndViewsOnly && Entry.ObjectType != GeneratorObjectType && Entry.ObjectType != ViewObjectType)
       continue;
     Create(Entry, Sweep);
@@ -129,7 +131,9 @@ TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndVi
 
 void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
   try {
-    if (!Entry.Operation->Execute()) return;  // declined or cancelled: neither made nor failed
+    TTransaction Transaction(DatabaseName);
+    if (!Entry.Operation->Execute() || Entry.Operation->Declined()) return Settle(Entry, TState::Declined);
+    Transaction.Commit();
   } catch (const EAbort&) {
     throw;
   } catch (const EQuestionUnanswered&) {
@@ -144,15 +148,26 @@ void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
   }
   Sweep.Created = true;
   ShowProgress(++FCreated, Count(), Entry.Name);
-  Entry.Name.clear();
+  Settle(Entry, TState::Created);
 }
 
-void TUORecreateContainer::ReportNotCreated() {
-  const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_NotCreated_ObjectsInfo") + "\r\n" +
-                             GatherObjectsNames() + "\r\nLast Error: " + FLastError;
+/// What several sections describe in parts was asked about once.
+void TUORecreateContainer::Settle(TEntry& Entry, TState State) {
+  Entry.State = State;
+  for (TEntry& Other : FEntries) {
+    if (Other.State != TState::Pending || Other.ObjectType != Entry.ObjectType) continue;
+    if (!SameText(Other.Name, Entry.Name)) continue;
+    if (State == TState::Declined) Other.State = State;
+    Other.Operation->OverwriteAsk.FAlwaysAsk = false;
+    Other.Operation->OverwriteAsk.FYes = true;
+  }
+}
+
+void TUORecreateContainer::ReportNotCreated(const std::vector<std::string>& Names) {
+  const std::string Report = NotCreatedReport(Names, FLastError);
   WriteLog(TTraceLevel::Error, Report);
   if (!ContinueOnError) throw Exception(Report);
-  uoMessageBox(0, ToUtf16(Report), {}, MB_OK | MB_ICONINFORMATION, 0, 0);
+  ShowNotCreated(Report);
 }
 
 }  // namespace velkrund

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "velkrund/operations/AskObjects.h"
 #include "velkrund/operations/HookGuard.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
@@ -16,13 +17,22 @@ namespace velkrund {
 class TDicDatabase;
 class TEISection;
 
-/// An operation that creates one database object again, as the container runs it.
+/// An operation that creates one database object again, as the container runs it. Its result is 0 where the creation
+/// was declined.
 class TRecreateOperation : public TDatabaseUtilOperation {
  public:
-  /// The first value of a generator, above 0; other objects have none.
+  TRecreateOperation() { OverwriteAsk.FAlwaysAsk = true; }
+
+  /// Where a generator stood when its section was written, above 0; other objects have none.
   virtual void SetStartValue(std::int64_t) {}
+  /// Whether the last run has done nothing because somebody wanted it so, whatever its result.
+  bool Declined() const { return FDeclined; }
 
   std::string ObjectName;
+  TYesNoAsk OverwriteAsk;  // whether one that is there is replaced; asked unless told otherwise, else FYes says it
+
+ protected:
+  bool FDeclined = false;
 };
 
 /// The makers of recreation operations, by the object type's number. Filled when the module starts.
@@ -45,15 +55,18 @@ TRecreateOperationList SetRecreateOperations(TRecreateOperationList List);
 using TRecreateOperationsGuard = THookGuard<TRecreateOperationList, &SetRecreateOperations>;
 
 /// Creates generators, views and stored procedures that may need each other, in whatever order they were added: what
-/// failed is tried again as long as something else could be created. Generators and views come before procedures.
+/// failed is tried again as long as something else could be created. Generators and views come before procedures. Each
+/// attempt is a transaction of its own. What was declined is neither tried again nor a failure.
 class TUORecreateContainer : public TDatabaseUtilOperation {
  public:
   /// Returns the new entry's operation, owned by the container; null, and nothing added, for other types. Section:
-  /// where the object comes from, its "StartValue" is that of a generator; may be null. DatabaseName must be set
-  /// before.
+  /// where the object comes from, its "StartValue" is that of a generator; may be null, and is known by its place alone
+  /// later. DatabaseName must be set before.
   TRecreateOperation* Add(int ObjectType, const std::string& Name, const TEISection* Section = nullptr);
   /// The same where the database has an object of that type and name; null Database: nothing is added.
   TRecreateOperation* AddIfExist(int ObjectType, const std::string& Name, TDicDatabase* Database);
+  /// Takes out what was added with the section.
+  void Remove(const TEISection& Section);
   void Clear();
   int Count() const { return static_cast<int>(FEntries.size()); }
   /// Null for an index out of range.
@@ -64,7 +77,8 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   static bool OurObjectType(int ObjectType) {
     return ObjectType >= GeneratorObjectType && ObjectType <= SelectStoredProcObjectType;
   }
-  /// The names of what is not created yet, each followed by ";", cut with " more..." beyond 500 UTF-16 units.
+  /// The names of what is not created yet and was not declined, each followed by ";", cut with " more..." beyond 500
+  /// UTF-16 units.
   std::string GatherObjectsNames() const;
 
   /// Creates what is not created yet; 1 even when it was cancelled, 0 when EAbort ended it. What could not be created
@@ -76,10 +90,13 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   static const TUtilOperationDescriptor Descriptor;
 
  private:
+  enum class TState { Pending, Created, Declined };
   struct TEntry {
-    std::string Name;  // empty once the object is created
+    std::string Name;
     int ObjectType;
+    const TEISection* Section;
     std::unique_ptr<TRecreateOperation> Operation;
+    TState State = TState::Pending;
   };
   struct TSweep {
     bool Created = false;
@@ -89,7 +106,9 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   void RunPass(bool GeneratorsAndViewsOnly);
   TSweep RunSweep(bool GeneratorsAndViewsOnly);
   void Create(TEntry& Entry, TSweep& Sweep);
-  void ReportNotCreated();
+  void Settle(TEntry& Entry, TState State);
+  std::vector<std::string> PendingNames() const;
+  void ReportNotCreated(const std::vector<std::string>& Names);
 
   std::vector<TEntry> FEntries;
   int FCreated = 0;

@@ -1,6 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
+#include "standalone/drivers/postgresql/PostgreSQLRoutineSurroundings.h"
 #include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"
 #include "standalone/drivers/postgresql/PostgreSQLSurroundings.h"
 
@@ -31,6 +32,7 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
   Result.TableSizes = true;
   Result.Generators = true;
   Result.Procedures = true;
+  Result.RedefinesViews = true;
   Result.EnforcesForeignKeys = Session.ChecksReferences();
   return Result;
 }
@@ -53,6 +55,10 @@ std::unique_ptr<TSafeguards> TPostgreSQLConnection::Safeguards(TLoadNeeds Needs)
 
 std::unique_ptr<TSurroundings> TPostgreSQLConnection::Surroundings(const TTableInfo& Object, TRenamedFields Renamed) {
   return std::make_unique<TPostgreSQLSurroundings>(FSession, Object, std::move(Renamed));
+}
+
+std::unique_ptr<TSurroundings> TPostgreSQLConnection::SurroundingsOfProcedure(const TTableInfo& Procedure) {
+  return std::make_unique<TPostgreSQLRoutineSurroundings>(FSession, Procedure);
 }
 
 void TPostgreSQLConnection::Commit() {

@@ -35,6 +35,7 @@ class TPostgreSQLConnection final : public TConnection {
   void RollbackToSavepoint(int Number) override;
   std::unique_ptr<TSafeguards> Safeguards(TLoadNeeds Needs) override;
   std::unique_ptr<TSurroundings> Surroundings(const TTableInfo& Object, TRenamedFields Renamed) override;
+  std::unique_ptr<TSurroundings> SurroundingsOfProcedure(const TTableInfo& Procedure) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 

@@ -65,6 +65,14 @@ std::string ParameterList(const std::vector<TDicParameter>& Parameters, const st
   return Result;
 }
 
+/// With a blank before; empty: as usual.
+std::string CacheWords(const TDicGeneratorDescription& Generator, const std::string& Owner) {
+  if (!Generator.Cache) return {};
+  if (!StrToInt64(*Generator.Cache))
+    throw EDatabaseError(Format("Cannot make %s: its cache '%s' is no number", Owner, *Generator.Cache));
+  return " CACHE " + *Generator.Cache;
+}
+
 /// Between quotes that do not stand in it.
 std::string BetweenDollars(const std::string& Body) {
   std::string Quote = "$body";
@@ -102,7 +110,6 @@ TScript TPostgreSQLScriptWriter::View(const TDicViewDescription& View, bool Repl
     return Result;
   }
   Result.AddSchemaOf(Name);
-  if (Replace && View.Materialized) Result.Add("DROP MATERIALIZED VIEW IF EXISTS " + Name, Owner);
   std::string Text = View.Materialized ? "CREATE MATERIALIZED VIEW "
                      : Replace         ? "CREATE OR REPLACE VIEW "
                                        : "CREATE VIEW ";
@@ -117,7 +124,7 @@ TScript TPostgreSQLScriptWriter::View(const TDicViewDescription& View, bool Repl
   Result.Add(Text, Owner);
   Result.Makes.push_back(Name);
   AddIndexes(View.Indexes, {}, Name, Owner, Result);
-  if (Replace && !View.Materialized)
+  if (Replace)
     for (const TDicTrigger& Trigger : View.Triggers)
       Result.Add(Format("DROP TRIGGER IF EXISTS %s ON %s", QuoteStandardName(Trigger.Name), Name),
                  Format("trigger '%s' of %s", Trigger.Name, Owner));
@@ -136,15 +143,34 @@ TScript TPostgreSQLScriptWriter::Generator(const TDicGeneratorDescription& Gener
   std::string Text = "CREATE SEQUENCE " + Name;
   if (const TDicWords* Own = OwnWords(Generator.Words); Own && Own->Text) Text += " " + *Own->Text;
   Text += CounterWords(Generator.Counter, Owner);
-  if (Generator.Cache) {
-    if (!StrToInt64(*Generator.Cache))
-      throw EDatabaseError(Format("Cannot make %s: its cache '%s' is no number", Owner, *Generator.Cache));
-    Text += " CACHE " + *Generator.Cache;
-  }
+  Text += CacheWords(Generator, Owner);
   Result.Add(Text, Owner);
   Result.Makes.push_back(Name);
   // What it counts from stays as described; a later start is where it stands.
   if (Start) Result.Add(Format("ALTER SEQUENCE %s RESTART WITH %d", Name, *Start), Owner);
+  AddComment(Generator, "SEQUENCE", Owner, Result);
+  return Result;
+}
+
+TScript TPostgreSQLScriptWriter::AlterGenerator(const TDicGeneratorDescription& Generator,
+                                                std::optional<std::int64_t> Start) const {
+  TPostgreSQLScript Result;
+  const std::string Owner = Format("generator '%s'", Generator.FullName());
+  // What is not said would stay as it is.
+  TDicCounter Counter = Generator.Counter;
+  const TGeneratorRange Range = RangeOf(Generator.FullName(), Counter);
+  Counter.Start = std::to_string(Range.Start);
+  Counter.Step = std::to_string(Range.Step);
+  const TDicWords* Own = OwnWords(Generator.Words);
+  std::string Text = "ALTER SEQUENCE " + PostgreSQLNameOf(Generator) + " ";
+  Text += Own && Own->Text ? *Own->Text : "AS bigint";
+  Text += CounterWords(Counter, Owner);
+  if (!Counter.Min) Text += " NO MINVALUE";
+  if (!Counter.Max) Text += " NO MAXVALUE";
+  if (!Counter.Cycle) Text += " NO CYCLE";
+  Text += Generator.Cache ? CacheWords(Generator, Owner) : " CACHE 1";
+  if (Start) Text += Format(" RESTART WITH %d", *Start);
+  Result.Add(Text, Owner);
   AddComment(Generator, "SEQUENCE", Owner, Result);
   return Result;
 }

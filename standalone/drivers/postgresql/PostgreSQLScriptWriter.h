@@ -11,6 +11,7 @@ class TPostgreSQLScriptWriter final : public TScriptWriter {
   TScript Table(const TDicTableDescription& Table, const TTableParts& Parts, const std::string& Pattern) const override;
   TScript View(const TDicViewDescription& View, bool Replace) const override;
   TScript Generator(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) const override;
+  TScript AlterGenerator(const TDicGeneratorDescription& Generator, std::optional<std::int64_t> Start) const override;
   TScript SetGenerator(const TDicGeneratorDescription& Generator, std::int64_t Value) const override;
   TScript Procedure(const TDicProcedureDescription& Procedure, bool Replace) const override;
   std::string ShellText(const TScriptStatement& Statement) const override;

@@ -58,14 +58,13 @@ TScript TSQLiteScriptWriter::Table(const TDicTableDescription& Table, const TTab
   return TSQLiteTableScript(Own).Write(Parts, Pattern);
 }
 
-TScript TSQLiteScriptWriter::View(const TDicViewDescription& View, bool Replace) const {
+TScript TSQLiteScriptWriter::View(const TDicViewDescription& View, bool) const {
   TScript Result;
   const std::string Name = View.FullName();
   const std::string What = Format("view '%s'", Name);
   const std::string Query = QueryOf(View);
   if (Query.empty()) throw EDatabaseError(Format("Cannot make view '%s': its structure has no text of it", Name));
   AddViewGaps(View, Result);
-  if (Replace) Result.Statements.push_back({"DROP VIEW IF EXISTS " + QuoteStandardName(Name), What});
   std::string Columns;
   for (const std::string& Column : View.Columns) Columns += (Columns.empty() ? "" : ", ") + QuoteStandardName(Column);
   if (!Columns.empty()) Columns = " (" + Columns + ")";

@@ -3,18 +3,15 @@
 #include <algorithm>
 #include <iterator>
 
+#include "jobs/dictionary/SectionTree.h"
 #include "jobs/policies/Questions.h"
 #include "standalone/dictionary/Layout.h"
 #include "standalone/dictionary/LoweredNames.h"
 #include "standalone/dictionary/StoredDescriptions.h"
-#include "standalone/discard/DiscardManager.h"
-#include "standalone/structures/MemoryStructures.h"
 #include "velkrund/dictionary/TableMaker.h"
-#include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/InstalledService.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
@@ -102,23 +99,19 @@ TTableCreation::TTableCreation(TStandaloneManager& Manager, const TPolicies& Pol
       FDatabaseName(std::move(DatabaseName)),
       FGaps(Policies),
       FDictionary(FGaps.Dictionary()),
-      FLongNames(Policies.LongNames) {}
+      FLongNames(Policies.LongNames),
+      FObjects(Manager, Policies, FDatabaseName, FLongNames) {}
 
 void TTableCreation::AddStructure(TInputFile& Input, int Index) {
   const TEISection& Section = Input.File().Sections()[Index];
+  FObjects.AddStructure(Input, Index);
   const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
   if (!Type || !Name || *Type != std::to_string(TableObjectType)) return;
   const bool StaysStored = FPolicies.ExistingStructures == TExisting::Skip;
   if (StaysStored && DSPContainer().Table(FDatabaseName).DSPStructureExist(*Name, TableObjectType)) return;
-  TMemoryStructures Structures;
+  const std::optional<TDSPNode> Tree = TreeOfSection(FManager, Input, Index);
+  if (!Tree) return;
   try {
-    TDiscardManager Discard(FManager);
-    const TServiceGuard<TApplicationManager> ManagerGuard(&Discard);
-    const TServiceGuard<TDSPContainer> StructuresGuard(&Structures);
-    const std::unique_ptr<TEIObject> Object = Input.File().CreateEIObject(Index);
-    Input.File().ImportObject(*Object);
-    const TDSPNode* const Tree = Structures.Find(*Name, TableObjectType);
-    if (!Tree || Tree->GetCount() == 0) return;
     TEntry Entry;
     Entry.Description = ReadTable(*Tree);
     NameAfter(Entry.Description, *Name);
@@ -172,8 +165,10 @@ std::vector<TTableCreation::TEntry*> TTableCreation::Missing() {
 
 void TTableCreation::Settle(TOutcome& Outcome) {
   const std::vector<TEntry*> Tables = Missing();
-  if (Tables.empty()) return;
+  if (Tables.empty() && FObjects.Missing().empty()) return;
   AskFor(Tables);
+  if (FDeclined) FObjects.Decline();
+  if (Tables.empty()) return;
   if (!FDeclined) {
     for (TEntry* const Table : Tables) Table->IsCancelled = !FLongNames.MayMakeTable(Table->Description);
     return CheckScripts(Tables);
@@ -189,8 +184,10 @@ void TTableCreation::AskFor(const std::vector<TEntry*>& Tables) {
   if (FPolicies.CreateTables != TCreateTables::Ask) return;
   std::vector<std::string> Names;
   for (const TEntry* Table : Tables) Names.push_back(Format("'%s'", Table->Description.FullName()));
+  const std::string What = Names.empty() ? "Objects" : "Tables";
+  for (std::string& Object : FObjects.Missing()) Names.push_back(std::move(Object));
   const std::string Text =
-      Format("Tables that are not there, and that structures describe: %s.", JoinedInShort(std::move(Names)));
+      Format("%s that are not there, and that structures describe: %s.", What, JoinedInShort(std::move(Names)));
   if (!CanAsk()) throw EPolicyUnanswered(TPolicy::CreateTables, Text);
   FDeclined =
       Ask({Text + " Make them?", {TAnswer::Yes, TAnswer::No, TAnswer::Cancel}, TPolicy::CreateTables}) == TAnswer::No;
@@ -264,6 +261,7 @@ std::vector<TPlanStep> TTableCreation::StepsBehind() const {
     for (const TScriptStatement& Statement : FDictionary.IndexScript(FDatabaseName, Entry->Description).Statements)
       Result.push_back({"make " + Statement.What, {}, Statement.Text});
   AddSteps(TTableScriptPart::Rest, Result);
+  for (TPlanStep& Step : FObjects.Steps()) Result.push_back(std::move(Step));
   return Result;
 }
 
@@ -276,6 +274,7 @@ void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
   if (!FMade.empty())
     Outcome.Notes.push_back(Format("made %s, whose structures stay in the catalogue of the database: %s",
                                    Counted(static_cast<std::int64_t>(FMade.size()), "table"), Joined(NamesOf(FMade))));
+  FObjects.AddNotes(Outcome);
   FLongNames.AddNote(Outcome.Notes);
   std::vector<std::string> Waiting;
   if (FPolicies.Commit == TCommit::Each)

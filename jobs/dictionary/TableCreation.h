@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "jobs/dictionary/AllowedGaps.h"
+#include "jobs/dictionary/ObjectCreation.h"
 #include "jobs/files/InputFile.h"
 #include "jobs/policies/LongNames.h"
 #include "jobs/report/Outcome.h"
@@ -34,6 +35,8 @@ class TTableCreation {
   void Settle(TOutcome& Outcome);
   /// There are tables to be made, and they may not.
   bool IsDeclined() const { return FDeclined; }
+  /// Other objects, about which the same question is asked.
+  TObjectCreation& Objects() { return FObjects; }
   std::vector<TPlanStep> StepsBefore() const;
   std::vector<TPlanStep> StepsBehind() const;
 
@@ -71,6 +74,7 @@ class TTableCreation {
   TAllowedGaps FGaps;
   TStandaloneDictionary& FDictionary;
   TLongNames FLongNames;
+  TObjectCreation FObjects;
   std::map<std::string, TEntry> FEntries;  // by full name in lower case
   std::vector<std::string> FMade, FCompleted, FUnchecked;
   bool FDeclined = false;

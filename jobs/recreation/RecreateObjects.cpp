@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "jobs/dictionary/ObjectCreation.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/operations/MessageBoxHook.h"
-#include "velkrund/platform/dictionary/DicDatabase.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -109,18 +109,7 @@ std::string_view TThis::OverwriteKey() const {
 }
 
 bool TThis::Exists(const TRecreation& Item) {
-  TDicDatabase& Database = DicDBContainer().Database(DatabaseName);
-  const std::string& Name = Item.Structure.Name;
-  switch (Item.Structure.Type) {
-    case GeneratorObjectType:
-      return Database.GeneratorExist(Name);
-    case ViewObjectType:
-      return Database.ViewExist(Name);
-    case ExecStoredProcObjectType:
-      return Database.ExecStoredProcExist(Name);
-    default:
-      return Database.SelectStoredProcExist(Name);
-  }
+  return ObjectExists(DatabaseName, Item.Structure.Type, Item.Structure.Name);
 }
 
 void TThis::Check(TRecreation& Item) {

@@ -356,6 +356,27 @@ void TImportJob::TableFailed(const std::string& Table, const std::exception& Err
   Fail(*Found, Error);
 }
 
+/// What failed has been tried as often as something else could be made.
+bool TImportJob::EndObjects(const TUORecreateContainer& Container) {
+  for (const TUORecreateContainer::TResult& Result : Container.Results()) {
+    NoteObject(Result);
+    if (Result.Created || Result.Declined || !Result.Error) continue;
+    try {
+      std::rethrow_exception(Result.Error);
+    } catch (const std::exception& Error) {
+      const auto IsIt = [&](const TItem& Item) {
+        return Item.Structure && Item.Structure->Type == Result.ObjectType &&
+               SameText(Item.Structure->Name, Result.Name);
+      };
+      const auto Item = std::find_if(FOutcome.Items.begin(), FOutcome.Items.end(), IsIt);
+      if (Item != FOutcome.Items.end()) Fail(*Item, Error);
+      FStopped = !MayGoOn(Error);
+      if (FStopped) throw;
+    }
+  }
+  return true;
+}
+
 void TImportJob::TableTakenBack(const std::string& Table) {
   for (TItem& Item : FOutcome.Items)
     if (SameText(Item.Table, Table) && Item.State == TItemState::Done) Item.State = TItemState::TakenBack;

@@ -71,6 +71,9 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual bool MakesObjects() const { return true; }
   /// Who makes tables that are missing; null: nobody, they have to be there.
   virtual std::unique_ptr<TMissingTables> TableMaker(TUtilOperation& /*Operation*/) { return nullptr; }
+  /// Whether an object that a structure describes is to be made, and what is known of its questions.
+  virtual bool SetUpObject(TRecreateOperation& /*Operation*/, int /*ObjectType*/) { return true; }
+  virtual void NoteObject(const TUORecreateContainer::TResult& /*Result*/) {}
   /// For a dry run: what is done about tables before the first row, and behind the last one.
   virtual std::vector<TPlanStep> StepsBeforeRows() const { return {}; }
   virtual std::vector<TPlanStep> StepsBehindRows() const { return {}; }
@@ -123,6 +126,9 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   void FileFailed(const std::string& FileName, const std::exception& Error) override;
   void TableTakenBack(const std::string& Table) override;
   void TableFailed(const std::string& Table, const std::exception& Error) override;
+  bool Creates(TRecreateOperation& Operation, int ObjectType) override { return SetUpObject(Operation, ObjectType); }
+  bool CreatesEarly() const override { return true; }
+  bool EndObjects(const TUORecreateContainer& Container) override;
   void NotCreated(const std::string& Name, int ObjectType) override { FNotCreated.push_back({ObjectType, Name}); }
   void TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) override;
 

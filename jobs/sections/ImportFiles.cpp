@@ -19,6 +19,7 @@ using TThis = TJobImportFiles;
 constexpr TProperty Properties[] = {
     TPolicyRows::ExistingRows,
     TPolicyRows::ExistingStructures,
+    TPolicyRows::ExistingObjects,
     TPolicyRows::OnError,
     TPolicyRows::MissingFields,
     TPolicyRows::RepeatedTables,

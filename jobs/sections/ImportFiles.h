@@ -31,6 +31,10 @@ class TJobImportFiles final : public TImportJob {
   std::unique_ptr<TMissingTables> TableMaker(TUtilOperation& Operation) override {
     return FCreation->Maker(Operation, [this](const std::string& Table) { return HasLostRows(Table); });
   }
+  bool SetUpObject(TRecreateOperation& Operation, int ObjectType) override {
+    return FCreation->Objects().SetUp(Operation, ObjectType);
+  }
+  void NoteObject(const TUORecreateContainer::TResult& Result) override { FCreation->Objects().Note(Result); }
   std::vector<TPlanStep> StepsBeforeRows() const override { return FCreation->StepsBefore(); }
   std::vector<TPlanStep> StepsBehindRows() const override { return FCreation->StepsBehind(); }
   void AddNotes(bool Stays) override { FCreation->AddNotes(FOutcome, Stays); }

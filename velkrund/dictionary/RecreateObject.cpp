@@ -26,7 +26,7 @@ int TUORecreateObject::Execute() {
     FDeclined = true;
     return 1;
   }
-  FDeclined = FKind.AskCancel && FKind.AskCancel(ObjectName);
+  FDeclined = FKind.AskCancel && !TakesLongNames && FKind.AskCancel(ObjectName);
   if (FDeclined) return 0;
   Make(DicDBContainer().Database(DatabaseName));
   return 1;

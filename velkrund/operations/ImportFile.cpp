@@ -135,8 +135,20 @@ void TUOImportFile::TakeSections(TSource& Source) {
   for (const TStructure& Structure : Structures) WillCreate(Structure.Type, Structure.Name, *Structure.Section);
 }
 
+int TUOImportFile::CreateObjects() {
+  FContainer.CreatePending();
+  if (!Host().EndObjects(FContainer)) FContainer.ReportPending();
+  return 1;
+}
+
+void TUOImportFile::CreateEarly() {
+  if (Host().CreatesEarly()) FContainer.CreatePending();
+}
+
 void TUOImportFile::WillCreate(int Type, const std::string& Name, const TEISection& Section) {
-  if (FContainer.Add(Type, Name, &Section) || !TUORecreateContainer::OurObjectType(Type)) return;
+  TRecreateOperation* const Operation = FContainer.Add(Type, Name, &Section);
+  if (Operation && !Host().Creates(*Operation, Type)) FContainer.Remove(Section);
+  if (Operation || !TUORecreateContainer::OurObjectType(Type)) return;
   Host().NotCreated(Name, Type);
   WriteLog(TTraceLevel::Error, Format("'%s' (type %d) is stored as a structure only: the application has nothing that "
                                       "creates objects of this type in the database",
@@ -158,6 +170,7 @@ bool TUOImportFile::ImportStructures(const TSource& Source) {
 }
 
 void TUOImportFile::MakeMissingTables(const std::vector<TSource>& Sources) {
+  CreateEarly();
   FMissing = MissingTables(*this, DatabaseName);
   if (!FMissing) return;
   std::vector<std::string> WithRows, Described;
@@ -225,6 +238,7 @@ bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
       ImportSection(*Plan.Steps()[Part.First].File, Plan.Steps()[Part.First].Index, nullptr);
   }
   if (Plan.Loading()) Host().EndTables(*Plan.Loading());
+  if (!Stopping()) CreateEarly();
   CompleteTables();
   return !Stopping();
 }

@@ -10,6 +10,9 @@
 
 namespace velkrund {
 
+class TRecreateOperation;
+class TUORecreateContainer;
+
 /// A host that watches the import of whole files, and has a say in every section. What it raises counts as the file's
 /// error in OpenedFile and Takes, as the section's in BeginSection, and ends the import elsewhere.
 class TImportFileObserver {
@@ -48,6 +51,13 @@ class TImportFileObserver {
   virtual void TableFailed(const std::string& /*Table*/, const std::exception& /*Error*/) {}
   /// A table that was made, and is gone again with its rows, because it refers to one that failed.
   virtual void TableTakenBack(const std::string& /*Table*/) {}
+  /// An object that a structure of the files describes, and that is to be created, by Operation: a host answers its
+  /// questions here. Asked with Takes; false: it is not created.
+  virtual bool Creates(TRecreateOperation& /*Operation*/, int /*ObjectType*/) { return true; }
+  /// Whether objects are tried before tables are made, and again before they are completed, since these may need them.
+  virtual bool CreatesEarly() const { return false; }
+  /// When all that could be created is created; true: what could not be is told by the host.
+  virtual bool EndObjects(const TUORecreateContainer& /*Container*/) { return false; }
   /// A structure of the files that is stored only: nobody creates objects of its type in the database.
   virtual void NotCreated(const std::string& /*Name*/, int /*ObjectType*/) {}
   /// A file that cannot be opened, or whose headers are wrong.

@@ -102,13 +102,29 @@ std::string TUORecreateContainer::GatherObjectsNames() const { return NamesInRep
 
 int TUORecreateContainer::Execute() {
   try {
-    RunPass(true);
-    RunPass(false);
-    if (const std::vector<std::string> Names = PendingNames(); !Names.empty()) ReportNotCreated(Names);
+    CreatePending();
+    ReportPending();
   } catch (const EAbort&) {
     return 0;
   }
   return 1;
+}
+
+void TUORecreateContainer::CreatePending() {
+  RunPass(true);
+  RunPass(false);
+}
+
+void TUORecreateContainer::ReportPending() {
+  if (const std::vector<std::string> Names = PendingNames(); !Names.empty()) ReportNotCreated(Names);
+}
+
+std::vector<TUORecreateContainer::TResult> TUORecreateContainer::Results() const {
+  std::vector<TResult> Result;
+  for (const TEntry& Entry : FEntries)
+    Result.push_back(
+        {Entry.ObjectType, Entry.Name, Entry.State == TState::Created, Entry.State == TState::Declined, Entry.Error});
+  return Result;
 }
 
 void TUORecreateContainer::RunPass(bool GeneratorsAndViewsOnly) {
@@ -143,6 +159,7 @@ void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
     FLastError += "\r\n";
     FLastError += Error.what();
     WriteLog(TTraceLevel::Info, FLastError);
+    Entry.Error = std::current_exception();
     Sweep.Failed = true;
     return;
   }

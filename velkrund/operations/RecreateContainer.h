@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -29,7 +30,8 @@ class TRecreateOperation : public TDatabaseUtilOperation {
   bool Declined() const { return FDeclined; }
 
   std::string ObjectName;
-  TYesNoAsk OverwriteAsk;  // whether one that is there is replaced; asked unless told otherwise, else FYes says it
+  TYesNoAsk OverwriteAsk;       // whether one that is there is replaced; asked unless told otherwise, else FYes says it
+  bool TakesLongNames = false;  // a name too long for some databases is not asked about
 
  protected:
   bool FDeclined = false;
@@ -81,6 +83,19 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   /// UTF-16 units.
   std::string GatherObjectsNames() const;
 
+  /// Creates what can be created by now; what fails stays for later, and nothing is reported. EAbort leaves it.
+  void CreatePending();
+  /// Reports what is not created yet, as Execute does.
+  void ReportPending();
+  struct TResult {
+    int ObjectType;
+    const std::string& Name;
+    bool Created, Declined;
+    const std::exception_ptr& Error;  // the last one of an object that is not created; null: none was met
+  };
+  /// Of all entries. Valid until the next change.
+  std::vector<TResult> Results() const;
+
   /// Creates what is not created yet; 1 even when it was cancelled, 0 when EAbort ended it. What could not be created
   /// is reported: in a message box when ContinueOnError is set, else as an error.
   int Execute() override;
@@ -97,6 +112,7 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
     const TEISection* Section;
     std::unique_ptr<TRecreateOperation> Operation;
     TState State = TState::Pending;
+    std::exception_ptr Error = nullptr;
   };
   struct TSweep {
     bool Created = false;

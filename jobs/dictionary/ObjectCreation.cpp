@@ -1,0 +1,152 @@
+#include "jobs/dictionary/ObjectCreation.h"
+
+#include <algorithm>
+
+#include "jobs/dictionary/SectionTree.h"
+#include "standalone/dictionary/Layout.h"
+#include "standalone/dictionary/StoredDescriptions.h"
+#include "velkrund/eif/Section.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
+#include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
+#include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/platform/ormtools/Wording.h"
+
+namespace velkrund {
+
+namespace {
+
+std::string_view KindOf(int ObjectType) {
+  if (ObjectType == GeneratorObjectType) return "generator";
+  return ObjectType == ViewObjectType ? "view" : "procedure";
+}
+
+std::string TextOf(const TStructureId& Structure) {
+  return Format("the %s '%s'", KindOf(Structure.Type), Structure.Name);
+}
+
+template <typename TDescription>
+TDescription Named(TDescription Description, const std::string& Name) {
+  NameAfter(Description, Name);
+  return Description;
+}
+
+/// Of objects that the engine makes; others are kept in the catalogue.
+std::vector<TScriptStatement> StatementsOf(const TConnection& Connection, const TStructureId& Structure,
+                                           const TDSPNode& Tree, bool IsThere) {
+  const TScriptWriter& Scripts = Connection.Scripts();
+  if (Structure.Type == ViewObjectType) return Scripts.View(Named(ReadView(Tree), Structure.Name), IsThere).Statements;
+  if (Structure.Type == GeneratorObjectType) {
+    if (IsThere || !Connection.Capabilities().Generators) return {};
+    return Scripts.Generator(Named(ReadGenerator(Tree), Structure.Name), std::nullopt).Statements;
+  }
+  if (!Connection.Capabilities().Procedures) return {};
+  const bool Selects = Structure.Type == SelectStoredProcObjectType;
+  return Scripts.Procedure(Named(ReadProcedure(Tree, Selects), Structure.Name), IsThere).Statements;
+}
+
+}  // namespace
+
+bool ObjectExists(const std::string& DatabaseName, int ObjectType, const std::string& Name) {
+  TDicDatabase& Database = DicDBContainer().Database(DatabaseName);
+  switch (ObjectType) {
+    case GeneratorObjectType:
+      return Database.GeneratorExist(Name);
+    case ViewObjectType:
+      return Database.ViewExist(Name);
+    case ExecStoredProcObjectType:
+      return Database.ExecStoredProcExist(Name);
+    default:
+      return Database.SelectStoredProcExist(Name);
+  }
+}
+
+void TObjectCreation::AddStructure(TInputFile& Input, int Index) {
+  const TEISection& Section = Input.File().Sections()[Index];
+  const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
+  const std::optional<std::int32_t> Number = Type ? StrToInt32(*Type) : std::nullopt;
+  if (!Number || !Name || !TUORecreateContainer::OurObjectType(*Number) || Find(*Number, *Name)) return;
+  TEntry Entry{{*Number, *Name}, ObjectExists(FDatabaseName, *Number, *Name), {}};
+  if (FPolicies.DryRun)
+    if (const std::optional<TDSPNode> Tree = TreeOfSection(FManager, Input, Index)) try {
+        Entry.Statements =
+            StatementsOf(FManager.Databases().Connection(FDatabaseName), Entry.Structure, *Tree, Entry.IsThere);
+      } catch (const Exception&) {
+        // The run itself says what is wrong.
+      }
+  FEntries.push_back(std::move(Entry));
+}
+
+const TObjectCreation::TEntry* TObjectCreation::Find(int Type, const std::string& Name) const {
+  const auto Found = std::find_if(FEntries.begin(), FEntries.end(), [&](const TEntry& Entry) {
+    return Entry.Structure.Type == Type && SameText(Entry.Structure.Name, Name);
+  });
+  return Found == FEntries.end() ? nullptr : &*Found;
+}
+
+std::vector<std::string> TObjectCreation::Missing() const {
+  std::vector<std::string> Result;
+  for (const TEntry& Entry : FEntries)
+    if (!Entry.IsThere) Result.push_back(TextOf(Entry.Structure));
+  return Result;
+}
+
+/// Whoever replaces structures means the objects, too.
+TExisting TObjectCreation::Existing() const {
+  return FPolicies.ExistingObjects == TExisting::Ask ? FPolicies.ExistingStructures : FPolicies.ExistingObjects;
+}
+
+bool TObjectCreation::SetUp(TRecreateOperation& Operation, int ObjectType) {
+  const TEntry* const Entry = Find(ObjectType, Operation.ObjectName);
+  const bool IsThere = Entry && Entry->IsThere;
+  const bool HasGoodName = ObjectType != ViewObjectType || IsThere || FLongNames.MayMakeView(Operation.ObjectName);
+  if ((!IsThere && FDeclined) || !HasGoodName) {
+    FStored.push_back(TextOf({ObjectType, Operation.ObjectName}));
+    return false;
+  }
+  Operation.TakesLongNames = true;
+  Operation.OverwriteAsk.FAlwaysAsk = true;
+  Operation.OverwriteAsk.FCallback = [this](TAskObject& Ask, TUtilOperation*) { Answer(static_cast<TYesNoAsk&>(Ask)); };
+  return true;
+}
+
+void TObjectCreation::Answer(TYesNoAsk& Ask) {
+  if (Existing() != TExisting::Ask) {
+    Ask.FYes = Existing() != TExisting::Skip;
+    return;
+  }
+  const TAnswer Given = FQuestion.Ask({Ask.fAskCallbackString,
+                                       {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel},
+                                       TPolicy::ExistingObjects});
+  Ask.FYes = Given == TAnswer::Yes;
+}
+
+std::vector<TPlanStep> TObjectCreation::Steps() const {
+  std::vector<TPlanStep> Result;
+  for (const TEntry& Entry : FEntries) {
+    if (Entry.IsThere ? Existing() == TExisting::Skip : FDeclined) continue;
+    if (Entry.Statements.empty())
+      Result.push_back({Format("%s %s", Entry.IsThere ? "change" : "make", TextOf(Entry.Structure))});
+    for (const TScriptStatement& Statement : Entry.Statements)
+      Result.push_back({"make " + Statement.What, {}, Statement.Text});
+  }
+  return Result;
+}
+
+void TObjectCreation::Note(const TUORecreateContainer::TResult& Result) {
+  if (Result.Created) FMade.push_back(TextOf({Result.ObjectType, Result.Name}));
+  if (Result.Declined) FLeft.push_back(TextOf({Result.ObjectType, Result.Name}));
+}
+
+void TObjectCreation::AddNotes(TOutcome& Outcome) const {
+  const auto Add = [&](const char* What, const std::vector<std::string>& Objects) {
+    if (!Objects.empty())
+      Outcome.Notes.push_back(
+          Format(What, Counted(static_cast<std::int64_t>(Objects.size()), "object"), Joined(Objects)));
+  };
+  Add("made %s: %s", FMade);
+  Add("left %s as they are, since they are there already: %s", FLeft);
+  Add("stored the structures of %s only, which were not to be made: %s", FStored);
+}
+
+}  // namespace velkrund

@@ -21,8 +21,8 @@ class TUORecreateObjects : public TDatabaseUtilOperation {
   TYesNoCancelAsk OverwriteAsk;    // FAlwaysAsk: at creation true; false: FYes holds
 
   /// OverwriteAsk as one setting.
-  TRecreateOverwrite Overwrite() const;
-  void SetOverwrite(TRecreateOverwrite Overwrite);
+  TRecreateOverwrite Overwrite() const { return OverwriteOf(OverwriteAsk); }
+  void SetOverwrite(TRecreateOverwrite Overwrite) { SetOverwriteOf(OverwriteAsk, Overwrite); }
 
   // Of the last run.
   int Created() const { return FCreated; }

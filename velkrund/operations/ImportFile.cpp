@@ -97,6 +97,7 @@ void TUOImportFile::SetUpContainer() {
   FContainer.Owner = this;
   FContainer.DatabaseName = DatabaseName;
   FContainer.ContinueOnError = ContinueOnError;
+  FContainer.OverwriteAsk.Assign(OverwriteAsk);
   FContainer.FOnShowProgress = FOnShowProgress;
 }
 

@@ -130,6 +130,8 @@ TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndVi
 }
 
 void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
+  TYesNoAsk& Ask = Entry.Operation->OverwriteAsk;
+  if (Ask.FAlwaysAsk && !Ask.FCallback) Ask.Assign(OverwriteAsk);
   try {
     TTransaction Transaction(DatabaseName);
     if (!Entry.Operation->Execute() || Entry.Operation->Declined()) return Settle(Entry, TState::Declined);
@@ -151,15 +153,16 @@ void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
   Settle(Entry, TState::Created);
 }
 
-/// What several sections describe in parts was asked about once.
+/// What several sections describe in parts is asked about once.
 void TUORecreateContainer::Settle(TEntry& Entry, TState State) {
   Entry.State = State;
   for (TEntry& Other : FEntries) {
-    if (Other.State != TState::Pending || Other.ObjectType != Entry.ObjectType) continue;
-    if (!SameText(Other.Name, Entry.Name)) continue;
-    if (State == TState::Declined) Other.State = State;
-    Other.Operation->OverwriteAsk.FAlwaysAsk = false;
-    Other.Operation->OverwriteAsk.FYes = true;
+    const bool IsSame = Other.ObjectType == Entry.ObjectType && SameText(Other.Name, Entry.Name);
+    if (!IsSame || Other.State != TState::Pending) continue;
+    if (State == TState::Declined)
+      Other.State = State;
+    else
+      SetOverwriteOf(Other.Operation->OverwriteAsk, TRecreateOverwrite::Yes);
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include "velkrund/operations/AskObjects.h"
 #include "velkrund/operations/HookGuard.h"
+#include "velkrund/operations/RecreateOverwrite.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
 
@@ -59,6 +60,8 @@ using TRecreateOperationsGuard = THookGuard<TRecreateOperationList, &SetRecreate
 /// attempt is a transaction of its own. What was declined is neither tried again nor a failure.
 class TUORecreateContainer : public TDatabaseUtilOperation {
  public:
+  TUORecreateContainer() { OverwriteAsk.FAlwaysAsk = true; }
+
   /// Returns the new entry's operation, owned by the container; null, and nothing added, for other types. Section:
   /// where the object comes from, its "StartValue" is that of a generator; may be null, and is known by its place alone
   /// later. DatabaseName must be set before.
@@ -81,11 +84,16 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   /// UTF-16 units.
   std::string GatherObjectsNames() const;
 
-  /// Creates what is not created yet; 1 even when it was cancelled, 0 when EAbort ended it. What could not be created
-  /// is reported: in a message box when ContinueOnError is set, else as an error.
+  /// Creates what is not created yet and was not declined; 1 even when it was cancelled, 0 when EAbort ended it. What
+  /// could not be created is reported: in a message box when ContinueOnError is set, else as an error.
   int Execute() override;
 
+  /// OverwriteAsk as one setting.
+  TRecreateOverwrite Overwrite() const { return OverwriteOf(OverwriteAsk); }
+  void SetOverwrite(TRecreateOverwrite Overwrite) { SetOverwriteOf(OverwriteAsk, Overwrite); }
+
   bool ContinueOnError = true;
+  TYesNoAsk OverwriteAsk;  // of the operations whose own decides nothing; asks unless told otherwise
 
   static const TUtilOperationDescriptor Descriptor;
 

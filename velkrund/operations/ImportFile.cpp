@@ -101,6 +101,24 @@ void TUOImportFile::SetUpContainer() {
   FContainer.FOnShowProgress = FOnShowProgress;
 }
 
+int TUOImportFile::CreateObjects() {
+  int Result = 0;
+  try {
+    Result = FContainer.Execute();
+  } catch (const std::exception&) {
+    TellObjects();
+    throw;
+  }
+  TellObjects();
+  return Result;
+}
+
+void TUOImportFile::TellObjects() {
+  for (int Index = 0; Index < FContainer.Count(); ++Index)
+    Host().ObjectEnded(FContainer.Items(Index)->ObjectName, FContainer.GetObjectType(Index), FContainer.State(Index),
+                       FContainer.Error(Index));
+}
+
 TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName) {
   try {
     TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}};

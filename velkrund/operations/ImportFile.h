@@ -60,7 +60,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
 
   /// Opens the file and adds its structures to those whose objects are created at the end. On failure nothing is added.
   TSource OpenFile(const std::string& FileName);
-  int CreateObjects() { return FContainer.Execute(); }
+  int CreateObjects();
   static std::int64_t BytesOf(const TEIFile& File, const std::vector<int>& Sections);
   /// Between these two progress goes from 0 to Total bytes and never back.
   void BeginPass(std::int64_t Total);
@@ -85,6 +85,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   TImportFileObserver& Host() { return Observer ? *Observer : FNobody; }
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
   void SetUpContainer();
+  void TellObjects();
   void TakeSections(TSource& Source);
   void WillCreate(int Type, const std::string& Name, const TEISection& Section);
   void MakeMissingTables(const std::vector<TSource>& Sources);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/platform/database/Relations.h"
 
 namespace velkrund {
@@ -50,6 +51,10 @@ class TImportFileObserver {
   virtual void TableTakenBack(const std::string& /*Table*/) {}
   /// A structure of the files that is stored only: nobody creates objects of its type in the database.
   virtual void NotCreated(const std::string& /*Name*/, int /*ObjectType*/) {}
+  /// What has become of a generator, view or procedure, when all were tried. Error: why one is not created; null where
+  /// nothing has failed.
+  virtual void ObjectEnded(const std::string& /*Name*/, int /*ObjectType*/, TRecreateState /*State*/,
+                           const std::exception_ptr& /*Error*/) {}
   /// A file that cannot be opened, or whose headers are wrong.
   virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -35,6 +36,9 @@ class TRecreateOperation : public TDatabaseUtilOperation {
  protected:
   bool FDeclined = false;
 };
+
+/// What has become of an object of the container. Pending: it was not tried yet, or failed.
+enum class TRecreateState { Pending, Created, Declined };
 
 /// The makers of recreation operations, by the object type's number. Filled when the module starts.
 class TRecreateOperationList {
@@ -76,6 +80,10 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   TRecreateOperation* Items(int Index) const;
   /// -1 for an index out of range.
   int GetObjectType(int Index) const;
+  // Of an index that is there.
+  TRecreateState State(int Index) const { return FEntries[static_cast<std::size_t>(Index)].State; }
+  /// Of the last attempt, of one that failed; else null.
+  const std::exception_ptr& Error(int Index) const { return FEntries[static_cast<std::size_t>(Index)].Error; }
   /// Generators, views and stored procedures.
   static bool OurObjectType(int ObjectType) {
     return ObjectType >= GeneratorObjectType && ObjectType <= SelectStoredProcObjectType;
@@ -98,13 +106,13 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   static const TUtilOperationDescriptor Descriptor;
 
  private:
-  enum class TState { Pending, Created, Declined };
   struct TEntry {
     std::string Name;
     int ObjectType;
     const TEISection* Section;
     std::unique_ptr<TRecreateOperation> Operation;
-    TState State = TState::Pending;
+    TRecreateState State = TRecreateState::Pending;
+    std::exception_ptr Error = nullptr;
   };
   struct TSweep {
     bool Created = false;
@@ -114,7 +122,7 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   void RunPass(bool GeneratorsAndViewsOnly);
   TSweep RunSweep(bool GeneratorsAndViewsOnly);
   void Create(TEntry& Entry, TSweep& Sweep);
-  void Settle(TEntry& Entry, TState State);
+  void Settle(TEntry& Entry, TRecreateState State);
   std::vector<std::string> PendingNames() const;
   void ReportNotCreated(const std::vector<std::string>& Names);
 

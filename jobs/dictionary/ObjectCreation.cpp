@@ -133,9 +133,9 @@ std::vector<TPlanStep> TObjectCreation::Steps() const {
   return Result;
 }
 
-void TObjectCreation::Note(const TUORecreateContainer::TResult& Result) {
-  if (Result.Created) FMade.push_back(TextOf({Result.ObjectType, Result.Name}));
-  if (Result.Declined) FLeft.push_back(TextOf({Result.ObjectType, Result.Name}));
+void TObjectCreation::Note(const TStructureId& Structure, TRecreateState State) {
+  if (State == TRecreateState::Created) FMade.push_back(TextOf(Structure));
+  if (State == TRecreateState::Declined) FLeft.push_back(TextOf(Structure));
 }
 
 void TObjectCreation::AddNotes(TOutcome& Outcome) const {

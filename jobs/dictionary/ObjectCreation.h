@@ -33,7 +33,7 @@ class TObjectCreation {
   bool SetUp(TRecreateOperation& Operation, int ObjectType);
   std::vector<TPlanStep> Steps() const;
   /// What became of one.
-  void Note(const TUORecreateContainer::TResult& Result);
+  void Note(const TStructureId& Structure, TRecreateState State);
   void AddNotes(TOutcome& Outcome) const;
 
  private:

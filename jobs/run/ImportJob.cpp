@@ -357,24 +357,21 @@ void TImportJob::TableFailed(const std::string& Table, const std::exception& Err
 }
 
 /// What failed has been tried as often as something else could be made.
-bool TImportJob::EndObjects(const TUORecreateContainer& Container) {
-  for (const TUORecreateContainer::TResult& Result : Container.Results()) {
-    NoteObject(Result);
-    if (Result.Created || Result.Declined || !Result.Error) continue;
-    try {
-      std::rethrow_exception(Result.Error);
-    } catch (const std::exception& Error) {
-      const auto IsIt = [&](const TItem& Item) {
-        return Item.Structure && Item.Structure->Type == Result.ObjectType &&
-               SameText(Item.Structure->Name, Result.Name);
-      };
-      const auto Item = std::find_if(FOutcome.Items.begin(), FOutcome.Items.end(), IsIt);
-      if (Item != FOutcome.Items.end()) Fail(*Item, Error);
-      FStopped = !MayGoOn(Error);
-      if (FStopped) throw;
-    }
+void TImportJob::ObjectEnded(const std::string& Name, int ObjectType, TRecreateState State,
+                             const std::exception_ptr& Error) {
+  NoteObject({ObjectType, Name}, State);
+  if (State != TRecreateState::Pending || !Error || FStopped) return;
+  try {
+    std::rethrow_exception(Error);
+  } catch (const std::exception& Failure) {
+    const auto IsIt = [&](const TItem& Item) {
+      return Item.Structure && Item.Structure->Type == ObjectType && SameText(Item.Structure->Name, Name);
+    };
+    const auto Item = std::find_if(FOutcome.Items.begin(), FOutcome.Items.end(), IsIt);
+    if (Item == FOutcome.Items.end()) throw;
+    Fail(*Item, Failure);
+    FStopped = !MayGoOn(Failure);
   }
-  return true;
 }
 
 void TImportJob::TableTakenBack(const std::string& Table) {

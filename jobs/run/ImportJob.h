@@ -73,7 +73,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual std::unique_ptr<TMissingTables> TableMaker(TUtilOperation& /*Operation*/) { return nullptr; }
   /// Whether an object that a structure describes is to be made, and what is known of its questions.
   virtual bool SetUpObject(TRecreateOperation& /*Operation*/, int /*ObjectType*/) { return true; }
-  virtual void NoteObject(const TUORecreateContainer::TResult& /*Result*/) {}
+  virtual void NoteObject(const TStructureId& /*Structure*/, TRecreateState /*State*/) {}
   /// For a dry run: what is done about tables before the first row, and behind the last one.
   virtual std::vector<TPlanStep> StepsBeforeRows() const { return {}; }
   virtual std::vector<TPlanStep> StepsBehindRows() const { return {}; }
@@ -128,7 +128,9 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   void TableFailed(const std::string& Table, const std::exception& Error) override;
   bool Creates(TRecreateOperation& Operation, int ObjectType) override { return SetUpObject(Operation, ObjectType); }
   bool CreatesEarly() const override { return true; }
-  bool EndObjects(const TUORecreateContainer& Container) override;
+  bool TellsObjects() const override { return true; }
+  void ObjectEnded(const std::string& Name, int ObjectType, TRecreateState State,
+                   const std::exception_ptr& Error) override;
   void NotCreated(const std::string& Name, int ObjectType) override { FNotCreated.push_back({ObjectType, Name}); }
   void TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) override;
 

@@ -34,7 +34,9 @@ class TJobImportFiles final : public TImportJob {
   bool SetUpObject(TRecreateOperation& Operation, int ObjectType) override {
     return FCreation->Objects().SetUp(Operation, ObjectType);
   }
-  void NoteObject(const TUORecreateContainer::TResult& Result) override { FCreation->Objects().Note(Result); }
+  void NoteObject(const TStructureId& Structure, TRecreateState State) override {
+    FCreation->Objects().Note(Structure, State);
+  }
   std::vector<TPlanStep> StepsBeforeRows() const override { return FCreation->StepsBefore(); }
   std::vector<TPlanStep> StepsBehindRows() const override { return FCreation->StepsBehind(); }
   void AddNotes(bool Stays) override { FCreation->AddNotes(FOutcome, Stays); }

@@ -1,6 +1,7 @@
 // Generators, views and procedures that are created again by their structures, single and in lists.
 
 #include "tests/dictionary/RecreateFixture.h"
+#include "velkrund/operations/RecreateContainerInterface.h"
 
 namespace velkrund::tests {
 namespace {
@@ -263,23 +264,35 @@ TEST_F(Recreate, GeneratorsStopAfterAnErrorAndAllStopWhenCancelled) {
 }
 
 TEST_F(Recreate, TheContainerCreatesAllKinds) {
-  TUORecreateContainer Container;
+  TUORecreateContainerInterface Container;
+  const auto Add = [&](const char* Name, const TEISection* Section) {
+    for (const TKind& Kind : Kinds) ASSERT_TRUE(Container.Operation().Add(Kind.Type, Name, Section));
+  };
+  const auto Created = [&] {
+    EXPECT_EQ(Container.Execute(), 1) << Container.LastError();
+    TNotes Notes = Noted();
+    std::erase_if(Notes, [](const std::string& Note) { return !Note.starts_with("7") && !Note.starts_with("adv"); });
+    return Notes;
+  };
+  for (const TKind& Kind : Kinds) {
+    for (const char* Name : {"Obj", "old"}) Describe(Kind.Type, Name);
+    Objects.There.emplace(Kind.Type, "old");
+  }
   TEISection Section;
   Section.FParameters.AddParam("StartValue", "40");
-  for (const TKind& Kind : Kinds) {
-    Describe(Kind.Type, "Obj");
-    Describe(Kind.Type, "old");
-    Objects.There.emplace(Kind.Type, "old");
-    ASSERT_TRUE(Container.Add(Kind.Type, "Obj", &Section));
-    ASSERT_TRUE(Container.Add(Kind.Type, "old"));
-  }
+  Add("Obj", &Section);
+  Add("old", nullptr);
   Answers = {IDNO, IDNO, IDNO, IDNO};
-  EXPECT_EQ(Container.Execute(), 1);
-  EXPECT_TRUE(Answers.empty()) << "what was left alone is not asked about again";
-  TNotes Notes = Noted();
-  std::erase_if(Notes, [](const std::string& Note) { return !Note.starts_with("7") && !Note.starts_with("adv"); });
-  EXPECT_EQ(Notes,
+  EXPECT_EQ(Created(),
             (TNotes{"71 Obj replace", "advance Obj 40", "72 Obj replace verify", "73 Obj replace", "74 Obj replace"}));
+  EXPECT_TRUE(Answers.empty());
+  EXPECT_EQ(Created(), TNotes()) << "what was left alone stays so";
+  for (const auto& [Overwrite, Count] : {std::pair{"no", 0U}, {"yes", 4U}}) {
+    Container.Clear();
+    Add("old", nullptr);
+    SetPropertyText(Container, "Overwrite", Overwrite);
+    EXPECT_EQ(Created().size(), Count);
+  }
 }
 
 }  // namespace

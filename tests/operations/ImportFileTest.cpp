@@ -64,7 +64,11 @@ class TActing : public TEIObject {
 
 class TCreated : public TRecreateOperation {
  public:
-  int Execute() override { return *Journal += "+" + ObjectName + " ", 1; }
+  int Execute() override {
+    *Journal += "+" + ObjectName + " ";
+    if (ObjectName == "failsV") throw EDatabaseError("no table");
+    return ObjectName == "declinedV" ? 0 : 1;
+  }
 };
 
 constexpr int Unanswered = -1, Abort = -2;
@@ -138,6 +142,10 @@ class ImportFile : public testing::Test, public TImportFileObserver {
     Seen += File.FileName() + ">" + Section.Name() + (Object ? Object->Stopped() ? "(stopped)" : "" : "(none)");
     Seen += Error ? ":" + ExceptionClassName(*Error) + " " : " ";
   }
+  void ObjectEnded(const std::string& Name, int ObjectType, TRecreateState State,
+                   const std::exception_ptr& Error) override {
+    Ended += Name + std::to_string(ObjectType) + ":" + std::to_string(static_cast<int>(State)) + (Error ? "! " : " ");
+  }
   void FileFailed(const std::string& File, const std::exception& Error) override {
     Seen += File + "!" + ExceptionClassName(Error) + " ";
   }
@@ -147,7 +155,7 @@ class ImportFile : public testing::Test, public TImportFileObserver {
                                      TEIObjectClass(TActing<TSectionRole::Other>::Descriptor)};
   TTexts Platform;
   TEIFile* Opened = nullptr;
-  std::string Done, Question, Seen;
+  std::string Done, Question, Seen, Ended;
   int Answer = IDYES;
   std::vector<std::pair<std::int32_t, std::int32_t>> Shown;
 
@@ -274,6 +282,15 @@ TEST_F(ImportFile, ObserverSeesAndChoosesSections) {
             "f2>u(stopped) ");
   Object.SetFiles(PutFiles("O:z x"));
   EXPECT_EQ(Import(Object), 1) << "what stopped can run again";
+}
+
+TEST_F(ImportFile, TheHostHearsWhatBecameOfObjects) {
+  TUOImportFileInterface Object;
+  Object.SetFileName(PutFiles("S:fails x|S:a x|S:declined x|S:alone alone").front());
+  Object.SetContinueOnError(false);
+  EXPECT_EQ(Import(Object), 0);
+  EXPECT_TRUE(Object.LastError().ends_with("no table")) << Object.LastError();
+  EXPECT_EQ(Ended, "failsV72:0! aV72:1 declinedV72:2 ");
 }
 
 TEST_F(ImportFile, AHostOpensFilesAndTakesTheirSections) {

@@ -6,14 +6,12 @@ namespace velkrund {
 
 namespace {
 
-constexpr std::string_view OverwriteNames[] = {"ask", "yes", "no"};
-
 using TObject = TUORecreateObject;
 using TObjects = TUORecreateObjects;
 
 constexpr TProperty NameRow = PropertyOf<&TObject::ObjectName>("ObjectName", "object to create by its structure");
 constexpr TProperty OverwriteRow = ChoiceOf<&TObject::Overwrite, &TObject::SetOverwrite>(
-    "Overwrite", "whether one that is there is replaced", OverwriteNames);
+    "Overwrite", "whether one that is there is replaced", RecreateOverwriteNames);
 
 constexpr TProperty ObjectProperties[] = {NameRow, OverwriteRow};
 constexpr TProperty GeneratorProperties[] = {
@@ -26,7 +24,7 @@ constexpr TProperty GeneratorProperties[] = {
 constexpr TProperty ListProperties[] = {
     PropertyOf<&TObjects::Names>("Names", "objects to create by their structures, in this order"),
     ChoiceOf<&TObjects::Overwrite, &TObjects::SetOverwrite>("Overwrite", "whether those that are there are replaced",
-                                                            OverwriteNames),
+                                                            RecreateOverwriteNames),
     ReadOnlyOf<&TObjects::Created>("Created", "objects of the last run that were created"),
     ReadOnlyOf<&TObjects::NotCreated>("NotCreated", "those that failed, or have no structure"),
 };

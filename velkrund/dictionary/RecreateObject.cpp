@@ -44,16 +44,6 @@ bool TUORecreateObject::MayReplace() {
   return OverwriteAsk.FYes;
 }
 
-TRecreateOverwrite TUORecreateObject::Overwrite() const {
-  if (OverwriteAsk.FAlwaysAsk) return TRecreateOverwrite::Ask;
-  return OverwriteAsk.FYes ? TRecreateOverwrite::Yes : TRecreateOverwrite::No;
-}
-
-void TUORecreateObject::SetOverwrite(TRecreateOverwrite Overwrite) {
-  OverwriteAsk.FAlwaysAsk = Overwrite == TRecreateOverwrite::Ask;
-  OverwriteAsk.FYes = Overwrite == TRecreateOverwrite::Yes;
-}
-
 std::string TUORecreateGenerator::StartValueText() const { return StartValue ? std::to_string(*StartValue) : ""; }
 
 void TUORecreateGenerator::SetStartValueText(const std::string& Text) {

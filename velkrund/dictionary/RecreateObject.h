@@ -8,9 +8,6 @@
 
 namespace velkrund {
 
-/// What is decided beforehand about objects that are there already.
-enum class TRecreateOverwrite : int { Ask = 0, Yes = 1, No = 2 };
-
 /// Creates one object of a database that is no table as its structure describes it, in place of one that is there. An
 /// object that is there is asked about: by the handler of OverwriteAsk, else in a message box. Left alone by the
 /// answer, that is a success. Result 0: its name is too long for some databases, and the creation was cancelled for
@@ -20,8 +17,8 @@ class TUORecreateObject : public TRecreateOperation {
   int Execute() override;
 
   /// OverwriteAsk as one setting.
-  TRecreateOverwrite Overwrite() const;
-  void SetOverwrite(TRecreateOverwrite Overwrite);
+  TRecreateOverwrite Overwrite() const { return OverwriteOf(OverwriteAsk); }
+  void SetOverwrite(TRecreateOverwrite Overwrite) { SetOverwriteOf(OverwriteAsk, Overwrite); }
 
  protected:
   explicit TUORecreateObject(const TRecreateKind& Kind) : FKind(Kind) {}

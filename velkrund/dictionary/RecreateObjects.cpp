@@ -110,14 +110,4 @@ void TUORecreateObjects::ReportNotCreated() {
   ShowNotCreated(Report);
 }
 
-TRecreateOverwrite TUORecreateObjects::Overwrite() const {
-  if (OverwriteAsk.FAlwaysAsk) return TRecreateOverwrite::Ask;
-  return OverwriteAsk.FYes ? TRecreateOverwrite::Yes : TRecreateOverwrite::No;
-}
-
-void TUORecreateObjects::SetOverwrite(TRecreateOverwrite Overwrite) {
-  OverwriteAsk.FAlwaysAsk = Overwrite == TRecreateOverwrite::Ask;
-  OverwriteAsk.FYes = Overwrite == TRecreateOverwrite::Yes;
-}
-
 }  // namespace velkrund

@@ -26,8 +26,8 @@ class TUORecreateObjects : public TDatabaseUtilOperation {
   std::function<void(const std::string& Name, const std::exception_ptr& Error)> FOnFailed;
 
   /// OverwriteAsk as one setting.
-  TRecreateOverwrite Overwrite() const;
-  void SetOverwrite(TRecreateOverwrite Overwrite);
+  TRecreateOverwrite Overwrite() const { return OverwriteOf(OverwriteAsk); }
+  void SetOverwrite(TRecreateOverwrite Overwrite) { SetOverwriteOf(OverwriteAsk, Overwrite); }
 
   // Of the last run.
   int Created() const { return FCreated; }

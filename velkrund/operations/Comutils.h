@@ -18,6 +18,7 @@
 #include "velkrund/operations/Rbaseint.h"
 #include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/operations/RecreateContainerInterface.h"
+#include "velkrund/operations/RecreateOverwrite.h"
 #include "velkrund/operations/TablePlan.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/operations/UtilOperationInterface.h"

@@ -97,7 +97,31 @@ void TUOImportFile::SetUpContainer() {
   FContainer.Owner = this;
   FContainer.DatabaseName = DatabaseName;
   FContainer.ContinueOnError = ContinueOnError;
+  FContainer.OverwriteAsk.Assign(OverwriteAsk);
   FContainer.FOnShowProgress = FOnShowProgress;
+}
+
+int TUOImportFile::CreateObjects() {
+  int Result = 1;
+  try {
+    if (Host().TellsObjects())
+      FContainer.CreatePending();
+    else
+      Result = FContainer.Execute();
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception&) {
+    TellObjects();
+    throw;
+  }
+  TellObjects();
+  return Result;
+}
+
+void TUOImportFile::TellObjects() {
+  for (int Index = 0; Index < FContainer.Count(); ++Index)
+    Host().ObjectEnded(FContainer.Items(Index)->ObjectName, FContainer.GetObjectType(Index), FContainer.State(Index),
+                       FContainer.Error(Index));
 }
 
 TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName) {
@@ -133,12 +157,6 @@ void TUOImportFile::TakeSections(TSource& Source) {
       Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
   }
   for (const TStructure& Structure : Structures) WillCreate(Structure.Type, Structure.Name, *Structure.Section);
-}
-
-int TUOImportFile::CreateObjects() {
-  FContainer.CreatePending();
-  if (!Host().EndObjects(FContainer)) FContainer.ReportPending();
-  return 1;
 }
 
 void TUOImportFile::CreateEarly() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/AskObjects.h"
 #include "velkrund/operations/ImportFileObserver.h"
 #include "velkrund/operations/MissingTables.h"
 #include "velkrund/operations/RecreateContainer.h"
@@ -28,6 +29,8 @@ namespace velkrund {
 /// reason appended. EAbort and EQuestionUnanswered always end the import.
 class TUOImportFile : public TDatabaseUtilOperation {
  public:
+  TUOImportFile() { OverwriteAsk.FAlwaysAsk = true; }
+
   /// 0: cancelled, or stopped before the table data by fCreateDBStructures. Finished sections stay in either case.
   int Execute() override;
 
@@ -35,6 +38,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool FCrypted = false;                    // not supported yet: an error before anything is opened
   bool fCreateDBStructures = true;          // go on to table data and database objects
   bool ContinueOnError = true;              // ask after an error; false: raise it. Becomes false when the answer is No
+  TYesNoAsk OverwriteAsk;                   // whether generators, views and procedures that are there are replaced
   TLoadOptions LoadOptions;                 // where the platform has relations of tables
   TKvParamsList FEIObjectProperties;        // settings for sections; answers given for all join them for one run
   TImportFileObserver* Observer = nullptr;  // borrowed, may be null
@@ -81,6 +85,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   TImportFileObserver& Host() { return Observer ? *Observer : FNobody; }
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
   void SetUpContainer();
+  void TellObjects();
   void TakeSections(TSource& Source);
   void CreateEarly();
   void WillCreate(int Type, const std::string& Name, const TEISection& Section);

@@ -6,12 +6,10 @@
 #include <vector>
 
 #include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/RecreateContainer.h"
 #include "velkrund/platform/database/Relations.h"
 
 namespace velkrund {
-
-class TRecreateOperation;
-class TUORecreateContainer;
 
 /// A host that watches the import of whole files, and has a say in every section. What it raises counts as the file's
 /// error in OpenedFile and Takes, as the section's in BeginSection, and ends the import elsewhere.
@@ -56,10 +54,14 @@ class TImportFileObserver {
   virtual bool Creates(TRecreateOperation& /*Operation*/, int /*ObjectType*/) { return true; }
   /// Whether objects are tried before tables are made, and again before they are completed, since these may need them.
   virtual bool CreatesEarly() const { return false; }
-  /// When all that could be created is created; true: what could not be is told by the host.
-  virtual bool EndObjects(const TUORecreateContainer& /*Container*/) { return false; }
+  /// Whether the host tells what could not be created; otherwise a message box does.
+  virtual bool TellsObjects() const { return false; }
   /// A structure of the files that is stored only: nobody creates objects of its type in the database.
   virtual void NotCreated(const std::string& /*Name*/, int /*ObjectType*/) {}
+  /// What has become of a generator, view or procedure, when all were tried. Error: why one is not created; null where
+  /// nothing has failed.
+  virtual void ObjectEnded(const std::string& /*Name*/, int /*ObjectType*/, TRecreateState /*State*/,
+                           const std::exception_ptr& /*Error*/) {}
   /// A file that cannot be opened, or whose headers are wrong.
   virtual void FileFailed(const std::string& /*FileName*/, const std::exception& /*Error*/) {}
 

@@ -94,7 +94,7 @@ int TUORecreateContainer::GetObjectType(int Index) const {
 std::vector<std::string> TUORecreateContainer::PendingNames() const {
   std::vector<std::string> Names;
   for (const TEntry& Entry : FEntries)
-    if (Entry.State == TState::Pending) Names.push_back(Entry.Name);
+    if (Entry.State == TRecreateState::Pending) Names.push_back(Entry.Name);
   return Names;
 }
 
@@ -119,14 +119,6 @@ void TUORecreateContainer::ReportPending() {
   if (const std::vector<std::string> Names = PendingNames(); !Names.empty()) ReportNotCreated(Names);
 }
 
-std::vector<TUORecreateContainer::TResult> TUORecreateContainer::Results() const {
-  std::vector<TResult> Result;
-  for (const TEntry& Entry : FEntries)
-    Result.push_back(
-        {Entry.ObjectType, Entry.Name, Entry.State == TState::Created, Entry.State == TState::Declined, Entry.Error});
-  return Result;
-}
-
 void TUORecreateContainer::RunPass(bool GeneratorsAndViewsOnly) {
   TSweep Sweep;
   do Sweep = RunSweep(GeneratorsAndViewsOnly);
@@ -137,7 +129,7 @@ TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndVi
   TSweep Sweep;
   for (TEntry& Entry : FEntries) {
     if (IsCanceled()) return {};
-    if (Entry.State != TState::Pending) continue;
+    if (Entry.State != TRecreateState::Pending) continue;
     if (GeneratorsAndViewsOnly && Entry.ObjectType != GeneratorObjectType && Entry.ObjectType != ViewObjectType)
       continue;
     Create(Entry, Sweep);
@@ -146,37 +138,41 @@ TUORecreateContainer::TSweep TUORecreateContainer::RunSweep(bool GeneratorsAndVi
 }
 
 void TUORecreateContainer::Create(TEntry& Entry, TSweep& Sweep) {
+  TYesNoAsk& Ask = Entry.Operation->OverwriteAsk;
+  if (Ask.FAlwaysAsk && !Ask.FCallback) Ask.Assign(OverwriteAsk);
   try {
     TTransaction Transaction(DatabaseName);
-    if (!Entry.Operation->Execute() || Entry.Operation->Declined()) return Settle(Entry, TState::Declined);
+    if (!Entry.Operation->Execute() || Entry.Operation->Declined()) return Settle(Entry, TRecreateState::Declined);
     Transaction.Commit();
   } catch (const EAbort&) {
     throw;
   } catch (const EQuestionUnanswered&) {
     throw;
   } catch (const std::exception& Error) {
+    Entry.Error = std::current_exception();
     FLastError = Format(BaseMng().LString("M_Test_ComUtils_ErrorOnCreateDBStructure"), Entry.Name);
     FLastError += "\r\n";
     FLastError += Error.what();
     WriteLog(TTraceLevel::Info, FLastError);
-    Entry.Error = std::current_exception();
     Sweep.Failed = true;
     return;
   }
   Sweep.Created = true;
   ShowProgress(++FCreated, Count(), Entry.Name);
-  Settle(Entry, TState::Created);
+  Settle(Entry, TRecreateState::Created);
 }
 
-/// What several sections describe in parts was asked about once.
-void TUORecreateContainer::Settle(TEntry& Entry, TState State) {
+/// What several sections describe in parts is asked about once.
+void TUORecreateContainer::Settle(TEntry& Entry, TRecreateState State) {
   Entry.State = State;
+  Entry.Error = nullptr;
   for (TEntry& Other : FEntries) {
-    if (Other.State != TState::Pending || Other.ObjectType != Entry.ObjectType) continue;
-    if (!SameText(Other.Name, Entry.Name)) continue;
-    if (State == TState::Declined) Other.State = State;
-    Other.Operation->OverwriteAsk.FAlwaysAsk = false;
-    Other.Operation->OverwriteAsk.FYes = true;
+    const bool IsSame = Other.ObjectType == Entry.ObjectType && SameText(Other.Name, Entry.Name);
+    if (!IsSame || Other.State != TRecreateState::Pending) continue;
+    if (State == TRecreateState::Declined)
+      Other.State = State;
+    else
+      SetOverwriteOf(Other.Operation->OverwriteAsk, TRecreateOverwrite::Yes);
   }
 }
 

@@ -10,6 +10,7 @@
 
 #include "velkrund/operations/AskObjects.h"
 #include "velkrund/operations/HookGuard.h"
+#include "velkrund/operations/RecreateOverwrite.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
 
@@ -37,6 +38,9 @@ class TRecreateOperation : public TDatabaseUtilOperation {
   bool FDeclined = false;
 };
 
+/// What has become of an object of the container. Pending: it was not tried yet, or failed.
+enum class TRecreateState { Pending, Created, Declined };
+
 /// The makers of recreation operations, by the object type's number. Filled when the module starts.
 class TRecreateOperationList {
  public:
@@ -61,6 +65,8 @@ using TRecreateOperationsGuard = THookGuard<TRecreateOperationList, &SetRecreate
 /// attempt is a transaction of its own. What was declined is neither tried again nor a failure.
 class TUORecreateContainer : public TDatabaseUtilOperation {
  public:
+  TUORecreateContainer() { OverwriteAsk.FAlwaysAsk = true; }
+
   /// Returns the new entry's operation, owned by the container; null, and nothing added, for other types. Section:
   /// where the object comes from, its "StartValue" is that of a generator; may be null, and is known by its place alone
   /// later. DatabaseName must be set before.
@@ -75,6 +81,10 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   TRecreateOperation* Items(int Index) const;
   /// -1 for an index out of range.
   int GetObjectType(int Index) const;
+  // Of an index that is there.
+  TRecreateState State(int Index) const { return FEntries[static_cast<std::size_t>(Index)].State; }
+  /// Of the last attempt, of one that failed; else null.
+  const std::exception_ptr& Error(int Index) const { return FEntries[static_cast<std::size_t>(Index)].Error; }
   /// Generators, views and stored procedures.
   static bool OurObjectType(int ObjectType) {
     return ObjectType >= GeneratorObjectType && ObjectType <= SelectStoredProcObjectType;
@@ -87,31 +97,26 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   void CreatePending();
   /// Reports what is not created yet, as Execute does.
   void ReportPending();
-  struct TResult {
-    int ObjectType;
-    const std::string& Name;
-    bool Created, Declined;
-    const std::exception_ptr& Error;  // the last one of an object that is not created; null: none was met
-  };
-  /// Of all entries. Valid until the next change.
-  std::vector<TResult> Results() const;
-
-  /// Creates what is not created yet; 1 even when it was cancelled, 0 when EAbort ended it. What could not be created
-  /// is reported: in a message box when ContinueOnError is set, else as an error.
+  /// Creates what is not created yet and was not declined; 1 even when it was cancelled, 0 when EAbort ended it. What
+  /// could not be created is reported: in a message box when ContinueOnError is set, else as an error.
   int Execute() override;
 
+  /// OverwriteAsk as one setting.
+  TRecreateOverwrite Overwrite() const { return OverwriteOf(OverwriteAsk); }
+  void SetOverwrite(TRecreateOverwrite Overwrite) { SetOverwriteOf(OverwriteAsk, Overwrite); }
+
   bool ContinueOnError = true;
+  TYesNoAsk OverwriteAsk;  // of the operations whose own decides nothing; asks unless told otherwise
 
   static const TUtilOperationDescriptor Descriptor;
 
  private:
-  enum class TState { Pending, Created, Declined };
   struct TEntry {
     std::string Name;
     int ObjectType;
     const TEISection* Section;
     std::unique_ptr<TRecreateOperation> Operation;
-    TState State = TState::Pending;
+    TRecreateState State = TRecreateState::Pending;
     std::exception_ptr Error = nullptr;
   };
   struct TSweep {
@@ -122,7 +127,7 @@ class TUORecreateContainer : public TDatabaseUtilOperation {
   void RunPass(bool GeneratorsAndViewsOnly);
   TSweep RunSweep(bool GeneratorsAndViewsOnly);
   void Create(TEntry& Entry, TSweep& Sweep);
-  void Settle(TEntry& Entry, TState State);
+  void Settle(TEntry& Entry, TRecreateState State);
   std::vector<std::string> PendingNames() const;
   void ReportNotCreated(const std::vector<std::string>& Names);
 

@@ -10,6 +10,8 @@ constexpr TProperty Properties[] = {
     ReadOnlyOf<&TUORecreateContainer::Count>("Count", "number of objects to create"),
     PropertyOf<&TUORecreateContainer::ContinueOnError>(
         "ContinueOnError", "show what could not be created in a message box; otherwise it is an error"),
+    ChoiceOf<&TUORecreateContainer::Overwrite, &TUORecreateContainer::SetOverwrite>(
+        "Overwrite", "whether objects that are there are replaced", RecreateOverwriteNames),
 };
 
 }  // namespace

@@ -18,6 +18,8 @@ class TUORecreateContainerInterface : public TOperationInterface<TUORecreateCont
   int Count() const { return Operation().Count(); }
   bool ContinueOnError() const { return Operation().ContinueOnError; }
   void SetContinueOnError(bool Value) { Operation().ContinueOnError = Value; }
+  TRecreateOverwrite Overwrite() const { return Operation().Overwrite(); }
+  void SetOverwrite(TRecreateOverwrite Overwrite) { Operation().SetOverwrite(Overwrite); }
 };
 
 }  // namespace velkrund

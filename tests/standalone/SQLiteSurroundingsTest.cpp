@@ -104,6 +104,7 @@ TEST_F(SQLiteSurroundingsTest, ARehearsalWithoutRowsPassesAndLeavesNothing) {
   RunAll({"CREATE TABLE T (A INTEGER PRIMARY KEY AUTOINCREMENT)", "CREATE TABLE C (A REFERENCES T)",
           "INSERT INTO T VALUES (1), (2)", "INSERT INTO C VALUES (1), (3)",
           "CREATE TRIGGER G AFTER DELETE ON T BEGIN DELETE FROM C; END"});
+  RunAll({"CREATE VIRTUAL TABLE X USING fts5(A, content=T)", "INSERT INTO X (X) VALUES ('rebuild')"});
   const TStrings Before = Snapshot();
   Connection->Begin(TIsolationLevel::RepeatableRead);
   Connection->SetSavepoint(1);
@@ -117,6 +118,7 @@ TEST_F(SQLiteSurroundingsTest, ARehearsalWithoutRowsPassesAndLeavesNothing) {
   Connection->Commit();
   EXPECT_EQ(Snapshot(), Before);
   EXPECT_THAT(AskFor("SELECT A FROM T"), ElementsAre("1", "2"));
+  EXPECT_THAT(AskFor("SELECT rowid FROM X WHERE X MATCH '2'"), ElementsAre("2"));
 }
 
 TEST_F(SQLiteSurroundingsTest, WhatDoesNotFitAnyMoreIsNamedAndWhatDidNotBeforeIsLeft) {
@@ -136,6 +138,7 @@ TEST_F(SQLiteSurroundingsTest, WhatDoesNotFitAnyMoreIsNamedAndWhatDidNotBeforeIs
       {{"CREATE TEMP VIEW V AS SELECT OLD FROM T"}, "temporary view 'V': no such column: OLD", ""},
       {{"CREATE VIEW V AS SELECT NONE FROM T"}, "", "view 'V' did not work before either"},
       {{"CREATE VIEW V AS SELECT NONE FROM O"}, "", ""},
+      {{"CREATE VIEW V AS SELECT KEPT FROM T ORDER BY OLD COLLATE NONE"}, "", "view 'V' did not work before either"},
       {{"CREATE TRIGGER G AFTER INSERT ON T BEGIN INSERT INTO O VALUES (NEW.OLD); END"},
        "trigger 'G': no such column: NEW.OLD",
        ""},

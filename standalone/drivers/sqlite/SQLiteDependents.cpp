@@ -115,8 +115,8 @@ std::string TSQLiteDependents::Update(const TDependent& Trigger, const std::stri
   std::string Changes;
   for (const std::string& Field : SQLiteTriggerFields(Trigger.Text))
     if (const std::string Name = QuoteStandardName(Field); !Computed.contains(FoldedSQLiteName(Field)))
-      Changes += (Changes.empty() ? "" : ", ") + Name + " = " + Name;
-  if (Changes.empty()) Changes = First + " = " + First;
+      Changes += Format("%s%s = %s", Changes.empty() ? "" : ", ", Name, Name);
+  if (Changes.empty()) Changes = Format("%s = %s", First, First);
   return "UPDATE " + Table + " SET " + Changes;
 }
 
@@ -172,7 +172,7 @@ TSQLiteDependents::TChanges TSQLiteDependents::Changes(const std::set<std::strin
     const std::string Reason = ReasonNow(Dependent, Now, GoneFields);
     if (Reason.empty()) continue;
     std::string& Names = Shown[Now.Asked + '\n' + Reason];
-    Names = Names.empty() ? Dependent.Shown() + ": " + Reason : Dependent.Shown() + " or " + Names;
+    Names = Names.empty() ? Format("%s: %s", Dependent.Shown(), Reason) : Format("%s or %s", Dependent.Shown(), Names);
   }
   for (auto& [Asked, Names] : Shown) Result.Broken.push_back(std::move(Names));
   return Result;

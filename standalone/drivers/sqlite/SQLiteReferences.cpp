@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 namespace {
-
-/// The engine's number for what it does not understand.
-constexpr std::string_view NotUnderstood = "1";
 
 std::string KeysOf(const TTableInfo& Table) { return Format("foreign keys of table '%s'", Table.Name); }
 
@@ -27,7 +25,7 @@ TSQLiteReferences::TCounted TSQLiteReferences::Count(const TTableInfo& Table) co
   try {
     return {Table, FSchema.BrokenReferences(Table)};
   } catch (const EDatabaseError& Error) {
-    if (Error.Info().EngineCode != NotUnderstood) throw;
+    if (!IsSQLiteMisunderstanding(Error.Info())) throw;
     return {Table, {}, Error.what()};
   }
 }

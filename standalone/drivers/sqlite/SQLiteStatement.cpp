@@ -5,6 +5,7 @@
 #include "standalone/drivers/sqlite/SQLiteWait.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
 namespace {
@@ -59,6 +60,10 @@ void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place
   Place.Code = CodeOf(Code);
   Place.EngineCode = std::to_string(Code);
   throw EDatabaseError(Message, std::move(Place));
+}
+
+bool IsSQLiteMisunderstanding(const TErrorInfo& Error) {
+  return (StrToInt32(Error.EngineCode).value_or(0) & 0xFF) == SQLITE_ERROR;
 }
 
 TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use)

@@ -16,6 +16,10 @@ namespace velkrund {
 [[noreturn]] void RaiseSQLiteError(sqlite3* Database, std::string_view What, TErrorInfo Place = {},
                                    bool ShowStatement = false);
 
+/// Whether the engine did not understand what it was asked for: a name, a word, a number of fields. All else that can
+/// go wrong says nothing about the statement.
+bool IsSQLiteMisunderstanding(const TErrorInfo& Error);
+
 /// A prepared statement.
 class TSQLiteStatement {
  public:

@@ -16,12 +16,11 @@
 namespace velkrund {
 namespace {
 
-/// The engine's number for what it does not understand.
-constexpr std::string_view NotUnderstood = "1";
-
+/// In the order in which they were made.
 constexpr const char* AskTriggers =
-    "SELECT 0, name, sql FROM main.sqlite_schema WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE "
-    "UNION ALL SELECT 1, name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE";
+    "SELECT 0, name, sql, rowid FROM main.sqlite_schema WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE UNION "
+    "ALL SELECT 1, name, sql, rowid FROM sqlite_temp_schema WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE "
+    "ORDER BY 1, 4";
 
 /// The engine leaves the word out of what it keeps.
 std::string Statement(bool IsTemporary, const std::string& Text) {
@@ -135,7 +134,7 @@ std::string TSQLiteSurroundings::ReasonAgainst(const std::string& Text) const {
     TSQLiteStatement(FDatabase.Handle(), Text, What()).Step();
     return {};
   } catch (const EDatabaseError& Error) {
-    if (Error.Info().EngineCode != NotUnderstood) throw;
+    if (!IsSQLiteMisunderstanding(Error.Info())) throw;
     return sqlite3_errmsg(FDatabase.Handle());
   }
 }
@@ -151,7 +150,7 @@ void TSQLiteSurroundings::RebuildTextIndexes() {
     if (const std::string Reason = ReasonAgainst(Index); Reason.empty())
       FConnection.RebuildTextIndex(Index);
     else if (Worked)
-      FProblems.push_back(Shown + ": " + Reason);
+      FProblems.push_back(Format("%s: %s", Shown, Reason));
     else
       FRemarks.push_back(Shown + " did not work before either");
   }

@@ -1,6 +1,7 @@
 #include "jobs/application/Registration.h"
 
 #include "jobs/databases/DatabaseInfo.h"
+#include "jobs/databases/RunProcedure.h"
 #include "jobs/dictionary/AdoptObjects.h"
 #include "jobs/dictionary/ScriptObjects.h"
 #include "jobs/sections/CheckFiles.h"
@@ -23,7 +24,8 @@ void RegisterJobClasses() {
         &TJobImportStructures::Interface, &TJobImportFiles::Interface, &TJobListStructures::Interface,
         &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
         &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
-        &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobDatabaseInfo::Interface})
+        &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobDatabaseInfo::Interface,
+        &TJobRunProcedure::Interface})
     Classes.Register(TInterfaceClass(*Job));
 }
 

@@ -18,6 +18,10 @@ class TCatalogueProcedures final : public TProcedures {
   /// what it does not understand, and for parameters that the description does not have.
   void Create(const TDicProcedureDescription& Procedure) override;
   void Drop(const TDicProcedureDescription& Procedure) override;
+  std::unique_ptr<TProcedureRun> Run(const TDicProcedureDescription& Procedure,
+                                     const TProcedureArguments& Arguments) override {
+    return FConnection.RunProcedure(Procedure, Arguments);
+  }
 
  private:
   std::unique_ptr<TCursor> Select(const std::string* Key);

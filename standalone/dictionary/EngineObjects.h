@@ -38,6 +38,10 @@ class TEngineProcedures final : public TProcedures {
   std::optional<TDicProcedureDescription> Find(const std::string& Name) override;
   void Create(const TDicProcedureDescription& Procedure) override;
   void Drop(const TDicProcedureDescription& Procedure) override;
+  std::unique_ptr<TProcedureRun> Run(const TDicProcedureDescription& Procedure,
+                                     const TProcedureArguments& Arguments) override {
+    return FConnection.RunProcedure(Procedure, Arguments);
+  }
 
  private:
   TConnection& FConnection;

@@ -36,6 +36,8 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"NewFile", "--new"},
     {"ObjectName", "--name"},
     {"ObjectType", "--type"},
+    {"Parameters", "--param"},
+    {"ProcedureName", "NAME"},
     {"ReleaseVersion", "--release"},
     {"RepeatedTables", "--repeated-tables"},
     {"RootNode", "--root"},

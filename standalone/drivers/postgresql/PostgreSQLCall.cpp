@@ -21,8 +21,9 @@ constexpr Oid BooleanType = 16, BytesType = PostgreSQLBytesType, Int8Type = 20, 
 
 /// What the server counts of changed rows in the running transaction; NULL where it was told not to.
 constexpr const char* ChangesStatement =
-    "SELECT pg_catalog.sum(pg_catalog.int8pl(pg_catalog.int8pl(t.n_tup_ins, t.n_tup_upd), t.n_tup_del)) "
-    "FROM pg_catalog.pg_stat_xact_user_tables t WHERE pg_catalog.current_setting('track_counts') = 'on'";
+    "SELECT CASE WHEN pg_catalog.current_setting('track_counts') = 'on' THEN (SELECT coalesce(pg_catalog.sum("
+    "pg_catalog.int8pl(pg_catalog.int8pl(t.n_tup_ins, t.n_tup_upd), t.n_tup_del)), 0::pg_catalog.numeric) "
+    "FROM pg_catalog.pg_stat_xact_user_tables t) END";
 
 std::optional<std::int64_t> CountChanges(TPostgreSQLSession& Session, std::string_view What) {
   const TPostgreSQLResult Rows = Session.Query(What, CatalogueStatement(ChangesStatement));

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <new>
+
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/sqlite/SQLiteCursor.h"
 #include "standalone/drivers/sqlite/SQLiteExecution.h"
@@ -65,8 +67,11 @@ void TSQLiteScriptRun::RunToRows() {
       throw EDatabaseError(
           Format("%s: several of its statements yield rows, and it can give those of one; the second is: %s", FWhat,
                  Shortened(sqlite3_sql(FStatement->Handle()))));
-    for (int Column = 0; Column < Count; ++Column)
-      FColumns.emplace_back(sqlite3_column_name(FStatement->Handle(), Column));
+    for (int Column = 0; Column < Count; ++Column) {
+      const char* const Name = sqlite3_column_name(FStatement->Handle(), Column);
+      if (!Name) throw std::bad_alloc();  // what the engine means by it
+      FColumns.emplace_back(Name);
+    }
     return;
   }
 }

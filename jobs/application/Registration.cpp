@@ -1,6 +1,7 @@
 #include "jobs/application/Registration.h"
 
 #include "jobs/databases/DatabaseInfo.h"
+#include "jobs/databases/RunProcedure.h"
 #include "jobs/dictionary/AdoptObjects.h"
 #include "jobs/dictionary/ScriptObjects.h"
 #include "jobs/recreation/RecreateObjects.h"
@@ -26,7 +27,7 @@ void RegisterJobClasses() {
         &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
         &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
         &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobRecreateTables::Interface,
-        &TJobRecreateObjects::Interface, &TJobDatabaseInfo::Interface})
+        &TJobRecreateObjects::Interface, &TJobDatabaseInfo::Interface, &TJobRunProcedure::Interface})
     Classes.Register(TInterfaceClass(*Job));
 }
 

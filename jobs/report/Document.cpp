@@ -1,6 +1,10 @@
 #include "jobs/report/Document.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
+
+#include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
 
@@ -31,6 +35,30 @@ TDocument TDocument::Headed(std::string_view Schema, std::string_view Command, i
 TDocument TDocument::List() {
   TDocument Result;
   Result.FValue->Json = TJson::array();
+  return Result;
+}
+
+TDocument TDocument::Value(const TKvVariant& Value) {
+  TDocument Result;
+  TJson& Json = Result.FValue->Json;
+  const TKvKind Kind = Value.Kind();
+  std::string Text;
+  if (Value.IsNull())
+    Json = nullptr;
+  else if (Kind == TKvKind::UInt64)
+    Json = Value.AsUnsigned();
+  else if (IsIntegerKind(Kind))
+    Json = Value.AsInteger();
+  else if (IsRealKind(Kind) && std::isfinite(Value.AsReal()))
+    Json = Value.AsReal();
+  else if (IsBooleanKind(Kind))
+    Json = Value.AsBoolean();
+  else if (Kind == TKvKind::Bytes)
+    AppendHex(Text, Value.AsText()), Json = Text;
+  else if (IsAnsiKind(Kind))
+    WorkSettings().AnsiCodePage->Decode(Value.AsText(), Text), Json = Text;
+  else
+    Value.AppendAsText(Text), Json = Text;
   return Result;
 }
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "velkrund/platform/ormtools/Variant.h"
+
 namespace velkrund {
 
 /// The result of a job for programs: a JSON document, or a part of one. Members stand in the order in which they were
@@ -21,6 +23,9 @@ class TDocument {
   static TDocument Headed(std::string_view Schema, std::string_view Command, int ExitCode);
   /// A list without elements.
   static TDocument List();
+  /// A value by itself: integers, finite floating numbers, truth values and null as such, bytes as hexadecimal digits,
+  /// all others as their texts. 8-bit texts are in the code page of the settings.
+  static TDocument Value(const TKvVariant& Value);
   TDocument(TDocument&&) noexcept;
   TDocument& operator=(TDocument&&) noexcept;
   ~TDocument();

@@ -1,13 +1,11 @@
 #include "jobs/structures/TreeText.h"
 
-#include <cmath>
 #include <utility>
 #include <vector>
 
 #include "velkrund/dsp/NodeTexts.h"
 #include "velkrund/dsp/NodeValueParts.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/structures/DSPErrors.h"
 
@@ -62,40 +60,6 @@ void AppendNode(std::string& Out, const TDSPNode& Node, std::size_t Level) {
   Out += '\n';
 }
 
-void SetValue(TDocument& Target, std::string_view Name, const TDSPNode& Node) {
-  const TKvVariant& Value = Node.Value();
-  switch (const TKvKind Kind = Value.Kind()) {
-    case TKvKind::Null:
-      Target.SetNull(Name);
-      return;
-    case TKvKind::UInt64:
-      Target.Set(Name, Value.AsUnsigned());
-      return;
-    case TKvKind::Double:
-    case TKvKind::Extended:
-      if (std::isfinite(Value.AsReal()))
-        Target.Set(Name, Value.AsReal());
-      else
-        Target.Set(Name, Str(Value.AsReal()));
-      return;
-    case TKvKind::Boolean:
-    case TKvKind::WordBool:
-      Target.Set(Name, Value.AsBoolean());
-      return;
-    case TKvKind::Bytes: {
-      std::string Digits;
-      AppendHex(Digits, Value.AsText());
-      Target.Set(Name, Digits);
-      return;
-    }
-    default:
-      if (IsIntegerKind(Kind))
-        Target.Set(Name, Value.AsInteger());
-      else
-        Target.Set(Name, Node.GetAsString());
-  }
-}
-
 TDocument NodesDocument(TDSPNode& Parent, int Level) {
   TDocument Result = TDocument::List();
   if (Parent.GetCount() > 0 && Level == DeepestDocument)
@@ -110,10 +74,10 @@ TDocument NodesDocument(TDSPNode& Parent, int Level) {
     if (Node.ValueType() == TDSPValueType::Variant) {
       TDocument Variant;
       Variant.Set("kind", KindWord(Node.Value().Kind()));
-      SetValue(Variant, "value", Node);
+      Variant.Set("value", TDocument::Value(Node.Value()));
       Entry.Set("value", std::move(Variant));
     } else if (Node.HasValue() && Node.ValueType() != TDSPValueType::Deleted) {
-      SetValue(Entry, "value", Node);
+      Entry.Set("value", TDocument::Value(Node.Value()));
     }
     Entry.Set("nodes", NodesDocument(Node, Level + 1));
     Result.Add(std::move(Entry));

@@ -21,6 +21,10 @@ class TCatalogueProcedures final : public TProcedures {
   /// Nothing stands around them.
   std::unique_ptr<TSurroundings> Surroundings(const TDicProcedureDescription&) override { return nullptr; }
   void Drop(const TDicProcedureDescription& Procedure) override;
+  std::unique_ptr<TProcedureRun> Run(const TDicProcedureDescription& Procedure,
+                                     const TProcedureArguments& Arguments) override {
+    return FConnection.RunProcedure(Procedure, Arguments);
+  }
 
  private:
   std::unique_ptr<TCursor> Select(const std::string* Key);

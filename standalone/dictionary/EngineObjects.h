@@ -42,6 +42,10 @@ class TEngineProcedures final : public TProcedures {
   void Redefine(const TDicProcedureDescription& Procedure) override;
   std::unique_ptr<TSurroundings> Surroundings(const TDicProcedureDescription& Procedure) override;
   void Drop(const TDicProcedureDescription& Procedure) override;
+  std::unique_ptr<TProcedureRun> Run(const TDicProcedureDescription& Procedure,
+                                     const TProcedureArguments& Arguments) override {
+    return FConnection.RunProcedure(Procedure, Arguments);
+  }
 
  private:
   TConnection& FConnection;

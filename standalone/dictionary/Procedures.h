@@ -30,6 +30,9 @@ class TProcedures {
   virtual std::unique_ptr<TSurroundings> Surroundings(const TDicProcedureDescription& Procedure) = 0;
   /// Procedure: as Find has found it.
   virtual void Drop(const TDicProcedureDescription& Procedure) = 0;
+  /// Procedure: as Find has found it. Arguments: as ArgumentsOf makes them.
+  virtual std::unique_ptr<TProcedureRun> Run(const TDicProcedureDescription& Procedure,
+                                             const TProcedureArguments& Arguments) = 0;
 };
 
 /// Both borrowed.

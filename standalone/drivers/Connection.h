@@ -9,6 +9,7 @@
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/Definitions.h"
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/ProcedureRun.h"
 #include "standalone/drivers/RowAccess.h"
 #include "standalone/drivers/Safeguards.h"
 #include "standalone/drivers/SchemaReader.h"
@@ -88,6 +89,10 @@ class TConnection {
   /// names of the parameters in it, each once. Raises EDatabaseError for what the engine does not understand, and for
   /// statements that begin or end transactions. Of engines that keep no procedures alone.
   virtual std::vector<std::string> CheckScript(const std::string& /*Script*/) { return {}; }
+  /// Runs a procedure that the engine keeps, or, where it keeps none, the script that is the text of one, within the
+  /// caller's transaction. Texts become what the engine takes the parameter for.
+  virtual std::unique_ptr<TProcedureRun> RunProcedure(const TDicProcedureDescription& Procedure,
+                                                      const TProcedureArguments& Arguments) = 0;
   /// Makes an index of words (TTableKind::IndexOfTable) anew from the rows of its table, inside the caller's
   /// transaction.
   virtual void RebuildTextIndex(const TTableInfo& /*Index*/) {}

@@ -28,7 +28,7 @@ bool IsKind(unsigned Number) {
 }
 
 [[noreturn]] void Refuse(const std::string& Table, const std::string& Why, TErrorInfo Info = {}) {
-  Info.Code = TErrorCode::Value;
+  Info.Code = TErrorCode::BLOBTable;
   Info.Table = Table;
   throw EDatabaseError(Table.empty() ? Format("The BLOB table %s", Why) : Format("The BLOB table '%s' %s", Table, Why),
                        std::move(Info));

@@ -114,6 +114,7 @@ class TDescription {
     if (Type == "number") return Value.is_number();
     if (Type == "boolean") return Value.is_boolean();
     if (Type == "null") return Value.is_null();
+    if (Type == "Value") return IsOf(Value, "integer, number, boolean, string, null");
     if (Type == "Report") return CheckDocument(Value);
     if (FWords.contains(Type)) return Value.is_string() && FWords[Type].contains(Value.get<std::string>());
     if (!FMembers.contains(Type) || !Value.is_object()) return false;
@@ -304,9 +305,13 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
   });
   // An object that PostgreSQL alone has words for, as it is and changed in another engine.
   Database.Run(
-      "CREATE TYPE mood AS ENUM ('x'); CREATE TABLE c (m mood, k int CHECK (k % 2 = 0)); ALTER TABLE c OWNER TO "
+      "CREATE TYPE mood AS ENUM ('x'); CREATE TABLE c (m mood, k int CHECK (k % 2 = 0));"
+      "CREATE FUNCTION two() RETURNS SETOF text LANGUAGE sql AS $$SELECT NULL::text UNION ALL SELECT 'x'$$; ALTER "
+      "TABLE c OWNER TO "
       "pg_database_owner");
   Check({
+      {"database run-procedure two --dry-run -d " + Database.Url(), 0, "procedure"},
+      {"database run-procedure two --param x=1 -d " + Database.Url(), 1, "error"},
       {"dictionary adopt -t c -d " + Database.Url(), 0, "adoption"},
       {"dictionary script --name c -d " + Database.Url(), 0, "script"},
       {"dictionary script --name c --engine sqlite -d " + Database.Url(), 0, "script"},

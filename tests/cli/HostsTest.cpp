@@ -20,6 +20,12 @@ class THostsTest : public TCommandTest {
                          "INSERT INTO X VALUES (1, 1); INSERT INTO Y VALUES (1, 1);");
     Query("empty.db", Tables);
     Query("rows.db", Tables + "INSERT INTO O VALUES (7, 'old'); INSERT INTO L VALUES (8, 7);");
+    Query("procedure.db",
+          Tables +
+              "CREATE TABLE velkrund_catalogue (version INTEGER NOT NULL, PRIMARY KEY (version));"
+              "INSERT INTO velkrund_catalogue VALUES (1); CREATE TABLE velkrund_procedures (name_key, name, kind, "
+              "parameters, body); INSERT INTO velkrund_procedures VALUES ('p', 'P', 74, '0 3 - - A' || char(10), "
+              "'INSERT INTO O VALUES (:A, ''x''); SELECT * FROM O')");
     Query("broken.db", Tables + "INSERT INTO L VALUES (8, 70);");
     Query("other.db", "CREATE TABLE O (OTHER TEXT); CREATE TABLE L (I INTEGER PRIMARY KEY CHECK (I <> 2), P INTEGER)");
     EXPECT_EQ(Run({"export", "table", "-d", "sqlite:full.db", "--all", "-o", "all.eif"}).ExitCode, 0);
@@ -294,6 +300,20 @@ TEST_F(THostsTest, DoAndRefuseTheSame) {
        1,
        "There is no table, view, generator or procedure 'NONE'"},
       {{"dictionary", "script", "-d", "sqlite:w.db"}, {"TJobScriptObjectsInterface", D}, "rows.db"},
+      {{"database", "run-procedure", "-d", "sqlite:w.db", "NONE", "--param", "A=1"},
+       {"TJobRunProcedureInterface", D, "ProcedureName=NONE", "Parameters=A=1", "KeepRows=true"},
+       "rows.db",
+       "",
+       1,
+       "There is no procedure 'NONE'"},
+      {{"database", "run-procedure", "-d", "sqlite:w.db", "P", "--param", "A=1"},
+       {"TJobRunProcedureInterface", D, "ProcedureName=P", "Parameters=A=1", "KeepRows=true"},
+       "procedure.db",
+       ""},
+      {{"database", "run-procedure", "-d", "sqlite:w.db", "P", "--param", "A=1", "--dry-run"},
+       {"TJobRunProcedureInterface", D, "ProcedureName=P", "Parameters=A=1", "KeepRows=true", "DryRun=true"},
+       "procedure.db",
+       ""},
       {{"dictionary", "list", "-d", "sqlite:w.db"}, {"TJobListStructuresInterface", D}, "rows.db"},
       {{"dictionary", "show", "-d", "sqlite:w.db", "--name", "a"},
        {"TJobShowStructureInterface", D, "ObjectName=a"},

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <set>
 
+#include "jobs/databases/RunProcedure.h"
 #include "jobs/files/OutputFile.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/files/SectionRepair.h"
@@ -117,6 +118,13 @@ std::string RemoveA(TFileSystem& Files, const TScene& Scene) {
 
 std::string Repair(TFileSystem& Files, const TScene& Scene) {
   return ErrorOf([&] { RepairFile(Files, Scene.F(), {}); });
+}
+
+std::string Halve(TFileSystem&, const TScene& Scene) {
+  TJobRunProcedureInterface Operation;
+  Operation.SetDatabaseName(Scene.Database("b.db"));
+  Operation.Job().ProcedureName = "HALVE";
+  return Operation.Execute() ? std::string() : "!" + Operation.LastError();
 }
 
 struct TJob {
@@ -293,6 +301,20 @@ TEST_F(TFaultsTest, FileImportLeavesWholeSections) {
     First = Scene.Rows("b.db");
   }
   Check({"import file", {}, &ImportAll, [=](const TScene& Scene) { return Scene.Rows("b.db") == First; }});
+}
+
+TEST_F(TFaultsTest, AProcedureRunsWhollyOrNotAtAll) {
+  Check({"run-procedure",
+         [](const TScene& Scene) {
+           TRawDatabase(Scene.Folder / "b.db")
+               .Run(
+                   "CREATE TABLE velkrund_catalogue (version INTEGER NOT NULL, PRIMARY KEY (version));"
+                   "INSERT INTO velkrund_catalogue VALUES (1); CREATE TABLE velkrund_structures (tree);"
+                   "CREATE TABLE velkrund_procedures (name_key, name, kind, parameters, body);"
+                   "INSERT INTO velkrund_procedures VALUES ('halve', 'HALVE', 74, '', 'DELETE FROM \"A\" WHERE ID = 8;"
+                   "SELECT count(*) FROM \"A\"; UPDATE \"A\" SET V = hex(zeroblob(9000)); DELETE FROM \"B\"')");
+         },
+         &Halve});
 }
 
 TEST_F(TFaultsTest, RemovalLeavesTheOldFileOrTheNewOne) { Check({"remove", {}, &RemoveA}); }

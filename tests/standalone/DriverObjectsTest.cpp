@@ -397,6 +397,33 @@ TEST_P(DriverObjectsTest, TextsOfOtherEnginesAreTriedAndNamed) {
   EXPECT_THAT(Noted, testing::ElementsAre("views", "procedures"));
 }
 
+TEST_P(DriverObjectsTest, ProceduresRunInTheCallersTransaction) {
+  StoreStructure(ExecStoredProcObjectType, "CLEAR");
+  StoreStructure(SelectStoredProcObjectType, "FIVE");
+  ASSERT_EQ(Create(ExecStoredProcObjectType, "CLEAR") + Create(SelectStoredProcObjectType, "FIVE"), "no errorno error");
+  Run("INSERT INTO \"WORDS\" VALUES (1), (2), (3)");
+  const auto Procedures = Objects.Procedures();
+  TKvVariant One, Value;
+  One.SetInteger(1);
+  for (const bool Commits : {false, true}) {
+    TTransaction Transaction(Url);
+    {
+      const auto Clear = Procedures->Run(*Procedures->Find("CLEAR"), {One});
+      EXPECT_THAT(Clear->Columns(), testing::IsEmpty());
+      EXPECT_FALSE(Clear->Next());
+      EXPECT_EQ(Clear->ChangedRows(), 2);
+      const auto Five = Procedures->Run(*Procedures->Find("five"), {One});
+      EXPECT_EQ(Five->Columns().size(), 1U);
+      ASSERT_TRUE(Five->Next());
+      Five->Read(0, Value);
+      EXPECT_EQ(Shown(Value), "18 5");
+      EXPECT_FALSE(Five->Next());
+    }
+    if (Commits) Transaction.Commit();
+  }
+  EXPECT_EQ(Rows(Connection(), "WORDS"), std::vector<std::string>{"18 3"}) << "the first of them was taken back";
+}
+
 TEST_P(DriverObjectsTest, CopiesUnderOtherNamesAreMade) {
   StoreStructure(ViewObjectType, "FIRST");
   auto Form = Structures.CreateFormManager(Url);

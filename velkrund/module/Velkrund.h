@@ -150,6 +150,7 @@ typedef struct VelkrundPropertyInfo {
  *                            last section off
  *   ListStructures, ShowStructure, DropStructure                     none
  *   DatabaseInfo             tables with rows and sizes, see VelkrundTableCount
+ *   RunProcedure             runs a procedure of a database; Report has its rows with KeepRows
  *
  * Other pipes than these two are named as files are. Standard input and output are those of the process, beside the
  * buffers of C's own streams: flush stdout before such a run.

@@ -40,6 +40,8 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"ObjectName", "--name"},
     {"ObjectNames", "NAME"},
     {"ObjectType", "--type"},
+    {"Parameters", "--param"},
+    {"ProcedureName", "NAME"},
     {"ReleaseVersion", "--release"},
     {"RepeatedTables", "--repeated-tables"},
     {"RootNode", "--root"},

@@ -23,6 +23,7 @@ TCommands AllCommands() {
   Result.push_back(MakeFileRemove());
   Result.push_back(MakeFileRepair());
   Result.push_back(MakeDatabaseInfo());
+  Result.push_back(MakeDatabaseRunProcedure());
   return Result;
 }
 

@@ -32,5 +32,6 @@ std::unique_ptr<TCommand> MakeFileCheck();
 std::unique_ptr<TCommand> MakeFileRemove();
 std::unique_ptr<TCommand> MakeFileRepair();
 std::unique_ptr<TCommand> MakeDatabaseInfo();
+std::unique_ptr<TCommand> MakeDatabaseRunProcedure();
 
 }  // namespace velkrund

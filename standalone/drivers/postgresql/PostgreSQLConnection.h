@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/postgresql/PostgreSQLCall.h"
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
 #include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
@@ -38,6 +39,10 @@ class TPostgreSQLConnection final : public TConnection {
   std::unique_ptr<TSurroundings> SurroundingsOfProcedure(const TTableInfo& Procedure) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  std::unique_ptr<TProcedureRun> RunProcedure(const TDicProcedureDescription& Procedure,
+                                              const TProcedureArguments& Arguments) override {
+    return CallPostgreSQLRoutine(FSession, Procedure, Arguments);
+  }
 
  private:
   TPostgreSQLSession FSession;

@@ -7,6 +7,7 @@
 
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/Schema.h"
+#include "standalone/drivers/postgresql/PostgreSQLBatches.h"
 #include "standalone/drivers/postgresql/PostgreSQLDecoder.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
@@ -65,21 +66,11 @@ class TPostgreSQLCopyCursor final : public TPostgreSQLCursor, private TPostgreSQ
 class TPostgreSQLFetchCursor final : public TPostgreSQLCursor {
  public:
   explicit TPostgreSQLFetchCursor(TPostgreSQLSource Source);
-  ~TPostgreSQLFetchCursor() override;
 
   bool Next() override;
 
  private:
-  void Fetch();
-
-  std::int64_t FNumber;
-  std::string FName;
-  std::int64_t FTransaction;  // which the server's cursor lives in
-  TPostgreSQLResult FBatch;
-  int FRow = 0;         // next row of the batch
-  int FRowCount = 0;    // of the batch
-  int FBatchSize = 32;  // rows to ask for next
-  bool FEnded = false;
+  TPostgreSQLBatches FBatches;
 };
 
 /// All rows of one statement, held in memory.

@@ -298,6 +298,14 @@ TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::st
   return Result;
 }
 
+TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::string& Statement,
+                                            std::span<const TKvVariant> Parameters, TFormat Format) {
+  Send(What, Statement, Parameters, Format);
+  TPostgreSQLResult Result = Answer();
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
+  return Result;
+}
+
 void TPostgreSQLSession::Send(std::string_view What, const std::string& Statement,
                               std::span<const TKvVariant> Parameters, TFormat Format) {
   if (Statement.find('\0') != std::string::npos)

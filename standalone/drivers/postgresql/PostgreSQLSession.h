@@ -85,6 +85,10 @@ class TPostgreSQLSession {
   TPostgreSQLResult Query(std::string_view What, const std::string& Statement,
                           std::initializer_list<const char*> Parameters = {}, TFormat Format = TFormat::Text);
 
+  /// The same with parameters of any kind.
+  TPostgreSQLResult Query(std::string_view What, const std::string& Statement, std::span<const TKvVariant> Parameters,
+                          TFormat Format);
+
   /// Makes whoever holds the connection give way, and Stream the holder.
   void Occupy(TPostgreSQLStream& Stream, std::string_view What);
   void Vacate(const TPostgreSQLStream& Stream);

@@ -5,6 +5,7 @@
 #include "standalone/drivers/sqlite/SQLiteExecution.h"
 #include "standalone/drivers/sqlite/SQLiteSafeguards.h"
 #include "standalone/drivers/sqlite/SQLiteScriptCheck.h"
+#include "standalone/drivers/sqlite/SQLiteScriptRun.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "standalone/drivers/sqlite/SQLiteSurroundings.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -107,6 +108,12 @@ std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<
 
 std::vector<std::string> TSQLiteConnection::CheckScript(const std::string& Script) {
   return CheckSQLiteScript(FDatabase.Handle(), Script);
+}
+
+std::unique_ptr<TProcedureRun> TSQLiteConnection::RunProcedure(const TDicProcedureDescription& Procedure,
+                                                               const TProcedureArguments& Arguments) {
+  RequireTransaction("run a procedure in");
+  return std::make_unique<TSQLiteScriptRun>(FDatabase, Procedure, Arguments);
 }
 
 void TSQLiteConnection::RebuildTextIndex(const TTableInfo& Index) {

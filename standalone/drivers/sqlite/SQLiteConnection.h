@@ -36,6 +36,8 @@ class TSQLiteConnection final : public TConnection {
   std::unique_ptr<TSurroundings> Surroundings(const TTableInfo& Object, TRenamedFields Renamed) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::vector<std::string> CheckScript(const std::string& Script) override;
+  std::unique_ptr<TProcedureRun> RunProcedure(const TDicProcedureDescription& Procedure,
+                                              const TProcedureArguments& Arguments) override;
   void RebuildTextIndex(const TTableInfo& Index) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -48,24 +47,33 @@ void TakeParameters(const TSQLiteStatement& Statement, std::vector<std::string>&
 
 }  // namespace
 
-std::vector<std::string> CheckSQLiteScript(sqlite3* Database, std::string_view Script) {
+std::unique_ptr<TSQLiteStatement> NextSQLiteStatement(sqlite3* Database, std::string_view& Script,
+                                                      const std::string& Task) {
   const TOnlyWithinTransaction Refusals(Database);
-  std::vector<std::string> Names;
-  bool IsEmpty = true;
   try {
     while (!Script.empty()) {
-      const TSQLiteStatement Statement(Database, Script, What, TSQLiteStatement::TUse::Foreign);
-      Script = Statement.Rest();
-      if (!Statement.Handle()) continue;  // blanks and comments
-      IsEmpty = false;
-      TakeParameters(Statement, Names);
+      auto Statement = std::make_unique<TSQLiteStatement>(Database, Script, Task, TSQLiteStatement::TUse::Foreign);
+      if (Statement->Rest().size() == Script.size())  // the engine reads no further
+        throw EDatabaseError(Task + ": there is a character U+0000 in it");
+      Script = Statement->Rest();
+      if (Statement->Handle()) return Statement;  // otherwise blanks and comments
     }
   } catch (const EDatabaseError& Error) {
     if (!Refusals.HasRefused()) throw;
-    throw EDatabaseError(std::string(What) +
+    throw EDatabaseError(Task +
                              ": it runs in a transaction of its caller, and can neither begin nor end one, nor reach "
                              "other databases",
                          Error.Info());
+  }
+  return nullptr;
+}
+
+std::vector<std::string> CheckSQLiteScript(sqlite3* Database, std::string_view Script) {
+  std::vector<std::string> Names;
+  bool IsEmpty = true;
+  while (const auto Statement = NextSQLiteStatement(Database, Script, What)) {
+    IsEmpty = false;
+    TakeParameters(*Statement, Names);
   }
   if (IsEmpty) throw EDatabaseError(std::string(What) + ": there are none");
   return Names;

@@ -40,12 +40,14 @@ enum class TErrorCode {
   Connection,      // no server, or no longer
   Database,        // anything else that an engine says
   TableMissing,
+  ProcedureMissing,
   FieldMissing,
   RepeatedTable,  // several sections for one table that is to be replaced
   RowRefused,     // by a constraint
   TriggerRefused,
   References,  // rows would refer to nothing
   StructureMissing,
+  BLOBTable,  // in the value of a field: damaged, or of a newer layout
   Structure,  // a stored structure, or the text of one
   NoWords,    // the engine has none for a part of what is to be made
 };

@@ -147,6 +147,8 @@ class PostgreSQLSurroundingsTest : public testing::Test {
  protected:
   PostgreSQLSurroundingsTest() {
     for (const char* Role : {"owner", "reader", "third"}) Raw.Run("CREATE ROLE " + RoleOf(Role));
+    Raw.Run("SET allow_in_place_tablespaces = on");
+    Raw.Run("CREATE TABLESPACE " + RoleOf("place") + " LOCATION ''");
   }
 
   std::string RoleOf(const std::string& Name) const {
@@ -155,9 +157,10 @@ class PostgreSQLSurroundingsTest : public testing::Test {
   void Run(std::string Statements) {
     for (const char* Role : {"owner", "reader", "third"})
       Statements = Replaced(Statements, std::string("$") + Role, RoleOf(Role));
+    Statements = Replaced(Statements, "$place", RoleOf("place"));
     Raw.Run(Replaced(Statements, "$database", Raw.Url().substr(Raw.Url().rfind('/') + 1)) + ";RESET search_path");
   }
-  /// Statements are taken one by one, between semicolons at the ends of lines.
+  /// What was remarked on the way. Role: who does it; empty: a superuser.
   std::vector<std::string> Rebuild(const TTableInfo& Object, const std::string& Drop, const std::string& Make,
                                    const TRenamedFields& Renamed = {}, const std::string& Role = {}) {
     Connection = TPostgreSQLDriver().Connect(ParseDatabaseUrl(Raw.Url()).value(), {});
@@ -182,6 +185,249 @@ TEST_F(PostgreSQLSurroundingsTest, EverythingAroundATableIsThereAgain) {
   EXPECT_THAT(Rebuild({.Name = "T \"x", .Schema = "S.ö"}, R"(DROP TABLE "S.ö"."T ""x")", Made),
               ElementsAre(HasSubstr("m was filled anew")));
   EXPECT_EQ(Raw.Rows(Snapshot), Before);
+}
+
+/// Statements of Make stand for what a structure says. Expected: what the engine makes of it, of the changes alone that
+/// were asked for.
+struct TRebuildCase {
+  std::string Name, Around, Object, Drop, Make;
+  TRenamedFields Renamed = {};
+  std::string Expected = {};
+};
+
+const TRebuildCase RebuildCases[] = {
+    {"a part of a table",
+     "CREATE FUNCTION fire() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END';"
+     "CREATE TABLE p (a integer, b text, UNIQUE (a)) PARTITION BY RANGE (a); CREATE INDEX pb ON p (b);"
+     "CREATE TABLE t PARTITION OF p FOR VALUES FROM (1) TO (9); CREATE TABLE u PARTITION OF p DEFAULT;"
+     "CREATE TRIGGER down AFTER INSERT ON p FOR EACH ROW EXECUTE FUNCTION fire(); ALTER TABLE t DISABLE TRIGGER down;"
+     "CREATE VIEW v AS SELECT * FROM t; CREATE VIEW w AS SELECT p.a, v.b FROM p JOIN v USING (a);"
+     "INSERT INTO p VALUES (1, 'one'), (10, 'ten'); GRANT SELECT ON t TO $reader",
+     "t", "DROP TABLE t",
+     "CREATE TABLE t (a integer, b text, CONSTRAINT t_a_key UNIQUE (a)); CREATE INDEX t_b_idx ON t (b);"
+     "INSERT INTO t VALUES (1, 'one')"},
+    {"an heir of two, of which the structure knows one",
+     "CREATE TABLE p (a integer CHECK (a > 0)); CREATE TABLE \"P 2\" (b integer);"
+     "CREATE TABLE t (a integer, b integer, CONSTRAINT p_a_check CHECK (a > 0));"
+     "ALTER TABLE t INHERIT p; ALTER TABLE t INHERIT \"P 2\"; CREATE VIEW v AS SELECT * FROM p",
+     "t", "DROP TABLE t",
+     "CREATE TABLE t (a integer, b integer, CONSTRAINT p_a_check CHECK (a > 0)); ALTER TABLE t INHERIT p"},
+    {"a published table in another place",
+     "CREATE TABLE t (a integer PRIMARY KEY, b text, c text); CREATE PUBLICATION few FOR TABLE t (a, c) WHERE (a > 5);"
+     "CREATE PUBLICATION whole FOR TABLE t; CREATE PUBLICATION of_all FOR ALL TABLES; ALTER TABLE t REPLICA IDENTITY "
+     "FULL;"
+     "CREATE INDEX i ON t (b, (a + 1)); ALTER INDEX i ALTER COLUMN 2 SET STATISTICS 4; ALTER TABLE t SET TABLESPACE "
+     "$place; ALTER INDEX i SET TABLESPACE $place;"
+     "CREATE MATERIALIZED VIEW m TABLESPACE $place AS SELECT * FROM t; CREATE INDEX mi ON m (a) TABLESPACE $place",
+     "t", "DROP TABLE t", "CREATE TABLE t (a integer PRIMARY KEY, b text, c text); CREATE INDEX i ON t (b, (a + 1))"},
+    {"a table that parts of another one refer to by names of their own",
+     "CREATE TABLE t (a integer PRIMARY KEY); INSERT INTO t VALUES (1);"
+     "CREATE TABLE q (a integer CONSTRAINT own REFERENCES t); CREATE TABLE p (a integer REFERENCES t) PARTITION BY "
+     "LIST (a);"
+     "ALTER TABLE p ATTACH PARTITION q FOR VALUES IN (1); CREATE TABLE r PARTITION OF p DEFAULT; INSERT INTO p VALUES "
+     "(1)",
+     "t", "DROP TABLE t", "CREATE TABLE t (a integer PRIMARY KEY); INSERT INTO t VALUES (1)"},
+    {"a partitioned table without parts",
+     "CREATE TYPE k AS (a integer, b text); CREATE TABLE t OF k PARTITION BY LIST (a); COMMENT ON TABLE t IS 'of k';"
+     "CREATE VIEW v AS SELECT a FROM t; GRANT SELECT (a) ON t TO PUBLIC",
+     "t", "DROP TABLE t", "CREATE TABLE t (a integer, b text) PARTITION BY LIST (a)"},
+    {"a view",
+     "CREATE TABLE t (a integer PRIMARY KEY, b text); CREATE VIEW v WITH (security_barrier) AS SELECT a, b FROM t;"
+     "CREATE FUNCTION fire() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END';"
+     "CREATE TRIGGER g INSTEAD OF DELETE ON v FOR EACH ROW EXECUTE FUNCTION fire(); ALTER VIEW v ALTER b SET DEFAULT "
+     "'x';"
+     "CREATE RULE r AS ON INSERT TO v DO INSTEAD INSERT INTO t VALUES (NEW.a, NEW.b); CREATE VIEW w AS SELECT b FROM v;"
+     "ALTER VIEW v OWNER TO $owner; GRANT SELECT ON v TO $reader; GRANT UPDATE (b) ON v TO $third; COMMENT ON COLUMN "
+     "v.a IS 'a'",
+     "v", "DROP VIEW v", "CREATE VIEW v AS SELECT a, b FROM t"},
+    {"fields that change their names, and one that goes",
+     "CREATE TABLE t (a serial, b integer, d text, e integer GENERATED BY DEFAULT AS IDENTITY);"
+     "CREATE TABLE log (a integer); SELECT setval('t_a_seq', 7), setval('t_e_seq', 8); GRANT USAGE ON t_a_seq TO "
+     "$reader;"
+     "CREATE FUNCTION fire() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END';"
+     "CREATE VIEW v AS SELECT t.*, b + a AS sum FROM t; CREATE POLICY l ON t USING (a > b);"
+     "CREATE TRIGGER g AFTER UPDATE OF a, b ON t FOR EACH ROW WHEN (OLD.a > NEW.b) EXECUTE FUNCTION fire();"
+     "CREATE RULE r AS ON INSERT TO t DO ALSO INSERT INTO log VALUES (NEW.a); CREATE STATISTICS s ON a, b FROM t;"
+     "CREATE FUNCTION f() RETURNS SETOF integer BEGIN ATOMIC SELECT a FROM t WHERE b > 0; END;"
+     "CREATE PUBLICATION few FOR TABLE t (a, b) WHERE (b > 5); ALTER TABLE t REPLICA IDENTITY FULL;"
+     "ALTER TABLE t ADD gone text; COMMENT ON COLUMN t.gone IS 'gone'; GRANT SELECT (gone), UPDATE (a) ON t TO $reader;"
+     "COMMENT ON COLUMN t.a IS 'of a'; ALTER TABLE t ALTER b SET STATISTICS 5, ALTER gone SET STATISTICS 6;"
+     "ALTER TABLE t ALTER d SET STORAGE EXTERNAL; CREATE STATISTICS of_gone ON a, gone FROM t",
+     "t",
+     "DROP TABLE t",
+     "CREATE SEQUENCE \"New\" AS integer; CREATE TABLE t (b integer NOT NULL DEFAULT nextval('\"New\"'), a integer, "
+     "gone text,"
+     "e integer GENERATED BY DEFAULT AS IDENTITY); ALTER SEQUENCE \"New\" OWNED BY t.b",
+     {{"a", "b"}, {"b", "a"}, {"d", "gone"}},
+     "ALTER TABLE t DROP gone; ALTER TABLE t RENAME a TO x; ALTER TABLE t RENAME b TO a; ALTER TABLE t RENAME x TO b;"
+     "ALTER TABLE t RENAME d TO gone; ALTER SEQUENCE t_a_seq RENAME TO \"New\"; ALTER TABLE t ALTER gone SET STORAGE "
+     "EXTENDED;"
+     "ALTER TABLE t ALTER gone SET STORAGE EXTERNAL"},
+    {"fields that go with their sequences, settings and rights, or are of another type",
+     "CREATE TABLE t (a serial, b text, c bigserial); ALTER TABLE t ALTER b SET STORAGE EXTERNAL; GRANT SELECT (a), "
+     "UPDATE (b) ON t TO $reader;"
+     "COMMENT ON COLUMN t.a IS 'a'; SELECT setval('t_c_seq', 9)",
+     "t",
+     "DROP TABLE t",
+     "CREATE TABLE t (b integer, c integer NOT NULL)",
+     {},
+     "ALTER TABLE t DROP a; ALTER TABLE t ALTER b TYPE integer USING 1, ALTER b SET STORAGE PLAIN, ALTER c DROP "
+     "DEFAULT, ALTER c TYPE integer"},
+};
+
+TEST_F(PostgreSQLSurroundingsTest, NothingButWhatWasAskedForChanges) {
+  for (const TRebuildCase& Case : RebuildCases) {
+    SCOPED_TRACE(Case.Name);
+    Raw.Run("DROP SCHEMA public CASCADE; CREATE SCHEMA public; GRANT ALL ON SCHEMA public TO PUBLIC");
+    Run(Case.Around);
+    Raw.Run("BEGIN;" + Case.Expected);
+    const std::string Expected = Raw.Rows(Snapshot);
+    Raw.Run("ROLLBACK");
+    const TTableKind Kind = Case.Object == "v" ? TTableKind::View : TTableKind::Table;
+    EXPECT_EQ(ErrorOf([&] { Rebuild({Case.Object, "", Kind}, Case.Drop, Case.Make, Case.Renamed); }), "no error");
+    EXPECT_EQ(Raw.Rows(Snapshot), Expected);
+    Raw.Run("DROP PUBLICATION IF EXISTS few, whole, of_all");
+  }
+}
+
+struct TRefusalCase {
+  std::string Around;
+  std::vector<std::string> Words;  // of the error
+  std::string Role = {};           // who tries it; empty: a superuser
+  TTableKind Kind = TTableKind::Table;
+};
+
+const TRefusalCase RefusalCases[] = {
+    {"CREATE FUNCTION f(t, integer) RETURNS integer LANGUAGE sql AS 'SELECT 1'; CREATE FUNCTION g() RETURNS SETOF t "
+     "LANGUAGE sql AS 'SELECT * FROM t'",
+     {"function public.f(public.t,integer) uses the row type of table public.t; drop it first",
+      "function public.g() uses the row type"}},
+    {"CREATE TABLE other (r t, l t[]); CREATE DOMAIN whole AS t; CREATE TYPE held AS (r t)",
+     {"column r of table public.other uses", "type public.whole uses", "column r of composite type public.held uses"}},
+    {"CREATE VIEW v AS SELECT a FROM t; CREATE FUNCTION f() RETURNS SETOF v LANGUAGE sql AS 'SELECT * FROM v'",
+     {"function public.f() uses the row type of view public.v"}},
+    {"CREATE TABLE other (a integer CHECK (a <> 't'::regclass::oid::integer))",
+     {"constraint other_a_check on table public.other uses"}},
+    {"CREATE TABLE heir () INHERITS (t); CREATE TABLE p (a integer) PARTITION BY LIST (a)",
+     {"public.heir is a part of it, or inherits from it"}},
+    {"DROP TABLE t; CREATE TABLE p (a integer PRIMARY KEY) PARTITION BY LIST (a); CREATE TABLE t PARTITION OF p "
+     "DEFAULT; CREATE TABLE o (a integer REFERENCES p)",
+     {"refers to the table that it is a part of"}},
+    {"DROP TABLE t; CREATE FOREIGN DATA WRAPPER w; CREATE SERVER s FOREIGN DATA WRAPPER w; CREATE FOREIGN TABLE t (a "
+     "integer) SERVER s",
+     {"it is neither a table nor a view"},
+     "",
+     TTableKind::Foreign},
+    {"CREATE VIEW v AS SELECT a FROM t; ALTER EXTENSION plpgsql ADD VIEW v",
+     {"view public.v belongs to the extension plpgsql"}},
+    {"ALTER EXTENSION plpgsql ADD TABLE t", {"table public.t belongs to the extension plpgsql"}},
+    {"CREATE INDEX i ON t (a); ALTER INDEX i DEPENDS ON EXTENSION plpgsql",
+     {"index public.i would be dropped with the extension plpgsql"}},
+    {"CREATE FUNCTION watch() RETURNS event_trigger LANGUAGE plpgsql AS 'BEGIN END'; CREATE EVENT TRIGGER \"E\" ON "
+     "sql_drop EXECUTE FUNCTION watch()",
+     {"the event trigger \"E\" watches"}},
+    {"CREATE TEMP VIEW v AS SELECT a FROM t", {"v is temporary; drop it first"}},
+    {"CREATE VIEW v AS SELECT 1 AS a; CREATE VIEW w AS SELECT a FROM v; CREATE OR REPLACE VIEW v AS SELECT t.a FROM w, "
+     "t",
+     {"show each other in a circle"}},
+    {"CREATE TABLE o (a integer CONSTRAINT k REFERENCES t); ALTER TABLE o DISABLE TRIGGER ALL",
+     {"the foreign key k of public.o is switched off"}},
+    {"GRANT ALL ON SCHEMA public TO PUBLIC", {"permission denied for table t"}, "owner"},
+    {"ALTER TABLE t OWNER TO $owner; CREATE VIEW v AS SELECT a FROM t; CREATE TABLE o (a integer REFERENCES t); CREATE "
+     "PUBLICATION few FOR TABLE t",
+     {"only its owner postgres may change view public.v", "may change constraint o_a_fkey on table public.o",
+      "may change publication few", "CREATE on the schema public is missing"},
+     "owner"},
+    {"ALTER TABLE t OWNER TO $owner; GRANT SELECT ON t TO $reader WITH GRANT OPTION; SET ROLE $reader; GRANT SELECT ON "
+     "t TO $third; RESET ROLE",
+     {"only who may become that role can grant them again"},
+     "owner"},
+};
+
+TEST_F(PostgreSQLSurroundingsTest, WhatCouldNotBePutBackIsNamedBeforeAnythingIsChanged) {
+  for (const TRefusalCase& Case : RefusalCases) {
+    SCOPED_TRACE(Case.Around);
+    Raw.Run(
+        "DROP SCHEMA public CASCADE; CREATE SCHEMA public; GRANT USAGE ON SCHEMA public TO PUBLIC; CREATE TABLE t (a "
+        "integer PRIMARY KEY)");
+    Run(Case.Around);
+    const std::string Before = Raw.Rows(Snapshot);
+    const std::string Error = ErrorOf([&] {
+      Rebuild({"t", "", Case.Kind}, "DROP TABLE t CASCADE", "NULL", {}, Case.Role);
+    });
+    EXPECT_THAT(Error, testing::StartsWith("EDatabaseError: Cannot make the table 't' anew: "));
+    for (const std::string& Words : Case.Words) EXPECT_THAT(Error, HasSubstr(Words));
+    // What the engine itself has refused cannot be committed.
+    ErrorOf([&] { Connection->Commit(); });
+    EXPECT_EQ(Raw.Rows(Snapshot), Before);
+    Raw.Run("DROP EVENT TRIGGER IF EXISTS \"E\"; DROP PUBLICATION IF EXISTS few");
+    for (const char* Member : {"TABLE t", "VIEW v"})
+      Raw.Run("DO $do$ BEGIN ALTER EXTENSION plpgsql DROP " + std::string(Member) +
+              "; EXCEPTION WHEN OTHERS THEN NULL; END $do$");
+  }
+}
+
+TEST_F(PostgreSQLSurroundingsTest, WhatDoesNotFitAnyMoreIsNamedAndUndone) {
+  const std::pair<std::string, std::vector<std::string>> Cases[] = {
+      {"CREATE VIEW v AS SELECT a, gone AS b FROM t", {"Cannot put back the view public.v", "gone does not exist"}},
+      {"CREATE POLICY p ON t USING (gone > 0)", {"policy p on table public.t", "\"gone\" does not exist"}},
+      {"CREATE TABLE o (a integer CONSTRAINT k REFERENCES t (gone))", {"constraint k on table public.o", "\"gone\""}},
+      {"CREATE TABLE o (a integer CONSTRAINT k REFERENCES t); INSERT INTO t VALUES (5); INSERT INTO o VALUES (5)",
+       {"constraint k on table public.o", "(a)=(5) is not present"}},
+      {"CREATE SEQUENCE s; ALTER SEQUENCE s OWNED BY t.gone; CREATE TABLE o (a integer DEFAULT nextval('s'))",
+       {"Cannot put back", "\"public.s\" does not exist"}},
+  };
+  for (const auto& [Around, Words] : Cases) {
+    SCOPED_TRACE(Around);
+    Raw.Run(
+        "DROP SCHEMA public CASCADE; CREATE SCHEMA public; CREATE TABLE t (a integer PRIMARY KEY, gone integer "
+        "UNIQUE)");
+    Run(Around);
+    const std::string Before = Raw.Rows(Snapshot);
+    const std::string Error = ErrorOf([&] {
+      Rebuild({"t", ""}, "DROP TABLE t", "CREATE TABLE t (a integer PRIMARY KEY)");
+    });
+    for (const std::string& Word : Words) EXPECT_THAT(Error, HasSubstr(Word));
+    Connection->Rollback();
+    EXPECT_EQ(Raw.Rows(Snapshot), Before);
+  }
+}
+
+TEST_F(PostgreSQLSurroundingsTest, StatisticsThatGoWithAFieldAreRemarked) {
+  Raw.Run("CREATE TABLE t (a integer, gone integer); CREATE STATISTICS s ON a, gone FROM t");
+  EXPECT_THAT(Rebuild({"t", ""}, "DROP TABLE t", "CREATE TABLE t (a integer)"),
+              ElementsAre(AllOf(HasSubstr("statistics object public.s"), HasSubstr("public.t.gone"))));
+}
+
+TEST_F(PostgreSQLSurroundingsTest, AnOwnerWithoutOtherRightsRehearsesAndRebuildsUnderPolicies) {
+  Run("GRANT ALL ON SCHEMA public TO $owner; CREATE TABLE t (a serial PRIMARY KEY, b text); INSERT INTO t (b) VALUES "
+      "('one');"
+      "CREATE VIEW v AS SELECT b FROM t; CREATE MATERIALIZED VIEW m AS SELECT b FROM t; CREATE POLICY p ON t USING (b "
+      "<> 'hidden');"
+      "ALTER TABLE t OWNER TO $owner; ALTER TABLE v OWNER TO $owner; ALTER TABLE m OWNER TO $owner;"
+      "ALTER TABLE t ENABLE ROW LEVEL SECURITY, FORCE ROW LEVEL SECURITY; GRANT SELECT ON t, v TO $reader WITH GRANT "
+      "OPTION");
+  const std::string Before = Raw.Rows(Snapshot);
+  Connection = TPostgreSQLDriver().Connect(ParseDatabaseUrl(Raw.Url()).value(), {});
+  Connection->Execute("SET ROLE " + RoleOf("owner"));
+  Connection->Begin(TIsolationLevel::Serializable);
+  for (const bool IsRehearsal : {true, false}) {
+    Connection->SetSavepoint(1);
+    const std::unique_ptr<TSurroundings> Around = Connection->Surroundings({"t", ""}, {});
+    Around->SetAside();
+    Connection->Execute("CREATE TEMP TABLE kept AS SELECT * FROM t");
+    Connection->Execute("DROP TABLE t");
+    Connection->Execute("CREATE SEQUENCE t_a_seq AS integer");
+    Connection->Execute("CREATE TABLE t (a integer PRIMARY KEY DEFAULT nextval('t_a_seq'), b text)");
+    Connection->Execute("ALTER SEQUENCE t_a_seq OWNED BY t.a");
+    if (!IsRehearsal) Connection->Execute("INSERT INTO t SELECT * FROM kept");
+    Connection->Execute("DROP TABLE kept");
+    Around->PutBack();
+    IsRehearsal ? Connection->RollbackToSavepoint(1) : Connection->ReleaseSavepoint(1);
+  }
+  Connection->Commit();
+  EXPECT_EQ(Raw.Rows(Snapshot), Before);
+  EXPECT_EQ(Raw.Rows("SELECT m.b, v.b, nextval('t_a_seq') FROM m, v"), "one\tone\t2\n");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLDependents.h"
 
+#include <libpq-fe.h>
+
 #include <algorithm>
 #include <set>
 #include <utility>
@@ -155,6 +157,21 @@ JOIN pg_roles u ON u.rolname = current_user OR u.oid = r.relowner
 WHERE NOT has_schema_privilege(u.oid, n.oid, 'CREATE')
 AND NOT (SELECT s.rolsuper FROM pg_roles s WHERE s.rolname = current_user))";
 
+/// Name(...) replaced by what stands between the parentheses, with Before and After around it.
+std::string Expanded(std::string_view Body, std::string_view Name, std::string_view Before, std::string_view After) {
+  std::string Result;
+  const std::string Call = std::string(Name) + "(";
+  for (std::size_t At; (At = Body.find(Call)) != std::string_view::npos;) {
+    Result.append(Body.substr(0, At)).append(Before);
+    Body.remove_prefix(At + Call.size());
+    std::size_t End = 0;
+    for (int Open = 1; Open > 0; ++End) Open += Body[End] == '(' ? 1 : Body[End] == ')' ? -1 : 0;
+    Result.append(Body.substr(0, End - 1)).append(After);
+    Body.remove_prefix(End);
+  }
+  return Result.append(Body);
+}
+
 std::set<std::pair<std::string, std::string>> PairsOf(const TPostgreSQLResult& Rows) {
   std::set<std::pair<std::string, std::string>> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) Result.emplace(Rows.Copy(Row, 0), Rows.Copy(Row, 1));
@@ -163,7 +180,13 @@ std::set<std::pair<std::string, std::string>> PairsOf(const TPostgreSQLResult& R
 
 }  // namespace
 
-std::string PostgreSQLAround(std::string_view Body) { return std::string(Around).append(Body); }
+std::string PostgreSQLAround(std::string_view Body) {
+  const std::string Named =
+      Expanded(Body, "FACT", "(SELECT f.type || ' ' || f.identity FROM pg_identify_object(", ") f)");
+  return std::string(Around).append(
+      Expanded(Named, "PLACE", "(SELECT p.spcname FROM pg_tablespace p WHERE p.oid = coalesce(nullif(",
+               ", 0), (SELECT b.dattablespace FROM pg_database b WHERE b.datname = current_database())))"));
+}
 
 std::vector<TPostgreSQLView> ReadPostgreSQLViews(TPostgreSQLSession& Session, std::string_view What,
                                                  const std::string& Oid) {
@@ -190,10 +213,8 @@ std::vector<TPostgreSQLView> ReadPostgreSQLViews(TPostgreSQLSession& Session, st
 
 std::vector<std::string> ReadPostgreSQLObstacles(TPostgreSQLSession& Session, std::string_view What,
                                                  const std::string& Oid) {
-  constexpr int FirstWithSetRight = 16;
-  const bool KnowsSetRight =
-      Session.Query(What, "SELECT current_setting('server_version_num')::integer / 10000").Integer(0, 0) >=
-      FirstWithSetRight;
+  constexpr int FirstWithSetRight = 160'000;
+  const bool KnowsSetRight = PQserverVersion(Session.Handle()) >= FirstWithSetRight;
   std::vector<std::string> Result;
   const auto Take = [&](const TPostgreSQLResult& Rows) {
     for (int Row = 0; Row < Rows.RowCount(); ++Row) Result.push_back(Rows.Copy(Row, 0));

@@ -15,6 +15,8 @@ class TPostgreSQLSession;
 ///   hanging  what would keep it from being dropped (class, object), and as what it can be put back: key, policy, rule,
 ///            trigger, default, body, or NULL
 ///   options  how rels are stored (relation, name, shown, setting)
+///   FACT(class, object, column)  kind and name of what these numbers stand for
+///   PLACE(tablespace)            the name of it; of 0 that of the database's own
 std::string PostgreSQLAround(std::string_view Body);
 
 /// A view that is made anew, since it shows what is dropped.

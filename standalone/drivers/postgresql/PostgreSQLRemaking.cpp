@@ -1,5 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLRemaking.h"
 
+#include <libpq-fe.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -116,10 +118,10 @@ CROSS JOIN LATERAL (VALUES
     FROM pg_options_to_table(a.attoptions) o) || ')')) e(need, words)
 WHERE r.relkind <> 'v' AND e.words IS NOT NULL
 UNION ALL
-SELECT 'a setting of the index ' || i.indexrelid::regclass, '', '', format('ALTER INDEX %s ALTER COLUMN %s SET STATISTICS %s',
-  i.indexrelid::regclass, a.attnum, a.attstattarget), ''
+SELECT 'a setting of the index ' || i.indexrelid::regclass, format('expression %s of %s', a.attnum, i.indexrelid::regclass), '',
+  format('ALTER INDEX %s ALTER COLUMN %s SET STATISTICS %s', i.indexrelid::regclass, a.attnum, a.attstattarget), ''
 FROM rels r JOIN pg_index i ON i.indrelid = r.oid JOIN pg_attribute a ON a.attrelid = i.indexrelid
-WHERE r.relkind = 'm' AND r.oid <> $1 AND coalesce(a.attstattarget, -1) <> -1)";
+WHERE coalesce(a.attstattarget, -1) <> -1)";
 
 /// The state of triggers that come from the partitioned table with the place in it.
 constexpr std::string_view Security = R"(
@@ -156,15 +158,16 @@ SELECT 'its place in the publication ' || quote_ident(b.pubname), '', '',
     ' WHERE (' || pg_get_expr(p.prqual, p.prrelid) || ')'), ''
 FROM rels r JOIN pg_publication_rel p ON p.prrelid = r.oid JOIN pg_publication b ON b.oid = p.prpubid)";
 
-/// Where rows and indexes are kept; what marks an index of the table.
-constexpr std::string_view Marks = R"(
+constexpr std::string_view Tablespaces = R"(
 SELECT 'the tablespace of ' || c.name, c.need, format('tablespace %s of %s', c.place, c.name),
   format('ALTER %s %s SET TABLESPACE %I', c.kind, c.name, c.place), ''
 FROM (SELECT r.name, '' AS need, 'TABLE' AS kind, PLACE(r.reltablespace) AS place FROM rels r WHERE r.relkind = 'r'
   UNION ALL SELECT format('%I.%I', n.nspname, x.relname), FACT(x.tableoid, x.oid, 0), 'INDEX', PLACE(x.reltablespace)
   FROM rels r JOIN pg_index i ON i.indrelid = r.oid JOIN pg_class x ON x.oid = i.indexrelid AND x.relkind = 'i'
-  JOIN pg_namespace n ON n.oid = x.relnamespace WHERE r.relkind IN ('r', 'm')) c
-UNION ALL
+  JOIN pg_namespace n ON n.oid = x.relnamespace WHERE r.relkind IN ('r', 'm')) c)";
+
+/// What marks an index of the table.
+constexpr std::string_view Marks = R"(
 SELECT 'the replica identity', coalesce(FACT('pg_class'::regclass, x.indexrelid, 0), ''), '',
   format('ALTER TABLE %s REPLICA IDENTITY %s', r.name, CASE r.relreplident WHEN 'n' THEN 'NOTHING' WHEN 'f' THEN 'FULL'
     ELSE 'USING INDEX ' || (SELECT quote_ident(c.relname) FROM pg_class c WHERE c.oid = x.indexrelid) END), ''
@@ -190,30 +193,6 @@ SELECT 'the security label of ' || l.objname, FACT(l.classoid, l.objoid, l.objsu
   format('SECURITY LABEL FOR %I ON %s %s IS %L', l.provider, upper(l.objtype), l.objname, l.label), ''
 FROM gone g JOIN pg_seclabels l ON l.classoid = g.c AND l.objoid = g.o)";
 
-constexpr std::string_view Facts = R"(
-SELECT FACT(g.c, g.o, 0), EXISTS (SELECT FROM pg_description d WHERE d.classoid = g.c AND d.objoid = g.o AND d.objsubid = 0)
-FROM gone g WHERE g.c <> 'pg_publication_rel'::regclass
-UNION ALL
-SELECT FACT(r.tableoid, r.oid, a.attnum), col_description(r.oid, a.attnum) IS NOT NULL
-FROM rels r JOIN pg_attribute a ON a.attrelid = r.oid AND a.attnum > 0 AND NOT a.attisdropped
-UNION ALL
-SELECT format('stored column %I of %s', a.attname, r.name), false FROM rels r JOIN pg_attribute a ON a.attrelid = r.oid
-JOIN pg_type t ON t.oid = a.atttypid AND t.typstorage <> 'p'
-UNION ALL
-SELECT format('option %s of %s', s.name, r.name), false FROM rels r JOIN options s ON s.relation = r.oid
-UNION ALL
-SELECT 'unlogged ' || r.name, false FROM rels r WHERE r.relpersistence = 'u'
-UNION ALL
-SELECT 'typed ' || r.name, false FROM rels r WHERE r.reloftype <> 0
-UNION ALL
-SELECT format('method %s of %s', m.amname, r.name), false FROM rels r JOIN pg_am m ON m.oid = r.relam
-UNION ALL
-SELECT format('parent %I.%I of %s', n.nspname, p.relname, r.name), false FROM rels r
-JOIN pg_inherits i ON i.inhrelid = r.oid JOIN pg_class p ON p.oid = i.inhparent JOIN pg_namespace n ON n.oid = p.relnamespace
-UNION ALL
-SELECT format('tablespace %s of %I.%I', PLACE(c.reltablespace), n.nspname, c.relname), false
-FROM gone g JOIN pg_class c ON g.c = 'pg_class'::regclass AND c.oid = g.o JOIN pg_namespace n ON n.oid = c.relnamespace)";
-
 constexpr std::string_view ViewMaking = R"(
 SELECT 'the view ' || r.name, '', '', format('CREATE %s %s%s%s%s AS %s%s',
   CASE r.relkind WHEN 'v' THEN 'VIEW' ELSE 'MATERIALIZED VIEW' END, r.name,
@@ -223,59 +202,6 @@ SELECT 'the view ' || r.name, '', '', format('CREATE %s %s%s%s%s AS %s%s',
   rtrim(pg_get_viewdef(r.oid), ';'), CASE r.relkind WHEN 'm' THEN ' WITH NO DATA' END),
   format('ALTER TABLE %s OWNER TO %I', r.name, pg_get_userbyid(r.relowner))
 FROM rels r WHERE r.oid = $1)";
-
-/// Policies and rules go first: those of views and of the table itself may name the views that go after them. A table
-/// whose owner obeys its policies would not let all of its rows be read.
-constexpr std::string_view Aside = R"(
-SELECT 1, format('ALTER TABLE %s NO FORCE ROW LEVEL SECURITY', r.name) FROM rels r WHERE r.oid = $1 AND r.relforcerowsecurity
-UNION ALL
-SELECT 2, format('DROP POLICY %I ON %s', p.polname, p.polrelid::regclass) FROM pg_policy p
-WHERE p.polrelid IN (SELECT oid FROM rels) OR p.oid IN (SELECT h.o FROM hanging h WHERE h.kind = 'policy')
-UNION ALL
-SELECT 3, format('DROP RULE %I ON %s', w.rulename, w.ev_class::regclass) FROM pg_rewrite w WHERE w.rulename <> '_RETURN'
-AND (w.ev_class IN (SELECT oid FROM rels) OR w.oid IN (SELECT h.o FROM hanging h WHERE h.kind = 'rule'))
-UNION ALL
-SELECT 4, format('DROP TRIGGER %I ON %s', t.tgname, t.tgrelid::regclass) FROM pg_trigger t
-WHERE NOT t.tgisinternal AND t.tgrelid NOT IN (SELECT oid FROM rels)
-AND (t.tgconstrrelid IN (SELECT oid FROM rels) OR t.oid IN (SELECT h.o FROM hanging h WHERE h.kind = 'trigger'))
-UNION ALL
-SELECT 5, format('ALTER TABLE %s ALTER COLUMN %I DROP DEFAULT', d.adrelid::regclass, a.attname)
-FROM hanging h JOIN pg_attrdef d ON d.oid = h.o JOIN pg_attribute a ON a.attrelid = d.adrelid AND a.attnum = d.adnum
-WHERE h.kind = 'default'
-UNION ALL
-SELECT 6, format('ALTER TABLE %s DROP CONSTRAINT %I', k.conrelid::regclass, k.conname)
-FROM hanging h JOIN pg_constraint k ON k.oid = h.o WHERE h.kind = 'key' AND k.conparentid = 0
-ORDER BY 1, 2)";
-
-/// A function keeps its owner, its rights and whatever uses it when its body alone is another for a while.
-constexpr std::string_view BodiesAside = R"(
-SELECT left(f.made, -(length(f.body) + 1)) || ' AS ''SELECT NULL'''
-FROM hanging h CROSS JOIN LATERAL (
-  SELECT rtrim(pg_get_functiondef(h.o), e'\n') || e'\n' AS made, pg_get_function_sqlbody(h.o) AS body) f
-WHERE h.kind = 'body')";
-
-/// Name(...) replaced by what stands between the parentheses, with Before and After around it.
-std::string Expanded(std::string_view Body, std::string_view Name, std::string_view Before, std::string_view After) {
-  std::string Result;
-  const std::string Call = std::string(Name) + "(";
-  for (std::size_t At; (At = Body.find(Call)) != std::string_view::npos;) {
-    Result.append(Body.substr(0, At)).append(Before);
-    Body.remove_prefix(At + Call.size());
-    std::size_t End = 0;
-    for (int Open = 1; Open > 0; ++End) Open += Body[End] == '(' ? 1 : Body[End] == ')' ? -1 : 0;
-    Result.append(Body.substr(0, End - 1)).append(After);
-    Body.remove_prefix(End);
-  }
-  return Result.append(Body);
-}
-
-std::string Statement(std::string_view Body) {
-  const std::string Named =
-      Expanded(Body, "FACT", "(SELECT f.type || ' ' || f.identity FROM pg_identify_object(", ") f)");
-  return PostgreSQLAround(
-      Expanded(Named, "PLACE", "(SELECT p.spcname FROM pg_tablespace p WHERE p.oid = coalesce(nullif(",
-               ", 0), (SELECT b.dattablespace FROM pg_database b WHERE b.datname = current_database())))"));
-}
 
 std::vector<std::string> FactsOf(std::string_view List) {
   std::vector<std::string> Result;
@@ -289,7 +215,7 @@ std::vector<std::string> FactsOf(std::string_view List) {
 
 TPostgreSQLRemadeStage Read(TPostgreSQLSession& Session, std::string_view What, const std::string& Oid,
                             std::string_view Body, bool TellsWhatIsGone = false) {
-  const TPostgreSQLResult Rows = Session.Query(What, Statement(Body), {Oid.c_str()});
+  const TPostgreSQLResult Rows = Session.Query(What, PostgreSQLAround(Body), {Oid.c_str()});
   TPostgreSQLRemadeStage Result{{}, TellsWhatIsGone};
   for (int Row = 0; Row < Rows.RowCount(); ++Row)
     Result.Things.push_back(
@@ -297,27 +223,10 @@ TPostgreSQLRemadeStage Read(TPostgreSQLSession& Session, std::string_view What, 
   return Result;
 }
 
-int VersionOf(TPostgreSQLSession& Session, std::string_view What) {
-  return static_cast<int>(
-      Session.Query(What, "SELECT current_setting('server_version_num')::integer / 10000").Integer(0, 0));
-}
-
 }  // namespace
 
-std::vector<std::string> ReadPostgreSQLSetAside(TPostgreSQLSession& Session, std::string_view What,
-                                                const std::string& Oid) {
-  constexpr int FirstWithBodies = 14;
-  std::vector<std::string> Result;
-  const TPostgreSQLResult Rows = Session.Query(What, Statement(Aside), {Oid.c_str()});
-  for (int Row = 0; Row < Rows.RowCount(); ++Row) Result.push_back(Rows.Copy(Row, 1));
-  if (VersionOf(Session, What) < FirstWithBodies) return Result;
-  const TPostgreSQLResult Functions = Session.Query(What, Statement(BodiesAside), {Oid.c_str()});
-  for (int Row = 0; Row < Functions.RowCount(); ++Row) Result.push_back(Functions.Copy(Row, 0));
-  return Result;
-}
-
 TPostgreSQLRemaking ReadPostgreSQLRemaking(TPostgreSQLSession& Session, std::string_view What, const std::string& Oid) {
-  constexpr int FirstWithFilters = 15;
+  constexpr int FirstWithFilters = 150'000;
   TPostgreSQLRemaking Result;
   for (const std::string_view Body : {Owner, Storage, Parents})
     Result.BeforeViews.push_back(Read(Session, What, Oid, Body));
@@ -326,8 +235,9 @@ TPostgreSQLRemaking ReadPostgreSQLRemaking(TPostgreSQLSession& Session, std::str
   Result.AfterViews.push_back(Read(Session, What, Oid, Statistics, true));
   for (const std::string_view Body : {StatisticsTargets, Columns, Security, Keys})
     Result.AfterViews.push_back(Read(Session, What, Oid, Body));
-  Result.AfterViews.push_back(
-      Read(Session, What, Oid, VersionOf(Session, What) < FirstWithFilters ? Publications : FilteredPublications));
+  Result.AfterViews.push_back(Read(
+      Session, What, Oid, PQserverVersion(Session.Handle()) < FirstWithFilters ? Publications : FilteredPublications));
+  Result.AfterRights.push_back(Read(Session, What, Oid, Tablespaces));
   Result.AfterRights.push_back(Read(Session, What, Oid, Marks, true));
   Result.AfterRights.push_back(Read(Session, What, Oid, Comments));
   return Result;
@@ -336,16 +246,6 @@ TPostgreSQLRemaking ReadPostgreSQLRemaking(TPostgreSQLSession& Session, std::str
 TPostgreSQLRemade ReadPostgreSQLViewMaking(TPostgreSQLSession& Session, std::string_view What,
                                            const TPostgreSQLView& View) {
   return Read(Session, What, View.Oid, ViewMaking).Things.front();
-}
-
-std::set<std::string> ReadPostgreSQLFacts(TPostgreSQLSession& Session, std::string_view What, const std::string& Oid) {
-  const TPostgreSQLResult Rows = Session.Query(What, Statement(Facts), {Oid.c_str()});
-  std::set<std::string> Result;
-  for (int Row = 0; Row < Rows.RowCount(); ++Row) {
-    Result.insert(Rows.Copy(Row, 0));
-    if (Rows.Boolean(Row, 1)) Result.insert("comment on " + Rows.Copy(Row, 0));
-  }
-  return Result;
 }
 
 }  // namespace velkrund

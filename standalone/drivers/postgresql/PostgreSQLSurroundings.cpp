@@ -46,9 +46,13 @@ std::string TPostgreSQLSurroundings::Number() const {
 }
 
 void TPostgreSQLSurroundings::SetAside() {
+  // Before the first question, whose moment is that of all others in a transaction that sees one: what others have
+  // done by then is seen.
+  if (FObject.Kind == TTableKind::Table)
+    FSession.Query(FWhat, Format("LOCK TABLE ONLY %s IN ACCESS EXCLUSIVE MODE", FName));
   const TPostgreSQLLocalSetting Path(FSession, "search_path", EnginesOwnPath);
   const std::string Oid = Number();
-  // Rights first: who is not the owner is to read of all that is in the way, not of the first lock.
+  // Before the locks on views, which only their owners get: all that is in the way is named at once.
   Refuse(Oid);
   LockWith(Oid);
   Refuse(Oid);
@@ -100,7 +104,7 @@ void TPostgreSQLSurroundings::RenameFields() {
   for (std::size_t I = 0; I < FRenamed.size(); ++I) {
     const std::string& After = FRenamed[I].second;
     if (FSession.Query(FWhat, HasColumnStatement, {FName.c_str(), After.c_str()}).Boolean(0, 0))
-      Rename(After, Format("old %s", After.substr(0, 50)));
+      Rename(After, "old " + After);
     Rename(Format("velkrund_%d", I), After);
   }
 }

@@ -1,5 +1,7 @@
 #include "jobs/dictionary/SectionTree.h"
 
+#include <utility>
+
 #include "standalone/discard/DiscardManager.h"
 #include "standalone/structures/MemoryStructures.h"
 #include "velkrund/dsp/DSPStructure.h"
@@ -18,7 +20,10 @@ std::optional<TDSPNode> TreeOfSection(TStandaloneManager& Manager, TInputFile& I
     Input.File().ImportObject(*Object);
     const auto& Section = dynamic_cast<const TEIDSPStructureCommon&>(*Object);
     const TDSPNode* const Tree = Structures.Find(Section.Item.ObjectName, Section.Item.ObjectType);
-    if (Tree && Tree->GetCount() > 0) return *Tree;
+    if (!Tree || Tree->GetCount() == 0) return std::nullopt;
+    std::optional<TDSPNode> Result(std::in_place);
+    Result->Assign(*Tree);
+    return Result;
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {

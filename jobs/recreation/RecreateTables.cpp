@@ -237,10 +237,10 @@ void TThis::Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps) {
     Operation.Execute();
     return Finish(Operation);
   }
-  if (DropData) Table.Rows = Connection().Schema().RowCount(*Table.Info);
   Rehearse(FAt, Gaps);
   const auto Around = Connection().Surroundings(*Table.Info, Table.Fields);
   Around->SetAside();
+  if (DropData) Table.Rows = Connection().Schema().RowCount(*Table.Info);
   Operation.Execute();
   if (IsCanceled()) throw EAbort("cancelled");
   RefuseLost(Operation);

@@ -100,7 +100,9 @@ void TRecreationJob::Run() {
 }
 
 void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
-  TTransaction Whole(DatabaseName);
+  // One that sees a single moment would not see, and so lose, what others commit until each table is locked.
+  const bool LocksEach = Connection().Capabilities().LocksTables;
+  TTransaction Whole(DatabaseName, LocksEach ? TIsolationLevel::ReadCommitted : TIsolationLevel::RepeatableRead);
   try {
     Policies.DryRun ? Plan(Gaps) : RecreateAll(Gaps);
   } catch (const EAbort&) {

@@ -1,12 +1,11 @@
 #include "velkrund/platform/database/Transaction.h"
 
-#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
-TTransaction::TTransaction(const std::string& DatabaseName) : FDatabaseName(DatabaseName) {
-  BaseMng().StartTransaction(FDatabaseName, TIsolationLevel::RepeatableRead);
+TTransaction::TTransaction(const std::string& DatabaseName, TIsolationLevel Level) : FDatabaseName(DatabaseName) {
+  BaseMng().StartTransaction(FDatabaseName, Level);
 }
 
 TTransaction::~TTransaction() {

@@ -40,7 +40,7 @@ TEST_F(StructureQuestion, AnswersToTheQuestion) {
     EXPECT_EQ(Lines(), Case.Result);
     EXPECT_EQ(Shared.FYes, Case.Options != ioSkip);
     EXPECT_EQ(Shared.FAlwaysAsk, Case.AsksAgain);
-    EXPECT_EQ(Shared.FLeftAlone, Case.Options == ioSkip);
+    EXPECT_EQ(Made->LeftAlone(), Case.Options == ioSkip);
     EXPECT_EQ(Made->OverwriteOptions, Case.Options);
     EXPECT_EQ(Made->ClearRoot, Case.ClearRoot);
     const auto Next = Section<TEIDSPStructure>();

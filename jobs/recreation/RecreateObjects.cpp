@@ -80,6 +80,7 @@ void TThis::CheckSettings() const {
   TRecreationJob::CheckSettings();
   if (StartValue.empty()) return;
   if (Kind != TRecreatedKind::Generator) throw ESettingsError(Setting("StartValue") + " is for generators alone");
+  if (Names.size() > 1) throw ESettingsError(Setting("StartValue") + " is for one generator at a time");
   if (!StrToInt64(StartValue))
     throw ESettingsError(Format("%s is no whole number of 64 bits: '%s'", Setting("StartValue"), StartValue));
 }

@@ -136,7 +136,7 @@ void TThis::CheckRows(const std::string& Name, TTable& Table) {
       throw EDatabaseError(Format("The structure of table '%s' has no field for the values of %s. Map what has another "
                                   "name now",
                                   Name, Lost),
-                           {.Code = TErrorCode::FieldMissing, .Table = Name});
+                           {.Code = TErrorCode::FieldMissing, .Table = Name, .Column = Changes.LostFields.front()});
     Note(Format("dropped from table '%s' with their values: %s", Name, Lost));
   }
   if (!Changes.Unfilled.empty())
@@ -244,7 +244,7 @@ void TThis::Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps) {
   Operation.Execute();
   if (IsCanceled()) throw EAbort("cancelled");
   RefuseLost(Operation);
-  Around->PutBack();
+  Around->PutBack(TPutBack::Whole);
   for (const std::string& Remark : Around->Remarks()) Note(Remark);
   Finish(Operation);
 }
@@ -258,7 +258,7 @@ void TThis::Rehearse(const std::string& Name, TAllowedGaps& Gaps) {
   const auto Around = Connection().Surroundings(*Table.Info, Table.Fields);
   Around->SetAside();
   Dictionary.CreateTableByDef(DatabaseName, Table.New, PatternOf(Name, Dictionary), TTableScriptPart::All, true);
-  Around->PutBack();
+  Around->PutBack(TPutBack::Rehearsed);
   Dictionary.Gaps().TakeNoted();
 }
 
@@ -270,10 +270,11 @@ void TThis::RefuseLost(const TUORecreateTable& Operation) {
   if (Operation.LostFields().empty()) return;
   const std::string Lost = Quoted({Operation.LostFields().begin(), Operation.LostFields().end()});
   if (Policies.MissingFields == TMissingFields::Refuse)
-    throw EDatabaseError(Format("The structures of the tables inside the BLOB fields of table '%s' have no field for "
-                                "the values of %s. Map what has another name now",
-                                Operation.TableName, Lost),
-                         {.Code = TErrorCode::FieldMissing, .Table = Operation.TableName});
+    throw EDatabaseError(
+        Format("The structures of the tables inside the BLOB fields of table '%s' have no field for "
+               "the values of %s. Map what has another name now",
+               Operation.TableName, Lost),
+        {.Code = TErrorCode::FieldMissing, .Table = Operation.TableName, .Column = *Operation.LostFields().begin()});
   Note(Format("dropped with their values from the tables inside the BLOB fields of table '%s': %s", Operation.TableName,
               Lost));
 }

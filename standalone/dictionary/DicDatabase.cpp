@@ -198,7 +198,7 @@ void TStandaloneDicDatabase::ReplaceView(const TDicViewDescription& View, const 
       },
       [&] {
         MakeView(After, false, Verify);
-        Around->PutBack();
+        Around->PutBack(TPutBack::Whole);
         Trace(*Around);
       });
 }
@@ -245,7 +245,7 @@ void TStandaloneDicDatabase::ReplaceProcedure(TProcedures& Kept, const TDicProce
   RedefineOrMakeAnew(
       FDatabaseName, [&] { Kept.Redefine(After); }, [&] { Kept.Drop(There); }, [&] { Kept.Create(After); });
   if (!Around) return;
-  Around->PutBack();
+  Around->PutBack(TPutBack::Whole);
   Trace(*Around);
 }
 

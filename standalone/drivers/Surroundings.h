@@ -11,6 +11,9 @@ namespace velkrund {
 /// Fields that change their names: before, and then. All others keep theirs.
 using TRenamedFields = std::vector<std::pair<std::string, std::string>>;
 
+/// How much is put back. Of a rehearsal the new object has no rows: what looks at rows is left out.
+enum class TPutBack { Whole, Rehearsed };
+
 /// What stands around a table or view that is dropped and made again, and would be in the way or go with it: views and
 /// foreign keys of others, triggers and rules, comments, owner and rights, storage options, counters, membership in a
 /// partitioned table. Fields, keys, indexes and conditions are none of it: those of the new one hold. Lives inside one
@@ -30,7 +33,7 @@ class TSurroundings {
   /// When the new object of that name is there, with its rows: gives it back all that it has not got by itself. Where
   /// the new one has something of the same name, as a trigger or comment, that stays. EDatabaseError names what does
   /// not fit it any more.
-  virtual void PutBack() = 0;
+  virtual void PutBack(TPutBack How) = 0;
   /// What people should know, once it is put back: "view 'V' did not work before either".
   virtual const std::vector<std::string>& Remarks() const = 0;
 };

@@ -170,7 +170,7 @@ class PostgreSQLSurroundingsTest : public testing::Test {
     Around->SetAside();
     Connection->Execute(Drop);
     Connection->Execute("DO $do$ BEGIN " + Make + "; END $do$");
-    Around->PutBack();
+    Around->PutBack(TPutBack::Whole);
     Connection->Commit();
     return Around->Remarks();
   }
@@ -422,7 +422,7 @@ TEST_F(PostgreSQLSurroundingsTest, AnOwnerWithoutOtherRightsRehearsesAndRebuilds
     Connection->Execute("ALTER SEQUENCE t_a_seq OWNED BY t.a");
     if (!IsRehearsal) Connection->Execute("INSERT INTO t SELECT * FROM kept");
     Connection->Execute("DROP TABLE kept");
-    Around->PutBack();
+    Around->PutBack(TPutBack::Whole);
     IsRehearsal ? Connection->RollbackToSavepoint(1) : Connection->ReleaseSavepoint(1);
   }
   Connection->Commit();

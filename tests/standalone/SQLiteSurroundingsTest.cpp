@@ -51,7 +51,7 @@ class SQLiteSurroundingsTest : public SQLiteFixture {
       Run((IsView ? "DROP VIEW " : "DROP TABLE ") + Name);
       RunAll(Anew);
       if (!IsView) Run("DROP TABLE \"the rows\"");
-      Surroundings->PutBack();
+      Surroundings->PutBack(TPutBack::Whole);
     });
     Remarks = Surroundings->Remarks();
     Result == "no error" ? Connection->Commit() : Connection->Rollback();
@@ -111,8 +111,8 @@ TEST_F(SQLiteSurroundingsTest, ARehearsalWithoutRowsPassesAndLeavesNothing) {
   const auto Surroundings = Connection->Surroundings({"T", {}}, {});
   Surroundings->SetAside();
   RunAll({"DROP TABLE T", "CREATE TABLE T (A INTEGER PRIMARY KEY AUTOINCREMENT)"});
-  Surroundings->PutBack();
-  EXPECT_THAT(Surroundings->Remarks(), ElementsAre(HasSubstr("1 more row of table 'C' refers to nothing (row 1 to")));
+  Surroundings->PutBack(TPutBack::Rehearsed);
+  EXPECT_TRUE(Surroundings->Remarks().empty());
   EXPECT_EQ(Snapshot(), Before);
   Connection->RollbackToSavepoint(1);
   Connection->Commit();

@@ -235,6 +235,7 @@ TPostgreSQLRemaking ReadPostgreSQLRemaking(TPostgreSQLSession& Session, std::str
   Result.AfterViews.push_back(Read(Session, What, Oid, Statistics, true));
   for (const std::string_view Body : {StatisticsTargets, Columns, Security, Keys})
     Result.AfterViews.push_back(Read(Session, What, Oid, Body));
+  Result.AfterViews.back().LooksAtRows = true;
   Result.AfterViews.push_back(Read(
       Session, What, Oid, PQserverVersion(Session.Handle()) < FirstWithFilters ? Publications : FilteredPublications));
   Result.AfterRights.push_back(Read(Session, What, Oid, Tablespaces));

@@ -23,6 +23,7 @@ struct TPostgreSQLRemade {
 struct TPostgreSQLRemadeStage {
   std::vector<TPostgreSQLRemade> Things;
   bool TellsWhatIsGone = false;  // else it is plain that they go with what they belong to
+  bool LooksAtRows = false;      // foreign keys of others, which are checked
 };
 
 /// Before and after views are made again, which come in between.

@@ -61,7 +61,7 @@ void TPostgreSQLRoutineSurroundings::Run(const std::string& Statement) const { F
 
 void TPostgreSQLRoutineSurroundings::SetAside() { FBefore = Read(); }
 
-void TPostgreSQLRoutineSurroundings::PutBack() {
+void TPostgreSQLRoutineSurroundings::PutBack(TPutBack) {
   const TFacts Now = Read();
   if (Now.Owner != FBefore.Owner) Run(Format("ALTER ROUTINE %s OWNER TO %s", FName, FBefore.Owner));
   for (const auto& [Name, Words] : FBefore.Settings)

@@ -18,7 +18,7 @@ class TPostgreSQLRoutineSurroundings final : public TSurroundings {
   TPostgreSQLRoutineSurroundings(TPostgreSQLSession& Session, TTableInfo Routine);
 
   void SetAside() override;
-  void PutBack() override;
+  void PutBack(TPutBack How) override;
   const std::vector<std::string>& Remarks() const override { return FRemarks; }
 
  private:

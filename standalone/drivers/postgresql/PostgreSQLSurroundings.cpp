@@ -117,24 +117,28 @@ void TPostgreSQLSurroundings::Read(const std::string& Oid) {
   FSequences = std::make_unique<TPostgreSQLOwnedSequences>(FSession, FWhat, Oid);
 }
 
-void TPostgreSQLSurroundings::PutBack() {
+void TPostgreSQLSurroundings::PutBack(TPutBack How) {
   {
     const TPostgreSQLLocalSetting Path(FSession, "search_path", EnginesOwnPath);
-    PutBackStages(FRemaking.BeforeViews);
+    PutBackStages(FRemaking.BeforeViews, How);
     FSequences->PutBack(Number(), FName, *FGrants);
     for (const TPostgreSQLRemade& View : FViewMakings) Run(View);
-    PutBackStages(FRemaking.AfterViews);
+    PutBackStages(FRemaking.AfterViews, How);
     FGrants->PutBack(Number());
-    PutBackStages(FRemaking.AfterRights);
+    PutBackStages(FRemaking.AfterRights, How);
   }
-  FillViews();
+  if (How == TPutBack::Whole) FillViews();
 }
 
-void TPostgreSQLSurroundings::PutBackStages(const std::vector<TPostgreSQLRemadeStage>& Stages) {
+void TPostgreSQLSurroundings::PutBackStages(const std::vector<TPostgreSQLRemadeStage>& Stages, TPutBack How) {
   for (const TPostgreSQLRemadeStage& Stage : Stages) {
     if (Stage.Things.empty()) continue;
     const std::set<std::string> Facts = ReadPostgreSQLFacts(FSession, FWhat, Number());
-    for (const TPostgreSQLRemade& Thing : Stage.Things) PutBackOne(Thing, Facts, Stage.TellsWhatIsGone);
+    for (const TPostgreSQLRemade& Thing : Stage.Things)
+      if (Stage.LooksAtRows && How == TPutBack::Rehearsed)
+        RunWithoutRows(Thing);
+      else
+        PutBackOne(Thing, Facts, Stage.TellsWhatIsGone);
   }
 }
 
@@ -160,6 +164,22 @@ void TPostgreSQLSurroundings::Run(const TPostgreSQLRemade& Thing) const {
     Error.Add({.Table = velkrund::FullName(FObject)});
     throw;
   }
+}
+
+/// The key of another table, whose rows refer to some that a rehearsal has not got.
+void TPostgreSQLSurroundings::RunWithoutRows(TPostgreSQLRemade Key) const {
+  constexpr std::string_view NotChecked = " NOT VALID";
+  constexpr std::string_view NotSupported = "0A000";
+  if (!Key.Statement.ends_with(NotChecked)) Key.Statement += NotChecked;
+  FSession.Query(FWhat, "SAVEPOINT velkrund_rehearsed");
+  try {
+    Run(Key);
+  } catch (const EDatabaseError& Error) {
+    // Partitioned tables know no such keys.
+    if (Error.Info().EngineCode != NotSupported) throw;
+    FSession.Query(FWhat, "ROLLBACK TO SAVEPOINT velkrund_rehearsed");
+  }
+  FSession.Query(FWhat, "RELEASE SAVEPOINT velkrund_rehearsed");
 }
 
 /// As their owners see the rows, with the names that the session knows: functions in them may look for some.

@@ -22,7 +22,7 @@ class TPostgreSQLSurroundings final : public TSurroundings {
   TPostgreSQLSurroundings(TPostgreSQLSession& Session, TTableInfo Object, TRenamedFields Renamed);
 
   void SetAside() override;
-  void PutBack() override;
+  void PutBack(TPutBack How) override;
   const std::vector<std::string>& Remarks() const override { return FRemarks; }
 
  private:
@@ -31,9 +31,10 @@ class TPostgreSQLSurroundings final : public TSurroundings {
   void Refuse(const std::string& Oid) const;
   void Read(const std::string& Oid);
   void RenameFields();
-  void PutBackStages(const std::vector<TPostgreSQLRemadeStage>& Stages);
+  void PutBackStages(const std::vector<TPostgreSQLRemadeStage>& Stages, TPutBack How);
   void PutBackOne(const TPostgreSQLRemade& Thing, const std::set<std::string>& Facts, bool TellsWhatIsGone);
   void Run(const TPostgreSQLRemade& Thing) const;
+  void RunWithoutRows(TPostgreSQLRemade Key) const;
   void FillViews();
 
   TPostgreSQLSession& FSession;

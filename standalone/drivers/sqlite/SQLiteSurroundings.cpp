@@ -84,7 +84,6 @@ void TSQLiteSurroundings::SetAside() {
   ReadTriggers();
   const bool IsTable = FObject.Kind != TTableKind::View;
   if (IsTable) {
-    FHadRows = FConnection.Schema().HasRows(FObject);
     FBookkeeping.emplace(FDatabase, FObject.Name);
     FReferences.emplace(FConnection.Schema(), FObject);
   }
@@ -100,12 +99,12 @@ void TSQLiteSurroundings::ReadTriggers() {
   while (Triggers.Step()) FTriggers.push_back({Triggers.Integer(0) != 0, Triggers.Text(1), Triggers.Text(2)});
 }
 
-void TSQLiteSurroundings::PutBack() {
+void TSQLiteSurroundings::PutBack(TPutBack How) {
   if (Listed("main").empty()) throw EDatabaseError(What() + ": it was not created again", {.Table = FullName(FObject)});
   if (FBookkeeping) FBookkeeping->PutBack(FRenamed);
   PutTriggersBack();
   RebuildTextIndexes();
-  if (FReferences) CheckReferences();
+  if (FReferences) CheckReferences(How);
   CheckDependents();
   if (FProblems.empty()) return;
   throw EDatabaseError(
@@ -156,14 +155,13 @@ void TSQLiteSurroundings::RebuildTextIndexes() {
   }
 }
 
-void TSQLiteSurroundings::CheckReferences() {
+void TSQLiteSurroundings::CheckReferences(TPutBack How) {
   TSQLiteReferences::TChanges Changes = FReferences->Changes();
   for (const std::string& Keys : Changes.NotBefore) FRemarks.push_back(Keys + " did not work before either");
-  const bool RowsAreGone = FHadRows && !FConnection.Schema().HasRows(FObject);
-  std::vector<std::string>& Told = RowsAreGone ? FRemarks : FProblems;
-  Told.insert(Told.end(), Changes.Worse.begin(), Changes.Worse.end());
+  if (How == TPutBack::Rehearsed) Changes.Worse.clear();
+  FProblems.insert(FProblems.end(), Changes.Worse.begin(), Changes.Worse.end());
   FProblems.insert(FProblems.end(), Changes.Broken.begin(), Changes.Broken.end());
-  FLosesReferences = !Changes.Broken.empty() || (!RowsAreGone && !Changes.Worse.empty());
+  FLosesReferences = !Changes.Broken.empty() || !Changes.Worse.empty();
 }
 
 /// Of a view that does not work there are none.

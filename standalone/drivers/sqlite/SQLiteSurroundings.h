@@ -16,15 +16,14 @@ namespace velkrund {
 class TSQLiteDatabase;
 
 /// The engine drops triggers, counters and what its planner knows with a table, and lets views, foreign keys and other
-/// triggers be, as texts, whatever becomes of the table. The transaction that writes keeps everybody else out. Where a
-/// table that had rows comes back without any, rows of others that refer to them are no error: Remarks tells of them.
+/// triggers be, as texts, whatever becomes of the table. The transaction that writes keeps everybody else out.
 class TSQLiteSurroundings final : public TSurroundings {
  public:
   /// Both borrowed; Database is the connection's.
   TSQLiteSurroundings(TConnection& Connection, TSQLiteDatabase& Database, TTableInfo Object, TRenamedFields Renamed);
 
   void SetAside() override;
-  void PutBack() override;
+  void PutBack(TPutBack How) override;
   const std::vector<std::string>& Remarks() const override { return FRemarks; }
 
  private:
@@ -43,14 +42,13 @@ class TSQLiteSurroundings final : public TSurroundings {
   void ReadTriggers();
   void PutTriggersBack();
   void RebuildTextIndexes();
-  void CheckReferences();
+  void CheckReferences(TPutBack How);
   void CheckDependents();
 
   TConnection& FConnection;
   TSQLiteDatabase& FDatabase;
   const TTableInfo FObject;
   const TRenamedFields FRenamed;
-  bool FHadRows = false;
   std::vector<TTriggerText> FTriggers;
   std::set<std::string> FFields;                          // folded
   std::vector<std::pair<TTableInfo, bool>> FTextIndexes;  // and whether it worked

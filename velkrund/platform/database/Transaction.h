@@ -6,8 +6,9 @@
 
 namespace velkrund {
 
-/// A transaction of a database, of the level that imports need unless told otherwise: rolled back at the end of the object's life unless it
-/// was committed. A roll back that fails goes to the trace, since the error on its way out is the one to tell.
+/// A transaction of a database, of the level that imports need unless told otherwise: rolled back at the end of the
+/// object's life unless it was committed. A roll back that fails goes to the trace, since the error on its way out is
+/// the one to tell.
 class TTransaction {
  public:
   explicit TTransaction(const std::string& DatabaseName, TIsolationLevel Level = TIsolationLevel::RepeatableRead);

@@ -27,10 +27,21 @@ std::string ItemText(const TRecreation& Item) {
   return Item.Note.empty() ? Result : Result + ": " + Item.Note;
 }
 
+/// Each line of the text on one.
+std::string OnLines(std::string_view Text) {
+  std::string Result;
+  while (!Text.empty()) {
+    const std::size_t End = Text.find_first_of("\r\n");
+    if (End != 0) Result += OnOneLine(std::string(Text.substr(0, End))) + "\n";
+    Text.remove_prefix(End == Text.npos ? Text.size() : End + 1);
+  }
+  return Result;
+}
+
 std::string ReportText(const TRecreationJob& Job) {
   std::string Result;
   for (const TRecreation& Item : Job.Items()) Result += ItemText(Item) + "\n";
-  for (const std::string& Note : Job.Notes()) Result += OnOneLine(Note) + "\n";
+  for (const std::string& Note : Job.Notes()) Result += OnLines(Note);
   return Result;
 }
 

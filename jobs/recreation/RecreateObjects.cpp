@@ -1,6 +1,8 @@
 #include "jobs/recreation/RecreateObjects.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "jobs/dictionary/ObjectCreation.h"
 #include "standalone/dictionary/StoredDescriptions.h"
@@ -119,10 +121,10 @@ void TThis::Check(TRecreation& Item) {
   Item.Note = "its name is long";
 }
 
-std::vector<TRecreation*> TThis::Waiting(int ObjectType) {
+std::vector<TRecreation*> TThis::Waiting() {
   std::vector<TRecreation*> Result;
   for (TRecreation& Item : ChangeItems())
-    if (Item.State == TItemState::NotReached && Item.Structure.Type == ObjectType) Result.push_back(&Item);
+    if (Item.State == TItemState::NotReached) Result.push_back(&Item);
   return Result;
 }
 
@@ -134,12 +136,17 @@ void TThis::RecreateAll(TAllowedGaps&) {
                                  std::int32_t, std::int32_t) {
     const std::string Told = FromUtf16(Text);
     if ((Flags & MB_YESNO) != 0) return Told.ends_with(GoOn) ? IDYES : IDNO;
-    FReport = Told;
+    FReport += (FReport.empty() ? "" : "\r\n") + Told;
     return IDOK;
   });
   if (Items().size() == 1) return RecreateOne(ChangeItems().front());
-  for (const int Type : Types()) RecreateSeveral(Type);
-  if (!FReport.empty() && Count(TItemState::Failed) > 0) Note(FReport);
+  while (Sweep()) {
+  }
+  if (!FReport.empty()) Note(FReport);
+  if (FFailed.empty()) return;
+  for (const auto& [Item, Error] : FFailed) Fail(*Item, Error);
+  const auto& [First, Reason] = *FFailed.begin();
+  if (!MayGoOn(*First)) std::rethrow_exception(Reason);
 }
 
 void TThis::RecreateOne(TRecreation& Item) {
@@ -155,49 +162,39 @@ void TThis::RecreateOne(TRecreation& Item) {
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {
-    static_cast<void>(MayGoOn(Item));
+    Fail(Item, std::current_exception());
     throw;
   }
   Item.State = TItemState::Done;
 }
 
 /// Whatever order they come in.
-void TThis::RecreateSeveral(int ObjectType) {
-  while (Sweep(ObjectType)) {
-  }
-  for (TRecreation* const Item : Waiting(ObjectType)) {
-    const auto Failed = FFailed.find(UpperCase(Item->Structure.Name));
-    if (Failed == FFailed.end()) continue;
-    try {
-      std::rethrow_exception(Failed->second);
-    } catch (const std::exception&) {
-      if (!MayGoOn(*Item)) throw;
-    }
-  }
-}
-
-bool TThis::Sweep(int ObjectType) {
-  const std::vector<TRecreation*> Meant = Waiting(ObjectType);
-  if (Meant.empty()) return false;
+bool TThis::Sweep() {
+  const std::vector<TRecreation*> All = Waiting();
   FFailed.clear();
   FReport.clear();
+  for (const int Type : Types()) {
+    std::vector<TRecreation*> OfType;
+    std::copy_if(All.begin(), All.end(), std::back_inserter(OfType),
+                 [&](const TRecreation* Item) { return Item->Structure.Type == Type; });
+    if (!OfType.empty()) RunList(Type, OfType);
+  }
+  return !FFailed.empty() && FFailed.size() < All.size();
+}
+
+void TThis::RunList(int ObjectType, const std::vector<TRecreation*>& Meant) {
   const auto Operation = ListOf(ObjectType);
   Operation->Owner = this;
   Operation->DatabaseName = DatabaseName;
   for (const TRecreation* const Item : Meant) Operation->Names.push_back(Item->Structure.Name);
   Operation->SetOverwrite(TRecreateOverwrite::Yes);
-  Operation->FOnFailed = [this](const std::string& Name, const std::exception_ptr& Error) {
-    FFailed[UpperCase(Name)] = Error;
+  Operation->FOnFailed = [&](const std::string& Name, const std::exception_ptr& Error) {
+    FFailed[Find({ObjectType, Name})] = Error;
   };
   Operation->Execute();
   if (IsCanceled()) throw EAbort("cancelled");
-  bool HasMade = false;
-  for (TRecreation* const Item : Meant) {
-    if (FFailed.contains(UpperCase(Item->Structure.Name))) continue;
-    Item->State = TItemState::Done;
-    HasMade = true;
-  }
-  return HasMade && !FFailed.empty();
+  for (TRecreation* const Item : Meant)
+    if (!FFailed.contains(Item)) Item->State = TItemState::Done;
 }
 
 /// By doing it, since it is all taken back: what fails shows then.

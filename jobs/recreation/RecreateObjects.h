@@ -38,13 +38,13 @@ class TJobRecreateObjects final : public TRecreationJob {
 
  private:
   void RecreateOne(TRecreation& Item);
-  void RecreateSeveral(int ObjectType);
-  /// Those of the type that wait; true: something was made, and something failed.
-  bool Sweep(int ObjectType);
-  std::vector<TRecreation*> Waiting(int ObjectType);
+  /// Those that wait, once each; true: something was made, and something failed.
+  bool Sweep();
+  void RunList(int ObjectType, const std::vector<TRecreation*>& Meant);
+  std::vector<TRecreation*> Waiting();
 
-  std::map<std::string, std::exception_ptr> FFailed;  // in the last sweep, by name in upper case
-  std::string FReport;                                // what the last one said of them
+  std::map<TRecreation*, std::exception_ptr> FFailed;  // in the last sweep
+  std::string FReport;                                 // what that said of them
 };
 
 using TJobRecreateObjectsInterface = TJobInterface<TJobRecreateObjects>;

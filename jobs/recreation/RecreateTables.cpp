@@ -85,7 +85,9 @@ class TThis::TList final : public TUORecreateTables {
  private:
   void RecreateOne(TUORecreateTable& Operation) override { FJob.Recreate(Operation, FGaps); }
   void GoOn(const std::exception&, const std::string&) override {
-    if (!FJob.MayGoOn(*FJob.Find(FJob.FAt))) throw;
+    TRecreation& Item = *FJob.Find({TableObjectType, FJob.FAt});
+    FJob.Fail(Item, std::current_exception());
+    if (!FJob.MayGoOn(Item)) throw;
   }
 
   TJobRecreateTables& FJob;
@@ -109,26 +111,55 @@ bool TThis::Exists(const TRecreation& Item) {
 TThis::TTable& TThis::Prepared(const std::string& Name) { return FTables[UpperCase(Name)]; }
 
 void TThis::Check(TRecreation& Item) {
-  const std::string& Name = Item.Structure.Name;
-  TTable& Table = Prepared(Name);
+  Prepare(Item.Structure.Name, TNotes::Later);
+  if (LongNames().MayMakeTable(Prepared(Item.Structure.Name).New)) return;
+  Item.State = TItemState::LeftOut;
+  Item.Note = "its name is long";
+}
+
+/// Looks at the table and its structure as they are now. Notes: tells what goes with the old table.
+void TThis::Prepare(const std::string& Name, TNotes Notes) {
+  TTable& Table = Prepared(Name) = {};
   if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Name, Table.New))
     throw EDatabaseError(Format("The structure of table '%s' cannot be read", Name));
   Table.Info = Connection().Schema().FindTable(Name);
-  if (!LongNames().MayMakeTable(Table.New)) {
-    Item.State = TItemState::LeftOut;
-    Item.Note = "its name is long";
-    return;
-  }
-  if (Table.Info) CheckRows(Name, Table);
-  if (&Item == &Items().back()) CheckMapping();
-}
-
-void TThis::CheckRows(const std::string& Name, TTable& Table) {
+  if (!Table.Info) return;
   KeepPhysicalName(Table.New, FullName(*Table.Info));
   TakeMapping(Name, Connection().Schema().Describe(*Table.Info), Table);
+  CheckRows(Name, Table, Notes);
+}
+
+/// Locked, and looked at again: others may have changed it since the first look.
+std::unique_ptr<TSurroundings> TThis::Locked(const std::string& Name) {
+  const TTableInfo Before = *Prepared(Name).Info;
+  Connection().Surroundings(Before, {})->Lock();
+  Prepare(Name, TNotes::Now);
+  const TTable& Table = Prepared(Name);
+  if (!Table.Info || *Table.Info != Before)
+    throw EDatabaseError(Format("The table '%s' was dropped or renamed by somebody else meanwhile; run it again", Name),
+                         {.Table = Name});
+  return Connection().Surroundings(*Table.Info, Table.Fields);
+}
+
+/// What maps nothing is a slip, and would leave values behind. Tables that are left out may be meant, too.
+void TThis::CheckAll() {
+  for (const TRecreation& Item : Items()) {
+    const std::optional<TTableInfo> There = Connection().Schema().FindTable(Item.Structure.Name);
+    TTable LeftOut;
+    if (Item.State != TItemState::LeftOut || !There) continue;
+    if (Dictionary().GetDicTable(DatabaseName).GetTableInfo(Item.Structure.Name, LeftOut.New))
+      TakeMapping(Item.Structure.Name, Connection().Schema().Describe(*There), LeftOut);
+  }
+  CheckMapping();
+}
+
+void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes) {
   const TTableChanges Changes = ChangesOf(Connection().Definitions().Table(*Table.Info, {}), Table.New, Table.Fields);
+  const auto Tell = [&](const std::string& Text) {
+    if (Notes == TNotes::Now) Note(Text);
+  };
   for (const std::string& Gone : Changes.Gone)
-    Note(Format("gone from table '%s', since its structure does not have it: %s", Name, Gone));
+    Tell(Format("gone from table '%s', since its structure does not have it: %s", Name, Gone));
   if (DropData || !Connection().Schema().HasRows(*Table.Info)) return;
   if (!Changes.LostFields.empty()) {
     const std::string Lost = Quoted(Changes.LostFields);
@@ -137,7 +168,7 @@ void TThis::CheckRows(const std::string& Name, TTable& Table) {
                                   "name now",
                                   Name, Lost),
                            {.Code = TErrorCode::FieldMissing, .Table = Name, .Column = Changes.LostFields.front()});
-    Note(Format("dropped from table '%s' with their values: %s", Name, Lost));
+    Tell(Format("dropped from table '%s' with their values: %s", Name, Lost));
   }
   if (!Changes.Unfilled.empty())
     throw EDatabaseError(
@@ -149,30 +180,40 @@ void TThis::CheckRows(const std::string& Name, TTable& Table) {
 
 void TThis::TakeMapping(const std::string& Name, const TTableDescription& Old, TTable& Table) {
   const std::vector<std::string> OldNames = FieldNames(Old), NewNames = FieldNames(Table.New);
-  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
-    const auto& [Given, New] = Mapping[Index];
+  const auto OldOf = [&](const std::string& Given) {
     const std::string OfTable = Behind(Name, Given);
-    const std::string& From = OfTable.empty() ? Given : OfTable;
-    if (Has(OldNames, From) && Has(NewNames, New)) {
-      Table.Fields.emplace_back(From, New);
-      FUsed[Index] = true;
-    }
-    const std::size_t Stop = From.find('.');
-    if (Has(OldNames, From) || Stop == From.npos) continue;
-    const std::string Field = From.substr(0, Stop);
-    const std::string Current = [&] {
-      for (const auto& [Before, After] : Mapping)
-        if (SameText(Before, Field)) return After;
-      return Field;
-    }();
-    if (!Has(NewNames, Current)) continue;
-    TBLOBFieldMapping* const Known = Table.Inside.GetMappingByField(Current);
-    (Known ? *Known : Table.Inside.Add(Current)).Mapping.emplace_back(From.substr(Stop + 1), New);
+    return OfTable.empty() ? Given : OfTable;
+  };
+  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
+    const std::string From = OldOf(Mapping[Index].first);
+    if (!Has(OldNames, From) || !Has(NewNames, Mapping[Index].second)) continue;
+    Table.Fields.emplace_back(From, Mapping[Index].second);
     FUsed[Index] = true;
+  }
+  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
+    const std::string From = OldOf(Mapping[Index].first);
+    if (!Has(OldNames, From) && TakeInside(Name, From, Mapping[Index].second, Table)) FUsed[Index] = true;
   }
 }
 
-/// What maps nothing is a slip, and would leave values behind.
+/// Old: a field inside a BLOB field, "PICTURES.SIZE". False when no structure describes such an inside.
+bool TThis::TakeInside(const std::string& Name, const std::string& Old, const std::string& New, TTable& Table) {
+  const std::size_t Stop = Old.find('.');
+  if (Stop == Old.npos) return false;
+  std::string Field = Old.substr(0, Stop);
+  for (const auto& [Before, After] : Table.Fields)
+    if (SameText(Before, Field)) {
+      Field = After;
+      break;
+    }
+  TDicTableDescription Inside;
+  if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Name + "." + Field, Inside)) return false;
+  if (!Has(FieldNames(Table.New), Field) || !Has(FieldNames(Inside), New)) return false;
+  TBLOBFieldMapping* const Known = Table.Inside.GetMappingByField(Field);
+  (Known ? *Known : Table.Inside.Add(Field)).Mapping.emplace_back(Old.substr(Stop + 1), New);
+  return true;
+}
+
 void TThis::CheckMapping() const {
   for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
     if (FUsed[Index]) continue;
@@ -214,7 +255,7 @@ void TThis::RecreateAll(TAllowedGaps& Gaps) {
     } catch (const EAbort&) {
       throw;
     } catch (const std::exception&) {
-      static_cast<void>(MayGoOn(*Find(Meant.front())));
+      Fail(*Find({TableObjectType, Meant.front()}), std::current_exception());
       throw;
     }
   } else {
@@ -231,16 +272,18 @@ void TThis::RecreateAll(TAllowedGaps& Gaps) {
 void TThis::Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps) {
   FAt = Operation.TableName;
   SetSubject(FAt);
-  SetUp(Operation);
-  TTable& Table = Prepared(FAt);
-  if (!Table.Info) {
+  if (!Prepared(FAt).Info) {
+    SetUp(Operation);
+    // One that somebody else has made by now was not asked about.
+    Operation.OverWrite.FYes = false;
     Operation.Execute();
     return Finish(Operation);
   }
+  const auto Around = Locked(FAt);
+  SetUp(Operation);
   Rehearse(FAt, Gaps);
-  const auto Around = Connection().Surroundings(*Table.Info, Table.Fields);
   Around->SetAside();
-  if (DropData) Table.Rows = Connection().Schema().RowCount(*Table.Info);
+  if (DropData) Prepared(FAt).Rows = Connection().Schema().RowCount(*Prepared(FAt).Info);
   Operation.Execute();
   if (IsCanceled()) throw EAbort("cancelled");
   RefuseLost(Operation);
@@ -280,7 +323,12 @@ void TThis::RefuseLost(const TUORecreateTable& Operation) {
 }
 
 void TThis::Finish(const TUORecreateTable& Operation) {
-  TRecreation& Item = *Find(Operation.TableName);
+  TRecreation& Item = *Find({TableObjectType, Operation.TableName});
+  if (Operation.End() == TUORecreateTable::TEnd::LeftAlone) {
+    Item.State = TItemState::LeftOut;
+    Item.Note = "somebody else has made it meanwhile";
+    return;
+  }
   Item.State = TItemState::Done;
   if (!Item.IsThere) return;
   if (DropData)
@@ -292,6 +340,7 @@ void TThis::Finish(const TUORecreateTable& Operation) {
 void TThis::Plan(TAllowedGaps& Gaps) {
   for (const TRecreation& Item : Items()) {
     if (Item.State != TItemState::NotReached) continue;
+    if (Item.IsThere) static_cast<void>(Locked(Item.Structure.Name));
     if (Item.IsThere) Rehearse(Item.Structure.Name, Gaps);
     AddSteps(Item.Structure.Name, Gaps);
   }

@@ -34,6 +34,7 @@ class TJobRecreateTables final : public TRecreationJob {
   bool Exists(const TRecreation& Item) override;
   std::string_view OverwriteKey() const override { return "M_Velkrund_DicUtils_RecreateOverwriteConfirm"; }
   void Check(TRecreation& Item) override;
+  void CheckAll() override;
   void RecreateAll(TAllowedGaps& Gaps) override;
   void Plan(TAllowedGaps& Gaps) override;
   void Forget() override;
@@ -51,7 +52,11 @@ class TJobRecreateTables final : public TRecreationJob {
   };
 
   void TakeMapping(const std::string& Name, const TTableDescription& Old, TTable& Table);
-  void CheckRows(const std::string& Name, TTable& Table);
+  bool TakeInside(const std::string& Name, const std::string& Old, const std::string& New, TTable& Table);
+  enum class TNotes { Later, Now };
+  void Prepare(const std::string& Name, TNotes Notes);
+  void CheckRows(const std::string& Name, const TTable& Table, TNotes Notes);
+  std::unique_ptr<TSurroundings> Locked(const std::string& Name);
   void CheckMapping() const;
   TTable& Prepared(const std::string& Name);
   void SetUp(TUORecreateTable& Operation);

@@ -44,9 +44,10 @@ void TRecreationJob::Forget() {
   ForgetPlan();
 }
 
-TRecreation* TRecreationJob::Find(const std::string& Name) {
-  const auto Found = std::find_if(FItems.begin(), FItems.end(),
-                                  [&](const TRecreation& Item) { return SameText(Item.Structure.Name, Name); });
+TRecreation* TRecreationJob::Find(const TStructureId& Structure) {
+  const auto Found = std::find_if(FItems.begin(), FItems.end(), [&](const TRecreation& Item) {
+    return Item.Structure.Type == Structure.Type && SameText(Item.Structure.Name, Structure.Name);
+  });
   return Found == FItems.end() ? nullptr : &*Found;
 }
 
@@ -70,7 +71,7 @@ void TRecreationJob::TakeItems() {
                                                 : ContentHint(Name, Known, ": there are ")),
                            {.Code = TErrorCode::StructureMissing});
     for (const TStructureId& Each : Found)
-      if (!Find(Each.Name)) FItems.push_back({.Structure = Each});
+      if (!Find(Each)) FItems.push_back({.Structure = Each});
   }
   for (TRecreation& Item : FItems) Item.IsThere = Exists(Item);
 }
@@ -95,6 +96,7 @@ void TRecreationJob::Run() {
   for (TRecreation& Item : FItems) AskFor(Item);
   for (TRecreation& Item : FItems)
     if (Item.State != TItemState::LeftOut) Check(Item);
+  CheckAll();
   if (Count(TItemState::LeftOut) == static_cast<int>(FItems.size())) return;
   RunWhole(Gaps);
 }
@@ -134,18 +136,21 @@ void TRecreationJob::TakeBack() {
   Note("the database is as it was before");
 }
 
-bool TRecreationJob::MayGoOn(TRecreation& Item) {
+void TRecreationJob::Fail(TRecreation& Item, const std::exception_ptr& Error) {
   Item.State = TItemState::Failed;
-  Item.Error = FactsOf(std::current_exception());
-  if (!FFirstError) FFirstError = std::current_exception();
+  Item.Error = FactsOf(Error);
+  if (!FFirstError) FFirstError = Error;
   if (Listener) Fault(*Item.Error);
+}
+
+bool TRecreationJob::MayGoOn(const TRecreation& Failed) {
   const bool IsLast = std::none_of(FItems.begin(), FItems.end(), [](const TRecreation& Each) {
     return Each.State == TItemState::NotReached || Each.State == TItemState::Done;
   });
   if (IsLast) return true;
   try {
     const std::string Question = Manager().LString("M_Velkrund_DicUtils_ContinueRecreate");
-    return FErrors->GoOn(Listener ? Question : ErrorLine(*Item.Error) + "\r\n" + Question);
+    return FErrors->GoOn(Listener ? Question : ErrorLine(*Failed.Error) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
     return false;

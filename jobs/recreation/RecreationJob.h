@@ -48,6 +48,8 @@ class TRecreationJob : public TPolicyJob {
   virtual std::string_view OverwriteKey() const = 0;
   /// What is known to fail, and other questions; before the transaction.
   virtual void Check(TRecreation& /*Item*/) {}
+  /// The same of all together.
+  virtual void CheckAll() {}
   /// All that are not left out, in the transaction. Each gets its state; one that fails, when the others are not gone
   /// on with, is marked before its error is raised again.
   virtual void RecreateAll(TAllowedGaps& Gaps) = 0;
@@ -62,10 +64,12 @@ class TRecreationJob : public TPolicyJob {
   void Describe(TDocument& Document) const override;
   void Warn(const std::string& Text) override { FNotes.push_back("warning: " + Text); }
 
-  TRecreation* Find(const std::string& Name);
+  /// Names in any case.
+  TRecreation* Find(const TStructureId& Structure);
   std::vector<TRecreation>& ChangeItems() { return FItems; }
-  /// Within the handler of Error. Whether the others are gone on with.
-  bool MayGoOn(TRecreation& Item);
+  void Fail(TRecreation& Item, const std::exception_ptr& Error);
+  /// Behind Fail: whether the others are gone on with.
+  bool MayGoOn(const TRecreation& Failed);
   void Note(std::string Text) { FNotes.push_back(std::move(Text)); }
   TLongNames& LongNames() { return *FLongNames; }
   TConnection& Connection() const { return Manager().Databases().Connection(DatabaseName); }

@@ -25,10 +25,11 @@ class TSurroundings {
   TSurroundings& operator=(const TSurroundings&) = delete;
   virtual ~TSurroundings() = default;
 
-  /// Locks the object against everybody else, reads what stands around it, and takes out of the way what keeps it from
-  /// being dropped. In a transaction that sees one moment it comes first: what others do before the lock would not be
-  /// seen. EDatabaseError, before anything is changed, names all that could not be put back, and rights that are
-  /// missing.
+  /// Locks the object against everybody else, before the first question about it: what others have committed by then
+  /// is seen from now on, and what is asked then holds.
+  virtual void Lock() = 0;
+  /// Reads what stands around it, and takes out of the way what keeps it from being dropped. EDatabaseError, before
+  /// anything is changed, names all that could not be put back, and rights that are missing.
   virtual void SetAside() = 0;
   /// When the new object of that name is there, with its rows: gives it back all that it has not got by itself. Where
   /// the new one has something of the same name, as a trigger or comment, that stays. EDatabaseError names what does

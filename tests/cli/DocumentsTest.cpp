@@ -324,6 +324,19 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"dictionary adopt -t c -d sqlite:c.db --overwrite no", 0, "adoption"},
       {"dictionary adopt -t c -d sqlite:c.db --overwrite yes", 0, "adoption"},
   });
+  // Objects that are made anew.
+  Query("anew.db", "CREATE TABLE t (a INTEGER); INSERT INTO t VALUES (1); CREATE VIEW v AS SELECT a FROM t");
+  Check({
+      {"dictionary adopt --all -d sqlite:anew.db", 0, "adoption"},
+      {"recreate table t --overwrite yes --dry-run -d sqlite:anew.db", 0, "recreation"},
+      {"recreate table t --overwrite no -d sqlite:anew.db", 0, "recreation"},
+      {"recreate table t --overwrite yes -d sqlite:anew.db", 0, "recreation"},
+      {"recreate table t --overwrite yes --drop-data -d sqlite:anew.db", 0, "recreation"},
+      {"recreate table none -d sqlite:anew.db", 1, "error"},
+      {"recreate view v --overwrite yes -d sqlite:anew.db", 0, "recreation"},
+  });
+  Query("anew.db", "DROP VIEW v; DROP TABLE t");
+  Check({{"recreate view v -d sqlite:anew.db", 1, "recreation"}});
   EXPECT_EQ(Description.Unmet(), TArguments());
 }
 

@@ -131,6 +131,13 @@ TEST_F(TRecreateTest, SeveralTablesAreOneRun) {
   EXPECT_THAT(Outcome.Errors, HasSubstr("recreated U (10): 1 row\nfailed T (10)\n"));
   EXPECT_EQ(Query("db", "SELECT NAME, OLD FROM T; SELECT seq FROM sqlite_sequence"), "one|x\nNULL|NULL\n5");
   Query("db", "DROP VIEW OLDER");
+  // A slip in the mapping is one, whatever is left out.
+  EXPECT_EQ(
+      Run({"recreate", "tables", "-d", "sqlite:db", "T", "U", "--map", "NAMES=TITLE", "--overwrite", "no"}).ExitCode,
+      2);
+  EXPECT_EQ(
+      Run({"recreate", "tables", "-d", "sqlite:db", "T", "U", "--map", "T.NAME=TITLE", "--overwrite", "no"}).ExitCode,
+      0);
   const nlohmann::json Document = RunJson(With({}));
   EXPECT_EQ(Document["objects"][1]["rows"], 2);
   EXPECT_EQ(Document["objects"][1]["state"], "done");
@@ -233,6 +240,17 @@ TEST_F(TRecreateObjectsTest, ViewsComeInAnyOrderOnPostgreSQL) {
   TPostgreSQLDatabase First, From, To;
   ViewsInTheWorstOrder(First.Url(), [&](const std::string& Statements) { First.Run(Statements); });
   ImportInTheWorstOrder(From.Url(), To.Url(), [&](const std::string& Statements) { From.Run(Statements); });
+}
+
+TEST_F(TRecreateObjectsTest, ProceduresOfBothKindsComeInAnyOrderOnPostgreSQL) {
+  TPostgreSQLDatabase Database;
+  Database.Run(
+      "CREATE TABLE t (a int); CREATE FUNCTION f() RETURNS SETOF int LANGUAGE sql AS 'SELECT a FROM t';"
+      "CREATE PROCEDURE p() LANGUAGE sql AS 'INSERT INTO t SELECT * FROM f()'");
+  ASSERT_EQ(Run({"dictionary", "adopt", "-d", Database.Url(), "--all"}).ExitCode, 0);
+  Database.Run("DROP PROCEDURE p; DROP FUNCTION f");
+  EXPECT_EQ(Run({"recreate", "procedures", "-d", Database.Url(), "p", "f", "--on-error", "stop"}).Errors,
+            "created P (73)\ncreated F (74)\n");
 }
 
 TEST_F(TRecreateObjectsTest, GeneratorsGoOnWhereTheyStandOnPostgreSQL) {

@@ -316,10 +316,90 @@ TEST_P(DriverRecreationTest, ACancelledCopyLeavesTheTable) {
   Single.FOnShowProgress = [&](std::int32_t Current, std::int32_t, std::string_view) {
     if (Current == 2) Single.SetCanceled(true);
   };
-  EXPECT_EQ(Single.Execute(), 1);
+  EXPECT_EQ(Single.Execute(), 0);
   EXPECT_EQ(Single.End(), TEnd::LeftAlone);
   EXPECT_EQ(RowsNow(), Before);
   EXPECT_FALSE(HasTemporary());
+}
+
+TEST_P(DriverRecreationTest, TablesInsideBLOBFieldsAreCarriedOver) {
+  const auto Inside = [&](const TBLOBTable::TFields& Fields, const std::vector<TKvVariant>& Row) {
+    const auto Result = Manager.NewBLOBTable("T.PIC", Fields);
+    Result->BeginAppend();
+    for (std::size_t Index = 0; Index < Row.size(); ++Index)
+      Result->Record().Fields(static_cast<int>(Index)).SetValue(Row[Index]);
+    Result->AppendRecord();
+    Result->EndAppend();
+    return Result->Bytes();
+  };
+  const auto Number = [](std::int64_t Value) { return Made([&](TKvVariant& Cell) { Cell.SetInteger(Value); }); };
+  const auto Put = [&](const std::string& Bytes) {
+    const TKvVariant Cell = Made([&](TKvVariant& Value) { Value.SetBytes(Bytes); });
+    Connection().Execute("UPDATE T SET PIC = " + Connection().Dialect().ParameterMark(1), {&Cell, 1});
+  };
+  const auto Kept = [&] {
+    const auto Found = Manager.GetUserTable("T", Url, false);
+    EXPECT_TRUE(Found->First());
+    return std::string(Found->FindField("PIC")->Value().AsText());
+  };
+  Run("ALTER TABLE T ADD PIC " + Type(TKvKind::Bytes));
+  Run("DELETE FROM T WHERE ID > 1");
+  const std::string Physical = Connection().Schema().Describe(*Connection().Schema().FindTable("T")).Columns[3].Name;
+  Table.Fields.push_back({.Name = Physical, .Type = TDicFieldType::Bytes});
+  Store();
+  const std::string Old = Inside({{"WIDTH", TKvKind::Int64}, {"GONE", TKvKind::Int64}}, {Number(3), Number(4)});
+  const std::string New = Inside({{"W", TKvKind::Int64}, {"FRESH", TKvKind::String}}, {Number(3), TKvVariant()});
+  Put(Old);
+  EXPECT_EQ(Single.Execute(), 1);
+  EXPECT_EQ(Kept(), Old) << "no structure describes the inside";
+  TDicTableDescription Described;
+  Described.Name = "T." + Physical;
+  Described.Fields = {{.Name = "W", .Type = TDicFieldType::Int64}, {.Name = "FRESH", .Type = TDicFieldType::String}};
+  StoreDescription(Url, Described);
+  Single.ExcludedBLOBTableFields = TStringList{"pic"};
+  EXPECT_EQ(Single.Execute(), 1);
+  EXPECT_EQ(Kept(), Old) << "it is excluded";
+  Single.ExcludedBLOBTableFields.Clear();
+  Single.SetBLOBMapping({{"pic.Width", "w"}});
+  EXPECT_EQ(Single.FindBLOBFieldMapping("PIC", "W"), "Width");
+  EXPECT_EQ(Single.FindBLOBFieldMapping("OTHER", "W"), "W");
+  EXPECT_EQ(Single.Execute(), 1);
+  EXPECT_TRUE(Kept() == Manager.OpenBLOBTable(Kept())->Bytes());
+  EXPECT_EQ(Kept().substr(Kept().find("W")), New.substr(New.find("W")));
+  EXPECT_EQ(Single.LostFields().size(), 1U);
+  for (const std::string& Plain : {std::string("plain"), std::string()}) {
+    Put(Plain);
+    EXPECT_EQ(Single.Execute(), 1);
+    EXPECT_EQ(Kept(), Plain);
+  }
+  Put(Old.substr(0, Old.size() - 1));
+  EXPECT_EQ(ErrorOf([&] { Single.Execute(); }),
+            Format("EDicUtilError: Error opening BLOB table in field '%s' in the table 't'", Physical));
+  EXPECT_EQ(Kept(), Old.substr(0, Old.size() - 1));
+  Described.Fields.clear();
+  StoreDescription(Url, Described);
+  EXPECT_EQ(ErrorOf([&] { Single.Execute(); }),
+            Format("EDicUtilError: Error getting BLOB table in field '%s' in the table 't'", Physical));
+  EXPECT_FALSE(HasTemporary());
+}
+
+TEST_P(DriverRecreationTest, OfAListEachTableTakesItsOwnPartOfTheMapping) {
+  Run("CREATE TABLE OTHER (ID " + Type(TKvKind::Int64) + ", TOTAL " + Type(TKvKind::Int64) + ")");
+  Run("INSERT INTO OTHER VALUES (1, 99)");
+  TDicTableDescription Other;
+  Other.Name = Connection().Schema().FindTable("OTHER")->Name;
+  Other.Fields = {{.Name = "ID", .Type = TDicFieldType::Int64}, {.Name = "TOTAL", .Type = TDicFieldType::Int64}};
+  StoreDescription(Url, Other);
+  Table.Fields[2].Name = "TOTAL";
+  Store();
+  List.TableNames = TStringList{"t", "other"};
+  for (const char* Old : {"T.OLD", "old"}) {
+    List.FieldMapping = {{Old, "TOTAL"}};
+    EXPECT_EQ(List.Execute(), 1);
+    EXPECT_THAT(RowsNow(), ElementsAre("18 1|10 one|10 x|18 7", "18 2|0 |10 y|18 7", "18 3|10 three|0 |18 7"));
+    EXPECT_THAT(Rows(Connection(), "OTHER"), ElementsAre("18 1|18 99"));
+    Run("ALTER TABLE T RENAME COLUMN \"TOTAL\" TO \"OLD\"");
+  }
 }
 
 TEST_P(DriverRecreationTest, FieldsTakeTheValuesThatTheMappingSays) {

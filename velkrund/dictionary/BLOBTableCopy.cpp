@@ -66,11 +66,16 @@ std::unique_ptr<TBLOBTable> TBLOBTableCopy::Open(std::string_view Bytes) const {
 }
 
 std::unique_ptr<TBLOBTable> TBLOBTableCopy::Make() const {
-  std::unique_ptr<TBLOBTable> Result = BaseMng().NewBLOBTable(FTableName + "." + FFieldName, FFields);
-  if (!Result)
-    throw EDicUtilError(Format("Error getting BLOB table in field '%s' in the table '%s'", FFieldName, FTableName),
-                        {.Table = FTableName, .Column = FFieldName});
-  return Result;
+  const EDicUtilError Refused(
+      Format("Error getting BLOB table in field '%s' in the table '%s'", FFieldName, FTableName),
+      {.Table = FTableName, .Column = FFieldName});
+  try {
+    if (std::unique_ptr<TBLOBTable> Result = BaseMng().NewBLOBTable(FTableName + "." + FFieldName, FFields))
+      return Result;
+  } catch (const EDatabaseError&) {
+    std::throw_with_nested(EDicUtilError(Refused));
+  }
+  throw EDicUtilError(Refused);
 }
 
 bool TBLOBTableCopy::Copy(std::string_view Old, std::string& New) {

@@ -21,7 +21,8 @@ constinit const TUtilOperationDescriptor TUORecreateSelectStoredProc::Descriptor
 
 int TUORecreateObject::Execute() {
   FDeclined = false;
-  if (!FKind.IsDescribed(ObjectName, DatabaseName)) throw EDicUtilError(FKind.NotFoundText(ObjectName, DatabaseName));
+  if (!FKind.IsDescribed(ObjectName, DatabaseName))
+    throw EDicUtilError(FKind.NotFoundText(ObjectName, DatabaseName), {.Code = TErrorCode::StructureMissing});
   if (FKind.IsThere(ObjectName, DatabaseName) && !MayReplace()) {
     FDeclined = true;
     return 1;

@@ -43,7 +43,8 @@ class TUORecreateTable::TTemporary {
   ~TTemporary() {
     if (FIsGone) return;
     try {
-      FOperation.DeleteTempTable();
+      // An engine may have ended the transaction, and the table with it.
+      if (BaseMng().TableExists(TemporaryTableName, FOperation.DatabaseName, false)) FOperation.DeleteTempTable();
     } catch (const std::exception& Error) {
       // The error on its way out is the one to tell; within a transaction that has failed, its end drops the table.
       FOperation.WriteLog(TTraceLevel::Error, Format("Cannot drop '%s': %s", TemporaryTableName, Error.what()));
@@ -80,7 +81,7 @@ int TUORecreateTable::Execute() {
   if (!MayOverwrite()) return 1;
   FReplaces = true;
   if (MaySaveData()) {
-    Recreate();
+    if (!Recreate()) return 0;
   } else {
     CreateStructure(TableName, Description, TableScriptPart, true);
     FEnd = TEnd::Emptied;
@@ -103,7 +104,7 @@ bool TUORecreateTable::AskYesNo(TYesNoAsk& Ask, std::string_view Key) {
   return Ask.FYes;
 }
 
-void TUORecreateTable::Recreate() {
+bool TUORecreateTable::Recreate() {
   TDicTableDescription Description;
   RefuseTemporary();
   CreateStructure(TemporaryTableName, Description, TTableScriptPart::Table, false);
@@ -113,6 +114,7 @@ void TUORecreateTable::Recreate() {
     FEnd = TEnd::Rebuilt;
   }
   Temporary.Drop();
+  return FEnd == TEnd::Rebuilt || !IsCanceled();
 }
 
 /// One that somebody else has left, or works with, may hold rows that are nowhere else.

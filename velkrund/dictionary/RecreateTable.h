@@ -32,7 +32,7 @@ class TUORecreateTable : public TDatabaseUtilOperation {
  public:
   TUORecreateTable();
 
-  /// 1, also when an answer leaves the table as it is, and when it is cancelled, which leaves it too.
+  /// 1, also when an answer leaves the table as it is; 0: cancelled, which leaves it too.
   int Execute() override;
 
   std::string TableName;
@@ -80,7 +80,8 @@ class TUORecreateTable : public TDatabaseUtilOperation {
   bool MayOverwrite();
   bool MaySaveData();
   bool AskYesNo(TYesNoAsk& Ask, std::string_view Key);
-  void Recreate();
+  /// False: cancelled.
+  bool Recreate();
   /// False: cancelled. Nothing is carried over then.
   bool FillTemporary();
   bool CopyRows(TTable& Old, TTable& New);

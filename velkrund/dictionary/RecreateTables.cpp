@@ -34,10 +34,10 @@ int TUORecreateTables::Execute() {
   for (int Index = 0; Index < TableNames.Count(); ++Index) {
     const std::string& Name = TableNames[Index];
     ShowProgress(Index, TableNames.Count(), Name);
-    if (IsCanceled()) break;
+    if (IsCanceled()) return 0;
     if (!Name.empty() && !Recreate(Name, Index)) return 0;
   }
-  return 1;
+  return IsCanceled() ? 0 : 1;
 }
 
 bool TUORecreateTables::Recreate(const std::string& Name, int Index) {
@@ -103,12 +103,15 @@ void TUORecreateTables::GoOn(const std::exception& Error, const std::string& Rep
   GoOnOrRaise(Error, Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"));
 }
 
+/// Those whose old field the table has: the others are meant for other tables.
 TStringPairs TUORecreateTables::MappingOf(const std::string& Name) const {
   TStringPairs Result;
+  const std::unique_ptr<TTable> Table = BaseMng().GetSystemTable(Name, DatabaseName);
   const std::string Prefix = Name + ".";
   for (const auto& [Old, New] : FieldMapping) {
     const bool IsOfTable = Old.size() > Prefix.size() && SameText(Old.substr(0, Prefix.size()), Prefix);
-    Result.emplace_back(IsOfTable ? Old.substr(Prefix.size()) : Old, New);
+    const std::string Field = IsOfTable ? Old.substr(Prefix.size()) : Old;
+    if (Table && Table->FindField(Field)) Result.emplace_back(Field, New);
   }
   return Result;
 }

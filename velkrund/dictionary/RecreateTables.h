@@ -15,13 +15,13 @@ class TUORecreateTables : public TDatabaseUtilOperation {
  public:
   TUORecreateTables();
 
-  /// 1; 0: ended by an answer.
+  /// 1; 0: cancelled, or ended by an answer; tables that were made by then stay so.
   int Execute() override;
 
   TStringList TableNames;     // empty ones are passed over
   TYesNoCancelAsk OverWrite;  // as of TUORecreateTable; answers for all are kept
   TYesNoCancelAsk SaveData;
-  TStringPairs FieldMapping;  // old name, new name; an old name may stand behind that of its table: "ORDERS.SUM"
+  TStringPairs FieldMapping;  // of tables that have the old field; it may stand behind the table: "ORDERS.SUM", "TOTAL"
   TTableScriptPart TableScriptPart = TTableScriptPart::All;
   bool TakesLongNames = false;
 

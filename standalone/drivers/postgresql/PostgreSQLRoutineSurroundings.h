@@ -17,6 +17,7 @@ class TPostgreSQLRoutineSurroundings final : public TSurroundings {
   /// Session: borrowed. Routine: the only one of its name.
   TPostgreSQLRoutineSurroundings(TPostgreSQLSession& Session, TTableInfo Routine);
 
+  void Lock() override {}
   void SetAside() override;
   void PutBack(TPutBack How) override;
   const std::vector<std::string>& Remarks() const override { return FRemarks; }

@@ -45,11 +45,14 @@ std::string TPostgreSQLSurroundings::Number() const {
   return Found.Copy(0, 0);
 }
 
-void TPostgreSQLSurroundings::SetAside() {
-  // Before the first question, whose moment is that of all others in a transaction that sees one: what others have
-  // done by then is seen.
+/// The first statement takes no moment, so that in a transaction that sees one all others have done is seen.
+void TPostgreSQLSurroundings::Lock() {
   if (FObject.Kind == TTableKind::Table)
     FSession.Query(FWhat, Format("LOCK TABLE ONLY %s IN ACCESS EXCLUSIVE MODE", FName));
+}
+
+void TPostgreSQLSurroundings::SetAside() {
+  Lock();
   const TPostgreSQLLocalSetting Path(FSession, "search_path", EnginesOwnPath);
   const std::string Oid = Number();
   // Before the locks on views, which only their owners get: all that is in the way is named at once.

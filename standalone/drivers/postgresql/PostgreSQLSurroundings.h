@@ -21,6 +21,7 @@ class TPostgreSQLSurroundings final : public TSurroundings {
   /// Session: borrowed.
   TPostgreSQLSurroundings(TPostgreSQLSession& Session, TTableInfo Object, TRenamedFields Renamed);
 
+  void Lock() override;
   void SetAside() override;
   void PutBack(TPutBack How) override;
   const std::vector<std::string>& Remarks() const override { return FRemarks; }

@@ -22,6 +22,7 @@ class TSQLiteSurroundings final : public TSurroundings {
   /// Both borrowed; Database is the connection's.
   TSQLiteSurroundings(TConnection& Connection, TSQLiteDatabase& Database, TTableInfo Object, TRenamedFields Renamed);
 
+  void Lock() override {}
   void SetAside() override;
   void PutBack(TPutBack How) override;
   const std::vector<std::string>& Remarks() const override { return FRemarks; }

@@ -1,5 +1,7 @@
 #include "jobs/policies/Policies.h"
 
+#include <algorithm>
+
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -24,6 +26,18 @@ std::string WithNames(std::string_view Text, const std::function<std::string(std
 std::string SameName(std::string_view Property) { return std::string(Property); }
 
 }  // namespace
+
+bool MayBeMissing(const TPolicies& Policies, const TErrorInfo& Error) {
+  if (Error.Code != TErrorCode::NoWords) return false;
+  for (std::size_t At = 0; At <= Error.Value.size();) {
+    const std::size_t End = std::min(Error.Value.find(',', At), Error.Value.size());
+    const std::string Kind = Error.Value.substr(At, End - At);
+    if (std::find(Policies.AllowMissing.begin(), Policies.AllowMissing.end(), Kind) == Policies.AllowMissing.end())
+      return false;
+    At = End + 1;
+  }
+  return true;
+}
 
 std::string_view Remedy(TPolicy Policy) {
   switch (Policy) {

@@ -116,6 +116,9 @@ class EPolicyUnanswered final : public EQuestionUnanswered {
   std::string FStakes;
 };
 
+/// Whether an error is that something has no words, all of which may be missing.
+bool MayBeMissing(const TPolicies& Policies, const TErrorInfo& Error);
+
 /// How to decide by properties: "Set ExistingRows to replace or append".
 std::string_view Remedy(TPolicy Policy);
 

@@ -142,11 +142,21 @@ void TThis::RecreateAll(TAllowedGaps&) {
   if (Items().size() == 1) return RecreateOne(ChangeItems().front());
   while (Sweep()) {
   }
-  if (!FReport.empty()) Note(FReport);
+  std::erase_if(FFailed, [this](const auto& Failed) { return LeaveMissing(*Failed.first, Failed.second); });
   if (FFailed.empty()) return;
+  if (!FReport.empty()) Note(FReport);
   for (const auto& [Item, Error] : FFailed) Fail(*Item, Error);
   const auto& [First, Reason] = *FFailed.begin();
   if (!MayGoOn(*First)) std::rethrow_exception(Reason);
+}
+
+/// What may be missing is left out, when nothing could make it.
+bool TThis::LeaveMissing(TRecreation& Item, const std::exception_ptr& Error) {
+  const TErrorFacts Facts = FactsOf(Error);
+  if (!MayBeMissing(Policies, Facts.Info)) return false;
+  Item.State = TItemState::LeftOut;
+  Item.Note = Facts.Message;
+  return true;
 }
 
 void TThis::RecreateOne(TRecreation& Item) {
@@ -162,6 +172,7 @@ void TThis::RecreateOne(TRecreation& Item) {
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {
+    if (LeaveMissing(Item, std::current_exception())) return;
     Fail(Item, std::current_exception());
     throw;
   }

@@ -38,6 +38,7 @@ class TJobRecreateObjects final : public TRecreationJob {
 
  private:
   void RecreateOne(TRecreation& Item);
+  bool LeaveMissing(TRecreation& Item, const std::exception_ptr& Error);
   /// Those that wait, once each; true: something was made, and something failed.
   bool Sweep();
   void RunList(int ObjectType, const std::vector<TRecreation*>& Meant);

@@ -122,6 +122,7 @@ void TThis::Prepare(const std::string& Name, TNotes Notes) {
   TTable& Table = Prepared(Name) = {};
   if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Name, Table.New))
     throw EDatabaseError(Format("The structure of table '%s' cannot be read", Name));
+  CheckReferences(Name, Table);
   Table.Info = Connection().Schema().FindTable(Name);
   if (!Table.Info) return;
   KeepPhysicalName(Table.New, FullName(*Table.Info));
@@ -161,6 +162,8 @@ void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes
   for (const std::string& Gone : Changes.Gone)
     Tell(Format("gone from table '%s', since its structure does not have it: %s", Name, Gone));
   if (DropData || !Connection().Schema().HasRows(*Table.Info)) return;
+  for (const std::string& Field : Changes.Unzoned)
+    Tell(Format("the moments of field '%s' of table '%s' are texts in UTC now, without a zone", Field, Name));
   if (!Changes.LostFields.empty()) {
     const std::string Lost = Quoted(Changes.LostFields);
     if (Policies.MissingFields == TMissingFields::Refuse)
@@ -236,10 +239,32 @@ void TThis::SetUp(TUORecreateTable& Operation) {
   Operation.TakesLongNames = true;
 }
 
+/// Tables that it refers to, and that are made too, come first.
+void TThis::AddBehindParents(const std::string& Name, std::vector<std::string>& Meant, int Depth) {
+  if (Has(Meant, Name)) return;
+  for (const TDicForeignKey& Key : Prepared(Name).New.ForeignKeys) {
+    const TRecreation* const Parent = Find({TableObjectType, UpperCase(Key.FullTable())});
+    const bool IsMade = Parent && Parent->State == TItemState::NotReached && !SameText(Parent->Structure.Name, Name);
+    if (IsMade && Depth < static_cast<int>(Items().size())) AddBehindParents(Parent->Structure.Name, Meant, Depth + 1);
+  }
+  if (!Has(Meant, Name)) Meant.push_back(Name);
+}
+
+/// An engine may take a key to a table that is not there, and then no row.
+void TThis::CheckReferences(const std::string& Name, const TTable& Table) {
+  for (const TDicForeignKey& Key : Table.New.ForeignKeys) {
+    const std::string To = Key.FullTable();
+    if (Connection().Schema().FindTable(To) || Find({TableObjectType, UpperCase(To)})) continue;
+    const TScriptGap Gap{"references", Format("the foreign key of table '%s' to the table '%s'", Name, To),
+                         "that table is not in the database"};
+    if (!InstalledDictionary().Gaps().Allows(Gap)) throw EGap({Gap});
+  }
+}
+
 void TThis::RecreateAll(TAllowedGaps& Gaps) {
   std::vector<std::string> Meant;
   for (const TRecreation& Item : Items())
-    if (Item.State == TItemState::NotReached) Meant.push_back(Item.Structure.Name);
+    if (Item.State == TItemState::NotReached) AddBehindParents(Item.Structure.Name, Meant);
   BeginPart(Meant.size() == 1 ? Meant.front() : Counted(static_cast<std::int64_t>(Meant.size()), "table"), "rows");
   const TProgressCallback Show = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
     ShowPart(Current, Total, Name);
@@ -264,7 +289,7 @@ void TThis::RecreateAll(TAllowedGaps& Gaps) {
     Operation.DatabaseName = DatabaseName;
     Operation.TableNames = TStringList(Meant);
     Operation.FOnShowProgress = Show;
-    Operation.Execute();
+    if (Operation.Execute() == 0) throw EAbort("cancelled");
   }
   EndPart();
 }
@@ -284,8 +309,7 @@ void TThis::Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps) {
   Rehearse(FAt, Gaps);
   Around->SetAside();
   if (DropData) Prepared(FAt).Rows = Connection().Schema().RowCount(*Prepared(FAt).Info);
-  Operation.Execute();
-  if (IsCanceled()) throw EAbort("cancelled");
+  if (Operation.Execute() == 0 || IsCanceled()) throw EAbort("cancelled");
   RefuseLost(Operation);
   Around->PutBack(TPutBack::Whole);
   for (const std::string& Remark : Around->Remarks()) Note(Remark);
@@ -302,7 +326,7 @@ void TThis::Rehearse(const std::string& Name, TAllowedGaps& Gaps) {
   Around->SetAside();
   Dictionary.CreateTableByDef(DatabaseName, Table.New, PatternOf(Name, Dictionary), TTableScriptPart::All, true);
   Around->PutBack(TPutBack::Rehearsed);
-  Dictionary.Gaps().TakeNoted();
+  if (!Policies.DryRun) Dictionary.Gaps().TakeNoted();
 }
 
 std::string TThis::PatternOf(const std::string& Name, TStandaloneDictionary& Dictionary) const {
@@ -350,9 +374,10 @@ void TThis::AddSteps(const std::string& Name, TAllowedGaps& Gaps) {
   const TTable& Table = Prepared(Name);
   if (Table.Info) {
     const std::int64_t Rows = Connection().Schema().RowCount(*Table.Info);
-    if (!DropData) AddToPlan({Format("carry the rows of table '%s' over", Name), Rows});
-    AddToPlan({Format("drop table '%s'%s", Name, DropData ? " with its rows" : ""),
-               DropData ? std::optional(Rows) : std::nullopt, Connection().Scripts().DropTable(Table.New)});
+    // Not as a statement: run as it is printed, it would take the rows away.
+    if (!DropData) AddToPlan({Format("carry the rows of table '%s' over, and drop the old table", Name), Rows});
+    if (DropData)
+      AddToPlan({Format("drop table '%s' with its rows", Name), Rows, Connection().Scripts().DropTable(Table.New)});
   }
   TStandaloneDictionary& Dictionary = Gaps.Dictionary();
   for (const TScriptStatement& Statement :

@@ -58,6 +58,8 @@ class TJobRecreateTables final : public TRecreationJob {
   void CheckRows(const std::string& Name, const TTable& Table, TNotes Notes);
   std::unique_ptr<TSurroundings> Locked(const std::string& Name);
   void CheckMapping() const;
+  void CheckReferences(const std::string& Name, const TTable& Table);
+  void AddBehindParents(const std::string& Name, std::vector<std::string>& Meant, int Depth = 0);
   TTable& Prepared(const std::string& Name);
   void SetUp(TUORecreateTable& Operation);
   void Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps);

@@ -5,6 +5,7 @@
 
 #include "jobs/report/ErrorReport.h"
 #include "standalone/dictionary/StoredDescriptions.h"
+#include "velkrund/dictionary/TemporaryTable.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
@@ -70,10 +71,40 @@ void TRecreationJob::TakeItems() {
                                   Known.empty() ? ": dictionary adopt makes structures of what is there"
                                                 : ContentHint(Name, Known, ": there are ")),
                            {.Code = TErrorCode::StructureMissing});
-    for (const TStructureId& Each : Found)
-      if (!Find(Each)) FItems.push_back({.Structure = Each});
+    const TStructureId One = TheOneMeant(Found);
+    if (!Find(One)) FItems.push_back({.Structure = One});
   }
-  for (TRecreation& Item : FItems) Item.IsThere = Exists(Item);
+}
+
+/// Structures of both kinds of procedures may have one name: the one that the database has is meant.
+TStructureId TRecreationJob::TheOneMeant(const std::vector<TStructureId>& Found) {
+  if (Found.size() == 1) return Found.front();
+  for (const TStructureId& Each : Found)
+    if (Exists({.Structure = Each})) return Each;
+  throw EDatabaseError(
+      Format("Structures of several types describe '%s': %s and %s; drop the one that is not meant "
+             "(velkrund dictionary drop)",
+             Found.front().Name, StructureText(Found.front()), StructureText(Found.back())));
+}
+
+/// False: that has failed, and the others are not gone on with.
+bool TRecreationJob::Look(TRecreation& Item) {
+  try {
+    Item.IsThere = Exists(Item);
+    AskFor(Item);
+    if (Item.State != TItemState::LeftOut) Check(Item);
+    return true;
+  } catch (const EAbort&) {
+    throw;
+  } catch (const EQuestionUnanswered&) {
+    throw;
+  } catch (const ESettingsError&) {
+    throw;
+  } catch (const std::exception&) {
+    if (FItems.size() == 1) throw;
+    Fail(Item, std::current_exception());
+    return MayGoOn(Item);
+  }
 }
 
 void TRecreationJob::AskFor(TRecreation& Item) {
@@ -93,12 +124,10 @@ void TRecreationJob::Run() {
   FLongNames.emplace(Policies.LongNames);
   TAllowedGaps Gaps(Policies);
   TakeItems();
-  for (TRecreation& Item : FItems) AskFor(Item);
   for (TRecreation& Item : FItems)
-    if (Item.State != TItemState::LeftOut) Check(Item);
+    if (!Look(Item)) return TakeBack();
   CheckAll();
-  if (Count(TItemState::LeftOut) == static_cast<int>(FItems.size())) return;
-  RunWhole(Gaps);
+  if (Count(TItemState::NotReached) > 0) RunWhole(Gaps);
 }
 
 void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
@@ -114,7 +143,9 @@ void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
     return TakeBack();
   }
   if (IsCanceled()) throw EAbort("cancelled");
-  for (std::string& Text : Gaps.TakeNotes()) Note(std::move(Text));
+  for (std::string& Text : Gaps.TakeNotes())
+    // What waits meanwhile lacks the same.
+    if (Text.find(TemporaryTableName) == Text.npos) Note(std::move(Text));
   if (Policies.DryRun) return LeaveAll();
   // To commit nothing would be no difference.
   if (Count(TItemState::Done) == 0) return;

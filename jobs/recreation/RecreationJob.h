@@ -76,6 +76,8 @@ class TRecreationJob : public TPolicyJob {
 
  private:
   void TakeItems();
+  TStructureId TheOneMeant(const std::vector<TStructureId>& Found);
+  bool Look(TRecreation& Item);
   void AskFor(TRecreation& Item);
   void RunWhole(TAllowedGaps& Gaps);
   void LeaveAll();

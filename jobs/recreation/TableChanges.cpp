@@ -56,6 +56,13 @@ class TComparison {
       });
       if (!IsTaken) FResult.LostFields.push_back(Field.Name);
     }
+    for (const TDicField& Field : FNew.Fields) {
+      const TDicField* const Source = FieldOf(FOld, OldNameFor(FMapping, Field.Name));
+      const bool HasZone =
+          Source && (Source->Type == TDicFieldType::ZonedDateTime || Source->Type == TDicFieldType::ZonedTime);
+      const bool IsText = Field.Type == TDicFieldType::String || Field.Type == TDicFieldType::FixedString;
+      if (HasZone && IsText) FResult.Unzoned.push_back(Field.Name);
+    }
     for (const TDicField& Field : FNew.Fields)
       if (Field.NotNull && !HasDefault(Field) && !FieldOf(FOld, OldNameFor(FMapping, Field.Name)))
         FResult.Unfilled.push_back(Field.Name);

@@ -13,6 +13,7 @@ namespace velkrund {
 struct TTableChanges {
   std::vector<std::string> LostFields;  // whose values no field takes
   std::vector<std::string> Unfilled;    // fields that take no NULL, have no default, and get no value
+  std::vector<std::string> Unzoned;     // whose moments become texts
   std::vector<std::string> Gone;        // what the new description does not have: "the index 'I1'"
 };
 

@@ -369,6 +369,10 @@ void TImportJob::ObjectEnded(const std::string& Name, int ObjectType, TRecreateS
     };
     const auto Item = std::find_if(FOutcome.Items.begin(), FOutcome.Items.end(), IsIt);
     if (Item == FOutcome.Items.end()) throw;
+    if (MayBeMissing(Policies, FactsOf(Failure).Info)) {
+      FOutcome.Notes.push_back(std::string("not made: ") + Failure.what());
+      return;
+    }
     Fail(*Item, Failure);
     FStopped = !MayGoOn(Failure);
   }

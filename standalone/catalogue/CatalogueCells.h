@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "standalone/drivers/Cursor.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 
@@ -34,11 +35,15 @@ inline std::string TakeText(TCursor& Rows, int Column) {
   return std::string(Value.AsText());
 }
 
-/// Nothing for NULL.
+/// Nothing for NULL. EDatabaseError for what is no whole number, as another program may have written it.
 inline std::optional<std::int64_t> TakeNumber(TCursor& Rows, int Column) {
   TKvVariant Value;
   Rows.Read(Column, Value);
-  return Value.IsNull() ? std::nullopt : std::optional(Value.AsInteger());
+  if (Value.IsNull()) return std::nullopt;
+  if (IsIntegerKind(Value.Kind())) return Value.AsInteger();
+  std::string Text;
+  Value.AppendAsText(Text);
+  throw EDatabaseError("A catalogue table is damaged: '" + Text + "' stands where a whole number belongs");
 }
 
 }  // namespace velkrund

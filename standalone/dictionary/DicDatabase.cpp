@@ -36,16 +36,15 @@ TDescription Described(std::optional<TDescription> Stored, std::string_view What
   return *std::move(Stored);
 }
 
-/// Makes an object in a part of the caller's transaction. False, and a gap that is allowed: its text is another
-/// engine's and was refused.
-bool TryToMake(const std::string& DatabaseName, TGapBook& Gaps, const TDicEngineWords& Words, const TConnection& Target,
+/// Makes an object in a part of the caller's transaction. That another engine's text was refused is a gap of its own,
+/// also where such gaps are allowed: the object may be made later, when what it needs is there.
+void TryToMake(const std::string& DatabaseName, const TDicEngineWords& Words, const TConnection& Target,
                const TScriptGap& Gap, const std::function<void()>& Make) {
   const std::string_view Foreign = ForeignEngine(Words, Target.Scripts().Engine());
   try {
     TTransaction Part(DatabaseName);
     Make();
     Part.Commit();
-    return true;
   } catch (const EGap&) {
     throw;
   } catch (const EAbort&) {
@@ -55,8 +54,7 @@ bool TryToMake(const std::string& DatabaseName, TGapBook& Gaps, const TDicEngine
     TScriptGap Refused = Gap;
     Refused.Why = Format("which has no text for %s; that for %s was tried: %s", Target.EngineName(),
                          EngineTitle(Foreign), Error.what());
-    Gaps.Take({Refused});
-    return false;
+    throw EGap({Refused});
   }
 }
 
@@ -80,6 +78,8 @@ void RedefineOrMakeAnew(const std::string& DatabaseName, const std::function<voi
     } catch (const EGap&) {
       throw;
     } catch (const EDatabaseError& Error) {
+      // What others do at the same time says nothing of the object.
+      if (Error.Info().Code != TErrorCode::Database) throw;
       Reason = Error.what();
     }
   }
@@ -211,17 +211,15 @@ void TStandaloneDicDatabase::CreateView(const std::string& Name, bool Replace, b
   if (!Replace && There) RefuseSecond("view", View);
   const bool IsForeign = !ForeignEngine(Stored.Words, Engine()).empty();
   const TScriptGap Gap{"views", Format("the view '%s'", View)};
-  const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] {
+  TryToMake(FDatabaseName, Stored.Words, Connection(), Gap, [&] {
     if (There)
       ReplaceView(Stored, *There, Verify || IsForeign);
     else
       MakeView(Stored, false, Verify || IsForeign);
   });
-  if (Made) {
-    const TDicViewDescription WithOwnWords =
-        WithWords(Stored, Connection().Definitions().View(ExistingView(View)), Engine());
-    if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
-  }
+  const TDicViewDescription WithOwnWords =
+      WithWords(Stored, Connection().Definitions().View(ExistingView(View)), Engine());
+  if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
   Transaction.Commit();
 }
 
@@ -260,18 +258,16 @@ void TStandaloneDicDatabase::CreateProcedure(const std::string& Name, bool Selec
                                 Selects ? "returns no rows" : "returns rows"));
   if (There && !Replace) RefuseSecond("procedure", Procedure);
   const TScriptGap Gap{"procedures", Format("the procedure '%s'", Procedure)};
-  const bool Made = TryToMake(FDatabaseName, FGaps, Stored.Words, Connection(), Gap, [&] {
+  TryToMake(FDatabaseName, Stored.Words, Connection(), Gap, [&] {
     if (There)
       ReplaceProcedure(*Kept, *There, Stored);
     else
       Kept->Create(Stored);
   });
-  if (Made) {
-    const std::optional<TDicProcedureDescription> Found = Kept->Find(Procedure);
-    if (!Found) RefuseMissing("procedure", Procedure);
-    const TDicProcedureDescription WithOwnWords = WithWords(Stored, *Found, Engine());
-    if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
-  }
+  const std::optional<TDicProcedureDescription> Found = Kept->Find(Procedure);
+  if (!Found) RefuseMissing("procedure", Procedure);
+  const TDicProcedureDescription WithOwnWords = WithWords(Stored, *Found, Engine());
+  if (WithOwnWords != Stored) StoreDescription(FDatabaseName, WithOwnWords);
   Transaction.Commit();
 }
 

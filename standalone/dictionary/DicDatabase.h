@@ -29,8 +29,8 @@ class TStandaloneDicDatabase final : public TDicDatabase {
   void DropGenerator(const std::string& Name) override;
 
   bool ViewExist(const std::string& Name) override;
-  /// A view whose text is another engine's alone is tried in any case. Where it is refused that is a gap of the kind
-  /// "views": where that is allowed, no view is made.
+  /// A view whose text is another engine's alone is tried in any case. Where it is refused that is EGap of the kind
+  /// "views", whether that is allowed or not.
   void CreateView(const std::string& Name, bool Replace, bool Verify) override;
   void DropView(const std::string& Name) override;
 

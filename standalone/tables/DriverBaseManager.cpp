@@ -44,6 +44,7 @@ std::int64_t TDriverBaseManager::CopyTableData(const std::string& Source, const 
     if (!To.Columns[static_cast<std::size_t>(Field)].Generated) Pairs.push_back({static_cast<int>(Index), Field});
   }
   if (Replace) FConnection.Execute("DELETE FROM " + FConnection.Dialect().SQLName(To.Table));
+  if (Pairs.empty() && !FConnection.Schema().HasRows(From.Table)) return 0;
   return FConnection.Rows().CopyRows(From, To, Pairs);
 }
 

@@ -80,6 +80,7 @@ TEST_F(CatalogueObjects, ProceduresAreReadWhenTheyAreMade) {
       {"DELETE FROM T; COMMIT", "can neither begin nor end"},
       {"/* x */ savepoint s", "can neither begin nor end"},
       {"ATTACH 'x' AS y", "nor reach other databases"},
+      {"PRAGMA journal_mode = OFF", "nor set what a PRAGMA sets"},
       {"DELETE FROM T WHERE", "incomplete input"},
   };
   for (const auto& Case : Cases) EXPECT_THAT(Create(Case.Body, {A, Odd}), HasSubstr(Case.Says)) << Case.Body;

@@ -323,8 +323,9 @@ TEST_P(DriverRecreationTest, ACancelledCopyLeavesTheTable) {
 }
 
 TEST_P(DriverRecreationTest, TablesInsideBLOBFieldsAreCarriedOver) {
-  const auto Inside = [&](const TBLOBTable::TFields& Fields, const std::vector<TKvVariant>& Row) {
-    const auto Result = Manager.NewBLOBTable("T.PIC", Fields);
+  const auto Inside = [&](const std::string& Name, const TBLOBTable::TFields& Fields,
+                          const std::vector<TKvVariant>& Row) {
+    const auto Result = Manager.NewBLOBTable(Name, Fields);
     Result->BeginAppend();
     for (std::size_t Index = 0; Index < Row.size(); ++Index)
       Result->Record().Fields(static_cast<int>(Index)).SetValue(Row[Index]);
@@ -347,8 +348,9 @@ TEST_P(DriverRecreationTest, TablesInsideBLOBFieldsAreCarriedOver) {
   const std::string Physical = Connection().Schema().Describe(*Connection().Schema().FindTable("T")).Columns[3].Name;
   Table.Fields.push_back({.Name = Physical, .Type = TDicFieldType::Bytes});
   Store();
-  const std::string Old = Inside({{"WIDTH", TKvKind::Int64}, {"GONE", TKvKind::Int64}}, {Number(3), Number(4)});
-  const std::string New = Inside({{"W", TKvKind::Int64}, {"FRESH", TKvKind::String}}, {Number(3), TKvVariant()});
+  const std::string Old = Inside("OLD", {{"WIDTH", TKvKind::Int64}, {"GONE", TKvKind::Int64}}, {Number(3), Number(4)});
+  const std::string New =
+      Inside("t." + Physical, {{"W", TKvKind::Int64}, {"FRESH", TKvKind::String}}, {Number(3), TKvVariant()});
   Put(Old);
   EXPECT_EQ(Single.Execute(), 1);
   EXPECT_EQ(Kept(), Old) << "no structure describes the inside";
@@ -364,8 +366,7 @@ TEST_P(DriverRecreationTest, TablesInsideBLOBFieldsAreCarriedOver) {
   EXPECT_EQ(Single.FindBLOBFieldMapping("PIC", "W"), "Width");
   EXPECT_EQ(Single.FindBLOBFieldMapping("OTHER", "W"), "W");
   EXPECT_EQ(Single.Execute(), 1);
-  EXPECT_TRUE(Kept() == Manager.OpenBLOBTable(Kept())->Bytes());
-  EXPECT_EQ(Kept().substr(Kept().find("W")), New.substr(New.find("W")));
+  EXPECT_EQ(Kept(), New);
   EXPECT_EQ(Single.LostFields().size(), 1U);
   for (const std::string& Plain : {std::string("plain"), std::string()}) {
     Put(Plain);

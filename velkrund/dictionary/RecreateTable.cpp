@@ -11,6 +11,7 @@
 #include "velkrund/operations/NameLengths.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/database/Transaction.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/structures/DSPContainer.h"
@@ -63,6 +64,14 @@ class TUORecreateTable::TTemporary {
 TUORecreateTable::TUORecreateTable() { OverWrite.FYes = SaveData.FYes = true; }
 
 int TUORecreateTable::Execute() {
+  try {
+    return Run();
+  } catch (const EAbort&) {
+    return 0;
+  }
+}
+
+int TUORecreateTable::Run() {
   FEnd = TEnd::LeftAlone;
   FRows = FTotal = 0;
   FLost.clear();
@@ -137,11 +146,25 @@ bool TUORecreateTable::FillTemporary() {
           {.Table = TableName});
     FTotal = Old->RecordCount();
     FTotal += FTotal / 4;
-    Filled = CopyRows(*Old, *New) && !IsCanceled();
+    Filled = CopyRowsOfTable(*Old, *New) && !IsCanceled();
     if (!Filled) return false;
   }
   Transaction.Commit();
   return Filled;
+}
+
+/// People know the table that the rows are of, not the one in which they wait.
+bool TUORecreateTable::CopyRowsOfTable(TTable& Old, TTable& New) {
+  try {
+    return CopyRows(Old, New);
+  } catch (const EDatabaseError& Error) {
+    std::string Text = Error.what();
+    for (std::size_t At = Text.find(TemporaryTableName); At != Text.npos; At = Text.find(TemporaryTableName))
+      Text.replace(At, std::string_view(TemporaryTableName).size(), Old.TableName());
+    TErrorInfo Info = Error.Info();
+    Info.Table = Old.TableName();
+    throw EDatabaseError(Text, Info);
+  }
 }
 
 bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
@@ -153,6 +176,7 @@ bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
   };
   TTableRowCopy Copy(
       Old, New, [&](const std::string& Name) { return IsComputed(Name) ? std::string() : FindFieldMapping(Name); });
+  RefuseMissingFields(Table, New);
   CarryBLOBTables(Copy, Table);
   const auto Show = [this](std::int64_t Rows) {
     FRows = Rows;
@@ -168,6 +192,16 @@ bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
   });
   FLost = Copy.LostFields();
   return Whole;
+}
+
+/// Words of a structure may swallow a field, and its values with it.
+void TUORecreateTable::RefuseMissingFields(const TDicTableDescription& Table, TTable& Made) const {
+  for (const TDicField& Field : Table.Fields)
+    if (!Made.FindField(Field.Name))
+      throw EDicUtilError(Format("Can not recreate the table '%s': the field '%s' of its structure is not in the table "
+                                 "that was made of it; look at the words of its fields",
+                                 TableName, Field.Name),
+                          {.Code = TErrorCode::Structure, .Table = TableName, .Column = Field.Name});
 }
 
 void TUORecreateTable::CarryBLOBTables(TTableRowCopy& Copy, const TDicTableDescription& Table) const {
@@ -194,8 +228,15 @@ void TUORecreateTable::Rebuild() {
     throw EDicUtilError(Format("Can not recreate the table '%s': its database has no statements on tables", TableName),
                         {.Table = TableName});
   BaseMng().Notice(Format("filling the table '%s'", TableName));
-  FRows = BaseManager->CopyTableData(BaseMng().GetTableName(TemporaryTableName, DatabaseName),
-                                     BaseMng().GetTableName(TableName, DatabaseName), false);
+  try {
+    FRows = BaseManager->CopyTableData(BaseMng().GetTableName(TemporaryTableName, DatabaseName),
+                                       BaseMng().GetTableName(TableName, DatabaseName), false);
+  } catch (const std::exception&) {
+    WriteLog(TTraceLevel::Error,
+             Format("The rows of table '%s' are lost with '%s', unless a transaction around this is rolled back",
+                    TableName, TemporaryTableName));
+    throw;
+  }
   ReportProgress(FOnShowProgress, FTotal, FTotal, TableName);
   if (TableScriptPart != TTableScriptPart::Table) CreateStructure(TableName, Description, TTableScriptPart::Rest, true);
 }
@@ -224,7 +265,10 @@ void TUORecreateTable::CreateStructure(const std::string& Name, TDicTableDescrip
 /// A table that is there keeps the case of its name.
 void TUORecreateTable::SetName(TDicTableDescription& Description, const std::string& Name) const {
   if (IsTemporary(Name)) return MakeTemporary(Description);
-  if (FReplaces) KeepPhysicalName(Description, BaseMng().GetTableName(Name, DatabaseName));
+  if (FReplaces) return KeepPhysicalName(Description, BaseMng().GetTableName(Name, DatabaseName));
+  if (SameText(Name, Description.FullName())) return;
+  Description.Name = Name;
+  Description.Schema.clear();
 }
 
 void TUORecreateTable::MakeTemporary(TDicTableDescription& Description) const {

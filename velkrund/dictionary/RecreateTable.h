@@ -21,7 +21,7 @@ void KeepPhysicalName(TDicTableDescription& Description, const std::string& Phys
 
 /// Makes a table anew as its structure describes it, and carries its rows over: into a temporary table, which is
 /// committed, then back into the new one. The new table has no views, rights or other things around it but what the
-/// structure says.
+/// structure says, and an automatic key begins anew: whoever has no job around it sets the counter.
 ///
 /// Up to the moment when the old table is dropped, an error or a wish to stop leaves everything as it was. Run by
 /// itself, not within a transaction of the caller, the rows are LOST when an error comes after that, while the new
@@ -77,6 +77,7 @@ class TUORecreateTable : public TDatabaseUtilOperation {
  private:
   class TTemporary;
 
+  int Run();
   bool MayOverwrite();
   bool MaySaveData();
   bool AskYesNo(TYesNoAsk& Ask, std::string_view Key);
@@ -85,6 +86,8 @@ class TUORecreateTable : public TDatabaseUtilOperation {
   /// False: cancelled. Nothing is carried over then.
   bool FillTemporary();
   bool CopyRows(TTable& Old, TTable& New);
+  bool CopyRowsOfTable(TTable& Old, TTable& New);
+  void RefuseMissingFields(const TDicTableDescription& Table, TTable& Made) const;
   void CarryBLOBTables(TTableRowCopy& Copy, const TDicTableDescription& Table) const;
   void Rebuild();
   void RefuseTemporary() const;

@@ -31,6 +31,17 @@ TUORecreateTables::TUORecreateTables() { OverWrite.FYes = SaveData.FYes = true; 
 
 int TUORecreateTables::Execute() {
   FResults.clear();
+  FOverWrite.Assign(OverWrite);
+  FSaveData.Assign(SaveData);
+  FOverWrite.FCancel = FSaveData.FCancel = false;
+  try {
+    return RecreateAll();
+  } catch (const EAbort&) {
+    return 0;
+  }
+}
+
+int TUORecreateTables::RecreateAll() {
   for (int Index = 0; Index < TableNames.Count(); ++Index) {
     const std::string& Name = TableNames[Index];
     ShowProgress(Index, TableNames.Count(), Name);
@@ -42,15 +53,15 @@ int TUORecreateTables::Execute() {
 
 bool TUORecreateTables::Recreate(const std::string& Name, int Index) {
   FResults.push_back({.TableName = Name});
-  if (OverWrite.FAlwaysAsk && !IsTableDescExists(Name, DatabaseName)) return MayGoOnWithout(Name);
+  if (FOverWrite.FAlwaysAsk && !IsTableDescExists(Name, DatabaseName)) return MayGoOnWithout(Name);
   const std::unique_ptr<TUORecreateTable> Operation = OperationOf(Name, Index);
   if (BaseMng().TableExists(Name, DatabaseName, false)) {
     const auto TextOf = [&](std::string_view Key) { return Format(BaseMng().LString(Key), Name); };
-    const bool Goes = AskOfList(OverWrite, TextOf("M_Velkrund_DicUtils_RecreateOverwriteConfirm"), this);
-    if (OverWrite.FCancel) return false;
+    const bool Goes = AskOfList(FOverWrite, TextOf("M_Velkrund_DicUtils_RecreateOverwriteConfirm"), this);
+    if (FOverWrite.FCancel) return false;
     if (!Goes) return true;
-    Operation->SaveData.FYes = AskOfList(SaveData, TextOf("M_Velkrund_DicUtils_SaveDataAskConfirm"), this);
-    if (SaveData.FCancel) return false;
+    Operation->SaveData.FYes = AskOfList(FSaveData, TextOf("M_Velkrund_DicUtils_SaveDataAskConfirm"), this);
+    if (FSaveData.FCancel) return false;
   }
   Run(*Operation);
   return true;

@@ -46,6 +46,7 @@ class TUORecreateTables : public TDatabaseUtilOperation {
  private:
   class TOne;
 
+  int RecreateAll();
   /// False: an answer ends the list.
   bool Recreate(const std::string& Name, int Index);
   bool MayGoOnWithout(const std::string& Name);
@@ -54,6 +55,7 @@ class TUORecreateTables : public TDatabaseUtilOperation {
   TStringPairs MappingOf(const std::string& Name) const;
 
   std::vector<TResult> FResults;
+  TYesNoCancelAsk FOverWrite, FSaveData;  // with what was answered in this run
 };
 
 }  // namespace velkrund

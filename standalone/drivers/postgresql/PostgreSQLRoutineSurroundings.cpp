@@ -59,7 +59,11 @@ TPostgreSQLRoutineSurroundings::TFacts TPostgreSQLRoutineSurroundings::Read() co
 
 void TPostgreSQLRoutineSurroundings::Run(const std::string& Statement) const { FSession.Query(FWhat, Statement); }
 
-void TPostgreSQLRoutineSurroundings::SetAside() { FBefore = Read(); }
+/// Given to the owner that it has, it waits for others who change it, and keeps them out.
+void TPostgreSQLRoutineSurroundings::SetAside() {
+  Run(Format("ALTER ROUTINE %s OWNER TO %s", FName, Read().Owner));
+  FBefore = Read();
+}
 
 void TPostgreSQLRoutineSurroundings::PutBack(TPutBack) {
   const TFacts Now = Read();

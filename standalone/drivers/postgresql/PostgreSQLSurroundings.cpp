@@ -21,6 +21,11 @@ constexpr const char* HasColumnStatement =
     "SELECT EXISTS (SELECT FROM pg_attribute a WHERE a.attrelid = $1::regclass AND a.attname = $2::name "
     "AND NOT a.attisdropped)";
 
+/// Columns that it has from its parents alone; parts of a partitioned table keep that.
+constexpr const char* InheritedStatement =
+    "SELECT count(*) FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid WHERE a.attrelid = $1::oid "
+    "AND NOT a.attislocal AND NOT a.attisdropped AND NOT c.relispartition";
+
 std::string KindOf(const TTableInfo& Object) { return Object.Kind == TTableKind::View ? "view" : "table"; }
 
 std::vector<std::string> NumbersOf(const std::vector<TPostgreSQLView>& Views) {
@@ -55,6 +60,7 @@ void TPostgreSQLSurroundings::SetAside() {
   Lock();
   const TPostgreSQLLocalSetting Path(FSession, "search_path", EnginesOwnPath);
   const std::string Oid = Number();
+  FInherits = FSession.Query(FWhat, InheritedStatement, {Oid.c_str()}).Integer(0, 0) > 0;
   // Before the locks on views, which only their owners get: all that is in the way is named at once.
   Refuse(Oid);
   LockWith(Oid);
@@ -130,7 +136,13 @@ void TPostgreSQLSurroundings::PutBack(TPutBack How) {
     FGrants->PutBack(Number());
     PutBackStages(FRemaking.AfterRights, How);
   }
-  if (How == TPutBack::Whole) FillViews();
+  if (How == TPutBack::Rehearsed) return;
+  FillViews();
+  if (FInherits)
+    FRemarks.push_back(
+        Format("the fields that table '%s' has from its parents are its own now, too: they stay when a "
+               "parent drops them",
+               velkrund::FullName(FObject)));
 }
 
 void TPostgreSQLSurroundings::PutBackStages(const std::vector<TPostgreSQLRemadeStage>& Stages, TPutBack How) {

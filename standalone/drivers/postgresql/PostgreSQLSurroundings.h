@@ -48,6 +48,7 @@ class TPostgreSQLSurroundings final : public TSurroundings {
   TPostgreSQLRemaking FRemaking;
   std::unique_ptr<TPostgreSQLGrants> FGrants;
   std::unique_ptr<TPostgreSQLOwnedSequences> FSequences;
+  bool FInherits = false;  // fields of its parents
   std::vector<std::string> FRemarks;
 };
 

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -11,7 +12,8 @@ namespace {
 
 constexpr const char* What = "Cannot read the statements of a script";
 
-/// While it lives, statements that begin or end transactions, or reach other databases, are refused when they are read.
+/// While it lives, statements that begin or end transactions, reach other databases or set something of the engine are
+/// refused when they are read.
 class TOnlyWithinTransaction {
  public:
   explicit TOnlyWithinTransaction(sqlite3* Database) : FDatabase(Database) {
@@ -24,11 +26,19 @@ class TOnlyWithinTransaction {
   bool HasRefused() const { return FRefused; }
 
  private:
-  static int Decide(void* Self, int Action, const char*, const char*, const char*, const char*) {
+  static int Decide(void* Self, int Action, const char* Name, const char*, const char*, const char*) {
     const bool Refuses = Action == SQLITE_TRANSACTION || Action == SQLITE_SAVEPOINT || Action == SQLITE_ATTACH ||
-                         Action == SQLITE_DETACH;
+                         Action == SQLITE_DETACH || (Action == SQLITE_PRAGMA && !OnlyAsks(Name));
     if (Refuses) static_cast<TOnlyWithinTransaction*>(Self)->FRefused = true;
     return Refuses ? SQLITE_DENY : SQLITE_OK;
+  }
+
+  /// Many others change the connection as soon as they are read, and some the file past the transaction.
+  static bool OnlyAsks(std::string_view Pragma) {
+    constexpr std::string_view Asking[] = {"foreign_key_check", "foreign_key_list", "index_info",  "index_list",
+                                           "index_xinfo",       "integrity_check",  "quick_check", "table_info",
+                                           "table_list",        "table_xinfo"};
+    return std::find(std::begin(Asking), std::end(Asking), Pragma) != std::end(Asking);
   }
 
   sqlite3* const FDatabase;
@@ -62,7 +72,7 @@ std::unique_ptr<TSQLiteStatement> NextSQLiteStatement(sqlite3* Database, std::st
     if (!Refusals.HasRefused()) throw;
     throw EDatabaseError(Task +
                              ": it runs in a transaction of its caller, and can neither begin nor end one, nor reach "
-                             "other databases",
+                             "other databases, nor set what a PRAGMA sets",
                          Error.Info());
   }
   return nullptr;

@@ -84,6 +84,7 @@ void TSQLiteSurroundings::SetAside() {
   ReadTriggers();
   const bool IsTable = FObject.Kind != TTableKind::View;
   if (IsTable) {
+    FHighestRowNumber = HighestRowNumber();
     FBookkeeping.emplace(FDatabase, FObject.Name);
     FReferences.emplace(FConnection.Schema(), FObject);
   }
@@ -106,6 +107,10 @@ void TSQLiteSurroundings::PutBack(TPutBack How) {
   RebuildTextIndexes();
   if (FReferences) CheckReferences(How);
   CheckDependents();
+  if (How == TPutBack::Whole && FBookkeeping)
+    if (const std::string Now = HighestRowNumber();
+        !Now.empty() && !FHighestRowNumber.empty() && Now != FHighestRowNumber)
+      FRemarks.push_back(Format("the rows of table '%s' have other row numbers (rowid) now", FullName(FObject)));
   if (FProblems.empty()) return;
   throw EDatabaseError(
       Format("%s: the new one does not fit what stands around it: %s; change one or the other first", What(),
@@ -170,6 +175,18 @@ std::set<std::string> TSQLiteSurroundings::Fields() const {
   if (!ReasonAgainst("SELECT * FROM main." + QuoteStandardName(FObject.Name) + " LIMIT 0").empty()) return Result;
   for (const TColumnInfo& Column : FConnection.Schema().Describe(FObject).Columns)
     Result.insert(FoldedSQLiteName(Column.Name));
+  return Result;
+}
+
+/// Empty without rows, and where they have no numbers.
+std::string TSQLiteSurroundings::HighestRowNumber() const {
+  const std::string Statement = "SELECT max(rowid) FROM main." + QuoteStandardName(FObject.Name);
+  if (!ReasonAgainst(Statement).empty()) return {};
+  std::string Result;
+  const auto Rows = FConnection.Query(Statement);
+  TKvVariant Value;
+  if (Rows->Next()) Rows->Read(0, Value);
+  Value.AppendAsText(Result);
   return Result;
 }
 

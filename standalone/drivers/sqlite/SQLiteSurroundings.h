@@ -40,6 +40,7 @@ class TSQLiteSurroundings final : public TSurroundings {
   std::string ReasonAgainst(const std::string& Statement) const;
   std::string ReasonAgainst(const TTableInfo& TextIndex) const;
   std::set<std::string> Fields() const;
+  std::string HighestRowNumber() const;
   void ReadTriggers();
   void PutTriggersBack();
   void RebuildTextIndexes();
@@ -56,6 +57,7 @@ class TSQLiteSurroundings final : public TSurroundings {
   std::optional<TSQLiteBookkeeping> FBookkeeping;         // of a table
   std::optional<TSQLiteReferences> FReferences;           // of a table
   std::optional<TSQLiteDependents> FDependents;
+  std::string FHighestRowNumber;
   std::vector<std::string> FProblems;
   bool FLosesReferences = false;  // one of the problems is that
   std::vector<std::string> FRemarks;

@@ -79,7 +79,8 @@ void RedefineOrMakeAnew(const std::string& DatabaseName, const std::function<voi
       throw;
     } catch (const EDatabaseError& Error) {
       // What others do at the same time says nothing of the object.
-      if (Error.Info().Code != TErrorCode::Database) throw;
+      const TErrorCode Code = Error.Info().Code;
+      if (Code == TErrorCode::DatabaseBusy || Code == TErrorCode::Connection || Code == TErrorCode::DiskFull) throw;
       Reason = Error.what();
     }
   }

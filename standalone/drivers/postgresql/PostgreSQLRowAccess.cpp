@@ -59,6 +59,21 @@ std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDe
   return std::make_unique<TPostgreSQLAppender>(FSession, FSequences, Table, Columns, Options);
 }
 
+namespace {
+
+/// The engine cuts what such a type has no fields for, however a value comes.
+void RefuseCutIntervals(const TColumnInfo& From, const TColumnInfo& To, std::string_view What) {
+  constexpr std::string_view Interval = "interval ";
+  if (!To.DeclaredType.starts_with(Interval) || To.DeclaredType == From.DeclaredType) return;
+  throw EDatabaseError(
+      Format("%s: the engine would cut values of the type '%s' to fit field '%s' of the type '%s'; give "
+             "that the type interval",
+             What, From.DeclaredType, To.Name, To.DeclaredType),
+      {.Column = To.Name});
+}
+
+}  // namespace
+
 bool TPostgreSQLRowAccess::CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
                                          std::span<const TColumnPair> Pairs) {
   if (Pairs.empty() || Source.Table.Kind != TTableKind::Table || Target.Table.Kind != TTableKind::Table) return false;
@@ -71,6 +86,9 @@ bool TPostgreSQLRowAccess::CopiesExactly(const TTableDescription& Source, const 
     return PostgreSQLCopiesExactly(ColumnOf(From, Source.Columns[static_cast<std::size_t>(Pair.From)].Name, What),
                                    ColumnOf(To, Target.Columns[static_cast<std::size_t>(Pair.To)].Name, What), HasUtf8);
   };
+  for (const TColumnPair& Pair : Pairs)
+    RefuseCutIntervals(Source.Columns[static_cast<std::size_t>(Pair.From)],
+                       Target.Columns[static_cast<std::size_t>(Pair.To)], What);
   return std::all_of(Pairs.begin(), Pairs.end(), IsExact) && ActionsOnInsert(FSession, To.Oid, What).empty();
 }
 

@@ -11,6 +11,7 @@
 #include "standalone/drivers/sqlite/SQLiteWords.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
@@ -178,8 +179,10 @@ std::set<std::string> TSQLiteSurroundings::Fields() const {
   return Result;
 }
 
-/// Empty without rows, and where they have no numbers.
+/// Empty without rows, and where they have no numbers but those that a column shows.
 std::string TSQLiteSurroundings::HighestRowNumber() const {
+  for (const TColumnInfo& Column : FConnection.Schema().Describe(FObject).Columns)
+    if (Column.KeyPosition == 1 && SameAsciiWord(Column.DeclaredType, "INTEGER")) return {};
   const std::string Statement = "SELECT max(rowid) FROM main." + QuoteStandardName(FObject.Name);
   if (!ReasonAgainst(Statement).empty()) return {};
   std::string Result;

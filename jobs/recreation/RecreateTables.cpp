@@ -7,7 +7,6 @@
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/dictionary/Dictionary.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
@@ -33,29 +32,6 @@ std::string Quoted(const std::vector<std::string>& Names) {
   std::vector<std::string> Result;
   for (const std::string& Name : Names) Result.push_back(Format("'%s'", Name));
   return Joined(Result);
-}
-
-std::vector<std::string> FieldNames(const TTableDescription& Table) {
-  std::vector<std::string> Result;
-  for (const TColumnInfo& Column : Table.Columns) Result.push_back(Column.Name);
-  return Result;
-}
-
-std::vector<std::string> FieldNames(const TDicTableDescription& Table) {
-  std::vector<std::string> Result;
-  for (const TDicField& Field : Table.Fields) Result.push_back(Field.Name);
-  return Result;
-}
-
-bool Has(const std::vector<std::string>& Names, const std::string& Name) {
-  return std::any_of(Names.begin(), Names.end(), [&](const std::string& Each) { return SameText(Each, Name); });
-}
-
-/// Text behind "Prefix."; empty when it does not begin so.
-std::string Behind(const std::string& Prefix, const std::string& Text) {
-  const bool Begins =
-      Text.size() > Prefix.size() + 1 && Text[Prefix.size()] == '.' && SameText(Text.substr(0, Prefix.size()), Prefix);
-  return Begins ? Text.substr(Prefix.size() + 1) : std::string();
 }
 
 /// While it lives, nobody is told what takes its time.
@@ -97,7 +73,7 @@ class TThis::TList final : public TUORecreateTables {
 void TThis::Forget() {
   TRecreationJob::Forget();
   FTables.clear();
-  FUsed.assign(Mapping.size(), false);
+  FMapping.emplace(Mapping, DatabaseName);
 }
 
 bool TThis::Exists(const TRecreation& Item) {
@@ -126,7 +102,7 @@ void TThis::Prepare(const std::string& Name, TNotes Notes) {
   Table.Info = Connection().Schema().FindTable(Name);
   if (!Table.Info) return;
   KeepPhysicalName(Table.New, FullName(*Table.Info));
-  TakeMapping(Name, Connection().Schema().Describe(*Table.Info), Table);
+  FMapping->Take(Name, Connection().Schema().Describe(*Table.Info), Table.New, Table.Fields, Table.Inside);
   CheckRows(Name, Table, Notes);
 }
 
@@ -142,16 +118,17 @@ std::unique_ptr<TSurroundings> TThis::Locked(const std::string& Name) {
   return Connection().Surroundings(*Table.Info, Table.Fields);
 }
 
-/// What maps nothing is a slip, and would leave values behind. Tables that are left out may be meant, too.
+/// Tables that are left out may be meant by the mapping, too.
 void TThis::CheckAll() {
   for (const TRecreation& Item : Items()) {
     const std::optional<TTableInfo> There = Connection().Schema().FindTable(Item.Structure.Name);
     TTable LeftOut;
-    if (Item.State != TItemState::LeftOut || !There) continue;
+    if (Item.State == TItemState::NotReached || !There) continue;
     if (Dictionary().GetDicTable(DatabaseName).GetTableInfo(Item.Structure.Name, LeftOut.New))
-      TakeMapping(Item.Structure.Name, Connection().Schema().Describe(*There), LeftOut);
+      FMapping->Take(Item.Structure.Name, Connection().Schema().Describe(*There), LeftOut.New, LeftOut.Fields,
+                     LeftOut.Inside);
   }
-  CheckMapping();
+  FMapping->RefuseUnused();
 }
 
 void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes) {
@@ -181,56 +158,6 @@ void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes
         {.Table = Name, .Column = Changes.Unfilled.front()});
 }
 
-void TThis::TakeMapping(const std::string& Name, const TTableDescription& Old, TTable& Table) {
-  const std::vector<std::string> OldNames = FieldNames(Old), NewNames = FieldNames(Table.New);
-  const auto OldOf = [&](const std::string& Given) {
-    const std::string OfTable = Behind(Name, Given);
-    return OfTable.empty() ? Given : OfTable;
-  };
-  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
-    const std::string From = OldOf(Mapping[Index].first);
-    if (!Has(OldNames, From) || !Has(NewNames, Mapping[Index].second)) continue;
-    Table.Fields.emplace_back(From, Mapping[Index].second);
-    FUsed[Index] = true;
-  }
-  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
-    const std::string From = OldOf(Mapping[Index].first);
-    if (!Has(OldNames, From) && TakeInside(Name, From, Mapping[Index].second, Table)) FUsed[Index] = true;
-  }
-}
-
-/// Old: a field inside a BLOB field, "PICTURES.SIZE". False when no structure describes such an inside.
-bool TThis::TakeInside(const std::string& Name, const std::string& Old, const std::string& New, TTable& Table) {
-  const std::size_t Stop = Old.find('.');
-  if (Stop == Old.npos) return false;
-  std::string Field = Old.substr(0, Stop);
-  for (const auto& [Before, After] : Table.Fields)
-    if (SameText(Before, Field)) {
-      Field = After;
-      break;
-    }
-  TDicTableDescription Inside;
-  if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Name + "." + Field, Inside)) return false;
-  if (!Has(FieldNames(Table.New), Field) || !Has(FieldNames(Inside), New)) return false;
-  TBLOBFieldMapping* const Known = Table.Inside.GetMappingByField(Field);
-  (Known ? *Known : Table.Inside.Add(Field)).Mapping.emplace_back(Old.substr(Stop + 1), New);
-  return true;
-}
-
-void TThis::CheckMapping() const {
-  for (std::size_t Index = 0; Index < Mapping.size(); ++Index) {
-    if (FUsed[Index]) continue;
-    const auto& [Old, New] = Mapping[Index];
-    std::vector<std::string> Fields;
-    for (const auto& [Name, Table] : FTables)
-      for (const std::string& Field : FieldNames(Table.New)) Fields.push_back(Field);
-    throw ESettingsError(
-        Format("%s '%s=%s' fits no table: the table has to have a field '%s', and its structure a "
-               "field '%s'%s",
-               Setting("Mapping"), Old, New, Old, New, ContentHint(New, Fields, "; it has ")));
-  }
-}
-
 void TThis::SetUp(TUORecreateTable& Operation) {
   TTable& Table = Prepared(Operation.TableName);
   Operation.FieldMapping = Table.Fields;
@@ -241,13 +168,13 @@ void TThis::SetUp(TUORecreateTable& Operation) {
 
 /// Tables that it refers to, and that are made too, come first.
 void TThis::AddBehindParents(const std::string& Name, std::vector<std::string>& Meant, int Depth) {
-  if (Has(Meant, Name)) return;
+  if (HasName(Meant, Name)) return;
   for (const TDicForeignKey& Key : Prepared(Name).New.ForeignKeys) {
     const TRecreation* const Parent = Find({TableObjectType, UpperCase(Key.FullTable())});
     const bool IsMade = Parent && Parent->State == TItemState::NotReached && !SameText(Parent->Structure.Name, Name);
     if (IsMade && Depth < static_cast<int>(Items().size())) AddBehindParents(Parent->Structure.Name, Meant, Depth + 1);
   }
-  if (!Has(Meant, Name)) Meant.push_back(Name);
+  if (!HasName(Meant, Name)) Meant.push_back(Name);
 }
 
 /// An engine may take a key to a table that is not there, and then no row.

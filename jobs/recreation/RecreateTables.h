@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jobs/recreation/GivenMapping.h"
 #include "jobs/recreation/RecreationJob.h"
 #include "velkrund/dictionary/RecreateTables.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
@@ -51,13 +52,10 @@ class TJobRecreateTables final : public TRecreationJob {
     std::int64_t Rows = 0;  // that it has
   };
 
-  void TakeMapping(const std::string& Name, const TTableDescription& Old, TTable& Table);
-  bool TakeInside(const std::string& Name, const std::string& Old, const std::string& New, TTable& Table);
   enum class TNotes { Later, Now };
   void Prepare(const std::string& Name, TNotes Notes);
   void CheckRows(const std::string& Name, const TTable& Table, TNotes Notes);
   std::unique_ptr<TSurroundings> Locked(const std::string& Name);
-  void CheckMapping() const;
   void CheckReferences(const std::string& Name, const TTable& Table);
   void AddBehindParents(const std::string& Name, std::vector<std::string>& Meant, int Depth = 0);
   TTable& Prepared(const std::string& Name);
@@ -70,8 +68,8 @@ class TJobRecreateTables final : public TRecreationJob {
   void AddSteps(const std::string& Name, TAllowedGaps& Gaps);
 
   std::map<std::string, TTable> FTables;  // by name of structure in upper case
-  std::vector<bool> FUsed;                // of the mapping
-  std::string FAt;                        // the table at hand
+  std::optional<TGivenMapping> FMapping;
+  std::string FAt;  // the table at hand
 };
 
 using TJobRecreateTablesInterface = TJobInterface<TJobRecreateTables>;

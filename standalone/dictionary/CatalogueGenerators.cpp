@@ -46,6 +46,14 @@ TKvVariant CellOf(const std::optional<std::string>& Text, std::int64_t Number) {
   return Text ? NumberCell(Number) : TKvVariant();
 }
 
+/// Of one that gives out Start next.
+std::int64_t ValueBefore(const std::string& Name, std::int64_t Start, const TGeneratorRange& Range) {
+  if (!Range.Takes(Start))
+    throw EDatabaseError(
+        Format("The generator '%s' cannot go on with %d: it counts from %d to %d", Name, Start, Range.Min, Range.Max));
+  return Before(Name, Start, Range.Step);
+}
+
 }  // namespace
 
 std::unique_ptr<TCursor> TCatalogueGenerators::Select(const char* Columns, const std::string* Key) {
@@ -88,7 +96,7 @@ void TCatalogueGenerators::Create(const TDicGeneratorDescription& Generator, std
       Format("INSERT INTO %s (name_key, %s, last_value) VALUES (%sNULL)", Kept().Name, DescriptionColumns, Marks),
       Cells);
   // What it counts from stays as described; a later start is where it stands.
-  if (Start) SetValue(Generator, Before(Name, *Start, Range.Step));
+  if (Start) SetValue(Generator, ValueBefore(Name, *Start, Range));
 }
 
 void TCatalogueGenerators::Alter(const TDicGeneratorDescription& There, const TDicGeneratorDescription& Generator,
@@ -106,7 +114,7 @@ void TCatalogueGenerators::Alter(const TDicGeneratorDescription& There, const TD
           Kept().Name, Dialect.ParameterMark(1), Dialect.ParameterMark(2), Dialect.ParameterMark(3),
           Dialect.ParameterMark(4), Dialect.ParameterMark(5), Dialect.ParameterMark(6)),
       Cells);
-  if (Start) return SetValue(Generator, Before(Name, *Start, Range.Step));
+  if (Start) return SetValue(Generator, ValueBefore(Name, *Start, Range));
   // Refused where it cannot stand there any more.
   if (const std::optional<std::int64_t> Last = LastValue(Generator)) return SetValue(Generator, *Last);
   const std::int64_t First = RangeOf(Name, There.Counter).Start;

@@ -236,6 +236,36 @@ TEST_F(TRecreateObjectsTest, ViewsComeInAnyOrder) {
                         [&](const std::string& Statements) { Query("from.db", Statements); });
 }
 
+TEST_F(TRecreateObjectsTest, AllKindsComeInOneRunOnSQLite) {
+  const auto Structure = [](int Type, const std::string& Name, const std::string& Tree) {
+    return "[SECTION]\r\nName = " + Name +
+           "\r\nType = DSPStructure\r\nVersion = 200\r\nObjectType = " + std::to_string(Type) +
+           "\r\nObjectName = " + Name + "\r\nTableName = \r\nParentObject = \r\nRootNode = " +
+           "\r\n[DATA]\r\n [REMARKS]\r\n  \r\n [TREE]\r\n  Layout:integer = 1\r\n  Name:string = '" + Name + "'\r\n" +
+           Tree + "[END]\r\n";
+  };
+  const auto Lines = [](const std::string& Line) {
+    return "  sqlite:integer = 1\r\n    L:string = '" + Line + "'\r\n";
+  };
+  Query("db", "CREATE TABLE t (a INTEGER)");
+  Write("f.eif", Structure(73, "P", Lines("INSERT INTO t SELECT count(*) FROM A")) +
+                     Structure(72, "A", Lines("SELECT a FROM B")) + Structure(72, "B", Lines("SELECT a FROM t")) +
+                     Structure(71, "G", "  Step:string = '5'\r\n"));
+  TOutcome Outcome = Run({"import", "file", "-d", "sqlite:db", "-i", "f.eif", "--create-tables", "yes"});
+  EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+  EXPECT_THAT(Outcome.Errors,
+              HasSubstr("made 4 objects: the procedure 'P', the view 'A', the view 'B', the generator 'G'\n"));
+  EXPECT_EQ(Run({"database", "run-procedure", "-d", "sqlite:db", "P"}).ExitCode, 0);
+  EXPECT_EQ(Query("db", "SELECT a FROM A"), "0");
+  EXPECT_EQ(Run({"recreate", "procedure", "-d", "sqlite:db", "P", "--overwrite", "yes"}).Errors, "recreated P (73)\n");
+  EXPECT_EQ(Run({"recreate", "generator", "-d", "sqlite:db", "G", "--overwrite", "yes", "--start-value", "6"}).Errors,
+            "recreated G (71)\n");
+  EXPECT_EQ(Query("db", "SELECT last_value, step FROM velkrund_generators"), "1|5");
+  // What is left alone by an answer stays.
+  Outcome = Run({"recreate", "views", "-d", "sqlite:db", "A", "B", "--overwrite", "no"});
+  EXPECT_EQ(Outcome.Errors, "left out A (72): it is there already\nleft out B (72): it is there already\n");
+}
+
 TEST_F(TRecreateObjectsTest, ViewsComeInAnyOrderOnPostgreSQL) {
   TPostgreSQLDatabase First, From, To;
   ViewsInTheWorstOrder(First.Url(), [&](const std::string& Statements) { First.Run(Statements); });

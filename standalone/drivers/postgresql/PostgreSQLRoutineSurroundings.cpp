@@ -14,7 +14,7 @@ namespace {
 /// Of the routine $2 in the schema $1.
 constexpr const char* FactsStatement =
     "SELECT p.oid, pg_catalog.quote_ident(pg_catalog.pg_get_userbyid(p.proowner)), "
-    "pg_catalog.obj_description(p.oid, 'pg_proc') FROM pg_catalog.pg_proc p "
+    "pg_catalog.obj_description(p.oid, 'pg_proc'), p.prosecdef FROM pg_catalog.pg_proc p "
     "JOIN pg_catalog.pg_namespace n ON n.oid = p.pronamespace "
     "WHERE n.nspname = $1::pg_catalog.text AND p.proname = $2::pg_catalog.text";
 
@@ -48,7 +48,7 @@ TPostgreSQLRoutineSurroundings::TFacts TPostgreSQLRoutineSurroundings::Read() co
                      {FSession.Dialect().SchemaOf(FRoutine).c_str(), FRoutine.Name.c_str()});
   if (Facts.RowCount() != 1) throw EDatabaseError(Format("%s: it is not the only one of its name", FWhat));
   const std::string Oid = Facts.Copy(0, 0);
-  TFacts Result{Facts.Copy(0, 1), Facts.Copy(0, 2), {}, {}};
+  TFacts Result{Facts.Copy(0, 1), Facts.Copy(0, 2), Facts.Boolean(0, 3), {}, {}};
   const TPostgreSQLResult Rights = FSession.Query(FWhat, CatalogueStatement(RightsStatement), {Oid.c_str()});
   for (int Row = 0; Row < Rights.RowCount(); ++Row)
     Result.Rights.push_back({Rights.Copy(Row, 0), Rights.Copy(Row, 1), Rights.Boolean(Row, 2)});
@@ -59,9 +59,10 @@ TPostgreSQLRoutineSurroundings::TFacts TPostgreSQLRoutineSurroundings::Read() co
 
 void TPostgreSQLRoutineSurroundings::Run(const std::string& Statement) const { FSession.Query(FWhat, Statement); }
 
-/// Given to the owner that it has, it waits for others who change it, and keeps them out.
+/// Rights are changed without a lock. A change that changes nothing waits for those of others and fails behind one that
+/// was committed; then it keeps them out.
 void TPostgreSQLRoutineSurroundings::SetAside() {
-  Run(Format("ALTER ROUTINE %s OWNER TO %s", FName, Read().Owner));
+  Run(Format("ALTER ROUTINE %s SECURITY %s", FName, Read().IsDefiner ? "DEFINER" : "INVOKER"));
   FBefore = Read();
 }
 

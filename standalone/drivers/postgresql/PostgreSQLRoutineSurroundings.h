@@ -32,6 +32,7 @@ class TPostgreSQLRoutineSurroundings final : public TSurroundings {
   struct TFacts {
     std::string Owner;  // quoted
     std::string Comment;
+    bool IsDefiner = false;  // runs with the rights of its owner
     std::vector<TRight> Rights;
     std::map<std::string, std::string> Settings;  // by name: "SET search_path TO 'a'"
   };

@@ -98,8 +98,8 @@ void TThis::Prepare(const std::string& Name, TNotes Notes) {
   TTable& Table = Prepared(Name) = {};
   if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Name, Table.New))
     throw EDatabaseError(Format("The structure of table '%s' cannot be read", Name));
-  CheckReferences(Name, Table);
   Table.Info = Connection().Schema().FindTable(Name);
+  CheckReferences(Name, Table);
   if (!Table.Info) return;
   KeepPhysicalName(Table.New, FullName(*Table.Info));
   FMapping->Take(Name, Connection().Schema().Describe(*Table.Info), Table.New, Table.Fields, Table.Inside);
@@ -177,11 +177,15 @@ void TThis::AddBehindParents(const std::string& Name, std::vector<std::string>& 
   if (!HasName(Meant, Name)) Meant.push_back(Name);
 }
 
-/// An engine may take a key to a table that is not there, and then no row.
+/// An engine may take a key to a table that is not there, and then no row. What was so before stays so.
 void TThis::CheckReferences(const std::string& Name, const TTable& Table) {
+  std::vector<std::string> Before;
+  if (Table.Info)
+    for (const TDicForeignKey& Key : Connection().Definitions().Table(*Table.Info, {}).ForeignKeys)
+      Before.push_back(Key.FullTable());
   for (const TDicForeignKey& Key : Table.New.ForeignKeys) {
     const std::string To = Key.FullTable();
-    if (Connection().Schema().FindTable(To) || Find({TableObjectType, UpperCase(To)})) continue;
+    if (Connection().Schema().FindTable(To) || Find({TableObjectType, UpperCase(To)}) || HasName(Before, To)) continue;
     const TScriptGap Gap{"references", Format("the foreign key of table '%s' to the table '%s'", Name, To),
                          "that table is not in the database"};
     if (!InstalledDictionary().Gaps().Allows(Gap)) throw EGap({Gap});

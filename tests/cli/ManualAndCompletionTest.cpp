@@ -36,7 +36,7 @@ TEST_F(TManualTest, HasEveryCommandAndEveryOptionThatHelpShows) {
   const std::vector<TArguments> Commands = CommandsOf(Run({"--help"}).Output);
   ASSERT_GE(Commands.size(), 13U);
   for (const TArguments& Command : Commands) {
-    const std::string Title = ".SS " + Command[0] + " " + Command[1] + "\n";
+    const std::string Title = ".SS " + Command[0] + " " + std::regex_replace(Command[1], std::regex("-"), "\\-") + "\n";
     const std::size_t Begin = Page.find(Title);
     ASSERT_NE(Begin, std::string::npos) << Title;
     const std::string Text = Page.substr(Begin, Page.find("\n.S", Begin) - Begin) + Page.substr(General);

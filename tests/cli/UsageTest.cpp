@@ -81,7 +81,7 @@ TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
 
 TEST_F(TUsageTest, HelpAndVersionGoToStandardOutput) {
   const TWrongLine Lines[] = {
-      {{"--help"}, "export table        saves"},
+      {{"--help"}, "export table            saves"},
       {{"file", "--help"}, "file remove"},
       {{"export", "table", "--help"}, "--overwrite ask|yes|no"},
       {{"import", "table", "-h"}, "--missing-fields skip|error"},

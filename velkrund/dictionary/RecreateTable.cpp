@@ -176,6 +176,7 @@ bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
   };
   TTableRowCopy Copy(
       Old, New, [&](const std::string& Name) { return IsComputed(Name) ? std::string() : FindFieldMapping(Name); });
+  if (New.Record().FieldCount() == 0 && !Old.HasRecords()) return true;
   RefuseMissingFields(Table, New);
   CarryBLOBTables(Copy, Table);
   const auto Show = [this](std::int64_t Rows) {

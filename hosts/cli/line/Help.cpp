@@ -42,7 +42,7 @@ std::string ProgramHelp(const TCommands& Commands, const TOptionGroup& General, 
   for (const auto& Command : Commands) {
     const TCommandTexts& Texts = Command->Texts();
     if (!Verb.empty() && Texts.Verb != Verb) continue;
-    Result += "  " + Padded(Format("%s %s", Texts.Verb, Texts.Object), 20) + std::string(Texts.Summary) + "\n";
+    Result += "  " + Padded(Format("%s %s", Texts.Verb, Texts.Object), 24) + std::string(Texts.Summary) + "\n";
   }
   Result += GroupHelp(General);
   Result +=

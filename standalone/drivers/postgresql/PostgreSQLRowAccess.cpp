@@ -61,13 +61,15 @@ std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDe
 
 namespace {
 
-/// The engine cuts what such a type has no fields for, however a value comes.
-void RefuseCutIntervals(const TColumnInfo& From, const TColumnInfo& To, std::string_view What) {
-  constexpr std::string_view Interval = "interval ";
-  if (!To.DeclaredType.starts_with(Interval) || To.DeclaredType == From.DeclaredType) return;
+/// Of some types the engine takes the text of another one and cuts it to fit.
+void RefuseCuts(const TColumnInfo& From, const TColumnInfo& To, std::string_view What) {
+  const auto IsMadeOfOthers = [](std::string_view Type) {
+    return Type.ends_with("[]") || Type.ends_with("range") || Type.starts_with("interval ");
+  };
+  if (From.DeclaredType == To.DeclaredType || !IsMadeOfOthers(To.DeclaredType)) return;
   throw EDatabaseError(
-      Format("%s: the engine would cut values of the type '%s' to fit field '%s' of the type '%s'; give "
-             "that the type interval",
+      Format("%s: the engine would cut values of the type '%s' to fit field '%s' of the type '%s'; let it "
+             "keep its type, or make it text",
              What, From.DeclaredType, To.Name, To.DeclaredType),
       {.Column = To.Name});
 }
@@ -87,8 +89,8 @@ bool TPostgreSQLRowAccess::CopiesExactly(const TTableDescription& Source, const 
                                    ColumnOf(To, Target.Columns[static_cast<std::size_t>(Pair.To)].Name, What), HasUtf8);
   };
   for (const TColumnPair& Pair : Pairs)
-    RefuseCutIntervals(Source.Columns[static_cast<std::size_t>(Pair.From)],
-                       Target.Columns[static_cast<std::size_t>(Pair.To)], What);
+    RefuseCuts(Source.Columns[static_cast<std::size_t>(Pair.From)], Target.Columns[static_cast<std::size_t>(Pair.To)],
+               What);
   return std::all_of(Pairs.begin(), Pairs.end(), IsExact) && ActionsOnInsert(FSession, To.Oid, What).empty();
 }
 

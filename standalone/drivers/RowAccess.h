@@ -32,7 +32,8 @@ class TRowAccess {
   virtual std::unique_ptr<TBulkAppender> OpenAppender(const TTableDescription& Table, std::span<const int> Columns,
                                                       const TAppendOptions& Options) = 0;
 
-  /// Whether CopyRows makes of every value what OpenAppender makes of what OpenCursor reads, or refuses the same ones.
+  /// EDatabaseError where the engine would cut values on any way. Whether CopyRows makes of every value what
+  /// OpenAppender makes of what OpenCursor reads, or refuses the same ones.
   virtual bool CopiesExactly(const TTableDescription& Source, const TTableDescription& Target,
                              std::span<const TColumnPair> Pairs) = 0;
   /// By one statement, in the order in which the rows stand. Columns of Target that are not named get their default;

@@ -139,7 +139,12 @@ TEST_P(DriverRowCopyTest, WhatIsCopiedExactlyIsWhatRecordsMakeOfIt) {
     for (std::size_t To = 0; To < Targets.size(); ++To) {
       const TTableDescription& Target = Targets[To];
       const TColumnPair Pairs[] = {{IndexOf(Source, "c"), IndexOf(Target, "c")}};
-      const bool IsExact = Connection->Rows().CopiesExactly(Source, Target, Pairs);
+      bool IsExact = false;
+      const std::string Refused = ErrorOf([&] { IsExact = Connection->Rows().CopiesExactly(Source, Target, Pairs); });
+      if (Refused != "no error") {
+        EXPECT_THAT(Refused, HasSubstr("the engine would cut values"));
+        continue;
+      }
       const std::string Both = Stock.Types[From] + " > " + Stock.Types[To];
       if (From == To && !IsExact) InDoubt.push_back(Stock.Types[From]);
       if (From != To && IsExact) Exact.push_back(Both);

@@ -50,7 +50,9 @@ TEST(Arguments, TextsBecomeValuesOfTheParametersType) {
     Procedure.Name = "P";
     Procedure.Parameters = {{.Name = "A", .Type = Type}};
     std::string Found;
-    const std::string Error = ErrorOf([&] { Found = Shown(*ArgumentsOf(Procedure, {{{"a", Text}}, {}}).at(0)); });
+    const std::string Error = ErrorOf([&, &Given = Text] {
+      Found = Shown(*ArgumentsOf(Procedure, {{{"a", Given}}, {}}).at(0));
+    });
     EXPECT_EQ(Found, Value) << Text << ": " << Error;
     EXPECT_THAT(Error, HasSubstr(Value.empty() ? "is no value for its parameter 'A', which takes " : "no error"));
   }

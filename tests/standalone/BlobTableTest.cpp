@@ -142,8 +142,8 @@ TEST_F(BlobTableTest, WhatCouldNotBeReadAgainIsNotWritten) {
     TBLOBTable::TFields Asked;
     const char* Says;
   } Tables[] = {{{}, "has no fields"}, {{{"A", TKvKind::Null}, {"A", TKvKind::Null}}, "twice"}};
-  for (const auto& [Asked, Says] : Tables)
-    EXPECT_THAT(ErrorOf([&] { Manager.NewBLOBTable("T", Asked); }), HasSubstr(Says));
+  for (const auto& Table : Tables)
+    EXPECT_THAT(ErrorOf([&] { Manager.NewBLOBTable("T", Table.Asked); }), HasSubstr(Table.Says));
 
   const TKvVariant Values[] = {Integer(256, TKvKind::Byte), MakeValue([](TKvVariant& Value) { Value.SetSysTime(-1); }),
                                MakeValue([](TKvVariant& Value) { Value.SetDateTime({INT64_MAX}); })};

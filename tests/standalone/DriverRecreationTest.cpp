@@ -82,12 +82,12 @@ class DriverRecreationTest : public testing::TestWithParam<TEngine> {
     Table.Keys = {{.Primary = true, .Columns = {{"ID"}}}};
     Table.Indexes = {{.Name = "T_NAME", .Columns = {{"NAME"}}}};
     Store();
-    SetUp(Single);
-    SetUp(List);
+    Watch(Single);
+    Watch(List);
     Single.TableName = "t";
     List.TableNames = TStringList{"t"};
   }
-  void SetUp(TDatabaseUtilOperation& Operation) {
+  void Watch(TDatabaseUtilOperation& Operation) {
     Operation.DatabaseName = Url;
     Operation.FOnWriteLog = [this](std::string_view Text, TTraceLevel Level) {
       std::string Line(Text);

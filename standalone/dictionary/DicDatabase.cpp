@@ -1,5 +1,6 @@
 #include "standalone/dictionary/DicDatabase.h"
 
+#include <algorithm>
 #include <functional>
 
 #include "standalone/dictionary/ForeignText.h"
@@ -64,6 +65,14 @@ TDescription InPlaceOf(const TDicObjectDescription& There, TDescription Describe
   Described.Name = There.Name;
   Described.Schema = There.Schema;
   return Described;
+}
+
+/// A view that is redefined keeps its triggers, with what hangs on them.
+TDicViewDescription WithoutTriggersOf(const TDicViewDescription& There, TDicViewDescription View) {
+  std::erase_if(View.Triggers, [&](const TDicTrigger& Trigger) {
+    return std::find(There.Triggers.begin(), There.Triggers.end(), Trigger) != There.Triggers.end();
+  });
+  return View;
 }
 
 /// Redefined where the engine can, so that what hangs on it stays; else dropped, and made again.
@@ -191,7 +200,8 @@ void TStandaloneDicDatabase::ReplaceView(const TDicViewDescription& View, const 
   const auto Around = Target.Surroundings(There, {});
   const bool CanRedefine = Target.Capabilities().RedefinesViews && !Before.Materialized && !View.Materialized;
   RedefineOrMakeAnew(
-      FDatabaseName, CanRedefine ? [&] { MakeView(After, true, Verify); } : std::function<void()>(),
+      FDatabaseName,
+      CanRedefine ? [&] { MakeView(WithoutTriggersOf(Before, After), true, Verify); } : std::function<void()>(),
       [&] {
         Around->SetAside();
         Target.Execute(Target.Scripts().DropView(Before));

@@ -6,6 +6,7 @@
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "standalone/drivers/TextLines.h"
 #include "standalone/structures/StructureStore.h"
+#include "tests/standalone/PostgreSQLFixture.h"
 #include "tests/standalone/Support.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
@@ -75,6 +76,27 @@ TEST_F(PostgreSQLRecreationTest, GeneratorsAndViewsKeepOwnerRightsAndComments) {
   EXPECT_EQ(State(), Before);
   EXPECT_EQ(Raw.Rows("SELECT nextval('\"G\"'), max_value, data_type FROM pg_sequences"), "5\t900\tsmallint\n");
   EXPECT_EQ(Raw.Rows("SELECT count(*) FROM pg_attribute WHERE attrelid = '\"V\"'::regclass"), "2\n");
+}
+
+TEST_F(PostgreSQLRecreationTest, ViewsKeepTheirTriggersAndChangeThoseThatAreOthers) {
+  Run("CREATE VIEW \"V\" AS SELECT \"A\" FROM \"T\"; CREATE FUNCTION fire() RETURNS trigger LANGUAGE plpgsql AS "
+      "'BEGIN RETURN NEW; END'; CREATE TRIGGER same INSTEAD OF DELETE ON \"V\" FOR EACH ROW EXECUTE FUNCTION fire(); "
+      "CREATE TRIGGER other INSTEAD OF INSERT ON \"V\" FOR EACH ROW EXECUTE FUNCTION fire(); "
+      "COMMENT ON TRIGGER same ON \"V\" IS 'commented'");
+  const auto Triggers = [&] {
+    return Raw.Rows(
+        "SELECT tgname, tgtype & 4 <> 0, tgtype & 8 <> 0, obj_description(oid, 'pg_trigger') IS NOT NULL "
+        "FROM pg_trigger WHERE tgrelid = '\"V\"'::regclass ORDER BY 1");
+  };
+  EXPECT_EQ(Triggers(), "other\tt\tf\tf\nsame\tf\tt\tt\n");
+  TDicViewDescription View = Connect(Url)->Definitions().View({"V", "", TTableKind::View});
+  for (TDicTrigger& Trigger : View.Triggers)
+    if (Trigger.Name == "other")
+      Trigger.Words["postgresql"].Lines = {
+          "CREATE TRIGGER other INSTEAD OF DELETE ON \"V\" FOR EACH ROW EXECUTE FUNCTION fire()"};
+  StoreDescription(Url, View);
+  Objects.CreateView("V", true, true);
+  EXPECT_EQ(Triggers(), "other\tf\tt\tf\nsame\tf\tt\tt\n");
 }
 
 TEST_F(PostgreSQLRecreationTest, FunctionsKeepWhatBelongsToThem) {

@@ -97,8 +97,8 @@ FROM pg_constraint k WHERE k.confrelid = $1 AND k.contype = 'f' AND EXISTS (SELE
 UNION ALL
 SELECT format('the foreign key %s of %s is switched off; let it be checked again first (ENABLE TRIGGER ALL)',
   quote_ident(k.conname), k.conrelid::regclass)
-FROM hanging h JOIN pg_constraint k ON h.kind = 'key' AND k.oid = h.o
-WHERE EXISTS (SELECT FROM pg_trigger t WHERE t.tgconstraint = k.oid AND t.tgisinternal AND t.tgenabled <> 'O')
+FROM pg_constraint k WHERE (k.contype = 'f' AND k.conrelid = $1 OR k.oid IN (SELECT h.o FROM hanging h WHERE h.kind = 'key'))
+AND EXISTS (SELECT FROM pg_trigger t WHERE t.tgconstraint = k.oid AND t.tgisinternal AND t.tgenabled <> 'O')
 UNION ALL
 SELECT format('the event trigger %s watches all that is dropped and made; switch it off first (ALTER EVENT TRIGGER ... DISABLE)',
   quote_ident(v.evtname)) FROM pg_event_trigger v WHERE v.evtenabled <> 'D' AND v.evtevent <> 'login'

@@ -162,6 +162,8 @@ constexpr std::string_view Tablespaces = R"(
 SELECT 'the tablespace of ' || c.name, c.need, format('tablespace %s of %s', c.place, c.name),
   format('ALTER %s %s SET TABLESPACE %I', c.kind, c.name, c.place), ''
 FROM (SELECT r.name, '' AS need, 'TABLE' AS kind, PLACE(r.reltablespace) AS place FROM rels r WHERE r.relkind = 'r'
+  UNION ALL SELECT r.name, FACT(r.tableoid, r.oid, 0), 'MATERIALIZED VIEW', PLACE(r.reltablespace)
+  FROM rels r WHERE r.relkind = 'm' AND r.oid = $1
   UNION ALL SELECT format('%I.%I', n.nspname, x.relname), FACT(x.tableoid, x.oid, 0), 'INDEX', PLACE(x.reltablespace)
   FROM rels r JOIN pg_index i ON i.indrelid = r.oid JOIN pg_class x ON x.oid = i.indexrelid AND x.relkind = 'i'
   JOIN pg_namespace n ON n.oid = x.relnamespace WHERE r.relkind IN ('r', 'm')) c)";

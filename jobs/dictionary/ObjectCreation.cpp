@@ -47,26 +47,12 @@ std::vector<TScriptStatement> StatementsOf(const TConnection& Connection, const 
 
 }  // namespace
 
-bool ObjectExists(const std::string& DatabaseName, int ObjectType, const std::string& Name) {
-  TDicDatabase& Database = DicDBContainer().Database(DatabaseName);
-  switch (ObjectType) {
-    case GeneratorObjectType:
-      return Database.GeneratorExist(Name);
-    case ViewObjectType:
-      return Database.ViewExist(Name);
-    case ExecStoredProcObjectType:
-      return Database.ExecStoredProcExist(Name);
-    default:
-      return Database.SelectStoredProcExist(Name);
-  }
-}
-
 void TObjectCreation::AddStructure(TInputFile& Input, int Index) {
   const TEISection& Section = Input.File().Sections()[Index];
   const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
   const std::optional<std::int32_t> Number = Type ? StrToInt32(*Type) : std::nullopt;
   if (!Number || !Name || !TUORecreateContainer::OurObjectType(*Number) || Find(*Number, *Name)) return;
-  TEntry Entry{{*Number, *Name}, ObjectExists(FDatabaseName, *Number, *Name), {}};
+  TEntry Entry{{*Number, *Name}, ObjectExists(DicDBContainer().Database(FDatabaseName), *Number, *Name), {}};
   if (FPolicies.DryRun)
     if (const std::optional<TDSPNode> Tree = TreeOfSection(FManager, Input, Index)) try {
         Entry.Statements =

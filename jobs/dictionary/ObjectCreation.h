@@ -57,7 +57,4 @@ class TObjectCreation {
   bool FDeclined = false;
 };
 
-/// Whether the database has the object that such a structure describes. Type: 71 to 74.
-bool ObjectExists(const std::string& DatabaseName, int ObjectType, const std::string& Name);
-
 }  // namespace velkrund

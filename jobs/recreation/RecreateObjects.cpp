@@ -4,9 +4,10 @@
 #include <iterator>
 #include <utility>
 
-#include "jobs/dictionary/ObjectCreation.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/operations/MessageBoxHook.h"
+#include "velkrund/operations/RecreateContainer.h"
+#include "velkrund/platform/dictionary/DicDatabase.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -112,7 +113,7 @@ std::string_view TThis::OverwriteKey() const {
 }
 
 bool TThis::Exists(const TRecreation& Item) {
-  return ObjectExists(DatabaseName, Item.Structure.Type, Item.Structure.Name);
+  return ObjectExists(DicDBContainer().Database(DatabaseName), Item.Structure.Type, Item.Structure.Name);
 }
 
 void TThis::Check(TRecreation& Item) {

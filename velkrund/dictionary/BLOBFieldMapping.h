@@ -27,7 +27,10 @@ class TBLOBFieldMappingList {
  public:
   TBLOBFieldMappingList() = default;
   TBLOBFieldMappingList(const TBLOBFieldMappingList& Other) { Assign(Other); }
-  TBLOBFieldMappingList& operator=(const TBLOBFieldMappingList& Other) { return Assign(Other), *this; }
+  TBLOBFieldMappingList& operator=(const TBLOBFieldMappingList& Other) {
+    Assign(Other);
+    return *this;
+  }
 
   int Count() const { return static_cast<int>(FItems.size()); }
   /// Raises EListError outside the list.

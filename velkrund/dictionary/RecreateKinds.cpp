@@ -33,7 +33,6 @@ constinit const TRecreateKind GeneratorKind{
     "M_Velkrund_DicUtils_ErrorOnRecreateGenerator",
     true,
     nullptr,
-    &TDicDatabase::GeneratorExist,
     [](TDicDatabase& Database, const std::string& Name) { Database.CreateGenerator(Name, std::nullopt, true); },
     &Make<TUORecreateGenerator>};
 
@@ -45,7 +44,6 @@ constinit const TRecreateKind ViewKind{
     ProcedureErrorKey,
     false,
     &AskCancelCreateLongNameView,
-    &TDicDatabase::ViewExist,
     [](TDicDatabase& Database, const std::string& Name) { Database.CreateView(Name, true, true); },
     &Make<TUORecreateView>};
 
@@ -57,7 +55,6 @@ constinit const TRecreateKind ExecStoredProcKind{
     ProcedureErrorKey,
     false,
     nullptr,
-    &TDicDatabase::ExecStoredProcExist,
     [](TDicDatabase& Database, const std::string& Name) { Database.CreateExecStoredProc(Name, true); },
     &Make<TUORecreateExecStoredProc>};
 
@@ -69,7 +66,6 @@ constinit const TRecreateKind SelectStoredProcKind{
     ProcedureErrorKey,
     false,
     nullptr,
-    &TDicDatabase::SelectStoredProcExist,
     [](TDicDatabase& Database, const std::string& Name) { Database.CreateSelectStoredProc(Name, true); },
     &Make<TUORecreateSelectStoredProc>};
 
@@ -78,7 +74,7 @@ bool TRecreateKind::IsDescribed(const std::string& Name, const std::string& Data
 }
 
 bool TRecreateKind::IsThere(const std::string& Name, const std::string& DatabaseName) const {
-  return (DicDBContainer().Database(DatabaseName).*Exist)(Name);
+  return ObjectExists(DicDBContainer().Database(DatabaseName), ObjectType, Name);
 }
 
 std::string TRecreateKind::NotFoundText(const std::string& Name, const std::string& DatabaseName) const {

@@ -17,7 +17,6 @@ struct TRecreateKind {
   const char* ErrorKey;  // of lists
   bool AsksAfterErrors;  // lists ask after each error whether to go on; otherwise they go on, and report at the end
   bool (*AskCancel)(const std::string& Name);  // whether a name too long for some databases is given up; null: any goes
-  bool (TDicDatabase::*Exist)(const std::string& Name);
   void (*Replace)(TDicDatabase& Database, const std::string& Name);  // makes it, in place of one that is there
   std::unique_ptr<TRecreateOperation> (*Single)();
 

@@ -22,7 +22,9 @@ std::int64_t StartValueOf(const TEISection& Section) {
   return Value ? StrToInt64(*Value).value_or(0) : 0;
 }
 
-bool Exists(TDicDatabase& Database, int ObjectType, const std::string& Name) {
+}  // namespace
+
+bool ObjectExists(TDicDatabase& Database, int ObjectType, const std::string& Name) {
   switch (ObjectType) {
     case GeneratorObjectType:
       return Database.GeneratorExist(Name);
@@ -36,8 +38,6 @@ bool Exists(TDicDatabase& Database, int ObjectType, const std::string& Name) {
       return false;
   }
 }
-
-}  // namespace
 
 constinit const TUtilOperationDescriptor TUORecreateContainer::Descriptor =
     OperationDescriptor<TUORecreateContainer>("TUORecreateContainer");
@@ -70,7 +70,7 @@ TRecreateOperation* TUORecreateContainer::Add(int ObjectType, const std::string&
 }
 
 TRecreateOperation* TUORecreateContainer::AddIfExist(int ObjectType, const std::string& Name, TDicDatabase* Database) {
-  return Database && Exists(*Database, ObjectType, Name) ? Add(ObjectType, Name) : nullptr;
+  return Database && ObjectExists(*Database, ObjectType, Name) ? Add(ObjectType, Name) : nullptr;
 }
 
 void TUORecreateContainer::Remove(const TEISection& Section) {

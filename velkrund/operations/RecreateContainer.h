@@ -60,6 +60,10 @@ TRecreateOperationList& RecreateOperations();
 TRecreateOperationList SetRecreateOperations(TRecreateOperationList List);
 using TRecreateOperationsGuard = THookGuard<TRecreateOperationList, &SetRecreateOperations>;
 
+/// Whether the database has a generator, view or stored procedure of that name; false for other types. Raises
+/// EDatabaseError when the database cannot say.
+bool ObjectExists(TDicDatabase& Database, int ObjectType, const std::string& Name);
+
 /// Creates generators, views and stored procedures that may need each other, in whatever order they were added: what
 /// failed is tried again as long as something else could be created. Generators and views come before procedures. Each
 /// attempt is a transaction of its own. What was declined is neither tried again nor a failure.

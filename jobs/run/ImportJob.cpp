@@ -35,7 +35,7 @@ class TCreateMissing {
 void TImportJob::Run() {
   FOutcome = {"imported", DatabaseText(), {}};
   FUnreadable.clear();
-  FSteps.clear();
+  FSteps.Clear();
   FErrors.emplace(Policies.OnError);
   FGone.clear();
   FNotCreated.clear();
@@ -106,28 +106,13 @@ void TImportJob::NoteLines(TInputFile& Input) {
 }
 
 void TImportJob::Add(TInputFile& Input, int Index) {
-  const TEISection& Section = Input.File().Sections()[Index];
-  const TSectionRole Role = Section.ObjectClass.Role();
-  const auto Part = FParts.find(Role);
-  const TStep Step{Part == FParts.end() ? nullptr : Part->second.get(), Section.DataSize,
-                   Role == TSectionRole::TableData, FOutcome.Items.size()};
-  TItem Item;
-  Item.Section = Section.Name();
-  Item.File = Input.Name();
-  if (Step.Part) Step.Part->Add(Input, Index, Item, Step.Number);
-  FOutcome.Items.push_back(std::move(Item));
-  if (!FSteps.emplace(TPosition(Input.Name(), Section.Position), Step).second)
-    throw ESettingsError(Format("two inputs go by the name '%s': give one of the files another name", Input.Name()));
+  const auto Part = FParts.find(Input.File().Sections()[Index].ObjectClass.Role());
+  FSteps.Add(Input, Index, Part == FParts.end() ? nullptr : Part->second.get());
 }
 
 /// Shows what the loading of the tables would refuse, before anything is changed.
 void TImportJob::PlanLoading() {
-  std::vector<TLoadTarget> Targets;
-  for (const auto& [Place, Step] : FSteps) {
-    if (FOutcome.Items[Step.Number].State == TItemState::LeftOut || !Step.Part) continue;
-    if (Step.Part->IsMade(Step.Number)) continue;
-    if (std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number)) Targets.push_back(std::move(*Target));
-  }
+  const std::vector<TLoadTarget> Targets = FSteps.Targets();
   if (!Targets.empty() && Relations()) FLoading = Relations()->Load(DatabaseName, Targets, LoadOptions());
 }
 
@@ -141,35 +126,14 @@ TLoadOptions TImportJob::LoadOptions() const {
   return Result;
 }
 
-std::int64_t TImportJob::Bytes() const {
-  std::int64_t Result = 0;
-  for (const auto& [Place, Step] : FSteps)
-    if (FOutcome.Items[Step.Number].State != TItemState::LeftOut) Result += Step.Bytes;
-  return Result;
-}
-
 /// What Import would do, in its order as far as that is known beforehand.
 void TImportJob::MakePlan() {
   const auto AddAll = [this](std::vector<TPlanStep> Steps) {
     for (TPlanStep& Step : Steps) AddToPlan(std::move(Step));
   };
-  std::vector<const TStep*> Tables;
-  for (const auto& [Place, Step] : FSteps) {
-    const TItem& Item = FOutcome.Items[Step.Number];
-    if (Item.State == TItemState::LeftOut || !Step.Part) continue;
-    if (Step.IsTable)
-      Tables.push_back(&Step);
-    else
-      AddAll(Step.Part->Steps(Item, Step.Number));
-  }
+  AddAll(FSteps.PlanOfStructures());
   if (MakesObjects()) AddAll(StepsBeforeRows());
-  const auto Rank = [this](const TStep* Step) {
-    return FLoading ? FLoading->Rank(FOutcome.Items[Step->Number].Table) : 0;
-  };
-  std::stable_sort(Tables.begin(), Tables.end(), [&](const TStep* A, const TStep* B) { return Rank(A) < Rank(B); });
-  for (auto Step = Tables.rbegin(); Step != Tables.rend(); ++Step)
-    if (std::optional<TPlanStep> Emptying = (*Step)->Part->Emptying((*Step)->Number)) AddToPlan(std::move(*Emptying));
-  for (const TStep* Step : Tables) AddAll(Step->Part->Steps(FOutcome.Items[Step->Number], Step->Number));
+  AddAll(FSteps.PlanOfRows(FLoading.get()));
   if (MakesObjects()) AddAll(StepsBehindRows());
   for (TItem& Item : FOutcome.Items) {
     if (Item.State == TItemState::LeftOut) continue;
@@ -186,17 +150,6 @@ void TImportJob::NoteStructuresAlone() {
                                   Counted(static_cast<std::int64_t>(Names.size()), "structure"), Joined(Names)));
 }
 
-bool TImportJob::HasLostRows(const std::string& Table) const {
-  bool Result = false;
-  for (const auto& [Place, Step] : FSteps) {
-    const TItem& Item = FOutcome.Items[Step.Number];
-    if (!Step.IsTable || !SameText(Item.Table, Table) || Item.State == TItemState::LeftOut) continue;
-    if (Item.State == TItemState::Done) return false;
-    Result = true;
-  }
-  return Result;
-}
-
 void TImportJob::Import() {
   const TMissingTablesGuard Maker([this](TUtilOperation& Run, const std::string&) { return TableMaker(Run); });
   TUOImportFiles Operation;
@@ -207,7 +160,7 @@ void TImportJob::Import() {
   Operation.fCreateDBStructures = MakesObjects();
   Operation.Observer = this;
   Operation.LoadOptions = LoadOptions();
-  FTotal = Bytes();
+  FTotal = FSteps.Bytes();
   FReached = 0;
   BeginPart(Joined(FOutcome.Files), "bytes", FTotal);
   int Result = 0;
@@ -282,10 +235,6 @@ void TImportJob::TakeAllBack() {
     if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
 }
 
-const TImportJob::TStep& TImportJob::StepOf(const TEIFile& File, const TEISection& Section) const {
-  return FSteps.at({File.FileName(), Section.Position});
-}
-
 TEIFile* TImportJob::OpenedFile(const std::string& FileName) {
   if (const auto Error = FUnreadable.find(FileName); Error != FUnreadable.end()) std::rethrow_exception(Error->second);
   for (const auto& Input : FInputs->Inputs())
@@ -293,13 +242,8 @@ TEIFile* TImportJob::OpenedFile(const std::string& FileName) {
   return nullptr;
 }
 
-bool TImportJob::Takes(const TEIFile& File, const TEISection& Section) {
-  const auto Step = FSteps.find({File.FileName(), Section.Position});
-  return Step != FSteps.end() && FOutcome.Items[Step->second.Number].State != TItemState::LeftOut;
-}
-
 std::optional<TLoadTarget> TImportJob::TargetOf(const TEIFile& File, const TEISection& Section) {
-  const TStep& Step = StepOf(File, Section);
+  const TImportStep& Step = FSteps.StepOf(File, Section);
   return Step.Part ? Step.Part->TargetOf(Step.Number) : std::nullopt;
 }
 
@@ -308,7 +252,7 @@ void TImportJob::EndTables(const TTableLoading& Loading) {
 }
 
 bool TImportJob::BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) {
-  const TStep& Step = StepOf(File, Section);
+  const TImportStep& Step = FSteps.StepOf(File, Section);
   SetSubject(FOutcome.Items[Step.Number].Subject());
   // The operation counts the bytes of each file and of all tables; here those of the whole run count.
   Object.OnProgress = [this, Bytes = Step.Bytes](std::int32_t Current, std::int32_t Total, std::string_view Name) {
@@ -322,7 +266,7 @@ bool TImportJob::BeginSection(const TEIFile& File, const TEISection& Section, TE
 
 void TImportJob::EndSection(const TEIFile& File, const TEISection& Section, const TEIObject* Object,
                             const std::exception* Error) {
-  const TStep& Step = StepOf(File, Section);
+  const TImportStep& Step = FSteps.StepOf(File, Section);
   TItem& Item = FOutcome.Items[Step.Number];
   if (FAccount) FAccount->Close(Item);
   Item.Bytes = Step.Bytes;
@@ -419,9 +363,7 @@ bool TImportJob::MayGoOn(const std::exception& Error) {
 
 /// Whether there is nothing else that could be gone on with, or could stay. What structures describe is made last.
 bool TImportJob::IsAlone() const {
-  const bool HasStructures =
-      std::any_of(FSteps.begin(), FSteps.end(), [](const auto& Step) { return !Step.second.IsTable; });
-  if (!FUnreadable.empty() || (HasStructures && MakesObjects())) return false;
+  if (!FUnreadable.empty() || (FSteps.HaveStructures() && MakesObjects())) return false;
   const bool Together = !LoadOptions().InGroups;
   for (std::size_t Number = 0; Number < FOutcome.Items.size(); ++Number) {
     const TItemState State = FOutcome.Items[Number].State;
@@ -435,7 +377,7 @@ bool TImportJob::IsAlone() const {
 void TImportJob::TakenBack(const std::vector<TImportFileObserver::TPlace>& Sections, const std::exception* Error) {
   TItem* Named = nullptr;  // in the error, else the first
   for (const auto& [File, Section] : Sections) {
-    const TStep& Step = StepOf(File, Section);
+    const TImportStep& Step = FSteps.StepOf(File, Section);
     TItem& Item = FOutcome.Items[Step.Number];
     if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
     FGone.insert(Step.Number);

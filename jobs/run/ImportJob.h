@@ -5,44 +5,18 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "jobs/files/InputFiles.h"
 #include "jobs/policies/ErrorPolicy.h"
+#include "jobs/run/ImportPart.h"
+#include "jobs/run/ImportSteps.h"
 #include "jobs/run/ItemAccount.h"
 #include "jobs/run/Job.h"
 #include "velkrund/operations/ImportFiles.h"
 #include "velkrund/platform/database/Transaction.h"
 
 namespace velkrund {
-
-/// What an import does with the sections of one kind. Lives for one run. Sections are named by the numbers of their
-/// items in the outcome.
-class TImportPart {
- public:
-  virtual ~TImportPart() = default;
-
-  /// A section that is to be imported, before any of all files is added.
-  virtual void Announce(TInputFile& /*Input*/, int /*Index*/) {}
-  /// The same; Item gets what is known of it. Raises what is certain to fail.
-  virtual void Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) = 0;
-  /// Decides about what is there already, before anything is changed; items that are not to be imported become left
-  /// out.
-  virtual void Settle(TOutcome& Outcome) = 0;
-  /// The table that the section goes into; nothing: none that is there, or will be.
-  virtual std::optional<TLoadTarget> TargetOf(std::size_t /*Number*/) const { return std::nullopt; }
-  /// Whether that table is made by this run.
-  virtual bool IsMade(std::size_t /*Number*/) const { return false; }
-  /// For a dry run: the emptying that comes before all rows, told once for a table; nothing where it keeps its rows.
-  virtual std::optional<TPlanStep> Emptying(std::size_t /*Number*/) const { return std::nullopt; }
-  /// The same of what is done with the section.
-  virtual std::vector<TPlanStep> Steps(const TItem& /*Item*/, std::size_t /*Number*/) const { return {}; }
-  /// Sets the section's object up.
-  virtual void Begin(std::size_t Number, TEIObject& Object) = 0;
-  /// Takes over what the object counted, after success and after failure. Object: null when it could not be made.
-  virtual void End(TItem& Item, const TEIObject* Object) = 0;
-};
 
 /// Loads sections of files into a database: the one engine of all imports. Everything that can be known, and every
 /// question about rows that are there, comes before the first change. The run is one transaction, unless it is told to
@@ -83,24 +57,15 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual void Release() {}
 
   /// Whether there were rows for the table, and none of them stay.
-  bool HasLostRows(const std::string& Table) const;
+  bool HasLostRows(const std::string& Table) const { return FSteps.HaveLostRows(Table); }
 
  private:
-  struct TStep {
-    TImportPart* Part;  // borrowed; null: none
-    std::int64_t Bytes;
-    bool IsTable;
-    std::size_t Number;  // of the item
-  };
-  using TPosition = std::pair<std::string, std::int64_t>;  // a file, the place of a section in it
-
   std::vector<int> LookAt(TInputFile& Input);
   void AddSections(TInputFile& Input, const std::vector<int>& Indexes);
   void NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void PlanLoading();
   TLoadOptions LoadOptions() const;
-  std::int64_t Bytes() const;
   void MakePlan();
   void Import();
   void NoteStructuresAlone();
@@ -109,14 +74,13 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   void EndWhole(bool Stays);
   void TakeAllBack();
   void FailAll();
-  const TStep& StepOf(const TEIFile& File, const TEISection& Section) const;
   void Fail(TItem& Item, const std::exception& Error);
   bool MayGoOn(const std::exception& Error);
   bool IsAlone() const;
 
   // TImportFileObserver
   TEIFile* OpenedFile(const std::string& FileName) override;
-  bool Takes(const TEIFile& File, const TEISection& Section) override;
+  bool Takes(const TEIFile& File, const TEISection& Section) override { return FSteps.Takes(File, Section); }
   std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section) override;
   void EndTables(const TTableLoading& Loading) override;
   bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) override;
@@ -138,7 +102,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   TParts FParts;
   std::unique_ptr<TInputFiles> FInputs;                   // during a run
   std::map<std::string, std::exception_ptr> FUnreadable;  // files, until that is told
-  std::map<TPosition, TStep> FSteps;
+  TImportSteps FSteps{FOutcome};
   std::unique_ptr<TTableLoading> FLoading;     // of all tables; null: there are none
   std::unique_ptr<TTransaction> FTransaction;  // of the run where it has no tables
   std::set<std::size_t> FGone;                 // items of groups that were taken back

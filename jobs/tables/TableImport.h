@@ -8,7 +8,7 @@
 
 #include "jobs/dictionary/TableCreation.h"
 #include "jobs/policies/Policies.h"
-#include "jobs/run/ImportJob.h"
+#include "jobs/run/ImportPart.h"
 #include "jobs/tables/TableSearch.h"
 
 namespace velkrund {

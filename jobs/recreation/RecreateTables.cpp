@@ -134,7 +134,7 @@ void TThis::CheckAll() {
 void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes) {
   const TTableChanges Changes = ChangesOf(Connection().Definitions().Table(*Table.Info, {}), Table.New, Table.Fields);
   const auto Tell = [&](const std::string& Text) {
-    if (Notes == TNotes::Now) Note(Text);
+    if (Notes == TNotes::Now) Remark(Name, Text);
   };
   for (const std::string& Gone : Changes.Gone)
     Tell(Format("gone from table '%s', since its structure does not have it: %s", Name, Gone));
@@ -243,7 +243,7 @@ void TThis::Recreate(TUORecreateTable& Operation, TAllowedGaps& Gaps) {
   if (Operation.Execute() == 0 || IsCanceled()) throw EAbort("cancelled");
   RefuseLost(Operation);
   Around->PutBack(TPutBack::Whole);
-  for (const std::string& Remark : Around->Remarks()) Note(Remark);
+  for (const std::string& Text : Around->Remarks()) Remark(FAt, Text);
   Finish(Operation);
 }
 
@@ -273,8 +273,13 @@ void TThis::RefuseLost(const TUORecreateTable& Operation) {
                "the values of %s. Map what has another name now",
                Operation.TableName, Lost),
         {.Code = TErrorCode::FieldMissing, .Table = Operation.TableName, .Column = *Operation.LostFields().begin()});
-  Note(Format("dropped with their values from the tables inside the BLOB fields of table '%s': %s", Operation.TableName,
-              Lost));
+  Remark(Operation.TableName,
+         Format("dropped with their values from the tables inside the BLOB fields of table '%s': %s",
+                Operation.TableName, Lost));
+}
+
+void TThis::Remark(const std::string& Name, const std::string& Text) {
+  Find({TableObjectType, Name})->Remarks.push_back(Text);
 }
 
 void TThis::Finish(const TUORecreateTable& Operation) {

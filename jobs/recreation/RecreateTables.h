@@ -55,6 +55,7 @@ class TJobRecreateTables final : public TRecreationJob {
   enum class TNotes { Later, Now };
   void Prepare(const std::string& Name, TNotes Notes);
   void CheckRows(const std::string& Name, const TTable& Table, TNotes Notes);
+  void Remark(const std::string& Name, const std::string& Text);
   std::unique_ptr<TSurroundings> Locked(const std::string& Name);
   void CheckReferences(const std::string& Name, const TTable& Table);
   void AddBehindParents(const std::string& Name, std::vector<std::string>& Meant, int Depth = 0);

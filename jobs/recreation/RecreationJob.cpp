@@ -148,12 +148,35 @@ void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
     if (Text.find(TemporaryTableName) == Text.npos) Note(std::move(Text));
   if (Policies.DryRun) return LeaveAll();
   // To commit nothing would be no difference.
-  if (Count(TItemState::Done) == 0) return;
-  Whole.Commit();
+  if (Count(TItemState::Done) > 0) Commit(Whole);
+}
+
+void TRecreationJob::Commit(TTransaction& Whole) {
+  try {
+    Whole.Commit();
+  } catch (const std::exception& Error) {
+    // An answer that never came: what has become of it only the database knows.
+    const bool IsKnown = FactsOf(Error).Info.Code != TErrorCode::Connection;
+    for (TRecreation& Item : FItems) {
+      if (Item.State != TItemState::Done) continue;
+      Item.State = IsKnown ? TItemState::TakenBack : TItemState::Failed;
+      Item.Error = FactsOf(Error);
+    }
+    if (!FFirstError) FFirstError = std::current_exception();
+    throw;
+  }
+  TellRemarks();
   FLongNames->AddNote(FNotes);
 }
 
+void TRecreationJob::TellRemarks() {
+  for (TRecreation& Item : FItems)
+    if (Item.State == TItemState::Done || Policies.DryRun)
+      for (std::string& Remark : Item.Remarks) Note(std::move(Remark));
+}
+
 void TRecreationJob::LeaveAll() {
+  TellRemarks();
   for (TRecreation& Item : FItems) {
     if (Item.State != TItemState::NotReached) continue;
     Item.State = TItemState::LeftOut;

@@ -13,6 +13,7 @@
 #include "jobs/policies/Questions.h"
 #include "jobs/report/Outcome.h"
 #include "jobs/run/JobInterface.h"
+#include "velkrund/platform/database/Transaction.h"
 
 namespace velkrund {
 
@@ -24,6 +25,7 @@ struct TRecreation {
   std::string Note = {};                  // why it was left out
   std::optional<std::int64_t> Rows = {};  // carried over, of a table
   std::optional<std::int64_t> RowsDropped = {};
+  std::vector<std::string> Remarks = {};  // what goes or changes with it; notes of the run, once that stays
   std::optional<TErrorFacts> Error = {};
 };
 
@@ -80,6 +82,8 @@ class TRecreationJob : public TPolicyJob {
   bool Look(TRecreation& Item);
   void AskFor(TRecreation& Item);
   void RunWhole(TAllowedGaps& Gaps);
+  void Commit(TTransaction& Whole);
+  void TellRemarks();
   void LeaveAll();
   void TakeBack();
 

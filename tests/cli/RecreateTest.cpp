@@ -1,6 +1,9 @@
 // Objects made anew by the command, as their structures describe them.
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
+
+#include <memory>
 
 #include "tests/cli/CommandTest.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
@@ -104,9 +107,26 @@ TEST_F(TRecreateTest, RefusesWhatWouldBeLostBeforeAnythingIsDropped) {
     const TOutcome Outcome = Run(Recreate(Case.Options));
     EXPECT_EQ(Outcome.ExitCode, Case.ExitCode) << Outcome.Errors;
     EXPECT_THAT(Outcome.Errors, HasSubstr(Case.Says));
+    if (Case.ExitCode != 0) {
+      EXPECT_THAT(Outcome.Errors, Not(HasSubstr("dropped from")));
+    }
     EXPECT_EQ(State(), Changed);
     Shell("mv kept db");
   }
+}
+
+TEST_F(TRecreateTest, ACommitThatIsRefusedLeavesTheTable) {
+  Write("velkrund.toml", "busy_seconds = 1\n");
+  sqlite3* Handle = nullptr;
+  ASSERT_EQ(sqlite3_open(Path("db").c_str(), &Handle), SQLITE_OK);
+  const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> Reader(Handle, &sqlite3_close);
+  ASSERT_EQ(sqlite3_exec(Handle, "BEGIN; SELECT count(*) FROM T", nullptr, nullptr, nullptr), SQLITE_OK);
+  const TOutcome Outcome =
+      Run(Recreate({"--map", "NAME=TITLE", "--missing-fields", "skip", "--overwrite", "yes", "--json"}));
+  EXPECT_EQ(Outcome.ExitCode, 1);
+  EXPECT_THAT(Outcome.Errors, HasSubstr("Cannot commit the transaction"));
+  EXPECT_THAT(Outcome.Output, AllOf(HasSubstr("\"database-busy\""), Not(HasSubstr("dropped from"))));
+  EXPECT_EQ(State(), Before);
 }
 
 TEST_F(TRecreateTest, SeveralTablesAreOneRun) {

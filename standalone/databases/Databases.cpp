@@ -69,19 +69,21 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
                                 ContentHint(Url->Scheme, FDrivers.Schemes(), "; known are: ")),
                          {.Code = TErrorCode::DatabaseName, .Database = Shown});
   }
-  std::string Identity = std::string(Driver->Scheme()) + ":" + Driver->Identity(*Url, Options);
-  return {Driver, std::move(*Url), std::move(Options), std::move(Identity)};
+  const std::string Scheme = std::string(Driver->Scheme()) + ":";
+  std::string Identity = Scheme + Driver->Identity(*Url, Options);
+  std::string Session = Scheme + Driver->SessionIdentity(*Url, Options);
+  return {Driver, std::move(*Url), std::move(Options), std::move(Identity), std::move(Session)};
 }
 
 TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
   if (const auto Known = FNames.find(Name); Known != FNames.end()) return *Known->second;
   const TAddress Address = Resolve(Name);
-  auto Found = FOpen.find(Address.Identity);
+  auto Found = FOpen.find(Address.Session);
   if (Found == FOpen.end()) {
     Note(Format("Connecting to %s", WithoutSecrets(Address.Url.Text())));
     TDatabase Opened;
     Opened.Connection = Address.Driver->Connect(Address.Url, Address.Options);
-    Found = FOpen.emplace(Address.Identity, std::move(Opened)).first;
+    Found = FOpen.emplace(Address.Session, std::move(Opened)).first;
   }
   FNames.emplace(Name, &Found->second);
   return Found->second;

@@ -12,7 +12,8 @@
 namespace velkrund {
 
 /// The databases of an application: names of the configuration, or URLs, to connections. One connection per database,
-/// however it is spelt; made when first needed and kept. Counts nested transactions. Used by one thread at a time.
+/// user and options, however it is spelt; made when first needed and kept. Counts nested transactions. Used by one
+/// thread at a time.
 class TDatabases {
  public:
   /// Called with a line for the trace: connections, transactions, remarks of the engine.
@@ -79,7 +80,8 @@ class TDatabases {
     const TDriver* Driver;
     TDatabaseUrl Url;
     TConnectOptions Options;
-    std::string Identity;
+    std::string Identity;  // of the database
+    std::string Session;   // of the connection
   };
 
   void Note(const std::string& Line) { FTrace(TTraceLevel::Detail, Line); }
@@ -99,7 +101,7 @@ class TDatabases {
   std::chrono::milliseconds FBusyTime;
   TCanceled FCanceled;                                    // may be empty
   TNotice FNotice, FWarning;                              // the same
-  std::map<std::string, TDatabase> FOpen;                 // by identity
+  std::map<std::string, TDatabase> FOpen;                 // by session
   std::map<std::string, TDatabase*, std::less<>> FNames;  // by the name asked for; "" is the default
 };
 

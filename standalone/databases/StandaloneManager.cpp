@@ -1,5 +1,6 @@
 #include "standalone/databases/StandaloneManager.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "standalone/catalogue/Catalogue.h"
@@ -7,6 +8,7 @@
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
 #include "standalone/tables/BlobTable.h"
 #include "standalone/tables/DriverBaseManager.h"
+#include "standalone/tables/DriverQuery.h"
 #include "standalone/tables/DriverTable.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -79,10 +81,27 @@ bool TStandaloneManager::TableExists(const std::string& TableName, const std::st
   return Found && (Views || Found->Kind != TTableKind::View);
 }
 
+std::vector<std::string> TStandaloneManager::UserTableNames(const std::string& DatabaseName) {
+  std::vector<std::string> Result;
+  for (const TTableInfo& Table : Tables(DatabaseName))
+    if (Table.Kind != TTableKind::View) Result.push_back(FullName(Table));
+  std::sort(Result.begin(), Result.end(), [](const std::string& A, const std::string& B) {
+    const int Order = CompareText(A, B);
+    return Order == 0 ? A < B : Order < 0;
+  });
+  return Result;
+}
+
+std::unique_ptr<TSelectQuery> TStandaloneManager::CreateSelectQuery(const std::string& DatabaseName) {
+  return std::make_unique<TDriverQuery>(FDatabases.Connection(DatabaseName), std::string());
+}
+
 /// Made anew, since the connection may have been closed meanwhile.
 TODBCBaseManager* TStandaloneManager::GetODBCBaseManager(const std::string& DatabaseName) {
   std::unique_ptr<TODBCBaseManager>& Result = FBaseManagers[DatabaseName];
-  Result = std::make_unique<TDriverBaseManager>(FDatabases.Connection(DatabaseName));
+  Result = std::make_unique<TDriverBaseManager>(
+      FDatabases.Connection(DatabaseName),
+      [this](const std::string& Name) -> TConnection& { return FDatabases.Connection(Name); });
   return Result.get();
 }
 

@@ -47,6 +47,9 @@ class TStandaloneManager final : public TApplicationManager {
   std::unique_ptr<TTable> GetUserTable(const std::string& TableName, const std::string& DatabaseName,
                                        bool ReadWrite) override;
   bool TableExists(const std::string& TableName, const std::string& DatabaseName, bool Views) override;
+  bool IsSameDatabase(const std::string& A, const std::string& B) override { return FDatabases.IsSameDatabase(A, B); }
+  std::vector<std::string> UserTableNames(const std::string& DatabaseName) override;
+  std::unique_ptr<TSelectQuery> CreateSelectQuery(const std::string& DatabaseName) override;
   TODBCBaseManager* GetODBCBaseManager(const std::string& DatabaseName) override;
   std::unique_ptr<TBLOBTable> OpenBLOBTable(std::string_view Bytes) override;
   std::unique_ptr<TBLOBTable> NewBLOBTable(const std::string& Name, const TBLOBTable::TFields& Fields) override;

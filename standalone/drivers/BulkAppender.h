@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
+#include "standalone/drivers/Schema.h"
 #include "velkrund/platform/ormtools/ErrorInfo.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
@@ -16,6 +18,8 @@ struct TAppendOptions {
   bool CanRecreateAutoSequence = false;
   /// A value of which the engine can hold the most is stored so and counted; otherwise it is an error.
   bool AllowLoss = false;
+  /// A record takes the place of the row with its primary key, where there is one.
+  bool UpdateByKey = false;
 };
 
 /// The engine's fastest way to add rows to one table. Errors (EDatabaseError) name the table, the record and, where
@@ -35,7 +39,14 @@ class TBulkAppender {
   virtual void Finish() = 0;
   /// Values that were stored with a loss.
   virtual std::int64_t ChangedValues() const { return 0; }
+  /// Records that have taken the place of a row.
+  virtual std::int64_t UpdatedRecords() const { return 0; }
 };
+
+/// The primary key in its order, as indexes into Columns. Raises EDatabaseError, for appends that update by it, where
+/// there is none, and where Columns lack a part of it.
+std::vector<std::size_t> KeyToUpdateBy(const TTableDescription& Table, std::span<const int> Columns,
+                                       const TAppendOptions& Options);
 
 /// What is known of a value that a table does not take, for errors.
 TErrorInfo RefusedValue(const std::string& Table, const std::string& Column, std::int64_t Record,

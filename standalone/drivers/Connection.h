@@ -10,6 +10,7 @@
 #include "standalone/drivers/Definitions.h"
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/ProcedureRun.h"
+#include "standalone/drivers/QueryText.h"
 #include "standalone/drivers/RowAccess.h"
 #include "standalone/drivers/Safeguards.h"
 #include "standalone/drivers/SchemaReader.h"
@@ -28,6 +29,7 @@ struct TCapabilities {
   bool NotANumber = false;           // floating columns hold NaN
   bool NegativeZero = false;         // floating columns tell -0.0 from 0.0
   bool NulInText = false;            // texts hold the character U+0000
+  bool Threads = false;              // several connections can be used at once, by a thread each
   bool LocksTables = false;          // what a transaction has read stays locked until its end, each for itself
   bool TableSizes = false;           // TableBytes has answers
   bool Generators = false;           // CREATE SEQUENCE and its like
@@ -56,6 +58,9 @@ class TConnection {
   virtual TDefinitionReader& Definitions() = 0;
   virtual const TScriptWriter& Scripts() const = 0;
   virtual TRowAccess& Rows() = 0;
+  /// For rows of Source, which may be this connection, into tables of this one: within a transaction of this one, whose
+  /// end it does not outlive. Null: the engine does not reach that database.
+  virtual TRowCopier* CopierFrom(TConnection& Source) { return &Source == this ? &Rows() : nullptr; }
 
   /// Transactions do not nest here, savepoints do. After a failed Commit the caller rolls back; some engines have done
   /// so by then.
@@ -99,6 +104,10 @@ class TConnection {
   /// Executes one statement and returns the rows that it yields, whose cells are integers, texts, bytes or NULL. For
   /// answers that fit into memory, where the engine may keep them whole.
   virtual std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters = {}) = 0;
+  /// A query of the user's, which is made to change nothing whatever it calls. Its values are what a table's cursor
+  /// makes of them. Runs in the caller's transaction, or in one of its own that ends with the cursor. Parameters: those
+  /// of the text, each with its value.
+  virtual TQueryRows OpenQuery(const TQueryText& Text, std::span<const TQueryParameter> Parameters) = 0;
 };
 
 }  // namespace velkrund

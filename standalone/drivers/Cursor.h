@@ -1,5 +1,9 @@
 #pragma once
 
+#include <memory>
+#include <vector>
+
+#include "standalone/drivers/Schema.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
@@ -19,6 +23,16 @@ class TCursor {
   /// Decodes one cell of the current row into Value. Column counts from 0 in the columns that the cursor was opened
   /// with. Texts and bytes are borrowed from the engine, until the next row.
   virtual void Read(int Column, TKvVariant& Value) = 0;
+  /// The cells of the current row, where all of them are decoded already, until the next row; null: they are not.
+  virtual const TKvVariant* Decoded() const { return nullptr; }
+  /// Whether nothing but this cursor is lost when the engine is stopped on the way to a row.
+  virtual bool StopsAlone() const { return true; }
+};
+
+/// The rows of a query, and what is known of their columns: names, which may repeat, and kinds.
+struct TQueryRows {
+  std::vector<TColumnInfo> Columns;
+  std::unique_ptr<TCursor> Cursor;
 };
 
 }  // namespace velkrund

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "standalone/drivers/QueryText.h"
 #include "standalone/drivers/Schema.h"
 
 namespace velkrund {
@@ -26,6 +27,8 @@ class TDialect {
   virtual std::string ParameterMark(int Number) const = 0;
   /// The type of a column that holds every value of a kind. Kind: Int64, String or Bytes.
   virtual std::string ColumnType(TKvKind Kind) const = 0;
+  /// What has to be known of a query to find the parameters in it.
+  virtual const TQuerySyntax& QuerySyntax() const = 0;
 
  protected:
   // Dialects are values; only whole ones are copied.

@@ -45,6 +45,10 @@ class TDriver {
   virtual const TScriptWriter& Scripts() const = 0;
   /// A text that is the same for all URLs of one database.
   virtual std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const = 0;
+  /// The same for those URLs alone whose connections may do, and find, the same: of one user, with one set of options.
+  virtual std::string SessionIdentity(const TDatabaseUrl& Url, const TConnectOptions& Options) const {
+    return Identity(Url, Options);
+  }
   /// Raises EDatabaseError when the database cannot be reached; messages show no password.
   virtual std::unique_ptr<TConnection> Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const = 0;
 };

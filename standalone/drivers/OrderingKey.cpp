@@ -6,7 +6,6 @@
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
-namespace {
 
 std::vector<int> PrimaryKey(const TTableDescription& Table) {
   std::vector<std::pair<int, int>> Places;
@@ -17,8 +16,6 @@ std::vector<int> PrimaryKey(const TTableDescription& Table) {
   for (const auto& [Position, Column] : Places) Result.push_back(Column);
   return Result;
 }
-
-}  // namespace
 
 std::vector<int> OrderingKey(TSchemaReader& Schema, const TTableDescription& Table) {
   std::vector<int> Best = PrimaryKey(Table);

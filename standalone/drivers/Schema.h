@@ -89,4 +89,7 @@ inline int IndexOf(const TTableDescription& Table, std::string_view Name) {
   return -1;
 }
 
+/// The same in any case, the exact name first.
+int IndexInAnyCase(const TTableDescription& Table, std::string_view Name);
+
 }  // namespace velkrund

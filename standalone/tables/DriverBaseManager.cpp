@@ -1,26 +1,16 @@
 #include "standalone/tables/DriverBaseManager.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
 namespace {
 
-/// The exact name first; -1: the table has none of it.
-int FieldOf(const TTableDescription& Table, const std::string& Name) {
-  if (const int Exact = IndexOf(Table, Name); Exact >= 0) return Exact;
-  const auto Found = std::find_if(Table.Columns.begin(), Table.Columns.end(),
-                                  [&](const TColumnInfo& Column) { return SameText(Column.Name, Name); });
-  return Found == Table.Columns.end() ? -1 : static_cast<int>(Found - Table.Columns.begin());
-}
-
 int RequiredField(const TTableDescription& Table, const std::string& Name) {
-  const int Index = FieldOf(Table, Name);
+  const int Index = IndexInAnyCase(Table, Name);
   if (Index >= 0) return Index;
   throw EDatabaseError(Format("Cannot copy rows: table '%s' has no field '%s'", FullName(Table.Table), Name),
                        {.Code = TErrorCode::FieldMissing, .Table = FullName(Table.Table), .Column = Name});
@@ -28,16 +18,16 @@ int RequiredField(const TTableDescription& Table, const std::string& Name) {
 
 }  // namespace
 
-TTableDescription TDriverBaseManager::Description(const std::string& TableName) const {
-  const std::optional<TTableInfo> Found = FConnection.Schema().FindTable(TableName);
+TTableDescription TDriverBaseManager::Description(TConnection& Connection, const std::string& TableName) {
+  const std::optional<TTableInfo> Found = Connection.Schema().FindTable(TableName);
   if (!Found)
     throw EDatabaseError(Format("There is no table '%s' in the database", TableName),
                          {.Code = TErrorCode::TableMissing, .Table = TableName});
-  return FConnection.Schema().Describe(*Found);
+  return Connection.Schema().Describe(*Found);
 }
 
 std::int64_t TDriverBaseManager::CopyTableData(const std::string& Source, const std::string& Target, bool Replace) {
-  const TTableDescription From = Description(Source), To = Description(Target);
+  const TTableDescription From = Description(FConnection, Source), To = Description(FConnection, Target);
   std::vector<TColumnPair> Pairs;
   for (std::size_t Index = 0; Index < From.Columns.size(); ++Index) {
     const int Field = RequiredField(To, From.Columns[Index].Name);
@@ -48,17 +38,24 @@ std::int64_t TDriverBaseManager::CopyTableData(const std::string& Source, const 
   return FConnection.Rows().CopyRows(From, To, Pairs);
 }
 
-std::optional<std::int64_t> TDriverBaseManager::CopyFields(const std::string& Source, const std::string& Target,
-                                                           const TFieldPairs& Fields) {
-  const TTableDescription From = Description(Source), To = Description(Target);
+std::optional<std::int64_t> TDriverBaseManager::CopyFields(const std::string& SourceDatabase, const std::string& Source,
+                                                           const std::string& Target, const TFieldPairs& Fields,
+                                                           bool MovesAutoSequence) {
+  TConnection& From = FConnections ? FConnections(SourceDatabase) : FConnection;
+  TRowCopier* const Copier = FConnection.CopierFrom(From);
+  if (!Copier) return std::nullopt;
+  const TTableDescription Old = Description(From, Source), New = Description(FConnection, Target);
   std::vector<TColumnPair> Pairs;
-  for (const auto& [Old, New] : Fields) Pairs.push_back({RequiredField(From, Old), RequiredField(To, New)});
-  if (!FConnection.Rows().CopiesExactly(From, To, Pairs)) return std::nullopt;
-  return FConnection.Rows().CopyRows(From, To, Pairs);
+  for (const auto& [OldName, NewName] : Fields)
+    Pairs.push_back({RequiredField(Old, OldName), RequiredField(New, NewName)});
+  if (!Copier->CopiesExactly(Old, New, Pairs)) return std::nullopt;
+  const std::int64_t Rows = Copier->CopyRows(Old, New, Pairs);
+  if (MovesAutoSequence) FConnection.Rows().MoveAutoSequence(New, Pairs);
+  return Rows;
 }
 
 void TDriverBaseManager::DropTable(const std::string& TableName) {
-  const TTableDescription Table = Description(TableName);
+  const TTableDescription Table = Description(FConnection, TableName);
   FConnection.Execute("DROP TABLE " + FConnection.Dialect().SQLName(Table.Table));
 }
 

@@ -3,82 +3,65 @@
 #include <numeric>
 
 #include "standalone/drivers/OrderingKey.h"
+#include "standalone/drivers/ReadAhead.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
-
-class TDriverTable::TDriverField final : public TField {
- public:
-  TDriverField(TDriverTable& Table, const TColumnInfo& Column, int Index)
-      : TField(Column.Name, Column.Kind), FTable(Table), FIndex(Index) {}
-
-  const TKvVariant& Value() override {
-    if (FRow != FTable.FRow) {
-      if (!FTable.FCursor)
-        throw EDatabaseError(
-            Format("Field '%s' of table '%s' has no value: the table stands on no row", Name(), FTable.TableName()));
-      FTable.FCursor->Read(FIndex, FValue);
-      FRow = FTable.FRow;
-    }
-    return FValue;
-  }
-
- private:
-  TDriverTable& FTable;
-  int FIndex;
-  std::int64_t FRow = -1;  // the row of FValue
-  TKvVariant FValue;
-};
-
-class TDriverTable::TDriverRecord final : public TRecord {
- public:
-  explicit TDriverRecord(TDriverTable& Table) {
-    const std::vector<TColumnInfo>& Columns = Table.FDescription.Columns;
-    FFields.reserve(Columns.size());
-    for (std::size_t I = 0; I < Columns.size(); ++I)
-      FFields.push_back(std::make_unique<TDriverField>(Table, Columns[I], static_cast<int>(I)));
-  }
-
-  int FieldCount() const override { return static_cast<int>(FFields.size()); }
-  TField& Fields(int Index) override { return *FFields.at(static_cast<std::size_t>(Index)); }
-  const std::vector<std::unique_ptr<TDriverField>>& All() const { return FFields; }
-
- private:
-  std::vector<std::unique_ptr<TDriverField>> FFields;
-};
 
 TDriverTable::TDriverTable(TConnection& Connection, const TTableInfo& Table, bool ReadWrite)
     : FConnection(Connection),
       FDescription(Connection.Schema().Describe(Table)),
       FName(FullName(Table)),
       FReadWrite(ReadWrite),
-      FRecord(std::make_unique<TDriverRecord>(*this)) {}
+      FRecord(Format("table '%s'", FName), FDescription.Columns) {}
 
 TDriverTable::~TDriverTable() = default;
-
-TRecord& TDriverTable::Record() { return *FRecord; }
 
 bool TDriverTable::OrderByKey() {
   FOrder = OrderingKey(FConnection.Schema(), FDescription);
   return !FOrder.empty();
 }
 
+std::int64_t TDriverTable::RecordCount() {
+  return FSelection.empty() ? FConnection.Schema().RowCount(FDescription.Table)
+                            : FConnection.Rows().CountRows(FDescription, FSelection);
+}
+
+bool TDriverTable::HasRecords() {
+  return FSelection.empty() ? FConnection.Schema().HasRows(FDescription.Table) : RecordCount() > 0;
+}
+
 bool TDriverTable::First() {
-  FCursor.reset();
+  CloseCursor();
   std::vector<int> Columns(FDescription.Columns.size());
   std::iota(Columns.begin(), Columns.end(), 0);
-  FCursor = FConnection.Rows().OpenCursor(FDescription, Columns, FOrder);
+  FCursor = FConnection.Rows().OpenCursor(FDescription, Columns,
+                                          {.Order = FOrder, .Condition = FSelection, .Unmoved = FUnmoved});
+  if (FReadAhead && FConnection.Capabilities().Threads)
+    FCursor = std::make_unique<TReadAheadCursor>(std::move(FCursor), Columns.size());
   return Next();
 }
 
 bool TDriverTable::Next() {
   if (!FCursor) return false;
-  ++FRow;
-  if (FCursor->Next()) return true;
+  try {
+    if (FCursor->Next()) {
+      FRecord.Move(FCursor.get(), FCursor->Decoded());
+      return true;
+    }
+  } catch (...) {
+    CloseCursor();
+    throw;
+  }
   // Closed at once, so that the engine lets go of the table.
-  FCursor.reset();
+  CloseCursor();
   return false;
+}
+
+void TDriverTable::CloseCursor() {
+  FRecord.Move(nullptr);
+  FCursor.reset();
 }
 
 void TDriverTable::BeginAppend() {
@@ -88,7 +71,7 @@ void TDriverTable::BeginAppend() {
   FAppending = false;
   FAppender.reset();
   FAppendOptions.FirstRecord = 1;
-  FChangedValues = 0;
+  FChangedValues = FUpdatedRecords = 0;
   // What cannot be written at all shows here, before the first record.
   OpenAppender(TColumns::All);
   FAppending = true;
@@ -98,6 +81,7 @@ void TDriverTable::CloseAppender() {
   if (!FAppender) return;
   FAppender->Finish();
   FChangedValues += FAppender->ChangedValues();
+  FUpdatedRecords += FAppender->UpdatedRecords();
   FAppender.reset();
 }
 
@@ -106,7 +90,7 @@ void TDriverTable::OpenAppender(TColumns Which) {
   FValues.clear();
   FAssigned.clear();
   std::vector<int> Columns;
-  for (const auto& Field : FRecord->All()) {
+  for (const auto& Field : FRecord.All()) {
     const std::size_t Index = FAssigned.size();
     const bool IsMeant = Which == TColumns::All || Field->Assigned();
     const bool Written = IsMeant && !FDescription.Columns[Index].Generated;
@@ -119,7 +103,7 @@ void TDriverTable::OpenAppender(TColumns Which) {
 }
 
 bool TDriverTable::AssignedAsBefore() const {
-  const auto& Fields = FRecord->All();
+  const auto& Fields = FRecord.All();
   for (std::size_t I = 0; I < Fields.size(); ++I)
     if (Fields[I]->Assigned() != (FAssigned[I] != 0)) return false;
   return true;

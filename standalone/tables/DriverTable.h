@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "standalone/drivers/Connection.h"
+#include "standalone/tables/CursorRecord.h"
 #include "velkrund/platform/database/Tables.h"
 
 namespace velkrund {
@@ -20,15 +21,20 @@ class TDriverTable final : public TODBCTable {
 
   const std::string& TableName() const override { return FName; }
   std::string SQLName() const override { return FConnection.Dialect().SQLName(FDescription.Table); }
-  TRecord& Record() override;
+  TRecord& Record() override { return FRecord; }
 
-  std::int64_t RecordCount() override { return FConnection.Schema().RowCount(FDescription.Table); }
-  bool HasRecords() override { return FConnection.Schema().HasRows(FDescription.Table); }
+  std::int64_t RecordCount() override;
+  bool HasRecords() override;
   bool OrderByKey() override;
+  void SetSelection(const std::string& Condition) override { FSelection = Condition; }
+  void SetUnmoved(bool Value) override { FUnmoved = Value; }
+  void SetReadAhead(bool Value) override { FReadAhead = Value; }
   bool First() override;
   bool Next() override;
 
   void SetCanRecreateAutoSequence(bool Value) override { FAppendOptions.CanRecreateAutoSequence = Value; }
+  void SetUpdateByKey(bool Value) override { FAppendOptions.UpdateByKey = Value; }
+  std::int64_t UpdatedRecords() const override { return FUpdatedRecords; }
   void SetAllowLoss(bool Value) override { FAppendOptions.AllowLoss = Value; }
   std::int64_t ChangedValues() const override { return FChangedValues; }
   void BeginAppend() override;
@@ -38,9 +44,7 @@ class TDriverTable final : public TODBCTable {
   const TTableDescription& Description() const { return FDescription; }
 
  private:
-  class TDriverField;
-  class TDriverRecord;
-
+  void CloseCursor();
   bool AssignedAsBefore() const;
   enum class TColumns { All, Assigned };
   void OpenAppender(TColumns Which);
@@ -50,15 +54,16 @@ class TDriverTable final : public TODBCTable {
   TTableDescription FDescription;
   std::string FName;
   bool FReadWrite;
-  std::unique_ptr<TDriverRecord> FRecord;
+  TCursorRecord FRecord;
 
-  std::vector<int> FOrder;           // columns that walks go by; empty: the table's own order
+  std::vector<int> FOrder;  // columns that walks go by; empty: the table's own order
+  std::string FSelection;
+  bool FReadAhead = false, FUnmoved = false;
   std::unique_ptr<TCursor> FCursor;  // open between First and the end of the walk
-  std::int64_t FRow = 0;             // counts rows over all walks; tells a field that its value is of an earlier one
 
   bool FAppending = false;
   TAppendOptions FAppendOptions;
-  std::int64_t FChangedValues = 0;
+  std::int64_t FChangedValues = 0, FUpdatedRecords = 0;
   std::unique_ptr<TBulkAppender>
       FAppender;                           // for the fields that the last record assigned; before the first one for all
   std::vector<char> FAssigned;             // per field: part of the appender's columns

@@ -164,7 +164,7 @@ TEST_P(DriverRowCopyTest, RowsGoWholeInTheirOrderAndComputedFieldsAreComputed) {
       GetParam().GeneratedColumn + ")");
   EXPECT_EQ(Manager.CopyTableData("a.\"b", "T", false), 3);
   EXPECT_EQ(Manager.CopyTableData("a.\"b", "T", true), 3);
-  EXPECT_EQ(Manager.CopyFields("a.\"b", "T", {{"ü", "ü"}, {"A", "A"}}), 3);
+  EXPECT_EQ(Manager.CopyFields("", "a.\"b", "T", {{"ü", "ü"}, {"A", "A"}}, false), 3);
   EXPECT_THAT(Rows(*Connection, "T"),
               ElementsAre("18 1|10 c|18 3|18 7|18 4", "18 2|0 |18 1|18 7|18 2", "18 3|10 |18 2|18 7|18 3",
                           "18 1|0 |18 3|18 7|18 4", "18 2|0 |18 1|18 7|18 2", "18 3|0 |18 2|18 7|18 3"));
@@ -200,7 +200,7 @@ TEST_P(DriverRowCopyTest, WhatCannotBeCopiedIsNamedAndNothingIsChanged) {
     EXPECT_THAT(Error, StartsWith("EDatabaseError: Cannot copy the rows of table 'A' into table '" + Case.Target));
     EXPECT_THAT(Error, HasSubstr(Case.Error));
   }
-  const auto CopyNull = [&] { Manager.CopyFields("A", "B", {{"N", "N"}}); };
+  const auto CopyNull = [&] { Manager.CopyFields("", "A", "B", {{"N", "N"}}, false); };
   EXPECT_THAT(ErrorOf(CopyNull), ContainsRegex("Cannot copy the rows of table 'A' into table 'B': .*N"));
   EXPECT_EQ(InfoOf(CopyNull).Code, TErrorCode::RowRefused);
   EXPECT_EQ(InfoOf(CopyNull).Table, "B");
@@ -217,7 +217,9 @@ TEST_P(DriverRowCopyTest, ALongCopyEndsWhenItIsToldTo) {
       "SELECT X.N FROM S X, S Y");
   Other.Connection->Begin(TIsolationLevel::RepeatableRead);
   Wish = TClock::now() + std::chrono::milliseconds(50);
-  const std::string Error = ErrorOf([&] { TDriverBaseManager(*Other.Connection).CopyFields("A", "B", {{"N", "N"}}); });
+  const std::string Error = ErrorOf([&] {
+    TDriverBaseManager(*Other.Connection).CopyFields("", "A", "B", {{"N", "N"}}, false);
+  });
   EXPECT_LT(TClock::now() - *Wish, std::chrono::seconds(2));
   EXPECT_THAT(Error, StartsWith("EAbort: Cannot copy the rows"));
   Wish.reset();

@@ -144,6 +144,9 @@ TEST_F(ManagerTest, InfoTextsAndTrace) {
   EXPECT_EQ(Info.Tables[0].Rows, 1);
   EXPECT_GT(Info.Tables[0].Bytes.value(), 0);
   EXPECT_EQ(Info.Tables[1].Rows, std::nullopt);
+  for (const char* Table : {"b", "C", "A", "velkrund_structures"})
+    Manager.ExecuteSQL(std::string("CREATE TABLE \"") + Table + "\" (N)", "shop");
+  EXPECT_THAT(Manager.UserTableNames("shop"), ElementsAre("A", "b", "C", "T"));
 
   TConfiguration Misspelt = Configured();
   Misspelt.TraceFile = Folder / "none/trace.log";

@@ -121,7 +121,7 @@ TEST_F(PostgreSQLRowsTest, RowsOfATableAloneAreCopiedAsTheyStandAndIdentitiesTak
   // The index holds all fields that are asked for, and is read sooner where all its rows are known to be there.
   for (const char* Statement : {"CHECKPOINT", "VACUUM ANALYZE s"}) Raw.Run(Statement);
   TDriverBaseManager Manager(*Connection);
-  EXPECT_EQ(Manager.CopyFields("s", "t", {{"a", "a"}, {"b", "b"}}), 10000);
+  EXPECT_EQ(Manager.CopyFields("", "s", "t", {{"a", "a"}, {"b", "b"}}, false), 10000);
   EXPECT_EQ(Raw.Rows("SELECT count(*) FROM t WHERE a = b * 7919 % 10007 AND c = b"), "10000\n");
   Raw.Run(
       "CREATE TABLE whole (a bigint, b integer, pad text) PARTITION BY LIST (b); CREATE TABLE part PARTITION OF whole "

@@ -43,7 +43,7 @@ TEST_F(SQLiteRowCopyTest, RowsStandAsTheyStoodAndKeepTheirNumbersWhereNoFieldSho
     Run("CREATE TABLE \"s \"\"t\" " + Case.Source);
     Run("CREATE TABLE \"main.x\" " + Case.Target);
     Run(Case.Rows);
-    EXPECT_EQ(Manager().CopyFields("s \"t", "main.x", {{"a", "a"}, {"b", "b"}}), 3);
+    EXPECT_EQ(Manager().CopyFields("", "s \"t", "main.x", {{"a", "a"}, {"b", "b"}}, false), 3);
     EXPECT_EQ(AskFor("SELECT " + Case.Shown + " FROM \"main.x\" NOT INDEXED"), Case.Result);
     for (const char* Name : {"s \"t", "main.x"}) Manager().DropTable(Name);
   }
@@ -67,7 +67,7 @@ TEST_F(SQLiteRowCopyTest, NothingIsCertainInADatabaseOfOtherTexts) {
   Run("CREATE TABLE S (A)");
   Run("CREATE TABLE T (A)");
   Connection = Connect(Folder / "wide.db");
-  EXPECT_FALSE(Manager().CopyFields("S", "T", {{"A", "A"}}));
+  EXPECT_FALSE(Manager().CopyFields("", "S", "T", {{"A", "A"}}, false));
 }
 
 }  // namespace

@@ -39,6 +39,19 @@ void CheckTakesRows(const TTableInfo& Table, const TPostgreSQLTable& Known, bool
 
 }  // namespace
 
+std::vector<TPostgreSQLColumn> PostgreSQLWrittenColumns(const TPostgreSQLSession& Session,
+                                                        const TTableDescription& Table, const TPostgreSQLTable& Known,
+                                                        std::span<const int> Columns, const std::string& What) {
+  CheckTakesRows(Table.Table, Known, Session.ReadOnly(), What);
+  std::vector<TPostgreSQLColumn> Result;
+  for (const int Index : Columns) {
+    Result.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Index)].Name, What));
+    if (Result.back().Info.Generated)
+      throw EDatabaseError(Format("%s: the engine computes its column '%s'", What, Result.back().Info.Name));
+  }
+  return Result;
+}
+
 TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQLSequences& Sequences,
                                          const TTableDescription& Table, std::span<const int> Columns,
                                          const TAppendOptions& Options)
@@ -52,17 +65,11 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQ
       FPieceFirst(Options.FirstRecord),
       FRecord(Options.FirstRecord) {
   const TPostgreSQLTable Known = ReadPostgreSQLTable(Session, Table.Table, FWhat);
-  CheckTakesRows(Table.Table, Known, Session.ReadOnly(), FWhat);
+  const std::vector<TPostgreSQLColumn> Written = PostgreSQLWrittenColumns(Session, Table, Known, Columns, FWhat);
   FTableOid = Known.Oid;
   FOneWhole = Known.RefersToItself;
-  if (Known.HasTriggers) FTriggers = ReadPostgreSQLInsertTriggers(Session, FTableOid, FWhat);
-  std::vector<TPostgreSQLColumn> Written;
-  for (const int Index : Columns) {
-    Written.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Index)].Name, FWhat));
-    if (Written.back().Info.Generated)
-      throw EDatabaseError(Format("%s: the engine computes its column '%s'", FWhat, Written.back().Info.Name));
-    FNames.push_back(Written.back().Info.Name);
-  }
+  if (Known.HasTriggers) FTriggers = ReadPostgreSQLTriggers(Session, FTableOid, FWhat, {.OnInsert = true});
+  for (const TPostgreSQLColumn& Column : Written) FNames.push_back(Column.Info.Name);
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Written);
   for (const TPostgreSQLColumn& Column : Written)
     FEncoders.emplace_back(Column, Money, Session.CodePage(), Options.AllowLoss);

@@ -13,6 +13,11 @@
 
 namespace velkrund {
 
+/// The columns that are to be written. Raises EDatabaseError when the table takes no rows, or the engine computes one.
+std::vector<TPostgreSQLColumn> PostgreSQLWrittenColumns(const TPostgreSQLSession& Session,
+                                                        const TTableDescription& Table, const TPostgreSQLTable& Known,
+                                                        std::span<const int> Columns, const std::string& What);
+
 /// Rows through COPY, in pieces: one ends when it is large, and before every other statement of the connection. The
 /// server tells of most errors at the end of a piece, and then looks whether the rows that others refer to are there: a
 /// table that refers to itself makes one piece.

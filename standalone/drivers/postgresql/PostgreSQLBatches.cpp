@@ -3,7 +3,9 @@
 #include <libpq-fe.h>
 
 #include <algorithm>
+#include <optional>
 
+#include "standalone/drivers/postgresql/PostgreSQLReadOnly.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -18,13 +20,15 @@ constexpr std::int64_t MaxBatchSize = 16'384;
 }  // namespace
 
 TPostgreSQLBatches::TPostgreSQLBatches(TPostgreSQLSession& Session, std::string What, const std::string& Select,
-                                       std::span<const TKvVariant> Parameters, TPostgreSQLSession::TFormat Format)
+                                       std::span<const TKvVariant> Parameters, TPostgreSQLSession::TFormat Format,
+                                       bool OnlyReads)
     : FSession(Session),
       FWhat(std::move(What)),
       FNumber(Session.NextCursorNumber()),
       FName(TPostgreSQLSession::CursorName(FNumber)),
       FTransaction(Session.TransactionNumber()),
-      FFormat(Format) {
+      FFormat(Format),
+      FOnlyReads(OnlyReads) {
   FSession.Query(FWhat, "DECLARE " + FName + " NO SCROLL CURSOR FOR " + Select, Parameters,
                  TPostgreSQLSession::TFormat::Text);
 }
@@ -34,7 +38,10 @@ TPostgreSQLBatches::~TPostgreSQLBatches() {
 }
 
 void TPostgreSQLBatches::Fetch() {
+  std::optional<TPostgreSQLReadOnly> Part;
+  if (FOnlyReads) Part.emplace(FSession, FWhat);
   FBatch = FSession.Query(FWhat, Format("FETCH FORWARD %d FROM %s", FBatchSize, FName), {}, FFormat);
+  if (Part) Part->Keep();
   FRow = 0;
   FRowCount = FBatch.RowCount();
   FEnded = FRowCount < FBatchSize;

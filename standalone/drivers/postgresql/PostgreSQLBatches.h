@@ -12,9 +12,10 @@ namespace velkrund {
 /// into a bounded memory.
 class TPostgreSQLBatches {
  public:
-  /// Session: borrowed. What begins messages.
+  /// Session: borrowed. What begins messages. OnlyReads: while a batch is made the server refuses whatever would write.
   TPostgreSQLBatches(TPostgreSQLSession& Session, std::string What, const std::string& Select,
-                     std::span<const TKvVariant> Parameters, TPostgreSQLSession::TFormat Format);
+                     std::span<const TKvVariant> Parameters, TPostgreSQLSession::TFormat Format,
+                     bool OnlyReads = false);
   TPostgreSQLBatches(const TPostgreSQLBatches&) = delete;
   TPostgreSQLBatches& operator=(const TPostgreSQLBatches&) = delete;
   ~TPostgreSQLBatches();
@@ -34,6 +35,7 @@ class TPostgreSQLBatches {
   const std::string FName;
   std::int64_t FTransaction;  // which the server's cursor lives in
   const TPostgreSQLSession::TFormat FFormat;
+  const bool FOnlyReads;
   TPostgreSQLResult FBatch;
   int FRow = 0;         // next row of the batch
   int FRowCount = 0;    // of the batch

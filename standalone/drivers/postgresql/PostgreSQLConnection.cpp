@@ -1,5 +1,8 @@
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 
+#include <libpq-fe.h>
+
+#include "standalone/drivers/ReadingThread.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLRoutineSurroundings.h"
 #include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"
@@ -32,6 +35,7 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
   Result.TableSizes = true;
   Result.Generators = true;
   Result.Procedures = true;
+  Result.Threads = PQisthreadsafe() != 0;
   Result.RedefinesViews = true;
   Result.EnforcesForeignKeys = Session.ChecksReferences();
   return Result;
@@ -41,7 +45,7 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
 
 TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
                                              const TConnectOptions& Options)
-    : FSession(ConnectionInfo, ShownName, Options),
+    : FSession(ConnectionInfo, ShownName, TReadingThread::WithCallersCalls(Options)),
       FCapabilities(CapabilitiesOf(FSession)),
       FSequences(FSession, [Warn = Options.Warn](const std::string& Text) {
         if (Warn) Warn(Text);

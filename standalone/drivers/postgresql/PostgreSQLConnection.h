@@ -3,6 +3,7 @@
 #include "standalone/drivers/Driver.h"
 #include "standalone/drivers/postgresql/PostgreSQLCall.h"
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
+#include "standalone/drivers/postgresql/PostgreSQLQuery.h"
 #include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
 #include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
 #include "standalone/drivers/postgresql/PostgreSQLScriptWriter.h"
@@ -39,6 +40,9 @@ class TPostgreSQLConnection final : public TConnection {
   std::unique_ptr<TSurroundings> SurroundingsOfProcedure(const TTableInfo& Procedure) override;
   std::int64_t Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  TQueryRows OpenQuery(const TQueryText& Text, std::span<const TQueryParameter> Parameters) override {
+    return OpenPostgreSQLQuery(FSession, Text, Parameters);
+  }
   std::unique_ptr<TProcedureRun> RunProcedure(const TDicProcedureDescription& Procedure,
                                               const TProcedureArguments& Arguments) override {
     return CallPostgreSQLRoutine(FSession, Procedure, Arguments);

@@ -96,9 +96,9 @@ bool TPostgreSQLCopyCursor::Next() {
 
 void TPostgreSQLCopyCursor::GiveWay(std::string_view What) {
   throw EDatabaseError(
-      Format("%s: the rows of table '%s' are still being read through this connection, which outside "
+      Format("%s: the rows of %s are still being read through this connection, which outside "
              "a transaction takes no other statement meanwhile",
-             What, FSource.TableName));
+             What, FSource.Name));
 }
 
 void TPostgreSQLCopyCursor::Abandon() noexcept {

@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/RowAccess.h"
 #include "standalone/drivers/Schema.h"
 #include "standalone/drivers/postgresql/PostgreSQLBatches.h"
 #include "standalone/drivers/postgresql/PostgreSQLDecoder.h"
+#include "standalone/drivers/postgresql/PostgreSQLReadOnly.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
 namespace velkrund {
@@ -17,10 +18,15 @@ namespace velkrund {
 struct TPostgreSQLSource {
   TPostgreSQLSession& Session;
   std::string What;       // how an error message begins
-  std::string TableName;  // in messages
+  std::string Name;       // in messages: "table 'T'"
   std::string Statement;  // the whole COPY, or the SELECT of a server's cursor
   std::vector<TPostgreSQLDecoder> Decoders;
+  bool OnlyReads = false;                             // the server refuses whatever would write, batch by batch
+  std::unique_ptr<TPostgreSQLReadOnly> Reading = {};  // or as long as the cursor lives
 };
+
+/// The value of the column of T as it is sent.
+std::string PostgreSQLValueOf(const TPostgreSQLColumn& Column);
 
 /// The rows of a table in the engine's binary format. What is common to both ways of fetching them.
 class TPostgreSQLCursor : public TCursor {
@@ -68,6 +74,8 @@ class TPostgreSQLFetchCursor final : public TPostgreSQLCursor {
   explicit TPostgreSQLFetchCursor(TPostgreSQLSource Source);
 
   bool Next() override;
+  /// The transaction would be lost, too.
+  bool StopsAlone() const override { return false; }
 
  private:
   TPostgreSQLBatches FBatches;
@@ -90,9 +98,13 @@ class TPostgreSQLQueryCursor final : public TCursor {
 
 enum class TPostgreSQLReading { Copy, InBatches };
 
-/// Columns, Order: indexes into the description's columns, as for TRowAccess.
+/// Raises EDatabaseError, with What at the beginning, unless Condition is one expression about rows of Table.
+void CheckPostgreSQLSelection(TPostgreSQLSession& Session, const TTableDescription& Table, std::string_view Condition,
+                              const std::string& What);
+
+/// Columns, Options: as for TRowAccess.
 std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const TTableDescription& Table,
-                                              std::span<const int> Columns, std::span<const int> Order,
+                                              std::span<const int> Columns, const TWalkOptions& Options,
                                               TPostgreSQLReading Reading);
 
 }  // namespace velkrund

@@ -15,4 +15,10 @@ std::string TPostgreSQLDialect::ColumnType(TKvKind Kind) const {
   return Kind == TKvKind::String ? "text" : "bigint";
 }
 
+const TQuerySyntax& TPostgreSQLDialect::QuerySyntax() const {
+  static constexpr TQuerySyntax Result = {
+      .Escapes = true, .DollarQuotes = true, .NestedComments = true, .LineEnds = "\r\n", .ParameterMarks = "$"};
+  return Result;
+}
+
 }  // namespace velkrund

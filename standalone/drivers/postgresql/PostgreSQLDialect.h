@@ -21,6 +21,7 @@ class TPostgreSQLDialect final : public TDialect {
   std::string QualifiedName(const TTableInfo& Table) const;
   std::string ParameterMark(int Number) const override { return "$" + std::to_string(Number); }
   std::string ColumnType(TKvKind Kind) const override;
+  const TQuerySyntax& QuerySyntax() const override;
 
  private:
   std::string FCurrentSchema;

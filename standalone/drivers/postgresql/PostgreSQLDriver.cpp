@@ -71,25 +71,47 @@ bool HasUnclearPassword(const TDatabaseUrl& Url) {
 
 }  // namespace
 
+/// What the client library makes of the address and the environment.
+class TPostgreSQLDriver::TMeant {
+ public:
+  explicit TMeant(const TDatabaseUrl& Url) : FParameters(ParametersOf(Url)) {
+    const TOptions Defaults(PQconndefaults());
+    // A service's values come before those of the environment, so that those say nothing.
+    const TParameters Environment = Given(Defaults.get());
+    FHasService = FParameters.contains("service") || Environment.contains("service");
+    if (!FHasService)
+      for (const auto& [Keyword, Value] : Environment) FParameters.try_emplace(Keyword, Value);
+    else if (const auto Service = Environment.find("service"); Service != Environment.end())
+      FParameters.try_emplace("service", Service->second);
+  }
+
+  std::string Value(std::string_view Keyword) const {
+    const auto Found = FParameters.find(Keyword);
+    return Found == FParameters.end() ? std::string() : Found->second;
+  }
+  std::string Database() const {
+    std::string Host = Value("host");
+    if (Host.empty()) Host = Value("hostaddr");
+    // One machine by its usual names.
+    if (Host == "localhost" || Host == "::1") Host = "127.0.0.1";
+    std::string Name = Value("dbname");
+    if (Name.empty() && !FHasService) Name = Value("user");
+    return Format("%s:%s/%s/%s", Host, Value("port"), Name, Value("service"));
+  }
+
+ private:
+  TParameters FParameters;
+  bool FHasService = false;
+};
+
 std::string TPostgreSQLDriver::Identity(const TDatabaseUrl& Url, const TConnectOptions& /*Options*/) const {
-  TParameters Parameters = ParametersOf(Url);
-  const TOptions Defaults(PQconndefaults());
-  // A service's values come before those of the environment, so that those say nothing.
-  const TParameters Environment = Given(Defaults.get());
-  const bool HasService = Parameters.contains("service") || Environment.contains("service");
-  if (!HasService)
-    for (const auto& [Keyword, Value] : Environment) Parameters.try_emplace(Keyword, Value);
-  else if (const auto Service = Environment.find("service"); Service != Environment.end())
-    Parameters.try_emplace("service", Service->second);
-  const auto ValueOf = [&](std::string_view Keyword) {
-    const auto Found = Parameters.find(Keyword);
-    return Found == Parameters.end() ? std::string() : Found->second;
-  };
-  std::string Host = ValueOf("host");
-  if (Host.empty()) Host = ValueOf("hostaddr");
-  std::string Name = ValueOf("dbname");
-  if (Name.empty() && !HasService) Name = ValueOf("user");
-  return Format("%s:%s/%s/%s", Host, ValueOf("port"), Name, ValueOf("service"));
+  return TMeant(Url).Database();
+}
+
+/// Rights, search path and settings are those of a session.
+std::string TPostgreSQLDriver::SessionIdentity(const TDatabaseUrl& Url, const TConnectOptions& /*Options*/) const {
+  const TMeant Meant(Url);
+  return Format("%s %s %s", Meant.Database(), Meant.Value("user"), Meant.Value("options"));
 }
 
 std::unique_ptr<TConnection> TPostgreSQLDriver::Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const {

@@ -14,10 +14,12 @@ class TPostgreSQLDriver final : public TDriver {
   bool Accepts(std::string_view Scheme) const override { return Scheme == "postgresql" || Scheme == "postgres"; }
   /// Host, port, database and service, wherever they come from.
   std::string Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
+  std::string SessionIdentity(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
   std::unique_ptr<TConnection> Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const override;
   const TScriptWriter& Scripts() const override { return FScripts; }
 
  private:
+  class TMeant;
   const TPostgreSQLScriptWriter FScripts{};
 };
 

@@ -6,7 +6,8 @@ namespace velkrund {
 
 TPostgreSQLFetchCursor::TPostgreSQLFetchCursor(TPostgreSQLSource Source)
     : TPostgreSQLCursor(std::move(Source)),
-      FBatches(FSource.Session, FSource.What, FSource.Statement, {}, TPostgreSQLSession::TFormat::Binary) {}
+      FBatches(FSource.Session, FSource.What, FSource.Statement, {}, TPostgreSQLSession::TFormat::Binary,
+               FSource.OnlyReads) {}
 
 bool TPostgreSQLFetchCursor::Next() {
   if (!FBatches.Next()) return false;

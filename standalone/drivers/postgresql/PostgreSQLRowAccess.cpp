@@ -5,10 +5,12 @@
 #include <algorithm>
 
 #include "standalone/drivers/RowCopy.h"
+#include "standalone/drivers/Selection.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLRowCopy.h"
+#include "standalone/drivers/postgresql/PostgreSQLUpdater.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -17,7 +19,7 @@ namespace {
 /// What the engine would do beside, or instead: triggers, and rules for insertions (ev_type 3).
 std::vector<std::string> ActionsOnInsert(TPostgreSQLSession& Session, const std::string& TableOid,
                                          const std::string& What) {
-  std::vector<std::string> Result = ReadPostgreSQLInsertTriggers(Session, TableOid, What);
+  std::vector<std::string> Result = ReadPostgreSQLTriggers(Session, TableOid, What, {.OnInsert = true});
   const TPostgreSQLResult Rules =
       Session.Query(What,
                     CatalogueStatement("SELECT w.rulename FROM pg_catalog.pg_rewrite w WHERE w.ev_class = "
@@ -46,16 +48,27 @@ std::string CopyStatement(const TTableDescription& Source, const TTableDescripti
 }  // namespace
 
 std::unique_ptr<TCursor> TPostgreSQLRowAccess::OpenCursor(const TTableDescription& Table, std::span<const int> Columns,
-                                                          std::span<const int> Order) {
+                                                          const TWalkOptions& Options) {
   // A COPY is the quickest, but holds the connection.
   const bool Whole = FSession.OnlyReads() || !FSession.InTransaction();
-  return OpenPostgreSQLCursor(FSession, Table, Columns, Order,
+  return OpenPostgreSQLCursor(FSession, Table, Columns, Options,
                               Whole ? TPostgreSQLReading::Copy : TPostgreSQLReading::InBatches);
+}
+
+std::int64_t TPostgreSQLRowAccess::CountRows(const TTableDescription& Table, std::string_view Condition) {
+  const std::string What =
+      SelectionFailed(Format("Cannot count the rows of table '%s'", FullName(Table.Table)), Condition);
+  CheckPostgreSQLSelection(FSession, Table, Condition, What);
+  return FSession
+      .Query(What, "SELECT pg_catalog.count(*) FROM " + FSession.Dialect().SQLName(Table.Table) + " AS T" +
+                       SelectionWords(Condition))
+      .Integer(0, 0);
 }
 
 std::unique_ptr<TBulkAppender> TPostgreSQLRowAccess::OpenAppender(const TTableDescription& Table,
                                                                   std::span<const int> Columns,
                                                                   const TAppendOptions& Options) {
+  if (Options.UpdateByKey) return std::make_unique<TPostgreSQLUpdater>(FSession, FSequences, Table, Columns, Options);
   return std::make_unique<TPostgreSQLAppender>(FSession, FSequences, Table, Columns, Options);
 }
 
@@ -102,6 +115,13 @@ std::int64_t TPostgreSQLRowAccess::CopyRows(const TTableDescription& Source, con
   const TPostgreSQLTable To = ReadPostgreSQLTable(FSession, Target.Table, What);
   CheckNothingActs(Source.Table, Target.Table, ActionsOnInsert(FSession, To.Oid, What));
   return FSession.Query(What, CopyStatement(Source, Target, From.Kind == 'r', Pairs, FSession.Dialect())).TagCount();
+}
+
+void TPostgreSQLRowAccess::MoveAutoSequence(const TTableDescription& Target, std::span<const TColumnPair> Pairs) {
+  std::vector<std::string> Names;
+  for (const TColumnPair& Pair : Pairs) Names.push_back(Target.Columns[static_cast<std::size_t>(Pair.To)].Name);
+  const std::string What = Format("Cannot append to table '%s'", FullName(Target.Table));
+  FSequences.Note(ReadPostgreSQLTable(FSession, Target.Table, What).Oid, Names);
 }
 
 }  // namespace velkrund

@@ -60,6 +60,11 @@ void TPostgreSQLSequences::Note(const std::string& TableOid, const std::vector<s
   if (!FSession.InTransaction()) Move();
 }
 
+void TPostgreSQLSequences::Note(const std::string& TableOid, const std::vector<std::string>& Names) {
+  for (const std::string& Name : Names) FWritten.push_back({TableOid, Name, std::nullopt, std::nullopt});
+  if (!FSession.InTransaction()) Move();
+}
+
 std::string TPostgreSQLSequences::Tables() const {
   std::set<std::string> Oids;
   for (const TWritten& Written : FWritten) Oids.insert(Written.TableOid);

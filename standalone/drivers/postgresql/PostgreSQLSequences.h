@@ -26,6 +26,8 @@ class TPostgreSQLSequences {
   /// Rows were written. TableOid: in decimal. Names and Encoders: of their columns.
   void Note(const std::string& TableOid, const std::vector<std::string>& Names,
             const std::vector<TPostgreSQLEncoder>& Encoders);
+  /// The same for rows whose values nobody has seen.
+  void Note(const std::string& TableOid, const std::vector<std::string>& Names);
   void Move();
 
   // As the session's.
@@ -37,7 +39,7 @@ class TPostgreSQLSequences {
  private:
   struct TWritten {
     std::string TableOid, Column;
-    std::optional<std::int64_t> Highest, Lowest;  // nothing: values that are no integers
+    std::optional<std::int64_t> Highest, Lowest;  // nothing: not known, or no integers
   };
   struct TSequence {
     std::string Name, Columns;

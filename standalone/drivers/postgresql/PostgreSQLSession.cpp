@@ -167,6 +167,7 @@ void TPostgreSQLSession::Prepare(std::string_view What) {
 
 void TPostgreSQLSession::Begin(std::string_view Level) {
   const std::string What = About("start a transaction in");
+  if (FStream) FStream->GiveWay(What);
   if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
   Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
   FOnlyReads = false;
@@ -225,16 +226,20 @@ void TPostgreSQLSession::ReleaseSavepoint(int Number) {
 
 void TPostgreSQLSession::RollbackToSavepoint(int Number) {
   if (!FTransactionOpen || IsLost()) return;
+  TakePartBack(SavepointName(Number));
+  if (IsLost()) return;
+  ForgetCursors(FMarks.at(static_cast<std::size_t>(Number) - 1));
+  FMarks.resize(static_cast<std::size_t>(Number) - 1);
+}
+
+void TPostgreSQLSession::TakePartBack(const std::string& Mark) {
   if (FStream) FStream->Abandon();
-  const std::string Name = SavepointName(Number);
   for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
-    const TPostgreSQLResult Result = Run(Words + Name, {}, TFormat::Text, false);
+    const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, false);
     // A connection that is lost here has taken the whole transaction with it; the next statement says so.
     if (IsLost()) return;
     if (!Result.Handle() || Result.IsError()) Raise(About("take a part of the transaction back in"), Result);
   }
-  ForgetCursors(FMarks.at(static_cast<std::size_t>(Number) - 1));
-  FMarks.resize(static_cast<std::size_t>(Number) - 1);
 }
 
 /// Those with a higher number are gone.
@@ -306,6 +311,17 @@ TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::st
   return Result;
 }
 
+TPostgreSQLResult TPostgreSQLSession::Describe(std::string_view What, const std::string& Statement) {
+  Prepare(What);
+  FWait.Begin(true);
+  TPostgreSQLResult Result;
+  if (PQsendPrepare(Handle(), "", Statement.c_str(), 0, nullptr) != 0) Result = Answer();
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
+  Result = PQsendDescribePrepared(Handle(), "") != 0 ? Answer() : TPostgreSQLResult();
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
+  return Result;
+}
+
 void TPostgreSQLSession::Send(std::string_view What, const std::string& Statement,
                               std::span<const TKvVariant> Parameters, TFormat Format) {
   if (Statement.find('\0') != std::string::npos)
@@ -355,6 +371,46 @@ TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std:
   if (!Last.Handle() || Last.IsError()) Raise(What, Last, Statement);
   if (PQresultStatus(Last.Handle()) == PGRES_EMPTY_QUERY) throw EDatabaseError(Format("%s: it is empty", What));
   return Last;
+}
+
+TPostgreSQLResult TPostgreSQLSession::ExecuteForEach(const std::string& Statement, const std::vector<unsigned>& Types,
+                                                     const std::vector<const char*>& Values,
+                                                     const std::function<void(const TPostgreSQLResult& Answer)>& Took) {
+  FWait.Begin(true);
+  PQenterPipelineMode(Handle());
+  // So that nothing waits inside the client library.
+  PQsetnonblocking(Handle(), 1);
+  const int Count = static_cast<int>(Types.size());
+  bool Sent = PQsendPrepare(Handle(), "", Statement.c_str(), Count, Types.data()) == 1;
+  for (std::size_t At = 0; At < Values.size() && Sent; At += Types.size()) {
+    Sent = PQsendQueryPrepared(Handle(), "", Count, Values.data() + At, nullptr, nullptr, 0) == 1;
+    FWait.ForRoom(Handle());
+  }
+  PQpipelineSync(Handle());
+  FWait.ForRoom(Handle());
+  TPostgreSQLResult Failed = PipelineAnswers(Took);
+  PQsetnonblocking(Handle(), 0);
+  PQexitPipelineMode(Handle());
+  NoteTransaction();
+  return Failed;
+}
+
+/// Until the end of a pipeline; the first error in it.
+TPostgreSQLResult TPostgreSQLSession::PipelineAnswers(
+    const std::function<void(const TPostgreSQLResult& Answer)>& Took) {
+  TPostgreSQLResult Failed;
+  while (!IsLost()) {
+    TPostgreSQLResult Result(NextResult());
+    // Between the answers to two statements there is none.
+    if (!Result.Handle()) continue;
+    const ExecStatusType Status = PQresultStatus(Result.Handle());
+    if (Status == PGRES_PIPELINE_SYNC) break;
+    if (Status == PGRES_TUPLES_OK)
+      Took(Result);
+    else if (Result.IsError() && !Failed.Handle())
+      Failed = std::move(Result);
+  }
+  return Failed;
 }
 
 void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Statement) {

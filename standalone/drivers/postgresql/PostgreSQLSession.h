@@ -64,6 +64,8 @@ class TPostgreSQLSession {
   void SetSavepoint(int Number);
   void ReleaseSavepoint(int Number);
   void RollbackToSavepoint(int Number);
+  /// Undoes what came after the mark of that name, and forgets it.
+  void TakePartBack(const std::string& Mark);
   bool InTransaction() const { return FTransactionOpen; }
   /// Whether the last transaction was begun by BeginReading.
   bool OnlyReads() const { return FOnlyReads; }
@@ -88,6 +90,16 @@ class TPostgreSQLSession {
   /// The same with parameters of any kind.
   TPostgreSQLResult Query(std::string_view What, const std::string& Statement, std::span<const TKvVariant> Parameters,
                           TFormat Format);
+
+  /// Has the server read one statement that it does not run. The answer names the columns of its rows.
+  TPostgreSQLResult Describe(std::string_view What, const std::string& Statement);
+
+  /// For the holder: executes one statement for every row of Values, texts whose types the server is told, without
+  /// waiting for one answer before the next. Took is called with each answer, in order; an error ends the rows and is
+  /// returned. Outside of a transaction all of them are undone then.
+  TPostgreSQLResult ExecuteForEach(const std::string& Statement, const std::vector<unsigned>& Types,
+                                   const std::vector<const char*>& Values,
+                                   const std::function<void(const TPostgreSQLResult& Answer)>& Took);
 
   /// Makes whoever holds the connection give way, and Stream the holder.
   void Occupy(TPostgreSQLStream& Stream, std::string_view What);
@@ -130,6 +142,7 @@ class TPostgreSQLSession {
                         bool MayStop = true);
   pg_result* NextResult();
   TPostgreSQLResult Answer();
+  TPostgreSQLResult PipelineAnswers(const std::function<void(const TPostgreSQLResult& Answer)>& Took);
   static void TakeNotice(void* Session, const pg_result* Notice) noexcept;
   void Send(std::string_view What, const std::string& Statement, std::span<const TKvVariant> Parameters,
             TFormat Format);

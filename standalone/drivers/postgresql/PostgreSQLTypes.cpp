@@ -166,6 +166,39 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
   return Result;
 }
 
+std::vector<TPostgreSQLColumn> ReadPostgreSQLColumns(TPostgreSQLSession& Session,
+                                                     const std::vector<TPostgreSQLQueryColumn>& Columns,
+                                                     const std::string& What) {
+  // The value of a pseudo-type cannot be cast to it.
+  static const std::string Statement = CatalogueStatement(
+      "SELECT pg_catalog.format_type(t.oid, q.modifier), CASE WHEN t.typcategory = 'A' THEN t.typelem ELSE 0 END, "
+      "t.typcategory, pg_catalog.quote_ident(pn.nspname) || '.' || pg_catalog.quote_ident(p.proname), "
+      "CASE WHEN t.typtype <> 'p' THEN pg_catalog.quote_ident(n.nspname) || '.' || "
+      "pg_catalog.quote_ident(t.typname) END "
+      "FROM ROWS FROM (pg_catalog.unnest($1::pg_catalog.oid[]), pg_catalog.unnest($2::pg_catalog.int4[])) "
+      "WITH ORDINALITY AS q (type, modifier, place) JOIN pg_catalog.pg_type t ON t.oid = q.type "
+      "JOIN pg_catalog.pg_namespace n ON n.oid = t.typnamespace "
+      "JOIN pg_catalog.pg_proc p ON p.oid = t.typoutput::pg_catalog.oid "
+      "JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace ORDER BY q.place");
+  std::string Types, Modifiers;
+  for (const TPostgreSQLQueryColumn& Column : Columns) {
+    Types += (Types.empty() ? "{" : ",") + std::to_string(Column.Type);
+    Modifiers += (Modifiers.empty() ? "{" : ",") + std::to_string(Column.Modifier);
+  }
+  const TPostgreSQLResult Rows = Session.Query(What, Statement, {(Types + "}").c_str(), (Modifiers + "}").c_str()});
+  std::vector<TPostgreSQLColumn> Result(Columns.size());
+  for (std::size_t I = 0; I < Columns.size(); ++I) {
+    const int Row = static_cast<int>(I);
+    if (Row >= Rows.RowCount()) throw EDatabaseError(What + ": the type of one of its columns is gone");
+    Result[I].Info.Name = "c" + std::to_string(I + 1);
+    Result[I].Info.DeclaredType = Rows.Copy(Row, 0);
+    Result[I].OutputFunction = Rows.Copy(Row, 3);
+    Result[I].DomainOver = Rows.Copy(Row, 4);
+    SetType(Result[I], Columns[I].Type, Columns[I].Modifier, Rows.Integer(Row, 1), Rows.Text(Row, 2));
+  }
+  return Result;
+}
+
 const TPostgreSQLColumn& ColumnOf(const TPostgreSQLTable& Table, std::string_view Name, const std::string& What) {
   for (const TPostgreSQLColumn& Column : Table.Columns)
     if (Column.Info.Name == Name) return Column;

@@ -67,6 +67,17 @@ TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid);
 /// The column of that name; raises EDatabaseError when it is gone.
 const TPostgreSQLColumn& ColumnOf(const TPostgreSQLTable& Table, std::string_view Name, const std::string& What);
 
+/// A column of the rows of a query: the numbers of its type, which is no domain's, and of its modifier.
+struct TPostgreSQLQueryColumn {
+  std::string Name;
+  unsigned Type;
+  int Modifier;
+};
+/// The same columns in their order, named "c1", "c2" ... What begins messages.
+std::vector<TPostgreSQLColumn> ReadPostgreSQLColumns(TPostgreSQLSession& Session,
+                                                     const std::vector<TPostgreSQLQueryColumn>& Columns,
+                                                     const std::string& What);
+
 /// How amounts of type money are written and counted. The server's setting lc_monetary decides.
 struct TPostgreSQLMoney {
   std::int64_t MinorUnits = 100;  // in one unit: a power of ten

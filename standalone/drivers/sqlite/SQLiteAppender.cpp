@@ -68,7 +68,8 @@ TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Tab
       FAllowLoss(Options.AllowLoss),
       FRecord(Options.FirstRecord) {
   for (const int Index : Columns) FNames.push_back(Table.Columns[static_cast<std::size_t>(Index)].Name);
-  if (!Traits.OneByOne) MakeRoom();
+  if (!Traits.Update.empty()) FUpdate.emplace(Database, FTable, Columns, Traits, 1, Traits.Update);
+  if (!Traits.OneByOne && !FUpdate) MakeRoom();
 }
 
 TSQLiteAppender::~TSQLiteAppender() {
@@ -77,7 +78,11 @@ TSQLiteAppender::~TSQLiteAppender() {
 
 TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
                                   const TTraits& Traits, std::size_t Rows)
-    : Statement(Database, InsertText(Table, Columns, Rows), What(Table.Table.Name), TSQLiteStatement::TUse::Often) {
+    : TInsert(Database, Table, Columns, Traits, Rows, InsertText(Table, Columns, Rows)) {}
+
+TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+                                  const TTraits& Traits, std::size_t Rows, const std::string& Text)
+    : Statement(Database, Text, What(Table.Table.Name), TSQLiteStatement::TUse::Often) {
   Binders.reserve(Columns.size() * Rows);
   int Place = 0;
   for (std::size_t Row = 0; Row < Rows; ++Row) {
@@ -175,9 +180,32 @@ void TSQLiteAppender::InsertHeldOneByOne() {
   for (std::size_t At = 0; At < All.size(); At += FNames.size()) InsertOne(All.subspan(At, FNames.size()));
 }
 
-void TSQLiteAppender::InsertOne(TRow Row) {
+void TSQLiteAppender::Bind(TInsert& Insert, TRow Row) const {
   for (std::size_t I = 0; I < Row.size(); ++I)
-    if (const TSQLiteBinder::TRefusal Refusal = FOne.Binders[I].Bind(*Row[I])) RaiseRefused(I, *Row[I], Refusal);
+    if (const TSQLiteBinder::TRefusal Refusal = Insert.Binders[I].Bind(*Row[I]))
+      RaiseRefused(Insert.Binders[I], I, *Row[I], Refusal);
+}
+
+/// False: there is no row with the record's key.
+bool TSQLiteAppender::UpdateOne(TRow Row) {
+  Bind(*FUpdate, Row);
+  const int Code = sqlite3_step(FUpdate->Statement.Handle());
+  if (Code != SQLITE_DONE && Code != SQLITE_ROW) RaiseEngineError(*FUpdate, RecordText(), Place());
+  const bool Found =
+      Code == SQLITE_ROW || (sqlite3_stmt_readonly(FUpdate->Statement.Handle()) == 0 && sqlite3_changes(FDatabase) > 0);
+  sqlite3_reset(FUpdate->Statement.Handle());
+  if (!Found) return false;
+  CountReplaced(*FUpdate);
+  ++FUpdatedRecords;
+  return true;
+}
+
+void TSQLiteAppender::InsertOne(TRow Row) {
+  if (FUpdate && UpdateOne(Row)) {
+    ++FRecord;
+    return;
+  }
+  Bind(FOne, Row);
   if (sqlite3_step(FOne.Statement.Handle()) != SQLITE_DONE) RaiseEngineError(FOne, RecordText(), Place());
   sqlite3_reset(FOne.Statement.Handle());
   // A trigger can drop the row; nobody would miss it until it is needed.
@@ -218,9 +246,10 @@ bool TSQLiteAppender::IsOfTrigger(std::string_view Message) const {
 
 TErrorInfo TSQLiteAppender::Place() const { return {.Table = FTableName, .Record = FRecord}; }
 
-void TSQLiteAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
+void TSQLiteAppender::RaiseRefused(const TSQLiteBinder& Binder, std::size_t Column, const TKvVariant& Value,
+                                   std::string_view Reason) const {
   TErrorInfo Info = RefusedValue(FTableName, FNames[Column], FRecord, Value);
-  if (FOne.Binders[Column].RefusedLoss()) Info.Code = TErrorCode::Loss;
+  if (Binder.RefusedLoss()) Info.Code = TErrorCode::Loss;
   throw EDatabaseError(Format("%s, column '%s': %s", RecordText(), FNames[Column], Reason), std::move(Info));
 }
 

@@ -24,6 +24,7 @@ class TSQLiteAppender final : public TBulkAppender {
     int RowNumberColumn = -1;                // index of the column that stands for the row number; -1: none
     bool OneByOne = false;                   // what a row does can depend on the statement that it is part of
     std::vector<std::string> Triggers = {};  // that fire for the rows
+    std::string Update = {};  // that takes a record's place, with its values at their places; empty: none
   };
 
   TSQLiteAppender(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
@@ -33,6 +34,7 @@ class TSQLiteAppender final : public TBulkAppender {
   void Append(std::span<const TKvVariant* const> Row) override;
   void Finish() override { InsertHeldOneByOne(); }
   std::int64_t ChangedValues() const override { return FChangedValues; }
+  std::int64_t UpdatedRecords() const override { return FUpdatedRecords; }
 
  private:
   using TRow = std::span<const TKvVariant* const>;
@@ -40,6 +42,9 @@ class TSQLiteAppender final : public TBulkAppender {
   struct TInsert {
     TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits,
             std::size_t Rows);
+    /// Text: of one row.
+    TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits,
+            std::size_t Rows, const std::string& Text);
     TSQLiteStatement Statement;
     std::vector<TSQLiteBinder> Binders;  // one per place, row by row
   };
@@ -51,10 +56,13 @@ class TSQLiteAppender final : public TBulkAppender {
   bool BindHeld();
   void InsertHeldOneByOne();
   void InsertOne(TRow Row);
+  void Bind(TInsert& Insert, TRow Row) const;
+  bool UpdateOne(TRow Row);
   void CountReplaced(const TInsert& Insert);
   bool IsOfTrigger(std::string_view Message) const;
   TErrorInfo Place() const;
-  [[noreturn]] void RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const;
+  [[noreturn]] void RaiseRefused(const TSQLiteBinder& Binder, std::size_t Column, const TKvVariant& Value,
+                                 std::string_view Reason) const;
   [[noreturn]] void RaiseEngineError(const TInsert& Insert, const std::string& What, TErrorInfo Place) const;
   std::string RecordText() const;
   std::string HeldText() const;
@@ -69,13 +77,14 @@ class TSQLiteAppender final : public TBulkAppender {
   const std::vector<int> FColumns;
   const TTraits FTraits;
   TInsert FOne;
+  std::optional<TInsert> FUpdate;              // tried before FOne
   std::optional<TInsert> FMany;                // made when the first rows are together
   std::vector<TKvVariant> FHeld;               // room for the rows of FMany; none: every row goes by itself
   std::vector<const TKvVariant*> FHeldPlaces;  // to FHeld's values
   std::size_t FHeldCount = 0;                  // values in FHeld
   std::vector<std::string> FNames;
   bool FAllowLoss;
-  std::int64_t FChangedValues = 0;
+  std::int64_t FChangedValues = 0, FUpdatedRecords = 0;
   std::int64_t FRecord;  // number of the next record that reaches the engine
 };
 

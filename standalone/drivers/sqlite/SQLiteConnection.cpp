@@ -2,10 +2,12 @@
 
 #include <sqlite3.h>
 
+#include "standalone/drivers/ReadingThread.h"
 #include "standalone/drivers/sqlite/SQLiteExecution.h"
 #include "standalone/drivers/sqlite/SQLiteSafeguards.h"
 #include "standalone/drivers/sqlite/SQLiteScriptCheck.h"
 #include "standalone/drivers/sqlite/SQLiteScriptRun.h"
+#include "standalone/drivers/sqlite/SQLiteSelect.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "standalone/drivers/sqlite/SQLiteSurroundings.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -19,16 +21,33 @@ TCapabilities CapabilitiesOf(const TSQLiteDatabase& Database) {
   Result.TransactionalSchema = true;
   Result.MixedKinds = true;
   Result.NulInText = true;
+  Result.Threads = sqlite3_threadsafe() != 0;
   Result.TableSizes = sqlite3_compileoption_used("ENABLE_DBSTAT_VTAB") == 1;
   TSQLiteStatement Enforced(Database.Handle(), "PRAGMA foreign_keys", Database.About("open"));
   Result.EnforcesForeignKeys = Enforced.Step() && Enforced.Integer(0) != 0;
   return Result;
 }
 
+/// By which it is attached.
+constexpr const char* SourceName = "velkrund_source";
+
+/// Whether another connection sees in the file what this one sees.
+bool ShowsTheSameToOthers(const TSQLiteDatabase& Database) {
+  sqlite3* const Handle = Database.Handle();
+  if (sqlite3_txn_state(Handle, "main") == SQLITE_TXN_WRITE) return false;
+  if (!Database.InTransaction()) return true;
+  // Who reads from a log sees the moment of his beginning; a file by itself does not change while it is read.
+  TSQLiteStatement Journal(Handle, "PRAGMA main.journal_mode", Database.About("read"));
+  return Journal.Step() && Journal.Text(0) != "wal";
+}
+
+/// The address of a file that is only read. Path: absolute.
+std::string AddressOf(std::string_view Path) { return "file:" + PercentEncoded(Path) + "?mode=ro"; }
+
 }  // namespace
 
 TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOptions& Options)
-    : FDatabase(Path, Options), FCapabilities(CapabilitiesOf(FDatabase)) {}
+    : FDatabase(Path, TReadingThread::WithCallersCalls(Options)), FCapabilities(CapabilitiesOf(FDatabase)) {}
 
 std::string TSQLiteConnection::EngineVersion() const { return sqlite3_libversion(); }
 
@@ -49,6 +68,7 @@ void TSQLiteConnection::Commit() {
   constexpr std::string_view What = "commit the transaction in";
   RequireTransaction(What);
   Run("COMMIT", What);
+  DetachSource();
 }
 
 void TSQLiteConnection::RequireTransaction(std::string_view What) const {
@@ -59,6 +79,38 @@ void TSQLiteConnection::RequireTransaction(std::string_view What) const {
 void TSQLiteConnection::Rollback() {
   FSchema.Memory().Forget();
   if (FDatabase.InTransaction()) Run("ROLLBACK", "roll the transaction back in");
+  DetachSource();
+}
+
+TRowCopier* TSQLiteConnection::CopierFrom(TConnection& Source) {
+  if (&Source == this) return &FRows;
+  auto* const Other = dynamic_cast<TSQLiteConnection*>(&Source);
+  const bool IsAttached = Other && (FSource == Other || (!FSource && AttachSource(*Other)));
+  return IsAttached ? FSourceRows.get() : nullptr;
+}
+
+/// False: there is no file, or what it holds is told in another way here than there.
+bool TSQLiteConnection::AttachSource(TSQLiteConnection& Source) {
+  const char* const Path = sqlite3_db_filename(Source.FDatabase.Handle(), "main");
+  const bool IsSeen = Path && Path[0] == '/' && FDatabase.InTransaction() && !Source.FDatabase.Texts().Wide &&
+                      !FDatabase.Texts().Wide && ShowsTheSameToOthers(Source.FDatabase);
+  if (!IsSeen) return false;
+  TSQLiteStatement Attach(FDatabase.Handle(), std::string("ATTACH ?1 AS ") + SourceName, FDatabase.About("read into"));
+  Attach.BindText(1, AddressOf(Path));
+  while (Attach.Step()) {
+  }
+  FSource = &Source;
+  FSourceRows = std::make_unique<TSQLiteRowAccess>(FDatabase, FSchema, FCapabilities.ReadOnly,
+                                                   TSQLiteRowAccess::TSource{&Source.FSchema, SourceName});
+  return true;
+}
+
+/// Only outside of transactions the engine lets go of it.
+void TSQLiteConnection::DetachSource() noexcept {
+  if (!FSource) return;
+  FSourceRows.reset();
+  const std::string Detach = std::string("DETACH ") + SourceName;
+  if (sqlite3_exec(FDatabase.Handle(), Detach.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK) FSource = nullptr;
 }
 
 void TSQLiteConnection::SetSavepoint(int Number) {
@@ -124,6 +176,12 @@ void TSQLiteConnection::RebuildTextIndex(const TTableInfo& Index) {
 std::unique_ptr<TCursor> TSQLiteConnection::Query(const std::string& Statement,
                                                   std::span<const TKvVariant> Parameters) {
   return std::make_unique<TSQLiteQueryCursor>(FDatabase, Statement, Parameters);
+}
+
+TQueryRows TSQLiteConnection::OpenQuery(const TQueryText& Text, std::span<const TQueryParameter> Parameters) {
+  auto Cursor = std::make_unique<TSQLiteSelectCursor>(FDatabase, Text, Parameters);
+  std::vector<TColumnInfo> Columns = Cursor->Columns();
+  return {std::move(Columns), std::move(Cursor)};
 }
 
 }  // namespace velkrund

@@ -24,6 +24,7 @@ class TSQLiteConnection final : public TConnection {
   TDefinitionReader& Definitions() override { return FDefinitions; }
   const TScriptWriter& Scripts() const override { return FScripts; }
   TRowAccess& Rows() override { return FRows; }
+  TRowCopier* CopierFrom(TConnection& Source) override;
 
   void Begin(TIsolationLevel Level) override;
   void BeginReading() override { Begin(TIsolationLevel::ReadCommitted); }
@@ -40,10 +41,13 @@ class TSQLiteConnection final : public TConnection {
                                               const TProcedureArguments& Arguments) override;
   void RebuildTextIndex(const TTableInfo& Index) override;
   std::unique_ptr<TCursor> Query(const std::string& Statement, std::span<const TKvVariant> Parameters) override;
+  TQueryRows OpenQuery(const TQueryText& Text, std::span<const TQueryParameter> Parameters) override;
 
  private:
   void RequireTransaction(std::string_view What) const;
   void Run(std::string_view Statement, std::string_view What);
+  bool AttachSource(TSQLiteConnection& Source);
+  void DetachSource() noexcept;
 
   TSQLiteDatabase FDatabase;
   const TCapabilities FCapabilities;
@@ -52,6 +56,9 @@ class TSQLiteConnection final : public TConnection {
   TSQLiteSchemaReader FSchema{FDatabase.Handle(), FCapabilities};
   TSQLiteDefinitionReader FDefinitions{FDatabase, FSchema};
   TSQLiteRowAccess FRows{FDatabase, FSchema, FCapabilities.ReadOnly};
+  // Of the running transaction.
+  const TSQLiteConnection* FSource = nullptr;     // that is attached
+  std::unique_ptr<TSQLiteRowAccess> FSourceRows;  // of it
 };
 
 }  // namespace velkrund

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "standalone/drivers/Dialect.h"
+#include "standalone/drivers/Selection.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -28,7 +29,7 @@ sqlite3* WithUtf8Order(sqlite3* Database, bool Wanted) {
   return Database;
 }
 
-std::string SelectText(const TTableDescription& Table, std::span<const int> Columns, std::span<const int> Order,
+std::string SelectText(const TTableDescription& Table, std::span<const int> Columns, const TWalkOptions& Options,
                        bool Wide) {
   // Without the alias the engine would take a quoted name that has vanished for a text between quotes.
   const auto Name = [&](int Column) {
@@ -38,13 +39,14 @@ std::string SelectText(const TTableDescription& Table, std::span<const int> Colu
   for (const int Column : Columns) Text += Name(Column) + ", ";
   if (Columns.empty()) Text += "NULL, ";
   Text.resize(Text.size() - 2);
-  Text += " FROM main." + QuoteStandardName(Table.Table.Name) + " AS T";
-  // An index that holds all columns would be walked in its own order. One that has the wanted order leads to every row
-  // by itself, which takes longer than to sort what is read from end to end; rows that stand in their order are not
-  // sorted.
-  if (Table.Table.Kind == TTableKind::Table) Text += " NOT INDEXED";
+  Text += " FROM " + SQLiteRowsOf(Table) + SelectionWords(Options.Condition);
   const char* Separator = " ORDER BY ";
-  for (const int Column : Order) {
+  if (Options.Unmoved) {
+    // What is known for no row beforehand is sorted by: all rows are read before the first one comes, and stay so.
+    Text += " ORDER BY 0 * random()";
+    Separator = ", ";
+  }
+  for (const int Column : Options.Order) {
     Text += Separator + Name(Column);
     // Their keys are numbers, and only when asked for plainly are their rows known to stand so.
     if (Table.Table.Kind != TTableKind::Extension) Text += std::string(" COLLATE ") + (Wide ? Utf8Order : "BINARY");
@@ -52,6 +54,22 @@ std::string SelectText(const TTableDescription& Table, std::span<const int> Colu
   }
   return Text;
 }
+
+/// While it lives a quoted name that no column has is an error, not a text.
+class TNamesAlone {
+ public:
+  explicit TNamesAlone(sqlite3* Database) : FDatabase(Database) {
+    sqlite3_db_config(Database, SQLITE_DBCONFIG_DQS_DML, -1, &FBefore);
+    sqlite3_db_config(Database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  }
+  TNamesAlone(const TNamesAlone&) = delete;
+  TNamesAlone& operator=(const TNamesAlone&) = delete;
+  ~TNamesAlone() { sqlite3_db_config(FDatabase, SQLITE_DBCONFIG_DQS_DML, FBefore, nullptr); }
+
+ private:
+  sqlite3* FDatabase;
+  int FBefore = 1;
+};
 
 /// A date or time text takes its kind when it is the system text of what it says; otherwise Value may be anything.
 bool SetDateKind(std::string_view Text, TKvKind Leading, std::string& Scratch, TKvVariant& Value) {
@@ -117,20 +135,9 @@ void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value) {
   }
 }
 
-TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
-                             std::span<const int> Order, bool Wide)
-    : FStatement(WithUtf8Order(Database, Wide && !Order.empty()), SelectText(Table, Columns, Order, Wide),
-                 Format("Cannot read table '%s'", Table.Table.Name), TSQLiteStatement::TUse::Often),
-      FWide(Wide) {
-  FKinds.reserve(Columns.size());
-  for (const int Column : Columns) FKinds.push_back(Table.Columns[static_cast<std::size_t>(Column)].Kind);
-}
-
-void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
-  // The connection has no mutex, so that the cell itself may be asked: one look-up instead of one per question.
-  sqlite3_value* Cell = sqlite3_column_value(FStatement.Handle(), Column);
-  ReadSQLiteCell(Cell, FWide, Value);
-  switch (const TKvKind Leading = FKinds[static_cast<std::size_t>(Column)]) {
+void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvKind Leading, std::string& Scratch, TKvVariant& Value) {
+  ReadSQLiteCell(Cell, Wide, Value);
+  switch (Leading) {
     case TKvKind::Boolean:
       if (Value.Kind() == TKvKind::Int64 && (Value.AsInteger() == 0 || Value.AsInteger() == 1))
         Value.SetBoolean(Value.AsInteger() == 1);
@@ -139,19 +146,53 @@ void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
       if (Value.Kind() == TKvKind::Double)
         if (const std::optional<TCurrency> Amount = RealToCurrency(Value.AsReal())) Value.SetCurrency(*Amount);
       // Where texts are kept as they come, amounts are, too.
-      if (Value.Kind() == TKvKind::String) SetAmount(Value.AsText(), FScratch, Value);
+      if (Value.Kind() == TKvKind::String) SetAmount(Value.AsText(), Scratch, Value);
       break;
     case TKvKind::SysDate:
     case TKvKind::SysTime:
     case TKvKind::DateTime:
       if (Value.Kind() == TKvKind::String) {
         const std::string_view Text = Value.AsText();
-        if (!SetDateKind(Text, Leading, FScratch, Value)) Value.BorrowText(Text);
+        if (!SetDateKind(Text, Leading, Scratch, Value)) Value.BorrowText(Text);
       }
       break;
     default:
       break;
   }
+}
+
+std::string SQLiteRowsOf(const TTableDescription& Table) {
+  std::string Result = "main." + QuoteStandardName(Table.Table.Name) + " AS T";
+  // An index that holds all columns would be walked in its own order. One that has the wanted order leads to every row
+  // by itself, which takes longer than to sort what is read from end to end; rows that stand in their order are not
+  // sorted.
+  if (Table.Table.Kind == TTableKind::Table) Result += " NOT INDEXED";
+  return Result;
+}
+
+void CheckSQLiteSelection(sqlite3* Database, const TTableDescription& Table, std::string_view Condition,
+                          const std::string& What) {
+  if (Condition.empty()) return;
+  const TNamesAlone NamesAlone(Database);
+  const TSQLiteStatement Check(Database, SelectionCheck(Condition, SQLiteRowsOf(Table)), What);
+  if (sqlite3_bind_parameter_count(Check.Handle()) > 0)
+    throw EDatabaseError(What + ": it has a parameter, whose value nobody knows", {.Table = Table.Table.Name});
+}
+
+TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+                             const TWalkOptions& Options, bool Wide)
+    : FStatement(WithUtf8Order(Database, Wide && !Options.Order.empty()), SelectText(Table, Columns, Options, Wide),
+                 SelectionFailed(Format("Cannot read table '%s'", Table.Table.Name), Options.Condition),
+                 TSQLiteStatement::TUse::Often),
+      FWide(Wide) {
+  FKinds.reserve(Columns.size());
+  for (const int Column : Columns) FKinds.push_back(Table.Columns[static_cast<std::size_t>(Column)].Kind);
+}
+
+void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
+  // The connection has no mutex, so that the cell itself may be asked: one look-up instead of one per question.
+  ReadSQLiteCell(sqlite3_column_value(FStatement.Handle(), Column), FWide, FKinds[static_cast<std::size_t>(Column)],
+                 FScratch, Value);
 }
 
 }  // namespace velkrund

@@ -3,7 +3,7 @@
 #include <span>
 #include <vector>
 
-#include "standalone/drivers/Cursor.h"
+#include "standalone/drivers/RowAccess.h"
 #include "standalone/drivers/Schema.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 
@@ -14,14 +14,23 @@ namespace velkrund {
 /// Reads a cell by its own storage class. Texts and bytes are borrowed from the engine. Wide: the database's encoding
 /// is UTF-16, so that texts have to be converted before they can be lent.
 void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value);
+/// Reads a cell of a column whose declared type stands for the kind Leading: it takes that kind when converting it back
+/// gives the stored bytes. Otherwise it keeps the kind of its own storage class.
+void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvKind Leading, std::string& Scratch, TKvVariant& Value);
 
-/// The declared type of a column leads: a cell takes that kind when converting it back gives the stored bytes.
-/// Otherwise it keeps the kind of its own storage class.
+/// Raises EDatabaseError, with What at the beginning, unless Condition is one expression about rows of Table.
+void CheckSQLiteSelection(sqlite3* Database, const TTableDescription& Table, std::string_view Condition,
+                          const std::string& What);
+
+/// What stands behind FROM; its alias is T.
+std::string SQLiteRowsOf(const TTableDescription& Table);
+
+/// The rows of a table.
 class TSQLiteCursor final : public TCursor {
  public:
-  /// Order: as for TRowAccess. Wide: as for ReadSQLiteCell.
+  /// Wide: as for ReadSQLiteCell.
   TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
-                std::span<const int> Order, bool Wide);
+                const TWalkOptions& Options, bool Wide);
 
   bool Next() override { return FStatement.Step(); }
   void Read(int Column, TKvVariant& Value) override;

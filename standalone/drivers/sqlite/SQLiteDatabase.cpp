@@ -25,7 +25,7 @@ void TSQLiteDatabase::TClose::operator()(sqlite3* Database) const {
 TSQLiteDatabase::TSQLiteDatabase(const std::string& Path, const TConnectOptions& Options)
     : FPath(Path), FWait(Options.BusyTime, Options.Canceled), FTexts{.CodePage = Options.CodePage} {
   // Without write rights the engine falls back to reading.
-  int Flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_READWRITE;
+  int Flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI;
   if (Options.CreateMissing || Path == InMemory) Flags |= SQLITE_OPEN_CREATE;
   FIsNew = Options.CreateMissing && Path != InMemory && !std::filesystem::exists(Path);
   sqlite3* Opened = nullptr;

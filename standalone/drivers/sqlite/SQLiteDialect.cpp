@@ -7,4 +7,9 @@ std::string TSQLiteDialect::ColumnType(TKvKind Kind) const {
   return Kind == TKvKind::String ? "TEXT" : "INTEGER";
 }
 
+const TQuerySyntax& TSQLiteDialect::QuerySyntax() const {
+  static constexpr TQuerySyntax Result = {.Backticks = true, .Brackets = true, .ParameterMarks = "?@$:"};
+  return Result;
+}
+
 }  // namespace velkrund

@@ -10,6 +10,7 @@ class TSQLiteDialect final : public TDialect {
   std::string SQLName(const TTableInfo& Table) const override { return QuoteStandardName(Table.Name); }
   std::string ParameterMark(int Number) const override { return "?" + std::to_string(Number); }
   std::string ColumnType(TKvKind Kind) const override;
+  const TQuerySyntax& QuerySyntax() const override;
 };
 
 }  // namespace velkrund

@@ -1,5 +1,7 @@
 #include "standalone/drivers/sqlite/SQLiteDriver.h"
 
+#include <sys/stat.h>
+
 #include <filesystem>
 
 #include "standalone/drivers/sqlite/SQLiteConnection.h"
@@ -33,6 +35,9 @@ void CheckFile(const std::string& Path, bool CreateMissing) {
 std::string TSQLiteDriver::Identity(const TDatabaseUrl& Url, const TConnectOptions& Options) const {
   std::string Path = PathOf(Url, Options);
   if (Path == InMemory) return Path;
+  // Of a file with several names none is the right one.
+  struct stat File {};
+  if (stat(Path.c_str(), &File) == 0 && File.st_nlink > 1) return Format("%d/%d", File.st_dev, File.st_ino);
   std::error_code Error;
   const std::filesystem::path Canonical = std::filesystem::weakly_canonical(Path, Error);
   return Error ? Path : Canonical.string();

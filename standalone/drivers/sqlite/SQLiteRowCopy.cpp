@@ -47,6 +47,24 @@ bool SQLiteCopiesExactly(const TSQLiteCopiedTable& Source, const TSQLiteCopiedTa
   return !Pairs.empty() && std::all_of(Pairs.begin(), Pairs.end(), IsExact);
 }
 
+bool SQLiteCopiesWhole(const TSQLiteCopiedTable& Source, const TSQLiteCopiedTable& Target,
+                       std::span<const TColumnPair> Pairs) {
+  const auto HasGenerated = [](const TTableDescription& Table) {
+    return std::any_of(Table.Columns.begin(), Table.Columns.end(),
+                       [](const TColumnInfo& Column) { return Column.Generated; });
+  };
+  const std::size_t Count = Pairs.size();
+  if (Count != Source.Description.Columns.size() || Count != Target.Description.Columns.size()) return false;
+  return std::all_of(Pairs.begin(), Pairs.end(), [](const TColumnPair& Pair) { return Pair.From == Pair.To; }) &&
+         Source.WithoutRowId == Target.WithoutRowId && Source.RowNumberColumn == Target.RowNumberColumn &&
+         !HasGenerated(Source.Description) && !HasGenerated(Target.Description);
+}
+
+std::string SQLiteWholeCopyStatement(const TSQLiteCopiedTable& Source, const TSQLiteCopiedTable& Target) {
+  return Format("INSERT OR ABORT INTO main.%s SELECT * FROM %s.%s", QuoteStandardName(Target.Description.Table.Name),
+                Source.Database, QuoteStandardName(Source.Description.Table.Name));
+}
+
 std::string SQLiteCopyStatement(const TSQLiteCopiedTable& Source, const TSQLiteCopiedTable& Target,
                                 std::span<const TColumnPair> Pairs, bool KeepsNumbers) {
   std::string Names, Values;
@@ -65,9 +83,10 @@ std::string SQLiteCopyStatement(const TSQLiteCopiedTable& Source, const TSQLiteC
   // ABORT, so that no conflict clause of the table drops or replaces rows without a word. An index that holds all
   // columns would be walked in its own order.
   const TTableInfo& Read = Source.Description.Table;
-  return Format("INSERT OR ABORT INTO main.%s (%s) SELECT %s FROM main.%s AS S%s%s",
-                QuoteStandardName(Target.Description.Table.Name), Names, Values, QuoteStandardName(Read.Name),
-                Read.Kind == TTableKind::Table ? " NOT INDEXED" : "", From.empty() ? "" : " ORDER BY S." + From);
+  return Format("INSERT OR ABORT INTO main.%s (%s) SELECT %s FROM %s.%s AS S%s%s",
+                QuoteStandardName(Target.Description.Table.Name), Names, Values, Source.Database,
+                QuoteStandardName(Read.Name), Read.Kind == TTableKind::Table ? " NOT INDEXED" : "",
+                From.empty() ? "" : " ORDER BY S." + From);
 }
 
 }  // namespace velkrund

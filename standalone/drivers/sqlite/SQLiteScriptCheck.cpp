@@ -28,7 +28,9 @@ class TOnlyWithinTransaction {
  private:
   static int Decide(void* Self, int Action, const char* Name, const char*, const char*, const char*) {
     const bool Refuses = Action == SQLITE_TRANSACTION || Action == SQLITE_SAVEPOINT || Action == SQLITE_ATTACH ||
-                         Action == SQLITE_DETACH || (Action == SQLITE_PRAGMA && !OnlyAsks(Name));
+                         Action == SQLITE_DETACH || (Action == SQLITE_PRAGMA && !OnlyAsks(Name)) ||
+                         // The one table of a PRAGMA that does something when it is read.
+                         (Action == SQLITE_READ && sqlite3_stricmp(Name, "pragma_optimize") == 0);
     if (Refuses) static_cast<TOnlyWithinTransaction*>(Self)->FRefused = true;
     return Refuses ? SQLITE_DENY : SQLITE_OK;
   }
@@ -58,11 +60,11 @@ void TakeParameters(const TSQLiteStatement& Statement, std::vector<std::string>&
 }  // namespace
 
 std::unique_ptr<TSQLiteStatement> NextSQLiteStatement(sqlite3* Database, std::string_view& Script,
-                                                      const std::string& Task) {
+                                                      const std::string& Task, TSQLiteStatement::TUse Use) {
   const TOnlyWithinTransaction Refusals(Database);
   try {
     while (!Script.empty()) {
-      auto Statement = std::make_unique<TSQLiteStatement>(Database, Script, Task, TSQLiteStatement::TUse::Foreign);
+      auto Statement = std::make_unique<TSQLiteStatement>(Database, Script, Task, Use);
       if (Statement->Rest().size() == Script.size())  // the engine reads no further
         throw EDatabaseError(Task + ": there is a character U+0000 in it");
       Script = Statement->Rest();

@@ -5,9 +5,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkrund/platform/database/BLOBTable.h"
 #include "velkrund/platform/database/BaseManager.h"
+#include "velkrund/platform/database/SelectQuery.h"
 #include "velkrund/platform/database/Tables.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/FileSystem.h"
@@ -53,6 +55,13 @@ class TApplicationManager {
   }
   /// The physical name of a table, in the case in which the database has it; the name as it is when there is none.
   std::string GetTableName(const std::string& TableName, const std::string& DatabaseName);
+  /// Whether two names mean the same database.
+  virtual bool IsSameDatabase(const std::string& A, const std::string& B) { return A == B; }
+  /// The names of the tables, without views, that GetUserTable finds, as people see them, sorted.
+  virtual std::vector<std::string> UserTableNames(const std::string& /*DatabaseName*/) { return {}; }
+  /// A query without a text; null where the platform has none. The caller owns it and frees it before the database is
+  /// closed.
+  virtual std::unique_ptr<TSelectQuery> CreateSelectQuery(const std::string& /*DatabaseName*/) { return nullptr; }
   /// Owned by the manager; null for a database that is none of SQL.
   virtual TODBCBaseManager* GetODBCBaseManager(const std::string& /*DatabaseName*/) { return nullptr; }
 

@@ -3,33 +3,34 @@
 #include <cstdint>
 #include <string>
 
-#include "velkrund/platform/ormtools/Records.h"
+#include "velkrund/platform/database/Rows.h"
 
 namespace velkrund {
 
 /// A table of a platform database: rows to walk forward, and a bulk way in. Freed by whoever asked for it. Operations
 /// raise EDatabaseError. Used by one thread at a time.
-class TTable {
+class TTable : public TRows {
  public:
-  TTable() = default;
-  TTable(const TTable&) = delete;
-  TTable& operator=(const TTable&) = delete;
-  virtual ~TTable() = default;
-
   /// The physical name, in the case in which the database has it.
   virtual const std::string& TableName() const = 0;
-  virtual TRecord& Record() = 0;
 
+  /// Of the rows that a walk goes through.
   virtual std::int64_t RecordCount() = 0;
   /// Whether there is a row; without counting them, where that is quicker.
   virtual bool HasRecords() { return RecordCount() > 0; }
   /// Walks that begin later go through the rows by the table's key, so that the same rows come in the same order
   /// whatever holds them. False: it has no such key, and walks keep the table's own order.
   virtual bool OrderByKey() { return false; }
-  /// Opens the walk at the first row; false when there is none.
-  virtual bool First() = 0;
-  /// The next row; false when there is none, and the walk is then closed.
-  virtual bool Next() = 0;
+  /// Walks that begin later go through the rows alone that a condition holds for, which the engine understands; empty:
+  /// through all. An error that shows when a walk begins where the engine does not understand it, and at once where the
+  /// table is none of an SQL engine.
+  virtual void SetSelection(const std::string& Condition);
+  /// Walks that begin later give the rows as they are when it begins, whatever is done to the database meanwhile, by
+  /// triggers too; otherwise rows that are changed on the way may come, or come twice, where the engine reads so.
+  virtual void SetUnmoved(bool) {}
+  /// Walks that begin later may read ahead on a thread of their own: from First to the end of the walk the caller does
+  /// nothing else with the table's database.
+  virtual void SetReadAhead(bool) {}
 
   /// Whether an append of given keys moves the table's automatic numbering behind the highest one, where the engine
   /// does not do so by itself.
@@ -39,6 +40,12 @@ class TTable {
   virtual void SetAllowLoss(bool) {}
   /// Values that were stored so by the last append, once it has ended.
   virtual std::int64_t ChangedValues() const { return 0; }
+  /// Whether a record of an append takes the place of the row with the same key, where there is one: the fields that
+  /// are assigned get the new values, the others keep theirs. The key is the table's primary one; an error, when the
+  /// append begins, where there is none, and later where a record does not assign all of it.
+  virtual void SetUpdateByKey(bool Value);
+  /// How many records did so in the last append, once it has ended.
+  virtual std::int64_t UpdatedRecords() const { return 0; }
   /// Bulk append: between begin and end the record buffer is added once per AppendRecord, by the engine's fastest way.
   /// Fields not assigned get the column's default. An error names the record (counted from 1) and, where known, the
   /// column. A table that is freed between the two, or begins again, drops what was not yet handed to the engine.
@@ -46,8 +53,6 @@ class TTable {
   virtual void AppendRecord() = 0;
   virtual void EndAppend() = 0;
 
-  TField* FindField(std::string_view Name) { return Record().FindField(Name); }
-  TField& FieldByName(std::string_view Name) { return Record().FieldByName(Name); }
   void ClearData() { Record().ClearData(); }
 };
 

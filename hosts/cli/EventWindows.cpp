@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "hosts/cli/UnattendedWindows.h"
 #include "standalone/windows/terminal/AnswerLine.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -65,6 +66,7 @@ int TEventWindows::ShowModal(TForm& Form) {
     FConsole.Message(Form.Message());
     return mrOk;
   }
+  if (!Form.VisibleControls<TLComboBox>().empty()) throw UnshownError(Form);
   while (Form.ModalResult() == mrNone) {
     Tell(Form);
     std::string Line;

@@ -10,7 +10,7 @@ namespace velkrund {
 
 /// Asks the program that runs this one: a question is an event with the words that answer it, the answer a line that
 /// the program writes. A line that is not understood is answered by the question once more, the end of the input means
-/// that nobody answers.
+/// that nobody answers. Lists to choose from are no words: such a form is an EQuestionUnanswered.
 class TEventWindows final : public TWindowSystem {
  public:
   /// Console: borrowed. Input: a descriptor, borrowed. Canceled: polled while an answer is waited for.

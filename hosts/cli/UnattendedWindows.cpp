@@ -9,7 +9,14 @@ std::string UnansweredText(std::string_view Stakes, std::string_view Options) {
   return Format("%s Give %s; there is no terminal to ask", Stakes, Options);
 }
 
+EQuestionUnanswered UnshownError(const TForm& Form) {
+  std::string Stakes;
+  for (const char C : Form.Message()) Stakes += C == '\n' ? ". " : std::string(1, C);
+  return EQuestionUnanswered(UnansweredText(Stakes + ".", "--target TABLE and --map FILEFIELD=TABLEFIELD"));
+}
+
 int TUnattendedWindows::ShowModal(TForm& Form) {
+  if (!Form.VisibleControls<TLComboBox>().empty()) throw UnshownError(Form);
   const bool IsBox = Form.ClassName() == std::string_view("TMessageBoxForm");
   if (Form.YesUndoes()) throw EQuestionUnanswered(Format("%s There is no terminal to ask", Form.Message()));
   if (Form.IsQuestion())

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "velkrund/platform/lctrls/WindowSystem.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 
@@ -18,6 +19,9 @@ class TUnattendedWindows final : public TWindowSystem {
  private:
   std::function<void(std::string_view)> FTell;
 };
+
+/// Of a form with lists to choose from, which a terminal alone can show.
+EQuestionUnanswered UnshownError(const TForm& Form);
 
 /// A decision that nobody could make: what is at stake, and the options that decide.
 std::string UnansweredText(std::string_view Stakes, std::string_view Options);

@@ -15,7 +15,7 @@
 namespace velkrund::tests {
 
 /// A platform with captions.
-class TDialogPlatform final : public TTestPlatform {
+class TDialogPlatform : public TTestPlatform {
  public:
   std::string LString(std::string_view Key) const override {
     const auto Found = Texts.find(Key);

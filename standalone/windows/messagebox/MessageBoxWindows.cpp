@@ -39,6 +39,9 @@ int TMessageBoxWindows::ShowModal(TForm& Form) {
     const int Answer = FShow(Form.Message(), Form.Caption, MB_OK);
     return Answer ? mrOk : NobodyAtTheScreen().ShowModal(Form);
   }
+  if (!Form.VisibleControls<TLComboBox>().empty())
+    throw EQuestionUnanswered(
+        Format("A message box cannot show the question; name %s beforehand: %s", Form.NamedInstead(), Form.Message()));
   TLButton* const Yes = FirstOf(Form, {"YesButton", "RewriteButton", "OverwriteButton"});
   TLButton* const Cancel = FirstOf(Form, {"CancelButton"});
   TLButton* No = FirstOf(Form, {"NoButton", "SkipButton"});

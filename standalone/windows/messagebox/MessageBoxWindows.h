@@ -23,7 +23,7 @@ class TMessageBoxWindows final : public TWindowSystem {
       : FShow(std::move(Show)), FHasShow(HasShow) {}
 
   /// Cancel where the form has no button for it raises EAbort; where nobody can answer, or the form has no yes and no,
-  /// it is as without a window system.
+  /// it is as without a window system. A form with lists to choose from is an EQuestionUnanswered.
   int ShowModal(TForm& Form) override;
   bool CanAsk() const override { return FHasShow(); }
 

@@ -1,5 +1,7 @@
 #include "standalone/windows/scripted/ScriptedWindows.h"
 
+#include <algorithm>
+
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -31,6 +33,14 @@ int TScriptedWindows::ShowModal(TForm& Form) {
 }
 
 int TScriptedWindows::AnswerWith(TForm& Form, const TScriptedAnswer& Answer) {
+  // One after the other: to choose can make other boxes.
+  for (const auto& [Name, Item] : Answer.Chosen) {
+    TLComboBox& Box = Named<TLComboBox>(Form, Name);
+    const auto Found = std::find(Box.Items().begin(), Box.Items().end(), Item);
+    if (Found == Box.Items().end() && !Item.empty())
+      throw Exception(Format("'%s' of %s does not offer '%s'", Name, Form.ClassName(), Item));
+    Box.Choose(Found == Box.Items().end() ? -1 : static_cast<int>(Found - Box.Items().begin()));
+  }
   for (const std::string& Name : Answer.Checked) Named<TLCheckBox>(Form, Name).Checked = true;
   if (Answer.Button.empty())
     Form.RequestClose();

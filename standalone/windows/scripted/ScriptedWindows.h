@@ -6,13 +6,15 @@
 #include <vector>
 
 #include "velkrund/platform/lctrls/WindowSystem.h"
+#include "velkrund/platform/ormtools/StringLists.h"
 
 namespace velkrund {
 
-/// How a form is answered: its check boxes, then a button, by their components' names.
+/// How a form is answered: its combo boxes, its check boxes, then a button, by their components' names.
 struct TScriptedAnswer {
   std::string Button;                // empty: the window is closed without one
   std::vector<std::string> Checked;  // the check boxes to tick
+  TStringPairs Chosen = {};          // combo boxes, and the item of each; empty: none
 };
 
 /// Forms answered from a list, without a person: for tests, and for answers that were given by option. Used by one

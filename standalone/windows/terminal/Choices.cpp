@@ -30,7 +30,7 @@ bool IsLetter(std::string_view Character) {
 
 }  // namespace
 
-TChoices::TChoices(const TForm& Form) {
+TChoices::TChoices(const TForm& Form, TIsName IsName) : FIsName(std::move(IsName)) {
   bool CanCancel = false;
   for (TLButton* Button : Form.VisibleControls<TLButton>()) {
     Add({Button, nullptr, {}, {}}, Button->Caption());
@@ -41,6 +41,7 @@ TChoices::TChoices(const TForm& Form) {
 }
 
 bool TChoices::Taken(std::string_view Letter) const {
+  if (FIsName && FIsName(Letter)) return true;
   return std::any_of(FChoices.begin(), FChoices.end(), [&](const TChoice& Other) { return Other.Letter == Letter; });
 }
 
@@ -59,7 +60,8 @@ void TChoices::Add(TChoice Choice, std::string_view Caption) {
   };
   bool Found = Mark < Lower.size() && Take(Mark);
   for (std::size_t At = 0; !Found && At < Lower.size(); At += CharacterAt(Lower, At).size()) Found = Take(At);
-  if (!Found) Choice.Letter = std::to_string(FChoices.size() + 1);
+  for (std::size_t Number = FChoices.size() + 1; !Found && Choice.Letter.empty(); ++Number)
+    if (!Taken(std::to_string(Number))) Choice.Letter = std::to_string(Number);
   Choice.Caption = std::move(Lower);
   FChoices.push_back(std::move(Choice));
 }
@@ -89,6 +91,11 @@ std::string TChoices::Hints() const {
     if (!Hint.empty()) Result += "  " + Choice.Caption + ": " + Printable(Hint) + "\n";
   }
   return Result;
+}
+
+bool TChoices::HasLetter(std::string_view Typed) const {
+  const std::string Lower = LowerCase(Typed);
+  return std::any_of(FChoices.begin(), FChoices.end(), [&](const TChoice& Choice) { return Choice.Letter == Lower; });
 }
 
 const TChoices::TChoice* TChoices::Find(std::string_view Typed) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,9 @@ class TChoices {
     std::size_t At = 0;              // of the letter in Caption; npos: none
   };
 
-  explicit TChoices(const TForm& Form);
+  /// IsName: whether something else that can be typed at the form goes by that; no letter is such a name then.
+  using TIsName = std::function<bool(std::string_view)>;
+  explicit TChoices(const TForm& Form, TIsName IsName = {});
 
   /// All of them on one line, their letters in brackets.
   std::string Line() const;
@@ -28,11 +31,14 @@ class TChoices {
   /// The one whose letter or caption Typed is, else the first whose component's name begins with it, in any case; null
   /// when there is none.
   const TChoice* Find(std::string_view Typed) const;
+  /// Whether it is a letter.
+  bool HasLetter(std::string_view Typed) const;
 
  private:
   void Add(TChoice Choice, std::string_view Caption);
   bool Taken(std::string_view Letter) const;
 
+  const TIsName FIsName;
   std::vector<TChoice> FChoices;
 };
 

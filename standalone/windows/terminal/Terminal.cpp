@@ -13,7 +13,7 @@ namespace velkrund {
 
 namespace {
 
-constexpr int UsualWidth = 80;
+constexpr int UsualWidth = 80, UsualHeight = 24;
 
 bool CanTakeLinesBack(int Output) {
   const char* Kind = std::getenv("TERM");
@@ -79,6 +79,11 @@ void TTerminal::Prompt(std::string_view Text) noexcept {
 int TTerminal::Width() const {
   struct winsize Size = {};
   return ioctl(FOutput, TIOCGWINSZ, &Size) == 0 && Size.ws_col > 0 ? Size.ws_col : UsualWidth;
+}
+
+int TTerminal::Height() const {
+  struct winsize Size = {};
+  return ioctl(FOutput, TIOCGWINSZ, &Size) == 0 && Size.ws_row > 0 ? Size.ws_row : UsualHeight;
 }
 
 }  // namespace velkrund

@@ -26,6 +26,8 @@ class TTerminal {
   bool MessagesAreSeen() const { return FTerminal; }
   /// Of that terminal, in columns.
   int Width() const;
+  /// In lines.
+  int Height() const;
 
  private:
   void Write(std::string_view Text) noexcept;

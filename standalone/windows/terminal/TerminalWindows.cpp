@@ -5,12 +5,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "standalone/windows/terminal/AnswerLine.h"
 #include "standalone/windows/terminal/Choices.h"
-#include "standalone/windows/terminal/TerminalText.h"
+#include "standalone/windows/terminal/ComboLines.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Printable.h"
@@ -78,17 +79,26 @@ std::vector<const TChoices::TChoice*> Understood(const TChoices& Choices, std::s
   return Result;
 }
 
-/// Changes the check boxes that were typed, then presses the button.
-void Press(TForm& Form, const TChoices& Choices, std::string_view Typed) {
+/// Changes the check boxes that were typed, then presses the button. False: it is not understood.
+bool Press(TForm& Form, const TChoices& Choices, std::string_view Typed) {
   const TChoices::TChoice* End = nullptr;
-  for (const TChoices::TChoice* Choice : Understood(Choices, Typed))
+  const std::vector<const TChoices::TChoice*> Pressed = Understood(Choices, Typed);
+  for (const TChoices::TChoice* Choice : Pressed)
     if (Choice->CheckBox)
       Choice->CheckBox->Checked = !Choice->CheckBox->Checked;
     else
       End = Choice;
-  if (!End) return;
+  if (!End) return !Pressed.empty();
   if (!End->Button) GiveUp();
   Form.Click(*End->Button);
+  return true;
+}
+
+/// Does what was typed. Returns what is to be shown of a form with combo boxes when that is no choice.
+std::string Obey(TForm& Form, const TChoices& Choices, const TComboLines& Boxes, std::string_view Typed, int Width) {
+  if (!Boxes.Empty() && !Choices.HasLetter(Typed))
+    if (const std::optional<std::string> Shown = Boxes.Obey(Typed, Width)) return *Shown;
+  return Press(Form, Choices, Typed) || Boxes.Empty() ? std::string() : Boxes.Unknown(Typed);
 }
 
 }  // namespace
@@ -114,20 +124,29 @@ int TTerminalWindows::ShowModal(TForm& Form) {
 void TTerminalWindows::Ask(TForm& Form) {
   const TWholeCharacters WholeCharacters(FInput);
   std::string Heading = Form.Caption == BaseMng().LString("ST_CONFIRMATION") ? std::string() : Form.Caption;
-  if (!Heading.empty()) Heading += '\n';
-  FTerminal.Prompt(Printable(WithShortLines(Heading + Form.Message())) + "\n");
+  if (!Heading.empty()) Heading = Printable(Heading) + "\n";
+  TFormText Text;
+  FTerminal.Prompt(Heading + Text.Whole(Form));
   while (Form.ModalResult() == mrNone) {
-    const TChoices Choices(Form);
+    const TComboLines Boxes(Form);
+    const TChoices Choices(Form, [&Boxes](std::string_view Typed) { return Boxes.HasName(Typed); });
     FTerminal.Prompt(" " + Choices.Line() + " ? ");
     std::string Line;
     if (!ReadAnswerLine(FInput, Line, FCanceled, [this] { FQueue.Pump(); })) {
       FTerminal.Prompt("\n");
       GiveUp();
     }
-    if (Trim(Line) == "?")
-      FTerminal.Prompt(Choices.Hints());
-    else
-      Press(Form, Choices, Line);
+    const std::string_view Typed = Trim(Line);
+    std::string Shown;
+    if (Typed == "?")
+      Shown = Choices.Hints();
+    else if (!Typed.empty())
+      Shown = Obey(Form, Choices, Boxes, Typed, FTerminal.Width());
+    if (!Boxes.Empty() && (Typed.empty() || Typed == "?"))
+      Shown += Text.Whole(Form);
+    else if (Shown.empty() && Form.ModalResult() == mrNone)
+      Shown = Text.Again(Form, FTerminal.Height());
+    FTerminal.Prompt(Printable(Shown));
   }
 }
 

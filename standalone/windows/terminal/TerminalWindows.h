@@ -19,6 +19,8 @@ namespace velkrund {
 /// letters may stand in one line, with blanks between them, one button among them. A line with anything else in it does
 /// nothing and is asked again. So does Enter alone, whatever the default button is: it is typed too easily, and ahead
 /// of the question, to overwrite anything. "?" tells the hints. Cancel is offered with every question.
+/// What combo boxes hold is chosen by their numbers, as TComboLines says; the form is then shown again, of a long one
+/// what has changed. Enter alone shows all of it.
 /// A form without a choice is a message. Used by the main thread, except for Synchronize.
 class TTerminalWindows final : public TWindowSystem {
  public:

@@ -14,6 +14,13 @@ void TForm::Click(TLButton& Button) {
   if (Button.ModalResult != mrNone) FModalResult = Button.ModalResult;
 }
 
+void TForm::MoveToEnd(TLControl& Control) {
+  Forget(Control);
+  FControls.push_back(&Control);
+}
+
+void TForm::Forget(const TLControl& Control) { std::erase(FControls, &Control); }
+
 void TForm::RequestClose() {
   if (CloseQuery()) FModalResult = mrCancel;
 }

@@ -44,12 +44,14 @@ class TForm {
   /// mrNone while the form stays open.
   int ModalResult() const { return FModalResult; }
   /// The question: the form's labels, one a line.
-  std::string Message() const;
+  virtual std::string Message() const;
   /// Whether there is something to choose.
   bool IsQuestion() const { return VisibleControls<TLButton>().size() > 1; }
 
   /// Whether Yes cancels, stops or drops: nobody says it to such a question without having read it.
   virtual bool YesUndoes() const { return false; }
+  /// What is to be named beforehand so that nobody has to be asked: "the target table"; empty: whoever asks knows.
+  virtual std::string NamedInstead() const { return {}; }
 
   std::string Caption;  // of the window, already in the user's language
 
@@ -57,11 +59,14 @@ class TForm {
   /// Whether the form may close without a button.
   virtual bool CloseQuery() { return true; }
   void CloseWith(int ModalResult) { FModalResult = ModalResult; }
+  /// Puts a control behind all others, such as those that were made meanwhile.
+  void MoveToEnd(TLControl& Control);
 
  private:
   friend class TLControl;
+  void Forget(const TLControl& Control);
 
-  std::vector<TLControl*> FControls;  // members of the form, borrowed
+  std::vector<TLControl*> FControls;  // of the form, borrowed
   int FModalResult = mrNone;
 };
 

@@ -16,8 +16,12 @@ constinit TInstalledService<TWindowSystem> Installed("window system");
 class TNobody final : public TWindowSystem {
  public:
   int ShowModal(TForm& Form) override {
-    if (Form.IsQuestion())
-      throw EQuestionUnanswered(Format("Nobody can be asked, no window system is installed: %s", Form.Message()));
+    if (Form.IsQuestion()) {
+      const std::string Instead = Form.NamedInstead();
+      const std::string Remedy = Instead.empty() ? Instead : Format("; name %s beforehand", Instead);
+      throw EQuestionUnanswered(
+          Format("Nobody can be asked, no window system is installed%s: %s", Remedy, Form.Message()));
+    }
     BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Info, Form.Message());
     return mrOk;
   }

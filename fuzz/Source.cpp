@@ -31,7 +31,7 @@ void ReadBodies(TEISource& Source) {
     TMemoryTable Table("T", {{"A", TKvKind::Null}, {"B", TKvKind::DateTime}});
     try {
       const auto Object = Source.CreateEIObject(Index);
-      dynamic_cast<TEICommonTableData&>(*Object).Table = &Table;
+      if (auto* const Data = dynamic_cast<TEIRecordData*>(Object.get())) Data->Table = &Table;
       Source.ImportObject(*Object);
     } catch (const Exception& Error) {
       RequireOwn(Error);

@@ -1,5 +1,5 @@
-// Any bytes as the body of a table data section, in both versions and both encodings: an error, or rows that go out and
-// come back as the same rows and the same bytes.
+// Any bytes as the body of a table data or query data section, in both versions and both encodings: an error, or rows
+// that go out as table data and come back as the same rows and the same bytes.
 
 #include "fuzz/FuzzPlatform.h"
 #include "standalone/tables/MemoryTable.h"
@@ -8,7 +8,7 @@
 namespace velkrund {
 namespace {
 
-std::unique_ptr<TMemoryTable> Import(TEICommonTableData& Section, std::string_view Body, TKvEncoding Encoding) {
+std::unique_ptr<TMemoryTable> Import(TEIRecordData& Section, std::string_view Body, TKvEncoding Encoding) {
   auto Table = std::make_unique<TMemoryTable>(
       "T", TMemoryTable::TColumns{{"A", TKvKind::Null}, {"B", TKvKind::DateTime}, {"C", TKvKind::Currency}});
   TMemoryStream Memory;
@@ -33,21 +33,26 @@ std::string Export(TEICommonTableData& Section, TMemoryTable& Table, TKvEncoding
 }  // namespace
 }  // namespace velkrund
 
-// The first byte chooses: bit 0 the version, bit 1 the encoding, bit 2 whether values are strict.
+// The first byte chooses: bit 0 the version, bit 1 the encoding, bit 2 whether values are strict, bit 3 query data.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size) {
   using namespace velkrund;
   static TFuzzPlatform Platform;
   if (Size == 0) return 0;
   std::unique_ptr<TEICommonTableData> Section;
-  if (Data[0] & 1)
+  std::unique_ptr<TEIRecordData> Query;
+  if (Data[0] & 1) {
     Section = std::make_unique<TEIOldTableData>();
-  else
+    Query = std::make_unique<TEIOldQueryData>();
+  } else {
     Section = std::make_unique<TEITableData>();
+    Query = std::make_unique<TEIQueryData>();
+  }
+  TEIRecordData& Reader = Data[0] & 8 ? *Query : *Section;
   const TKvEncoding Encoding = Data[0] & 2 ? TKvEncoding::Ansi : TKvEncoding::Utf8;
-  Section->StrictValues = (Data[0] & 4) != 0;
+  Reader.StrictValues = (Data[0] & 4) != 0;
   std::unique_ptr<TMemoryTable> Table;
   try {
-    Table = Import(*Section, {reinterpret_cast<const char*>(Data) + 1, Size - 1}, Encoding);
+    Table = Import(Reader, {reinterpret_cast<const char*>(Data) + 1, Size - 1}, Encoding);
   } catch (const Exception&) {
     return 0;
   }

@@ -117,14 +117,22 @@ std::int64_t TStandaloneDicDatabase::GeneratorValue(const std::string& Name) {
   return Generators()->Value(ExistingGenerator(Name));
 }
 
+/// Full names begin with the schema where the engine has schemas.
+TDicGeneratorDescription TStandaloneDicDatabase::NewGenerator(const std::string& Name) {
+  TDicGeneratorDescription Result;
+  const std::size_t Stop = Connection().Capabilities().Generators ? Name.find('.') : Name.npos;
+  if (Stop != Name.npos) Result.Schema = Name.substr(0, Stop);
+  Result.Name = Stop == Name.npos ? Name : Name.substr(Stop + 1);
+  return Result;
+}
+
 void TStandaloneDicDatabase::SetGenerator(const std::string& Name, std::int64_t Step, std::int64_t Value) {
   TTransaction Transaction(FDatabaseName);
   const auto Kept = Generators();
   if (const std::optional<TDicGeneratorDescription> Found = Kept->Find(Name)) {
     Kept->SetValue(*Found, Value);
   } else {
-    TDicGeneratorDescription Made;
-    Made.Name = Name;
+    TDicGeneratorDescription Made = NewGenerator(Name);
     Made.Counter.Step = std::to_string(Step);
     const std::int64_t Start = Behind(Name, Value, Step);
     // Upwards the least number is 1 unless it is said, downwards the greatest one is -1.

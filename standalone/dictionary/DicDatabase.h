@@ -46,6 +46,7 @@ class TStandaloneDicDatabase final : public TDicDatabase {
   std::unique_ptr<TProcedures> Procedures() { return ProceduresOf(Connection(), FGaps); }
 
  private:
+  TDicGeneratorDescription NewGenerator(const std::string& Name);
   TConnection& Connection() { return FManager.Databases().Connection(FDatabaseName); }
   std::string_view Engine() { return Connection().Scripts().Engine(); }
   TDicGeneratorDescription ExistingGenerator(const std::string& Name);

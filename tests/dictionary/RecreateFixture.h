@@ -42,8 +42,10 @@ class TNamedObjects final : public TDicDBContainer, public TDicDatabase {
   bool ViewExist(const std::string& Name) override { return There.contains({72, Name}); }
   bool ExecStoredProcExist(const std::string& Name) override { return There.contains({73, Name}); }
   bool SelectStoredProcExist(const std::string& Name) override { return There.contains({74, Name}); }
-  std::int64_t GeneratorValue(const std::string&) override { return 0; }
-  void SetGenerator(const std::string&, std::int64_t, std::int64_t) override {}
+  std::int64_t GeneratorValue(const std::string&) override { return 9'000'000'000; }
+  void SetGenerator(const std::string& Name, std::int64_t Step, std::int64_t Value) override {
+    FJournal.push_back(Format("set %s %d %d", Name, Step, Value));
+  }
   void AdvanceGenerator(const std::string& Name, std::int64_t Value) override {
     FJournal.push_back(Format("advance %s %d", Name, Value));
   }

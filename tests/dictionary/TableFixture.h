@@ -41,7 +41,7 @@ inline std::string Export(TEICommonTableData& Section, TTable& Table, TKvEncodin
 }
 
 /// CutOff: bytes that were behind Body when its size was taken.
-inline void Import(TEICommonTableData& Section, TTable& Table, std::string_view Body,
+inline void Import(TEIRecordData& Section, TTable& Table, std::string_view Body,
                    TKvEncoding Encoding = TKvEncoding::Utf8, std::size_t CutOff = 0) {
   Section.Table = &Table;
   TMemoryStream Memory;

@@ -50,9 +50,11 @@ class TActing : public TEIObject {
   TEIObjectClass ClassType() const override { return TEIObjectClass(Descriptor); }
   bool LeftAlone() const override { return Alone; }
 
-  static constexpr const char* Type = Role == TSectionRole::Structure   ? "S"
-                                      : Role == TSectionRole::TableData ? "T"
-                                                                        : "O";
+  static constexpr const char* Type = Role == TSectionRole::Structure       ? "S"
+                                      : Role == TSectionRole::TableData     ? "T"
+                                      : Role == TSectionRole::QueryData     ? "Q"
+                                      : Role == TSectionRole::GeneratorData ? "G"
+                                                                            : "O";
   static inline const TEIObjectDescriptor Descriptor{
       "TActing", nullptr, Type, 100, Role, nullptr, []() -> std::unique_ptr<TEIObject> {
         return std::make_unique<TActing>();
@@ -150,7 +152,9 @@ class ImportFile : public testing::Test, public TImportFileObserver {
     Seen += File + "!" + ExceptionClassName(Error) + " ";
   }
 
-  const TEIObjectClass Classes[3] = {TEIObjectClass(TActing<TSectionRole::Structure>::Descriptor),
+  const TEIObjectClass Classes[5] = {TEIObjectClass(TActing<TSectionRole::QueryData>::Descriptor),
+                                     TEIObjectClass(TActing<TSectionRole::GeneratorData>::Descriptor),
+                                     TEIObjectClass(TActing<TSectionRole::Structure>::Descriptor),
                                      TEIObjectClass(TActing<TSectionRole::TableData>::Descriptor),
                                      TEIObjectClass(TActing<TSectionRole::Other>::Descriptor)};
   TTexts Platform;
@@ -188,6 +192,9 @@ TEST_F(ImportFile, ErrorsAreAskedAbout) {
       // The order: structures and others, tables, then what the structures describe.
       {"T:t x|S:s x|O:o x", IDYES, true, 1, "s o t +sV ", "", true},
       {"T:t x", IDYES, true, 1, "t ", "", true},
+      {"G:g x|Q:q x|T:t x|S:s x", IDYES, true, 1, "s q t +sV g ", "", true},
+      {"G:g x|S:s x||G:h bad|Q:q alone|G:i x", IDYES, true, 1, "s q +sV g ? i ", "", true},
+      {"G:g cancel|G:h x|O:o x", IDYES, true, 0, "o ", "", true},
       // What was left alone, left out, or has failed makes no object.
       {"S:s alone|S:skip x|S:b bad|S:a x", IDYES, true, 1, "s ? a +aV ", "", true},
       {"S:s alone||S:b bad||S:a x", IDYES, true, 1, "s ? a +aV ", "", true},
@@ -366,9 +373,9 @@ TEST_F(ImportFile, MissingTablesAreMadeOrDeclined) {
       [this](TUtilOperation&, const std::string& Database) { return std::make_unique<TMaker>(Done, Database); });
   TUOImportFileInterface Object;
   Object.SetDatabaseName("@db");
-  Object.SetFileName(PutFiles("T:no x|O:a x|T:skip x|T:t x").front());
+  Object.SetFileName(PutFiles("T:no x|O:a x|T:skip x|T:t x|Q:q x").front());
   EXPECT_EQ(Import(Object), 1);
-  EXPECT_EQ(Done, "a@db make:no@db make:skip@db make:t@db ? t@db complete ? ");
+  EXPECT_EQ(Done, "a@db make:no@db make:skip@db make:t@db ? t@db q@db complete ? ");
   EXPECT_EQ(Question, "section 't'\r\nno index\r\nGo on?") << "tables are completed behind the last row";
 }
 

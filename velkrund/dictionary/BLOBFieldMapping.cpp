@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "velkrund/platform/database/Tables.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -14,6 +15,17 @@ std::string OldNameFor(const TStringPairs& Mapping, const std::string& NewName) 
   return Found == Mapping.end() ? NewName : Found->first;
 }
 
+TStringPairs MappingFor(const TStringPairs& Given, const std::string& TableName, TTable* Table) {
+  TStringPairs Result;
+  const std::string Prefix = TableName + ".";
+  for (const auto& [Old, New] : Given) {
+    const bool IsOfTable = Old.size() > Prefix.size() && SameText(Old.substr(0, Prefix.size()), Prefix);
+    const std::string Field = IsOfTable ? Old.substr(Prefix.size()) : Old;
+    if (Table && Table->FindField(Field)) Result.emplace_back(Field, New);
+  }
+  return Result;
+}
+
 TBLOBFieldMapping& TBLOBFieldMappingList::Items(int Index) const {
   if (Index < 0 || Index >= Count()) throw EListError(Format("List index out of bounds (%d)", Index));
   return *FItems[static_cast<std::size_t>(Index)];
@@ -23,6 +35,11 @@ TBLOBFieldMapping* TBLOBFieldMappingList::GetMappingByField(std::string_view Fie
   const auto Found = std::find_if(FItems.begin(), FItems.end(),
                                   [&](const auto& Item) { return SameText(Item->FieldName, FieldName); });
   return Found == FItems.end() ? nullptr : Found->get();
+}
+
+std::string TBLOBFieldMappingList::OldName(std::string_view FieldName, const std::string& NewName) const {
+  const TBLOBFieldMapping* const Found = GetMappingByField(FieldName);
+  return Found ? OldNameFor(Found->Mapping, NewName) : NewName;
 }
 
 TBLOBFieldMapping& TBLOBFieldMappingList::Add(const std::string& FieldName) {

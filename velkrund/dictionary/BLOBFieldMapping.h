@@ -13,6 +13,12 @@ namespace velkrund {
 /// of the first pair that has it, else the name itself.
 std::string OldNameFor(const TStringPairs& Mapping, const std::string& NewName);
 
+class TTable;
+
+/// What of a mapping that is given for several tables is meant for one: the pairs whose old field it has. The table may
+/// stand before it: "ORDERS.SUM". Table: null has none.
+TStringPairs MappingFor(const TStringPairs& Given, const std::string& TableName, TTable* Table);
+
 /// What becomes of the fields of the table inside a BLOB field.
 class TBLOBFieldMapping {
  public:
@@ -37,6 +43,8 @@ class TBLOBFieldMappingList {
   TBLOBFieldMapping& Items(int Index) const;
   /// Null when the field has none.
   TBLOBFieldMapping* GetMappingByField(std::string_view FieldName) const;
+  /// The old name for a new one inside the field; the name itself where nothing maps it.
+  std::string OldName(std::string_view FieldName, const std::string& NewName) const;
   /// The new one, owned by the list.
   TBLOBFieldMapping& Add(const std::string& FieldName);
   /// Raises EListError outside the list.

@@ -1,7 +1,15 @@
 #pragma once
 
 #include "velkrund/dictionary/BLOBFieldMapping.h"
+#include "velkrund/dictionary/CopyTable.h"
+#include "velkrund/dictionary/CopyTableInterfaces.h"
+#include "velkrund/dictionary/CopyTables.h"
 #include "velkrund/dictionary/DicErrors.h"
+#include "velkrund/dictionary/GeneratorData.h"
+#include "velkrund/dictionary/GeneratorDataOperations.h"
+#include "velkrund/dictionary/QueryData.h"
+#include "velkrund/dictionary/QueryDataOperations.h"
+#include "velkrund/dictionary/QueryParameters.h"
 #include "velkrund/dictionary/RecreateInterfaces.h"
 #include "velkrund/dictionary/RecreateTable.h"
 #include "velkrund/dictionary/RecreateTableInterfaces.h"

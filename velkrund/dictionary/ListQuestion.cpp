@@ -13,7 +13,7 @@ bool AskOfList(TYesNoCancelAsk& Ask, const std::string& Text, TUtilOperation* Se
     if (Ask.FCallback) return Ask.FCallback(Ask, Sender);
     const int Code = YesNoCancelConfirmation(Text);
     Ask.FYes = Code == mrYes || Code == ConfirmedYesToAll;
-    Ask.FAlwaysAsk = Code != ConfirmedYesToAll && Code != ConfirmedNoToAll;
+    Ask.FAlwaysAsk = Code == mrYes || Code == mrNo || Code == mrCancel;
     Ask.FCancel = Code == mrCancel;
   });
   return Ask.FYes && !Ask.FCancel;

@@ -4,8 +4,8 @@
 #include <exception>
 #include <utility>
 
+#include "velkrund/dictionary/CarriedBLOBTables.h"
 #include "velkrund/dictionary/DicErrors.h"
-#include "velkrund/dictionary/TableRowCopy.h"
 #include "velkrund/dictionary/TemporaryTable.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/NameLengths.h"
@@ -14,8 +14,6 @@
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
-#include "velkrund/platform/structures/DSPContainer.h"
-#include "velkrund/platform/structures/ObjectTypes.h"
 
 namespace velkrund {
 
@@ -178,14 +176,14 @@ bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
       Old, New, [&](const std::string& Name) { return IsComputed(Name) ? std::string() : FindFieldMapping(Name); });
   if (New.Record().FieldCount() == 0 && !Old.HasRecords()) return true;
   RefuseMissingFields(Table, New);
-  CarryBLOBTables(Copy, Table);
+  CarryBLOBTables(Copy, New.Record(), TableName, DatabaseName, BLOBFieldMappingList, ExcludedBLOBTableFields);
   const auto Show = [this](std::int64_t Rows) {
     FRows = Rows;
     ReportProgress(FOnShowProgress, Rows, FTotal, TableName);
   };
   if (TODBCBaseManager* const BaseManager = BaseMng().GetODBCBaseManager(DatabaseName)) {
     BaseMng().Notice(Format("copying the rows of table '%s'", TableName));
-    if (const auto Rows = Copy.CopyByStatement(*BaseManager)) return Show(*Rows), true;
+    if (const auto Rows = Copy.CopyByStatement(*BaseManager, DatabaseName)) return Show(*Rows), true;
   }
   const bool Whole = Copy.CopyByRecord([&](std::int64_t Rows) {
     Show(Rows);
@@ -203,22 +201,6 @@ void TUORecreateTable::RefuseMissingFields(const TDicTableDescription& Table, TT
                                  "that was made of it; look at the words of its fields",
                                  TableName, Field.Name),
                           {.Code = TErrorCode::Structure, .Table = TableName, .Column = Field.Name});
-}
-
-void TUORecreateTable::CarryBLOBTables(TTableRowCopy& Copy, const TDicTableDescription& Table) const {
-  for (const TDicField& Field : Table.Fields) {
-    const std::string Inside = TableName + "." + Field.Name;
-    const bool IsCarried = Copy.IsBLOB(Field.Name) && !ExcludedBLOBTableField(Field.Name) &&
-                           DSPContainer().Table(DatabaseName).DSPStructureExist(UpperCase(Inside), TableObjectType);
-    if (!IsCarried) continue;
-    TDicTableDescription Structure;
-    if (!Dictionary().GetDicTable(DatabaseName).GetTableInfo(Inside, Structure))
-      throw EDicUtilError(Format("Error getting BLOB table in field '%s' in the table '%s'", Field.Name, TableName),
-                          {.Table = TableName, .Column = Field.Name});
-    const TBLOBFieldMapping* const Mapping = BLOBFieldMappingList.GetMappingByField(Field.Name);
-    Copy.CarryTables(Field.Name, std::make_unique<TBLOBTableCopy>(TableName, Field.Name, Structure,
-                                                                  Mapping ? Mapping->Mapping : TStringPairs()));
-  }
 }
 
 void TUORecreateTable::Rebuild() {
@@ -303,15 +285,6 @@ void TUORecreateTable::LogExistence() const {
   };
   Log("Existence_1", "by name", BaseMng().TableExists(TemporaryTableName, DatabaseName, false));
   Log("Existence_2", "by opening", BaseMng().GetSystemTable(TemporaryTableName, DatabaseName) != nullptr);
-}
-
-std::string TUORecreateTable::FindBLOBFieldMapping(const std::string& FieldName, const std::string& NewName) const {
-  const TBLOBFieldMapping* const Mapping = BLOBFieldMappingList.GetMappingByField(FieldName);
-  return Mapping ? OldNameFor(Mapping->Mapping, NewName) : NewName;
-}
-
-bool TUORecreateTable::ExcludedBLOBTableField(const std::string& FieldName) const {
-  return ExcludedBLOBTableFields.IndexOf(FieldName) >= 0;
 }
 
 }  // namespace velkrund

@@ -13,7 +13,6 @@
 namespace velkrund {
 
 class TTable;
-class TTableRowCopy;
 
 /// Gives the description of a table the name of the one that is there, where they differ in case alone. Physical: the
 /// full name.
@@ -46,8 +45,12 @@ class TUORecreateTable : public TDatabaseUtilOperation {
 
   // All names in any case.
   std::string FindFieldMapping(const std::string& NewName) const { return OldNameFor(FieldMapping, NewName); }
-  std::string FindBLOBFieldMapping(const std::string& FieldName, const std::string& NewName) const;
-  bool ExcludedBLOBTableField(const std::string& FieldName) const;
+  std::string FindBLOBFieldMapping(const std::string& FieldName, const std::string& NewName) const {
+    return BLOBFieldMappingList.OldName(FieldName, NewName);
+  }
+  bool ExcludedBLOBTableField(const std::string& FieldName) const {
+    return ExcludedBLOBTableFields.IndexOf(FieldName) >= 0;
+  }
   // BLOBFieldMappingList as scripts have it.
   TStringPairs BLOBMapping() const { return BLOBFieldMappingList.Pairs(); }
   void SetBLOBMapping(const TStringPairs& Pairs) { BLOBFieldMappingList.SetPairs(Pairs); }
@@ -88,7 +91,6 @@ class TUORecreateTable : public TDatabaseUtilOperation {
   bool CopyRows(TTable& Old, TTable& New);
   bool CopyRowsOfTable(TTable& Old, TTable& New);
   void RefuseMissingFields(const TDicTableDescription& Table, TTable& Made) const;
-  void CarryBLOBTables(TTableRowCopy& Copy, const TDicTableDescription& Table) const;
   void Rebuild();
   void RefuseTemporary() const;
   void LogExistence() const;

@@ -1,5 +1,6 @@
 #include "velkrund/dictionary/RecreateTables.h"
 
+#include "velkrund/dictionary/ListProgress.h"
 #include "velkrund/dictionary/ListQuestion.h"
 #include "velkrund/dictionary/TemporaryTable.h"
 #include "velkrund/operations/GoOnQuestion.h"
@@ -78,14 +79,10 @@ std::unique_ptr<TUORecreateTable> TUORecreateTables::OperationOf(const std::stri
   Result->Owner = this;
   Result->DatabaseName = DatabaseName;
   Result->TableName = Name;
-  Result->FieldMapping = MappingOf(Name);
+  Result->FieldMapping = MappingFor(FieldMapping, Name, BaseMng().GetSystemTable(Name, DatabaseName).get());
   Result->TableScriptPart = TableScriptPart;
   Result->TakesLongNames = TakesLongNames;
-  Result->FOnShowProgress = [this, Index](std::int32_t Current, std::int32_t Total, std::string_view Table) {
-    constexpr std::int32_t Thousandths = 1000;
-    const std::int32_t Share = Total > 0 ? static_cast<std::int32_t>(std::int64_t{Current} * Thousandths / Total) : 0;
-    ShowProgress(Index * Thousandths + Share, TableNames.Count() * Thousandths, Table);
-  };
+  Result->FOnShowProgress = ProgressOfItem(*this, Index, TableNames.Count());
   return Result;
 }
 
@@ -112,19 +109,6 @@ void TUORecreateTables::Run(TUORecreateTable& Operation) {
 
 void TUORecreateTables::GoOn(const std::exception& Error, const std::string& Report) {
   GoOnOrRaise(Error, Report + "\r\n" + BaseMng().LString("M_Velkrund_DicUtils_ContinueRecreate"));
-}
-
-/// Those whose old field the table has: the others are meant for other tables.
-TStringPairs TUORecreateTables::MappingOf(const std::string& Name) const {
-  TStringPairs Result;
-  const std::unique_ptr<TTable> Table = BaseMng().GetSystemTable(Name, DatabaseName);
-  const std::string Prefix = Name + ".";
-  for (const auto& [Old, New] : FieldMapping) {
-    const bool IsOfTable = Old.size() > Prefix.size() && SameText(Old.substr(0, Prefix.size()), Prefix);
-    const std::string Field = IsOfTable ? Old.substr(Prefix.size()) : Old;
-    if (Table && Table->FindField(Field)) Result.emplace_back(Field, New);
-  }
-  return Result;
 }
 
 }  // namespace velkrund

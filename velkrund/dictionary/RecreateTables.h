@@ -52,7 +52,6 @@ class TUORecreateTables : public TDatabaseUtilOperation {
   bool MayGoOnWithout(const std::string& Name);
   std::unique_ptr<TUORecreateTable> OperationOf(const std::string& Name, int Index);
   void Run(TUORecreateTable& Operation);
-  TStringPairs MappingOf(const std::string& Name) const;
 
   std::vector<TResult> FResults;
   TYesNoCancelAsk FOverWrite, FSaveData;  // with what was answered in this run

@@ -1,5 +1,8 @@
 #include "velkrund/dictionary/Registration.h"
 
+#include "velkrund/dictionary/CopyTableInterfaces.h"
+#include "velkrund/dictionary/GeneratorDataOperations.h"
+#include "velkrund/dictionary/QueryDataOperations.h"
 #include "velkrund/dictionary/RecreateInterfaces.h"
 #include "velkrund/dictionary/RecreateTableInterfaces.h"
 #include "velkrund/dictionary/TableDataOperations.h"
@@ -24,12 +27,17 @@ void RegisterRecreation() {
 }  // namespace
 
 void RegisterDictionaryClasses() {
-  EITypeList().RegisterEIObject(TEIObjectClass(TEIOldTableData::Descriptor));
-  EITypeList().RegisterEIObject(TEIObjectClass(TEITableData::Descriptor));
-  InterfaceClasses().Register(TInterfaceClass(TUOImportTableDataInterface::Descriptor));
-  InterfaceClasses().Register(TInterfaceClass(TUOExportTableDataInterface::Descriptor));
-  InterfaceClasses().Register(TInterfaceClass(TUORecreateTableInterface::Descriptor));
-  InterfaceClasses().Register(TInterfaceClass(TUORecreateTablesInterface::Descriptor));
+  for (const TEIObjectDescriptor* const Class :
+       {&TEIOldTableData::Descriptor, &TEITableData::Descriptor, &TEIOldQueryData::Descriptor,
+        &TEIQueryData::Descriptor, &TEIGeneratorData::Descriptor})
+    EITypeList().RegisterEIObject(TEIObjectClass(*Class));
+  for (const TInterfaceDescriptor* const Class :
+       {&TUOImportTableDataInterface::Descriptor, &TUOExportTableDataInterface::Descriptor,
+        &TUOImportQueryDataInterface::Descriptor, &TUOExportQueryDataInterface::Descriptor,
+        &TUOImportGeneratorDataInterface::Descriptor, &TUOExportGeneratorDataInterface::Descriptor,
+        &TUORecreateTableInterface::Descriptor, &TUORecreateTablesInterface::Descriptor,
+        &TUOCustomCopyTableInterface::Descriptor, &TUOCustomCopyTablesInterface::Descriptor})
+    InterfaceClasses().Register(TInterfaceClass(*Class));
   RegisterRecreation();
   SetMissingTablesHook([](TUtilOperation& Operation, const std::string& Database) {
     return HasDictionary() ? std::make_unique<TTableMaker>(Operation, Database) : nullptr;

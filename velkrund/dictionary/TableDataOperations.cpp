@@ -14,6 +14,7 @@ constexpr TProperty ImportProperties[] = {
     PropertyOf<&TImport::Append>("Append", "keep the rows that are there"),
     PropertyOf<&TImport::SkipMissingFields>("SkipMissingFields", "pass over fields that the table lacks"),
     PropertyOf<&TImport::Fields>("Fields", "the only fields to load; empty: all"),
+    PropertyOf<&TImport::FieldMapping>("FieldMapping", "fields of the section, and fields of the table that they fill"),
     ReadOnlyOf<[](const TImport& Import) { return Import.Report.RowCount; }>(
         "Rows", "rows of the last run; those before its end, where it was not done"),
     ReadOnlyOf<[](const TImport& Import) { return Import.Report.NullsMade; }>(
@@ -60,6 +61,7 @@ void TUOImportTableData::InitEIObject(TEIObject& Object) {
   Section.Append = Append;
   Section.SkipMissingFields = SkipMissingFields;
   Section.Fields = Fields.Count() ? &Fields : nullptr;
+  Section.FieldMapping = FieldMapping;
   Section.StrictValues = StrictValues.value_or(Section.StrictValues);
   if (!TableName.empty()) Section.TableName = TableName;
   Section.Report = &Report;

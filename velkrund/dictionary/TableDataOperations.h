@@ -16,6 +16,7 @@ class TUOImportTableData : public TImportUtilOperation {
   bool Append = false;               // keep the rows that are there; otherwise an SQL table is emptied first
   bool SkipMissingFields = true;     // fields of the file that the table lacks are passed over; otherwise an error
   TStringList Fields;                // the only ones to load; empty: all fields of the file
+  TStringPairs FieldMapping;         // fields of the file, and fields of the table that they fill; others go by name
   std::optional<bool> StrictValues;  // an unparseable value is an error, or NULL; nothing: as the application has it
   TTableDataReport Report;           // of the last run
 
@@ -58,6 +59,8 @@ class TUOImportTableDataInterface
   void SetSkipMissingFields(bool Value) { Operation().SkipMissingFields = Value; }
   const std::vector<std::string>& Fields() const { return Operation().Fields.Items(); }
   void SetFields(const std::vector<std::string>& Names) { Operation().Fields = TStringList(Names); }
+  const TStringPairs& FieldMapping() const { return Operation().FieldMapping; }
+  void SetFieldMapping(const TStringPairs& Pairs) { Operation().FieldMapping = Pairs; }
 };
 
 class TUOExportTableDataInterface

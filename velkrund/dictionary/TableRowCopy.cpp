@@ -25,7 +25,8 @@ bool TTableRowCopy::IsBLOB(const std::string& NewName) const {
   });
 }
 
-std::optional<std::int64_t> TTableRowCopy::CopyByStatement(TODBCBaseManager& BaseManager) const {
+std::optional<std::int64_t> TTableRowCopy::CopyByStatement(TODBCBaseManager& BaseManager,
+                                                           const std::string& OldDatabase) const {
   TODBCBaseManager::TFieldPairs Names;
   for (const TPair& Pair : FPairs) {
     if (Pair.Tables) return std::nullopt;
@@ -33,11 +34,11 @@ std::optional<std::int64_t> TTableRowCopy::CopyByStatement(TODBCBaseManager& Bas
   }
   // An engine has no statement for rows of nothing.
   if (Names.empty()) return std::nullopt;
-  return BaseManager.CopyFields(FOld.TableName(), FNew.TableName(), Names);
+  return BaseManager.CopyFields(OldDatabase, FOld.TableName(), FNew.TableName(), Names, FCanRecreateAutoSequence);
 }
 
 bool TTableRowCopy::CopyByRecord(const std::function<bool(std::int64_t Rows)>& Counted) {
-  FNew.SetCanRecreateAutoSequence(false);
+  FNew.SetCanRecreateAutoSequence(FCanRecreateAutoSequence);
   FNew.BeginAppend();
   std::int64_t Rows = 0;
   for (bool Row = FOld.First(); Row; Row = FOld.Next()) {

@@ -29,9 +29,13 @@ class TTableRowCopy {
   /// Whether both fields hold blocks of bytes.
   bool IsBLOB(const std::string& NewName) const;
 
-  /// By a statement of the engine, which BaseManager runs; nothing, and nothing was done, where that may change values
-  /// or there are tables to carry over.
-  std::optional<std::int64_t> CopyByStatement(TODBCBaseManager& BaseManager) const;
+  /// The new table's automatic numbering stands behind the highest key afterwards. Otherwise nobody but the engine
+  /// moves it.
+  void SetCanRecreateAutoSequence(bool Value) { FCanRecreateAutoSequence = Value; }
+
+  /// By a statement of the engine, which BaseManager, of the new table, runs. OldDatabase: of the old one; nothing, and
+  /// nothing was done, where that may change values or there are tables to carry over.
+  std::optional<std::int64_t> CopyByStatement(TODBCBaseManager& BaseManager, const std::string& OldDatabase) const;
 
   /// Row by row. Counted is called behind each one with their number; false ends the copy there. False: it did.
   bool CopyByRecord(const std::function<bool(std::int64_t Rows)>& Counted);
@@ -52,6 +56,7 @@ class TTableRowCopy {
   TTable& FOld;
   TTable& FNew;
   std::vector<TPair> FPairs;
+  bool FCanRecreateAutoSequence = false;
 };
 
 }  // namespace velkrund

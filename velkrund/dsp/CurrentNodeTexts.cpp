@@ -11,16 +11,23 @@
 #include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/KindWords.h"
 
 namespace velkrund {
 
 namespace {
 
-// By the numbers of the types. Spelling and case are what all files hold.
-constexpr std::array<std::string_view, DSPValueTypeCount> Words = {
-    "",        "string",   "integer", "boolean", "double",   "variant",  "binary",    "DELETED",
-    "byte",    "smallint", "Word",    "UInt32",  "Extended", "Char",     "WordBool",  "SysDate",
-    "SysTime", "DateTime", "Int64",   "UInt64",  "Currency", "ANSIChar", "ANSIString"};
+// By the numbers of the types.
+constexpr std::array<std::string_view, DSPValueTypeCount> MakeWords() {
+  std::array<std::string_view, DSPValueTypeCount> Result{};
+  for (std::size_t Type = 0; Type < Result.size(); ++Type)
+    Result[Type] = KindWord(KindOfType(static_cast<TDSPValueType>(Type)));
+  Result[static_cast<std::size_t>(TDSPValueType::Variant)] = "variant";
+  Result[static_cast<std::size_t>(TDSPValueType::Deleted)] = "DELETED";
+  return Result;
+}
+
+constexpr std::array<std::string_view, DSPValueTypeCount> Words = MakeWords();
 
 void AppendQuoted(std::string& Out, const TDSPNode& Node, TTextLosses& Losses) {
   Out += '\'';

@@ -27,7 +27,13 @@ void ReportProgress(const TProgressCallback& OnProgress, std::int64_t Current, s
                     std::string_view ObjectName);
 
 /// What a section's content means to those who import whole files.
-enum class TSectionRole { Structure, TableData, Other };
+enum class TSectionRole {
+  Structure,
+  TableData,      // rows of a table, which the header names
+  QueryData,      // rows for a table that whoever imports them chooses
+  GeneratorData,  // where a generator stands
+  Other,
+};
 
 /// The static facts of a section class. AcceptVersion may be null: then only Version itself is accepted.
 struct TEIObjectDescriptor {

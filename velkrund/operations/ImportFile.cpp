@@ -89,7 +89,18 @@ int TUOImportFile::ImportAll() {
   if (!ImportStructures(Source) || !fCreateDBStructures) return 0;
   if (!ImportTables(Sources)) return 0;
   EndPass();
-  return CreateObjects();
+  return FinishObjects(Sources);
+}
+
+int TUOImportFile::FinishObjects(const std::vector<TSource>& Sources) {
+  const int Result = CreateObjects();
+  if (Result == 0) return 0;
+  for (const TSource& Source : Sources)
+    for (const int Index : Source.Generators) {
+      if (Stopping()) return 0;
+      ImportSection(*Source.File, Index, nullptr);
+    }
+  return FStopping ? 0 : Result;
 }
 
 void TUOImportFile::SetUpContainer() {
@@ -126,7 +137,7 @@ void TUOImportFile::TellObjects() {
 
 TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName) {
   try {
-    TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}};
+    TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}, {}};
     if (!Source.File) {
       Source.Owned = OpenedHere(FileName);
       Source.File = Source.Owned.get();
@@ -152,8 +163,12 @@ void TUOImportFile::TakeSections(TSource& Source) {
   for (int Index = 0; Index < Source.File->Sections().Count(); ++Index) {
     const TEISection& Section = Source.File->Sections()[Index];
     if (!Host().Takes(*Source.File, Section)) continue;
-    (IsTableData(Section) ? Source.Tables : Source.Structures).push_back(Index);
-    if (fCreateDBStructures && Section.ObjectClass.Role() == TSectionRole::Structure)
+    const TSectionRole Role = Section.ObjectClass.Role();
+    if (Role == TSectionRole::TableData || Role == TSectionRole::QueryData)
+      Source.Tables.push_back(Index);
+    else
+      (Role == TSectionRole::GeneratorData ? Source.Generators : Source.Structures).push_back(Index);
+    if (fCreateDBStructures && Role == TSectionRole::Structure)
       Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
   }
   for (const TStructure& Structure : Structures) WillCreate(Structure.Type, Structure.Name, *Structure.Section);
@@ -213,9 +228,9 @@ void TUOImportFile::MakeMissingTables(const std::vector<TSource>& Sources) {
   }
 }
 
-/// Whether the table could not be made, which its section will tell.
+/// Whether the table could not be made, which its section will tell. Empty: nobody knows the table yet.
 bool TUOImportFile::HasFailed(const std::string& Table) {
-  if (!FMissing) return false;
+  if (!FMissing || Table.empty()) return false;
   try {
     FMissing->Check(Table);
     return false;
@@ -238,15 +253,20 @@ void TUOImportFile::FailTable(const std::string& Table, const std::exception& Er
   ContinueOrRaise(Error, "M_Velkrund_ComUtils_ErrorOnImportSection", Table);
 }
 
+std::optional<TLoadTarget> TUOImportFile::TargetOf(TEIFile& File, const TEISection& Section) {
+  if (!Relations() || HasFailed(TableOf(Section))) return std::nullopt;
+  std::optional<TLoadTarget> Target = Host().TargetOf(File, Section);
+  // Query data name no table themselves.
+  if (Target && !IsTableData(Section) && HasFailed(Target->Table)) return std::nullopt;
+  return Target;
+}
+
 bool TUOImportFile::ImportTables(const std::vector<TSource>& Sources) {
   MakeMissingTables(Sources);
   TTablePlan Plan;
   for (const TSource& Source : Sources)
-    for (const int Index : Source.Tables) {
-      const TEISection& Section = Source.File->Sections()[Index];
-      const bool HasTarget = Relations() && !HasFailed(TableOf(Section));
-      Plan.Add(*Source.File, Index, HasTarget ? Host().TargetOf(*Source.File, Section) : std::nullopt);
-    }
+    for (const int Index : Source.Tables)
+      Plan.Add(*Source.File, Index, TargetOf(*Source.File, Source.File->Sections()[Index]));
   Plan.Settle(DatabaseName, LoadOptions);
   for (const TTablePlan::TPart& Part : Plan.Parts()) {
     if (Stopping()) break;
@@ -367,7 +387,7 @@ void TUOImportFile::ChildProgress(std::int32_t Current, std::int32_t Total, std:
 
 // A failed section counts for nothing, so that the next one begins where it began; what was shown stays.
 void TUOImportFile::ShowPosition(std::int64_t Position, std::string_view ObjectName) {
-  FShown = std::max(FShown, Position);
+  FShown = std::max(FShown, std::min(Position, TotalProgress));
   ReportProgress(FOnShowProgress, FShown, TotalProgress, ObjectName);
 }
 

@@ -18,9 +18,10 @@
 
 namespace velkrund {
 
-/// Imports a whole file: its structures and all else but table data, then makes the tables that are missing, then loads
-/// the table data, then creates the generators, views and procedures that the structures describe, unless a structure
-/// was left alone by an answer, or left out, or has failed. Progress counts the bytes of section bodies.
+/// Imports a whole file: its structures and all else but what follows, then makes the tables that are missing, then
+/// loads the table data and query data, then creates the generators, views and procedures that the structures describe,
+/// unless a structure was left alone by an answer, or left out, or has failed, then imports the generator data.
+/// Progress counts the bytes of section bodies.
 ///
 /// Tables come after those that they refer to. Those that are tied to each other are loaded together or not at all: the
 /// error of one, or a wish to stop, takes all of them back.
@@ -51,8 +52,9 @@ class TUOImportFile : public TDatabaseUtilOperation {
   struct TSource {
     std::unique_ptr<TEIFile> Owned;  // null where the host has opened it
     TEIFile* File;
-    std::vector<int> Structures;  // all that is not table data
-    std::vector<int> Tables;
+    std::vector<int> Structures;  // all others
+    std::vector<int> Tables;      // rows: table data and query data
+    std::vector<int> Generators;
   };
 
   /// The run itself; EAbort is its cancelled result.
@@ -60,15 +62,16 @@ class TUOImportFile : public TDatabaseUtilOperation {
 
   /// Opens the file and adds its structures to those whose objects are created at the end. On failure nothing is added.
   TSource OpenFile(const std::string& FileName);
-  int CreateObjects();
   static std::int64_t BytesOf(const TEIFile& File, const std::vector<int>& Sections);
   /// Between these two progress goes from 0 to Total bytes and never back.
   void BeginPass(std::int64_t Total);
   void EndPass();
   /// False when cancelled; these two.
   bool ImportStructures(const TSource& Source);
-  /// The table data of all files, as one plan, with the tables that are missing.
+  /// The rows of all files, as one plan, with the tables that are missing.
   bool ImportTables(const std::vector<TSource>& Sources);
+  /// The objects that structures describe, then where generators stand; the result of the run.
+  int FinishObjects(const std::vector<TSource>& Sources);
   /// Cancelled, now or earlier in this run.
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }
   /// Within the handler of Error: traces it, and returns when a person wants to go on. Otherwise it raises. Key: of the
@@ -85,6 +88,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   TImportFileObserver& Host() { return Observer ? *Observer : FNobody; }
   std::unique_ptr<TEIFile> OpenedHere(const std::string& FileName) const;
   void SetUpContainer();
+  int CreateObjects();
   void TellObjects();
   void TakeSections(TSource& Source);
   void CreateEarly();
@@ -93,6 +97,7 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool HasFailed(const std::string& Table);
   void CompleteTables();
   void FailTable(const std::string& Table, const std::exception& Error);
+  std::optional<TLoadTarget> TargetOf(TEIFile& File, const TEISection& Section);
   void ImportGroup(const TTablePlan& Plan, const TTablePlan::TPart& Part);
   void TellTakenBack(std::span<const TTablePlan::TStep> Steps, const std::exception* Error);
   void ImportSection(TEIFile& File, int Index, TTableLoading* Loading);

@@ -6,7 +6,8 @@
 namespace velkrund {
 
 std::optional<TLoadTarget> TImportFileObserver::TargetOf(const TEIFile&, const TEISection& Section) {
-  const std::string* const TableName = Section.FindParam("TableName");
+  const bool IsTableData = Section.ObjectClass.Role() == TSectionRole::TableData;
+  const std::string* const TableName = IsTableData ? Section.FindParam("TableName") : nullptr;
   if (!TableName) return std::nullopt;
   try {
     const auto Table = BaseMng().GetUserTable(*TableName, FDatabaseName, true);

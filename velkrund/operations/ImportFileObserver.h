@@ -21,11 +21,12 @@ class TImportFileObserver {
   /// Asked once for each section of a file before anything of it is imported. A section that is not taken is as if the
   /// file did not have it.
   virtual bool Takes(const TEIFile& /*File*/, const TEISection& /*Section*/) { return true; }
-  /// The table that a table data section is to be loaded into, where foreign keys are minded; nothing: it takes no part
-  /// in that. Asked once for each, when all structures are there. By default the table that the section names under its
-  /// physical name, emptied, and nothing when it cannot be opened.
+  /// The table that a section of rows is to be loaded into, where foreign keys are minded; nothing: it takes no part in
+  /// that. Asked once for each, when all structures are there. By default the table that table data name under its
+  /// physical name, emptied, and nothing when it cannot be opened; nothing for query data, whose table a host that
+  /// knows it sets in BeginSection too.
   virtual std::optional<TLoadTarget> TargetOf(const TEIFile& File, const TEISection& Section);
-  /// Behind the last table data section, where the platform has relations of tables.
+  /// Behind the last section of rows, where the platform has relations of tables.
   virtual void EndTables(const TTableLoading& /*Loading*/) {}
   /// Before a section is imported, its object being set up; false: the section is left out, and EndSection not called.
   virtual bool BeginSection(const TEIFile& File, const TEISection& Section, TEIObject& Object) = 0;

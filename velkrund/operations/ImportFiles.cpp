@@ -39,7 +39,7 @@ int TUOImportFiles::ImportSeveral() {
   BeginPass(TableBytes);
   if (!ImportTables(Sources)) return 0;
   EndPass();
-  return CreateObjects();
+  return FinishObjects(Sources);
 }
 
 }  // namespace velkrund

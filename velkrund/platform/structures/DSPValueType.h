@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "velkrund/platform/ormtools/Variant.h"
@@ -35,7 +37,14 @@ enum class TDSPValueType : std::uint8_t {
 inline constexpr int DSPValueTypeCount = 23;
 
 /// The kind of the values of a type; Null for None and Deleted, which have none, and for Variant, which has them all.
-TKvKind KindOfType(TDSPValueType Type);
+constexpr TKvKind KindOfType(TDSPValueType Type) {
+  constexpr std::array<TKvKind, DSPValueTypeCount> Kinds = {
+      TKvKind::Null,     TKvKind::String, TKvKind::Integer,  TKvKind::Boolean,  TKvKind::Double,    TKvKind::Null,
+      TKvKind::Bytes,    TKvKind::Null,   TKvKind::Byte,     TKvKind::SmallInt, TKvKind::Word,      TKvKind::LongWord,
+      TKvKind::Extended, TKvKind::Char,   TKvKind::WordBool, TKvKind::SysDate,  TKvKind::SysTime,   TKvKind::DateTime,
+      TKvKind::Int64,    TKvKind::UInt64, TKvKind::Currency, TKvKind::AnsiChar, TKvKind::AnsiString};
+  return Kinds[static_cast<std::size_t>(Type)];
+}
 
 /// Whether a node of that type can hold Value: of the type's kind, a character being exactly one.
 bool FitsType(TDSPValueType Type, const TKvVariant& Value);

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cstring>
-#include <set>
+#include <map>
 
 #include "velkrund/dictionary/DicErrors.h"
-#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/RecordData.h"
 #include "velkrund/eif/RecordPieces.h"
 #include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/database/Relations.h"
@@ -15,15 +15,9 @@ namespace velkrund {
 
 namespace {
 
-constexpr std::string_view Prefix = "Can not import table data. ";
-
 // What the field lines may take in memory. Where the "[RECORDS]" line is damaged, the records are field lines too,
 // however many there are; no engine has as many columns.
 constexpr std::size_t MaxFieldLines = 16 * 1024 * 1024;
-
-[[noreturn]] void ImportError(const std::string& What, TErrorInfo Info = {.Code = TErrorCode::Record}) {
-  throw EDicUtilError(std::string(Prefix) + What, std::move(Info));
-}
 
 std::span<char> TrimInPlace(std::span<char> Text) {
   const std::string_view All(Text.data(), Text.size());
@@ -43,13 +37,23 @@ inline std::span<char> NextValue(char*& At, char* End) {
 
 }  // namespace
 
-struct TEICommonTableData::TImportField {
+struct TEIRecordData::TImportField {
+  struct TCopy {
+    TField* Target;
+    std::string Text;  // of the value, which is decoded in place
+  };
+
   std::string Name;
-  TField* Target;  // null: the value is passed over
+  TField* Target;             // null: the value is passed over
+  std::vector<TCopy> Copies;  // further fields of the table that it fills
 };
 
-std::string_view TEICommonTableData::NextLine(TEIStream& Stream) {
-  ShowProgress(Stream.Position(), Stream.Size(), TableName);
+void TEIRecordData::ImportError(const std::string& What, TErrorInfo Info) const {
+  throw EDicUtilError(Format("Can not import %s. %s", Content(), What), std::move(Info));
+}
+
+std::string_view TEIRecordData::NextLine(TEIStream& Stream) {
+  ShowProgress(Stream.Position(), Stream.Size(), Subject());
   const std::string_view Line = Trim(Stream.Readln());
   if (StrictLines && Line.find('\n') != std::string_view::npos)
     ImportError(Format("A line feed alone stands within a line, where it ends none (Position:%d)", Stream.Position()),
@@ -57,7 +61,7 @@ std::string_view TEICommonTableData::NextLine(TEIStream& Stream) {
   return Line;
 }
 
-bool TEICommonTableData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines) {
+bool TEIRecordData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines) {
   std::size_t Kept = 0;
   // A file that another program cuts off meanwhile ends before its size.
   while (Kept <= MaxFieldLines && !Stream.Peek().empty()) {
@@ -70,28 +74,68 @@ bool TEICommonTableData::ReadUntil(TEIStream& Stream, std::string_view Marker, s
   return false;
 }
 
-std::vector<std::string> TEICommonTableData::ReadFieldNames(TEIStream& Stream) {
+bool TEIRecordData::ReadUntilFields(TEIStream& Stream) { return ReadUntil(Stream, "[FIELDS]", nullptr); }
+
+std::vector<std::string> TEIRecordData::ReadFieldNames(TEIStream& Stream) {
   std::vector<std::string> Names;
-  if (!ReadUntil(Stream, "[FIELDS]", nullptr)) ImportError("Fields section not found");
+  if (!ReadUntilFields(Stream)) ImportError("Fields section not found");
   if (!ReadUntil(Stream, "[RECORDS]", &Names)) ImportError("Records section not found");
   return Names;
 }
 
-std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(TTable& Target,
-                                                                                const std::vector<std::string>& Names) {
+std::vector<TField*> TEIRecordData::TargetsOf(TTable& Target, const std::string& Name) const {
+  std::vector<TField*> Result;
+  TField* Own = Target.FindField(Name);
+  for (const auto& [FileField, TableField] : FieldMapping) {
+    TField* const Field = Target.FindField(TableField);
+    const bool IsOfName = SameText(FileField, Name);
+    if (IsOfName && Field) Result.push_back(Field);
+    if (IsOfName || Field == Own) Own = nullptr;
+  }
+  if (Own) Result.push_back(Own);
+  return Result;
+}
+
+/// By a pair without a field of the table.
+bool TEIRecordData::GoesNowhere(const std::string& Name) const {
+  return std::any_of(FieldMapping.begin(), FieldMapping.end(),
+                     [&](const auto& Pair) { return SameText(Pair.first, Name) && Pair.second.empty(); });
+}
+
+// A slip in a name would leave a field of the table without its values.
+void TEIRecordData::CheckMapping(const std::vector<std::string>& Names) const {
+  for (const auto& [FileField, TableField] : FieldMapping) {
+    const auto IsIt = [&Field = FileField](const std::string& Name) { return SameText(Name, Field); };
+    if (std::none_of(Names.begin(), Names.end(), IsIt))
+      ImportError(Format("The mapping names the field '%s', which the section lacks", FileField),
+                  {.Code = TErrorCode::FieldMissing, .Column = FileField});
+  }
+}
+
+std::vector<TEIRecordData::TImportField> TEIRecordData::ResolveFields(TTable& Target,
+                                                                      const std::vector<std::string>& Names) {
+  CheckMapping(Names);
   std::vector<TImportField> Columns;
-  std::set<const TField*> Taken;
+  std::map<const TField*, std::string> Taken;
   for (const std::string& Name : Names) {
-    TField* Field = Target.FindField(Name);
-    const bool Wanted = Selected(Name);
-    // The last of the values would stand for all, and the field whose name is damaged would have none.
-    if (Field && Wanted && !Taken.insert(Field).second) ImportError(Format("The field '%s' stands twice", Name));
-    if (!Field && Wanted) {
-      if (!SkipMissingFields)
-        ImportError(Format("Import field '%s' is missing", Name), {.Code = TErrorCode::FieldMissing, .Column = Name});
-      Report->SkippedFields.push_back(Name);
+    TImportField& Column = Columns.emplace_back(TImportField{Name, nullptr, {}});
+    if (!Selected(Name)) continue;
+    for (TField* const Field : TargetsOf(Target, Name)) {
+      const auto [Before, IsNew] = Taken.emplace(Field, Name);
+      // The last of the values would stand for all, and the field whose name is damaged would have none.
+      if (!IsNew && SameText(Before->second, Name)) ImportError(Format("The field '%s' stands twice", Name));
+      if (!IsNew)
+        ImportError(Format("The fields '%s' and '%s' would both fill the field '%s' of the table", Before->second, Name,
+                           Field->Name()));
+      if (Column.Target)
+        Column.Copies.push_back({Field, {}});
+      else
+        Column.Target = Field;
     }
-    Columns.push_back({Name, Wanted ? Field : nullptr});
+    if (Column.Target) continue;
+    if (!MayLack(Name) && !GoesNowhere(Name))
+      ImportError(Format("Import field '%s' is missing", Name), {.Code = TErrorCode::FieldMissing, .Column = Name});
+    Report->SkippedFields.push_back(Name);
   }
   // Every row would be one of nothing but defaults. There are tables without a field, whose rows are merely counted.
   if (Taken.empty() && (!Names.empty() || Target.Record().FieldCount() > 0))
@@ -100,7 +144,7 @@ std::vector<TEICommonTableData::TImportField> TEICommonTableData::ResolveFields(
   return Columns;
 }
 
-void TEICommonTableData::ImportData(TEIStream& Stream) {
+void TEIRecordData::ImportData(TEIStream& Stream) {
   BeginRun(Stream);
   FStopped = false;
   FRecordStart = 0;
@@ -108,6 +152,7 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
     const std::vector<std::string> Names = ReadFieldNames(Stream);
     FRecordsStart = Stream.Position();
     FRecordsLine = Stream.ReadLnCnt();
+    if (!ChooseTable(Names)) return;
     std::unique_ptr<TTable> Owned;
     ImportInto(TakeTable(Owned, "import"), Names, Stream);
   } catch (Exception& Error) {
@@ -118,7 +163,7 @@ void TEICommonTableData::ImportData(TEIStream& Stream) {
 
 /// Adds what the table's own errors do not know: the line in the file, which is that of their record. The engine may
 /// have held rows back: then it is not the one last read.
-void TEICommonTableData::PlaceError(Exception& Error, TEIStream& Stream) {
+void TEIRecordData::PlaceError(Exception& Error, TEIStream& Stream) {
   Error.Add({.Table = TableName});
   if (!dynamic_cast<const EDatabaseError*>(&Error)) {
     if (FRecordStart > 0) Error.Add({.Record = Report->RowCount + 1});
@@ -139,8 +184,8 @@ void TEICommonTableData::PlaceError(Exception& Error, TEIStream& Stream) {
   Stream.SetReadLnCnt(LinesRead);
 }
 
-void TEICommonTableData::ImportInto(TTable& Target, const std::vector<std::string>& Names, TEIStream& Stream) {
-  const std::vector<TImportField> Columns = ResolveFields(Target, Names);
+void TEIRecordData::ImportInto(TTable& Target, const std::vector<std::string>& Names, TEIStream& Stream) {
+  std::vector<TImportField> Columns = ResolveFields(Target, Names);
   auto* const SQLTable = dynamic_cast<TODBCTable*>(&Target);
   if (!SQLTable || (!Loading && !Relations())) return ImportAlone(SQLTable, Target, Columns, Stream);
   std::unique_ptr<TTableLoading> Own;
@@ -152,17 +197,17 @@ void TEICommonTableData::ImportInto(TTable& Target, const std::vector<std::strin
 }
 
 /// Where nobody minds what stands around the table.
-void TEICommonTableData::ImportAlone(TODBCTable* SQLTable, TTable& Target, std::span<const TImportField> Columns,
-                                     TEIStream& Stream) {
+void TEIRecordData::ImportAlone(TODBCTable* SQLTable, TTable& Target, std::span<TImportField> Columns,
+                                TEIStream& Stream) {
   TTransaction Transaction(DatabaseName);
   if (SQLTable && !Append) Report->DeletedRows = EmptyTable(*SQLTable, DatabaseName);
   ImportRows(Target, Columns, Stream);
   if (!FStopped) Transaction.Commit();
 }
 
-void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
+void TEIRecordData::ImportRows(TTable& Target, std::span<TImportField> Columns, TEIStream& Stream) {
   Target.SetCanRecreateAutoSequence(true);
-  Target.SetAllowLoss(!StrictText());
+  Target.SetAllowLoss(!FStrictText);
   Target.BeginAppend();
   ImportRecords(Target, Columns, Stream);
   if (FStopped) return;
@@ -172,7 +217,7 @@ void TEICommonTableData::ImportRows(TTable& Target, std::span<const TImportField
   FStopped = IsCanceled();
 }
 
-void TEICommonTableData::ImportRecords(TTable& Target, std::span<const TImportField> Columns, TEIStream& Stream) {
+void TEIRecordData::ImportRecords(TTable& Target, std::span<TImportField> Columns, TEIStream& Stream) {
   FColumn = nullptr;
   try {
     while (!FStopped && (FRecordStart = Stream.Position()) < Stream.Size()) {
@@ -192,7 +237,7 @@ void TEICommonTableData::ImportRecords(TTable& Target, std::span<const TImportFi
 }
 
 // Puts the pieces of the next record together, without its brackets.
-void TEICommonTableData::ReadRecord(TEIStream& Stream) {
+void TEIRecordData::ReadRecord(TEIStream& Stream) {
   FRecord = NextLine(Stream);
   if (FRecord.size() < 2 || FRecord.front() != '<') RecordError("'<' is missing", Stream);
   while (!FRecord.empty() && FRecord.back() == ContinuationMark) {
@@ -205,22 +250,28 @@ void TEICommonTableData::ReadRecord(TEIStream& Stream) {
   if (FRecord.size() < 2 || FRecord.back() != '>') RecordError("'>' is missing", Stream);
 }
 
-void TEICommonTableData::RecordToFields(std::span<const TImportField> Columns, TEIStream& Stream) {
+void TEIRecordData::RecordToFields(std::span<TImportField> Columns, TEIStream& Stream) {
   char* At = FRecord.data() + 1;
   char* const End = FRecord.data() + FRecord.size() - 1;
-  for (const TImportField& Column : Columns) {
+  for (TImportField& Column : Columns) {
     FColumn = &Column;
     const std::span<char> Value = NextValue(At, End);
     if (Value.empty())
       ImportError(Format("Invalid record data structure. Field value is missing (Position:%d;Field:'%s')",
                          Stream.Position(), Column.Name));
-    if (Column.Target) StringToField(Value, *Column.Target);
+    if (Column.Target) ValueToFields(Value, Column);
   }
   FColumn = nullptr;
 }
 
+void TEIRecordData::ValueToFields(std::span<char> Value, TImportField& Column) {
+  for (TImportField::TCopy& Copy : Column.Copies) Copy.Text.assign(Value.data(), Value.size());
+  StringToField(Value, *Column.Target);
+  for (TImportField::TCopy& Copy : Column.Copies) StringToField(Copy.Text, *Copy.Target);
+}
+
 /// Values are decoded where they stand: what was there is read again.
-std::string TEICommonTableData::ValueInFile(std::size_t Column, TEIStream& Stream) {
+std::string TEIRecordData::ValueInFile(std::size_t Column, TEIStream& Stream) {
   const std::int64_t LinesRead = Stream.ReadLnCnt();
   std::string Result;
   try {
@@ -238,7 +289,7 @@ std::string TEICommonTableData::ValueInFile(std::size_t Column, TEIStream& Strea
   return Result;
 }
 
-void TEICommonTableData::RecordError(std::string_view What, TEIStream& Stream) const {
+void TEIRecordData::RecordError(std::string_view What, TEIStream& Stream) const {
   ImportError(Format("Invalid record data structure. %s (Position:%d)", What, Stream.Position()),
               {.Code = TErrorCode::Record, .Record = Report->RowCount + 1, .Value = Shortened(FRecord)});
 }

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "velkrund/dictionary/DicErrors.h"
-#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/RecordData.h"
 #include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -20,9 +20,9 @@ constexpr std::int64_t MaxInteger = std::numeric_limits<std::int32_t>::max();
 constexpr TDateTime DayZero{-25'569 * MicrosecondsPerDay};  // 1899-12-30
 
 template <typename T>
-void AppendBounded(std::string& Text, T Value) {
+void AppendBounded(std::string& Text, T Value, const char* Content) {
   if (std::cmp_less(Value, MinInteger) || std::cmp_greater(Value, MaxInteger))
-    throw EDicUtilError(Format("Can not export table data. Field value %s is out of bounds %d and %d.",
+    throw EDicUtilError(Format("Can not export %s. Field value %s is out of bounds %d and %d.", Content,
                                std::to_string(Value), MinInteger, MaxInteger),
                         {.Code = TErrorCode::Value, .Value = std::to_string(Value)});
   AppendInteger(Text, static_cast<std::int64_t>(Value));
@@ -181,7 +181,7 @@ std::string TOldTextReader::ReadCharacter() {
 
 }  // namespace
 
-void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
+void TEIRecordData::OldValueToString(TField& Field, std::string& Text, const char* UnknownKind) {
   const TKvVariant& Value = Field.Value();
   if (const char* Change = ChangeOf(Value, Field.Kind())) ValueLost(Field, Value, Change);
   const TCodePage& Page = *WorkSettings().AnsiCodePage;
@@ -195,9 +195,9 @@ void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
     case TKvKind::Integer:
     case TKvKind::LongWord:
     case TKvKind::Int64:
-      return AppendBounded(Text, Value.AsInteger());
+      return AppendBounded(Text, Value.AsInteger(), Content());
     case TKvKind::UInt64:
-      return AppendBounded(Text, Value.AsUnsigned());
+      return AppendBounded(Text, Value.AsUnsigned(), Content());
     case TKvKind::Double:
     case TKvKind::Extended:
       return AppendReal(Text, Value.AsReal());
@@ -215,7 +215,7 @@ void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
     case TKvKind::Char:
     case TKvKind::String:
       Text += '\'';
-      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Field, Lost);
+      if (const std::int64_t Lost = AppendOldEscaped(Text, Value.AsText(), Page)) TextLost(Lost, PlaceOf(Field));
       Text += '\'';
       return;
     case TKvKind::AnsiChar:
@@ -226,18 +226,17 @@ void TEIOldTableData::FieldToString(TField& Field, std::string& Text) {
       Text += '\'';
       return;
   }
-  throw EDicUtilError(
-      Format("Can not export table data. Field value is of unknown type (VarType:%d)", static_cast<int>(Value.Kind())));
+  throw EDicUtilError(Format(UnknownKind, static_cast<int>(Value.Kind())));
 }
 
-void TEIOldTableData::StringToField(std::span<char> Text, TField& Field) {
+void TEIRecordData::OldStringToValue(std::span<char> Text, TField& Field) {
   const std::string_view View(Text.data(), Text.size());
   std::string Error;
   if (View.front() == '\'') {
     TOldTextReader Reader(Text, *WorkSettings().AnsiCodePage);
     Error = Reader.Read();
     if (Error.empty()) {
-      if (Reader.Lost()) TextLost(Field, Reader.Lost());
+      if (Reader.Lost()) TextLost(Reader.Lost(), PlaceOf(Field));
       return Field.Buffer().BorrowText(Reader.Bytes(), TKvKind::AnsiString);
     }
   } else if (SameAsciiWord(View, "NULL")) {
@@ -248,9 +247,9 @@ void TEIOldTableData::StringToField(std::span<char> Text, TField& Field) {
     Error = ReadNumber(View, Field);
     if (Error.empty()) return;
   }
-  Unparseable(Field, Format("Can not import table data. Invalid record data structure. Field value is incorrect "
+  Unparseable(Field, Format("Can not import %s. Invalid record data structure. Field value is incorrect "
                             "(Field:'%s';Error:'%s')",
-                            Field.Name(), Error));
+                            Content(), Field.Name(), Error));
 }
 
 }  // namespace velkrund

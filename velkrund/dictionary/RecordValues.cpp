@@ -1,7 +1,7 @@
 // Value texts of version 200.
 
 #include "velkrund/dictionary/DicErrors.h"
-#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/RecordData.h"
 #include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -17,29 +17,6 @@ std::size_t HexDigit(char Digit) {
   if (Digit >= 'A' && Digit <= 'F') return static_cast<std::size_t>(Digit - 'A' + 10);
   if (Digit >= 'a' && Digit <= 'f') return static_cast<std::size_t>(Digit - 'a' + 10);
   return 16;
-}
-
-void ReadText(std::span<char> Text, TKvVariant& Value) {
-  const std::span<char> Inside = Text.subspan(1, Text.size() - 2);
-  std::string BadDigits;
-  const std::size_t Length = UnescapeInPlace(Inside, BadDigits);
-  if (!BadDigits.empty())
-    throw EDicUtilError(Format("Error importing table data. Invalid character (#$%s) in string constant.", BadDigits),
-                        {.Code = TErrorCode::Value});
-  Value.BorrowText({Inside.data(), Length});
-}
-
-void ReadBytes(std::span<char> Digits, TKvVariant& Value) {
-  if (Digits.size() % 2 != 0)
-    throw EDicUtilError("Error importing table data. Incorrect binary value", {.Code = TErrorCode::Value});
-  char* Out = Digits.data();
-  for (std::size_t At = 0; At < Digits.size(); At += 2) {
-    const std::size_t High = HexDigit(Digits[At]), Low = HexDigit(Digits[At + 1]);
-    if ((High | Low) > 15)
-      throw EConvertError(Format("'$%s' is not a valid integer value", std::string_view(&Digits[At], 2)));
-    *Out++ = static_cast<char>(High << 4 | Low);
-  }
-  Value.BorrowText({Digits.data(), Digits.size() / 2}, TKvKind::Bytes);
 }
 
 void ReadCurrency(std::string_view Text, TKvVariant& Value) {
@@ -68,7 +45,33 @@ bool ReadWord(std::string_view Text, TKvVariant& Value) {
 
 }  // namespace
 
-void TEITableData::FieldToString(TField& Field, std::string& Text) {
+void TEIRecordData::ReadText(std::span<char> Text, TKvVariant& Value) const {
+  const std::span<char> Inside = Text.subspan(1, Text.size() - 2);
+  std::string BadDigits;
+  const std::size_t Length = UnescapeInPlace(Inside, BadDigits);
+  if (!BadDigits.empty()) BadCharacter(BadDigits);
+  Value.BorrowText({Inside.data(), Length});
+}
+
+void TEIRecordData::BadCharacter(std::string_view Digits) const {
+  throw EDicUtilError(Format("Error importing %s. Invalid character (#$%s) in string constant.", Content(), Digits),
+                      {.Code = TErrorCode::Value});
+}
+
+void TEIRecordData::ReadBytes(std::span<char> Digits, TKvVariant& Value) const {
+  if (Digits.size() % 2 != 0)
+    throw EDicUtilError(Format("Error importing %s. Incorrect binary value", Content()), {.Code = TErrorCode::Value});
+  char* Out = Digits.data();
+  for (std::size_t At = 0; At < Digits.size(); At += 2) {
+    const std::size_t High = HexDigit(Digits[At]), Low = HexDigit(Digits[At + 1]);
+    if ((High | Low) > 15)
+      throw EConvertError(Format("'$%s' is not a valid integer value", std::string_view(&Digits[At], 2)));
+    *Out++ = static_cast<char>(High << 4 | Low);
+  }
+  Value.BorrowText({Digits.data(), Digits.size() / 2}, TKvKind::Bytes);
+}
+
+void TEIRecordData::ValueToString(TField& Field, std::string& Text) {
   const TKvVariant& Value = Field.Value();
   switch (Value.Kind()) {
     case TKvKind::Null:
@@ -111,7 +114,7 @@ void TEITableData::FieldToString(TField& Field, std::string& Text) {
       Format("Can not exporttable data. Field value is of unknown type (VarType:%d)", static_cast<int>(Value.Kind())));
 }
 
-void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, std::string& Text) {
+void TEIRecordData::TextToString(const TField& Field, const TKvVariant& Value, std::string& Text) {
   std::string_view Source = Value.AsText();
   std::string Decoded;
   if (IsAnsiKind(Value.Kind())) {
@@ -121,18 +124,18 @@ void TEITableData::TextToString(const TField& Field, const TKvVariant& Value, st
   Text += '\'';
   const std::size_t Start = Text.size();
   AppendEscaped(Text, Source);
-  if (WritesAnsi()) CheckRepresentable(Field, std::string_view(Text).substr(Start));
+  if (FWritesAnsi) CheckRepresentable(Field, std::string_view(Text).substr(Start));
   Text += '\'';
 }
 
 // The stream would replace what the code page lacks; here field and record can still be named.
-void TEITableData::CheckRepresentable(const TField& Field, std::string_view Text) {
-  if (!StrictText()) return;
+void TEIRecordData::CheckRepresentable(const TField& Field, std::string_view Text) {
+  if (!FStrictText) return;
   std::string Bytes;
-  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Field, Lost);
+  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Lost, PlaceOf(Field));
 }
 
-void TEITableData::StringToField(std::span<char> Text, TField& Field) {
+void TEIRecordData::StringToValue(std::span<char> Text, TField& Field) {
   const std::string_view View(Text.data(), Text.size());
   TKvVariant& Value = Field.Buffer();
   const char First = View.front();
@@ -145,9 +148,9 @@ void TEITableData::StringToField(std::span<char> Text, TField& Field) {
   } else if (ReadWord(View, Value) || ReadPlain(View, Value)) {
     return;
   }
-  Unparseable(Field, Format("Can not import table data. Invalid record data structure. Field value is incorrect "
+  Unparseable(Field, Format("Can not import %s. Invalid record data structure. Field value is incorrect "
                             "(Field:'%s'); Value: %s",
-                            Field.Name(), View));
+                            Content(), Field.Name(), View));
 }
 
 }  // namespace velkrund

@@ -75,14 +75,15 @@ std::string RemedyText(const TSession& Session, const TErrorFacts& Error, std::s
   const auto Behind = [&](const std::string& Remedy) { return (IsSentence ? " " : "; ") + Remedy; };
   if (Error.Info.Code == TErrorCode::NoWords && Session.Interface &&
       Session.Interface->ClassType().Properties().Find("AllowMissing"))
-    return Behind(Format("%s %s goes on without", OptionOf("AllowMissing"), Error.Info.Value));
+    return Behind(Format("%s %s goes on without", Session.Command.OptionOf("AllowMissing"), Error.Info.Value));
   for (const auto& [Code, Property, Text, Remedied] : PropertyRemedies) {
     if (Code != Error.Info.Code || !Session.Interface) continue;
     // Of other fields it is the file that lacks them, or the table lacks all.
     if (Code == TErrorCode::FieldMissing && (Error.Info.Table.empty() || Error.Info.Column.empty())) continue;
     if (!Session.Interface->ClassType().Properties().Find(Property)) continue;
     if (GetPropertyInteger(*Session.Interface, Property) == Remedied) continue;
-    return Text.empty() ? Format(": %s", OptionOf(Property)) : Behind(Format("%s %s", OptionOf(Property), Text));
+    return Text.empty() ? Format(": %s", Session.Command.OptionOf(Property))
+                        : Behind(Format("%s %s", Session.Command.OptionOf(Property), Text));
   }
   const std::string Remedy = OtherRemedy(Session, Error);
   return Remedy.empty() ? Remedy : Behind(Remedy);
@@ -95,7 +96,7 @@ TErrorFacts FactsForPeople(const TCommand& Command, const std::exception& Error)
   if (const auto* const Unanswered = dynamic_cast<const EPolicyUnanswered*>(&Error))
     Result.Message = UnansweredText(Unanswered->Stakes(), Command.Remedy(Unanswered->Policy()));
   else if (const auto* const Settings = dynamic_cast<const ESettingsError*>(&Error))
-    Result.Message = Settings->Worded(&OptionOf);
+    Result.Message = Settings->Worded([&](std::string_view Property) { return Command.OptionOf(Property); });
   return Result;
 }
 

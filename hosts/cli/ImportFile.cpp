@@ -14,7 +14,11 @@ const TCommandTexts ImportFileTexts = {
     "loads everything that export/import files hold",
     "-d DB -i FILE... [--create-tables yes|no] [--replace|--append] [--overwrite yes|no]",
     "Of all files together the structures come first, then the rows of tables, each into the table that its section "
-    "names. Tables that are missing, and that structures of the files or of the database describe, are made: fields "
+    "names, and of queries, into the table that --target names or a person at a terminal chooses, then generators are "
+    "moved to "
+    "where "
+    "they stood. Tables that are missing, and that structures of the files or of the database describe, are made: "
+    "fields "
     "and keys before the rows, then indexes, foreign keys, triggers and comments. That is asked about, unless "
     "--create-tables says so. What the engine has no words for is an error before anything is changed, unless "
     "--allow-missing names its kind.\n\n"
@@ -52,6 +56,13 @@ std::vector<TOptionGroup> TImportFile::Options() {
     Own.push_back(std::move(Option));
   for (TOption& Option : TSharedOptions::CreatingOptions(FJob.Policies)) Own.push_back(std::move(Option));
   Own.push_back(TSharedOptions::OverwriteStructuresOption(FJob.Policies));
+  Own.push_back(Text("--target", "TABLE",
+                     "the table that the rows of queries go into; without it a person at a terminal is asked",
+                     FJob.QueryTarget));
+  Own.push_back(Pairs("--map", "FILEFIELD=TABLEFIELD",
+                      "of queries: the field TABLEFIELD of that table takes the values of the file's FILEFIELD",
+                      FJob.Mapping));
+  Own.push_back(TSharedOptions::SetGeneratorsOption(FJob.SetGenerators));
   Own.push_back(TSharedOptions::DryRunOption(FJob.Policies));
   Own.push_back(TSharedOptions::AllowLossOption(FJob.Policies));
   Own.push_back(TSharedOptions::OnErrorOption(FJob.Policies));

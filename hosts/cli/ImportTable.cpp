@@ -1,6 +1,6 @@
+#include "hosts/cli/ImportOptions.h"
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
-#include "jobs/tables/ImportTables.h"
 
 namespace velkrund {
 
@@ -21,12 +21,17 @@ const TCommandTexts ImportTableTexts = {
     {{"import table -d sqlite:shop.db -i orders.eif --replace", "every table of the file, emptied first"},
      {"import table -d sqlite:shop.db -i shop.eif --section ORDERS -t ORDERS_OLD --append",
       "one section into a table of another name"},
+     {"import table -d shop -i orders.eif --map SUM=TOTAL --append", "a field has another name in the table"},
      {"import table -d shop -i - --replace < shop.eif", "from standard input"}}};
 
 class TImportTable final : public TCommand {
  public:
   const TCommandTexts& Texts() const override { return ImportTableTexts; }
-  std::vector<TOptionGroup> Options() override;
+  std::vector<TOptionGroup> Options() override {
+    return ImportRowsOptions(
+        Shared, FJob,
+        Text("-t,--table", "TABLE", "the table to load (default: the one that the section names)", FJob.TableName));
+  }
   bool ReadsStandardInput() const override { return FJob.FileName == "-"; }
   int Run(TSession& Session) override { return RunSectionsJob(Session, FInterface); }
 
@@ -34,21 +39,6 @@ class TImportTable final : public TCommand {
   TJobImportTablesInterface FInterface;
   TJobImportTables& FJob = FInterface.Job();
 };
-
-std::vector<TOptionGroup> TImportTable::Options() {
-  std::vector<TOption> Own = {
-      Shared.DatabaseOption(),
-      Required(Text("-i,--input", "FILE", "the file to read; - is standard input", FJob.FileName)),
-      Text("-t,--table", "TABLE", "the table to load (default: the one that the section names)", FJob.TableName),
-      List("--section", "NAME|INDEX", "the section to load; a number is an index as file list shows it", FJob.Sections),
-      CommaList("--fields", "A,B", "only these fields", FJob.Fields)};
-  for (TOption& Option : TSharedOptions::LoadingOptions(FJob.Policies, FJob.CreateDatabase))
-    Own.push_back(std::move(Option));
-  Own.push_back(TSharedOptions::DryRunOption(FJob.Policies));
-  Own.push_back(TSharedOptions::AllowLossOption(FJob.Policies));
-  Own.push_back(TSharedOptions::OnErrorOption(FJob.Policies));
-  return {{"Options", Own}, Shared.General()};
-}
 
 }  // namespace
 

@@ -4,6 +4,10 @@
 #include "jobs/databases/RunProcedure.h"
 #include "jobs/dictionary/AdoptObjects.h"
 #include "jobs/dictionary/ScriptObjects.h"
+#include "jobs/generators/ExportGenerators.h"
+#include "jobs/generators/ImportGenerators.h"
+#include "jobs/queries/ExportQuery.h"
+#include "jobs/queries/ImportQueries.h"
 #include "jobs/recreation/RecreateObjects.h"
 #include "jobs/recreation/RecreateTables.h"
 #include "jobs/sections/CheckFiles.h"
@@ -14,6 +18,7 @@
 #include "jobs/structures/ExportStructures.h"
 #include "jobs/structures/ImportStructures.h"
 #include "jobs/structures/StoredStructures.h"
+#include "jobs/tables/CopyTables.h"
 #include "jobs/tables/ExportTables.h"
 #include "jobs/tables/ImportTables.h"
 
@@ -22,12 +27,14 @@ namespace velkrund {
 void RegisterJobClasses() {
   TInterfaceClassList& Classes = InterfaceClasses();
   for (const TInterfaceDescriptor* Job :
-       {&TJobExportTables::Interface, &TJobImportTables::Interface, &TJobExportStructures::Interface,
-        &TJobImportStructures::Interface, &TJobImportFiles::Interface, &TJobListStructures::Interface,
-        &TJobShowStructure::Interface, &TJobDropStructure::Interface, &TJobListSections::Interface,
-        &TJobCheckFiles::Interface, &TJobRemoveSections::Interface, &TJobRepairFile::Interface,
-        &TJobAdoptObjects::Interface, &TJobScriptObjects::Interface, &TJobRecreateTables::Interface,
-        &TJobRecreateObjects::Interface, &TJobDatabaseInfo::Interface, &TJobRunProcedure::Interface})
+       {&TJobExportTables::Interface,   &TJobImportTables::Interface,     &TJobExportQuery::Interface,
+        &TJobImportQueries::Interface,  &TJobExportGenerators::Interface, &TJobImportGenerators::Interface,
+        &TJobCopyTables::Interface,     &TJobExportStructures::Interface, &TJobImportStructures::Interface,
+        &TJobImportFiles::Interface,    &TJobListStructures::Interface,   &TJobShowStructure::Interface,
+        &TJobDropStructure::Interface,  &TJobListSections::Interface,     &TJobCheckFiles::Interface,
+        &TJobRemoveSections::Interface, &TJobRepairFile::Interface,       &TJobAdoptObjects::Interface,
+        &TJobScriptObjects::Interface,  &TJobRecreateTables::Interface,   &TJobRecreateObjects::Interface,
+        &TJobDatabaseInfo::Interface,   &TJobRunProcedure::Interface})
     Classes.Register(TInterfaceClass(*Job));
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "jobs/dictionary/SectionTree.h"
 #include "jobs/policies/Questions.h"
@@ -164,6 +165,7 @@ std::vector<TTableCreation::TEntry*> TTableCreation::Missing() {
 }
 
 void TTableCreation::Settle(TOutcome& Outcome) {
+  if (std::exchange(FIsSettled, true)) return;
   const std::vector<TEntry*> Tables = Missing();
   if (Tables.empty() && FObjects.Missing().empty()) return;
   AskFor(Tables);

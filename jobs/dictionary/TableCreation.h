@@ -78,6 +78,7 @@ class TTableCreation {
   std::map<std::string, TEntry> FEntries;  // by full name in lower case
   std::vector<std::string> FMade, FCompleted, FUnchecked;
   bool FDeclined = false;
+  bool FIsSettled = false;
 };
 
 }  // namespace velkrund

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/QueryData.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -92,6 +92,10 @@ std::string TableOf(const TEISection& Section) {
   return Name ? *Name : std::string();
 }
 
+std::string QueryTextOf(TEISource& Source, int Index) {
+  return dynamic_cast<TEICommonQueryData&>(*Source.CreateEIObject(Index)).QueryText;
+}
+
 std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {
   const TEISection& Section = Source.Sections()[Index];
   Source.Stream().SetPosition(Section.DataPosition);
@@ -99,7 +103,7 @@ std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index) {
   Body.SetEncoding(Section.Encoding());
   Body.SetStrictText(Source.StrictText());
   try {
-    return dynamic_cast<TEICommonTableData&>(*Source.CreateEIObject(Index)).ReadFieldNames(Body);
+    return dynamic_cast<TEIRecordData&>(*Source.CreateEIObject(Index)).ReadFieldNames(Body);
   } catch (const Exception&) {
     return std::nullopt;
   }

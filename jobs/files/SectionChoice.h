@@ -32,7 +32,9 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
 
 /// The table that a table data section names; empty when it names none.
 std::string TableOf(const TEISection& Section);
-/// The field names of a table data section, in its order; nothing when its body does not begin with them.
+/// The text of the query that a query data section holds the rows of.
+std::string QueryTextOf(TEISource& Source, int Index);
+/// The field names of a section of rows, in its order; nothing when its body does not begin with them.
 std::optional<std::vector<std::string>> FieldsOf(TEISource& Source, int Index);
 
 }  // namespace velkrund

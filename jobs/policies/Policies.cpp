@@ -57,6 +57,8 @@ std::string_view Remedy(TPolicy Policy) {
       return "Set LongNames to keep or to cancel";
     case TPolicy::MissingSources:
       return "Set MissingSources to skip or to stop";
+    case TPolicy::QueryTarget:
+      return "Set QueryTarget, or TableName of TJobImportQueries";
     case TPolicy::Yes:
       break;
   }

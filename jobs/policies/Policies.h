@@ -97,6 +97,7 @@ enum class TPolicy {
   CreateTables,
   LongNames,
   MissingSources,
+  QueryTarget,  // the table that the rows of a query go into
   Yes
 };
 

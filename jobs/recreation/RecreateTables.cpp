@@ -102,8 +102,13 @@ void TThis::Prepare(const std::string& Name, TNotes Notes) {
   CheckReferences(Name, Table);
   if (!Table.Info) return;
   KeepPhysicalName(Table.New, FullName(*Table.Info));
-  FMapping->Take(Name, Connection().Schema().Describe(*Table.Info), Table.New, Table.Fields, Table.Inside);
+  TakeMapping(Name, Table);
   CheckRows(Name, Table, Notes);
+}
+
+void TThis::TakeMapping(const std::string& Name, TTable& Table) {
+  FMapping->Take({Name, Name, FieldNames(Connection().Schema().Describe(*Table.Info)), FieldNames(Table.New)},
+                 Table.Fields, Table.Inside);
 }
 
 /// Locked, and looked at again: others may have changed it since the first look.
@@ -124,9 +129,9 @@ void TThis::CheckAll() {
     const std::optional<TTableInfo> There = Connection().Schema().FindTable(Item.Structure.Name);
     TTable LeftOut;
     if (Item.State == TItemState::NotReached || !There) continue;
+    LeftOut.Info = There;
     if (Dictionary().GetDicTable(DatabaseName).GetTableInfo(Item.Structure.Name, LeftOut.New))
-      FMapping->Take(Item.Structure.Name, Connection().Schema().Describe(*There), LeftOut.New, LeftOut.Fields,
-                     LeftOut.Inside);
+      TakeMapping(Item.Structure.Name, LeftOut);
   }
   FMapping->RefuseUnused();
 }

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jobs/recreation/GivenMapping.h"
+#include "jobs/dictionary/GivenMapping.h"
 #include "jobs/recreation/RecreationJob.h"
 #include "velkrund/dictionary/RecreateTables.h"
 #include "velkrund/platform/structures/ObjectTypes.h"
@@ -54,6 +54,7 @@ class TJobRecreateTables final : public TRecreationJob {
 
   enum class TNotes { Later, Now };
   void Prepare(const std::string& Name, TNotes Notes);
+  void TakeMapping(const std::string& Name, TTable& Table);
   void CheckRows(const std::string& Name, const TTable& Table, TNotes Notes);
   void Remark(const std::string& Name, const std::string& Text);
   std::unique_ptr<TSurroundings> Locked(const std::string& Name);

@@ -7,22 +7,38 @@
 
 namespace velkrund {
 
+TSectionRole TItem::Role() const {
+  if (Structure) return TSectionRole::Structure;
+  if (Generator) return TSectionRole::GeneratorData;
+  return IsQuery ? TSectionRole::QueryData : TSectionRole::TableData;
+}
+
 TDocument ItemDocument(const TItem& Item) {
   TDocument Result;
-  Result.Set("file", Item.File);
+  if (Item.Source.empty())
+    Result.Set("file", Item.File);
+  else
+    Result.Set("source", Item.Source);
   if (!Item.Section.empty()) Result.Set("name", Item.Section);
   if (!Item.Table.empty()) Result.Set("table", Item.Table);
   if (Item.Structure) Result.Set("structure", StructureDocument(*Item.Structure));
+  if (Item.Generator) Result.Set("generator", Item.Generator->Name);
+  if (Item.Generator && Item.Generator->Value) Result.Set("value", *Item.Generator->Value);
   Result.Set("state", StateText(Item.State));
   if (!Item.Note.empty()) Result.Set("reason", Item.Note);
   if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
   if (Item.State != TItemState::Done) return Result;
   const std::optional<std::int64_t> Rows = Item.Rows();
   if (Rows) Result.Set("rows", *Rows);
-  Result.Set("size", Item.Bytes).Set("seconds", Item.Seconds);
+  if (Item.Source.empty())
+    Result.Set("size", Item.Bytes);
+  else
+    Result.Set("rowsUpdated", Item.RowsUpdated);
+  Result.Set("seconds", Item.Seconds);
   if (Rows) Result.Set("rowsDeleted", Item.Counts.DeletedRows).Set("nullsMade", Item.Counts.NullsMade);
   if (Rows) Result.Set("valuesChanged", Item.Counts.ValuesChanged);
-  Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
+  if (Item.Source.empty())
+    Result.Set("charactersLost", Item.Losses.Unrepresentable).Set("malformedCharacters", Item.Losses.Malformed);
   if (Item.Structure) Result.Set("textsAltered", Item.Losses.Altered);
   if (Rows) Result.Set("skippedFields", Item.Counts.SkippedFields);
   return Result;

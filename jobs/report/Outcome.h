@@ -9,7 +9,7 @@
 
 #include "jobs/report/Document.h"
 #include "jobs/report/StructureId.h"
-#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/RecordData.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 
@@ -30,24 +30,36 @@ enum class TItemState {
 /// "done", "left-out" ...: words for programs.
 std::string_view StateText(TItemState State);
 
-/// What became of one section.
+/// A generator of a section, and where it stood.
+struct TGeneratorState {
+  std::string Name;
+  std::optional<std::int64_t> Value = {};
+};
+
+/// What became of one section, or of one table that is copied.
 struct TItem {
   std::string Section = {};  // empty: the file as a whole
   std::string Table = {};    // empty: the section is for something else; only tables have rows
   std::string File = {};
+  std::string Source = {};  // the table that it is copied from; empty: the item is a section
   TItemState State = TItemState::NotReached;
   std::string Note = {};  // why it was left out
   std::optional<TErrorFacts> Error = {};
   std::int64_t Bytes = 0;  // of the section's body
   double Seconds = 0;
   TTableDataReport Counts = {};
+  std::int64_t RowsUpdated = 0;  // of a copy
   TTextLosses Losses = {};
   std::optional<TStructureId> Structure = {};
+  std::optional<TGeneratorState> Generator = {};
+  bool IsQuery = false;  // the result of one
 
+  /// Of the section.
+  TSectionRole Role() const;
   /// What progress is about.
   const std::string& Subject() const { return Table.empty() ? Section : Table; }
   std::optional<std::int64_t> Rows() const {
-    return Table.empty() ? std::nullopt : std::optional<std::int64_t>(Counts.RowCount);
+    return Table.empty() && !IsQuery ? std::nullopt : std::optional<std::int64_t>(Counts.RowCount);
   }
 };
 
@@ -81,6 +93,8 @@ struct TOutcome {
   /// Enters that the run was cancelled, How in words, and that something stays where something was finished.
   void Cancel(std::string How = "cancelled");
 
+  /// Whether the items are tables that are copied, without a file between them.
+  bool Copies() const { return !Items.empty() && !Items.front().Source.empty(); }
   bool Any(TItemState State) const { return Count(State) > 0; }
   int Count(TItemState State) const;
   TEnd End() const;

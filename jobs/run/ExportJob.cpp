@@ -82,8 +82,7 @@ void TExportJob::FindExisting() {
   for (std::size_t I = 0; I < FSteps.size(); ++I) {
     const TItem& Item = FOutcome.Items[I];
     if (Item.State == TItemState::LeftOut) continue;
-    const TSectionRole Role = Item.Structure ? TSectionRole::Structure : TSectionRole::TableData;
-    const auto Found = Present.find({Role, LowerCase(Item.Section)});
+    const auto Found = Present.find({Item.Role(), LowerCase(Item.Section)});
     if (Found != Present.end()) FSteps[I].Existing = Found->second;
   }
 }

@@ -6,6 +6,7 @@
 #include "jobs/files/StrayMarkers.h"
 #include "jobs/policies/Questions.h"
 #include "jobs/report/ErrorReport.h"
+#include "jobs/run/LoadOptions.h"
 #include "standalone/databases/ReadTransaction.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -113,17 +114,7 @@ void TImportJob::Add(TInputFile& Input, int Index) {
 /// Shows what the loading of the tables would refuse, before anything is changed.
 void TImportJob::PlanLoading() {
   const std::vector<TLoadTarget> Targets = FSteps.Targets();
-  if (!Targets.empty() && Relations()) FLoading = Relations()->Load(DatabaseName, Targets, LoadOptions());
-}
-
-/// Only where something may be left of a run that has failed, it matters what hangs together.
-TLoadOptions TImportJob::LoadOptions() const {
-  TLoadOptions Result;
-  Result.InGroups = Policies.Commit == TCommit::Each || Policies.OnError == TOnError::Continue ||
-                    (Policies.OnError == TOnError::Ask && CanAsk());
-  Result.Triggers = Policies.Triggers == TTriggers::Fire;
-  Result.BrokenReferences = Policies.BrokenReferences == TBrokenReferencePolicy::Allow;
-  return Result;
+  if (!Targets.empty() && Relations()) FLoading = Relations()->Load(DatabaseName, Targets, LoadOptionsOf(Policies));
 }
 
 /// What Import would do, in its order as far as that is known beforehand.
@@ -159,7 +150,7 @@ void TImportJob::Import() {
   Operation.FileSystem = FInputs.get();
   Operation.fCreateDBStructures = MakesObjects();
   Operation.Observer = this;
-  Operation.LoadOptions = LoadOptions();
+  Operation.LoadOptions = LoadOptionsOf(Policies);
   FTotal = FSteps.Bytes();
   FReached = 0;
   BeginPart(Joined(FOutcome.Files), "bytes", FTotal);
@@ -364,7 +355,7 @@ bool TImportJob::MayGoOn(const std::exception& Error) {
 /// Whether there is nothing else that could be gone on with, or could stay. What structures describe is made last.
 bool TImportJob::IsAlone() const {
   if (!FUnreadable.empty() || (FSteps.HaveStructures() && MakesObjects())) return false;
-  const bool Together = !LoadOptions().InGroups;
+  const bool Together = !LoadOptionsOf(Policies).InGroups;
   for (std::size_t Number = 0; Number < FOutcome.Items.size(); ++Number) {
     const TItemState State = FOutcome.Items[Number].State;
     if (State == TItemState::Done && Policies.Commit == TCommit::Run) return false;
@@ -385,7 +376,7 @@ void TImportJob::TakenBack(const std::vector<TImportFileObserver::TPlace>& Secti
   }
   const std::string Note = "tables that hang together are loaded together or not at all";
   const bool IsTold = std::find(FOutcome.Notes.begin(), FOutcome.Notes.end(), Note) != FOutcome.Notes.end();
-  if (Sections.size() > 1 && LoadOptions().InGroups && !IsTold) FOutcome.Notes.push_back(Note);
+  if (Sections.size() > 1 && LoadOptionsOf(Policies).InGroups && !IsTold) FOutcome.Notes.push_back(Note);
   if (Error) Fail(*Named, *Error);
 }
 

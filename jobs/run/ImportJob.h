@@ -65,7 +65,6 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   void NoteLines(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void PlanLoading();
-  TLoadOptions LoadOptions() const;
   void MakePlan();
   void Import();
   void NoteStructuresAlone();

@@ -20,7 +20,8 @@ void Append(std::vector<TPlanStep>& Plan, std::vector<TPlanStep> More) {
 
 void TImportSteps::Add(TInputFile& Input, int Index, TImportPart* Part) {
   const TEISection& Section = Input.File().Sections()[Index];
-  const TImportStep Step{Part, Section.DataSize, Section.ObjectClass.Role() == TSectionRole::TableData,
+  const TSectionRole Role = Section.ObjectClass.Role();
+  const TImportStep Step{Part, Section.DataSize, Role == TSectionRole::TableData || Role == TSectionRole::QueryData,
                          FOutcome.Items.size()};
   TItem Item;
   Item.Section = Section.Name();

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jobs/report/ErrorReport.h"
+#include "jobs/run/LetGo.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -35,24 +36,6 @@ class TWhileWaiting {
   TDatabases& FDatabases;
   TDatabases::TCanceled FCanceledBefore;
   TDatabases::TNotice FNoticeBefore, FWarningBefore;
-};
-
-/// Lets a database go that was not open before: whoever works on for long does not hold on to a file that others may
-/// replace meanwhile.
-class TLetGo {
- public:
-  TLetGo(TDatabases& Databases, const std::string& Name)
-      : FDatabases(Databases), FName(Name), FWasOpen(Databases.IsOpen(Name)) {}
-  TLetGo(const TLetGo&) = delete;
-  TLetGo& operator=(const TLetGo&) = delete;
-  ~TLetGo() {
-    if (!FWasOpen && FDatabases.IsOpen(FName)) FDatabases.Close(FName);
-  }
-
- private:
-  TDatabases& FDatabases;
-  const std::string FName;
-  const bool FWasOpen;
 };
 
 /// The error with the one that is being handled as its cause, which is what documents and hosts tell.
@@ -106,7 +89,7 @@ void TJob::RunOnDatabase() {
       },
       [this](const std::string& Text) { Warn(Text); });
   if (!NeedsDatabase()) return Run();
-  CheckDatabaseName();
+  FDatabaseText = CheckedDatabase(DatabaseName, "DatabaseName");
   const TLetGo LetGo(Databases, DatabaseName);
   Run();
 }
@@ -137,25 +120,19 @@ void TJob::Require(const std::string& Value, std::string_view Property) {
   if (Value.empty()) throw ESettingsError(Setting(Property) + " is missing");
 }
 
-std::string TJob::TextOfDatabase() const {
+std::string TJob::CheckedDatabase(const std::string& Name, std::string_view Property) const {
   const TConfiguration& Configuration = Manager().Configuration();
-  const std::string& Meant = DatabaseName.empty() ? Configuration.DefaultDatabase : DatabaseName;
+  if (Name.empty() && Configuration.DefaultDatabase.empty())
+    throw ESettingsError(Format("%s is missing, and the configuration has no default database", Setting(Property)));
+  // The most likely slip: the file alone.
+  const bool IsKnown = Name.empty() || Configuration.Databases.contains(Name);
+  if (!IsKnown && !ParseDatabaseUrl(Name) && Files().Exists(Name))
+    throw ESettingsError(
+        Format("'%s' is a file; the address of a database file begins with its kind: sqlite:%s", Name, Name));
+  const std::string& Meant = Name.empty() ? Configuration.DefaultDatabase : Name;
   const auto Entry = Configuration.Databases.find(Meant);
   if (Entry == Configuration.Databases.end()) return WithoutSecrets(Meant);
   return Meant + " (" + WithoutSecrets(Entry->second.Url) + ")";
-}
-
-void TJob::CheckDatabaseName() {
-  const TConfiguration& Configuration = Manager().Configuration();
-  if (DatabaseName.empty() && Configuration.DefaultDatabase.empty())
-    throw ESettingsError(
-        Format("%s is missing, and the configuration has no default database", Setting("DatabaseName")));
-  // The most likely slip: the file alone.
-  const bool IsKnown = DatabaseName.empty() || Configuration.Databases.contains(DatabaseName);
-  if (!IsKnown && !ParseDatabaseUrl(DatabaseName) && Files().Exists(DatabaseName))
-    throw ESettingsError(Format("'%s' is a file; the address of a database file begins with its kind: sqlite:%s",
-                                DatabaseName, DatabaseName));
-  FDatabaseText = TextOfDatabase();
 }
 
 void TJob::SetShare(double From, double To) {

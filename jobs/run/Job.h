@@ -62,6 +62,9 @@ class TJob : public TDatabaseUtilOperation {
   /// What people may see of the database of this run, or of the last one: its name, and the address behind it, without
   /// passwords.
   const std::string& DatabaseText() const { return FDatabaseText; }
+  /// The same of another database. Raises ESettingsError for a name that cannot be meant, or is missing. Property: by
+  /// which it is given.
+  std::string CheckedDatabase(const std::string& Name, std::string_view Property) const;
   /// Raises ESettingsError for a setting that has to be there and is empty.
   static void Require(const std::string& Value, std::string_view Property);
   /// Polled by what is no operation.
@@ -85,8 +88,6 @@ class TJob : public TDatabaseUtilOperation {
 
  private:
   void RunOnDatabase();
-  void CheckDatabaseName();
-  std::string TextOfDatabase() const;
 
   std::string FDatabaseText;
   TEnd FEnd = TEnd::Done;

@@ -4,6 +4,7 @@
 #include <numeric>
 #include <set>
 
+#include "jobs/generators/GeneratorImport.h"
 #include "jobs/structures/StructureImport.h"
 #include "jobs/tables/TableImport.h"
 #include "standalone/dictionary/ScriptRun.h"
@@ -34,6 +35,10 @@ constexpr TProperty Properties[] = {
     TPolicyRows::AllowLoss,
     TPolicyRows::Lenient,
     PropertyOf<&TThis::FileNames>("FileNames", "the files to load, in this order; - is standard input"),
+    PropertyOf<&TThis::QueryTarget>("QueryTarget",
+                                    "the table that the rows of queries go into; empty: a person is asked"),
+    PropertyOf<&TThis::Mapping>("Mapping", "fields of queries with other names in that table: file=table"),
+    PropertyOf<&TThis::SetGenerators>("SetGenerators", "move generators backwards too"),
     PropertyOf<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
 };
 
@@ -63,6 +68,12 @@ TImportJob::TParts TJobImportFiles::MakeParts() {
   TStructureImport::TSettings Structures{DatabaseName};
   Structures.Creation = FCreation.get();
   TParts Result;
+  TTableImport::TSettings Queries = Tables;
+  Queries.TableName = QueryTarget;
+  Queries.Mapping = Mapping;
+  Result.emplace(TSectionRole::QueryData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Queries)));
+  Result.emplace(TSectionRole::GeneratorData,
+                 std::make_unique<TGeneratorImport>(Manager(), DatabaseName, SetGenerators));
   Result.emplace(TSectionRole::TableData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Tables)));
   Result.emplace(TSectionRole::Structure,
                  std::make_unique<TStructureImport>(Policies.ExistingStructures, std::move(Structures)));

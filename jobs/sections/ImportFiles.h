@@ -17,6 +17,9 @@ class TJobImportFiles final : public TImportJob {
   TJobImportFiles() : TImportJob("file") {}
 
   std::vector<std::string> FileNames;  // in this order; "-": standard input
+  std::string QueryTarget;             // the table that the rows of queries go into; empty: a person is asked
+  TStringPairs Mapping;                // fields of queries, and those of that table that they fill; others go by name
+  bool SetGenerators = false;          // backwards too
 
   void CheckSettings() const override;
 

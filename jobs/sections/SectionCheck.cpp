@@ -5,7 +5,7 @@
 
 #include "jobs/files/SectionChoice.h"
 #include "jobs/run/ItemAccount.h"
-#include "velkrund/dictionary/TableData.h"
+#include "velkrund/dictionary/RecordData.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -19,6 +19,7 @@ TSectionChecker::TSectionChecker(TApplicationManager& Real, const TCancelCallbac
       FDiscard(Real),
       FManagerGuard(&FDiscard),
       FStructuresGuard(&FStructures),
+      FObjectsGuard(&FObjects),
       FRelationsGuard(nullptr),
       FWindowsGuard(nullptr) {}
 
@@ -44,15 +45,19 @@ TSectionChecker::TChecked TSectionChecker::Check(TEIFile& File, int Index) {
 }
 
 void TSectionChecker::Read(TEIFile& File, int Index, TChecked& Result) {
+  std::unique_ptr<TTable> Anywhere;
   const std::unique_ptr<TEIObject> Object = File.CreateEIObject(Index);
   Object->OnCancel = FCanceled;
   Object->OnProgress = FOnProgress;
   Object->StrictLines = true;
-  if (auto* const Table = dynamic_cast<TEICommonTableData*>(Object.get())) {
+  if (auto* const Data = dynamic_cast<TEIRecordData*>(Object.get())) {
     Result.HasRows = true;
-    Table->Report = &Result.Item.Counts;
-    Table->StrictValues = true;
+    Data->Report = &Result.Item.Counts;
+    Data->StrictValues = true;
     FDiscard.SetFieldNames(FieldsOf(File, Index).value_or(std::vector<std::string>()));
+    // Where a section names no table nobody is asked for one.
+    Anywhere = FDiscard.GetUserTable(Data->TableName, {}, true);
+    Data->Table = Anywhere.get();
   }
   File.ImportObject(*Object);
   Result.Item.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;

@@ -6,6 +6,7 @@
 
 #include "jobs/report/Outcome.h"
 #include "standalone/discard/DiscardManager.h"
+#include "standalone/discard/DiscardObjects.h"
 #include "standalone/discard/DiscardStructures.h"
 #include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/database/Relations.h"
@@ -36,8 +37,10 @@ class TSectionChecker {
   const TProgressCallback FOnProgress;
   TDiscardManager FDiscard;
   TDiscardStructures FStructures;
+  TDiscardObjects FObjects;
   TServiceGuard<TApplicationManager> FManagerGuard;
   TServiceGuard<TDSPContainer> FStructuresGuard;
+  TServiceGuard<TDicDBContainer> FObjectsGuard;
   TServiceGuard<TRelations> FRelationsGuard;
   TServiceGuard<TWindowSystem> FWindowsGuard;
 };

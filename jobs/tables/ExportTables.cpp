@@ -21,19 +21,6 @@ namespace {
 
 using TThis = TJobExportTables;
 
-struct TKindLeftOut {
-  TTableKind Kind;
-  const char* What;
-};
-
-constexpr TKindLeftOut KindsLeftOut[] = {
-    {TTableKind::View, "views"},
-    {TTableKind::Foreign, "tables whose rows are on other servers"},
-    {TTableKind::IndexOfTable, "indexes of words over the rows of other tables, to be rebuilt when these are loaded"},
-    {TTableKind::IndexAlone, "indexes of words that do not keep the texts"},
-    {TTableKind::Computed, "virtual tables whose rows are computed or kept elsewhere"},
-};
-
 constexpr std::string_view Orders[] = {"key", "any"};
 
 constexpr TProperty Properties[] = {
@@ -60,27 +47,11 @@ void TJobExportTables::CheckSettings() const {
     throw ESettingsError(Format("%s names fields of one table, but several tables are exported", Setting("Fields")));
 }
 
-std::vector<std::string> TJobExportTables::AllTables() {
-  std::map<TTableKind, std::vector<std::string>> Names;
-  for (const TTableInfo& Table : Manager().Tables(DatabaseName))
-    Names[Table.Kind == TTableKind::Extension ? TTableKind::Table : Table.Kind].push_back(FullName(Table));
-  std::vector<std::string> Result = std::move(Names[TTableKind::Table]);
-  if (Result.empty()) FOutcome.Notes.emplace_back("there are no tables");
-  for (const auto& [Kind, What] : KindsLeftOut)
-    if (!Names[Kind].empty()) FOutcome.Notes.push_back(Format("left out, being %s: %s", What, Joined(Names[Kind])));
-  return Result;
-}
-
 /// What has no rows to save would give an empty section, or one of NULLs.
 void TJobExportTables::RefuseWithoutRows() const {
   for (const std::string& Name : Tables) {
     const auto Table = Manager().Databases().Connection(DatabaseName).Schema().FindTable(Name);
-    if (Table && (Table->Kind == TTableKind::IndexOfTable || Table->Kind == TTableKind::IndexAlone))
-      throw EDatabaseError(
-          Format("The table '%s' has no rows of its own: it is an index of words%s", FullName(*Table),
-                 Table->Kind == TTableKind::IndexAlone ? " that does not keep the texts"
-                                                       : " over another table's rows. Export that one"),
-          {.Table = FullName(*Table), .Database = FOutcome.Database});
+    if (Table) TTableSearch(Manager(), DatabaseName, FOutcome.Database).RefuseIndex(*Table);
   }
 }
 
@@ -104,7 +75,7 @@ std::vector<TItem> TJobExportTables::PlanItems() {
   std::vector<TItem> Result, Missing;
   std::set<std::string> Seen;
   const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
-  for (const std::string& Name : Tables.empty() ? AllTables() : Tables) {
+  for (const std::string& Name : Tables.empty() ? TablesWithRows(Manager(), DatabaseName, FOutcome.Notes) : Tables) {
     const std::unique_ptr<TTable> Table = Search.Find(Name, false);
     if (!Table) {
       if (Seen.insert(Name).second) Missing.push_back(WithoutTable(Search, Name));

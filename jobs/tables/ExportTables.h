@@ -52,7 +52,6 @@ class TJobExportTables final : public TExportJob {
     TMemoryStructures Described;
   };
 
-  std::vector<std::string> AllTables();
   void RefuseWithoutRows() const;
   TItem RowsItem(const std::string& Table) const;
   std::vector<TItem> WithStructures(std::vector<TItem> Rows);

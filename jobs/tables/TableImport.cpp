@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "jobs/dictionary/GivenMapping.h"
 #include "jobs/files/SectionChoice.h"
 #include "jobs/policies/Questions.h"
-#include "velkrund/dictionary/TableData.h"
+#include "jobs/tables/ExistingRows.h"
+#include "velkrund/dictionary/QueryData.h"
 #include "velkrund/eif/EIErrors.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -16,8 +18,17 @@ namespace velkrund {
 
 namespace {
 
-std::string RowsText(const std::string& Table, std::int64_t Rows, bool Begins = true) {
-  return Format("%s '%s' has %s", Begins ? "Table" : "table", Table, Counted(Rows, "row"));
+/// The field of a query's section that counts its rows, which no table has.
+constexpr const char* RowNumberField = "#";
+
+/// Whether a field of the file goes into one of the table: of a pair, else of its own name unless a pair fills that.
+bool FillsOne(const std::string& Field, const std::vector<std::string>& TableFields, const TStringPairs& Mapping) {
+  bool IsFilled = false;
+  for (const auto& [From, To] : Mapping) {
+    if (SameText(From, Field)) return true;
+    IsFilled = IsFilled || SameText(To, Field);
+  }
+  return !IsFilled && HasName(TableFields, Field);
 }
 
 }  // namespace
@@ -29,9 +40,7 @@ TTableImport::TTableImport(TStandaloneManager& Manager, const TPolicies& Policie
       FSearch(Manager, FSettings.DatabaseName, FSettings.DatabaseText),
       FFields(FSettings.Fields) {}
 
-bool TTableImport::TKnownTable::Has(const std::string& Field) const {
-  return std::any_of(Fields.begin(), Fields.end(), [&](const std::string& Each) { return SameText(Each, Field); });
-}
+bool TTableImport::TKnownTable::Has(const std::string& Field) const { return HasName(Fields, Field); }
 
 /// Table: null where the run makes it.
 TTableImport::TTarget& TTableImport::TargetFor(const std::string& Name, TTable* Table) {
@@ -40,46 +49,95 @@ TTableImport::TTarget& TTableImport::TargetFor(const std::string& Name, TTable* 
   if (Known != FTargets.end()) return *Known;
   TTarget Target{Name};
   Target.IsMade = !Table;
-  Target.Keep = FPolicies.ExistingRows != TExisting::Replace;
-  const bool Counts = FPolicies.ExistingRows == TExisting::Ask || FPolicies.ExistingRows == TExisting::Skip;
-  if (Counts && Table) Target.Rows = Table->RecordCount();
+  if (Table && TExistingRows(FPolicies, {}).Counts()) Target.Rows = Table->RecordCount();
   FTargets.push_back(std::move(Target));
   return FTargets.back();
 }
 
+TTableImport::TKnownTable TTableImport::Known(const std::string& Name, std::unique_ptr<TTable>& Table) const {
+  TKnownTable Result;
+  const TDicTableDescription* const Described =
+      FSettings.Creation && !Name.empty() ? FSettings.Creation->Find(Name) : nullptr;
+  if (Described) {
+    Result.Name = Described->FullName();
+    for (const TDicField& Field : Described->Fields) Result.Fields.push_back(Field.Name);
+  } else if ((Table = FSearch.Find(Name, true))) {
+    if (const auto Info = FManager.Databases().Connection(FSettings.DatabaseName).Schema().FindTable(Name))
+      FSearch.RefuseIndex(*Info);
+    Result.Name = Table->TableName();
+    for (int I = 0; I < Table->Record().FieldCount(); ++I) Result.Fields.push_back(Table->Record().Fields(I).Name());
+  }
+  return Result;
+}
+
 void TTableImport::Add(TInputFile& Input, int Index, TItem& Item, std::size_t Number) {
   const TEISectionList& Sections = Input.File().Sections();
-  Item.Table = FSettings.TableName.empty() ? TableOf(Sections[Index]) : FSettings.TableName;
-  const TDicTableDescription* const Described =
-      FSettings.Creation && !Item.Table.empty() ? FSettings.Creation->Find(Item.Table) : nullptr;
-  const std::unique_ptr<TTable> Table = Described ? nullptr : FSearch.Find(Item.Table, true);
-  TKnownTable Known;
-  if (Described) {
-    Known.Name = Described->FullName();
-    for (const TDicField& Field : Described->Fields) Known.Fields.push_back(Field.Name);
-  } else if (Table) {
-    Known.Name = Table->TableName();
-    for (int I = 0; I < Table->Record().FieldCount(); ++I) Known.Fields.push_back(Table->Record().Fields(I).Name());
-  }
-  const bool IsKnown = Described || Table;
+  Item.IsQuery = Sections[Index].ObjectClass.Role() == TSectionRole::QueryData;
+  std::optional<TQueryTableMapping> Choice;
+  if (Item.IsQuery && FSettings.TableName.empty() && !(Choice = Chosen(Input, Index, Number))) return;
+  if (Choice)
+    Item.Table = Choice->TableName;
+  else
+    Item.Table = FSettings.TableName.empty() ? TableOf(Sections[Index]) : FSettings.TableName;
+  std::unique_ptr<TTable> Table;
+  const TKnownTable Known = this->Known(Item.Table, Table);
+  const bool IsKnown = !Known.Name.empty();
   if (!IsKnown && FSettings.HasToFit && Item.Table.empty())
     throw EEIError(Format("The header of %s names no table: give the one that it is for", SectionText(Sections, Index)),
                    {.Code = TErrorCode::TableMissing, .File = Input.Name(), .Section = Sections[Index].Name()});
-  if (!IsKnown && FSettings.HasToFit) FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
+  if (!IsKnown && (FSettings.HasToFit || Item.IsQuery))
+    FSearch.Missing(Item.Table, " for " + SectionText(Sections, Index));
   if (!IsKnown) return;  // the import of the section says so
   Item.Table = Known.Name;
   if (!Fits(Input, Index, Known, Number)) return;
   TTarget& Target = TargetFor(Known.Name, Table.get());
+  if (Choice) {
+    Target.IsSettled = true;
+    Target.Keep = !Choice->ClearTarget;
+  }
   Target.Sections.push_back(Number);
   Target.Texts.push_back(Format("%s of '%s'", SectionText(Sections, Index), Input.Name()));
   FPlaces.emplace(Number, static_cast<std::size_t>(&Target - FTargets.data()));
+}
+
+/// Where a person wants the rows of a query; nothing: nowhere. The error where nobody can be asked comes before
+/// anything is changed.
+std::optional<TQueryTableMapping> TTableImport::Chosen(TInputFile& Input, int Index, std::size_t Number) {
+  const std::optional<std::vector<std::string>> Names =
+      FSettings.Fields.empty() ? FieldsOf(Input.File(), Index) : FSettings.Fields;
+  TQueryTableMapping Result{{}, FSettings.Mapping, FPolicies.ExistingRows == TExisting::Replace};
+  if (!CanAsk())
+    throw EPolicyUnanswered(TPolicy::QueryTarget, Format("The rows of %s of '%s' are those of a query, which names no "
+                                                         "table.",
+                                                         SectionText(Input.File().Sections(), Index), Input.Name()));
+  int Code = mrCancel;
+  const std::string Query = QueryTextOf(Input.File(), Index);
+  Synchronize([&] {
+    Code = SelectQueryTableMapping(Query, Names.value_or(std::vector<std::string>()), FSettings.DatabaseName, Result);
+  });
+  if (Code == mrOk) {
+    FMappings[Number] = Result.FieldMapping;
+    return Result;
+  }
+  FPassedOver.insert(Number);
+  return std::nullopt;
+}
+
+/// Fields that the table lacks; whoever has chosen where fields go has seen which of them go nowhere.
+bool TTableImport::MaySkip(std::size_t Number) const {
+  return FPolicies.MissingFields == TMissingFields::Skip || FMappings.contains(Number);
+}
+
+const TStringPairs& TTableImport::MappingOf(std::size_t Number) const {
+  const auto Own = FMappings.find(Number);
+  return Own == FMappings.end() ? FSettings.Mapping : Own->second;
 }
 
 /// Whether the section's fields are those of the table. An error that ends the run comes before anything is changed;
 /// where the run goes on with the others, the section keeps it until its turn comes.
 bool TTableImport::Fits(TInputFile& Input, int Index, const TKnownTable& Table, std::size_t Number) {
   try {
-    CheckFields(Input, Index, Table);
+    CheckFields(Input, Index, Table, Number);
     return true;
   } catch (const EEIError&) {
     if (FSettings.HasToFit || FPolicies.OnError != TOnError::Continue) throw;
@@ -89,60 +147,70 @@ bool TTableImport::Fits(TInputFile& Input, int Index, const TKnownTable& Table, 
 }
 
 /// Fields that nobody has: the section would refuse them too, after other sections were loaded.
-void TTableImport::CheckFields(TInputFile& Input, int Index, const TKnownTable& Table) const {
+void TTableImport::CheckFields(TInputFile& Input, int Index, const TKnownTable& Table, std::size_t Number) const {
+  const TStringPairs& Mapping = MappingOf(Number);
   const std::optional<std::vector<std::string>> Names = FieldsOf(Input.File(), Index);
   if (!Names) return;  // the import says what is wrong with the body
   const TEISectionList& Sections = Input.File().Sections();
-  const auto InFile = [&](const std::string& Field) {
-    return std::any_of(Names->begin(), Names->end(), [&](const std::string& Name) { return SameText(Name, Field); });
+  const TErrorInfo Place{.Code = TErrorCode::FieldMissing, .File = Input.Name(), .Section = Sections[Index].Name()};
+  if (const auto Doubled = DoubledTarget(Mapping))
+    throw ESettingsError(
+        Format("%s fills the field '%s' of table '%s' twice", Setting("Mapping"), *Doubled, Table.Name));
+  const auto RequireInFile = [&](const std::string& Field) {
+    if (HasName(*Names, Field)) return;
+    TErrorInfo Info = Place;
+    Info.Column = Field;
+    throw EEIError(Format("There is no field '%s' in %s%s", Field, SectionText(Sections, Index),
+                          ContentHint(Field, *Names, ": it has ")),
+                   Info);
   };
-  for (const std::string& Field : FSettings.Fields)
-    if (!InFile(Field))
-      throw EEIError(
-          Format("There is no field '%s' in %s%s", Field, SectionText(Sections, Index),
-                 ContentHint(Field, *Names, ": it has ")),
-          {.Code = TErrorCode::FieldMissing, .File = Input.Name(), .Section = Sections[Index].Name(), .Column = Field});
+  for (const std::string& Field : FSettings.Fields) RequireInFile(Field);
+  for (const auto& [Field, Target] : Mapping) {
+    RequireInFile(Field);
+    if (!FSettings.Fields.empty() && !HasName(FSettings.Fields, Field))
+      throw ESettingsError(Format("%s gives the field '%s' a place, but it is not among %s", Setting("Mapping"), Field,
+                                  Setting("Fields")));
+    if (Target.empty() || Table.Has(Target)) continue;
+    TErrorInfo Info = Place;
+    Info.Table = Table.Name;
+    throw EEIError(Format("The table '%s' has no field '%s' for '%s' of %s%s", Table.Name, Target, Field,
+                          SectionText(Sections, Index), ContentHint(Target, Table.Fields, "; it has ")),
+                   Info);
+  }
   const std::vector<std::string>& Wanted = FSettings.Fields.empty() ? *Names : FSettings.Fields;
-  const auto InTable = [&](const std::string& Field) { return Table.Has(Field); };
   // There are tables without a field, whose rows are merely counted.
   if (Wanted.empty() && Table.Fields.empty()) return;
-  if (std::none_of(Wanted.begin(), Wanted.end(), InTable))
+  const bool IsQuery = Sections[Index].ObjectClass.Role() == TSectionRole::QueryData;
+  std::vector<std::string> Missing;
+  for (const std::string& Field : Wanted)
+    if (!FillsOne(Field, Table.Fields, Mapping) && !(IsQuery && Field == RowNumberField)) Missing.push_back(Field);
+  const bool CountsRows = IsQuery && HasName(Wanted, RowNumberField);
+  const std::size_t Numbers = CountsRows && !FillsOne(RowNumberField, Table.Fields, Mapping) ? 1 : 0;
+  if (Missing.size() + Numbers >= Wanted.size()) {
+    TErrorInfo Info = Place;
+    Info.Table = Table.Name;
     throw EEIError(Format("The table '%s' has none of the fields of %s%s", Table.Name, SectionText(Sections, Index),
                           Wanted.empty() ? ", which has none" : ": " + JoinedInShort(Wanted)),
-                   {.Code = TErrorCode::FieldMissing,
-                    .File = Input.Name(),
-                    .Section = Sections[Index].Name(),
-                    .Table = Table.Name});
-  if (FPolicies.MissingFields == TMissingFields::Refuse) RefuseMissing(Input, Index, Table, Wanted);
+                   Info);
+  }
+  if (!MaySkip(Number)) RefuseMissing(Input, Index, Table, Missing);
 }
 
 /// Fields that would be passed over.
 void TTableImport::RefuseMissing(TInputFile& Input, int Index, const TKnownTable& Table,
-                                 const std::vector<std::string>& Wanted) {
-  std::vector<std::string> Missing;
-  std::string First;
-  for (const std::string& Field : Wanted) {
-    if (Table.Has(Field)) continue;
-    if (Missing.empty()) First = Field;
-    Missing.push_back(Format("'%s'", Field));
-  }
+                                 const std::vector<std::string>& Missing) const {
   if (Missing.empty()) return;
+  std::vector<std::string> Quoted;
+  for (const std::string& Field : Missing) Quoted.push_back(Format("'%s'", Field));
   const TEISectionList& Sections = Input.File().Sections();
   const char* const Noun = Missing.size() == 1 ? "field" : "fields";
-  throw EEIError(Format("The table '%s' lacks the %s %s of %s%s", Table.Name, Noun, JoinedInShort(std::move(Missing)),
-                        SectionText(Sections, Index), NearestHint(First, Table.Fields)),
+  throw EEIError(Format("The table '%s' lacks the %s %s of %s%s", Table.Name, Noun, JoinedInShort(std::move(Quoted)),
+                        SectionText(Sections, Index), NearestHint(Missing.front(), Table.Fields)),
                  {.Code = TErrorCode::FieldMissing,
                   .File = Input.Name(),
                   .Section = Sections[Index].Name(),
                   .Table = Table.Name,
-                  .Column = First});
-}
-
-void TTableImport::RefuseUnanswered() const {
-  std::vector<std::string> Met;
-  for (const TTarget& Target : FTargets)
-    if (Target.Rows > 0) Met.push_back(RowsText(Target.Table, Target.Rows, Met.empty()));
-  if (!Met.empty() && !CanAsk()) throw EPolicyUnanswered(TPolicy::ExistingRows, Joined(Met) + ".");
+                  .Column = Missing.front()});
 }
 
 /// It cannot be told whether the rows of all are wanted, or the last ones in place of the others.
@@ -156,20 +224,21 @@ void TTableImport::RefuseRepeated(const TTarget& Target) const {
 }
 
 void TTableImport::Settle(TOutcome& Outcome) {
-  if (FPolicies.ExistingRows == TExisting::Ask) RefuseUnanswered();
-  TRepeatedQuestion Question;
+  TExistingRows Existing(FPolicies, "the file's");
+  for (const TTarget& Target : FTargets)
+    if (!Target.IsSettled) Existing.Announce(Target.Table, Target.Rows);
+  Existing.RefuseUnanswered();
   for (TTarget& Target : FTargets) {
-    if (Target.Rows == 0) RefuseRepeated(Target);
-    if (Target.Rows == 0) continue;
-    TAnswer Answer = TAnswer::No;
-    if (FPolicies.ExistingRows == TExisting::Ask)
-      Answer = Question.Ask({RowsText(Target.Table, Target.Rows) + ". Delete them and put the file's in their place?",
-                             {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Append, TAnswer::Cancel},
-                             TPolicy::ExistingRows});
-    Target.Keep = Answer != TAnswer::Yes;
-    Target.LeaveOut = Answer == TAnswer::No;
+    if (Target.IsSettled) continue;
+    const TRowsFate Fate = Existing.FateOf(Target.Table, Target.Rows);
+    Target.Keep = Fate != TRowsFate::Go;
+    Target.LeaveOut = Fate == TRowsFate::Prevail;
     RefuseRepeated(Target);
     if (Target.LeaveOut) LeaveOut(Outcome, Target, Format("the table keeps its %s", Counted(Target.Rows, "row")));
+  }
+  for (const std::size_t Number : FPassedOver) {
+    Outcome.Items[Number].State = TItemState::LeftOut;
+    Outcome.Items[Number].Note = "no table was chosen for the rows of the query";
   }
   if (!FSettings.Creation) return;
   FSettings.Creation->Settle(Outcome);
@@ -217,20 +286,23 @@ std::vector<TPlanStep> TTableImport::Steps(const TItem& Item, std::size_t Number
 }
 
 void TTableImport::Begin(std::size_t Number, TEIObject& Object) {
-  auto* const Data = dynamic_cast<TEICommonTableData*>(&Object);
+  auto* const Data = dynamic_cast<TEIRecordData*>(&Object);
   if (!Data) return;
   if (const auto Unfit = FUnfit.find(Number); Unfit != FUnfit.end()) std::rethrow_exception(Unfit->second);
   const TTarget* const Target = Find(Number);
   if (Target) Data->TableName = Target->Table;
   Data->Append = Target ? Target->Keep : FPolicies.ExistingRows != TExisting::Replace;
-  Data->SkipMissingFields = FPolicies.MissingFields == TMissingFields::Skip;
+  Data->SkipMissingFields = MaySkip(Number);
   Data->StrictLines = true;
   if (FPolicies.Lenient) Data->StrictValues = false;
   if (!FSettings.Fields.empty()) Data->Fields = &FFields;
+  Data->FieldMapping = MappingOf(Number);
 }
 
 void TTableImport::End(TItem& Item, const TEIObject* Object) {
-  if (const auto* const Data = dynamic_cast<const TEICommonTableData*>(Object)) Item.Counts = *Data->Report;
+  if (const auto* const Data = dynamic_cast<const TEIRecordData*>(Object)) Item.Counts = *Data->Report;
+  // No table has the numbers of rows, and nobody misses them.
+  if (Item.IsQuery) std::erase(Item.Counts.SkippedFields, RowNumberField);
 }
 
 }  // namespace velkrund

@@ -3,6 +3,7 @@
 #include <exception>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -10,18 +11,21 @@
 #include "jobs/policies/Policies.h"
 #include "jobs/run/ImportPart.h"
 #include "jobs/tables/TableSearch.h"
+#include "velkrund/dialogs/QueryTableMappingSelectForm.h"
 
 namespace velkrund {
 
-/// The table data sections of an import: which table each goes into, what becomes of the rows that are there, and which
-/// fields are moved.
+/// The sections of an import that hold rows, of tables or of queries: which table each goes into, what becomes of the
+/// rows that are there, and which fields are moved. Where the rows of a query go and nobody has said, a person is
+/// asked.
 class TTableImport final : public TImportPart {
  public:
   struct TSettings {
     std::string DatabaseName;
     std::string DatabaseText;              // for messages
     std::string TableName = {};            // the one to load; empty: the one that the section names
-    std::vector<std::string> Fields = {};  // the only ones to move; none: all
+    TStringPairs Mapping = {};             // fields of the file, and those of the table that they fill
+    std::vector<std::string> Fields = {};  // the only ones to move, as the file has them; none: all
     bool HasToFit = true;                  // a section whose table is not there, or lacks fields, ends the run at once
     bool AreChosen = false;                // a person has named each of the sections
     TTableCreation* Creation = nullptr;    // borrowed; null: no tables are made
@@ -47,6 +51,7 @@ class TTableImport final : public TImportPart {
     bool Keep = false;      // these rows
     bool LeaveOut = false;
     bool IsMade = false;                     // by this run
+    bool IsSettled = false;                  // what becomes of the rows, by the person who chose the table
     std::vector<std::size_t> Sections = {};  // numbers of items
     std::vector<std::string> Texts = {};     // of the sections, for messages
   };
@@ -59,12 +64,15 @@ class TTableImport final : public TImportPart {
   };
 
   TTarget& TargetFor(const std::string& Name, TTable* Table);
+  TKnownTable Known(const std::string& Name, std::unique_ptr<TTable>& Table) const;
+  std::optional<TQueryTableMapping> Chosen(TInputFile& Input, int Index, std::size_t Number);
   bool Fits(TInputFile& Input, int Index, const TKnownTable& Table, std::size_t Number);
-  void CheckFields(TInputFile& Input, int Index, const TKnownTable& Table) const;
-  static void RefuseMissing(TInputFile& Input, int Index, const TKnownTable& Table,
-                            const std::vector<std::string>& Wanted);
+  void CheckFields(TInputFile& Input, int Index, const TKnownTable& Table, std::size_t Number) const;
+  bool MaySkip(std::size_t Number) const;
+  void RefuseMissing(TInputFile& Input, int Index, const TKnownTable& Table,
+                     const std::vector<std::string>& Missing) const;
+  const TStringPairs& MappingOf(std::size_t Number) const;
   void LeaveOut(TOutcome& Outcome, const TTarget& Target, const std::string& Note) const;
-  void RefuseUnanswered() const;
   void RefuseRepeated(const TTarget& Target) const;
   const TTarget* Find(std::size_t Number) const;
 
@@ -75,6 +83,8 @@ class TTableImport final : public TImportPart {
   const TStringList FFields;
   std::vector<TTarget> FTargets;                     // by table, in the order in which they were met
   std::map<std::size_t, std::size_t> FPlaces;        // of a section's target, by the number of its item
+  std::map<std::size_t, TStringPairs> FMappings;     // that were chosen, by the same number
+  std::set<std::size_t> FPassedOver;                 // sections for which no table was chosen
   std::map<std::size_t, std::exception_ptr> FUnfit;  // why a section fails when its turn comes, by the same number
 };
 

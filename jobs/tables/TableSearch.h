@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "jobs/run/Job.h"
 
@@ -20,6 +21,8 @@ class TTableSearch {
   }
   /// For: what it is wanted for, as " for section 3 'ORDERS' (TableData)", or nothing.
   [[noreturn]] void Missing(const std::string& Name, const std::string& For = {}) const;
+  /// Raises an error where a table is an index of words, which has no rows of its own to save, and takes none.
+  void RefuseIndex(const TTableInfo& Table) const;
   /// Raises an error unless the table has the field.
   void RequireField(TTable& Table, const std::string& Field) const;
 
@@ -27,5 +30,10 @@ class TTableSearch {
   TStandaloneManager& FManager;
   const std::string FDatabaseName, FDatabaseText;
 };
+
+/// The names of all tables of a database that have rows of their own. Notes: says what is none, and that there are
+/// none.
+std::vector<std::string> TablesWithRows(TStandaloneManager& Manager, const std::string& DatabaseName,
+                                        std::vector<std::string>& Notes);
 
 }  // namespace velkrund

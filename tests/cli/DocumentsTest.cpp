@@ -324,6 +324,15 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"dictionary adopt -t c -d sqlite:c.db --overwrite no", 0, "adoption"},
       {"dictionary adopt -t c -d sqlite:c.db --overwrite yes", 0, "adoption"},
   });
+  // Where a generator stands, and rows without a file.
+  Database.Run("CREATE SEQUENCE g; SELECT setval('g', 5)");
+  Query("copy.db", "CREATE TABLE t (a INTEGER); CREATE TABLE u (a INTEGER); INSERT INTO u VALUES (1)");
+  Check({
+      {"export generator --all -o Q -d " + Database.Url(), 0, "transfer"},
+      {"import generator -i Q -d sqlite:copy.db", 0, "transfer"},
+      {"copy table --from sqlite:copy.db --to sqlite:copy.db -t u --to-table t", 0, "transfer"},
+      {"copy table --from sqlite:copy.db --to sqlite:copy.db -t u", 1, "error"},
+  });
   // Objects that are made anew.
   Query("anew.db", "CREATE TABLE t (a INTEGER); INSERT INTO t VALUES (1); CREATE VIEW v AS SELECT a FROM t");
   Check({

@@ -120,6 +120,39 @@ TEST_F(TFileCheckTest, ItGoesOnBehindAFaultAndNotesWhatNoReaderSees) {
   EXPECT_EQ(Files(), (TArguments{"F", "G", "empty.db", "shop.db"}));
 }
 
+TEST_F(TFileCheckTest, QueriesAndGeneratorsAreReadWithoutATableOrAChange) {
+  const std::string Begin = "[SECTION]\r\nEncoding = UTF8\r\nName = S\r\nVersion = 200\r\n";
+  const std::string Query = Begin + "Type = QueryData\r\nQuery = SELECT 1#000D\r\n[DATA]\r\n";
+  const std::string Generator = Begin + "Type = GeneratorData\r\nGeneratorName = G\r\nStartValue = ";
+  Write("F", Query +
+                 " [PARAMETRS]\r\n  <Name|Type|Value>\r\n  <P|integer|5>\r\n [FIELDS]\r\n  #\r\n  A\r\n [RECORDS]\r\n" +
+                 "  <1|'a'>\r\n" + End + Generator + "7\r\n[DATA]\r\n" + End);
+  const TOutcome Good = Run({"file", "check", "F"});
+  EXPECT_EQ(Good.ExitCode, 0) << Good.Errors;
+  EXPECT_EQ(Good.Output,
+            "F: section 0 'S' (QueryData): ok, 1 row, 96 bytes\n"
+            "F: section 1 'S' (GeneratorData): ok, 0 bytes\n");
+  const struct {
+    std::string Section, Message;
+    int Line;
+  } Cases[] = {
+      {Query + " [FIELDS]\r\n  #\r\n [RECORDS]\r\n  <1|\r\n",
+       "Can not import query data. Invalid record data structure. '>' is missing (Position:35)", 11},
+      {Query + " [PARAMETRS]\r\n  <Name|Type|Value>\r\n  <P|int|5>\r\n",
+       "Can not import query data. Invalid parameter: 'int' is no type (Position:48;Line:'<P|int|5>')", 10},
+      {Begin + "Type = QueryData\r\nQuery = #00G0\r\n[DATA]\r\n",
+       "Error importing query data. Invalid character (#$00G0) in string constant.", 7},
+      {Generator + "x\r\n[DATA]\r\n", "'x' is not a valid integer value (StartValue)", 8},
+  };
+  for (const auto& Case : Cases) {
+    Write("F", Case.Section + End);
+    const TOutcome Faulty = Run({"file", "check", "F"});
+    EXPECT_EQ(Faulty.ExitCode, 1) << Case.Message;
+    EXPECT_TRUE(Faulty.Errors.starts_with("velkrund: F:" + std::to_string(Case.Line) + ": " + Case.Message))
+        << Faulty.Errors;
+  }
+}
+
 TEST_F(TFileCheckTest, SectionsThatNobodySeesAreFaults) {
   const std::string Good = Section("B", {"ID"}, {"1"}), Mark = "\xEF\xBB\xBF";
   const auto LineFeeds = [](std::string Text) { return std::erase(Text, '\r'), Text; };

@@ -19,10 +19,12 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"DropData", "--drop-data"},
     {"Encoding", "--encoding"},
     {"Engine", "--engine"},
+    {"ExcludedBLOBFields", "--exclude-blobs"},
     {"ExistingSections", "--overwrite"},
     {"ExistingObjects", "--overwrite"},
     {"ExistingStructures", "--overwrite yes"},
     {"Fields", "--fields"},
+    {"GeneratorNames", "--name"},
     {"FileNames", "--input"},
     {"Indexes", "INDEX"},
     {"Lenient", "--lenient"},
@@ -42,14 +44,21 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"ObjectType", "--type"},
     {"Parameters", "--param"},
     {"ProcedureName", "NAME"},
+    {"Query", "--sql"},
+    {"QueryTarget", "--target"},
     {"ReleaseVersion", "--release"},
     {"RepeatedTables", "--repeated-tables"},
     {"RootNode", "--root"},
+    {"Selection", "--where"},
+    {"SetGenerators", "--set-generators"},
+    {"SourceDatabaseName", "--from"},
     {"Structures", "--structures"},
     {"SectionName", "--section"},
     {"Sections", "--section"},
     {"StartValue", "--start-value"},
     {"TableName", "--table"},
+    {"TargetTableName", "--to-table"},
+    {"Update", "--update"},
 };
 
 }  // namespace
@@ -72,6 +81,8 @@ std::string_view TCommand::Remedy(TPolicy Policy) const {
       return "--long-names keep or --long-names cancel";
     case TPolicy::MissingSources:
       return "--missing skip or --missing stop";
+    case TPolicy::QueryTarget:
+      return "--target TABLE, with --map FILEFIELD=TABLEFIELD for fields of other names";
     case TPolicy::Yes:
       break;
   }
@@ -83,7 +94,7 @@ const TOptionGroup& GeneralOptions(const std::vector<TDeclaredCommand>& Commands
   return *std::find_if(Groups.begin(), Groups.end(), [](const TOptionGroup& Group) { return Group.IsGeneral; });
 }
 
-std::string OptionOf(std::string_view Property) {
+std::string TCommand::OptionOf(std::string_view Property) const {
   const auto Option = OptionNames.find(Property);
   return std::string(Option == OptionNames.end() ? Property : Option->second);
 }

@@ -48,6 +48,8 @@ class TCommand {
   virtual void CheckOptions() {}
   /// The options that decide what a policy leaves open, to be read behind "Give".
   virtual std::string_view Remedy(TPolicy Policy) const;
+  /// The option by which people give a job's property; its own name where there is none.
+  virtual std::string OptionOf(std::string_view Property) const;
   /// Whether standard input carries the data, so that questions have to be asked elsewhere.
   virtual bool ReadsStandardInput() const { return false; }
   /// Whether standard output carries the data, so that it can carry nothing else.
@@ -57,9 +59,6 @@ class TCommand {
 
   TSharedOptions Shared;
 };
-
-/// The option by which people give a job's property; its own name where there is none.
-std::string OptionOf(std::string_view Property);
 
 /// A command and the options that it declared: what texts about it are made from.
 struct TDeclaredCommand {

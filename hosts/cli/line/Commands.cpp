@@ -6,9 +6,14 @@ TCommands AllCommands() {
   TCommands Result;
   Result.push_back(MakeExportTable());
   Result.push_back(MakeExportStructure());
+  Result.push_back(MakeExportQuery());
+  Result.push_back(MakeExportGenerator());
   Result.push_back(MakeImportTable());
   Result.push_back(MakeImportStructure());
+  Result.push_back(MakeImportQuery());
+  Result.push_back(MakeImportGenerator());
   Result.push_back(MakeImportFile());
+  Result.push_back(MakeCopyTable());
   Result.push_back(MakeRecreateTable());
   Result.push_back(MakeRecreateView());
   Result.push_back(MakeRecreateGenerator());

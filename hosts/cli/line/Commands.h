@@ -15,9 +15,14 @@ TCommands AllCommands();
 // One file each.
 std::unique_ptr<TCommand> MakeExportTable();
 std::unique_ptr<TCommand> MakeExportStructure();
+std::unique_ptr<TCommand> MakeExportQuery();
+std::unique_ptr<TCommand> MakeExportGenerator();
 std::unique_ptr<TCommand> MakeImportTable();
 std::unique_ptr<TCommand> MakeImportStructure();
+std::unique_ptr<TCommand> MakeImportQuery();
+std::unique_ptr<TCommand> MakeImportGenerator();
 std::unique_ptr<TCommand> MakeImportFile();
+std::unique_ptr<TCommand> MakeCopyTable();
 std::unique_ptr<TCommand> MakeRecreateTable();
 std::unique_ptr<TCommand> MakeRecreateView();
 std::unique_ptr<TCommand> MakeRecreateGenerator();

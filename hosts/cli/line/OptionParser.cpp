@@ -129,7 +129,7 @@ void ParseOptions(const TDeclaredCommand& Declared, TCommand& Command, const std
   try {
     Command.CheckOptions();
   } catch (const ESettingsError& Error) {
-    throw EUsage(Error.Worded(&OptionOf));
+    throw EUsage(Error.Worded([&](std::string_view Property) { return Command.OptionOf(Property); }));
   }
 }
 

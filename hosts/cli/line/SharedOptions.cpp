@@ -26,21 +26,17 @@ TOption TSharedOptions::OnErrorOption(TPolicies& Policies) {
                           Policies.OnError);
 }
 
-std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& CreateDatabase) {
+std::vector<TOption> TSharedOptions::FillingOptions(TPolicies& Policies, std::string_view What) {
   TExisting& Rows = Policies.ExistingRows;
   return {
       NotWith(Assigning("--replace", "delete the rows that are there first", Rows, TExisting::Replace), {"--append"}),
       Assigning("--append", "keep the rows that are there", Rows, TExisting::Add),
       Choice<TMissingFields>("--missing-fields",
-                             "fields of the file that the table lacks: refuse the section, or pass over them, which "
-                             "the report names (default: error)",
+                             Format("fields of %s that the table lacks: refuse them, or pass over them, which the "
+                                    "report names (default: error)",
+                                    What),
                              {{"skip", TMissingFields::Skip}, {"error", TMissingFields::Refuse}},
                              Policies.MissingFields),
-      Choice<TRepeatedTables>("--repeated-tables",
-                              "several sections for one table, with --replace: refuse them, or load the rows of all "
-                              "(default: error)",
-                              {{"join", TRepeatedTables::Join}, {"error", TRepeatedTables::Refuse}},
-                              Policies.RepeatedTables),
       Choice<TTriggers>("--triggers",
                         "triggers of the tables that are loaded: let them fire, as with every other insert, or switch "
                         "them off for the load; the report names them (default: fire)",
@@ -51,11 +47,21 @@ std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& C
           "report counts them (default: refuse)",
           {{"refuse", TBrokenReferencePolicy::Refuse}, {"allow", TBrokenReferencePolicy::Allow}},
           Policies.BrokenReferences),
-      CommitOption(Policies),
-      Switch("--lenient",
-             "values that cannot be read become NULL, the report counts them. Without it they are an error",
-             Policies.Lenient),
-      Switch("--create", "make the database when it does not exist", CreateDatabase)};
+      CommitOption(Policies)};
+}
+
+std::vector<TOption> TSharedOptions::LoadingOptions(TPolicies& Policies, bool& CreateDatabase) {
+  std::vector<TOption> Result = FillingOptions(Policies, "the file");
+  Result.push_back(Choice<TRepeatedTables>(
+      "--repeated-tables",
+      "several sections for one table, with --replace: refuse them, or load the rows of all (default: error)",
+      {{"join", TRepeatedTables::Join}, {"error", TRepeatedTables::Refuse}}, Policies.RepeatedTables));
+  Result.push_back(Switch("--lenient",
+                          "values that cannot be read become NULL, the report counts them. Without it they are an "
+                          "error",
+                          Policies.Lenient));
+  Result.push_back(Switch("--create", "make the database when it does not exist", CreateDatabase));
+  return Result;
 }
 
 TOption TSharedOptions::CommitOption(TPolicies& Policies) {
@@ -109,6 +115,14 @@ TOption TSharedOptions::OverwriteObjectsOption(TPolicies& Policies) {
   return Choice<TExisting>("--overwrite", "what is there already: make it anew, or leave it as it is (default: ask)",
                            {{"ask", TExisting::Ask}, {"yes", TExisting::Replace}, {"no", TExisting::Skip}},
                            Policies.ExistingObjects);
+}
+
+TOption TSharedOptions::SetGeneratorsOption(bool& Backwards) {
+  return Switch(
+      "--set-generators",
+      "move generators to where the file says that they stood, be it backwards; numbers may then be given out "
+      "again. Without it one that stands further stays there",
+      Backwards);
 }
 
 TOption TSharedOptions::DryRunOption(TPolicies& Policies) {

@@ -25,6 +25,8 @@ struct TSharedOptions {
   static TOption OnErrorOption(TPolicies& Policies);
   /// What commands that load tables let one say about rows, fields and values, and about the database.
   static TOption CommitOption(TPolicies& Policies);
+  /// What: that has the fields, "the file".
+  static std::vector<TOption> FillingOptions(TPolicies& Policies, std::string_view What);
   static std::vector<TOption> LoadingOptions(TPolicies& Policies, bool& CreateDatabase);
   /// For commands that describe tables.
   static TOption ColumnsOption(TPolicies& Policies);
@@ -34,6 +36,8 @@ struct TSharedOptions {
   static TOption OverwriteObjectsOption(TPolicies& Policies);
   static TOption LongNamesOption(TPolicies& Policies, std::string_view What);
   static TOption AllowMissingOption(TPolicies& Policies);
+  /// For commands that move generators.
+  static TOption SetGeneratorsOption(bool& Backwards);
   static TOption DryRunOption(TPolicies& Policies);
   /// --overwrite, for structures that are there.
   static TOption OverwriteStructuresOption(TPolicies& Policies);

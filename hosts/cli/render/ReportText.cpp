@@ -12,16 +12,36 @@ namespace {
 
 /// ShowsFile: there are several.
 std::string ItemText(const TItem& Item, bool ShowsFile) {
+  if (!Item.Source.empty()) {
+    const std::string From = "table " + OnOneLine(Item.Source);
+    return Item.Source == Item.Table ? From : From + " into " + OnOneLine(Item.Table);
+  }
   if (Item.Section.empty()) return "file '" + Item.File + "'";
   std::string Result = Item.Table.empty() ? "" : "table " + OnOneLine(Item.Table) + ", ";
   if (Item.Structure) Result = "structure " + StructureText(*Item.Structure) + ", ";
+  if (Item.IsQuery && Item.Table.empty()) Result = "query, ";
+  if (Item.Generator) {
+    Result = "generator " + OnOneLine(Item.Generator->Name);
+    Result += Item.Generator->Value ? Format(" at %d, ", *Item.Generator->Value) : ", ";
+  }
   Result += "section '" + OnOneLine(Item.Section) + "'";
   return ShowsFile ? Result + " of '" + Item.File + "'" : Result;
 }
 
-std::string AmountText(const std::optional<std::int64_t>& Rows, std::int64_t Bytes, double Seconds) {
-  return Format("%s%s, %s", Rows ? Counted(*Rows, "row") + ", " : "", ByteText(static_cast<double>(Bytes)),
-                DurationText(Seconds));
+/// Bytes: nothing where no file holds them.
+std::string AmountText(const std::optional<std::int64_t>& Rows, const std::optional<std::int64_t>& Bytes,
+                       double Seconds) {
+  return (Rows ? Counted(*Rows, "row") + ", " : "") + (Bytes ? ByteText(static_cast<double>(*Bytes)) + ", " : "") +
+         DurationText(Seconds);
+}
+
+std::optional<std::int64_t> BytesOf(const TItem& Item) {
+  return Item.Source.empty() ? std::optional<std::int64_t>(Item.Bytes) : std::nullopt;
+}
+
+/// What the items of a run are.
+std::string ItemsText(const TOutcome& Outcome, std::int64_t Count) {
+  return Counted(Count, Outcome.Copies() ? "table" : "section");
 }
 
 std::string StateForPeople(TItemState State) {
@@ -52,14 +72,16 @@ std::vector<std::string> Warnings(const TItem& Item) {
 std::string SumText(const TOutcome& Outcome) {
   const TTotals All = Outcome.Totals();
   if (Outcome.End() == TEnd::Done && All.Sections > 1)
-    return Format("in all %s: %s\n", Counted(All.Sections, "section"), AmountText(All.Rows, All.Bytes, All.Seconds));
+    return Format(
+        "in all %s: %s\n", ItemsText(Outcome, All.Sections),
+        AmountText(All.Rows, Outcome.Copies() ? std::nullopt : std::optional<std::int64_t>(All.Bytes), All.Seconds));
   if (Outcome.End() == TEnd::Done || Outcome.Items.size() < 2) return {};
   std::vector<std::string> Parts;
   for (const TItemState State : {TItemState::Done, TItemState::LeftOut, TItemState::TakenBack, TItemState::NotReached,
                                  TItemState::Cancelled, TItemState::Failed})
     if (const int Count = Outcome.Count(State))
       Parts.push_back(Format("%d %s", Count, State == TItemState::Done ? Outcome.Done : StateForPeople(State)));
-  return Format("of %s %s\n", Counted(static_cast<std::int64_t>(Outcome.Items.size()), "section"), Joined(Parts));
+  return Format("of %s %s\n", ItemsText(Outcome, static_cast<std::int64_t>(Outcome.Items.size())), Joined(Parts));
 }
 
 }  // namespace
@@ -70,7 +92,9 @@ std::string ReportText(const TOutcome& Outcome) {
     const bool IsDone = Item.State == TItemState::Done;
     Result +=
         Format("%s %s", IsDone ? Outcome.Done : StateForPeople(Item.State), ItemText(Item, Outcome.Files.size() > 1));
-    if (IsDone) Result += ": " + AmountText(Item.Rows(), Item.Bytes, Item.Seconds);
+    if (IsDone) Result += ": " + AmountText(Item.Rows(), BytesOf(Item), Item.Seconds);
+    if (IsDone && Item.RowsUpdated > 0)
+      Result += Format("; %s of them took the place of others", Counted(Item.RowsUpdated, "row"));
     if (IsDone && Item.Counts.DeletedRows > 0)
       Result += Format("; %s deleted that %s there", Counted(Item.Counts.DeletedRows, "row"),
                        Item.Counts.DeletedRows == 1 ? "was" : "were");

@@ -1,4 +1,4 @@
-#include "jobs/recreation/GivenMapping.h"
+#include "jobs/dictionary/GivenMapping.h"
 
 #include <algorithm>
 
@@ -12,18 +12,6 @@ namespace velkrund {
 
 namespace {
 
-std::vector<std::string> NamesOf(const TTableDescription& Table) {
-  std::vector<std::string> Result;
-  for (const TColumnInfo& Column : Table.Columns) Result.push_back(Column.Name);
-  return Result;
-}
-
-std::vector<std::string> NamesOf(const TDicTableDescription& Table) {
-  std::vector<std::string> Result;
-  for (const TDicField& Field : Table.Fields) Result.push_back(Field.Name);
-  return Result;
-}
-
 /// The text without "Table." before it.
 std::string WithoutTable(const std::string& Table, const std::string& Text) {
   const bool HasTable =
@@ -33,32 +21,49 @@ std::string WithoutTable(const std::string& Table, const std::string& Text) {
 
 }  // namespace
 
+std::vector<std::string> FieldNames(const TTableDescription& Table) {
+  std::vector<std::string> Result;
+  for (const TColumnInfo& Column : Table.Columns) Result.push_back(Column.Name);
+  return Result;
+}
+
+std::vector<std::string> FieldNames(const TDicTableDescription& Table) {
+  std::vector<std::string> Result;
+  for (const TDicField& Field : Table.Fields) Result.push_back(Field.Name);
+  return Result;
+}
+
 bool HasName(const std::vector<std::string>& Names, const std::string& Name) {
   return std::any_of(Names.begin(), Names.end(), [&](const std::string& Each) { return SameText(Each, Name); });
 }
 
-void TGivenMapping::Take(const std::string& Name, const TTableDescription& Old, const TDicTableDescription& New,
-                         TStringPairs& Fields, TBLOBFieldMappingList& Inside) {
-  const std::vector<std::string> OldNames = NamesOf(Old), NewNames = NamesOf(New);
-  FNames.insert(FNames.end(), NewNames.begin(), NewNames.end());
+std::optional<std::string> DoubledTarget(const TStringPairs& Mapping) {
+  for (std::size_t Index = 0; Index < Mapping.size(); ++Index)
+    for (std::size_t Other = 0; Other < Index; ++Other)
+      if (!Mapping[Index].second.empty() && SameText(Mapping[Other].second, Mapping[Index].second))
+        return Mapping[Index].second;
+  return std::nullopt;
+}
+
+void TGivenMapping::Take(const TTables& Tables, TStringPairs& Fields, TBLOBFieldMappingList& Inside) {
+  FNames.insert(FNames.end(), Tables.NewFields.begin(), Tables.NewFields.end());
   for (std::size_t Index = 0; Index < FGiven.size(); ++Index) {
-    const std::string From = WithoutTable(Name, FGiven[Index].first);
-    if (!HasName(OldNames, From) || !HasName(NewNames, FGiven[Index].second)) continue;
+    const std::string From = WithoutTable(Tables.Old, FGiven[Index].first);
+    if (!HasName(Tables.OldFields, From) || !HasName(Tables.NewFields, FGiven[Index].second)) continue;
     Fields.emplace_back(From, FGiven[Index].second);
     FUsed[Index] = true;
   }
   // When the names of the BLOB fields themselves are known.
   for (std::size_t Index = 0; Index < FGiven.size(); ++Index) {
-    const std::string From = WithoutTable(Name, FGiven[Index].first);
-    if (!HasName(OldNames, From) && TakeInside(Name, From, FGiven[Index].second, NewNames, Fields, Inside))
+    const std::string From = WithoutTable(Tables.Old, FGiven[Index].first);
+    if (!HasName(Tables.OldFields, From) && TakeInside(Tables, From, FGiven[Index].second, Fields, Inside))
       FUsed[Index] = true;
   }
 }
 
 /// False when no structure describes such an inside with such a field.
-bool TGivenMapping::TakeInside(const std::string& Name, const std::string& Old, const std::string& New,
-                               const std::vector<std::string>& NewNames, const TStringPairs& Fields,
-                               TBLOBFieldMappingList& Inside) {
+bool TGivenMapping::TakeInside(const TTables& Tables, const std::string& Old, const std::string& New,
+                               const TStringPairs& Fields, TBLOBFieldMappingList& Inside) {
   const std::size_t Stop = Old.find('.');
   if (Stop == Old.npos) return false;
   std::string Field = Old.substr(0, Stop);
@@ -66,8 +71,8 @@ bool TGivenMapping::TakeInside(const std::string& Name, const std::string& Old, 
       std::find_if(Fields.begin(), Fields.end(), [&](const auto& Pair) { return SameText(Pair.first, Field); });
   if (Renamed != Fields.end()) Field = Renamed->second;
   TDicTableDescription Described;
-  if (!Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Name + "." + Field, Described)) return false;
-  if (!HasName(NewNames, Field) || !HasName(NamesOf(Described), New)) return false;
+  if (!Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Tables.New + "." + Field, Described)) return false;
+  if (!HasName(Tables.NewFields, Field) || !HasName(FieldNames(Described), New)) return false;
   TBLOBFieldMapping* const Known = Inside.GetMappingByField(Field);
   (Known ? *Known : Inside.Add(Field)).Mapping.emplace_back(Old.substr(Stop + 1), New);
   return true;
@@ -78,7 +83,7 @@ void TGivenMapping::RefuseUnused() const {
     if (FUsed[Index]) continue;
     const auto& [Old, New] = FGiven[Index];
     throw ESettingsError(
-        Format("%s '%s=%s' fits no table: the table has to have a field '%s', and its structure a "
+        Format("%s '%s=%s' fits no table: one has to have a field '%s', and what its rows go into a "
                "field '%s'%s",
                Setting("Mapping"), Old, New, Old, New, ContentHint(New, FNames, "; it has ")));
   }

@@ -1,0 +1,17 @@
+#include "jobs/run/LoadOptions.h"
+
+#include "jobs/policies/Questions.h"
+
+namespace velkrund {
+
+TLoadOptions LoadOptionsOf(const TPolicies& Policies) {
+  TLoadOptions Result;
+  // Only where something may be left of a run that has failed, it matters what hangs together.
+  Result.InGroups = Policies.Commit == TCommit::Each || Policies.OnError == TOnError::Continue ||
+                    (Policies.OnError == TOnError::Ask && CanAsk());
+  Result.Triggers = Policies.Triggers == TTriggers::Fire;
+  Result.BrokenReferences = Policies.BrokenReferences == TBrokenReferencePolicy::Allow;
+  return Result;
+}
+
+}  // namespace velkrund

@@ -11,6 +11,7 @@
 #include "jobs/files/OutputFile.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/files/SectionRepair.h"
+#include "jobs/tables/CopyTables.h"
 #include "tests/endurance/Faults.h"
 #include "tests/roundtrip/RoundTrip.h"
 #include "tests/support/Sanitizer.h"
@@ -124,6 +125,17 @@ std::string Halve(TFileSystem&, const TScene& Scene) {
   TJobRunProcedureInterface Operation;
   Operation.SetDatabaseName(Scene.Database("b.db"));
   Operation.Job().ProcedureName = "HALVE";
+  return Operation.Execute() ? std::string() : "!" + Operation.LastError();
+}
+
+/// Selection: with one the rows come one by one, without by a statement of the engine.
+std::string CopyA(const TScene& Scene, const std::string& Selection) {
+  TJobCopyTablesInterface Operation;
+  Operation.SetDatabaseName(Scene.Database("b.db"));
+  Operation.Job().SourceDatabaseName = Scene.Database("a.db");
+  Operation.Job().Tables = {"A"};
+  Operation.Job().Policies.ExistingRows = TExisting::Replace;
+  Operation.Job().Selection = Selection;
   return Operation.Execute() ? std::string() : "!" + Operation.LastError();
 }
 
@@ -315,6 +327,11 @@ TEST_F(TFaultsTest, AProcedureRunsWhollyOrNotAtAll) {
                    "SELECT count(*) FROM \"A\"; UPDATE \"A\" SET V = hex(zeroblob(9000)); DELETE FROM \"B\"')");
          },
          &Halve});
+}
+
+TEST_F(TFaultsTest, ACopyLeavesTheTable) {
+  for (const char* Selection : {"", "ID > 0"})
+    Check({"copy", {}, [=](TFileSystem&, const TScene& Scene) { return CopyA(Scene, Selection); }});
 }
 
 TEST_F(TFaultsTest, RemovalLeavesTheOldFileOrTheNewOne) { Check({"remove", {}, &RemoveA}); }

@@ -180,12 +180,12 @@ std::vector<TPostgreSQLColumn> ReadPostgreSQLColumns(TPostgreSQLSession& Session
       "JOIN pg_catalog.pg_namespace n ON n.oid = t.typnamespace "
       "JOIN pg_catalog.pg_proc p ON p.oid = t.typoutput::pg_catalog.oid "
       "JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace ORDER BY q.place");
-  std::string Types, Modifiers;
+  std::string TypeList, Modifiers;
   for (const TPostgreSQLQueryColumn& Column : Columns) {
-    Types += (Types.empty() ? "{" : ",") + std::to_string(Column.Type);
+    TypeList += (TypeList.empty() ? "{" : ",") + std::to_string(Column.Type);
     Modifiers += (Modifiers.empty() ? "{" : ",") + std::to_string(Column.Modifier);
   }
-  const TPostgreSQLResult Rows = Session.Query(What, Statement, {(Types + "}").c_str(), (Modifiers + "}").c_str()});
+  const TPostgreSQLResult Rows = Session.Query(What, Statement, {(TypeList + "}").c_str(), (Modifiers + "}").c_str()});
   std::vector<TPostgreSQLColumn> Result(Columns.size());
   for (std::size_t I = 0; I < Columns.size(); ++I) {
     const int Row = static_cast<int>(I);

@@ -168,7 +168,7 @@ TEST_F(QueryData, ErrorsOfBodiesSpeakOfQueryData) {
   TMemoryTable Table("T", {{"A", TKvKind::Int64}});
   for (const auto& [Value, Error] :
        TStringPairs{{"'#00G0'", "Invalid character (#$00G0) in string constant."}, {"0xF", "Incorrect binary value"}})
-    EXPECT_EQ(ErrorOf([&] { Import(Section, Table, Begin + "<1|" + Value + ">\r"); }),
+    EXPECT_EQ(ErrorOf([&, &Value = Value] { Import(Section, Table, Begin + "<1|" + Value + ">\r"); }),
               "EDicUtilError: Error importing query data. " + Error);
   for (TEICommonQueryData* const Data :
        {static_cast<TEICommonQueryData*>(&Section), static_cast<TEICommonQueryData*>(&Old)}) {

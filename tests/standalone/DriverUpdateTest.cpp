@@ -167,7 +167,7 @@ TEST_P(DriverUpdateTest, WhatCannotBeUpdatedIsNamed) {
     SCOPED_TRACE(Text);
     Connection->Begin(TIsolationLevel::RepeatableRead);
     TDriverTable Table = Open(Name);
-    EXPECT_THAT(ErrorOf([&] { Append(Table, Records); }), HasSubstr(Text));
+    EXPECT_THAT(ErrorOf([&, &Records = Records] { Append(Table, Records); }), HasSubstr(Text));
     Connection->Rollback();
     EXPECT_THAT(Stored("\"A\", \"B\"", "\"T\""), ElementsAre("1|1"));
   }

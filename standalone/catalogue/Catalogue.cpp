@@ -15,6 +15,10 @@ const TCatalogueTable& VersionTable() {
   return Table;
 }
 
+std::string MakeFailed(const TCatalogueTable& Table) {
+  return Format("Cannot make the table %s, in which this program keeps what is its own", Table.Name);
+}
+
 }  // namespace
 
 std::optional<std::int64_t> TCatalogue::Version() {
@@ -44,6 +48,9 @@ bool TCatalogue::Has(const TCatalogueTable& Table) {
 
 void TCatalogue::Make(const TCatalogueTable& Table) {
   if (Has(Table)) return;
+  // Of two who need it at once, one makes it and the other finds it.
+  FConnection.LockName("catalogue", MakeFailed(Table));
+  if (Has(Table)) return;
   if (FConnection.Schema().HasCatalogueTable(VersionTable().Name)) {
     CheckVersion();
   } else {
@@ -58,18 +65,22 @@ void TCatalogue::Make(const TCatalogueTable& Table) {
 }
 
 void TCatalogue::Create(const TCatalogueTable& Table) {
+  const TDialect& Dialect = FConnection.Dialect();
   std::string Statement = Format("CREATE TABLE %s (", Table.Name);
   for (const TCatalogueTable::TColumn& Column : Table.Columns)
-    Statement += Format("%s %s%s, ", Column.Name, FConnection.Dialect().ColumnType(Column.Kind),
-                        Column.Nullable ? "" : " NOT NULL");
+    Statement += Format("%s %s%s%s, ", Column.Name, Dialect.ColumnType(Column.Kind),
+                        Column.ByBytes ? Dialect.ByteOrder() : "", Column.Nullable ? "" : " NOT NULL");
   try {
-    FConnection.Execute(Statement + Format("PRIMARY KEY (%s))", Table.Key));
+    FConnection.Execute(Statement +
+                        Format("PRIMARY KEY (%s))%s", Table.Key, Table.Clustered ? Dialect.Clustered() : ""));
+    for (const TCatalogueTable::TIndex& Index : Table.Indexes)
+      FConnection.Execute(
+          Format("CREATE %sINDEX %s ON %s (%s)", Index.Unique ? "UNIQUE " : "", Index.Name, Table.Name, Index.Columns));
   } catch (const EDatabaseError& Error) {
     const bool MayHelp = Error.Info().Code == TErrorCode::Database || Error.Info().Code == TErrorCode::RowRefused;
-    throw EDatabaseError(
-        Format("Cannot make the table %s, in which this program keeps what is its own: %s%s", Table.Name, Error.what(),
-               MayHelp ? ". Should another one have made it at the same moment, try again" : ""),
-        Error.Info());
+    throw EDatabaseError(Format("%s: %s%s", MakeFailed(Table), Error.what(),
+                                MayHelp ? ". Should another one have made it at the same moment, try again" : ""),
+                         Error.Info());
   }
 }
 

@@ -14,11 +14,19 @@ struct TCatalogueTable {
     const char* Name;
     TKvKind Kind;  // Int64, String or Bytes
     bool Nullable = true;
+    bool ByBytes = false;  // texts sort by their bytes
+  };
+  struct TIndex {
+    const char* Name;     // begins with that of the table
+    const char* Columns;  // separated by commas
+    bool Unique = false;
   };
 
   const char* Name;
   std::vector<TColumn> Columns;
   const char* Key;  // names of columns, separated by commas
+  std::vector<TIndex> Indexes = {};
+  bool Clustered = false;  // rows stand in the order of the key, where the engine can
 };
 
 /// The platform's own tables in one database. They are made when something is to be kept in them for the first time,

@@ -28,6 +28,23 @@ inline TKvVariant NumberCell(std::int64_t Value) {
 /// NULL for nothing.
 inline TKvVariant NumberCell(std::optional<std::int64_t> Value) { return Value ? NumberCell(*Value) : TKvVariant(); }
 
+/// As another program may have written it.
+[[noreturn]] inline void RefuseCell(const TKvVariant& Value, std::string_view Wanted) {
+  std::string Text;
+  if (!Value.IsNull()) Value.AppendAsText(Text);
+  throw EDatabaseError("A catalogue table is damaged: '" + Text + "' stands where " + std::string(Wanted) + " belongs");
+}
+
+/// What cannot be NULL. EDatabaseError where it is none.
+inline std::int64_t NumberIn(const TKvVariant& Value) {
+  if (!IsIntegerKind(Value.Kind())) RefuseCell(Value, "a whole number");
+  return Value.AsInteger();
+}
+inline std::string_view TextIn(const TKvVariant& Value) {
+  if (Value.Kind() != TKvKind::String) RefuseCell(Value, "a text");
+  return Value.AsText();
+}
+
 /// Empty for NULL.
 inline std::string TakeText(TCursor& Rows, int Column) {
   TKvVariant Value;
@@ -41,9 +58,7 @@ inline std::optional<std::int64_t> TakeNumber(TCursor& Rows, int Column) {
   Rows.Read(Column, Value);
   if (Value.IsNull()) return std::nullopt;
   if (IsIntegerKind(Value.Kind())) return Value.AsInteger();
-  std::string Text;
-  Value.AppendAsText(Text);
-  throw EDatabaseError("A catalogue table is damaged: '" + Text + "' stands where a whole number belongs");
+  RefuseCell(Value, "a whole number");
 }
 
 }  // namespace velkrund

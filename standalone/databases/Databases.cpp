@@ -1,5 +1,6 @@
 #include "standalone/databases/Databases.h"
 
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
 
@@ -82,6 +83,7 @@ TDatabases::TDatabase& TDatabases::Database(const std::string& Name) {
   if (Found == FOpen.end()) {
     Note(Format("Connecting to %s", WithoutSecrets(Address.Url.Text())));
     TDatabase Opened;
+    Opened.Mark = ++FLastMark;
     Opened.Connection = Address.Driver->Connect(Address.Url, Address.Options);
     Found = FOpen.emplace(Address.Session, std::move(Opened)).first;
   }
@@ -105,6 +107,7 @@ void TDatabases::Start(const std::string& Name, bool Reads, const std::function<
     Note("Starting a transaction");
     Begin(*Target.Connection);
     Target.Reads = Reads;
+    Target.Mark = ++FLastMark;
   } else if (!Target.Reads) {
     Target.Connection->SetSavepoint(Target.Depth);
   }
@@ -124,6 +127,7 @@ void TDatabases::CommitTransaction(const std::string& Name) {
     if (!Target.Reads) Target.Connection->ReleaseSavepoint(Target.Depth);
     return;
   }
+  Target.Mark = ++FLastMark;
   Note("Committing the transaction");
   try {
     Target.Connection->Commit();
@@ -140,8 +144,9 @@ void TDatabases::CommitTransaction(const std::string& Name) {
 
 void TDatabases::RollbackTransaction(const std::string& Name) {
   TDatabase& Target = InTransaction(Name, "roll the transaction back");
+  Target.Mark = ++FLastMark;
   if (Target.Depth > 0 && Target.Reads) return;
-  if (!Target.Reads) Tell("taking back what was changed");
+  if (!Target.Reads && FNotice) Tell(LText("M_Velkrund_ComUtils_TakingBack").Local());
   if (Target.Depth > 0) return Target.Connection->RollbackToSavepoint(Target.Depth);
   Note("Rolling the transaction back");
   Target.Connection->Rollback();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -36,6 +37,11 @@ class TDatabases {
   void CommitTransaction(const std::string& Name);
   void RollbackTransaction(const std::string& Name);
   bool IsInTransaction(const std::string& Name) { return Database(Name).Depth > 0; }
+  /// How many have been started and not ended.
+  int TransactionDepth(const std::string& Name) { return Database(Name).Depth; }
+  /// Another number, never one that was there before, with every beginning and end of the outer transaction and with
+  /// every roll back within: what was remembered of its rows and locks may hold no longer.
+  std::int64_t TransactionMark(const std::string& Name) { return Database(Name).Mark; }
 
   /// What the configuration names for the tables of a database; empty: nothing.
   std::string PatternName(const std::string& Name) const;
@@ -73,8 +79,9 @@ class TDatabases {
  private:
   struct TDatabase {
     std::unique_ptr<TConnection> Connection;
-    int Depth = 0;       // transactions started and not ended
-    bool Reads = false;  // and writes nothing
+    int Depth = 0;          // transactions started and not ended
+    bool Reads = false;     // and writes nothing
+    std::int64_t Mark = 0;  // TransactionMark
   };
   struct TAddress {
     const TDriver* Driver;
@@ -98,6 +105,7 @@ class TDatabases {
   std::string FDefaultDatabase;
   bool FDefaultIsConfigured = true;  // its file names are relative to the configuration's folder
   bool FCreateMissing = false;
+  std::int64_t FLastMark = 0;
   std::chrono::milliseconds FBusyTime;
   TCanceled FCanceled;                                    // may be empty
   TNotice FNotice, FWarning;                              // the same

@@ -138,6 +138,12 @@ std::string TStandaloneManager::LString(std::string_view Key) const {
   return Text ? std::move(*Text) : std::string(Key);
 }
 
+std::string TStandaloneManager::EnglishString(std::string_view Key) const {
+  std::optional<std::string> Text;
+  if (FLookUpEnglish) Text = FLookUpEnglish(Key);
+  return Text ? std::move(*Text) : LString(Key);
+}
+
 void TStandaloneManager::WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept {
   FTrace.Write(Subsystem, Level, Text);
 }

@@ -33,7 +33,7 @@ struct TDatabaseInfo {
 
 /// The application manager of the stand-alone platform: databases through drivers, the operating system's files. Tables
 /// borrow their connection from it and are freed before it. Used by one thread at a time, except for LString,
-/// WriteTrace and Settings.
+/// EnglishString, WriteTrace and Settings.
 class TStandaloneManager final : public TApplicationManager {
  public:
   /// The text of a message key; nothing when there is none.
@@ -60,6 +60,7 @@ class TStandaloneManager final : public TApplicationManager {
   const TSettings& Settings() const override { return FSettings; }
   TFileSystem& Files() override { return FFiles; }
   std::string LString(std::string_view Key) const override;
+  std::string EnglishString(std::string_view Key) const override;
   void WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept override;
   void Notice(const std::string& Text) noexcept override;
   void ReportError(const std::exception& Error) noexcept override;
@@ -69,6 +70,8 @@ class TStandaloneManager final : public TApplicationManager {
   const TConfiguration& Configuration() const { return FConfiguration; }
   TSettings& ChangeSettings() { return FSettings; }
   void SetLookUpText(TLookUpText LookUpText) { FLookUpText = std::move(LookUpText); }
+  /// The user's texts when not set.
+  void SetLookUpEnglish(TLookUpText LookUpText) { FLookUpEnglish = std::move(LookUpText); }
   /// Standard error when not set.
   void SetReportError(TReportError ReportError) { FReportError = std::move(ReportError); }
 
@@ -82,7 +85,7 @@ class TStandaloneManager final : public TApplicationManager {
   TTrace FTrace;
   TDatabases FDatabases;
   std::map<std::string, std::unique_ptr<TODBCBaseManager>> FBaseManagers;  // by the name that was asked for
-  TLookUpText FLookUpText;
+  TLookUpText FLookUpText, FLookUpEnglish;
   TReportError FReportError;
 };
 

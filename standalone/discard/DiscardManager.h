@@ -35,6 +35,7 @@ class TDiscardManager final : public TApplicationManager {
   const TSettings& Settings() const override { return FReal.Settings(); }
   TFileSystem& Files() override { return FReal.Files(); }
   std::string LString(std::string_view Key) const override { return FReal.LString(Key); }
+  std::string EnglishString(std::string_view Key) const override { return FReal.EnglishString(Key); }
   void WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept override {
     FReal.WriteTrace(Subsystem, Level, Text);
   }

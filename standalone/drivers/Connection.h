@@ -29,6 +29,7 @@ struct TCapabilities {
   bool NotANumber = false;           // floating columns hold NaN
   bool NegativeZero = false;         // floating columns tell -0.0 from 0.0
   bool NulInText = false;            // texts hold the character U+0000
+  bool HalfCharacters = false;       // texts hold lone surrogates
   bool Threads = false;              // several connections can be used at once, by a thread each
   bool LocksTables = false;          // what a transaction has read stays locked until its end, each for itself
   bool TableSizes = false;           // TableBytes has answers
@@ -72,6 +73,10 @@ class TConnection {
   /// No error when the engine has already rolled back by itself, or the connection is lost, and the transaction with
   /// it.
   virtual void Rollback() = 0;
+
+  /// Within a transaction that writes: until its end nobody else locks that name, on any connection to the database.
+  /// Whoever tries waits, or is refused after the waiting time. What: how an error message begins.
+  virtual void LockName(std::string_view Name, const std::string& What) = 0;
 
   // Marks within the running transaction. Number: from 1, one more than that of the mark before it.
   virtual void SetSavepoint(int Number) = 0;

@@ -8,6 +8,12 @@
 
 namespace velkrund {
 
+/// What becomes of rows that a transaction has read, until its end.
+enum class TRowLock {
+  Stay,  // nobody deletes them
+  Wait,  // nobody else locks them in either way; who has is waited for
+};
+
 /// A name between double quotes, inner ones doubled, as standard SQL has it.
 std::string QuoteStandardName(std::string_view Name);
 
@@ -27,6 +33,12 @@ class TDialect {
   virtual std::string ParameterMark(int Number) const = 0;
   /// The type of a column that holds every value of a kind. Kind: Int64, String or Bytes.
   virtual std::string ColumnType(TKvKind Kind) const = 0;
+  /// What stands behind the type of a text column whose order is that of the bytes, whatever the database's language.
+  virtual std::string_view ByteOrder() const = 0;
+  /// What stands behind a CREATE TABLE whose rows are to stand in the order of their key.
+  virtual std::string_view Clustered() const = 0;
+  /// What stands behind a SELECT whose rows are to be locked; empty where a writing transaction has the whole database.
+  virtual std::string_view RowLock(TRowLock Lock) const = 0;
   /// What has to be known of a query to find the parameters in it.
   virtual const TQuerySyntax& QuerySyntax() const = 0;
 

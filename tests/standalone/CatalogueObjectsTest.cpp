@@ -16,7 +16,10 @@ using testing::HasSubstr;
 
 class CatalogueObjects : public SQLiteFixture {
  protected:
-  CatalogueObjects() { Run("CREATE TABLE T (A, B)"); }
+  CatalogueObjects() {
+    Connection->Begin(TIsolationLevel::RepeatableRead);
+    Run("CREATE TABLE T (A, B)");
+  }
   /// The error, if any.
   std::string Create(const std::string& Body, std::vector<TDicParameter> Parameters = {}) {
     TDicProcedureDescription Procedure;

@@ -61,6 +61,8 @@ TEST(DialectTest, EveryEngineHasItsWords) {
   Check(TSQLiteDialect(), SQLiteWords);
   const TPostgreSQLDialect Dialect("My \"Own\"");
   Check(Dialect, PostgreSQLWords);
+  EXPECT_EQ(TSQLiteDialect().RowLock(TRowLock::Wait), "");
+  EXPECT_NE(Dialect.RowLock(TRowLock::Wait), Dialect.RowLock(TRowLock::Stay));
   EXPECT_EQ(Dialect.QualifiedName({"t", "x", TTableKind::Table, true}), R"("x"."t")");
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "standalone/discard/DiscardLocalization.h"
 #include "standalone/discard/DiscardManager.h"
 #include "tests/standalone/Support.h"
 #include "tests/support/TestPlatform.h"
@@ -37,6 +38,18 @@ TEST(Discard, EveryTableTakesEverythingAndNothingReachesTheRealPlatform) {
   EXPECT_EQ(Real.Log, std::vector<std::string>{"passed on"});
   EXPECT_TRUE(Manager.Settings().StrictText);
   EXPECT_EQ(&Manager.Files(), &Real.MemoryFiles);
+}
+
+TEST(Discard, EveryLanguageIsThereAndNoString) {
+  TDiscardLocalization Store;
+  EXPECT_TRUE(Store.GetLanguagesTable("").LanguageExist("any"));
+  TLocalizatorTable& Strings = Store.GetLocalizatorTable("");
+  Strings.Lock("S", "any");
+  Strings.WriteString("S_a", "any", "text");
+  Strings.UnLock("S", "any");
+  EXPECT_FALSE(Strings.StringExist("S_a", "any"));
+  EXPECT_EQ(Strings.GetString("S_a", "any"), AbsentText);
+  EXPECT_FALSE(Strings.ReadSection("S", {"any"})->Next());
 }
 
 }  // namespace

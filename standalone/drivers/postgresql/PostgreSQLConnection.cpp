@@ -7,6 +7,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLRoutineSurroundings.h"
 #include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"
 #include "standalone/drivers/postgresql/PostgreSQLSurroundings.h"
+#include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
 namespace {
@@ -41,6 +42,15 @@ TCapabilities CapabilitiesOf(const TPostgreSQLSession& Session) {
   return Result;
 }
 
+/// The number by which the server knows a lock. Other programs may lock numbers, too; two names that should meet in one
+/// only wait for each other. Made as FNV-1a, since every version of this program has to come to the same.
+std::int64_t LockNumber(std::string_view Name) {
+  std::uint64_t Hash = 0xCBF2'9CE4'8422'2325;
+  for (const std::string_view Part : {std::string_view("velkrund "), Name})
+    for (const char C : Part) Hash = (Hash ^ static_cast<unsigned char>(C)) * 0x100'0000'01B3;
+  return static_cast<std::int64_t>(Hash);
+}
+
 }  // namespace
 
 TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
@@ -73,6 +83,13 @@ void TPostgreSQLConnection::Commit() {
 void TPostgreSQLConnection::Rollback() {
   FSequences.Rollback();
   FSession.Rollback();
+}
+
+void TPostgreSQLConnection::LockName(std::string_view Name, const std::string& What) {
+  if (FCapabilities.ReadOnly)
+    throw EDatabaseError(What + ": the database is opened for reading only", {.Code = TErrorCode::DatabaseReadOnly});
+  const std::string Number = std::to_string(LockNumber(Name));
+  FSession.Query(What, "SELECT pg_catalog.pg_advisory_xact_lock($1::pg_catalog.int8)", {Number.c_str()});
 }
 
 void TPostgreSQLConnection::SetSavepoint(int Number) {

@@ -32,6 +32,7 @@ class TPostgreSQLConnection final : public TConnection {
   void BeginReading() override { FSession.BeginReading(); }
   void Commit() override;
   void Rollback() override;
+  void LockName(std::string_view Name, const std::string& What) override;
   void SetSavepoint(int Number) override;
   void ReleaseSavepoint(int Number) override;
   void RollbackToSavepoint(int Number) override;

@@ -21,6 +21,11 @@ class TPostgreSQLDialect final : public TDialect {
   std::string QualifiedName(const TTableInfo& Table) const;
   std::string ParameterMark(int Number) const override { return "$" + std::to_string(Number); }
   std::string ColumnType(TKvKind Kind) const override;
+  std::string_view ByteOrder() const override { return " COLLATE pg_catalog.\"C\""; }
+  std::string_view Clustered() const override { return {}; }
+  std::string_view RowLock(TRowLock Lock) const override {
+    return Lock == TRowLock::Stay ? " FOR KEY SHARE" : " FOR UPDATE";
+  }
   const TQuerySyntax& QuerySyntax() const override;
 
  private:

@@ -21,12 +21,15 @@ TCapabilities CapabilitiesOf(const TSQLiteDatabase& Database) {
   Result.TransactionalSchema = true;
   Result.MixedKinds = true;
   Result.NulInText = true;
+  Result.HalfCharacters = !Database.Texts().Wide;
   Result.Threads = sqlite3_threadsafe() != 0;
   Result.TableSizes = sqlite3_compileoption_used("ENABLE_DBSTAT_VTAB") == 1;
   TSQLiteStatement Enforced(Database.Handle(), "PRAGMA foreign_keys", Database.About("open"));
   Result.EnforcesForeignKeys = Enforced.Step() && Enforced.Integer(0) != 0;
   return Result;
 }
+
+constexpr std::string_view StartFailed = "start a transaction in";
 
 /// By which it is attached.
 constexpr const char* SourceName = "velkrund_source";
@@ -51,11 +54,13 @@ TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOpti
 
 std::string TSQLiteConnection::EngineVersion() const { return sqlite3_libversion(); }
 
-void TSQLiteConnection::Begin(TIsolationLevel Level) {
+void TSQLiteConnection::BeginReading() { Run("BEGIN", StartFailed); }
+
+/// Whatever the level, the engine has one.
+void TSQLiteConnection::Begin(TIsolationLevel /*Level*/) {
+  if (FCapabilities.ReadOnly) return BeginReading();
   // A writing transaction that begins as a reader can lose its turn to another writer halfway.
-  const bool Immediate = Level >= TIsolationLevel::RepeatableRead && !FCapabilities.ReadOnly;
-  Run(Immediate ? "BEGIN IMMEDIATE" : "BEGIN", "start a transaction in");
-  if (!Immediate) return;
+  Run("BEGIN IMMEDIATE", StartFailed);
   try {
     FDatabase.CheckNotMoved();
   } catch (...) {
@@ -111,6 +116,14 @@ void TSQLiteConnection::DetachSource() noexcept {
   FSourceRows.reset();
   const std::string Detach = std::string("DETACH ") + SourceName;
   if (sqlite3_exec(FDatabase.Handle(), Detach.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK) FSource = nullptr;
+}
+
+/// A writing transaction has the whole database.
+void TSQLiteConnection::LockName(std::string_view /*Name*/, const std::string& What) {
+  if (FCapabilities.ReadOnly)
+    throw EDatabaseError(What + ": the database is opened for reading only", {.Code = TErrorCode::DatabaseReadOnly});
+  if (sqlite3_txn_state(FDatabase.Handle(), "main") != SQLITE_TXN_WRITE)
+    throw EDatabaseError(What + ": no transaction that writes has been started");
 }
 
 void TSQLiteConnection::SetSavepoint(int Number) {

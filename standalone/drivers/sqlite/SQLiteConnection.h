@@ -27,9 +27,10 @@ class TSQLiteConnection final : public TConnection {
   TRowCopier* CopierFrom(TConnection& Source) override;
 
   void Begin(TIsolationLevel Level) override;
-  void BeginReading() override { Begin(TIsolationLevel::ReadCommitted); }
+  void BeginReading() override;
   void Commit() override;
   void Rollback() override;
+  void LockName(std::string_view Name, const std::string& What) override;
   void SetSavepoint(int Number) override;
   void ReleaseSavepoint(int Number) override;
   void RollbackToSavepoint(int Number) override;

@@ -11,6 +11,7 @@ TPlatform InstallPlatform(const TPlatform& Platform) {
       .Dictionary = InstallService(Platform.Dictionary),
       .Relations = InstallService(Platform.Relations),
       .DicDBContainer = InstallService(Platform.DicDBContainer),
+      .LContainer = InstallService(Platform.LContainer),
   };
 }
 

@@ -6,6 +6,7 @@
 #include "velkrund/platform/dictionary/Dictionary.h"
 #include "velkrund/platform/extcalls/ExtCall.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
+#include "velkrund/platform/localization/LContainer.h"
 #include "velkrund/platform/structures/DSPContainer.h"
 
 namespace velkrund {
@@ -19,6 +20,7 @@ struct TPlatform {
   TDictionary* Dictionary = nullptr;
   TRelations* Relations = nullptr;
   TDicDBContainer* DicDBContainer = nullptr;
+  TLContainer* LContainer = nullptr;
 };
 
 /// Installs a platform for the whole process and returns the one before. To be called while no operation runs.

@@ -54,6 +54,8 @@ class TActing : public TEIObject {
                                       : Role == TSectionRole::TableData     ? "T"
                                       : Role == TSectionRole::QueryData     ? "Q"
                                       : Role == TSectionRole::GeneratorData ? "G"
+                                      : Role == TSectionRole::Language      ? "L"
+                                      : Role == TSectionRole::Resource      ? "R"
                                                                             : "O";
   static inline const TEIObjectDescriptor Descriptor{
       "TActing", nullptr, Type, 100, Role, nullptr, []() -> std::unique_ptr<TEIObject> {
@@ -152,7 +154,9 @@ class ImportFile : public testing::Test, public TImportFileObserver {
     Seen += File + "!" + ExceptionClassName(Error) + " ";
   }
 
-  const TEIObjectClass Classes[5] = {TEIObjectClass(TActing<TSectionRole::QueryData>::Descriptor),
+  const TEIObjectClass Classes[7] = {TEIObjectClass(TActing<TSectionRole::QueryData>::Descriptor),
+                                     TEIObjectClass(TActing<TSectionRole::Language>::Descriptor),
+                                     TEIObjectClass(TActing<TSectionRole::Resource>::Descriptor),
                                      TEIObjectClass(TActing<TSectionRole::GeneratorData>::Descriptor),
                                      TEIObjectClass(TActing<TSectionRole::Structure>::Descriptor),
                                      TEIObjectClass(TActing<TSectionRole::TableData>::Descriptor),
@@ -195,6 +199,8 @@ TEST_F(ImportFile, ErrorsAreAskedAbout) {
       {"G:g x|Q:q x|T:t x|S:s x", IDYES, true, 1, "s q t +sV g ", "", true},
       {"G:g x|S:s x||G:h bad|Q:q alone|G:i x", IDYES, true, 1, "s q +sV g ? i ", "", true},
       {"G:g cancel|G:h x|O:o x", IDYES, true, 0, "o ", "", true},
+      {"R:r x|L:l x|G:g x|S:s x||R:q bad|L:m alone", IDYES, true, 1, "s +sV g l m r ? ", "", true},
+      {"R:r x|L:l cancel|G:g x", IDYES, true, 0, "g ", "", true},
       // What was left alone, left out, or has failed makes no object.
       {"S:s alone|S:skip x|S:b bad|S:a x", IDYES, true, 1, "s ? a +aV ", "", true},
       {"S:s alone||S:b bad||S:a x", IDYES, true, 1, "s ? a +aV ", "", true},
@@ -325,6 +331,9 @@ TEST_F(ImportFile, ProgressCountsBytesOfBodies) {
   One.SetFileName(PutFiles("O:a x yyy|T:t zzzzzz|O:skip xxxx").front());
   EXPECT_EQ(Import(One), 1);
   EXPECT_EQ(ShownText(), "0/22 0/22 3/22 8/22 14/22 14/22 22/22 ");
+  One.SetFileName(PutFiles("R:r x|O:a yyy|L:l zzzz").front());
+  EXPECT_EQ(Import(One), 1);
+  EXPECT_EQ(ShownText(), "0/5 0/5 5/5 0/9 0/9 6/9 6/9 9/9 ");
   TUOImportFilesInterface Several;
   Several.SetFiles(PutFiles("O:a x yyy|T:t zzzz||T:u x|O:b x bad|O:c x"));
   EXPECT_EQ(Import(Several), 1);

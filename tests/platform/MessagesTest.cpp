@@ -7,6 +7,7 @@
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
 #include "velkrund/platform/ormtools/Nearest.h"
+#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund::tests {
 namespace {
@@ -25,6 +26,26 @@ TEST(Format, FillsPlaceholdersInOrder) {
       {Format(""), ""},
   };
   for (const auto& [Result, Expected] : Rows) EXPECT_EQ(Result, Expected);
+}
+
+TEST(Wording, TakesTheFormThatTheNumberNeeds) {
+  constexpr const char* Two = "row|rows";
+  constexpr const char* Three = "строка|строки|строк";
+  const struct {
+    const char* Forms;
+    const char* Form;
+    std::vector<std::int64_t> Counts;
+  } Rows[] = {
+      {Two, "row", {1}},
+      {Two, "rows", {0, 2, 11, 21, 101, -1, INT64_MIN}},
+      {Three, "строка", {1, 21, 101, 1'000'001, -1}},
+      {Three, "строки", {2, 3, 4, 22, 34, 102, -2}},
+      {Three, "строк", {0, 5, 9, 10, 11, 12, 14, 19, 20, 25, 111, 112, 114, 211, 1'000'000, -11, INT64_MIN}},
+      {"file", "file", {0, 1, 2, 5}},
+      {"", "", {0, 1, 5}},
+  };
+  for (const auto& [Forms, Form, Counts] : Rows)
+    for (const std::int64_t Count : Counts) EXPECT_EQ(FormFor(Count, Forms), Form) << Count;
 }
 
 TEST(Nearest, NamesWhatWasMeantAndGuessesNothingElse) {

@@ -3,6 +3,7 @@
 #include "velkrund/dictionary/CarriedBLOBTables.h"
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -92,7 +93,7 @@ int TUOCustomCopyTable::CopyTableToTable(TTable& Source, TTable& Target) {
 bool TUOCustomCopyTable::CopyByStatement(const TTableRowCopy& Copy) {
   TODBCBaseManager* const BaseManager = BaseMng().GetODBCBaseManager(TargetDatabaseName);
   if (!BaseManager) return false;
-  BaseMng().Notice(Format("copying the rows of table '%s'", SourceTableName));
+  BaseMng().Notice(LText("M_Velkrund_DicUtils_CopyingRows", SourceTableName).Local());
   const std::optional<std::int64_t> Rows = Copy.CopyByStatement(*BaseManager, DatabaseName);
   if (Rows) ShowRows(*Rows, *Rows);
   return Rows.has_value();

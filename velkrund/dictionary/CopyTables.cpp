@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "velkrund/dictionary/ListProgress.h"
-#include "velkrund/dictionary/ListQuestion.h"
-#include "velkrund/operations/GoOnQuestion.h"
+#include "velkrund/operations/ListProgress.h"
+#include "velkrund/operations/ListQuestion.h"
+#include "velkrund/operations/ListRun.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -27,41 +27,29 @@ int TUOCustomCopyTables::Execute() {
 }
 
 int TUOCustomCopyTables::CopyAll() {
-  for (int Index = 0; Index < TableNames.Count(); ++Index) {
-    const std::string& Name = TableNames[Index];
-    ShowProgress(Index, TableNames.Count(), Name);
-    if (IsCanceled()) return 0;
-    if (!Name.empty() && !CopyOne(Name, Index)) return 0;
-  }
-  return IsCanceled() ? 0 : 1;
+  constexpr TListWords Words{"M_Velkrund_DicUtils_ErrorOnCopyTable", "M_Velkrund_DSPUtils_ContinueCopy"};
+  const bool Done = RunList(
+      *this, TableNames, Words,
+      [this](const std::string& Name, int Index) { return Name.empty() || CopyOne(Name, Index); },
+      [this](std::exception_ptr Error) { FResults.back().Error = std::move(Error); });
+  return Done ? 1 : 0;
 }
 
 /// False: an answer ends the list.
 bool TUOCustomCopyTables::CopyOne(const std::string& Name, int Index) {
   FResults.push_back({Name});
+  FResults.back().LeftAlone = !Append && !MayEmpty(TargetOf(Name));
+  if (FResults.back().LeftAlone) return !FOverWrite.FCancel;
   TUOCustomCopyTable Operation;
+  SetUp(Operation, Name, Index);
   try {
-    FResults.back().LeftAlone = !Append && !MayEmpty(TargetOf(Name));
-    if (FResults.back().LeftAlone) return !FOverWrite.FCancel;
-    SetUp(Operation, Name, Index);
     Operation.Execute();
-  } catch (const EAbort&) {
+  } catch (...) {
+    FResults.back().Report = Operation.Report();
     throw;
-  } catch (const EQuestionUnanswered&) {
-    throw;
-  } catch (const std::exception& Error) {
-    FResults.back().Error = std::current_exception();
-    GoOn(Error);
   }
   FResults.back().Report = Operation.Report();
   return true;
-}
-
-/// Within the handler of Error.
-void TUOCustomCopyTables::GoOn(const std::exception& Error) const {
-  const std::string Report = BaseMng().LString("M_Velkrund_DicUtils_ErrorOnCopyTable") + "\r\n" + Error.what();
-  WriteLog(TTraceLevel::Info, Report);
-  GoOnOrRaise(Error, Report + "\r\n" + BaseMng().LString("M_Velkrund_DSPUtils_ContinueCopy"));
 }
 
 bool TUOCustomCopyTables::MayEmpty(const std::string& Target) {

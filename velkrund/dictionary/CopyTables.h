@@ -43,7 +43,6 @@ class TUOCustomCopyTables : public TCopyDatabaseUtilOperation {
   int CopyAll();
   bool CopyOne(const std::string& Name, int Index);
   bool MayEmpty(const std::string& Target);
-  void GoOn(const std::exception& Error) const;
   void SetUp(TUOCustomCopyTable& Operation, const std::string& Name, int Index);
   std::string TargetOf(const std::string& Name) const;
 

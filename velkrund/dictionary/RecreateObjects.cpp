@@ -1,7 +1,7 @@
 #include "velkrund/dictionary/RecreateObjects.h"
 
-#include "velkrund/dictionary/ListQuestion.h"
 #include "velkrund/operations/GoOnQuestion.h"
+#include "velkrund/operations/ListQuestion.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/NotCreatedReport.h"
 #include "velkrund/platform/database/ApplicationManager.h"

@@ -10,6 +10,7 @@
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/NameLengths.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -182,7 +183,7 @@ bool TUORecreateTable::CopyRows(TTable& Old, TTable& New) {
     ReportProgress(FOnShowProgress, Rows, FTotal, TableName);
   };
   if (TODBCBaseManager* const BaseManager = BaseMng().GetODBCBaseManager(DatabaseName)) {
-    BaseMng().Notice(Format("copying the rows of table '%s'", TableName));
+    BaseMng().Notice(LText("M_Velkrund_DicUtils_CopyingRows", TableName).Local());
     if (const auto Rows = Copy.CopyByStatement(*BaseManager, DatabaseName)) return Show(*Rows), true;
   }
   const bool Whole = Copy.CopyByRecord([&](std::int64_t Rows) {
@@ -210,7 +211,7 @@ void TUORecreateTable::Rebuild() {
   if (!BaseManager)
     throw EDicUtilError(Format("Can not recreate the table '%s': its database has no statements on tables", TableName),
                         {.Table = TableName});
-  BaseMng().Notice(Format("filling the table '%s'", TableName));
+  BaseMng().Notice(LText("M_Velkrund_DicUtils_FillingTable", TableName).Local());
   try {
     FRows = BaseManager->CopyTableData(BaseMng().GetTableName(TemporaryTableName, DatabaseName),
                                        BaseMng().GetTableName(TableName, DatabaseName), false);

@@ -1,9 +1,9 @@
 #include "velkrund/dictionary/RecreateTables.h"
 
-#include "velkrund/dictionary/ListProgress.h"
-#include "velkrund/dictionary/ListQuestion.h"
 #include "velkrund/dictionary/TemporaryTable.h"
 #include "velkrund/operations/GoOnQuestion.h"
+#include "velkrund/operations/ListProgress.h"
+#include "velkrund/operations/ListQuestion.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/operations/NameLengths.h"
 #include "velkrund/platform/database/ApplicationManager.h"

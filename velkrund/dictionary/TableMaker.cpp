@@ -7,6 +7,7 @@
 #include "velkrund/operations/NameLengths.h"
 #include "velkrund/operations/UtilOperation.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/database/Transaction.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -65,7 +66,7 @@ bool TTableMaker::MayMake(const std::vector<TDicTableDescription>& Tables) {
   std::vector<std::string> Names;
   for (const TDicTableDescription& Table : Tables) Names.push_back(Format("'%s'", Table.FullName()));
   const std::string Question =
-      Format(BaseMng().LString("M_Velkrund_ComUtils_CreateTablesConfirm"), JoinedInShort(std::move(Names)));
+      Format(BaseMng().LString("M_Velkrund_ComUtils_CreateTablesConfirm"), LJoinedInShort(Names).Local());
   return uoMessageBox(0, ToUtf16(Question), ToUtf16(BaseMng().LString("ST_CONFIRMATION")), MB_YESNO, IDYES, IDNO) ==
          IDYES;
 }

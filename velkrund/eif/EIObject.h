@@ -29,9 +29,12 @@ void ReportProgress(const TProgressCallback& OnProgress, std::int64_t Current, s
 /// What a section's content means to those who import whole files.
 enum class TSectionRole {
   Structure,
-  TableData,      // rows of a table, which the header names
-  QueryData,      // rows for a table that whoever imports them chooses
-  GeneratorData,  // where a generator stands
+  TableData,       // rows of a table, which the header names
+  QueryData,       // rows for a table that whoever imports them chooses
+  GeneratorData,   // where a generator stands
+  Language,        // what a language is called
+  Resource,        // localized strings
+  SingleResource,  // the same in one language, not to be imported
   Other,
 };
 

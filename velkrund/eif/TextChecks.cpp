@@ -8,7 +8,7 @@ namespace velkrund {
 
 namespace {
 
-constexpr std::size_t ExcerptBytes = 60;
+constexpr std::int64_t ExcerptUnits = 60;
 
 }  // namespace
 
@@ -20,7 +20,7 @@ void RefuseTextRead(std::int64_t Position) {
 }
 
 void RefuseTextWritten(std::string_view Text, std::int64_t Position) {
-  std::string Excerpt(Text.substr(0, ExcerptBytes));
+  std::string Excerpt = Shortened(Text, ExcerptUnits);
   RepairUtf8(Excerpt);
   if (FindMalformedUtf8(Text) != std::string_view::npos)
     throw EEIError(

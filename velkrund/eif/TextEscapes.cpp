@@ -101,7 +101,7 @@ void AppendByteEscape(std::string& Out, unsigned char Byte) {
   Out.append(Escape, sizeof Escape);
 }
 
-void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place) {
+void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place, TLoneUnit Lone) {
   const TByteClasses& Table = Classes[static_cast<int>(Place)];
   if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Table, Text));
   std::size_t RunStart = 0, At = 0;
@@ -114,7 +114,7 @@ void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place) 
     std::size_t Next = At;
     const char32_t Code = NextCodePoint(Text, Next);
     const bool Broken = IsSurrogate(Code) || (Code == 0xFFFD && Text.substr(At, 3) != ReplacementUtf8);
-    if (Code >= 0xA0 && !Broken) {
+    if (Broken ? Lone == TLoneUnit::Character : Code >= 0xA0) {
       At = Next;
       continue;
     }

@@ -20,11 +20,13 @@ namespace velkrund {
 /// Where a text stands: among others in a record, or alone.
 enum class TEscapePlace { Record, Alone };
 
-/// What a unit U+DC80 .. U+DCFF alone is to a reader: the byte that it stands for, or a character in three-byte form.
+/// What a unit U+DC80 .. U+DCFF alone is: the byte that it stands for, or a character in three-byte form. To a writer
+/// whose units are characters, bytes that are not UTF-8 are nothing to escape: they stay as they are.
 enum class TLoneUnit { Byte, Character };
 
 /// Appends the current escape of a text, which is UTF-8 for the most part.
-void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place = TEscapePlace::Record);
+void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place = TEscapePlace::Record,
+                   TLoneUnit Lone = TLoneUnit::Byte);
 
 /// Decodes current escapes in place and returns the length of the result, which is never longer. "#" with fewer than
 /// four characters behind it ends the text there. A low surrogate joins the escape of a high one directly before it.

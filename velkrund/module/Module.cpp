@@ -5,6 +5,7 @@
 #include "velkrund/dictionary/Registration.h"
 #include "velkrund/dsp/Registration.h"
 #include "velkrund/operations/Registration.h"
+#include "velkrund/resources/Registration.h"
 
 namespace velkrund {
 
@@ -13,6 +14,7 @@ void StartModule() {
   std::call_once(Started, [] {
     RegisterOperationClasses();
     RegisterDictionaryClasses();
+    RegisterResourceClasses();
     RegisterDSPClasses();
   });
 }

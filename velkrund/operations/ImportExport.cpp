@@ -16,6 +16,7 @@ int TImportUtilOperation::Execute() {
   } catch (const EAbort&) {
     return 0;
   }
+  EndEIObject(*Object);
   return Object->Stopped() ? 0 : 1;
 }
 
@@ -28,10 +29,11 @@ int TExportUtilOperation::Execute() {
   if (!FTarget) throw Exception("Propetry Target must be assigned for export util operation");
   FTarget->SetDefaultEncoding(FReleaseVersion == TExportReleaseVersion::rv20 ? FEncoding : TKvEncoding::Ansi);
   try {
-    FTarget->ExportObject(*Object, FSectionName);
+    FTarget->ExportObject(*Object, SectionName());
   } catch (const EAbort&) {
     return 0;
   }
+  EndEIObject(*Object);
   return 1;
 }
 

@@ -10,9 +10,6 @@ using TBase = TUtilOperationInterface;
 using TImport = TImportUtilOperation;
 using TExport = TExportUtilOperation;
 
-constexpr std::string_view ReleaseNames[] = {"rv17", "rv20"};
-constexpr std::string_view EncodingNames[] = {"ansi", "utf8"};
-
 constexpr TProperty ImportProperties[] = {
     PropertyOf<&TImport::FSource>("Source", "opened TEIFile to read from"),
     PropertyOf<&TImport::FSectionNumber>("SectionNumber", "index of the section, from 0"),
@@ -21,7 +18,8 @@ constexpr TProperty ImportProperties[] = {
 constexpr TProperty ExportProperties[] = {
     PropertyOf<&TExport::FTarget>("Target", "opened TEIFile to append to"),
     PropertyOf<&TExport::FSectionName>("SectionName", "name of the new section"),
-    ChoiceOf<&TExport::FReleaseVersion>("ReleaseVersion", "release whose readers the file must suit", ReleaseNames),
+    ChoiceOf<&TExport::FReleaseVersion>("ReleaseVersion", "release whose readers the file must suit",
+                                        ReleaseVersionNames),
     ChoiceOf<&TExport::FEncoding>("Encoding", "encoding of the section; rv17 is always ansi", EncodingNames),
 };
 

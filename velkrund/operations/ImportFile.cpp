@@ -86,7 +86,11 @@ int TUOImportFile::ImportAll() {
   std::vector<TSource> Sources;
   const TSource& Source = Sources.emplace_back(OpenFile(FFileName));
   BeginPass(BytesOf(*Source.File, Source.Structures) + BytesOf(*Source.File, Source.Tables));
-  if (!ImportStructures(Source) || !fCreateDBStructures) return 0;
+  if (!ImportStructures(Source)) return 0;
+  if (!fCreateDBStructures) {
+    ImportAllBehind(Sources);
+    return 0;
+  }
   if (!ImportTables(Sources)) return 0;
   EndPass();
   return FinishObjects(Sources);
@@ -94,13 +98,27 @@ int TUOImportFile::ImportAll() {
 
 int TUOImportFile::FinishObjects(const std::vector<TSource>& Sources) {
   const int Result = CreateObjects();
-  if (Result == 0) return 0;
+  return Result != 0 && ImportAllBehind(Sources) ? Result : 0;
+}
+
+bool TUOImportFile::ImportAllBehind(const std::vector<TSource>& Sources) {
+  if (!ImportBehind(Sources, &TSource::Generators)) return false;
+  std::int64_t Bytes = 0;
   for (const TSource& Source : Sources)
-    for (const int Index : Source.Generators) {
-      if (Stopping()) return 0;
+    Bytes += BytesOf(*Source.File, Source.Languages) + BytesOf(*Source.File, Source.Resources);
+  BeginPass(Bytes);
+  if (!ImportBehind(Sources, &TSource::Languages) || !ImportBehind(Sources, &TSource::Resources)) return false;
+  EndPass();
+  return true;
+}
+
+bool TUOImportFile::ImportBehind(const std::vector<TSource>& Sources, std::vector<int> TSource::*Sections) {
+  for (const TSource& Source : Sources)
+    for (const int Index : Source.*Sections) {
+      if (Stopping()) return false;
       ImportSection(*Source.File, Index, nullptr);
     }
-  return FStopping ? 0 : Result;
+  return !FStopping;
 }
 
 void TUOImportFile::SetUpContainer() {
@@ -137,7 +155,7 @@ void TUOImportFile::TellObjects() {
 
 TUOImportFile::TSource TUOImportFile::OpenFile(const std::string& FileName) {
   try {
-    TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}, {}};
+    TSource Source{nullptr, Host().OpenedFile(FileName), {}, {}, {}, {}, {}};
     if (!Source.File) {
       Source.Owned = OpenedHere(FileName);
       Source.File = Source.Owned.get();
@@ -164,14 +182,28 @@ void TUOImportFile::TakeSections(TSource& Source) {
     const TEISection& Section = Source.File->Sections()[Index];
     if (!Host().Takes(*Source.File, Section)) continue;
     const TSectionRole Role = Section.ObjectClass.Role();
-    if (Role == TSectionRole::TableData || Role == TSectionRole::QueryData)
-      Source.Tables.push_back(Index);
-    else
-      (Role == TSectionRole::GeneratorData ? Source.Generators : Source.Structures).push_back(Index);
+    PlaceOf(Source, Role).push_back(Index);
     if (fCreateDBStructures && Role == TSectionRole::Structure)
       Structures.push_back({ObjectTypeOf(Section), Section.ParamValue("ObjectName"), &Section});
   }
   for (const TStructure& Structure : Structures) WillCreate(Structure.Type, Structure.Name, *Structure.Section);
+}
+
+std::vector<int>& TUOImportFile::PlaceOf(TSource& Source, TSectionRole Role) {
+  switch (Role) {
+    case TSectionRole::TableData:
+    case TSectionRole::QueryData:
+      return Source.Tables;
+    case TSectionRole::GeneratorData:
+      return Source.Generators;
+    case TSectionRole::Language:
+      return Source.Languages;
+    case TSectionRole::Resource:
+    case TSectionRole::SingleResource:  // an error, behind all else
+      return Source.Resources;
+    default:
+      return Source.Structures;
+  }
 }
 
 void TUOImportFile::CreateEarly() {

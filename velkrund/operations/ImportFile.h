@@ -20,8 +20,9 @@ namespace velkrund {
 
 /// Imports a whole file: its structures and all else but what follows, then makes the tables that are missing, then
 /// loads the table data and query data, then creates the generators, views and procedures that the structures describe,
-/// unless a structure was left alone by an answer, or left out, or has failed, then imports the generator data.
-/// Progress counts the bytes of section bodies.
+/// unless a structure was left alone by an answer, or left out, or has failed, then imports the generator data, the
+/// languages, and the localized strings, which need their languages. Progress counts the bytes of section bodies: those
+/// of structures and rows, then those of languages and strings.
 ///
 /// Tables come after those that they refer to. Those that are tied to each other are loaded together or not at all: the
 /// error of one, or a wish to stop, takes all of them back.
@@ -55,6 +56,8 @@ class TUOImportFile : public TDatabaseUtilOperation {
     std::vector<int> Structures;  // all others
     std::vector<int> Tables;      // rows: table data and query data
     std::vector<int> Generators;
+    std::vector<int> Languages;
+    std::vector<int> Resources;  // localized strings
   };
 
   /// The run itself; EAbort is its cancelled result.
@@ -70,8 +73,10 @@ class TUOImportFile : public TDatabaseUtilOperation {
   bool ImportStructures(const TSource& Source);
   /// The rows of all files, as one plan, with the tables that are missing.
   bool ImportTables(const std::vector<TSource>& Sources);
-  /// The objects that structures describe, then where generators stand; the result of the run.
+  /// The objects that structures describe, then all that comes behind them; the result of the run.
   int FinishObjects(const std::vector<TSource>& Sources);
+  /// What comes behind all else: generators, languages, strings. False: cancelled.
+  bool ImportAllBehind(const std::vector<TSource>& Sources);
   /// Cancelled, now or earlier in this run.
   bool Stopping() { return FStopping = FStopping || IsCanceled(); }
   /// Within the handler of Error: traces it, and returns when a person wants to go on. Otherwise it raises. Key: of the
@@ -91,6 +96,8 @@ class TUOImportFile : public TDatabaseUtilOperation {
   int CreateObjects();
   void TellObjects();
   void TakeSections(TSource& Source);
+  static std::vector<int>& PlaceOf(TSource& Source, TSectionRole Role);
+  bool ImportBehind(const std::vector<TSource>& Sources, std::vector<int> TSource::*Sections);
   void CreateEarly();
   void WillCreate(int Type, const std::string& Name, const TEISection& Section);
   void MakeMissingTables(const std::vector<TSource>& Sources);

@@ -35,7 +35,10 @@ int TUOImportFiles::ImportSeveral() {
     if (!ImportStructures(Source)) return 0;
     EndPass();
   }
-  if (!fCreateDBStructures) return 0;
+  if (!fCreateDBStructures) {
+    ImportAllBehind(Sources);
+    return 0;
+  }
   BeginPass(TableBytes);
   if (!ImportTables(Sources)) return 0;
   EndPass();

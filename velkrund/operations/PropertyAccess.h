@@ -41,8 +41,10 @@ auto& OwnerIn(TObject& Object) {
   using TResult = std::conditional_t<std::is_const_v<TObject>, const TOwner, TOwner>;
   if constexpr (std::is_base_of_v<TUtilOperationInterface, TOwner>)
     return static_cast<TResult&>(Object);
-  else
+  else if constexpr (std::is_base_of_v<TUtilOperation, TOwner>)
     return static_cast<TResult&>(Object.Operation());
+  else  // a part that several operations have beside their base
+    return dynamic_cast<TResult&>(Object.Operation());
 }
 
 template <auto Getter>

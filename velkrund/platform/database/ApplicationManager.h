@@ -88,6 +88,8 @@ class TApplicationManager {
   /// The text of a message key in the user's language; without one its English text, then the key itself. Never touches
   /// a connection.
   virtual std::string LString(std::string_view Key) const = 0;
+  /// The same in English: for documents, traces and errors, which programs read too.
+  virtual std::string EnglishString(std::string_view Key) const { return LString(Key); }
   /// A line for the platform's trace. Never raises.
   virtual void WriteTrace(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept = 0;
   /// For whoever shows progress: what begins now takes its time, and there is nothing to count. Never raises.

@@ -1,6 +1,7 @@
 #include "velkrund/platform/database/EmptyTable.h"
 
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -9,7 +10,7 @@ namespace velkrund {
 std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
   // Not even that, of a table without rows: an engine can refuse the statement by itself, and triggers of it fire.
   if (!Table.HasRecords()) return 0;
-  BaseMng().Notice(Format("emptying the table '%s'", Table.TableName()));
+  BaseMng().Notice(LText("M_Velkrund_ComUtils_Emptying", Table.TableName()).Local());
   std::int64_t Deleted = 0;
   try {
     Deleted = BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "velkrund/platform/database/LText.h"
+
 namespace velkrund {
 
 /// A table that rows are to be loaded into.
@@ -54,7 +56,7 @@ class TTableLoading {
 
   /// What people should know of the groups that were ended whole: triggers that have fired, keys that could not be
   /// checked.
-  virtual const std::vector<std::string>& Remarks() const = 0;
+  virtual const std::vector<TLText>& Remarks() const = 0;
 };
 
 /// What databases ask of those who load tables.

@@ -49,9 +49,13 @@ constexpr std::string_view CodeWords[] = {
     "trigger-refused",
     "references",
     "structure-missing",
+    "language-missing",
     "blob-table",
     "structure",
     "no-words",
+    "catalogue",
+    "context-missing",
+    "fuzzy-entry",
 };
 
 template <typename T>
@@ -62,7 +66,7 @@ void FillOne(T& Known, const T& Other) {
 }  // namespace
 
 std::string_view ErrorCodeText(TErrorCode Code) {
-  static_assert(std::size(CodeWords) == static_cast<std::size_t>(TErrorCode::NoWords) + 1);
+  static_assert(std::size(CodeWords) == static_cast<std::size_t>(TErrorCode::FuzzyEntry) + 1);
   const auto Place = static_cast<std::size_t>(Code);
   return CodeWords[Place < std::size(CodeWords) ? Place : 0];
 }

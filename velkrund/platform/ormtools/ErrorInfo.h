@@ -47,9 +47,13 @@ enum class TErrorCode {
   TriggerRefused,
   References,  // rows would refer to nothing
   StructureMissing,
-  BLOBTable,  // in the value of a field: damaged, or of a newer layout
-  Structure,  // a stored structure, or the text of one
-  NoWords,    // the engine has none for a part of what is to be made
+  LanguageMissing,  // texts of a file are in one that the database does not have
+  BLOBTable,        // in the value of a field: damaged, or of a newer layout
+  Structure,        // a stored structure, or the text of one
+  NoWords,          // the engine has none for a part of what is to be made
+  Catalogue,        // of gettext: how it is written
+  ContextMissing,   // an entry of one has none, which would be the ID of its string
+  FuzzyEntry,       // of one: somebody has to look at it
 };
 
 /// The word of a code: "file-missing"; of a number that is no code "other".

@@ -18,7 +18,8 @@ TConfiguration ConfigurationFor(const TApplicationOptions& Options) {
 }
 
 TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, TRelations& Relations,
-                     TDictionary& Dictionary, TDicDBContainer& DicDatabases, TWindowSystem* Windows) {
+                     TDictionary& Dictionary, TDicDBContainer& DicDatabases, TLContainer& Localization,
+                     TWindowSystem* Windows) {
   TPlatform Result;
   Result.ApplicationManager = &Manager;
   Result.DSPContainer = &Structures;
@@ -26,17 +27,26 @@ TPlatform PlatformOf(TStandaloneManager& Manager, TStructureStore& Structures, T
   Result.Relations = &Relations;
   Result.Dictionary = &Dictionary;
   Result.DicDBContainer = &DicDatabases;
+  Result.LContainer = &Localization;
   return Result;
+}
+
+void SetTexts(TStandaloneManager& Manager) {
+  const auto In = [](std::string Language) {
+    return [Language = std::move(Language)](std::string_view Key) { return TDefaultTexts::Own().Find(Key, Language); };
+  };
+  Manager.SetLookUpText(In(TextLanguage(Manager.Configuration().Language)));
+  Manager.SetLookUpEnglish(In(std::string(EnglishTexts)));
 }
 
 }  // namespace
 
+TPlainTexts::TPlainTexts() { SetTexts(FManager); }
+
 TApplication::TApplication(const TApplicationOptions& Options, TWindowSystem* Windows)
     : FManager(ConfigurationFor(Options)),
-      FPlatform(PlatformOf(FManager, FStructures, FRelations, FDictionary, FDicDatabases, Windows)) {
-  FManager.SetLookUpText([Language = TextLanguage(FManager.Configuration().Language)](std::string_view Key) {
-    return TDefaultTexts::Own().Find(Key, Language);
-  });
+      FPlatform(PlatformOf(FManager, FStructures, FRelations, FDictionary, FDicDatabases, FLocalization, Windows)) {
+  SetTexts(FManager);
   StartModule();
   static std::once_flag Registered;
   std::call_once(Registered, &RegisterJobClasses);

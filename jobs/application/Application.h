@@ -6,9 +6,11 @@
 #include "standalone/databases/StandaloneManager.h"
 #include "standalone/dictionary/DicDatabase.h"
 #include "standalone/dictionary/StandaloneDictionary.h"
+#include "standalone/localization/LocalizationStore.h"
 #include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
 #include "velkrund/platform/installation/Platform.h"
+#include "velkrund/platform/ormtools/InstalledService.h"
 
 namespace velkrund {
 
@@ -29,10 +31,21 @@ class TApplication {
  private:
   TStandaloneManager FManager;
   TStructureStore FStructures{FManager.Databases()};
+  TLocalizationStore FLocalization{FManager.Databases()};
   TStandaloneRelations FRelations{FManager};
   TStandaloneDictionary FDictionary{FManager};
   TStandaloneDicDatabases FDicDatabases{FManager, FDictionary.Gaps()};
   TPlatformGuard FPlatform;
+};
+
+/// The texts alone, in the environment's language: for what a host says while no application runs.
+class TPlainTexts {
+ public:
+  TPlainTexts();
+
+ private:
+  TStandaloneManager FManager{TConfiguration()};
+  TServiceGuard<TApplicationManager> FGuard{&FManager};
 };
 
 /// The version of this build, such as "1.2.3".

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "velkrund/eif/EISource.h"
+#include "velkrund/platform/localization/LSection.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -13,16 +13,9 @@ namespace velkrund {
 /// A file of texts that is not as it has to be; the message names the line.
 VELKRUND_EXCEPTION(ETextsError, Exception);
 
-/// The texts of message keys, one per language, from the "LocalizedResource" sections of an export/import file:
-///
-///   SectionID = ST         header; Type = LocalizedResource, Version = 200, Encoding = UTF8
-///    [LANGUAGES]           body; the blanks count
-///     English
-///    [STRINGS]
-///     YES:                 the key is ST_YES
-///      English = '&Yes'    control characters and "#" as "#" and the four hexadecimal digits of a UTF-16 unit
-///
-/// Lines continued with "@" are refused. Constant once made, so that threads may share it.
+/// The texts of message keys, one per language, from the "LocalizedResource" sections of an export/import file, all of
+/// version 200 and in UTF-8. A key is the string's ID: the section's, "_" and the name. Constant once made, so that
+/// threads may share it.
 class TDefaultTexts {
  public:
   /// Raises ETextsError.
@@ -35,10 +28,12 @@ class TDefaultTexts {
   std::optional<std::string> Find(std::string_view Key, std::string_view Language) const;
 
  private:
-  class TReader;
+  void ReadSection(TEISource& Source, int Index);
 
-  std::map<std::pair<std::string, std::string>, std::string> FTexts;  // by key and language, both in lower case
+  TLSection FTexts;  // by key
 };
+
+inline constexpr std::string_view EnglishTexts = "English";
 
 /// The language of the user's texts, as they name it. Setting: as the configuration has it, such as "ru"; empty: the
 /// environment's (LC_ALL, LC_MESSAGES, LANG). All that is not Russian is English.

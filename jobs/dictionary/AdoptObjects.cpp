@@ -75,7 +75,7 @@ std::vector<TDescribedObject> TThis::DescribeAll() {
   const std::vector<TDefinedObject> Objects = ChosenObjects(All, Names, DatabaseText());
   RefuseInsides(Connection.Schema(), Objects, All);
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
-  BeginPart("the objects of the database", "objects", static_cast<std::int64_t>(Objects.size()));
+  BeginPart(LText("M_Velkrund_Jobs_ObjectsOfDatabase").Local(), "objects", static_cast<std::int64_t>(Objects.size()));
   std::int32_t Count = 0;
   std::vector<TDescribedObject> Result = Describer.Describe(Objects, [&](const TDefinedObject& Object) {
     if (IsCanceled()) throw EAbort("cancelled");
@@ -101,14 +101,12 @@ void TThis::Settle(const std::vector<TDescribedObject>& Described) {
   }
   const TExisting Existing = Policies.ExistingStructures;
   if (Existing == TExisting::Ask && !Met.empty() && !CanAsk())
-    throw EPolicyUnanswered(TPolicy::ExistingStructures,
-                            Format("Structures that describe what has changed: %s.", JoinedInShort(std::move(Met))));
+    throw EPolicyUnanswered(TPolicy::ExistingStructures, LText("M_Velkrund_Jobs_DescribeChanged", LJoinedInShort(Met)));
   TRepeatedQuestion Question;
   for (TAdoption& Adoption : FAdoptions) {
     if (Adoption.State != TState::Replaced || Existing == TExisting::Replace) continue;
     const bool Replaces = Existing == TExisting::Ask &&
-                          Question.Ask({Format("The structure %s describes what has changed. Replace it?",
-                                               StructureText(Adoption.Structure)),
+                          Question.Ask({LText("M_Velkrund_Jobs_ReplaceDescription", StructureText(Adoption.Structure)),
                                         {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel},
                                         TPolicy::ExistingStructures}) == TAnswer::Yes;
     if (!Replaces) Adoption.State = TState::LeftOut;

@@ -22,13 +22,15 @@ TAllowedGaps::~TAllowedGaps() {
   FDictionary.Gaps().TakeNoted();
 }
 
-std::vector<std::string> TAllowedGaps::TakeNotes() {
+std::vector<TLText> TAllowedGaps::TakeNotes() {
   std::map<std::string, int> Times;
-  std::vector<std::string> Texts, Result;
+  std::vector<std::string> Texts;
+  std::vector<TLText> Result;
   for (const TScriptGap& Gap : FDictionary.Gaps().TakeNoted())
     if (++Times[GapText(Gap)] == 1) Texts.push_back(GapText(Gap));
   for (const std::string& Text : Texts)
-    Result.push_back("not made: " + Text + (Times[Text] > 1 ? Format(" (%d times)", Times[Text]) : ""));
+    Result.push_back(Times[Text] == 1 ? LText("M_Velkrund_Jobs_NotMade", Text)
+                                      : LCounted("M_Velkrund_Jobs_NotMadeTimes", Times[Text], Text, Times[Text]));
   return Result;
 }
 

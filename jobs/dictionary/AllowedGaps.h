@@ -22,7 +22,7 @@ class TAllowedGaps {
 
   TStandaloneDictionary& Dictionary() const { return FDictionary; }
   /// What was left out since the last call, for people, each once with its number: "not made: the check 'C' ...".
-  std::vector<std::string> TakeNotes();
+  std::vector<TLText> TakeNotes();
 
  private:
   TStandaloneDictionary& FDictionary;

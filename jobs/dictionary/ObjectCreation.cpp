@@ -16,14 +16,12 @@ namespace velkrund {
 
 namespace {
 
-std::string_view KindOf(int ObjectType) {
-  if (ObjectType == GeneratorObjectType) return "generator";
-  return ObjectType == ViewObjectType ? "view" : "procedure";
+const char* KeyOf(int ObjectType) {
+  if (ObjectType == GeneratorObjectType) return "M_Velkrund_Jobs_TheGenerator";
+  return ObjectType == ViewObjectType ? "M_Velkrund_Jobs_TheView" : "M_Velkrund_Jobs_TheProcedure";
 }
 
-std::string TextOf(const TStructureId& Structure) {
-  return Format("the %s '%s'", KindOf(Structure.Type), Structure.Name);
-}
+TLText TextOf(const TStructureId& Structure) { return LText(KeyOf(Structure.Type), Structure.Name); }
 
 template <typename TDescription>
 TDescription Named(TDescription Description, const std::string& Name) {
@@ -70,8 +68,8 @@ const TObjectCreation::TEntry* TObjectCreation::Find(int Type, const std::string
   return Found == FEntries.end() ? nullptr : &*Found;
 }
 
-std::vector<std::string> TObjectCreation::Missing() const {
-  std::vector<std::string> Result;
+std::vector<TLText> TObjectCreation::Missing() const {
+  std::vector<TLText> Result;
   for (const TEntry& Entry : FEntries)
     if (!Entry.IsThere) Result.push_back(TextOf(Entry.Structure));
   return Result;
@@ -101,7 +99,7 @@ void TObjectCreation::Answer(TYesNoAsk& Ask) {
     Ask.FYes = Existing() != TExisting::Skip;
     return;
   }
-  const TAnswer Given = FQuestion.Ask({Ask.fAskCallbackString,
+  const TAnswer Given = FQuestion.Ask({TLText(Ask.fAskCallbackString),
                                        {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel},
                                        TPolicy::ExistingObjects});
   Ask.FYes = Given == TAnswer::Yes;
@@ -112,7 +110,7 @@ std::vector<TPlanStep> TObjectCreation::Steps() const {
   for (const TEntry& Entry : FEntries) {
     if (Entry.IsThere ? Existing() == TExisting::Skip : FDeclined) continue;
     if (Entry.Statements.empty())
-      Result.push_back({Format("%s %s", Entry.IsThere ? "change" : "make", TextOf(Entry.Structure))});
+      Result.push_back({Format("%s %s", Entry.IsThere ? "change" : "make", TextOf(Entry.Structure).English())});
     for (const TScriptStatement& Statement : Entry.Statements)
       Result.push_back({"make " + Statement.What, {}, Statement.Text});
   }
@@ -125,14 +123,13 @@ void TObjectCreation::Note(const TStructureId& Structure, TRecreateState State) 
 }
 
 void TObjectCreation::AddNotes(TOutcome& Outcome) const {
-  const auto Add = [&](const char* What, const std::vector<std::string>& Objects) {
-    if (!Objects.empty())
-      Outcome.Notes.push_back(
-          Format(What, Counted(static_cast<std::int64_t>(Objects.size()), "object"), Joined(Objects)));
+  const auto Add = [&](const char* Key, const std::vector<TLText>& Objects) {
+    const auto Count = static_cast<std::int64_t>(Objects.size());
+    if (Count > 0) Outcome.Notes.push_back(LCounted(Key, Count, Count, LJoined(Objects)));
   };
-  Add("made %s: %s", FMade);
-  Add("left %s as they are, since they are there already: %s", FLeft);
-  Add("stored the structures of %s only, which were not to be made: %s", FStored);
+  Add("M_Velkrund_Jobs_ObjectsMade", FMade);
+  Add("M_Velkrund_Jobs_ObjectsLeft", FLeft);
+  Add("M_Velkrund_Jobs_ObjectsStored", FStored);
 }
 
 }  // namespace velkrund

@@ -26,7 +26,7 @@ class TObjectCreation {
   /// Looks at a structure of such an object; others are passed over.
   void AddStructure(TInputFile& Input, int Index);
   /// Those that are not there: "the view 'V'".
-  std::vector<std::string> Missing() const;
+  std::vector<TLText> Missing() const;
   /// Those are not made.
   void Decline() { FDeclined = true; }
   /// Settles what Operation would ask; false: its object is not made.
@@ -53,7 +53,7 @@ class TObjectCreation {
   TLongNames& FLongNames;
   TRepeatedQuestion FQuestion;
   std::vector<TEntry> FEntries;
-  std::vector<std::string> FMade, FLeft, FStored;
+  std::vector<TLText> FMade, FLeft, FStored;
   bool FDeclined = false;
 };
 

@@ -177,22 +177,22 @@ void TTableCreation::Settle(TOutcome& Outcome) {
   }
   std::vector<std::string> Names;
   for (const TEntry* Table : Tables) Names.push_back(Table->Description.FullName());
-  Outcome.Notes.push_back(Format("not made, since that was declined: %s: %s",
-                                 Counted(static_cast<std::int64_t>(Names.size()), "table"), Joined(NamesOf(Names))));
+  const auto Count = static_cast<std::int64_t>(Names.size());
+  Outcome.Notes.push_back(LCounted("M_Velkrund_Jobs_TablesDeclined", Count, Count, Joined(NamesOf(Names))));
 }
 
 void TTableCreation::AskFor(const std::vector<TEntry*>& Tables) {
   FDeclined = FPolicies.CreateTables == TCreateTables::No;
   if (FPolicies.CreateTables != TCreateTables::Ask) return;
-  std::vector<std::string> Names;
-  for (const TEntry* Table : Tables) Names.push_back(Format("'%s'", Table->Description.FullName()));
-  const std::string What = Names.empty() ? "Objects" : "Tables";
-  for (std::string& Object : FObjects.Missing()) Names.push_back(std::move(Object));
-  const std::string Text =
-      Format("%s that are not there, and that structures describe: %s.", What, JoinedInShort(std::move(Names)));
+  std::vector<TLText> Names;
+  for (const TEntry* Table : Tables) Names.emplace_back(Format("'%s'", Table->Description.FullName()));
+  const char* const Key = Names.empty() ? "M_Velkrund_Jobs_MissingObjects" : "M_Velkrund_Jobs_MissingTables";
+  for (TLText& Object : FObjects.Missing()) Names.push_back(std::move(Object));
+  const TLText Text = LText(Key, LJoinedInShort(Names));
   if (!CanAsk()) throw EPolicyUnanswered(TPolicy::CreateTables, Text);
-  FDeclined =
-      Ask({Text + " Make them?", {TAnswer::Yes, TAnswer::No, TAnswer::Cancel}, TPolicy::CreateTables}) == TAnswer::No;
+  FDeclined = Ask({LText("M_Velkrund_Jobs_MakeThem", Text),
+                   {TAnswer::Yes, TAnswer::No, TAnswer::Cancel},
+                   TPolicy::CreateTables}) == TAnswer::No;
 }
 
 bool TTableCreation::IsReachable(const TDicForeignKey& Key) {
@@ -273,9 +273,11 @@ std::unique_ptr<TMissingTables> TTableCreation::Maker(TUtilOperation& Operation,
 
 void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
   if (!Stays) return;
-  if (!FMade.empty())
-    Outcome.Notes.push_back(Format("made %s, whose structures stay in the catalogue of the database: %s",
-                                   Counted(static_cast<std::int64_t>(FMade.size()), "table"), Joined(NamesOf(FMade))));
+  const auto Add = [&](const char* Key, const std::vector<std::string>& Tables) {
+    const auto Count = static_cast<std::int64_t>(Tables.size());
+    if (Count > 0) Outcome.Notes.push_back(LCounted(Key, Count, Count, Joined(NamesOf(Tables))));
+  };
+  Add("M_Velkrund_Jobs_TablesMade", FMade);
   FObjects.AddNotes(Outcome);
   FLongNames.AddNote(Outcome.Notes);
   std::vector<std::string> Waiting;
@@ -283,21 +285,10 @@ void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
     std::copy_if(FMade.begin(), FMade.end(), std::back_inserter(Waiting), [this](const std::string& Table) {
       return FDictionary.StageOf(FDatabaseName, Table) != TTableStage::Complete;
     });
-  if (!Waiting.empty())
-    Outcome.Notes.push_back(Format(
-        "warning: %s for indexes, references and triggers, which a later import of the file "
-        "makes: %s",
-        Waiting.size() == 1 ? "1 table waits" : Format("%d tables wait", Waiting.size()), Joined(NamesOf(Waiting))));
-  if (!FCompleted.empty())
-    Outcome.Notes.push_back(Format("completed %s that an earlier run had left without the last parts: %s",
-                                   Counted(static_cast<std::int64_t>(FCompleted.size()), "table"),
-                                   Joined(NamesOf(FCompleted))));
-  for (const std::string& Table : FUnchecked)
-    Outcome.Notes.push_back(
-        Format("the foreign keys of table '%s' hold for rows to come alone, since rows of it refer to "
-               "nothing",
-               Table));
-  for (std::string& Note : FGaps.TakeNotes()) Outcome.Notes.push_back(std::move(Note));
+  Add("M_Velkrund_Jobs_TablesWait", Waiting);
+  Add("M_Velkrund_Jobs_TablesCompleted", FCompleted);
+  for (const std::string& Table : FUnchecked) Outcome.Notes.push_back(LText("M_Velkrund_Jobs_Unchecked", Table));
+  for (TLText& Note : FGaps.TakeNotes()) Outcome.Notes.push_back(std::move(Note));
 }
 
 }  // namespace velkrund

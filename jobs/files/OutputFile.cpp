@@ -1,15 +1,11 @@
 #include "jobs/files/OutputFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <filesystem>
-#include <system_error>
 
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/files/StrayMarkers.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -93,7 +89,7 @@ void TOutputFile::RemoveUnlessUsed() {
     const std::unique_ptr<TFile> Locked = FFiles.Open(FName, TFileMode::ReadWrite);
     if (Locked->Size() == 0) FFiles.Remove(FName);
   } catch (const std::exception& Error) {
-    FComplain(Format("an empty file may be left: %s", Error.what()));
+    FComplain(LText("M_Velkrund_Jobs_EmptyFileMayBe", Error.what()).Local());
   }
 }
 
@@ -109,7 +105,7 @@ TOutputFile::~TOutputFile() {
   try {
     FFiles.Remove(FName);  // still locked
   } catch (const std::exception& Error) {
-    FComplain(Format("an empty file is left: %s", Error.what()));
+    FComplain(LText("M_Velkrund_Jobs_EmptyFileIs", Error.what()).Local());
   }
 }
 
@@ -122,23 +118,7 @@ void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCancel
     FCreated = false;
   }
   if (!FSpool || FFile->Sections().Count() == 0) return;
-  if (FName == "-") {
-    FSpool->DrainTo(STDOUT_FILENO, "standard output", Canceled);
-    return;
-  }
-  const int Descriptor = open(FName.c_str(), O_WRONLY | O_CLOEXEC);
-  if (Descriptor < 0) {
-    const int Error = errno;
-    throw EFOpenError(Format("Cannot open file '%s': %s", FName, std::generic_category().message(Error)),
-                      {.Code = FileErrorCode(Error), .File = FName});
-  }
-  try {
-    FSpool->DrainTo(Descriptor, FName, Canceled);
-  } catch (...) {
-    close(Descriptor);
-    throw;
-  }
-  close(Descriptor);
+  FSpool->DrainToName(FName, Canceled);
 }
 
 }  // namespace velkrund

@@ -21,6 +21,26 @@ std::string ContentText(const TEISectionList& Sections) {
   return "it holds " + JoinedInShort(std::move(Texts));
 }
 
+/// In messages behind "without".
+TLText LContentText(const TSectionChoice& Choice) {
+  switch (Choice.Role) {
+    case TSectionRole::TableData:
+      return LText("M_Velkrund_Jobs_TableData");
+    case TSectionRole::QueryData:
+      return LText("M_Velkrund_Jobs_QueryData");
+    case TSectionRole::GeneratorData:
+      return LText("M_Velkrund_Jobs_GeneratorData");
+    case TSectionRole::Structure:
+      return LText("M_Velkrund_Jobs_Structure");
+    case TSectionRole::Resource:
+      return LText("M_Velkrund_Jobs_Resource");
+    case TSectionRole::Language:
+      return LText("M_Velkrund_Jobs_Language");
+    default:
+      return Choice.Content;
+  }
+}
+
 }  // namespace
 
 bool IsTableData(const TEISection& Section) { return Section.ObjectClass.Role() == TSectionRole::TableData; }
@@ -28,6 +48,11 @@ bool IsTableData(const TEISection& Section) { return Section.ObjectClass.Role() 
 std::string SectionText(const TEISectionList& Sections, int Index) {
   const TEISection& Section = Sections[Index];
   return Format("section %d '%s' (%s)", Index, Section.Name(), Section.TypeName());
+}
+
+TLText LSectionText(const TEISectionList& Sections, int Index) {
+  const TEISection& Section = Sections[Index];
+  return LText("M_Velkrund_Jobs_SectionText", Index, Section.Name(), Section.TypeName());
 }
 
 std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string& Name) {
@@ -60,7 +85,7 @@ int TheSection(const TEISectionList& Sections, const std::string& Text, const st
 }
 
 std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
-                                std::vector<std::string>& Notes) {
+                                std::vector<TLText>& Notes) {
   const auto Fits = [&](int Index) { return Sections[Index].ObjectClass.Role() == Choice.Role; };
   std::vector<int> Result;
   for (const std::string& Text : Choice.Texts) {
@@ -69,20 +94,20 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
       throw EEIError(Format("In '%s' %s holds no %s", Choice.FileName, SectionText(Sections, Index), Choice.Content));
     if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
   }
-  std::vector<std::string> Others;
+  std::vector<TLText> Others;
   for (int Index = 0; Choice.Texts.empty() && Index < Sections.Count(); ++Index) {
     if (Fits(Index))
       Result.push_back(Index);
     else
-      Others.push_back(SectionText(Sections, Index));
+      Others.push_back(LSectionText(Sections, Index));
   }
   if (Result.empty())
     throw EEIError(Format("'%s' holds no %s section: %s", Choice.FileName, Choice.Content, ContentText(Sections)),
                    {.Code = TErrorCode::SectionMissing, .File = Choice.FileName});
   if (!Others.empty()) {
-    const std::string Count = Counted(static_cast<std::int64_t>(Others.size()), "section");
-    Notes.push_back(Format("left out %s of '%s' without %s: %s", Count, Choice.FileName, Choice.Content,
-                           JoinedInShort(std::move(Others))));
+    const auto Count = static_cast<std::int64_t>(Others.size());
+    Notes.push_back(LCounted("M_Velkrund_Jobs_OtherSections", Count, Count, Choice.FileName, LContentText(Choice),
+                             LJoinedInShort(Others)));
   }
   return Result;
 }

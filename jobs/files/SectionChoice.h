@@ -5,12 +5,14 @@
 #include <vector>
 
 #include "velkrund/eif/EISource.h"
+#include "velkrund/platform/database/LText.h"
 
 namespace velkrund {
 
 bool IsTableData(const TEISection& Section);
 /// "section 3 'ORDERS' (TableData)".
 std::string SectionText(const TEISectionList& Sections, int Index);
+TLText LSectionText(const TEISectionList& Sections, int Index);
 
 /// The sections of that name, ignoring case.
 std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string& Name);
@@ -28,7 +30,7 @@ struct TSectionChoice {
 /// The indexes of the sections, each once. Notes: gets a line about the other sections when all were chosen. Raises
 /// EEIError when there is none, or one that was named has another role.
 std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionChoice& Choice,
-                                std::vector<std::string>& Notes);
+                                std::vector<TLText>& Notes);
 
 /// The table that a table data section names; empty when it names none.
 std::string TableOf(const TEISection& Section);

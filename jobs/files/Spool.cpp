@@ -1,5 +1,6 @@
 #include "jobs/files/Spool.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -102,6 +103,23 @@ void TSpool::DrainTo(int Descriptor, const std::string& Name, const TCanceled& C
     WriteToDescriptor(Descriptor, {Block.data(), Got}, Name, Canceled);
     Position += static_cast<std::int64_t>(Got);
   }
+}
+
+void TSpool::DrainToName(const std::string& Name, const TCanceled& Canceled) {
+  if (Name == "-") return DrainTo(STDOUT_FILENO, "standard output", Canceled);
+  const int Descriptor = open(Name.c_str(), O_WRONLY | O_CLOEXEC);
+  if (Descriptor < 0) {
+    const int Error = errno;
+    throw EFOpenError(Format("Cannot open file '%s': %s", Name, Reason(Error)),
+                      {.Code = FileErrorCode(Error), .File = Name});
+  }
+  try {
+    DrainTo(Descriptor, Name, Canceled);
+  } catch (...) {
+    close(Descriptor);
+    throw;
+  }
+  close(Descriptor);
 }
 
 std::unique_ptr<TFile> TSpool::Open(const std::string&, TFileMode) { return std::make_unique<TLentFile>(*FFile); }

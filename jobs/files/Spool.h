@@ -24,6 +24,9 @@ class TSpool final : public TFileSystem {
   /// Writes everything into a descriptor.
   void DrainTo(int Descriptor, const std::string& Name, const TCanceled& Canceled);
 
+  /// The same into what a name means: "-" is standard output, anything else a pipe or device. EFOpenError.
+  void DrainToName(const std::string& Name, const TCanceled& Canceled);
+
   // TFileSystem
   std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override;
   bool Exists(const std::string& Path) override;

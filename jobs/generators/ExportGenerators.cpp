@@ -31,7 +31,7 @@ std::vector<TItem> TJobExportGenerators::PlanItems() {
   const auto Generators = GeneratorsOf(Manager().Databases().Connection(DatabaseName), Gaps);
   std::vector<std::string> Known;
   for (const TDicGeneratorDescription& Generator : Generators->List()) Known.push_back(Generator.FullName());
-  if (Names.empty() && Known.empty()) FOutcome.Notes.emplace_back("there are no generators");
+  if (Names.empty() && Known.empty()) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_NoGenerators"));
   std::vector<TItem> Result;
   std::set<std::string> Seen;
   for (const std::string& Name : Names.empty() ? Known : Names) {

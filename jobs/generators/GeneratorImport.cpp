@@ -52,8 +52,8 @@ void TGeneratorImport::End(TItem& Item, const TEIObject* Object) {
     return;
   }
   Item.State = TItemState::LeftOut;
-  Item.Note = Data->StartValue < TEIGeneratorData::LeastStartValue ? "left as it is: below 2 nothing is set"
-                                                                   : "left as it is: it stands further already";
+  Item.Note = LText(Data->StartValue < TEIGeneratorData::LeastStartValue ? "M_Velkrund_Jobs_GeneratorBelow"
+                                                                         : "M_Velkrund_Jobs_GeneratorFurther");
 }
 
 }  // namespace velkrund

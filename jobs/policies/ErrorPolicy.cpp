@@ -4,7 +4,7 @@
 
 namespace velkrund {
 
-bool TErrorPolicy::GoOn(const std::string& Text) {
+bool TErrorPolicy::GoOn(const TLText& Text) {
   if (FOnError != TOnError::Ask) return FOnError == TOnError::Continue;
   switch (Ask({Text, {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::Cancel}, TPolicy::OnError})) {
     case TAnswer::All:

@@ -12,7 +12,7 @@ class TErrorPolicy {
   explicit TErrorPolicy(TOnError OnError) : FOnError(OnError) {}
 
   /// Whether to go on. Text: what is asked. Raises EAbort on Cancel, EPolicyUnanswered when nobody can answer.
-  bool GoOn(const std::string& Text);
+  bool GoOn(const TLText& Text);
 
  private:
   TOnError FOnError;  // Continue once a person has answered for all

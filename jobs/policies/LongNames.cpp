@@ -4,15 +4,13 @@
 #include "velkrund/operations/NameLengths.h"
 #include "velkrund/platform/dictionary/TableDescription.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
-#include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
 template <typename TAskCancel>
 bool TLongNames::Decide(const std::string& Name, TAskCancel AskCancel) {
   const auto Unanswered = [&] {
-    return EPolicyUnanswered(TPolicy::LongNames, Format("The name '%s' is longer than some databases take.", Name));
+    return EPolicyUnanswered(TPolicy::LongNames, LText("M_Velkrund_Jobs_LongName", Name));
   };
   bool Keeps = FPolicy == TLongNamePolicy::Keep;
   if (FPolicy == TLongNamePolicy::Ask) {
@@ -37,11 +35,9 @@ bool TLongNames::MayMakeView(const std::string& ViewName) {
   return !IsLongNameView(ViewName) || Decide(ViewName, [&] { return AskCancelCreateLongNameView(ViewName); });
 }
 
-void TLongNames::AddNote(std::vector<std::string>& Notes) const {
-  if (!FKept.empty())
-    Notes.push_back(Format("%s longer than some databases take: %s",
-                           FKept.size() == 1 ? "1 name is" : Format("%d names are", FKept.size()),
-                           JoinedInShort(FKept)));
+void TLongNames::AddNote(std::vector<TLText>& Notes) const {
+  const auto Count = static_cast<std::int64_t>(FKept.size());
+  if (Count > 0) Notes.push_back(LCounted("M_Velkrund_Jobs_LongNames", Count, Count, LJoinedInShort(FKept)));
 }
 
 }  // namespace velkrund

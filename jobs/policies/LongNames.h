@@ -22,7 +22,7 @@ class TLongNames {
   /// The long names of what may be made, in order.
   const std::vector<std::string>& Kept() const { return FKept; }
   /// Says how many those are, for people; nothing when there are none.
-  void AddNote(std::vector<std::string>& Notes) const;
+  void AddNote(std::vector<TLText>& Notes) const;
 
  private:
   template <typename TAskCancel>

@@ -49,6 +49,10 @@ std::string_view Remedy(TPolicy Policy) {
       return "Set ExistingStructures to replace, to update or to skip";
     case TPolicy::ExistingObjects:
       return "Set ExistingObjects to replace or to skip";
+    case TPolicy::ExistingTexts:
+      return "Set ExistingTexts to replace or to skip";
+    case TPolicy::ExistingFiles:
+      return "Set ExistingFiles to replace or to skip";
     case TPolicy::OnError:
       return "Set OnError to continue or to stop";
     case TPolicy::CreateTables:
@@ -65,8 +69,8 @@ std::string_view Remedy(TPolicy Policy) {
   return "Set Yes to true";
 }
 
-EPolicyUnanswered::EPolicyUnanswered(TPolicy Policy, const std::string& Stakes)
-    : EQuestionUnanswered(Format("%s %s; nobody can be asked", Stakes, Remedy(Policy))),
+EPolicyUnanswered::EPolicyUnanswered(TPolicy Policy, const TLText& Stakes)
+    : EQuestionUnanswered(Format("%s %s; nobody can be asked", Stakes.English(), Remedy(Policy))),
       FPolicy(Policy),
       FStakes(Stakes) {}
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -67,6 +68,8 @@ struct TPolicies {
   TExisting ExistingRows = TExisting::Ask;
   TExisting ExistingSections = TExisting::Ask;
   TExisting ExistingStructures = TExisting::Ask;
+  TExisting ExistingTexts = TExisting::Ask;    // localized texts, and what languages are called: Skip or Replace
+  TExisting ExistingFiles = TExisting::Ask;    // that are made afresh: Skip or Replace
   TExisting ExistingObjects = TExisting::Ask;  // tables, views and others that are made anew: Skip or Replace
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
@@ -93,6 +96,8 @@ enum class TPolicy {
   ExistingSections,
   ExistingStructures,
   ExistingObjects,
+  ExistingTexts,
+  ExistingFiles,
   OnError,
   CreateTables,
   LongNames,
@@ -106,15 +111,15 @@ enum class TPolicy {
 class EPolicyUnanswered final : public EQuestionUnanswered {
  public:
   /// Stakes: a sentence that says what is at stake: "Table 'ORDERS' has 3 rows."
-  EPolicyUnanswered(TPolicy Policy, const std::string& Stakes);
+  EPolicyUnanswered(TPolicy Policy, const TLText& Stakes);
   const char* ClassName() const noexcept override { return "EPolicyUnanswered"; }
 
   TPolicy Policy() const { return FPolicy; }
-  const std::string& Stakes() const { return FStakes; }
+  const TLText& Stakes() const { return FStakes; }
 
  private:
   TPolicy FPolicy;
-  std::string FStakes;
+  TLText FStakes;
 };
 
 /// Whether an error is that something has no words, all of which may be missing.

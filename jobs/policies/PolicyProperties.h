@@ -36,6 +36,12 @@ struct TPolicyProperties {
       StructureChoices);
   static constexpr TProperty ExistingObjects = ChoiceOf<Record, &TPolicies::ExistingObjects>(
       "ExistingObjects", "what is in the database already: ask, leave it as it is, make it anew", ObjectChoices);
+  static constexpr TProperty ExistingTexts = ChoiceOf<Record, &TPolicies::ExistingTexts>(
+      "ExistingTexts", "a localized text, or a language of other names, that is there: ask, keep it, replace it",
+      ObjectChoices);
+  static constexpr TProperty ExistingFiles = ChoiceOf<Record, &TPolicies::ExistingFiles>(
+      "ExistingFiles", "a file that is there and would be made afresh: ask, leave it as it is, replace it",
+      ObjectChoices);
   static constexpr TProperty OnError = ChoiceOf<Record, &TPolicies::OnError>(
       "OnError", "after something failed: ask, go on with the next one, stop", ErrorChoices);
   static constexpr TProperty MissingFields = ChoiceOf<Record, &TPolicies::MissingFields>(

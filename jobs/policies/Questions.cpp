@@ -27,7 +27,7 @@ const TAnswerButton& ButtonOf(TAnswer Answer) { return AnswerButtons[static_cast
 }  // namespace
 
 TQuestionForm::TQuestionForm(const TQuestion& Question) {
-  FTextLabel.Caption = Question.Text;
+  FTextLabel.Caption = Question.Text.Local();
   for (const TAnswer Answer : Question.Answers) {
     const TAnswerButton& Made = ButtonOf(Answer);
     FButtons.push_back(std::make_unique<TLButton>(*this, Made.Name, Made.CaptionKey));

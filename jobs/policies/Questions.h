@@ -1,7 +1,9 @@
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "jobs/policies/Policies.h"
@@ -13,7 +15,13 @@ namespace velkrund {
 enum class TAnswer { Yes, No, All, None, Append, Cancel };
 
 struct TQuestion {
-  std::string Text;
+  TQuestion(TLText Asked, std::vector<TAnswer> Given, TPolicy Decides)
+      : Text(std::move(Asked)), Answers(std::move(Given)), Policy(Decides) {}
+  /// Nobody is asked in English under buttons of another language: a question comes from a message key.
+  template <std::convertible_to<std::string> TWords>
+  TQuestion(TWords&&, std::vector<TAnswer>, TPolicy) = delete;
+
+  TLText Text;
   std::vector<TAnswer> Answers;  // those that make sense; Cancel is always one
   TPolicy Policy;                // that would have answered it
 };

@@ -119,7 +119,7 @@ bool TThis::Exists(const TRecreation& Item) {
 void TThis::Check(TRecreation& Item) {
   if (Kind != TRecreatedKind::View || LongNames().MayMakeView(Item.Structure.Name)) return;
   Item.State = TItemState::LeftOut;
-  Item.Note = "its name is long";
+  Item.Note = LText("M_Velkrund_Jobs_NameIsLong");
 }
 
 std::vector<TRecreation*> TThis::Waiting() {

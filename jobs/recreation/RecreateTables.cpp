@@ -90,7 +90,7 @@ void TThis::Check(TRecreation& Item) {
   Prepare(Item.Structure.Name, TNotes::Later);
   if (LongNames().MayMakeTable(Prepared(Item.Structure.Name).New)) return;
   Item.State = TItemState::LeftOut;
-  Item.Note = "its name is long";
+  Item.Note = LText("M_Velkrund_Jobs_NameIsLong");
 }
 
 /// Looks at the table and its structure as they are now. Notes: tells what goes with the old table.
@@ -138,14 +138,12 @@ void TThis::CheckAll() {
 
 void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes) {
   const TTableChanges Changes = ChangesOf(Connection().Definitions().Table(*Table.Info, {}), Table.New, Table.Fields);
-  const auto Tell = [&](const std::string& Text) {
+  const auto Tell = [&](const TLText& Text) {
     if (Notes == TNotes::Now) Remark(Name, Text);
   };
-  for (const std::string& Gone : Changes.Gone)
-    Tell(Format("gone from table '%s', since its structure does not have it: %s", Name, Gone));
+  for (const std::string& Gone : Changes.Gone) Tell(LText("M_Velkrund_Jobs_GoneFromTable", Name, Gone));
   if (DropData || !Connection().Schema().HasRows(*Table.Info)) return;
-  for (const std::string& Field : Changes.Unzoned)
-    Tell(Format("the moments of field '%s' of table '%s' are texts in UTC now, without a zone", Field, Name));
+  for (const std::string& Field : Changes.Unzoned) Tell(LText("M_Velkrund_Jobs_Unzoned", Field, Name));
   if (!Changes.LostFields.empty()) {
     const std::string Lost = Quoted(Changes.LostFields);
     if (Policies.MissingFields == TMissingFields::Refuse)
@@ -153,7 +151,7 @@ void TThis::CheckRows(const std::string& Name, const TTable& Table, TNotes Notes
                                   "name now",
                                   Name, Lost),
                            {.Code = TErrorCode::FieldMissing, .Table = Name, .Column = Changes.LostFields.front()});
-    Tell(Format("dropped from table '%s' with their values: %s", Name, Lost));
+    Tell(LText("M_Velkrund_Jobs_FieldsDropped", Name, Lost));
   }
   if (!Changes.Unfilled.empty())
     throw EDatabaseError(
@@ -278,12 +276,10 @@ void TThis::RefuseLost(const TUORecreateTable& Operation) {
                "the values of %s. Map what has another name now",
                Operation.TableName, Lost),
         {.Code = TErrorCode::FieldMissing, .Table = Operation.TableName, .Column = *Operation.LostFields().begin()});
-  Remark(Operation.TableName,
-         Format("dropped with their values from the tables inside the BLOB fields of table '%s': %s",
-                Operation.TableName, Lost));
+  Remark(Operation.TableName, LText("M_Velkrund_Jobs_InsideDropped", Operation.TableName, Lost));
 }
 
-void TThis::Remark(const std::string& Name, const std::string& Text) {
+void TThis::Remark(const std::string& Name, const TLText& Text) {
   Find({TableObjectType, Name})->Remarks.push_back(Text);
 }
 
@@ -291,7 +287,7 @@ void TThis::Finish(const TUORecreateTable& Operation) {
   TRecreation& Item = *Find({TableObjectType, Operation.TableName});
   if (Operation.End() == TUORecreateTable::TEnd::LeftAlone) {
     Item.State = TItemState::LeftOut;
-    Item.Note = "somebody else has made it meanwhile";
+    Item.Note = LText("M_Velkrund_Jobs_MadeMeanwhile");
     return;
   }
   Item.State = TItemState::Done;

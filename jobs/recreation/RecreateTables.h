@@ -56,7 +56,7 @@ class TJobRecreateTables final : public TRecreationJob {
   void Prepare(const std::string& Name, TNotes Notes);
   void TakeMapping(const std::string& Name, TTable& Table);
   void CheckRows(const std::string& Name, const TTable& Table, TNotes Notes);
-  void Remark(const std::string& Name, const std::string& Text);
+  void Remark(const std::string& Name, const TLText& Text);
   std::unique_ptr<TSurroundings> Locked(const std::string& Name);
   void CheckReferences(const std::string& Name, const TTable& Table);
   void AddBehindParents(const std::string& Name, std::vector<std::string>& Meant, int Depth = 0);

@@ -18,7 +18,7 @@ namespace {
 TDocument ItemDocument(const TRecreation& Item) {
   TDocument Result = StructureDocument(Item.Structure);
   Result.Set("state", StateText(Item.State)).Set("existed", Item.IsThere);
-  if (!Item.Note.empty()) Result.Set("reason", Item.Note);
+  if (!Item.Note.Empty()) Result.Set("reason", Item.Note.English());
   if (Item.Error) Result.Set("error", ErrorDocument(*Item.Error));
   Result.Set("rows", Item.Rows).Set("rowsDropped", Item.RowsDropped);
   return Result;
@@ -110,13 +110,13 @@ bool TRecreationJob::Look(TRecreation& Item) {
 void TRecreationJob::AskFor(TRecreation& Item) {
   if (!Item.IsThere || Policies.ExistingObjects == TExisting::Replace) return;
   if (Policies.ExistingObjects == TExisting::Ask) {
-    const std::string Text = Format(Manager().LString(OverwriteKey()), Item.Structure.Name);
-    const TAnswer Answer = FQuestion.Ask(
-        {Text, {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel}, TPolicy::ExistingObjects});
+    const TAnswer Answer = FQuestion.Ask({LText(OverwriteKey(), Item.Structure.Name),
+                                          {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel},
+                                          TPolicy::ExistingObjects});
     if (Answer == TAnswer::Yes) return;
   }
   Item.State = TItemState::LeftOut;
-  Item.Note = "it is there already";
+  Item.Note = LText("M_Velkrund_Jobs_IsThere");
 }
 
 void TRecreationJob::Run() {
@@ -143,9 +143,9 @@ void TRecreationJob::RunWhole(TAllowedGaps& Gaps) {
     return TakeBack();
   }
   if (IsCanceled()) throw EAbort("cancelled");
-  for (std::string& Text : Gaps.TakeNotes())
+  for (TLText& Text : Gaps.TakeNotes())
     // What waits meanwhile lacks the same.
-    if (Text.find(TemporaryTableName) == Text.npos) Note(std::move(Text));
+    if (Text.English().find(TemporaryTableName) == std::string::npos) Note(std::move(Text));
   if (Policies.DryRun) return LeaveAll();
   // To commit nothing would be no difference.
   if (Count(TItemState::Done) > 0) Commit(Whole);
@@ -172,7 +172,7 @@ void TRecreationJob::Commit(TTransaction& Whole) {
 void TRecreationJob::TellRemarks() {
   for (TRecreation& Item : FItems)
     if (Item.State == TItemState::Done || Policies.DryRun)
-      for (std::string& Remark : Item.Remarks) Note(std::move(Remark));
+      for (TLText& Remark : Item.Remarks) Note(std::move(Remark));
 }
 
 void TRecreationJob::LeaveAll() {
@@ -180,14 +180,14 @@ void TRecreationJob::LeaveAll() {
   for (TRecreation& Item : FItems) {
     if (Item.State != TItemState::NotReached) continue;
     Item.State = TItemState::LeftOut;
-    Item.Note = "nothing is changed in a dry run";
+    Item.Note = LText("M_Velkrund_Jobs_NothingChanged");
   }
 }
 
 void TRecreationJob::TakeBack() {
   for (TRecreation& Item : FItems)
     if (Item.State == TItemState::Done) Item.State = TItemState::TakenBack;
-  Note("the database is as it was before");
+  Note(LText("M_Velkrund_Jobs_DatabaseAsBefore"));
 }
 
 void TRecreationJob::Fail(TRecreation& Item, const std::exception_ptr& Error) {
@@ -203,8 +203,8 @@ bool TRecreationJob::MayGoOn(const TRecreation& Failed) {
   });
   if (IsLast) return true;
   try {
-    const std::string Question = Manager().LString("M_Velkrund_DicUtils_ContinueRecreate");
-    return FErrors->GoOn(Listener ? Question : ErrorLine(*Failed.Error) + "\r\n" + Question);
+    const TLText Question = LText("M_Velkrund_DicUtils_ContinueRecreate");
+    return FErrors->GoOn(Listener ? Question : LErrorLine(*Failed.Error) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
     return false;
@@ -231,7 +231,7 @@ std::exception_ptr TRecreationJob::Failure() const {
 void TRecreationJob::Describe(TDocument& Document) const {
   TDocument Objects = TDocument::List();
   for (const TRecreation& Item : FItems) Objects.Add(ItemDocument(Item));
-  Document.Set("database", DatabaseText()).Set("objects", std::move(Objects)).Set("notes", FNotes);
+  Document.Set("database", DatabaseText()).Set("objects", std::move(Objects)).Set("notes", EnglishOf(FNotes));
 }
 
 }  // namespace velkrund

@@ -22,10 +22,10 @@ struct TRecreation {
   TStructureId Structure;
   TItemState State = TItemState::NotReached;
   bool IsThere = false;                   // before the run
-  std::string Note = {};                  // why it was left out
+  TLText Note = {};                       // why it was left out
   std::optional<std::int64_t> Rows = {};  // carried over, of a table
   std::optional<std::int64_t> RowsDropped = {};
-  std::vector<std::string> Remarks = {};  // what goes or changes with it; notes of the run, once that stays
+  std::vector<TLText> Remarks = {};  // what goes or changes with it; notes of the run, once that stays
   std::optional<TErrorFacts> Error = {};
 };
 
@@ -37,7 +37,7 @@ class TRecreationJob : public TPolicyJob {
   std::vector<std::string> Names;  // of structures, in any case
 
   const std::vector<TRecreation>& Items() const { return FItems; }
-  const std::vector<std::string>& Notes() const { return FNotes; }
+  const std::vector<TLText>& Notes() const { return FNotes; }
   int Count(TItemState State) const;
   void CheckSettings() const override;
 
@@ -64,7 +64,7 @@ class TRecreationJob : public TPolicyJob {
   std::exception_ptr Failure() const override;
   std::string_view Schema() const override { return "recreation"; }
   void Describe(TDocument& Document) const override;
-  void Warn(const std::string& Text) override { FNotes.push_back("warning: " + Text); }
+  void Warn(const std::string& Text) override { FNotes.push_back(LText("M_Velkrund_Jobs_Warning", Text)); }
 
   /// Names in any case.
   TRecreation* Find(const TStructureId& Structure);
@@ -72,7 +72,7 @@ class TRecreationJob : public TPolicyJob {
   void Fail(TRecreation& Item, const std::exception_ptr& Error);
   /// Behind Fail: whether the others are gone on with.
   bool MayGoOn(const TRecreation& Failed);
-  void Note(std::string Text) { FNotes.push_back(std::move(Text)); }
+  void Note(TLText Text) { FNotes.push_back(std::move(Text)); }
   TLongNames& LongNames() { return *FLongNames; }
   TConnection& Connection() const { return Manager().Databases().Connection(DatabaseName); }
 
@@ -88,7 +88,7 @@ class TRecreationJob : public TPolicyJob {
   void TakeBack();
 
   std::vector<TRecreation> FItems;
-  std::vector<std::string> FNotes;
+  std::vector<TLText> FNotes;
   std::exception_ptr FFirstError;
   std::optional<TErrorPolicy> FErrors;
   std::optional<TLongNames> FLongNames;

@@ -33,30 +33,30 @@ std::size_t LongValueAt(const TErrorFacts& Facts) {
 }
 
 /// What the message does not say itself.
-std::string PlaceText(const TErrorFacts& Facts) {
+TLText PlaceText(const TErrorFacts& Facts) {
   const TErrorInfo& Info = Facts.Info;
-  std::vector<std::string> Parts;
-  const auto Add = [&](const char* What, const std::string& Text) {
-    if (!Text.empty() && !Names(Facts.Message, Text)) Parts.push_back(Format("%s %s", What, Text));
+  std::vector<TLText> Parts;
+  const auto Add = [&](const char* Key, const std::string& Text) {
+    if (!Text.empty() && !Names(Facts.Message, Text)) Parts.push_back(LText(Key, Text));
   };
   if (Info.Code == TErrorCode::DatabaseReadOnly && !Says(Facts.Message, Info.Database))
-    Parts.push_back("database " + Info.Database);
-  Add("table", Info.Table);
-  if (Info.Line == 0 && !Says(Facts.Message, Info.Section)) Add("section", Info.Section);
-  Add("field", Info.Column);
-  if (!Says(Facts.Message, Info.Structure)) Add("structure", Info.Structure);
-  Add("node", Info.Node);
+    Parts.push_back(LText("M_Velkrund_Jobs_AtDatabase", Info.Database));
+  Add("M_Velkrund_Jobs_AtTable", Info.Table);
+  if (Info.Line == 0 && !Says(Facts.Message, Info.Section)) Add("M_Velkrund_Jobs_AtSection", Info.Section);
+  Add("M_Velkrund_Jobs_AtField", Info.Column);
+  if (!Says(Facts.Message, Info.Structure)) Add("M_Velkrund_Jobs_AtStructure", Info.Structure);
+  Add("M_Velkrund_Jobs_AtNode", Info.Node);
   const std::string Record = std::to_string(Info.Record);
   const bool SaysRecord = Says(Facts.Message, "record " + Record) || Says(Facts.Message, "Record:" + Record);
-  if (Info.Record > 0 && !SaysRecord) Parts.push_back("record " + Record);
+  if (Info.Record > 0 && !SaysRecord) Parts.push_back(LText("M_Velkrund_Jobs_AtRecord", Info.Record));
   if (!Info.Value.empty() && !Says(Facts.Message, Info.Value) && LongValueAt(Facts) == std::string::npos)
-    Parts.push_back("value " + Info.Value);
-  return Joined(Parts);
+    Parts.push_back(LText("M_Velkrund_Jobs_AtValue", Info.Value));
+  return LJoined(Parts);
 }
 
 }  // namespace
 
-std::string ErrorLine(const TErrorFacts& Facts) {
+TLText LErrorLine(const TErrorFacts& Facts) {
   const TErrorInfo& Info = Facts.Info;
   std::string Result;
   if (!Info.File.empty() && (Info.Line > 0 || !Names(Facts.Message, Info.File))) {
@@ -67,9 +67,12 @@ std::string ErrorLine(const TErrorFacts& Facts) {
   if (Facts.Message.starts_with(Result)) Result.clear();  // it says so itself
   const std::size_t LongValue = LongValueAt(Facts);
   Result += LongValue == std::string::npos ? Facts.Message : Facts.Message.substr(0, LongValue) + Info.Value;
-  if (const std::string Place = PlaceText(Facts); !Place.empty()) Result += Format(" (%s)", Place);
-  return Unbroken(Result);
+  const TLText Place = PlaceText(Facts);
+  if (Place.Empty()) return Unbroken(Result);
+  return {Unbroken(Format("%s (%s)", Result, Place.Local())), Unbroken(Format("%s (%s)", Result, Place.English()))};
 }
+
+std::string ErrorLine(const TErrorFacts& Facts) { return LErrorLine(Facts).English(); }
 
 std::string ErrorDetails(const TErrorFacts& Facts) {
   std::string Result = Format("  class %s, code %s", Facts.ClassName, ErrorCodeText(Facts.Info.Code));

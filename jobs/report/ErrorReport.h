@@ -9,6 +9,8 @@ namespace velkrund {
 
 /// An error for people, on one line: "FILE:LINE: ", the message unchanged, then in brackets what is known of the place
 /// and does not stand in the message. No names of classes.
+TLText LErrorLine(const TErrorFacts& Facts);
+/// In English, for logs.
 std::string ErrorLine(const TErrorFacts& Facts);
 
 /// The rest, for who looks for the cause: class, code, the engine's code, the statement unless the message has it, and

@@ -10,6 +10,7 @@
 #include "jobs/report/Document.h"
 #include "jobs/report/StructureId.h"
 #include "velkrund/dictionary/RecordData.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/LineReader.h"
 
@@ -36,14 +37,25 @@ struct TGeneratorState {
   std::optional<std::int64_t> Value = {};
 };
 
-/// What became of one section, or of one table that is copied.
+/// Localized texts of one section of the localization store.
+struct TTextCounts {
+  std::string SectionID;
+  std::string Language = {};        // of a section in one language alone; empty: of several
+  std::int64_t Strings = 0;         // names
+  std::int64_t Texts = 0;           // moved, or deleted
+  std::int64_t LeftAlone = 0;       // were there already, and stay because of an answer
+  bool IsOneString = false;         // of the section, Source is its ID
+  std::int64_t OtherLanguages = 0;  // of the file, in languages that were not asked for
+};
+
+/// What became of one section, or of one thing that is copied or deleted without a file.
 struct TItem {
   std::string Section = {};  // empty: the file as a whole
   std::string Table = {};    // empty: the section is for something else; only tables have rows
   std::string File = {};
-  std::string Source = {};  // the table that it is copied from; empty: the item is a section
+  std::string Source = {};  // what is copied, or deleted; empty: the item is a section
   TItemState State = TItemState::NotReached;
-  std::string Note = {};  // why it was left out
+  TLText Note = {};  // why it was left out
   std::optional<TErrorFacts> Error = {};
   std::int64_t Bytes = 0;  // of the section's body
   double Seconds = 0;
@@ -52,7 +64,9 @@ struct TItem {
   TTextLosses Losses = {};
   std::optional<TStructureId> Structure = {};
   std::optional<TGeneratorState> Generator = {};
-  bool IsQuery = false;  // the result of one
+  std::optional<TTextCounts> Resource = {};
+  std::optional<std::string> Language = {};  // whose names it holds
+  bool IsQuery = false;                      // the result of one
 
   /// Of the section.
   TSectionRole Role() const;
@@ -64,6 +78,9 @@ struct TItem {
 };
 
 TDocument ItemDocument(const TItem& Item);
+
+/// How a run was cancelled, in words: those of the error that ended it.
+TLText CancelText(std::string_view Message);
 
 /// Of the sections that were done.
 struct TTotals {
@@ -77,13 +94,13 @@ struct TTotals {
 
 /// What became of a run over sections: the whole of it, for texts, documents and hosts.
 struct TOutcome {
-  std::string Done;  // "exported"
+  TLText Done;  // "exported"
   std::string Database;
   std::vector<std::string> Files;  // as messages name them
   std::vector<TItem> Items = {};
-  std::vector<std::string> Notes = {};    // about the run as a whole
+  std::vector<TLText> Notes = {};         // about the run as a whole
   std::optional<TErrorFacts> Error = {};  // what ended the run besides the items
-  std::string Cancelled = {};             // the same
+  TLText Cancelled = {};                  // the same
   std::exception_ptr FirstError = {};     // of the run or of an item
 
   /// Enters an error of an item, which fails, or of the run.
@@ -91,9 +108,9 @@ struct TOutcome {
   void Fail(const std::exception_ptr& Reason);
 
   /// Enters that the run was cancelled, How in words, and that something stays where something was finished.
-  void Cancel(std::string How = "cancelled");
+  void Cancel(TLText How);
 
-  /// Whether the items are tables that are copied, without a file between them.
+  /// Whether the items are no sections, but what is copied, or deleted, without a file between.
   bool Copies() const { return !Items.empty() && !Items.front().Source.empty(); }
   bool Any(TItemState State) const { return Count(State) > 0; }
   int Count(TItemState State) const;

@@ -6,6 +6,7 @@
 #include "jobs/report/ErrorReport.h"
 #include "jobs/run/ItemAccount.h"
 #include "standalone/databases/ReadTransaction.h"
+#include "velkrund/operations/GoOnQuestion.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -48,7 +49,7 @@ void TExportJob::CheckSettings() const {
 }
 
 void TExportJob::Run() {
-  FOutcome = {"exported", DatabaseText(), {}};
+  FOutcome = {LText("M_Velkrund_Jobs_Exported"), DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
   FMissing.emplace(Policies.MissingSources);
   FOutcome.Items = PlanItems();
@@ -93,7 +94,7 @@ void TExportJob::LeaveOut(TItem& Item, const std::exception_ptr& Error) {
   } catch (const std::exception& Missing) {
     if (!FMissing->LeavesOut(Missing)) throw;
     Item.State = TItemState::LeftOut;
-    Item.Note = Missing.what();
+    Item.Note = std::string(Missing.what());
   }
 }
 
@@ -106,7 +107,7 @@ void TExportJob::MakePlan() {
     AddToPlan({Format("%s the section '%s' %s '%s'", FSteps[I].Replace ? "replace" : "add", Item.Section,
                       FSteps[I].Replace ? "of" : "to", FOutput->Name())});
     Item.State = TItemState::LeftOut;
-    Item.Note = "nothing is written in a dry run";
+    Item.Note = LText("M_Velkrund_Jobs_NothingWritten");
   }
 }
 
@@ -114,12 +115,12 @@ void TExportJob::MakePlan() {
 void TExportJob::Settle() {
   FindExisting();
   if (Policies.ExistingSections == TExisting::Add) return;
-  std::vector<std::string> Met;
+  std::vector<TLText> Met;
   for (std::size_t I = 0; I < FSteps.size(); ++I)
-    if (!FSteps[I].Existing.empty()) Met.push_back("the section '" + FOutcome.Items[I].Section + "'");
+    if (!FSteps[I].Existing.empty()) Met.push_back(LText("M_Velkrund_Jobs_TheSection", FOutcome.Items[I].Section));
   if (Policies.ExistingSections == TExisting::Ask && !Met.empty() && !CanAsk())
     throw EPolicyUnanswered(TPolicy::ExistingSections,
-                            Format("Already in '%s': %s.", FOutput->Name(), JoinedInShort(std::move(Met))));
+                            LText("M_Velkrund_Jobs_AlreadyIn", FOutput->Name(), LJoinedInShort(Met)));
   TRepeatedQuestion Question;
   for (std::size_t I = 0; I < FSteps.size(); ++I)
     if (!FSteps[I].Existing.empty()) FSteps[I].Replace = MayReplace(FOutcome.Items[I], Question);
@@ -129,12 +130,12 @@ void TExportJob::Settle() {
 bool TExportJob::MayReplace(TItem& Item, TRepeatedQuestion& Question) const {
   bool Replace = Policies.ExistingSections == TExisting::Replace;
   if (Policies.ExistingSections == TExisting::Ask)
-    Replace = Question.Ask({Format("The section '%s' is already in '%s'. Replace it?", Item.Section, FOutput->Name()),
+    Replace = Question.Ask({LText("M_Velkrund_Jobs_ReplaceSection", Item.Section, FOutput->Name()),
                             {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Cancel},
                             TPolicy::ExistingSections}) == TAnswer::Yes;
   if (Replace) return true;
   Item.State = TItemState::LeftOut;
-  Item.Note = "the section is already there";
+  Item.Note = LText("M_Velkrund_Jobs_SectionIsThere");
   return false;
 }
 
@@ -163,7 +164,7 @@ void TExportJob::Write() {
       break;
     if (Item.State != TItemState::Failed) continue;
     Moment.Renew();
-    FOutcome.Notes.push_back(Format("what follows '%s' is of a later moment than what stands before", Item.Section));
+    FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_LaterMoment", Item.Section));
   }
 }
 
@@ -174,6 +175,8 @@ void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
   const TItemAccount Account(FOutput->File());
   BeginPart(Item.Subject(), Item.Structure ? "bytes" : "rows");
   try {
+    // Nothing of a section is left out by an answer that was meant for something else: what fails, fails as a whole.
+    const TNobodyGoesOn Nobody;
     Item.State = Export.Execute() != 0 ? TItemState::Done : TItemState::Cancelled;
   } catch (const std::exception&) {
     FOutcome.Fail(Item, std::current_exception());
@@ -196,15 +199,15 @@ bool TExportJob::IsLast(std::size_t Index) const {
 }
 
 bool TExportJob::GoOn(const TItem& Failed) {
-  constexpr const char* Question = "Go on with the next one?";
+  const TLText Question = LText("M_Velkrund_Jobs_ContinueNext");
   try {
     // Who hears of errors as they come has been told.
-    return FErrors->GoOn(Listener ? Question : ErrorLine(*Failed.Error) + "\r\n" + Question);
+    return FErrors->GoOn(Listener ? Question : LErrorLine(*Failed.Error) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
   } catch (const EAbort& Abort) {
     if (FOutput->IsMadeAfresh()) TakeBack();
-    FOutcome.Cancel(Abort.what());
+    FOutcome.Cancel(CancelText(Abort.what()));
   }
   return false;
 }
@@ -219,16 +222,15 @@ void TExportJob::Finish() {
   const bool SparesOld = FOutput->IsMadeAfresh() && FOutcome.End() != TEnd::Done;
   if (SparesOld) TakeBack();
   const bool Broken = !FOutcome.Any(TItemState::Failed) && FOutcome.Any(TItemState::NotReached);
-  if (Broken && FOutcome.Cancelled.empty()) FOutcome.Cancel();
-  if (SparesOld) return FOutcome.Notes.push_back(Format("'%s' is left as it was", FOutput->Name()));
+  if (Broken && FOutcome.Cancelled.Empty()) FOutcome.Cancel(LText("M_Velkrund_Jobs_Cancelled"));
+  if (SparesOld) return FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_FileAsBefore", FOutput->Name()));
   // A wish to stop that came before has been obeyed; what is finished is put right now.
   const bool Stopped = IsCanceled();
   try {
     FOutput->Finish(FReplaced, [=, this] { return !Stopped && IsCanceled(); });
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
-    if (!FReplaced.empty())
-      FOutcome.Notes.emplace_back("the sections that were to be replaced stand beside the new ones");
+    FOutcome.Cancelled = CancelText(Abort.what());
+    if (!FReplaced.empty()) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_BesideNew"));
     if (FOutput->ArrivesAtEnd())
       for (TItem& Item : FOutcome.Items)
         if (Item.State == TItemState::Done) Item.State = TItemState::Cancelled;

@@ -34,7 +34,7 @@ class TCreateMissing {
 }  // namespace
 
 void TImportJob::Run() {
-  FOutcome = {"imported", DatabaseText(), {}};
+  FOutcome = {LText("M_Velkrund_Jobs_Imported"), DatabaseText(), {}};
   FUnreadable.clear();
   FSteps.Clear();
   FErrors.emplace(Policies.OnError);
@@ -82,8 +82,7 @@ std::vector<int> TImportJob::LookAt(TInputFile& Input) {
     FUnreadable.emplace(Input.Name(), std::current_exception());
     return {};
   }
-  if (Input.File().Losses().Any())
-    FOutcome.Notes.push_back("warning: " + Input.Name() + ": section headers hold malformed characters");
+  if (Input.File().Losses().Any()) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_MalformedHeaders", Input.Name()));
   std::vector<int> Chosen = Choose(Input);
   for (const int Index : Chosen)
     if (const auto Part = FParts.find(Input.File().Sections()[Index].ObjectClass.Role()); Part != FParts.end())
@@ -129,7 +128,7 @@ void TImportJob::MakePlan() {
   for (TItem& Item : FOutcome.Items) {
     if (Item.State == TItemState::LeftOut) continue;
     Item.State = TItemState::LeftOut;
-    Item.Note = "nothing is changed in a dry run";
+    Item.Note = LText("M_Velkrund_Jobs_NothingChanged");
   }
 }
 
@@ -137,8 +136,8 @@ void TImportJob::NoteStructuresAlone() {
   if (FNotCreated.empty()) return;
   std::vector<std::string> Names;
   for (const TStructureId& Structure : FNotCreated) Names.push_back(StructureText(Structure));
-  FOutcome.Notes.push_back(Format("stored as %s only, and not made in the database: %s",
-                                  Counted(static_cast<std::int64_t>(Names.size()), "structure"), Joined(Names)));
+  const auto Count = static_cast<std::int64_t>(Names.size());
+  FOutcome.Notes.push_back(LCounted("M_Velkrund_Jobs_StructuresAlone", Count, Count, Joined(Names)));
 }
 
 void TImportJob::Import() {
@@ -164,13 +163,13 @@ void TImportJob::Import() {
     FStopped = true;
   }
   RefuseChangedInputs();
-  if (FOutcome.Cancelled.empty() && Result == 0 && !FStopped && (IsCanceled() || FOutcome.Any(TItemState::Cancelled)))
-    FOutcome.Cancelled = "cancelled";
+  if (FOutcome.Cancelled.Empty() && Result == 0 && !FStopped && (IsCanceled() || FOutcome.Any(TItemState::Cancelled)))
+    FOutcome.Cancelled = LText("M_Velkrund_Jobs_Cancelled");
   // To commit nothing would make a file of a database that is new.
   const bool HasSomething = FOutcome.Any(TItemState::Done) || !CreateDatabase;
-  EndWhole(!FStopped && FOutcome.Cancelled.empty() && HasSomething);
+  EndWhole(!FStopped && FOutcome.Cancelled.Empty() && HasSomething);
   EndPart();
-  if (!FOutcome.Cancelled.empty()) FOutcome.Cancel(FOutcome.Cancelled);
+  if (!FOutcome.Cancelled.Empty()) FOutcome.Cancel(FOutcome.Cancelled);
 }
 
 /// What comes for certain only when all is read.
@@ -189,7 +188,7 @@ void TImportJob::BeginWhole() {
   if (FLoading)
     FLoading->BeginAll();
   else
-    FTransaction = std::make_unique<TTransaction>(DatabaseName);
+    FTransaction = std::make_unique<TTransaction>(DatabaseName, Isolation());
 }
 
 void TImportJob::EndWhole(bool Stays) {
@@ -199,7 +198,7 @@ void TImportJob::EndWhole(bool Stays) {
     if (Stays && FLoading) FLoading->CommitAll();
     if (Stays && FTransaction) FTransaction->Commit();
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancelled = CancelText(Abort.what());
     Stays = false;
   } catch (const std::exception& Error) {
     FOutcome.Fail(std::current_exception());
@@ -213,7 +212,7 @@ void TImportJob::EndWhole(bool Stays) {
   if (!Stays) TakeAllBack();
   const bool HasFailed =
       FOutcome.Any(TItemState::Failed) || FOutcome.Any(TItemState::Cancelled) || FOutcome.Any(TItemState::TakenBack);
-  if (HasFailed && !FOutcome.Any(TItemState::Done)) FOutcome.Notes.emplace_back("the database is as it was before");
+  if (HasFailed && !FOutcome.Any(TItemState::Done)) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_DatabaseAsBefore"));
 }
 
 void TImportJob::FailAll() {
@@ -305,7 +304,7 @@ void TImportJob::ObjectEnded(const std::string& Name, int ObjectType, TRecreateS
     const auto Item = std::find_if(FOutcome.Items.begin(), FOutcome.Items.end(), IsIt);
     if (Item == FOutcome.Items.end()) throw;
     if (MayBeMissing(Policies, FactsOf(Failure).Info)) {
-      FOutcome.Notes.push_back(std::string("not made: ") + Failure.what());
+      FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_NotMade", Failure.what()));
       return;
     }
     Fail(*Item, Failure);
@@ -340,14 +339,14 @@ std::optional<bool> TImportJob::GoOn(const std::exception& Error) {
 bool TImportJob::MayGoOn(const std::exception& Error) {
   if (IsAlone()) return true;
   try {
-    const std::string Question = Manager().LString("M_Velkrund_DSPUtils_ContinueImport");
+    const TLText Question = LText("M_Velkrund_DSPUtils_ContinueImport");
     // Who hears of errors as they come has been told.
-    return FErrors->GoOn(Listener ? Question : ErrorLine(FactsOf(Error)) + "\r\n" + Question);
+    return FErrors->GoOn(Listener ? Question : LErrorLine(FactsOf(Error)) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
     return false;
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancelled = CancelText(Abort.what());
     throw;
   }
 }
@@ -374,7 +373,7 @@ void TImportJob::TakenBack(const std::vector<TImportFileObserver::TPlace>& Secti
     FGone.insert(Step.Number);
     if (!Named || (Error && Item.Table == FactsOf(*Error).Info.Table)) Named = &Item;
   }
-  const std::string Note = "tables that hang together are loaded together or not at all";
+  const TLText Note = LText("M_Velkrund_Jobs_TogetherOrNot");
   const bool IsTold = std::find(FOutcome.Notes.begin(), FOutcome.Notes.end(), Note) != FOutcome.Notes.end();
   if (Sections.size() > 1 && LoadOptionsOf(Policies).InGroups && !IsTold) FOutcome.Notes.push_back(Note);
   if (Error) Fail(*Named, *Error);

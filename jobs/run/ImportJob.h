@@ -53,6 +53,8 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual std::vector<TPlanStep> StepsBehindRows() const { return {}; }
   /// Says what a person should know about a run that has come to its end. Stays: what it did was not taken back whole.
   virtual void AddNotes(bool /*Stays*/) {}
+  /// Of the one transaction where no tables are loaded.
+  virtual TIsolationLevel Isolation() const { return TIsolationLevel::RepeatableRead; }
   /// Frees what MakeParts has made beside the parts.
   virtual void Release() {}
 

@@ -188,7 +188,7 @@ void TJob::Complain(const std::string& Text) const {
 
 std::exception_ptr TSectionsJob::Failure() const {
   if (FOutcome.End() == TEnd::Cancelled)
-    return std::make_exception_ptr(EAbort(FOutcome.Cancelled.empty() ? "cancelled" : FOutcome.Cancelled));
+    return std::make_exception_ptr(EAbort(FOutcome.Cancelled.Empty() ? "cancelled" : FOutcome.Cancelled.English()));
   const int Failed = FOutcome.Count(TItemState::Failed);
   if (Failed + (FOutcome.Error ? 1 : 0) <= 1) return FOutcome.FirstError;
   try {

@@ -130,7 +130,7 @@ class TSectionsJob : public TPolicyJob {
   }
   std::string_view Schema() const override { return "transfer"; }
   void Describe(TDocument& Document) const override { FOutcome.Describe(Document); }
-  void Warn(const std::string& Text) override { FOutcome.Notes.push_back("warning: " + Text); }
+  void Warn(const std::string& Text) override { FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_Warning", Text)); }
 
   TOutcome FOutcome;
 };

@@ -51,7 +51,7 @@ TDocument DocumentOf(const TCheckedFile& File) {
     Sections.Add(DocumentOf(File.Sections[Index], Index));
   TDocument Result;
   Result.Set("name", File.Text).Set("sections", std::move(Sections)).Set("hidden", File.Hidden);
-  Result.Set("notes", File.Notes);
+  Result.Set("notes", EnglishOf(File.Notes));
   if (File.Error) Result.Set("error", ErrorDocument(*File.Error));
   return Result;
 }
@@ -103,7 +103,8 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
   Input.File().SetStrictText(!Policies.AllowLoss);
   Result.Text = Input.Name();
   if (!Open(Input, Result)) return;
-  if (Policies.AllowLoss && Input.File().Losses().Any()) Result.Notes.emplace_back("headers hold malformed characters");
+  if (Policies.AllowLoss && Input.File().Losses().Any())
+    Result.Notes.push_back(LText("M_Velkrund_Jobs_MalformedInHeaders"));
   CheckSections(Input, Result);
   for (std::string& Note : RepeatedNames(Input.File().Sections())) Result.Notes.push_back(std::move(Note));
   try {
@@ -149,7 +150,7 @@ void TJobCheckFiles::CheckSections(TInputFile& Input, TCheckedFile& Result) {
     BeginPart(Section.Name(), "bytes", Section.DataSize);
     TSectionChecker::TChecked Read = Checker.Check(Input.File(), Index);
     EndPart();
-    TCheckedSection Checked{std::move(Read.Item), std::string(Section.TypeName()), SectionText(Sections, Index),
+    TCheckedSection Checked{std::move(Read.Item), std::string(Section.TypeName()), LSectionText(Sections, Index),
                             Section.Version(), Read.HasRows};
     Count(Result, Checked);
     TellItem(Result.Text, "checked", [&] { return DocumentOf(Checked, static_cast<std::size_t>(Index)); });

@@ -12,7 +12,8 @@ namespace velkrund {
 
 struct TCheckedSection {
   TItem Item;
-  std::string Type, Text;  // Text: "section 3 'ORDERS' (TableData)"
+  std::string Type;
+  TLText Text;  // "section 3 'ORDERS' (TableData)"
   int Version = 0;
   bool HasRows = false;  // otherwise the section is for something else than a table, or was not read that far
 };
@@ -22,7 +23,7 @@ struct TCheckedFile {
   std::string Text;  // for messages
   std::vector<TCheckedSection> Sections = {};
   std::vector<std::string> Hidden = {};   // what looks like a section that nobody reads: faults
-  std::vector<std::string> Notes = {};    // what is no fault
+  std::vector<TLText> Notes = {};         // what is no fault
   std::optional<TErrorFacts> Error = {};  // of the headers, or why it could not be opened
   bool IsOpen = true;
   bool HasLineFeeds = false;  // which alone end the lines of hidden sections

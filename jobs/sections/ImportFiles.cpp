@@ -5,6 +5,7 @@
 #include <set>
 
 #include "jobs/generators/GeneratorImport.h"
+#include "jobs/resources/ResourceImport.h"
 #include "jobs/structures/StructureImport.h"
 #include "jobs/tables/TableImport.h"
 #include "standalone/dictionary/ScriptRun.h"
@@ -21,6 +22,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingRows,
     TPolicyRows::ExistingStructures,
     TPolicyRows::ExistingObjects,
+    TPolicyRows::ExistingTexts,
     TPolicyRows::OnError,
     TPolicyRows::MissingFields,
     TPolicyRows::RepeatedTables,
@@ -39,6 +41,7 @@ constexpr TProperty Properties[] = {
                                     "the table that the rows of queries go into; empty: a person is asked"),
     PropertyOf<&TThis::Mapping>("Mapping", "fields of queries with other names in that table: file=table"),
     PropertyOf<&TThis::SetGenerators>("SetGenerators", "move generators backwards too"),
+    PropertyOf<&TThis::AddLanguages>("AddLanguages", "add languages that texts are in and the database lacks"),
     PropertyOf<&TThis::CreateDatabase>("CreateDatabase", "make the database when it does not exist"),
 };
 
@@ -77,6 +80,12 @@ TImportJob::TParts TJobImportFiles::MakeParts() {
   Result.emplace(TSectionRole::TableData, std::make_unique<TTableImport>(Manager(), Policies, std::move(Tables)));
   Result.emplace(TSectionRole::Structure,
                  std::make_unique<TStructureImport>(Policies.ExistingStructures, std::move(Structures)));
+  const auto Coming = std::make_shared<TComingLanguages>();
+  TResourceImport::TSettings Texts{DatabaseName, DatabaseText(), Policies.ExistingTexts};
+  Texts.AddLanguages = AddLanguages;
+  Result.emplace(TSectionRole::Language,
+                 std::make_unique<TLanguageImport>(DatabaseName, Policies.ExistingTexts, Coming));
+  Result.emplace(TSectionRole::Resource, std::make_unique<TResourceImport>(std::move(Texts), Coming));
   return Result;
 }
 

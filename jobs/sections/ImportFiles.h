@@ -11,7 +11,8 @@
 namespace velkrund {
 
 /// Loads everything that files hold: of all files together the structures first, then the tables that are missing and
-/// described, then the rows, then the database objects that the structures describe.
+/// described, then the rows, then the database objects that the structures describe, then where
+/// generators stand, then languages and localized strings.
 class TJobImportFiles final : public TImportJob {
  public:
   TJobImportFiles() : TImportJob("file") {}
@@ -20,6 +21,7 @@ class TJobImportFiles final : public TImportJob {
   std::string QueryTarget;             // the table that the rows of queries go into; empty: a person is asked
   TStringPairs Mapping;                // fields of queries, and those of that table that they fill; others go by name
   bool SetGenerators = false;          // backwards too
+  bool AddLanguages = false;           // that texts are in and the database lacks
 
   void CheckSettings() const override;
 
@@ -31,6 +33,8 @@ class TJobImportFiles final : public TImportJob {
   TParts MakeParts() override;
   std::vector<int> Choose(TInputFile& Input) override;
   bool GoesOnWithoutFile() const override { return true; }
+  // Where there are no tables, localized strings may have to wait for others.
+  TIsolationLevel Isolation() const override { return TIsolationLevel::ReadCommitted; }
   std::unique_ptr<TMissingTables> TableMaker(TUtilOperation& Operation) override {
     return FCreation->Maker(Operation, [this](const std::string& Table) { return HasLostRows(Table); });
   }

@@ -80,7 +80,7 @@ void TJobListSections::Describe(TDocument& Document) const {
   for (std::size_t Index = 0; Index < FFound.size(); ++Index) Sections.Add(DocumentOf(FFound[Index], Index));
   Document.Set("file", FFile).Set("size", FSize).Set("sections", std::move(Sections));
   std::vector<std::string> Notes;
-  if (FHasMalformed) Notes.emplace_back("headers hold malformed characters, shown as U+FFFD");
+  if (FHasMalformed) Notes.push_back(LText("M_Velkrund_Jobs_MalformedShown").English());
   Document.Set("notes", Notes);
 }
 

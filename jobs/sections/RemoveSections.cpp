@@ -51,9 +51,9 @@ std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
   for (const std::string& Name : Names) {
     const std::vector<int> Found = SectionsNamed(Sections, Name);
     if (Found.size() > 1 && !Policies.Yes && !Policies.DryRun) {
-      std::vector<std::string> Texts;
-      for (const int Index : Found) Texts.push_back(SectionText(Sections, Index));
-      Ask({Format("'%s' has several of that name: %s. Remove all of them?", FileName, Joined(Texts)),
+      std::vector<TLText> Texts;
+      for (const int Index : Found) Texts.push_back(LSectionText(Sections, Index));
+      Ask({LText("M_Velkrund_Jobs_RemoveSeveral", FileName, LJoined(Texts)),
            {TAnswer::Yes, TAnswer::Cancel},
            TPolicy::Yes});
     }
@@ -79,10 +79,10 @@ void TJobRemoveSections::Run() {
   const std::set<int> Going = Chosen(File.Sections());
   for (const int Index : Going) {
     const TEISection& Section = File.Sections()[Index];
-    FRemoved.push_back({Index, Section.Name(), std::string(Section.TypeName()), SectionText(File.Sections(), Index)});
+    FRemoved.push_back({Index, Section.Name(), std::string(Section.TypeName()), LSectionText(File.Sections(), Index)});
   }
   FLeft = File.Sections().Count() - static_cast<int>(Going.size());
-  for (const TRemoved& Section : FRemoved) AddToPlan({"remove " + Section.Text});
+  for (const TRemoved& Section : FRemoved) AddToPlan({"remove " + Section.Text.English()});
   if (!Policies.DryRun) RemoveSections(Files(), File, {Going.begin(), Going.end()}, Canceled());
 }
 

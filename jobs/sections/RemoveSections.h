@@ -16,7 +16,8 @@ class TJobRemoveSections final : public TPolicyJob {
  public:
   struct TRemoved {
     int Index;
-    std::string Name, Type, Text;  // Text: "section 3 'ORDERS' (TableData)"
+    std::string Name, Type;
+    TLText Text;  // "section 3 'ORDERS' (TableData)"
   };
 
   std::string FileName;

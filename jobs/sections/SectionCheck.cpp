@@ -20,6 +20,7 @@ TSectionChecker::TSectionChecker(TApplicationManager& Real, const TCancelCallbac
       FManagerGuard(&FDiscard),
       FStructuresGuard(&FStructures),
       FObjectsGuard(&FObjects),
+      FLocalizationGuard(&FLocalization),
       FRelationsGuard(nullptr),
       FWindowsGuard(nullptr) {}
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "jobs/report/Outcome.h"
+#include "standalone/discard/DiscardLocalization.h"
 #include "standalone/discard/DiscardManager.h"
 #include "standalone/discard/DiscardObjects.h"
 #include "standalone/discard/DiscardStructures.h"
@@ -38,9 +39,11 @@ class TSectionChecker {
   TDiscardManager FDiscard;
   TDiscardStructures FStructures;
   TDiscardObjects FObjects;
+  TDiscardLocalization FLocalization;
   TServiceGuard<TApplicationManager> FManagerGuard;
   TServiceGuard<TDSPContainer> FStructuresGuard;
   TServiceGuard<TDicDBContainer> FObjectsGuard;
+  TServiceGuard<TLContainer> FLocalizationGuard;
   TServiceGuard<TRelations> FRelationsGuard;
   TServiceGuard<TWindowSystem> FWindowsGuard;
 };

@@ -56,8 +56,8 @@ std::vector<TItem> TJobExportStructures::PlanItems() {
     Result.push_back(std::move(Item));
   }
   if (Result.empty())
-    FOutcome.Notes.push_back(
-        Format("there are no structures%s", ObjectType != AnyType ? Format(" of type %d", ObjectType) : ""));
+    FOutcome.Notes.push_back(ObjectType == AnyType ? LText("M_Velkrund_Jobs_NoStructures")
+                                                   : LText("M_Velkrund_Jobs_NoStructuresOf", ObjectType));
   return Result;
 }
 

@@ -87,19 +87,22 @@ void TJobShowStructure::Describe(TDocument& Document) const {
   Document.Set("nodes", TreeDocument(FForm->Root()));
 }
 
-std::string TJobDropStructure::WhatWasDropped() const {
-  return Format("the structure '%s' of type %d", FFound.ObjectName, FFound.ObjectType);
+TLText TJobDropStructure::WhatWasDropped() const {
+  return LText("M_Velkrund_Jobs_TheStructure", FFound.ObjectName, FFound.ObjectType);
 }
 
 void TJobDropStructure::Run() {
   TDSPTable& Table = DSPContainer().Table(DatabaseName);
   FFound = TStructureSearch(Table, DatabaseText()).Find(Choice.ObjectName, Choice.ObjectType);
-  AddToPlan({"drop " + WhatWasDropped()});
+  AddToPlan({"drop " + WhatWasDropped().English()});
   if (Policies.DryRun) return;
-  if (!Policies.Yes) Ask({Format("Drop %s?", WhatWasDropped()), {TAnswer::Yes, TAnswer::Cancel}, TPolicy::Yes});
+  if (!Policies.Yes)
+    Ask({LText("M_Velkrund_Jobs_DropStructure", FFound.ObjectName, FFound.ObjectType),
+         {TAnswer::Yes, TAnswer::Cancel},
+         TPolicy::Yes});
   TTransaction Transaction(DatabaseName);
   if (!Table.DeleteStructure(FFound.ObjectName, FFound.ObjectType))
-    throw EDatabaseError(Format("Somebody else has dropped %s", WhatWasDropped()));
+    throw EDatabaseError(Format("Somebody else has dropped %s", WhatWasDropped().English()));
   Transaction.Commit();
 }
 

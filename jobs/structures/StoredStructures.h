@@ -71,7 +71,7 @@ class TJobDropStructure final : public TPolicyJob {
   void CheckSettings() const override { Require(Choice.ObjectName, "ObjectName"); }
 
   /// "the structure 'CLIENTS' of type 12".
-  std::string WhatWasDropped() const;
+  TLText WhatWasDropped() const;
   std::string CommandName() const override { return "dictionary drop"; }
 
   static const TUtilOperationDescriptor Descriptor;

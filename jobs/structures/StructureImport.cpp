@@ -65,12 +65,13 @@ void TStructureImport::RefuseUnanswered() const {
     else if (Count > 1)
       Repeated.push_back(StructureText(Structure));
   }
-  std::string Text;
-  if (!Met.empty()) Text = Format("Structures that are there already: %s.", JoinedInShort(std::move(Met)));
-  if (!Repeated.empty())
-    Text += Format("%sStructures that come more than once: %s.", Text.empty() ? "" : " ",
-                   JoinedInShort(std::move(Repeated)));
-  if (!Text.empty()) throw EPolicyUnanswered(TPolicy::ExistingStructures, Text);
+  TLText Text;
+  if (!Met.empty()) Text = LText("M_Velkrund_Jobs_StructuresThere", LJoinedInShort(Met));
+  if (!Repeated.empty()) {
+    if (!Text.Empty()) Text += " ";
+    Text += LText("M_Velkrund_Jobs_StructuresRepeated", LJoinedInShort(Repeated));
+  }
+  if (!Text.Empty()) throw EPolicyUnanswered(TPolicy::ExistingStructures, Text);
 }
 
 void TStructureImport::Begin(std::size_t, TEIObject& Object) {
@@ -91,7 +92,7 @@ void TStructureImport::Begin(std::size_t, TEIObject& Object) {
 void TStructureImport::End(TItem& Item, const TEIObject*) {
   if (Item.State != TItemState::Done || !FAsk.FLeftAlone) return;
   Item.State = TItemState::LeftOut;
-  Item.Note = "the structure is already there";
+  Item.Note = LText("M_Velkrund_Jobs_StructureIsThere");
 }
 
 }  // namespace velkrund

@@ -75,7 +75,7 @@ void TJobCopyTables::Forget() {
 }
 
 void TJobCopyTables::Run() {
-  FOutcome = {"copied", DatabaseText(), {}};
+  FOutcome = {LText("M_Velkrund_Jobs_Copied"), DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
   FSourceText = CheckedDatabase(SourceDatabaseName, "SourceDatabaseName");
   TDatabases& Databases = Manager().Databases();
@@ -156,7 +156,7 @@ void TJobCopyTables::TakeSkipped(TItem& Item, const TPlannedCopy& Copy) {
 void TJobCopyTables::Settle() {
   TPolicies Own = Policies;
   if (Update) Own.ExistingRows = TExisting::Add;
-  TExistingRows Existing(Own, "the others");
+  TExistingRows Existing(Own, LText("M_Velkrund_Jobs_TheOthers"));
   const TReadTransaction Moment(Manager().Databases(), DatabaseName);
   for (TPlannedCopy& Copy : FCopies) {
     if (Existing.Counts())
@@ -169,7 +169,7 @@ void TJobCopyTables::Settle() {
     FCopies[Number].Keep = Fate != TRowsFate::Go;
     if (Fate != TRowsFate::Prevail) continue;
     FOutcome.Items[Number].State = TItemState::LeftOut;
-    FOutcome.Items[Number].Note = Format("the table keeps its %s", Counted(FCopies[Number].Rows, "row"));
+    FOutcome.Items[Number].Note = LCounted("M_Velkrund_Jobs_KeepsRows", FCopies[Number].Rows, FCopies[Number].Rows);
   }
 }
 
@@ -210,7 +210,7 @@ void TJobCopyTables::MakePlan() {
     for (const std::size_t Number : Numbers) {
       AddToPlan({Format("copy the rows of table '%s' into '%s'", FCopies[Number].From(), FCopies[Number].Into())});
       FOutcome.Items[Number].State = TItemState::LeftOut;
-      FOutcome.Items[Number].Note = "nothing is changed in a dry run";
+      FOutcome.Items[Number].Note = LText("M_Velkrund_Jobs_NothingChanged");
     }
 }
 
@@ -219,10 +219,10 @@ void TJobCopyTables::CopyAll() {
   FStopped = false;
   if (Policies.Commit == TCommit::Run) FLoading->BeginAll();
   for (const auto& [Group, Numbers] : Groups) {
-    if (IsCanceled()) FOutcome.Cancelled = "cancelled";
+    if (IsCanceled()) FOutcome.Cancelled = LText("M_Velkrund_Jobs_Cancelled");
     if ((FStopped = IsCanceled() || !CopyGroup(Numbers, Group))) break;
   }
-  const std::vector<std::string> Remarks = FLoading->Remarks();
+  const std::vector<TLText> Remarks = FLoading->Remarks();
   EndWhole();
   if (FOutcome.Any(TItemState::Done)) FOutcome.Notes.insert(FOutcome.Notes.end(), Remarks.begin(), Remarks.end());
 }
@@ -240,7 +240,7 @@ bool TJobCopyTables::CopyGroup(const std::vector<std::size_t>& Numbers, std::siz
     return true;
   } catch (const EAbort& Abort) {
     FLoading->End(false);
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancelled = CancelText(Abort.what());
     FOutcome.Items[At].State = TItemState::Cancelled;
     TakeBack(Numbers);
     return false;
@@ -327,19 +327,18 @@ void TJobCopyTables::RefuseLost(const TUOCustomCopyTable& Operation) {
                "the values of %s. Map what has another name there",
                Operation.TargetTableName, Names),
         {.Code = TErrorCode::FieldMissing, .Table = Operation.TargetTableName, .Column = *Lost.begin()});
-  FOutcome.Notes.push_back(
-      Format("left behind of the tables inside the BLOB fields of table '%s': %s", Operation.SourceTableName, Names));
+  FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_LeftInside", Operation.SourceTableName, Names));
 }
 
 bool TJobCopyTables::GoOn(const TItem& Failed) {
   if (!FOutcome.Any(TItemState::NotReached) && !FOutcome.Any(TItemState::Done)) return false;
-  constexpr const char* Question = "Go on with the others?";
+  const TLText Question = LText("M_Velkrund_Jobs_ContinueOthers");
   try {
-    return FErrors->GoOn(Listener ? Question : ErrorLine(*Failed.Error) + "\r\n" + Question);
+    return FErrors->GoOn(Listener ? Question : LErrorLine(*Failed.Error) + "\r\n" + Question);
   } catch (const EPolicyUnanswered& Unanswered) {
     Stop(Unanswered.Policy());
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancelled = CancelText(Abort.what());
   }
   return false;
 }
@@ -347,13 +346,13 @@ bool TJobCopyTables::GoOn(const TItem& Failed) {
 /// Keeps what was copied, or takes it back after an error that nobody goes on after, and when it is cancelled.
 void TJobCopyTables::EndWhole() {
   if (Policies.Commit == TCommit::Each) return;
-  const bool Stays = !FStopped && FOutcome.Cancelled.empty() && FOutcome.Any(TItemState::Done);
+  const bool Stays = !FStopped && FOutcome.Cancelled.Empty() && FOutcome.Any(TItemState::Done);
   std::vector<std::size_t> All(FCopies.size());
   for (std::size_t Number = 0; Number < All.size(); ++Number) All[Number] = Number;
   try {
     if (Stays) return FLoading->CommitAll();
   } catch (const EAbort& Abort) {
-    FOutcome.Cancelled = Abort.what();
+    FOutcome.Cancelled = CancelText(Abort.what());
   } catch (const std::exception&) {
     FOutcome.Fail(std::current_exception());
     // An answer that never came: what has become of it only the database knows.
@@ -365,7 +364,7 @@ void TJobCopyTables::EndWhole() {
   }
   FLoading.reset();
   TakeBack(All);
-  FOutcome.Notes.emplace_back("the database is as it was before");
+  FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_DatabaseAsBefore"));
 }
 
 void TJobCopyTables::TakeBack(const std::vector<std::size_t>& Numbers) {

@@ -1,8 +1,5 @@
 #include "jobs/tables/ExistingRows.h"
 
-#include "velkrund/platform/ormtools/Format.h"
-#include "velkrund/platform/ormtools/Wording.h"
-
 namespace velkrund {
 
 bool TExistingRows::Counts() const {
@@ -11,11 +8,11 @@ bool TExistingRows::Counts() const {
 
 void TExistingRows::Announce(const std::string& Table, std::int64_t Rows) {
   if (Rows == 0) return;
-  FMet += Format("%s '%s' has %s", FMet.empty() ? "Table" : ", table", Table, Counted(Rows, "row"));
+  FMet += LCounted(FMet.Empty() ? "M_Velkrund_Jobs_TableHas" : "M_Velkrund_Jobs_NextTableHas", Rows, Table, Rows);
 }
 
 void TExistingRows::RefuseUnanswered() const {
-  if (FPolicies.ExistingRows == TExisting::Ask && !FMet.empty() && !CanAsk())
+  if (FPolicies.ExistingRows == TExisting::Ask && !FMet.Empty() && !CanAsk())
     throw EPolicyUnanswered(TPolicy::ExistingRows, FMet + ".");
 }
 
@@ -30,10 +27,10 @@ TRowsFate TExistingRows::FateOf(const std::string& Table, std::int64_t Rows) {
   }
   if (Rows == 0) return TRowsFate::Stay;
   if (FPolicies.ExistingRows == TExisting::Skip) return TRowsFate::Prevail;
-  const TAnswer Answer = FQuestion.Ask(
-      {Format("Table '%s' has %s. Delete them and put %s in their place?", Table, Counted(Rows, "row"), FNew),
-       {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Append, TAnswer::Cancel},
-       TPolicy::ExistingRows});
+  const TAnswer Answer =
+      FQuestion.Ask({LCounted("M_Velkrund_Jobs_ReplaceRows", Rows, Table, Rows, FNew),
+                     {TAnswer::Yes, TAnswer::No, TAnswer::All, TAnswer::None, TAnswer::Append, TAnswer::Cancel},
+                     TPolicy::ExistingRows});
   if (Answer == TAnswer::Yes) return TRowsFate::Go;
   return Answer == TAnswer::Append ? TRowsFate::Stay : TRowsFate::Prevail;
 }

@@ -19,7 +19,7 @@ enum class TRowsFate {
 class TExistingRows {
  public:
   /// Policies: borrowed. New: what is put in their place, for the question: "the file's".
-  TExistingRows(const TPolicies& Policies, std::string New) : FPolicies(Policies), FNew(std::move(New)) {}
+  TExistingRows(const TPolicies& Policies, TLText New) : FPolicies(Policies), FNew(std::move(New)) {}
 
   /// Whether the rows have to be counted for it.
   bool Counts() const;
@@ -32,8 +32,8 @@ class TExistingRows {
 
  private:
   const TPolicies& FPolicies;
-  const std::string FNew;
-  std::string FMet;  // tables with rows
+  const TLText FNew;
+  TLText FMet;  // tables with rows
   TRepeatedQuestion FQuestion;
 };
 

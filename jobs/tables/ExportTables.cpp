@@ -121,7 +121,7 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
   RefuseNames(Objects);
   if (Tables.empty())
     for (const std::string& Left : Connection.Definitions().LeftBehind())
-      FOutcome.Notes.push_back("not described: " + Left);
+      FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_NotDescribed", Left));
   TDescriber Describer(Connection, DatabaseName, {.ScanColumns = Policies.Columns == TColumnTypes::Scanned});
   std::vector<TDescribedObject> Described = Describer.Describe(Objects, [this](const TDefinedObject&) {
     if (IsCanceled()) throw EAbort("cancelled");
@@ -132,7 +132,7 @@ std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
     Item.Structure = TStructureId{Described[I].Item.ObjectType, Described[I].Item.ObjectName};
     Item.Section = StructureText(*Item.Structure);
     for (const std::string& Gone : Described[I].Gone)
-      FOutcome.Notes.push_back(Format("%s: gone: %s", Item.Section, Gone));
+      FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_GoneFrom", Item.Section, Gone));
     FStructures.Described.Put(std::move(Described[I].Item), std::move(Described[I].Tree));
     Result.push_back(std::move(Item));
     if (I < WithRows) Result.push_back(std::move(Rows[I]));
@@ -189,11 +189,7 @@ void TJobExportTables::AddNotes() {
     if (RowOrder == TRowOrder::Key && Item.State == TItemState::Done && !Item.Counts.InKeyOrder &&
         Item.Counts.RowCount > 1)
       Unordered.push_back(Item.Table);
-  if (!Unordered.empty())
-    FOutcome.Notes.push_back(
-        "in the engine's own order of rows, which may differ the next time, for want of a key "
-        "whose columns are never NULL: " +
-        Joined(Unordered));
+  if (!Unordered.empty()) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_EngineOrder", Joined(Unordered)));
 }
 
 }  // namespace velkrund

@@ -107,9 +107,8 @@ std::optional<TQueryTableMapping> TTableImport::Chosen(TInputFile& Input, int In
       FSettings.Fields.empty() ? FieldsOf(Input.File(), Index) : FSettings.Fields;
   TQueryTableMapping Result{{}, FSettings.Mapping, FPolicies.ExistingRows == TExisting::Replace};
   if (!CanAsk())
-    throw EPolicyUnanswered(TPolicy::QueryTarget, Format("The rows of %s of '%s' are those of a query, which names no "
-                                                         "table.",
-                                                         SectionText(Input.File().Sections(), Index), Input.Name()));
+    throw EPolicyUnanswered(TPolicy::QueryTarget, LText("M_Velkrund_Jobs_RowsOfQuery",
+                                                        LSectionText(Input.File().Sections(), Index), Input.Name()));
   int Code = mrCancel;
   const std::string Query = QueryTextOf(Input.File(), Index);
   Synchronize([&] {
@@ -224,7 +223,7 @@ void TTableImport::RefuseRepeated(const TTarget& Target) const {
 }
 
 void TTableImport::Settle(TOutcome& Outcome) {
-  TExistingRows Existing(FPolicies, "the file's");
+  TExistingRows Existing(FPolicies, LText("M_Velkrund_Jobs_RowsOfFile"));
   for (const TTarget& Target : FTargets)
     if (!Target.IsSettled) Existing.Announce(Target.Table, Target.Rows);
   Existing.RefuseUnanswered();
@@ -234,20 +233,20 @@ void TTableImport::Settle(TOutcome& Outcome) {
     Target.Keep = Fate != TRowsFate::Go;
     Target.LeaveOut = Fate == TRowsFate::Prevail;
     RefuseRepeated(Target);
-    if (Target.LeaveOut) LeaveOut(Outcome, Target, Format("the table keeps its %s", Counted(Target.Rows, "row")));
+    if (Target.LeaveOut) LeaveOut(Outcome, Target, LCounted("M_Velkrund_Jobs_KeepsRows", Target.Rows, Target.Rows));
   }
   for (const std::size_t Number : FPassedOver) {
     Outcome.Items[Number].State = TItemState::LeftOut;
-    Outcome.Items[Number].Note = "no table was chosen for the rows of the query";
+    Outcome.Items[Number].Note = LText("M_Velkrund_Jobs_NoTableChosen");
   }
   if (!FSettings.Creation) return;
   FSettings.Creation->Settle(Outcome);
   for (const TTarget& Target : FTargets)
     if (Target.IsMade && FSettings.Creation->IsDeclined())
-      LeaveOut(Outcome, Target, "the table is not there, and making it was declined");
+      LeaveOut(Outcome, Target, LText("M_Velkrund_Jobs_TableDeclined"));
 }
 
-void TTableImport::LeaveOut(TOutcome& Outcome, const TTarget& Target, const std::string& Note) const {
+void TTableImport::LeaveOut(TOutcome& Outcome, const TTarget& Target, const TLText& Note) const {
   for (const std::size_t Number : Target.Sections) {
     Outcome.Items[Number].State = TItemState::LeftOut;
     Outcome.Items[Number].Note = Note;

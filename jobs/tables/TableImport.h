@@ -72,7 +72,7 @@ class TTableImport final : public TImportPart {
   void RefuseMissing(TInputFile& Input, int Index, const TKnownTable& Table,
                      const std::vector<std::string>& Missing) const;
   const TStringPairs& MappingOf(std::size_t Number) const;
-  void LeaveOut(TOutcome& Outcome, const TTarget& Target, const std::string& Note) const;
+  void LeaveOut(TOutcome& Outcome, const TTarget& Target, const TLText& Note) const;
   void RefuseRepeated(const TTarget& Target) const;
   const TTarget* Find(std::size_t Number) const;
 

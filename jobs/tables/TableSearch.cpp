@@ -13,15 +13,15 @@ namespace {
 
 struct TKindLeftOut {
   TTableKind Kind;
-  const char* What;
+  const char* Key;
 };
 
 constexpr TKindLeftOut KindsLeftOut[] = {
-    {TTableKind::View, "views"},
-    {TTableKind::Foreign, "tables whose rows are on other servers"},
-    {TTableKind::IndexOfTable, "indexes of words over the rows of other tables, to be rebuilt when these are loaded"},
-    {TTableKind::IndexAlone, "indexes of words that do not keep the texts"},
-    {TTableKind::Computed, "virtual tables whose rows are computed or kept elsewhere"},
+    {TTableKind::View, "M_Velkrund_Jobs_LeftViews"},
+    {TTableKind::Foreign, "M_Velkrund_Jobs_LeftForeign"},
+    {TTableKind::IndexOfTable, "M_Velkrund_Jobs_LeftIndexes"},
+    {TTableKind::IndexAlone, "M_Velkrund_Jobs_LeftIndexesAlone"},
+    {TTableKind::Computed, "M_Velkrund_Jobs_LeftComputed"},
 };
 
 }  // namespace
@@ -54,14 +54,14 @@ void TTableSearch::RequireField(TTable& Table, const std::string& Field) const {
 }
 
 std::vector<std::string> TablesWithRows(TStandaloneManager& Manager, const std::string& DatabaseName,
-                                        std::vector<std::string>& Notes) {
+                                        std::vector<TLText>& Notes) {
   std::map<TTableKind, std::vector<std::string>> Names;
   for (const TTableInfo& Table : Manager.Tables(DatabaseName))
     Names[Table.Kind == TTableKind::Extension ? TTableKind::Table : Table.Kind].push_back(FullName(Table));
   std::vector<std::string> Result = std::move(Names[TTableKind::Table]);
-  if (Result.empty()) Notes.emplace_back("there are no tables");
-  for (const auto& [Kind, What] : KindsLeftOut)
-    if (!Names[Kind].empty()) Notes.push_back(Format("left out, being %s: %s", What, Joined(Names[Kind])));
+  if (Result.empty()) Notes.push_back(LText("M_Velkrund_Jobs_NoTables"));
+  for (const auto& [Kind, Key] : KindsLeftOut)
+    if (!Names[Kind].empty()) Notes.push_back(LText(Key, Joined(Names[Kind])));
   return Result;
 }
 

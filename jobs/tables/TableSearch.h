@@ -34,6 +34,6 @@ class TTableSearch {
 /// The names of all tables of a database that have rows of their own. Notes: says what is none, and that there are
 /// none.
 std::vector<std::string> TablesWithRows(TStandaloneManager& Manager, const std::string& DatabaseName,
-                                        std::vector<std::string>& Notes);
+                                        std::vector<TLText>& Notes);
 
 }  // namespace velkrund

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/TestPlatform.h"
+#include "tests/jobs/OwnTexts.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/dictionary/TableDescription.h"
 
@@ -21,7 +21,7 @@ TEST(LongNames, AreKeptOrNotAsThePolicySays) {
       {TLongNamePolicy::Ask, IDYES, false, 2},  {TLongNamePolicy::Ask, IDNO, true, 2},
       {TLongNamePolicy::Keep, Nobody, true, 0}, {TLongNamePolicy::Ask, Nobody, false, 0},
   };
-  const TTestPlatform Platform;
+  const TOwnTexts Platform("English");
   const std::string Long(31, 'N'), Short(30, 'N');
   const auto Named = [](const std::string& Name) {
     TDicTableDescription Result;
@@ -47,10 +47,11 @@ TEST(LongNames, AreKeptOrNotAsThePolicySays) {
       EXPECT_EQ(Names.MayMakeView(Long), Case.Makes);
     }
     EXPECT_EQ(Asked, Case.Asked);
-    std::vector<std::string> Notes;
+    std::vector<TLText> Notes;
     Names.AddNote(Notes);
-    EXPECT_EQ(Notes, Case.Makes ? std::vector{"2 names are longer than some databases take: " + Long + ", " + Long}
-                                : std::vector<std::string>());
+    EXPECT_EQ(EnglishOf(Notes), Case.Makes
+                                    ? std::vector{"2 names are longer than some databases take: " + Long + ", " + Long}
+                                    : std::vector<std::string>());
   }
 }
 

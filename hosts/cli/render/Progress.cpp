@@ -18,6 +18,12 @@ constexpr int LongestBar = 40, ShortestBar = 10;
 constexpr double SecondsUntilTimeLeft = 0.5;
 constexpr double FractionUntilTimeLeft = 0.01;
 
+/// What is counted, behind a number of thousands.
+TLText UnitText(const std::string& Unit) {
+  if (Unit == "rows") return LText("M_Velkrund_Cli_UnitRows");
+  return Unit == "objects" ? LText("M_Velkrund_Cli_UnitObjects") : Unit;
+}
+
 }  // namespace
 
 TProgress::TProgress(TConsole& Console, TProgressStyle Style) : FConsole(Console), FStyle(Style) {
@@ -81,11 +87,14 @@ std::string TProgress::Line(double Fraction, double Seconds) const {
   const bool Bytes = FUnit == "bytes";
   std::string Result = Format("%d%%  ", static_cast<int>(Fraction * 100));
   if (Bytes)
-    Result += Format("%s  %s/s", ByteText(static_cast<double>(FCount)), ByteText(Rate));
+    Result += LText("M_Velkrund_Cli_BytesAndRate", ByteText(static_cast<double>(FCount)), ByteText(Rate)).Local();
   else
-    Result += Format("%s %s  %s %s/s", ShortNumber(static_cast<double>(FCount)), FUnit, ShortNumber(Rate), FUnit);
+    Result += LText("M_Velkrund_Cli_CountAndRate", ShortNumber(static_cast<double>(FCount)), UnitText(FUnit),
+                    ShortNumber(Rate), UnitText(FUnit))
+                  .Local();
   if (Seconds >= SecondsUntilTimeLeft && Fraction >= FractionUntilTimeLeft)
-    Result += Format("  %s left", ClockText(std::llround(std::ceil(Seconds / Fraction * (1 - Fraction)))));
+    Result += LText("M_Velkrund_Cli_TimeLeft", ClockText(std::llround(std::ceil(Seconds / Fraction * (1 - Fraction)))))
+                  .Local();
   return Result;
 }
 

@@ -20,34 +20,45 @@ std::string Decimals(double Value, int Digits) {
 }
 
 /// The number in the largest unit that leaves at least 1 before the point.
-std::string InUnits(double Value, const std::vector<std::string_view>& Units) {
+std::string InUnits(double Value, const std::vector<const char*>& Keys) {
   std::size_t Unit = 0;
-  while (Value >= 999.5 && Unit + 1 < Units.size()) {
+  while (Value >= 999.5 && Unit < Keys.size()) {
     Value /= 1000;
     ++Unit;
   }
-  return Decimals(Value, Unit > 0 && Value < 9.95 ? 1 : 0) + std::string(Units[Unit]);
+  const std::string Number = Decimals(Value, Unit > 0 && Value < 9.95 ? 1 : 0);
+  return Unit == 0 ? Number : LText(Keys[Unit - 1], Number).Local();
 }
 
 }  // namespace
 
+std::string StringsText(std::int64_t Count) { return LCounted("M_Velkrund_Jobs_Strings", Count, Count).Local(); }
+std::string TextsText(std::int64_t Count) { return LCounted("M_Velkrund_Jobs_Texts", Count, Count).Local(); }
+std::string RowsText(std::int64_t Count) { return LCounted("M_Velkrund_Cli_Rows", Count, Count).Local(); }
+
+std::string SectionsText(std::int64_t Count) { return LCounted("M_Velkrund_Cli_Sections", Count, Count).Local(); }
+
 std::string ByteText(double Bytes) {
-  if (Bytes < 1000) return Counted(std::llround(Bytes), "byte");
-  return InUnits(Bytes, {"", " kB", " MB", " GB", " TB", " PB"});
+  if (Bytes < 1000) return LCounted("M_Velkrund_Cli_Bytes", std::llround(Bytes), std::llround(Bytes)).Local();
+  return InUnits(Bytes, {"M_Velkrund_Cli_Kilobytes", "M_Velkrund_Cli_Megabytes", "M_Velkrund_Cli_Gigabytes",
+                         "M_Velkrund_Cli_Terabytes", "M_Velkrund_Cli_Petabytes"});
 }
 
-std::string ShortNumber(double Number) { return InUnits(Number, {"", "k", "M", "G"}); }
+std::string ShortNumber(double Number) {
+  return InUnits(Number, {"M_Velkrund_Cli_Thousands", "M_Velkrund_Cli_Millions", "M_Velkrund_Cli_Billions"});
+}
 
 std::string ClockText(std::int64_t Seconds) {
-  if (Seconds < 60) return Format("%d s", Seconds);
+  if (Seconds < 60) return LText("M_Velkrund_Cli_Seconds", Seconds).Local();
   const auto TwoDigits = [](std::int64_t Value) { return Format(Value < 10 ? "0%d" : "%d", Value); };
   if (Seconds < 3600) return Format("%d:%s", Seconds / 60, TwoDigits(Seconds % 60));
   return Format("%d:%s:%s", Seconds / 3600, TwoDigits(Seconds / 60 % 60), TwoDigits(Seconds % 60));
 }
 
 std::string DurationText(double Seconds) {
-  if (Seconds < 1) return Format("%d ms", std::llround(Seconds * 1000));
-  return Seconds < 10 ? Decimals(Seconds, 2) + " s" : ClockText(std::llround(Seconds));
+  if (Seconds < 1) return LText("M_Velkrund_Cli_Milliseconds", std::llround(Seconds * 1000)).Local();
+  return Seconds < 10 ? LText("M_Velkrund_Cli_DecimalSeconds", Decimals(Seconds, 2)).Local()
+                      : ClockText(std::llround(Seconds));
 }
 
 std::string Wrapped(std::string_view Text, int Indent, int Width) {

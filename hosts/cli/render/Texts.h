@@ -6,10 +6,20 @@
 #include <vector>
 
 #include "standalone/windows/terminal/TerminalText.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
+// All in the language of the user.
+
+/// "1 row", "2 rows".
+std::string RowsText(std::int64_t Count);
+/// The same of localized strings, and of their texts.
+std::string StringsText(std::int64_t Count);
+std::string TextsText(std::int64_t Count);
+/// "1 section", "2 sections".
+std::string SectionsText(std::int64_t Count);
 /// "812 bytes", "3.4 MB" (powers of 1000).
 std::string ByteText(double Bytes);
 /// "350", "350k", "1.2M".

@@ -38,10 +38,9 @@ class TCopyTable final : public TCommand {
   std::string OptionOf(std::string_view Property) const override {
     return Property == "DatabaseName" ? "--to" : TCommand::OptionOf(Property);
   }
-  std::string_view Remedy(TPolicy Policy) const override {
+  TLText Remedy(TPolicy Policy) const override {
     if (Policy != TPolicy::ExistingRows) return TCommand::Remedy(Policy);
-    return "--replace to delete them first, --append to keep them, or --update to bring those with the same key up to "
-           "date";
+    return LText("M_Velkrund_Cli_GiveReplaceAppendOrUpdate");
   }
   int Run(TSession& Session) override { return RunSectionsJob(Session, FInterface); }
 

@@ -29,7 +29,7 @@ std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
   std::string Problems;
   for (const auto& [Table, Count, Bytes, Error] : Info.Tables) {
     Rows.push_back({OnOneLine(FullName(Table)), KindText(Table.Kind), NumberText(Count), NumberText(Bytes)});
-    if (Error) Problems += "warning: " + Printable(ErrorLine(*Error)) + "\n";
+    if (Error) Problems += Printable(LText("M_Velkrund_Jobs_Warning", LErrorLine(*Error)).Local()) + "\n";
   }
   const std::string Catalogue = Info.CatalogueVersion ? Format("version %d", *Info.CatalogueVersion) : "none";
   return Format("database   %s\nengine     %s %s\naccess     %s\ncatalogue  %s\n\n", Name, Info.Engine,

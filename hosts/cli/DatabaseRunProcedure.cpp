@@ -1,5 +1,6 @@
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
+#include "hosts/cli/render/Texts.h"
 #include "jobs/databases/RunProcedure.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Printable.h"
@@ -64,11 +65,12 @@ int TDatabaseRunProcedure::Run(TSession& Session) {
   FJob.KeepRows = Session.Json();
   if (!Session.Json()) FJob.TakeLines = [&](std::string_view Lines) { Session.Console.Result(Lines); };
   RunJob(Session, FInterface);
-  std::string Text = "ran " + OnOneLine(FJob.ProcedureFound());
-  if (!FJob.Columns().empty()) Text += ": " + Counted(FJob.Rows(), "row");
+  std::string Text = LText("M_Velkrund_Cli_Ran", OnOneLine(FJob.ProcedureFound())).Local();
+  if (!FJob.Columns().empty()) Text += ": " + RowsText(FJob.Rows());
   if (FJob.ChangedRows())
-    Text += Format("%s %s changed", FJob.Columns().empty() ? ":" : ",", Counted(*FJob.ChangedRows(), "row"));
-  if (FJob.Policies.DryRun) Text += "\nnothing was changed: this was a dry run";
+    Text += (FJob.Columns().empty() ? ": " : ", ") +
+            LCounted("M_Velkrund_Cli_RowsChanged", *FJob.ChangedRows(), *FJob.ChangedRows()).Local();
+  if (FJob.Policies.DryRun) Text += "\n" + LText("M_Velkrund_Cli_DryRun").Local();
   Session.Say(Text);
   return ExitDone;
 }

@@ -1,7 +1,6 @@
 #include "hosts/cli/RunJob.h"
 #include "hosts/cli/line/Commands.h"
 #include "jobs/dictionary/AdoptObjects.h"
-#include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Printable.h"
 
 namespace velkrund {
@@ -58,16 +57,20 @@ void TDictionaryAdopt::Say(TSession& Session) const {
   std::string Text;
   for (const TJobAdoptObjects::TAdoption& Adoption : FJob.Adoptions()) {
     const std::string Name = OnOneLine(StructureText(Adoption.Structure));
-    if (Adoption.State == TJobState::Added || Adoption.State == TJobState::Replaced)
-      Text += Format("%s %s\n", TJobAdoptObjects::StateText(Adoption.State), Name);
-    if (Adoption.State == TJobState::LeftOut) Text += Format("left out %s: the structure is already there\n", Name);
-    for (const std::string& Gone : Adoption.Gone) Text += "  gone: " + OnOneLine(Gone) + "\n";
+    const auto Add = [&](const char* Key, const std::string& What) { Text += LText(Key, What).Local() + "\n"; };
+    if (Adoption.State == TJobState::Added) Add("M_Velkrund_Cli_Added", Name);
+    if (Adoption.State == TJobState::Replaced) Add("M_Velkrund_Cli_Replaced", Name);
+    if (Adoption.State == TJobState::LeftOut) Add("M_Velkrund_Cli_StructureLeft", Name);
+    for (const std::string& Gone : Adoption.Gone) Add("M_Velkrund_Cli_Gone", OnOneLine(Gone));
   }
-  std::vector<std::string> Left;
-  for (const std::string& One : FJob.LeftBehind()) Left.push_back("not described: " + OnOneLine(One));
-  for (const std::string& Line : Left) Text += Line + "\n";
-  Text += Format("in all %d added, %d replaced, %d unchanged, %d left out\n", FJob.Count(TJobState::Added),
-                 FJob.Count(TJobState::Replaced), FJob.Count(TJobState::Unchanged), FJob.Count(TJobState::LeftOut));
+  std::vector<TLText> Left;
+  for (const std::string& One : FJob.LeftBehind())
+    Left.push_back(LText("M_Velkrund_Jobs_NotDescribed", OnOneLine(One)));
+  for (const TLText& Line : Left) Text += Line.Local() + "\n";
+  Text += LText("M_Velkrund_Cli_AllAdopted", FJob.Count(TJobState::Added), FJob.Count(TJobState::Replaced),
+                FJob.Count(TJobState::Unchanged), FJob.Count(TJobState::LeftOut))
+              .Local() +
+          "\n";
   if (!SayDryRun(Session, FJob, Left)) Session.Say(Text);
 }
 

@@ -27,7 +27,8 @@ class TDictionaryDrop final : public TCommand {
   }
   int Run(TSession& Session) override {
     RunJob(Session, FInterface);
-    if (!SayDryRun(Session, FInterface.Job())) Session.Say("dropped " + FInterface.Job().WhatWasDropped());
+    if (!SayDryRun(Session, FInterface.Job()))
+      Session.Say(LText("M_Velkrund_Cli_Dropped", FInterface.Job().WhatWasDropped()).Local());
     return ExitDone;
   }
 

@@ -32,9 +32,8 @@ class TDictionaryScript final : public TCommand {
   int Run(TSession& Session) override {
     RunJob(Session, FInterface);
     if (!Session.Json()) Session.Console.Result(FJob.Text());
-    if (!FJob.Script().Gaps.empty())
-      Session.Say(Format("%s not made, named at the end",
-                         Counted(static_cast<std::int64_t>(FJob.Script().Gaps.size()), "thing")));
+    const auto Gaps = static_cast<std::int64_t>(FJob.Script().Gaps.size());
+    if (Gaps > 0) Session.Say(LCounted("M_Velkrund_Cli_ThingsNotMade", Gaps, Gaps).Local());
     return ExitDone;
   }
 

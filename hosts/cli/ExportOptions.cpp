@@ -9,6 +9,19 @@ TOption OutputOption(TExportJob& Job) {
   return Required(Text("-o,--output", "FILE", "the file to add to; - is standard output", Job.FileName));
 }
 
+TOption NotRequired(TOption Option) {
+  Option.Required = false;
+  return Option;
+}
+
+void TakeExportSettings(TExportToFolder& Job, const TExportJob& Said) {
+  Job.Policies = Said.Policies;
+  Job.Policies.ExistingFiles = Said.Policies.ExistingSections;
+  Job.Policies.ExistingSections = TExisting::Ask;
+  Job.ReleaseVersion = Said.ReleaseVersion;
+  Job.Encoding = Said.Encoding;
+}
+
 TOption SectionOption(TExportJob& Job, const std::string& Default) {
   return Text("--section", "NAME", Format("the section's name (default: %s)", Default), Job.SectionName);
 }

@@ -28,6 +28,19 @@ const TCommandTexts FileCheckTexts = {
      {"file check *.eif --json", "one document about all of them"},
      {"file check - < shop.eif", "from standard input"}}};
 
+std::string CheckedText(TItemState State) {
+  switch (State) {
+    case TItemState::Done:
+      return LText("M_Velkrund_Cli_CheckedOk").Local();
+    case TItemState::Failed:
+      return LText("M_Velkrund_Cli_CheckedFaulty").Local();
+    case TItemState::Cancelled:
+      return LText("M_Velkrund_Jobs_Cancelled").Local();
+    default:
+      return LText("M_Velkrund_Cli_CheckedNotReached").Local();
+  }
+}
+
 /// Says what a check finds, as it comes.
 class TCheckShown final : public TCheckListener {
  public:
@@ -47,31 +60,36 @@ class TCheckShown final : public TCheckListener {
 
 void TCheckShown::SectionChecked(const TCheckedFile& File, const TCheckedSection& Section) {
   const TItem& Item = Section.Item;
-  const std::string Where = File.Text + ": " + Section.Text;
+  const std::string Where = File.Text + ": " + Section.Text.Local();
   const bool IsDone = Item.State == TItemState::Done;
   std::vector<std::string> Facts;
-  if (Section.HasRows) Facts.push_back((IsDone ? "" : "after ") + Counted(Item.Counts.RowCount, "row"));
+  const std::int64_t Rows = Item.Counts.RowCount;
+  if (Section.HasRows)
+    Facts.push_back(IsDone ? RowsText(Rows) : LCounted("M_Velkrund_Cli_AfterRows", Rows, Rows).Local());
   if (IsDone) Facts.push_back(ByteText(static_cast<double>(Item.Bytes)));
-  if (Item.Losses.Malformed) Facts.push_back(Counted(Item.Losses.Malformed, "malformed character"));
-  if (Item.Losses.Unrepresentable)
-    Facts.push_back(Counted(Item.Losses.Unrepresentable, "character") + " that the code page lacks");
-  Say(Where + ": " + CheckText(Item.State) + (Facts.empty() ? "" : ", " + Joined(Facts)));
+  const auto Add = [&](const char* Key, std::int64_t Count) {
+    if (Count > 0) Facts.push_back(LCounted(Key, Count, Count).Local());
+  };
+  Add("M_Velkrund_Cli_MalformedCharacters", Item.Losses.Malformed);
+  Add("M_Velkrund_Cli_UnrepresentableCharacters", Item.Losses.Unrepresentable);
+  Say(Where + ": " + CheckedText(Item.State) + (Facts.empty() ? "" : ", " + Joined(Facts)));
   if (Item.Error) SayError(FSession, *Item.Error);
 }
 
 void TCheckShown::FileChecked(const TCheckedFile& File) {
   for (const std::string& Hidden : File.Hidden) {
-    Say(File.Text + ": a section that is not read");
+    Say(LText("M_Velkrund_Cli_SectionNotRead", File.Text).Local());
     FSession.Say(Format("velkrund: %s: %s%s", File.Text, Hidden,
                         File.HasLineFeeds ? "; " + LineFeedRemedy(File.Text) : std::string()));
   }
-  for (const std::string& Note : File.Notes) FSession.Console.Message(Format("%s: note: %s", File.Text, Note));
+  for (const TLText& Note : File.Notes) FSession.Console.Message(LText("M_Velkrund_Cli_Note", File.Text, Note).Local());
   if (File.Error) {
     const auto Count = static_cast<std::int64_t>(File.Sections.size());
     Say(File.Text + ": " +
-        (!File.IsOpen       ? "cannot be opened"
-         : File.IsForeign() ? "no section"
-                            : "faulty behind " + Counted(Count, "section")));
+        (!File.IsOpen       ? LText("M_Velkrund_Cli_NotOpened")
+         : File.IsForeign() ? LText("M_Velkrund_Cli_NoSection")
+                            : LCounted("M_Velkrund_Cli_FaultyBehind", Count, Count))
+            .Local());
     SayError(FSession, *File.Error);
   }
 }
@@ -100,9 +118,12 @@ int TFileCheck::Run(TSession& Session) {
   FJob.CheckListener = &Shown;
   RunJob(Session, FInterface);
   const TJobCheckFiles::TTotals& Totals = FJob.Totals();
-  Session.Say(Format("checked %s: %s, %s, %s; %s%s", Counted(Totals.Sections, "section"), Counted(Totals.Rows, "row"),
-                     ByteText(static_cast<double>(Totals.Bytes)), DurationText(Totals.Seconds),
-                     Counted(Totals.Faults, "fault"), Totals.Cancelled ? "; cancelled" : ""));
+  std::string Text = LText("M_Velkrund_Cli_Checked", SectionsText(Totals.Sections), RowsText(Totals.Rows),
+                           ByteText(static_cast<double>(Totals.Bytes)), DurationText(Totals.Seconds),
+                           LCounted("M_Velkrund_Cli_Faults", Totals.Faults, Totals.Faults))
+                         .Local();
+  if (Totals.Cancelled) Text += "; " + LText("M_Velkrund_Jobs_Cancelled").Local();
+  Session.Say(Text);
   return static_cast<int>(FJob.End());
 }
 

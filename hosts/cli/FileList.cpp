@@ -62,7 +62,8 @@ class TFileList final : public TCommand {
 int TFileList::Run(TSession& Session) {
   RunJob(Session, FInterface);
   if (!Session.Json()) Session.Console.Result(TextOf(FJob.Found()));
-  if (FJob.HasMalformed()) Session.Console.Message("warning: headers hold malformed characters, shown as U+FFFD");
+  if (FJob.HasMalformed())
+    Session.Console.Message(LText("M_Velkrund_Jobs_Warning", LText("M_Velkrund_Jobs_MalformedShown")).Local());
   if (FJob.HeaderFault()) SayError(Session, FactsOf(FJob.HeaderFault()));
   return static_cast<int>(FJob.End());
 }

@@ -31,8 +31,8 @@ class TFileRemove final : public TCommand {
             Shared.General()};
   }
   void CheckOptions() override { FJob.CheckSettings(); }
-  std::string_view Remedy(TPolicy Policy) const override {
-    return Policy == TPolicy::Yes ? "--yes, or choose by index" : TCommand::Remedy(Policy);
+  TLText Remedy(TPolicy Policy) const override {
+    return Policy == TPolicy::Yes ? LText("M_Velkrund_Cli_GiveYesOrIndex") : TCommand::Remedy(Policy);
   }
   int Run(TSession& Session) override;
 
@@ -45,8 +45,9 @@ int TFileRemove::Run(TSession& Session) {
   RunJob(Session, FInterface);
   if (SayDryRun(Session, FJob)) return ExitDone;
   std::string Text;
-  for (const TJobRemoveSections::TRemoved& Section : FJob.Removed()) Text += "removed " + Section.Text + "\n";
-  Session.Say(Text + Counted(FJob.SectionsLeft(), "section") + " left");
+  for (const TJobRemoveSections::TRemoved& Section : FJob.Removed())
+    Text += LText("M_Velkrund_Cli_Removed", Section.Text).Local() + "\n";
+  Session.Say(Text + LCounted("M_Velkrund_Cli_SectionsLeft", FJob.SectionsLeft(), FJob.SectionsLeft()).Local());
   return ExitDone;
 }
 

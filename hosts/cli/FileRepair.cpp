@@ -3,7 +3,6 @@
 #include "hosts/cli/render/Texts.h"
 #include "jobs/report/ErrorReport.h"
 #include "jobs/sections/RepairFile.h"
-#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
@@ -39,18 +38,17 @@ class TFileRepair final : public TCommand {
 int TFileRepair::Run(TSession& Session) {
   RunJob(Session, FInterface);
   const TSectionRepair& Repair = FJob.Repair();
-  const std::string Left = Counted(Repair.SectionsLeft, "section");
-  if (Repair.LineFeeds > 0)
-    Session.Say(Format("put the carriage return back in front of %s that ended a line alone",
-                       Counted(Repair.LineFeeds, "line feed")));
+  const auto Count = static_cast<std::int64_t>(Repair.SectionsLeft);
+  const auto LineFeeds = static_cast<std::int64_t>(Repair.LineFeeds);
+  if (LineFeeds > 0) Session.Say(LCounted("M_Velkrund_Cli_LineFeedsMended", LineFeeds, LineFeeds).Local());
   if (Repair.Position < 0) {
-    Session.Say(Repair.LineFeeds > 0 ? Format("'%s' has %s", FJob.FileName, Left)
-                                     : Format("nothing to repair: '%s' has %s", FJob.FileName, Left));
+    const char* const Key = LineFeeds > 0 ? "M_Velkrund_Cli_FileHas" : "M_Velkrund_Cli_NothingToRepair";
+    Session.Say(LCounted(Key, Count, FJob.FileName, Count).Local());
     return ExitDone;
   }
-  if (Repair.Fault) Session.Say("the fault was: " + ErrorLine(*Repair.Fault));
-  Session.Say(Format("cut off an unfinished section from position %d on: %s, now in '%s'\n%s left", Repair.Position,
-                     Counted(Repair.Bytes, "byte"), Repair.CutFile, Left));
+  if (Repair.Fault) Session.Say(LText("M_Velkrund_Cli_FaultWas", LErrorLine(*Repair.Fault)).Local());
+  Session.Say(LCounted("M_Velkrund_Cli_CutOff", Repair.Bytes, Repair.Position, Repair.Bytes, Repair.CutFile).Local() +
+              "\n" + LCounted("M_Velkrund_Cli_SectionsLeft", Count, Count).Local());
   return ExitDone;
 }
 

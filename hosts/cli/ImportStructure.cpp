@@ -32,7 +32,7 @@ class TImportStructure final : public TCommand {
   const TCommandTexts& Texts() const override { return ImportStructureTexts; }
   std::vector<TOptionGroup> Options() override;
   void CheckOptions() override;
-  std::string_view Remedy(TPolicy Policy) const override;
+  TLText Remedy(TPolicy Policy) const override;
   bool ReadsStandardInput() const override { return FJob.FileName == "-"; }
   int Run(TSession& Session) override { return RunSectionsJob(Session, FInterface); }
 
@@ -79,9 +79,9 @@ void TImportStructure::CheckOptions() {
   FJob.CheckSettings();
 }
 
-std::string_view TImportStructure::Remedy(TPolicy Policy) const {
+TLText TImportStructure::Remedy(TPolicy Policy) const {
   if (Policy != TPolicy::ExistingStructures) return TCommand::Remedy(Policy);
-  return "--overwrite yes to replace them, --overwrite no to leave them out, or --merge";
+  return LText("M_Velkrund_Cli_GiveOverwriteOrMerge");
 }
 
 }  // namespace

@@ -13,17 +13,21 @@ namespace velkrund {
 
 namespace {
 
-int RunCommand(TCommand& Command, TSession& Session) {
-  TConsole& Console = Session.Console;
-  if (Command.WritesStandardOutput() && Command.Shared.Json)
-    throw EUsage("--json and the file cannot both go to standard output");
-  const std::unique_ptr<TWindowSystem> Person = FindPerson(Console, Command.ReadsStandardInput());
-  TUnattendedWindows Nobody([&](std::string_view Text) { Console.Message(Text); });
-  TScriptedWindows Windows(Person ? Person.get() : &Nobody);
-  if (Command.Shared.Yes) Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
-  const TApplication Application(Command.Shared.ApplicationOptions(), &Windows);
-  return Command.Run(Session);
-}
+/// The platform that a command works with, and whoever answers its questions.
+struct TRunning {
+  TRunning(const TCommand& Command, TConsole& Console)
+      : Person(FindPerson(Console, Command.ReadsStandardInput())),
+        Nobody([&Console](std::string_view Text) { Console.Message(Text); }),
+        Windows(Person ? Person.get() : &Nobody),
+        Application(Command.Shared.ApplicationOptions(), &Windows) {
+    if (Command.Shared.Yes) Windows.AnswerAlways("TMessageBoxForm", {"YesButton", {}});
+  }
+
+  std::unique_ptr<TWindowSystem> Person;
+  TUnattendedWindows Nobody;
+  TScriptedWindows Windows;
+  TApplication Application;
+};
 
 /// An error as a document, where one was asked for. A program that reads it gets one in every case.
 void PrintErrorDocument(const TSession& Session, const TErrorFacts& Error, TEnd End) {
@@ -55,13 +59,18 @@ int RunReported(TCommand& Command, TConsole& Console) {
   TSession Session{Console, Progress, Command};
   if (Command.Shared.Progress == TProgressStyle::Json) Console.TellEvents();
   int ExitCode;
+  const TPlainTexts Texts;
+  std::optional<TRunning> Running;  // its language is that of the error, too
   try {
-    ExitCode = RunCommand(Command, Session);
+    if (Command.WritesStandardOutput() && Command.Shared.Json)
+      throw EUsage("--json and the file cannot both go to standard output");
+    Running.emplace(Command, Console);
+    ExitCode = Command.Run(Session);
   } catch (const std::exception& Error) {
-    const TErrorFacts Facts = FactsForPeople(Command, Error);
+    const TErrorFacts Facts = FactsForPrograms(Command, Error);
     const TEnd End = EndOf(Error);
     PrintErrorDocument(Session, Facts, End);
-    SayError(Session, Facts);
+    SayError(Session, FactsForPeople(Command, Error));
     Session.Report = ErrorDocument(Facts, Command.Name(), End);
     ExitCode = static_cast<int>(End);
   }

@@ -1,30 +1,28 @@
 #include "hosts/cli/Recreation.h"
 
-#include <algorithm>
-
 #include "hosts/cli/RunJob.h"
-#include "velkrund/platform/ormtools/Format.h"
+#include "hosts/cli/render/ReportText.h"
+#include "hosts/cli/render/Texts.h"
 #include "velkrund/platform/ormtools/Printable.h"
-#include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
 
 namespace {
 
 std::string DoneText(const TRecreation& Item) {
-  std::string Result = Item.IsThere ? "recreated " : "created ";
-  Result += OnOneLine(StructureText(Item.Structure));
-  if (Item.Rows) Result += ": " + Counted(*Item.Rows, "row");
-  if (Item.RowsDropped) Result += Format(": %s dropped", Counted(*Item.RowsDropped, "row"));
+  std::string Result = LText(Item.IsThere ? "M_Velkrund_Cli_Recreated" : "M_Velkrund_Cli_Created",
+                             OnOneLine(StructureText(Item.Structure)))
+                           .Local();
+  if (Item.Rows) Result += LText("M_Velkrund_Cli_Amount", RowsText(*Item.Rows)).Local();
+  if (Item.RowsDropped) Result += LCounted("M_Velkrund_Cli_RowsDropped", *Item.RowsDropped, *Item.RowsDropped).Local();
   return Result;
 }
 
 std::string ItemText(const TRecreation& Item) {
   if (Item.State == TItemState::Done) return DoneText(Item);
-  std::string State(StateText(Item.State));
-  std::replace(State.begin(), State.end(), '-', ' ');
-  const std::string Result = State + " " + OnOneLine(StructureText(Item.Structure));
-  return Item.Note.empty() ? Result : Result + ": " + Item.Note;
+  const std::string Result =
+      LText("M_Velkrund_Cli_Item", StateForPeople(Item.State), OnOneLine(StructureText(Item.Structure))).Local();
+  return Item.Note.Empty() ? Result : Result + LText("M_Velkrund_Cli_Why", Item.Note).Local();
 }
 
 /// Each line of the text on one.
@@ -41,7 +39,7 @@ std::string OnLines(std::string_view Text) {
 std::string ReportText(const TRecreationJob& Job) {
   std::string Result;
   for (const TRecreation& Item : Job.Items()) Result += ItemText(Item) + "\n";
-  for (const std::string& Note : Job.Notes()) Result += OnLines(Note);
+  for (const TLText& Note : Job.Notes()) Result += OnLines(Note.Local());
   return Result;
 }
 

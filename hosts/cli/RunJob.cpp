@@ -32,8 +32,8 @@ class TShown final : public TJobListener {
     if (!FSession.Console.TellsEvents()) SayError(FSession, Error);
   }
   void Stopped(TPolicy Policy) override {
-    FSession.Console.Message(Format("velkrund: stopped there. There is no terminal to ask whether to go on: give %s",
-                                    FSession.Command.Remedy(Policy)));
+    FSession.Console.Message("velkrund: " +
+                             LText("M_Velkrund_Cli_StoppedThere", FSession.Command.Remedy(Policy)).Local());
   }
   void Complain(const std::string& Text) override { FSession.Console.Message("velkrund: " + Text); }
 
@@ -67,12 +67,12 @@ void RunJob(TSession& Session, TUtilOperationInterface& Interface) {
   PrintDocument(Session, static_cast<const TJob&>(Interface.Operation()));
 }
 
-bool SayDryRun(const TSession& Session, const TPolicyJob& Job, const std::vector<std::string>& Notes) {
+bool SayDryRun(const TSession& Session, const TPolicyJob& Job, const std::vector<TLText>& Notes) {
   if (!Job.Policies.DryRun) return false;
   if (!Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(PlanText(Job.PlanSteps()));
   std::string Text;
-  for (const std::string& Note : Notes) Text += Note + "\n";
-  Session.Say(Text + "nothing was changed: this was a dry run\n");
+  for (const TLText& Note : Notes) Text += Note.Local() + "\n";
+  Session.Say(Text + LText("M_Velkrund_Cli_DryRun").Local() + "\n");
   return true;
 }
 

@@ -13,7 +13,7 @@ namespace velkrund {
 void RunJob(TSession& Session, TUtilOperationInterface& Interface);
 /// The same for a job on sections, whose end report follows; the exit code.
 /// Shows what a dry run has found; false when the job was none.
-bool SayDryRun(const TSession& Session, const TPolicyJob& Job, const std::vector<std::string>& Notes = {});
+bool SayDryRun(const TSession& Session, const TPolicyJob& Job, const std::vector<TLText>& Notes = {});
 int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface);
 
 }  // namespace velkrund

@@ -26,7 +26,7 @@ std::string ReadAll(std::istream& Input) {
 
 }  // namespace
 
-std::string ReadText(const std::string& FileName, const std::string& What) {
+std::string ReadWholeText(const std::string& FileName, const std::string& What) {
   const bool IsStandard = FileName == "-";
   std::ifstream File;
   if (!IsStandard) File.open(FileName, std::ios::binary);
@@ -41,10 +41,17 @@ std::string ReadText(const std::string& FileName, const std::string& What) {
   std::string Text = ReadAll(Input);
   if (Input.bad() || (errno != 0 && Text.empty())) Refuse(std::strerror(errno));
   if (Text.size() > Most) Refuse("it is larger than 16 MiB");
-  if (Text.starts_with(ByteOrderMark)) Text.erase(0, ByteOrderMark.size());
-  if (Trim(Text).empty()) Refuse("it is empty");
   if (!IsStrictUtf8(Text)) Refuse("it is not UTF-8");
   return Text;
+}
+
+std::string ReadText(const std::string& FileName, const std::string& What) {
+  std::string Text = ReadWholeText(FileName, What);
+  if (Text.starts_with(ByteOrderMark)) Text.erase(0, ByteOrderMark.size());
+  if (!Trim(Text).empty()) return Text;
+  const std::string From = FileName == "-" ? "standard input" : Format("'%s'", FileName);
+  throw EFOpenError(Format("Cannot read %s from %s: it is empty", What, From),
+                    {.File = FileName == "-" ? std::string() : FileName});
 }
 
 }  // namespace velkrund

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string_view>
 
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/lctrls/WindowSystem.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -24,6 +25,6 @@ class TUnattendedWindows final : public TWindowSystem {
 EQuestionUnanswered UnshownError(const TForm& Form);
 
 /// A decision that nobody could make: what is at stake, and the options that decide.
-std::string UnansweredText(std::string_view Stakes, std::string_view Options);
+TLText UnansweredText(const TLText& Stakes, const TLText& Options);
 
 }  // namespace velkrund

@@ -160,6 +160,7 @@ class TDocumentsTest : public TShopTest {
                            .replace(Structure.find("= S"), 3, "= N")
                            .replace(Structure.find("ObjectName = S"), 14, "ObjectName = N") +
                        "  a#0023\r\n[END]\r\n");
+    Write("PO", "msgctxt \"K_A\"\nmsgid \"a\"\nmsgstr \"b\"\n");
     Write("LF", "[SECTION]\n" + Ids.substr(std::string("[SECTION]\r\n").size()));
     Write("broken.toml", "[database.x]\nurl = 5\n");
   }
@@ -267,6 +268,13 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"export table" + Tied + "--all --structures -o DESCRIBED", 0, "transfer"},
       {"import file -d sqlite:made.db --create -i DESCRIBED --create-tables yes --dry-run", 0, "transfer"},
       {"import file" + Tied + "-i DESCRIBED --replace --overwrite yes --dry-run", 0, "transfer"},
+      {"resources import-po" + Empty + "-i PO --language B --source-language A --add-languages", 0, "catalogue-import"},
+      {"resources import-po" + Empty + "-i PO --language A --dry-run --overwrite yes", 0, "catalogue-import"},
+      {"resources import-po" + Empty + "-i PO --language C", 1, "error"},
+      {"resources export-po" + Empty + "--all --source-language A --language B -o PO2", 0, "catalogue-export"},
+      {"resources export-po" + Empty + "--all --source-language A --language B -o PO2", 1, "error"},
+      {"resources export-po" + Empty + "--all --source-language A --language B -o PO2 --dry-run", 0,
+       "catalogue-export"},
       {"database info" + Tied, 0, "database"},
       {"database info" + Empty, 0, "database"},
   });
@@ -332,6 +340,33 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"import generator -i Q -d sqlite:copy.db", 0, "transfer"},
       {"copy table --from sqlite:copy.db --to sqlite:copy.db -t u --to-table t", 0, "transfer"},
       {"copy table --from sqlite:copy.db --to sqlite:copy.db -t u", 1, "error"},
+  });
+  // Localized strings and languages.
+  Query("texts.db", "CREATE TABLE t (i)");
+  Query("others.db", "CREATE TABLE t (i)");
+  const std::string Texts = " -d sqlite:texts.db";
+  Check({
+      {"languages add A --native a" + Texts, 0, "language"},
+      {"languages add B --dry-run" + Texts, 0, "language"},
+      {"languages list" + Texts, 0, "languages"},
+      {"resources set K_X A x" + Texts, 0, "string"},
+      {"resources set K_X A y --dry-run" + Texts, 0, "string"},
+      {"resources get K_X" + Texts, 0, "string"},
+      {"resources list" + Texts, 0, "resources"},
+      {"resources list --section-id K" + Texts, 0, "resources"},
+      {"export resource --section-id K -o L" + Texts, 0, "transfer"},
+      {"export single-resources --section-id K --section-ids K --language A -o L1" + Texts, 0, "transfer"},
+      {"export language -o L" + Texts, 0, "transfer"},
+      {"export xml --all -o L.xml" + Texts, 0, "xml"},
+      {"export xml --all -o L.xml --overwrite no" + Texts, 0, "xml"},
+      {"export xml --all -o L.xml --dry-run" + Texts, 0, "xml"},
+      {"import resource -i L --overwrite no" + Texts, 0, "transfer"},
+      {"import resource -i L -d sqlite:others.db", 1, "error"},
+      {"copy language --from sqlite:texts.db --to sqlite:others.db", 0, "transfer"},
+      {"copy resource --from sqlite:texts.db --to sqlite:others.db --all", 0, "transfer"},
+      {"delete string K_X -y" + Texts, 0, "transfer"},
+      {"delete resource --section-id K -y -d sqlite:others.db", 0, "transfer"},
+      {"languages remove A -y" + Texts, 0, "language"},
   });
   // Objects that are made anew.
   Query("anew.db", "CREATE TABLE t (a INTEGER); INSERT INTO t VALUES (1); CREATE VIEW v AS SELECT a FROM t");

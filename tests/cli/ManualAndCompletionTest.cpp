@@ -72,7 +72,7 @@ TEST_F(TCompletionTest, BashOffersWhatMayStandThere) {
       {{"im"}, "import"},
       {{"--ma"}, "--manual"},
       {{"--completion", ""}, "bash|zsh|fish"},
-      {{"export", ""}, "table|structure|query|generator|--help"},
+      {{"export", ""}, "table|structure|query|generator|resource|single-resources|language|xml|--help"},
       {{"file", "re"}, "remove|repair"},
       {{"nothing", ""}, ""},
       {{"--json", "-v", "exp"}, "export"},

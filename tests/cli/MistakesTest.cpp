@@ -96,12 +96,15 @@ TEST_F(TMistakesTest, EachIsToldOnOneLineWithPostgreSQLToo) {
       "feed alone; velkrund file repair 'tail.eif' mends it";
   const TMistake Mistakes[] = {
       {"$V exprot table -d $D -t A -o o.eif",
-       "'exprot' is not a verb: there are export, import, copy, recreate, dictionary, file, database; did you mean "
+       "'exprot' is not a verb: there are export, import, copy, delete, recreate, dictionary, languages, resources, "
+       "file, database; did you mean "
        "'export'?"},
       {"$V export tabel -d $D",
-       "'tabel' is not an object of export: there are table, structure, query, generator; did you mean 'table'?"},
+       "'tabel' is not an object of export: there are table, structure, query, generator, resource, single-resources, "
+       "language, xml; did you mean 'table'?"},
       {"$V table export -d $D",
-       "'table' is not a verb: there are export, import, copy, recreate, dictionary, file, database; did you mean "
+       "'table' is not a verb: there are export, import, copy, delete, recreate, dictionary, languages, resources, "
+       "file, database; did you mean "
        "'export "
        "table'?"},
       {"$V export table --tabel A", "'--tabel' is not understood here; did you mean '--table'?"},

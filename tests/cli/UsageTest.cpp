@@ -13,14 +13,16 @@ struct TWrongLine {
 
 TEST_F(TUsageTest, WrongLinesEndWithTwoAndSayWhatIsWrong) {
   const TWrongLine Lines[] = {
-      {{}, "export, import, copy, recreate, dictionary, file, database"},
+      {{}, "export, import, copy, delete, recreate, dictionary, languages, resources, file, database"},
       {{"exprot", "table", "-d", "sqlite:x", "--all"},
-       "there are export, import, copy, recreate, dictionary, file, database; did you mean 'export'?"},
+       "there are export, import, copy, delete, recreate, dictionary, languages, resources, file, database; did you "
+       "mean 'export'?"},
       {{"table", "export", "--all"}, "did you mean 'export table'?"},
       {{"file", "import"}, "did you mean 'import file'?"},
-      {{"list"}, "did you mean 'dictionary list' or 'file list'?"},
+      {{"list"}, "did you mean 'dictionary list' or 'languages list' or 'resources list' or 'file list'?"},
       {{"frobnicate"},
-       "'frobnicate' is not a verb: there are export, import, copy, recreate, dictionary, file, database\n"},
+       "'frobnicate' is not a verb: there are export, import, copy, delete, recreate, dictionary, languages, "
+       "resources, file, database\n"},
       {{"-d", "sqlite:x", "export", "table"}, "'-d' has to stand behind the verb and the object"},
       {{"info", "-d", "sqlite:x"}, "did you mean 'database info'?"},
       {{"database", "info", "sqlite:x"}, "here: every value stands behind the name of its option"},

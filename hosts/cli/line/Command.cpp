@@ -21,11 +21,19 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"Engine", "--engine"},
     {"ExcludedBLOBFields", "--exclude-blobs"},
     {"ExistingSections", "--overwrite"},
+    {"AddLanguages", "--add-languages"},
     {"ExistingObjects", "--overwrite"},
+    {"ExistingFiles", "--overwrite"},
+    {"ExistingTexts", "--overwrite"},
     {"ExistingStructures", "--overwrite yes"},
     {"Fields", "--fields"},
     {"GeneratorNames", "--name"},
     {"FileNames", "--input"},
+    {"Folder", "--folder"},
+    {"FuzzyEntries", "--fuzzy"},
+    {"Language", "--language"},
+    {"LanguageName", "NAME"},
+    {"Languages", "--languages"},
     {"Indexes", "INDEX"},
     {"Lenient", "--lenient"},
     {"LongNames", "--long-names"},
@@ -52,37 +60,47 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"Selection", "--where"},
     {"SetGenerators", "--set-generators"},
     {"SourceDatabaseName", "--from"},
+    {"SourceLanguage", "--source-language"},
     {"Structures", "--structures"},
+    {"SectionID", "--section-id"},
+    {"SectionIDs", "--section-ids"},
     {"SectionName", "--section"},
     {"Sections", "--section"},
     {"StartValue", "--start-value"},
+    {"StringID", "STRING-ID"},
+    {"StringIDs", "ID"},
     {"TableName", "--table"},
+    {"TargetSectionID", "--to-section-id"},
     {"TargetTableName", "--to-table"},
     {"Update", "--update"},
 };
 
 }  // namespace
 
-std::string_view TCommand::Remedy(TPolicy Policy) const {
+TLText TCommand::Remedy(TPolicy Policy) const {
   switch (Policy) {
     case TPolicy::ExistingRows:
-      return "--replace to delete them first, or --append to keep them";
+      return LText("M_Velkrund_Cli_GiveReplaceOrAppend");
     case TPolicy::ExistingSections:
-      return "--overwrite yes to replace, --overwrite no to leave it out, or --add to keep both";
+      return LText("M_Velkrund_Cli_GiveOverwriteOrAdd");
     case TPolicy::ExistingStructures:
-      return "--overwrite yes to replace them, or --overwrite no to leave them out";
+      return LText("M_Velkrund_Cli_GiveOverwriteThem");
     case TPolicy::ExistingObjects:
-      return "--overwrite yes to make them anew, or --overwrite no to leave them as they are";
+      return LText("M_Velkrund_Cli_GiveMakeAnew");
+    case TPolicy::ExistingTexts:
+      return LText("M_Velkrund_Cli_GiveReplaceTexts");
+    case TPolicy::ExistingFiles:
+      return LText("M_Velkrund_Cli_GiveReplaceFile");
     case TPolicy::OnError:
-      return "--on-error continue or --on-error stop";
+      return LText("M_Velkrund_Cli_GiveOnError");
     case TPolicy::CreateTables:
-      return "--create-tables yes to make them, or --create-tables no to leave them out";
+      return LText("M_Velkrund_Cli_GiveCreateTables");
     case TPolicy::LongNames:
-      return "--long-names keep or --long-names cancel";
+      return LText("M_Velkrund_Cli_GiveLongNames");
     case TPolicy::MissingSources:
-      return "--missing skip or --missing stop";
+      return LText("M_Velkrund_Cli_GiveMissing");
     case TPolicy::QueryTarget:
-      return "--target TABLE, with --map FILEFIELD=TABLEFIELD for fields of other names";
+      return LText("M_Velkrund_Cli_GiveTarget");
     case TPolicy::Yes:
       break;
   }

@@ -6,6 +6,7 @@
 
 #include "hosts/cli/line/Option.h"
 #include "hosts/cli/line/SharedOptions.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -47,7 +48,7 @@ class TCommand {
   /// After parsing: what the options say together. Raises EUsage, or a job's ESettingsError.
   virtual void CheckOptions() {}
   /// The options that decide what a policy leaves open, to be read behind "Give".
-  virtual std::string_view Remedy(TPolicy Policy) const;
+  virtual TLText Remedy(TPolicy Policy) const;
   /// The option by which people give a job's property; its own name where there is none.
   virtual std::string OptionOf(std::string_view Property) const;
   /// Whether standard input carries the data, so that questions have to be asked elsewhere.

@@ -59,6 +59,11 @@ TOption Pairs(std::string Names, std::string Value, std::string Help,
   return Result;
 }
 
+TOption MayBeEmpty(TOption Option) {
+  Option.MayBeEmpty = true;
+  return Option;
+}
+
 TOption Required(TOption Option) {
   Option.Required = true;
   return Option;

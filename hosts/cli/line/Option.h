@@ -17,7 +17,8 @@ struct TOption {
   std::vector<std::string> Choices = {};                            // the only values; empty: any
   bool Repeatable = false;
   bool Required = false;
-  bool IsNumber = false;                  // only whole numbers of 32 bits
+  bool IsNumber = false;  // only whole numbers of 32 bits
+  bool MayBeEmpty = false;
   std::vector<std::string> NotWith = {};  // names of options that contradict this one
 
   /// The name to use in messages: the long one where there is one.
@@ -68,6 +69,7 @@ TOption Assigning(std::string Names, std::string Help, T& Target, T Value) {
 }
 
 TOption Required(TOption Option);
+TOption MayBeEmpty(TOption Option);
 TOption NotWith(TOption Option, std::vector<std::string> Names);
 
 /// The names in Text between commas, without blanks around them and without empty ones.

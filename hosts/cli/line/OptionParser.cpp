@@ -96,7 +96,7 @@ class TParser {
         throw EUsage(Format("%s and %s contradict each other: give one of them", Option.Name(), Other));
     if (Option.IsSwitch()) return;
     const std::string Value = Given.Parser->results().back();
-    if (Value.empty()) throw EUsage(Format("%s needs a value that is not empty", Option.Name()));
+    if (Value.empty() && !Option.MayBeEmpty) throw EUsage(Format("%s needs a value that is not empty", Option.Name()));
     if (!Option.Choices.empty() &&
         std::find(Option.Choices.begin(), Option.Choices.end(), Value) == Option.Choices.end())
       throw EUsage(

@@ -136,6 +136,41 @@ TOption TSharedOptions::OverwriteStructuresOption(TPolicies& Policies) {
                            Policies.ExistingStructures);
 }
 
+TOption TSharedOptions::OverwriteTextsOption(TPolicies& Policies) {
+  return Choice<TExisting>(
+      "--overwrite", "a text, or a language of other names, that is there: replace it, or keep it (default: ask)",
+      {{"ask", TExisting::Ask}, {"yes", TExisting::Replace}, {"no", TExisting::Skip}}, Policies.ExistingTexts);
+}
+
+TOption TSharedOptions::OverwriteFilesOption(TPolicies& Policies) {
+  return Choice<TExisting>("--overwrite", "a file that is there: replace it, or leave it as it is (default: ask)",
+                           {{"ask", TExisting::Ask}, {"yes", TExisting::Replace}, {"no", TExisting::Skip}},
+                           Policies.ExistingFiles);
+}
+
+TOption TSharedOptions::MissingOption(TPolicies& Policies, std::string_view What) {
+  return Choice<TMissingSourcePolicy>(
+      "--missing",
+      Format("a %s that is named and not there: ask, leave it out, which the report says, or stop before anything is "
+             "changed (default: stop)",
+             What),
+      {{"ask", TMissingSourcePolicy::Ask}, {"skip", TMissingSourcePolicy::Skip}, {"stop", TMissingSourcePolicy::Stop}},
+      Policies.MissingSources);
+}
+
+TOption TSharedOptions::AddLanguagesOption(bool& Add) {
+  return Switch("--add-languages", "add languages that the database lacks; without it they are an error", Add);
+}
+
+TOption TSharedOptions::LanguagesOption(std::vector<std::string>& Languages, std::string_view Whose) {
+  return CommaList("--languages", "A,B", Format("only these languages (default: all of %s)", Whose), Languages);
+}
+
+std::vector<TOption> TSharedOptions::SectionIDsOptions(std::vector<std::string>& SectionIDs) {
+  return {List("--section-id", "ID", "a resource, that is a section of strings, in any case", SectionIDs),
+          CommaList("--section-ids", "S,T", "several of them", SectionIDs)};
+}
+
 std::vector<TOptionGroup> TSharedOptions::OfOneStructure(std::int32_t& Type, std::string& Name) {
   return {{"Options", {DatabaseOption(), TypeOption(Type), Required(NameOption(Name))}}, General()};
 }

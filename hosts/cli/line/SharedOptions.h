@@ -41,6 +41,16 @@ struct TSharedOptions {
   static TOption DryRunOption(TPolicies& Policies);
   /// --overwrite, for structures that are there.
   static TOption OverwriteStructuresOption(TPolicies& Policies);
+  /// --overwrite, for localized texts and languages that are there.
+  static TOption OverwriteTextsOption(TPolicies& Policies);
+  /// --overwrite, for files that are made afresh.
+  static TOption OverwriteFilesOption(TPolicies& Policies);
+  static TOption MissingOption(TPolicies& Policies, std::string_view What);
+  /// For commands about localized texts.
+  static TOption AddLanguagesOption(bool& Add);
+  static TOption LanguagesOption(std::vector<std::string>& Languages, std::string_view Whose);
+  /// --section-id and --section-ids, which are the same.
+  static std::vector<TOption> SectionIDsOptions(std::vector<std::string>& SectionIDs);
   /// --type and --name, for commands about stored structures.
   static TOption TypeOption(std::int32_t& Type) { return Number("--type", "T", "the object type, a number", Type); }
   static TOption NameOption(std::string& Name) {

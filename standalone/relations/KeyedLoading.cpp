@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "velkrund/platform/database/EmptyTable.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -219,7 +220,7 @@ void TKeyedLoading::End(bool Whole) {
   const std::unique_ptr<TSafeguards> Safeguards = std::move(FSafeguards);
   const std::unique_ptr<TReferenceCheck> References = std::move(FReferences);
   if (!Transaction || !Whole) return;
-  std::vector<std::string> Remarks;
+  std::vector<TLText> Remarks;
   Safeguards->EndRows();
   References->Compare(Remarks);
   NoteMoved();
@@ -240,42 +241,40 @@ void TKeyedLoading::NoteMoved() {
 }
 
 /// Those that the engine keeps beside a table's rows, which its triggers may have passed by.
-void TKeyedLoading::RebuildTextIndexes(std::vector<std::string>& Remarks) {
+void TKeyedLoading::RebuildTextIndexes(std::vector<TLText>& Remarks) {
   for (const TTextIndex& Each : FTextIndexes) {
     const std::string Table = FullName(Each.Table);
     // What a view shows may come from any table.
     const bool IsMeant = FOrder->Has(Table) ? FOrder->Group(Table) == FGroup : Each.Table.Kind == TTableKind::View;
     if (!IsMeant) continue;
-    FManager.Notice(Format("making the text index '%s' anew", FullName(Each.Index)));
+    FManager.Notice(LText("M_Velkrund_ComUtils_MakingTextIndex", FullName(Each.Index)).Local());
     FConnection.RebuildTextIndex(Each.Index);
-    Remarks.push_back(Format("the text index '%s' was made anew from the table '%s'", FullName(Each.Index), Table));
+    Remarks.push_back(LText("M_Velkrund_ComUtils_TextIndexMade", FullName(Each.Index), Table));
   }
 }
 
 /// What was loaded is not all that has happened.
 void TKeyedLoading::TellTriggers() {
   const bool ReferencesOff = FOptions.BrokenReferences && FConnection.Capabilities().EnforcesForeignKeys;
-  if (ReferencesOff)
-    FRemarks.emplace_back(
-        "while the rows were loaded, the engine checked no references and fired no triggers but those that always "
-        "fire");
+  if (ReferencesOff) FRemarks.push_back(LText("M_Velkrund_ComUtils_ReferencesOff"));
   const auto IsRule = [](const TTrigger& One) { return One.IsRule; };
   const auto IsOff = [&](const TTrigger& One) {
     return !One.IsRule && (!FOptions.Triggers || (ReferencesOff && !One.Always));
   };
   const auto IsOn = [&](const TTrigger& One) { return !One.IsRule && !IsOff(One); };
-  TellNames("triggers that could fire", IsOn);
-  TellNames("triggers that were off", IsOff);
-  TellNames("rules that deletions were rewritten by", IsRule);
+  TellNames("M_Velkrund_ComUtils_TriggersOn", IsOn);
+  TellNames("M_Velkrund_ComUtils_TriggersOff", IsOff);
+  TellNames("M_Velkrund_ComUtils_RulesRewrote", IsRule);
 }
 
-void TKeyedLoading::TellNames(const char* What, const std::function<bool(const TTrigger&)>& IsMeant) {
-  std::vector<std::string> Names;
+void TKeyedLoading::TellNames(const char* Key, const std::function<bool(const TTrigger&)>& IsMeant) {
+  std::vector<TLText> Names;
   for (const TTrigger* Trigger : FGroups[FGroup].Triggers) {
     const std::string Table = FullName(Trigger->Table);
-    if (FMoved.contains(Table) && IsMeant(*Trigger)) Names.push_back(Format("'%s' of '%s'", Trigger->Name, Table));
+    if (FMoved.contains(Table) && IsMeant(*Trigger))
+      Names.push_back(LText("M_Velkrund_ComUtils_TriggerOf", Trigger->Name, Table));
   }
-  if (!Names.empty()) FRemarks.push_back(Format("%s: %s", What, JoinedInShort(std::move(Names))));
+  if (!Names.empty()) FRemarks.push_back(LText(Key, LJoinedInShort(Names)));
 }
 
 }  // namespace velkrund

@@ -30,7 +30,7 @@ class TKeyedLoading final : public TTableLoading {
   void Begin(std::size_t Group) override;
   std::int64_t TakeDeletedRows(const std::string& Table) override;
   void End(bool Whole) override;
-  const std::vector<std::string>& Remarks() const override { return FRemarks; }
+  const std::vector<TLText>& Remarks() const override { return FRemarks; }
 
  private:
   struct TTarget {
@@ -59,9 +59,9 @@ class TKeyedLoading final : public TTableLoading {
   void Prepare();
   void CountBroken();
   void EmptyTables();
-  void RebuildTextIndexes(std::vector<std::string>& Remarks);
+  void RebuildTextIndexes(std::vector<TLText>& Remarks);
   void TellTriggers();
-  void TellNames(const char* What, const std::function<bool(const TTrigger&)>& IsMeant);
+  void TellNames(const char* Key, const std::function<bool(const TTrigger&)>& IsMeant);
   void NoteMoved();
 
   TStandaloneManager& FManager;
@@ -81,7 +81,7 @@ class TKeyedLoading final : public TTableLoading {
   std::unique_ptr<TTransaction> FTransaction;
   std::unique_ptr<TSafeguards> FSafeguards;
   std::unique_ptr<TReferenceCheck> FReferences;
-  std::vector<std::string> FRemarks;
+  std::vector<TLText> FRemarks;
 };
 
 }  // namespace velkrund

@@ -8,6 +8,7 @@ namespace velkrund {
 
 namespace {
 
+/// For errors, which are in English whatever texts there are.
 std::string BrokenText(const TBrokenReferences& Broken, std::int64_t Before) {
   return Format("%s to rows that are not there (before: %d), for example %s",
                 Counted(Broken.Count, "value") + (Broken.Count == 1 ? " refers" : " refer"), Before, Broken.Example);
@@ -26,13 +27,14 @@ void TReferenceCheck::Count(const TTableInfo& Table, bool IsLoaded) {
   }
 }
 
-void TReferenceCheck::Compare(std::vector<std::string>& Remarks) const {
-  for (const auto& [Name, Reason] : FUnchecked) Remarks.push_back("warning: " + Reason);
+void TReferenceCheck::Compare(std::vector<TLText>& Remarks) const {
+  for (const auto& [Name, Reason] : FUnchecked) Remarks.push_back(LText("M_Velkrund_Jobs_Warning", Reason));
   for (const auto& [Name, Table] : FTables) {
     const TBrokenReferences After = FSchema.BrokenReferences(Table.Info);
     if (FAllowed && Table.IsLoaded) {
       if (After.Count > 0)
-        Remarks.push_back(Format("warning: in the table '%s' %s", Name, BrokenText(After, Table.Before)));
+        Remarks.push_back(LCounted("M_Velkrund_ComUtils_BrokenReferences", After.Count, Name, After.Count, Table.Before,
+                                   After.Example));
       continue;
     }
     if (After.Count <= Table.Before) continue;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "standalone/drivers/SchemaReader.h"
+#include "velkrund/platform/database/LText.h"
 
 namespace velkrund {
 
@@ -18,7 +19,7 @@ class TReferenceCheck {
   /// Counts what is broken in a table that has foreign keys, each once. IsLoaded: rows come into it.
   void Count(const TTableInfo& Table, bool IsLoaded);
   /// Raises EDatabaseError where there is more than before and that is not allowed. Adds what people should know.
-  void Compare(std::vector<std::string>& Remarks) const;
+  void Compare(std::vector<TLText>& Remarks) const;
 
  private:
   struct TTable {

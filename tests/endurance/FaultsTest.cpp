@@ -11,6 +11,7 @@
 #include "jobs/files/OutputFile.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/files/SectionRepair.h"
+#include "jobs/resources/ImportResources.h"
 #include "jobs/tables/CopyTables.h"
 #include "tests/endurance/Faults.h"
 #include "tests/roundtrip/RoundTrip.h"
@@ -48,7 +49,14 @@ struct TScene {
     const std::string Catalogue = Database.Cells("SELECT name FROM sqlite_schema WHERE name LIKE 'velkrund%'");
     return Database.Cells("PRAGMA integrity_check") + Database.Cells("SELECT ID, typeof(V), length(V) FROM A") + "\n" +
            Database.Cells("SELECT * FROM B") + Catalogue +
-           (Catalogue.empty() ? "" : Database.Cells("SELECT * FROM velkrund_structures"));
+           (Catalogue.find("velkrund_structures") == std::string::npos
+                ? ""
+                : Database.Cells("SELECT * FROM velkrund_structures")) +
+           (Catalogue.find("velkrund_texts") == std::string::npos
+                ? ""
+                : Database.Cells("SELECT * FROM velkrund_languages") +
+                      Database.Cells("SELECT * FROM velkrund_strings") +
+                      Database.Cells("SELECT * FROM velkrund_texts"));
   }
 };
 
@@ -136,6 +144,15 @@ std::string CopyA(const TScene& Scene, const std::string& Selection) {
   Operation.Job().Tables = {"A"};
   Operation.Job().Policies.ExistingRows = TExisting::Replace;
   Operation.Job().Selection = Selection;
+  return Operation.Execute() ? std::string() : "!" + Operation.LastError();
+}
+
+/// Sections of localized strings, in languages that are added.
+std::string ImportTexts(TFileSystem&, const TScene& Scene) {
+  TJobImportResourcesInterface Operation;
+  Operation.SetDatabaseName(Scene.Database("b.db"));
+  Operation.Job().FileName = Scene.Folder / "T";
+  Operation.Job().AddLanguages = true;
   return Operation.Execute() ? std::string() : "!" + Operation.LastError();
 }
 
@@ -327,6 +344,16 @@ TEST_F(TFaultsTest, AProcedureRunsWhollyOrNotAtAll) {
                    "SELECT count(*) FROM \"A\"; UPDATE \"A\" SET V = hex(zeroblob(9000)); DELETE FROM \"B\"')");
          },
          &Halve});
+}
+
+TEST_F(TFaultsTest, AnImportOfTextsLeavesTheStore) {
+  std::string File;
+  for (const std::string Section : {"K", "L"})
+    File += "[SECTION]\r\nName = " + Section +
+            "\r\nType = LocalizedResource\r\nVersion = 200\r\nSectionID = " + Section +
+            "\r\n[DATA]\r\n [LANGUAGES]\r\n  A\r\n  B\r\n [STRINGS]\r\n  X:\r\n   A = '" + std::string(20'000, 'x') +
+            "'\r\n   B = 'b'\r\n  Y:\r\n   B = ''\r\n[END]\r\n";
+  Check({"import resource", [=](const TScene& Scene) { Scene.Folder.Write("T", File); }, &ImportTexts});
 }
 
 TEST_F(TFaultsTest, ACopyLeavesTheTable) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/localization/LocalizationStore.h"
 #include "standalone/relations/StandaloneRelations.h"
 #include "standalone/structures/StructureStore.h"
 #include "tests/roundtrip/TestDatabase.h"
@@ -18,7 +19,11 @@ namespace velkrund::tests {
 class TRealPlatform {
  public:
   TRealPlatform()
-      : Manager(TConfiguration()), FGuard(TPlatform{&Manager, nullptr, nullptr, &FStructures, nullptr, &FRelations}) {
+      : Manager(TConfiguration()),
+        FGuard(TPlatform{.ApplicationManager = &Manager,
+                         .DSPContainer = &FStructures,
+                         .Relations = &FRelations,
+                         .LContainer = &FLocalization}) {
     StartModule();
     Manager.ChangeSettings().StrictText = true;
   }
@@ -61,6 +66,7 @@ class TRealPlatform {
  private:
   TStructureStore FStructures{Manager.Databases()};
   TStandaloneRelations FRelations{Manager};
+  TLocalizationStore FLocalization{Manager.Databases()};
   TPlatformGuard FGuard;
 };
 

@@ -6,7 +6,7 @@
 
 namespace velkrund {
 
-TPoSections::TPoSections(const std::string& DatabaseName, const std::string& DatabaseText, std::string Only)
+TPoSections::TPoSections(const std::string& DatabaseName, const std::string& DatabaseText, const std::string& Only)
     : FDatabaseName(DatabaseName), FOnly(SectionWithoutSeparator(Only)), FSearch(DatabaseName, DatabaseText) {}
 
 void TPoSections::Add(const TPoString& String) {

@@ -29,7 +29,7 @@ class TPoSections {
 
   /// Reads which sections there are. Only: the one section that all go into; empty: there is none. DatabaseText: for
   /// messages.
-  TPoSections(const std::string& DatabaseName, const std::string& DatabaseText, std::string Only);
+  TPoSections(const std::string& DatabaseName, const std::string& DatabaseText, const std::string& Only);
 
   /// Raises EResourceName where a file would not bring section or name back.
   void Add(const TPoString& String);

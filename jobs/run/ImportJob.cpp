@@ -102,7 +102,7 @@ void TImportJob::AddSections(TInputFile& Input, const std::vector<int>& Indexes)
 /// Lines outside of sections, which an import passes over.
 void TImportJob::NoteLines(TInputFile& Input) {
   for (const std::string& Text : FindStrayMarkers(Input.File()).Doubtful)
-    FOutcome.Notes.push_back(Input.Name() + ": " + Text);
+    FOutcome.Notes.emplace_back(Input.Name() + ": " + Text);
 }
 
 void TImportJob::Add(TInputFile& Input, int Index) {

@@ -106,7 +106,7 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
   if (Policies.AllowLoss && Input.File().Losses().Any())
     Result.Notes.push_back(LText("M_Velkrund_Jobs_MalformedInHeaders"));
   CheckSections(Input, Result);
-  for (std::string& Note : RepeatedNames(Input.File().Sections())) Result.Notes.push_back(std::move(Note));
+  for (std::string& Note : RepeatedNames(Input.File().Sections())) Result.Notes.emplace_back(std::move(Note));
   try {
     if (Result.IsOpen && !Result.IsForeign()) CheckGaps(Input, Result);
   } catch (const EStreamError& Failure) {
@@ -177,7 +177,7 @@ void TJobCheckFiles::CheckGaps(TInputFile& Input, TCheckedFile& Result) {
   TStrayMarkers Found = FindStrayMarkers(Input.File());
   Result.Hidden = std::move(Found.Hidden);
   Result.HasLineFeeds = !Found.LineFeeds.empty();
-  for (std::string& Note : Found.Doubtful) Result.Notes.push_back(std::move(Note));
+  for (std::string& Note : Found.Doubtful) Result.Notes.emplace_back(std::move(Note));
 }
 
 void TJobCheckFiles::NoteFault(const std::string& Text, const TErrorInfo& Info) {

@@ -75,7 +75,10 @@ void TPoReader::SeekTo(const TPoPlace& Place) {
 }
 
 void TPoReader::Refuse(std::int64_t Line, const std::string& Text, TErrorCode Code) const {
-  throw EPoError(Text, {.Code = Code, .File = FFileName, .Line = Line});
+  // What it quotes may be no text at all.
+  std::string Message;
+  AppendStrictUtf8(Message, Text);
+  throw EPoError(Message, {.Code = Code, .File = FFileName, .Line = Line});
 }
 
 std::string TPoReader::Field(std::string_view Name) const { return FieldOf(FHeader, Name); }

@@ -205,7 +205,9 @@ void TPoReader::TakeComment() {
       At = End;
     }
   } else if (Text.starts_with(PoSectionMark)) {
-    FSection = Trim(Text.substr(PoSectionMark.size()));
+    // No writer puts control characters there.
+    const std::string_view Section = Trim(Text.substr(PoSectionMark.size()));
+    if (std::none_of(Section.begin(), Section.end(), IsPoControl)) FSection = Section;
   }
 }
 

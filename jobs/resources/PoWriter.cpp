@@ -8,15 +8,13 @@ namespace velkrund {
 
 namespace {
 
-bool IsControl(char Char) { return static_cast<unsigned char>(Char) < 0x20 || Char == 0x7F; }
-
 /// Control characters without a letter of their own take three octal digits, so that digits may follow.
 void AppendEscaped(std::string& Out, char Char) {
   constexpr std::string_view Letters = "abfnrtv\"\\", Meanings = "\a\b\f\n\r\t\v\"\\";
   const std::size_t Index = Meanings.find(Char);
   if (Index != std::string_view::npos) {
     (Out += '\\') += Letters[Index];
-  } else if (IsControl(Char)) {
+  } else if (IsPoControl(Char)) {
     (((Out += "\\") += static_cast<char>('0' + Char / 64)) += static_cast<char>('0' + Char / 8 % 8)) +=
         static_cast<char>('0' + Char % 8);
   } else {
@@ -40,7 +38,7 @@ void TPoWriter::WriteHeader(std::string_view Language, std::string_view SourceLa
 void TPoWriter::WriteEntry(std::string_view Section, std::string_view StringID, std::string_view Source,
                            std::string_view Target) {
   FBuffer += '\n';
-  if (std::none_of(Section.begin(), Section.end(), IsControl))
+  if (std::none_of(Section.begin(), Section.end(), IsPoControl))
     ((((FBuffer += '#') += PoSectionMark) += ' ') += Section) += '\n';
   AppendText("msgctxt", StringID);
   AppendText("msgid", Source);

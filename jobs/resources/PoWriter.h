@@ -12,6 +12,9 @@ inline constexpr std::string_view PoSectionMark = ". velkrund-section:";
 /// The header field for the language of every msgid.
 inline constexpr std::string_view PoSourceLanguage = "X-Source-Language";
 
+/// What is written as an escape.
+constexpr bool IsPoControl(char Char) { return static_cast<unsigned char>(Char) < 0x20 || Char == 0x7F; }
+
 /// Writes a gettext catalogue in UTF-8: the header, then an entry for each string. The same content gives the same
 /// bytes. Texts are UTF-8 without U+0000.
 class TPoWriter {

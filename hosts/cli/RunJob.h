@@ -11,9 +11,9 @@ namespace velkrund {
 /// that ended it early is raised again. Its document is printed where one was asked for, unless standard output carries
 /// the data.
 void RunJob(TSession& Session, TUtilOperationInterface& Interface);
-/// The same for a job on sections, whose end report follows; the exit code.
 /// Shows what a dry run has found; false when the job was none.
 bool SayDryRun(const TSession& Session, const TPolicyJob& Job, const std::vector<TLText>& Notes = {});
+/// RunJob for a job on sections, whose end report follows; the exit code.
 int RunSectionsJob(TSession& Session, TUtilOperationInterface& Interface);
 
 }  // namespace velkrund

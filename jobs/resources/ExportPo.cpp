@@ -2,7 +2,7 @@
 
 #include "jobs/files/WholeFile.h"
 #include "jobs/policies/MissingSources.h"
-#include "jobs/resources/FolderFile.h"
+#include "jobs/resources/FolderFiles.h"
 #include "jobs/resources/ResourceNames.h"
 #include "jobs/resources/ResourceSearch.h"
 #include "standalone/databases/ReadTransaction.h"

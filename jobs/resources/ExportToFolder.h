@@ -7,7 +7,7 @@
 #include "jobs/policies/ErrorPolicy.h"
 #include "jobs/resources/ExportLanguages.h"
 #include "jobs/resources/ExportResources.h"
-#include "jobs/resources/FolderFile.h"
+#include "jobs/resources/FolderFiles.h"
 
 namespace velkrund {
 

@@ -1,7 +1,7 @@
 #include "jobs/resources/ExportXml.h"
 
 #include "jobs/files/WholeFile.h"
-#include "jobs/resources/FolderFile.h"
+#include "jobs/resources/FolderFiles.h"
 #include "jobs/resources/ResourceNames.h"
 #include "jobs/resources/ResourceSearch.h"
 #include "standalone/databases/ReadTransaction.h"

@@ -1,4 +1,4 @@
-#include "jobs/resources/FolderFile.h"
+#include "jobs/resources/FolderFiles.h"
 
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -15,8 +15,8 @@ RELEASE = ROOT / "build/release/bin"
 Usage = namedtuple("Usage", "cpu wall peak")
 
 
-def run(arguments, folder, output=os.devnull):
-    """Runs one process to its end, its output into a file of folder; any failure ends the measuring."""
+def run(arguments, folder, output=os.devnull, expected=0):
+    """Runs one process to its end, its output into a file of folder; another exit code ends the measuring."""
     with open(Path(folder) / output, "wb") as sink:
         start = time.perf_counter()
         process = subprocess.Popen([str(word) for word in arguments], cwd=folder, stdout=sink, stderr=subprocess.PIPE)
@@ -25,8 +25,8 @@ def run(arguments, folder, output=os.devnull):
         wall = time.perf_counter() - start
     process.stderr.close()
     process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        sys.exit(f"{arguments[0]} failed: {errors.decode(errors='replace')}")
+    if process.returncode != expected:
+        sys.exit(f"{arguments[0]} ended with {process.returncode}: {errors.decode(errors='replace')}")
     return Usage(usage.ru_utime + usage.ru_stime, wall, usage.ru_maxrss / 1024)
 
 

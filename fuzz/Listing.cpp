@@ -20,7 +20,6 @@ class TInputFiles final : public TFileSystem {
   explicit TInputFiles(std::string_view Bytes) : FBytes(Bytes) {}
   std::unique_ptr<TFile> Open(const std::string&, TFileMode) override { return std::make_unique<TInput>(FBytes); }
   bool Exists(const std::string&) override { return true; }
-  void Replace(const std::string&, const std::string&) override { std::abort(); }
   void Remove(const std::string&) override { std::abort(); }
 
  private:

@@ -122,6 +122,7 @@ inline void Import(TEIDSPStructureCommon& Section, std::string_view Body, TKvEnc
   Memory.SetPosition(static_cast<std::int64_t>(Before.size()));
   TEIStream Stream(Memory, static_cast<std::int64_t>(Body.size() + CutOff));
   Stream.SetEncoding(Encoding);
+  Stream.SetReadLnCnt(0);
   Section.ImportData(Stream);
 }
 

@@ -1,4 +1,5 @@
 #include "tests/dsp/StructureFixture.h"
+#include "velkrund/platform/structures/DSPErrors.h"
 
 namespace velkrund::tests {
 namespace {
@@ -53,6 +54,91 @@ TEST_F(Structure, MergingInEveryMode) {
       const char* const Result = Case.Results[static_cast<int>(Mode)];
       EXPECT_EQ(Lines(), Result ? Result : Case.Stored) << Case.Imported << static_cast<int>(Mode);
     }
+}
+
+// Lists are made of nodes of one name: none may meet another, or change its place.
+TEST_F(Structure, NamesakesBelowTheTopKeepTheirOrder) {
+  const struct {
+    const char *Stored, *Imported;
+    const char* Results[3];  // skip, replace, difference; null: as imported
+  } Cases[] = {
+      {"", "  p\n    l:string = 'b'\n    l:string = 'a'\n    l:string = 'c'\n", {}},
+      {"  p:integer = 1\n    l:string = 'z'\n",
+       "  p:integer = 3\n    l:string = 'b'\n    l:string = 'a'\n    l:string = 'b'\n",
+       {"  p:integer = 1\n    l:string = 'z'\n"}},
+      {"  p\n    l:string = 'z'\n",
+       "  p\n    l:string = 'b'\n    l:string = 'a'\n    l:string = 'b'\n",
+       {"  p\n    l:string = 'z'\n    l:string = 'a'\n    l:string = 'b'\n"}},
+      {"  p\n    l:string = 'z'\n    l:string = 'y'\n    l:string = 'x'\n",
+       "  p\n    l:string = 'b'\n    l:string = 'a'\n",
+       {"  p\n    l:string = 'z'\n    l:string = 'y'\n    l:string = 'x'\n",
+        "  p\n    l:string = 'b'\n    l:string = 'a'\n    l:string = 'x'\n",
+        "  p\n    l:string = 'b'\n    l:string = 'a'\n    l:string = 'x'\n"}},
+      {"  p\n    l\n      m:integer = 1\n    l\n      m:integer = 2\n",
+       "  p\n    l\n      m:integer = 3\n    l\n      m:integer = 4\n      m:integer = 5\n",
+       {"  p\n    l\n      m:integer = 1\n    l\n      m:integer = 2\n      m:integer = 5\n"}},
+      {"  p\n    l\n      m\n    l\n      n\n    l\n      o\n",
+       "  p\n    l:DELETED\n    l\n      x\n    l:DELETED\n    l\n",
+       {"  p\n    l\n      m\n    l\n      n\n      x\n    l\n      o\n    l\n",
+        "  p\n    l:DELETED\n    l\n      n\n      x\n    l:DELETED\n    l\n",
+        "  p\n    l\n      n\n      x\n    l\n"}},
+  };
+  const auto Imported = [&](bool Old, const char* Lines, TDSPImportOverwriteOptions Mode) {
+    const auto Made = EitherSection(Old);
+    Made->ClearRoot = false;
+    Made->KeepNamesakes = true;
+    Made->OverwriteOptions = Mode;
+    Import(*Made, Body(Lines));
+    return this->Lines();
+  };
+  for (const auto& Case : Cases)
+    for (const auto Mode : {ioSkip, ioReplace, ioDifference})
+      for (const bool Old : {false, true}) {
+        const char* const Result = Case.Results[static_cast<int>(Mode)];
+        Store(Case.Stored);
+        EXPECT_EQ(Imported(Old, Case.Imported, Mode), Result ? Result : Case.Imported)
+            << Case.Stored << static_cast<int>(Mode) << Old;
+      }
+}
+
+// One of two would be lost, and a tree too deep to be written again would be stored.
+TEST_F(Structure, TopsOfOneNameAndDeepTreesAreRefused) {
+  const auto ErrorOf = [&](const std::string& Lines, const std::string& RootNode, bool AllowLoss) {
+    const auto Made = Section<TEIDSPStructure>();
+    Made->StrictLines = true;
+    Made->RootNode = RootNode;
+    Platform.WorkSettings.StrictText = !AllowLoss;
+    try {
+      Import(*Made, Body(Lines));
+    } catch (const EDSPUtilError& Error) {
+      return std::string(Error.what());
+    }
+    return std::string();
+  };
+  EXPECT_NE(ErrorOf("  a\n    b\n  c\n  A:byte = 1\n", "", false)
+                .find("Two top nodes have the name 'A', in the lines 4 and 7: "),
+            std::string::npos);
+  EXPECT_EQ(ErrorOf("  a\n    b\n  c\n  A:byte = 1\n", "", true), "");
+  const auto IsTooDeep = [&](const std::string& Lines, const std::string& RootNode) {
+    const std::string Error = ErrorOf(Lines, RootNode, false);
+    EXPECT_TRUE(Error.empty() || Error.find("more than 1000 levels") != std::string::npos) << Error;
+    return !Error.empty();
+  };
+  std::string Deep, RootNode = "n";
+  for (std::size_t Level = 0; Level < 1000; ++Level) {
+    Deep += std::string(2 * Level + 2, ' ') + "n\n";
+    RootNode += "\\n";
+  }
+  EXPECT_TRUE(IsTooDeep(Deep + std::string(2002, ' ') + "n\n", ""));
+  EXPECT_TRUE(IsTooDeep(Deep, "a\\n"));
+  EXPECT_TRUE(IsTooDeep("  n\n", RootNode));
+  EXPECT_FALSE(IsTooDeep(Deep, "n"));
+  EXPECT_FALSE(IsTooDeep(Deep, ""));
+  EXPECT_EQ(Lines(), Deep);
+  TDSPNode* Lowest = &Platform.Structures.Get("S", 12).Tree;
+  while (Lowest->GetCount() > 0) Lowest = &Lowest->GetNodes(0);
+  Lowest->AddNode("n");
+  EXPECT_THROW(Lines(), EDSPError) << "nobody could load it";
 }
 
 TEST_F(Structure, ImportingIntoANode) {

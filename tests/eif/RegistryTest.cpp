@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "tests/eif/TextSection.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund::tests {
 namespace {
@@ -28,6 +29,31 @@ TEST(Parameters, NamesAreUniqueWithoutCase) {
   Parameters.DeleteParam(0);
   EXPECT_EQ(Parameters.Count(), 0);
   EXPECT_THROW(Parameters.DeleteParam(0), EListError);
+}
+
+TEST(Parameters, ManyBehaveAsFew) {
+  constexpr int Many = 1000;
+  TEISectionParameters Parameters;
+  std::vector<std::pair<std::string, std::string>> Expected;
+  for (int Number = 0; Number < Many; ++Number) {
+    Expected.emplace_back("Имя" + std::to_string(Number), std::string(static_cast<std::size_t>(Number % 40), 'v'));
+    Parameters.AddParam(Expected.back().first, Expected.back().second);
+    EXPECT_THROW(Parameters.AddParam("ИМЯ" + std::to_string(Number), ""), EEIError);
+  }
+  for (int Number = Many - 1; Number >= 0; Number -= 7) {
+    Parameters.SetValues("имЯ" + std::to_string(Number), Expected[static_cast<std::size_t>(Number)].second = "set");
+    if (Number % 3 != 0) continue;
+    Parameters.DeleteParam(Number);
+    Expected.erase(Expected.begin() + Number);
+  }
+  Parameters.Pack();
+  ASSERT_EQ(Parameters.Count(), static_cast<int>(Expected.size()));
+  for (int Index = 0; Index < Parameters.Count(); ++Index) {
+    const auto& [Name, Value] = Expected[static_cast<std::size_t>(Index)];
+    EXPECT_EQ(Parameters.ParamNames(Index), Name);
+    EXPECT_EQ(Parameters.ParamValues(Index), Value);
+    EXPECT_EQ(Parameters.IndexOf(UpperCase(Name)), Index);
+  }
 }
 
 TEST(TypeList, FindsByNameAndVersionInOrder) {

@@ -106,17 +106,25 @@ TEST_F(SourceReading, NamesEveryFaultWithPositionAndLine) {
 // With a damaged "[DATA]" line the rows of a table are parameters, and must not all be kept.
 TEST_F(SourceReading, HeadersAreBounded) {
   std::string Parameters, Comments;
-  for (int Line = 0; Line < 150'000; ++Line) {
+  for (int Line = 0; Line < 500'000; ++Line) {
     Parameters += "<" + std::to_string(Line) + ">\r\n";
     Comments += "; note\r\n";
   }
+  std::string Long;
+  for (char Name = 'a'; Name <= 'z'; ++Name) Long += Name + ("=" + std::string(1'000'000, 'x') + "\r\n");
+  constexpr std::size_t Limit = TEISource::MaxHeaderLine;
+  const char *const Unbounded = "Data begin not found", *const TooLong = "A header line is longer than 1048576 bytes";
   const struct {
     std::string Lines;
-    bool IsRead;
-  } Cases[] = {{Parameters, false},
-               {Comments, true},
-               {"P = " + std::string(10'000'000, 'x') + "\r\n", true},
-               {"P = " + std::string(20'000'000, 'x') + "\r\nQ = 1\r\n", false}};
+    const char* Error;  // null: none
+  } Cases[] = {{Parameters, Unbounded},
+               {Parameters.substr(0, Parameters.find("<150000>")), nullptr},
+               {Comments, nullptr},
+               {Long.substr(0, Long.find("f=")), nullptr},
+               {Long, Unbounded},
+               {"P=" + std::string(Limit - 2, 'x') + "\r\n", nullptr},
+               {"P=" + std::string(Limit - 1, 'x') + "\r\n", TooLong},
+               {std::string(3 * Limit, ' ') + "\r\n", TooLong}};
   for (const auto& Case : Cases) {
     TMemorySource Source("[SECTION]\r\nName=a\r\nType=Text\r\nVersion=100\r\n" + Case.Lines + "[DATA]\r\n[END]\r\n");
     std::string Error;
@@ -125,8 +133,35 @@ TEST_F(SourceReading, HeadersAreBounded) {
     } catch (const EEIError& Raised) {
       Error = Raised.what();
     }
-    EXPECT_EQ(Source.Sections().Count(), Case.IsRead ? 1 : 0) << Error;
-    EXPECT_EQ(Error.starts_with("Invalid Export/Import source structure. Data begin not found"), !Case.IsRead) << Error;
+    EXPECT_EQ(Source.Sections().Count(), Case.Error ? 0 : 1) << Error;
+    const std::string Expected =
+        std::string("Invalid Export/Import source structure. ") + (Case.Error ? Case.Error : "");
+    EXPECT_TRUE(Case.Error ? Error.starts_with(Expected) : Error.empty()) << Error;
+  }
+}
+
+// However long they are, and wherever a block of the stream ends.
+TEST_F(SourceReading, LinesThatAreNoMarkersArePassedOver) {
+  const std::string Blanks(700'000, ' ');
+  const struct {
+    std::string Body, End;
+    bool IsEnd;
+  } Cases[] = {{"x", "[END]" + Blanks, true},
+               {"[END" + Blanks + "]", "[END]", true},
+               {"[END]" + Blanks + "x", "[END]", true},
+               {"[" + std::string(700'000, '['), "[END]", true},
+               {"x", "[END]\t", false}};
+  for (const auto& Case : Cases) {
+    TMemorySource Source("[SECTION]\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n" + Case.Body + "\r\n" +
+                         Case.End + "\r\n[SECTION]" + Blanks +
+                         "\r\nName=b\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n[END]");
+    Source.Open();
+    ASSERT_EQ(Source.Sections().Count(), Case.IsEnd ? 2 : 1);
+    if (!Case.IsEnd) continue;
+    EXPECT_EQ(Dump(Source), "a/Text:100/ANSI[]@5+" + std::to_string(Case.Body.size() + 2) + " b/Text:100/ANSI[]@12+0");
+    Source.DeleteSection(0);
+    EXPECT_EQ(Source.Bytes().substr(0, 12), "[SECTION]   ");
+    EXPECT_EQ(Source.Sections()[0].Name(), "b");
   }
 }
 

@@ -89,6 +89,125 @@ TEST_F(SourceWriting, FailedExportsLeaveNothing) {
   EXPECT_EQ(Source.Sections().Count(), 2);
 }
 
+// What a killed writer leaves, at whatever byte, hides nothing that was finished, and is gone with the next section.
+TEST_F(SourceWriting, AnUnfinishedSectionIsReadByNobodyAndCutByTheNext) {
+  TMemorySource Source;
+  Source.SetDefaultEncoding(TKvEncoding::Utf8);
+  Source.Open();
+  TTextSection Good, Late;
+  Good.Lines = {"x"};
+  Source.ExportObject(Good, "good");
+  const std::string Before = Source.Bytes();
+  std::string Killed;
+  Late.Lines = {"; a line", "[END", "y"};
+  Late.OnExport = [&](TEIStream&) { Killed = Source.Bytes() + "[END]\r\n"; };
+  Source.ExportObject(Late, "late");
+  const std::string After = Source.Bytes();
+  ASSERT_EQ(Killed.size(), After.size());
+  const auto Start = Before.size();
+  EXPECT_EQ(Killed.substr(0, Start), Before);
+  EXPECT_EQ(Killed.substr(Start, 11), ";SECTION]\r\n");
+  EXPECT_EQ(Killed.substr(Start + 1), After.substr(Start + 1));
+  for (std::size_t Length = Start; Length <= Killed.size(); ++Length) {
+    TMemorySource Left(Killed.substr(0, Length));
+    Left.SetDefaultEncoding(TKvEncoding::Utf8);
+    Left.Open();
+    ASSERT_EQ(Left.Sections().Count(), 1) << Length;
+    // The first character alone is a remark as any other.
+    const bool IsKnown = Length >= Start + 2;
+    ASSERT_EQ(Left.UnfinishedPosition(), IsKnown ? static_cast<std::int64_t>(Start) : -1) << Length;
+    Late.OnExport = nullptr;
+    Left.ExportObject(Late, "late");
+    if (IsKnown) {
+      ASSERT_EQ(Left.Bytes(), After) << Length;
+    }
+    ASSERT_EQ(Left.UnfinishedPosition(), -1);
+    TMemorySource Again(Left.Bytes());
+    Again.Open();
+    ASSERT_EQ(Again.Sections().Count(), 2) << Length;
+    ASSERT_EQ(Again.UnfinishedPosition(), -1) << Length;
+  }
+}
+
+TEST_F(SourceWriting, TextThatOnlyLooksUnfinishedStays) {
+  const std::string Section = "[SECTION]\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n[END]\r\n",
+                    Tail = ";SECTION]\r\nName = b\r\n[DATA]\r\n[END]\r\n";
+  const struct {
+    std::string Bytes;
+    std::int64_t Unfinished;  // bytes at the end
+  } Cases[] = {
+      {Section + Tail, 36},
+      {Section + Tail + Tail, 72},
+      {Section + Tail + ";SEC", 40},
+      {Section + "; remark\r\n" + Tail + Tail.substr(0, 20), 56},
+      {";SECTION]\r\nremark\r\n" + Tail, 36},
+      {Tail, 36},
+      {Section + ";SECTION]", 9},
+      {Tail + Section, -1},
+      {Section + Tail + "; remark\r\n", -1},
+      {Section + Tail + "\r\n", -1},
+      {Section + ";SECTION]\r\n\r\n", -1},
+      {Section + ";SECTION]\r\nremark", -1},
+      {Section + " ;SECTION]\r\nName = b\r\n", -1},
+      {Section + ";SECTION] \r\nName = b\r\n", -1},
+      {Section + ";SECTION]\nName = b\r\n", -1},
+      {Section + ";[SECTION]\r\nName = b\r\n", -1},
+      {Section + ";", -1},
+      {Section + ";SECT", 5},
+      {Section + ";SECT\r\n", -1},
+  };
+  TTextSection New;
+  for (const auto& [Bytes, Unfinished] : Cases) {
+    TMemorySource Source(Bytes);
+    Source.Open();
+    const auto Size = static_cast<std::int64_t>(Bytes.size());
+    ASSERT_EQ(Source.UnfinishedPosition(), Unfinished < 0 ? -1 : Size - Unfinished) << Bytes;
+    Source.ExportObject(New, "n");
+    const std::string Kept = Bytes.substr(0, static_cast<std::size_t>(Unfinished < 0 ? Size : Size - Unfinished));
+    EXPECT_TRUE(Source.Bytes().starts_with(Kept)) << Source.Bytes();
+    EXPECT_EQ(Source.Bytes().find(Tail) != std::string::npos, Kept.find(Tail) != std::string::npos) << Source.Bytes();
+  }
+  // Deletion moves it, or takes it along with the last section.
+  TMemorySource Moved(Section + Section + Tail), Taken(Section + Section + Tail);
+  Moved.Open();
+  Moved.DeleteSection(0);
+  EXPECT_EQ(Moved.UnfinishedPosition(), static_cast<std::int64_t>(Section.size()));
+  Moved.ExportObject(New, "n");
+  EXPECT_TRUE(Moved.Bytes().starts_with(Section + "[SECTION]")) << Moved.Bytes();
+  Taken.Open();
+  Taken.DeleteSection(1);
+  EXPECT_EQ(Taken.UnfinishedPosition(), -1);
+  EXPECT_EQ(Taken.Bytes(), Section);
+}
+
+TEST_F(SourceWriting, SectionsThatAreHeldBackAreFinishedOrDroppedTogether) {
+  TTextSection Section;
+  Section.Lines = {"x"};
+  for (const bool Finishes : {true, false}) {
+    TMemorySource Source;
+    Source.Open();
+    Source.ExportObject(Section, "a");
+    const std::string First = Source.Bytes();
+    Source.SetHoldsBack(true);
+    for (const char* Name : {"a", "b", "c"}) Source.ExportObject(Section, Name);
+    EXPECT_EQ(Source.Sections().Count(), 4);
+    TMemorySource Meanwhile(Source.Bytes());
+    Meanwhile.Open();
+    EXPECT_EQ(Meanwhile.Sections().Count(), 1);
+    EXPECT_EQ(Meanwhile.UnfinishedPosition(), static_cast<std::int64_t>(First.size()));
+    if (Finishes)
+      Source.FinishHeld();
+    else
+      Source.DropHeld();
+    TMemorySource Afterwards(Source.Bytes());
+    Afterwards.Open();
+    EXPECT_EQ(Afterwards.Sections().Count(), Finishes ? 4 : 1);
+    EXPECT_EQ(Source.Sections().Count(), Finishes ? 4 : 1);
+    EXPECT_EQ(Afterwards.UnfinishedPosition(), -1);
+    EXPECT_EQ(Source.Bytes() == First, !Finishes);
+  }
+}
+
 TEST_F(SourceWriting, AppendedSectionsBeginTheirOwnLine) {
   const std::string Whole = "[SECTION]\r\nName=a\r\nType=Text\r\nVersion=100\r\n[DATA]\r\n[END]";
   const struct {

@@ -24,6 +24,20 @@ TEST(StringList, SortsByLowerCasedCodePointsThenByCodePoints) {
   EXPECT_THROW(List[-1], EListError);
 }
 
+TEST(StringList, FindsTheFirstOfANameHoweverLongItIs) {
+  TStringList List;
+  for (int Number = 0; Number < 2000; ++Number) {
+    List.Add("Имя" + std::to_string(Number / 2));
+    EXPECT_EQ(List.IndexOf("иМЯ" + std::to_string(Number / 2)), Number / 2 * 2);
+    EXPECT_EQ(List.IndexOf("Имя" + std::to_string(Number / 2 + 1)), -1);
+  }
+  List.Sort();
+  const TStringList Copy = List;
+  List.Clear();
+  EXPECT_EQ(List.IndexOf("Имя0"), -1);
+  for (int Index = 0; Index < Copy.Count(); ++Index) EXPECT_EQ(Copy.IndexOf(Copy[Index]), Index / 2 * 2);
+}
+
 TEST(StringList, SortsStablyAndStaysAsItWasWhenTheComparerFails) {
   const auto ByNumber = [](const TStringList& List, int A, int B) {
     const auto Number = [&](int Index) {

@@ -7,6 +7,7 @@
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/InstalledService.h"
 #include "velkrund/platform/ormtools/Nearest.h"
+#include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund::tests {
@@ -26,6 +27,28 @@ TEST(Format, FillsPlaceholdersInOrder) {
       {Format(""), ""},
   };
   for (const auto& [Result, Expected] : Rows) EXPECT_EQ(Result, Expected);
+}
+
+// What is in a name must not rule the terminal, nor look like another name.
+TEST(Printable, ShowsWhatNobodySees) {
+  const struct {
+    std::string_view Text, Shown, OnOneLine;
+  } Cases[] = {
+      {"a\tb\r\nc\nd\re", "a\tb\nc\nd\\x0De", "a\tb\\x0Ac\\x0Ad\\x0De"},
+      {"\x1B[31m\x7F", "\\x1B[31m\\x7F", "\\x1B[31m\\x7F"},
+      {"\xFF\xE2\x80z", "\\xFF\\xE2\\x80z", "\\xFF\\xE2\\x80z"},
+      {"\xC2\x85\xC2\x9B|", "\\u0085\\u009B|", "\\u0085\\u009B|"},
+      {"fi\u202Eeli\u202C", "fi\\u202Eeli\\u202C", "fi\\u202Eeli\\u202C"},
+      {"\u200E\u200F\u2066\u2069\u061C\uFEFF", "\\u200E\\u200F\\u2066\\u2069\\u061C\\uFEFF",
+       "\\u200E\\u200F\\u2066\\u2069\\u061C\\uFEFF"},
+      {"\u200D\u202F\u2065\u206A\uFFFDЖ😀", "\u200D\u202F\u2065\u206A\uFFFDЖ😀", "\u200D\u202F\u2065\u206A\uFFFDЖ😀"},
+      {"\xED\xA0\x80\xED\xBF\xBF", "\\uD800\\uDFFF", "\\uD800\\uDFFF"},
+  };
+  for (const auto& Case : Cases) {
+    EXPECT_EQ(Printable(Case.Text), Case.Shown);
+    EXPECT_EQ(OnOneLine(Case.Text), Case.OnOneLine);
+    EXPECT_EQ(Printable(Printable(Case.Text)), Case.Shown) << "what is shown already stays";
+  }
 }
 
 TEST(Wording, TakesTheFormThatTheNumberNeeds) {

@@ -201,7 +201,6 @@ class TStubbornPlatform final : public TLocalizationPlatform {
     explicit TFiles(TMemoryFiles& Files) : FFiles(Files) {}
     std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override { return FFiles.Open(Path, Mode); }
     bool Exists(const std::string& Path) override { return FFiles.Exists(Path); }
-    void Replace(const std::string& From, const std::string& To) override { FFiles.Replace(From, To); }
     void Remove(const std::string& Path) override { throw EWriteError(Path + ": Permission denied"); }
 
    private:

@@ -33,7 +33,7 @@ void TEIGeneratorData::FillParameters(TEISectionParameters& Parameters) {
 
 void TEIGeneratorData::Initialize(const TEISection& Section) {
   GeneratorName = Section.ParamValue(NameParameter);
-  const std::string& Text = Section.ParamValue(StartValueParameter);
+  const std::string Text = Section.ParamValue(StartValueParameter);
   const auto Value = StrToInt64(Text);
   if (!Value)
     throw EConvertError(Format("'%s' is not a valid integer value (%s)", Text, StartValueParameter),

@@ -90,7 +90,8 @@ class TEIRecordData : public TEIObject {
   /// number of the row, from 1, comes first. Cancelled: EAbort.
   void ExportRecords(TRows& Source, const std::vector<TField*>& Columns, std::int64_t Total, bool IsNumbered,
                      TEIStream& Stream);
-  std::string_view NextLine(TEIStream& Stream);
+  /// IsShort: the line cannot sensibly be long, and is refused when it is.
+  std::string_view NextLine(TEIStream& Stream, bool IsShort = false);
   bool ReadUntil(TEIStream& Stream, std::string_view Marker, std::vector<std::string>* Lines);
   /// "Can not import table data. " and What.
   [[noreturn]] void ImportError(const std::string& What, TErrorInfo Info = {.Code = TErrorCode::Record}) const;
@@ -109,6 +110,7 @@ class TEIRecordData : public TEIObject {
 
  private:
   struct TImportField;
+  class TFieldTargets;
 
   std::string PlaceOf(const TField& Field) const;
   void ValueLost(const TField& Field, const TKvVariant& Value, std::string_view What);
@@ -118,8 +120,6 @@ class TEIRecordData : public TEIObject {
   void ReadText(std::span<char> Text, TKvVariant& Value) const;
   void ReadBytes(std::span<char> Digits, TKvVariant& Value) const;
   void AppendValue(TField& Column);
-  std::vector<TField*> TargetsOf(TTable& Target, const std::string& Name) const;
-  bool GoesNowhere(const std::string& Name) const;
   void CheckMapping(const std::vector<std::string>& Names) const;
   std::vector<TImportField> ResolveFields(TTable& Target, const std::vector<std::string>& Names);
   bool Selected(std::string_view Name) const { return !Fields || Fields->IndexOf(Name) >= 0; }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
-#include <map>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/dictionary/RecordData.h"
@@ -52,9 +53,9 @@ void TEIRecordData::ImportError(const std::string& What, TErrorInfo Info) const 
   throw EDicUtilError(Format("Can not import %s. %s", Content(), What), std::move(Info));
 }
 
-std::string_view TEIRecordData::NextLine(TEIStream& Stream) {
+std::string_view TEIRecordData::NextLine(TEIStream& Stream, bool IsShort) {
   ShowProgress(Stream.Position(), Stream.Size(), Subject());
-  const std::string_view Line = Trim(Stream.Readln());
+  const std::string_view Line = Trim(IsShort ? Stream.ReadShortLine() : Stream.Readln());
   if (StrictLines && Line.find('\n') != std::string_view::npos)
     ImportError(Format("A line feed alone stands within a line, where it ends none (Position:%d)", Stream.Position()),
                 {.Code = TErrorCode::LineFeeds});
@@ -65,7 +66,7 @@ bool TEIRecordData::ReadUntil(TEIStream& Stream, std::string_view Marker, std::v
   std::size_t Kept = 0;
   // A file that another program cuts off meanwhile ends before its size.
   while (Kept <= MaxFieldLines && !Stream.Peek().empty()) {
-    const std::string_view Line = NextLine(Stream);
+    const std::string_view Line = NextLine(Stream, true);
     if (Line == Marker) return true;
     if (!Lines) continue;
     Lines->emplace_back(Line);
@@ -83,44 +84,73 @@ std::vector<std::string> TEIRecordData::ReadFieldNames(TEIStream& Stream) {
   return Names;
 }
 
-std::vector<TField*> TEIRecordData::TargetsOf(TTable& Target, const std::string& Name) const {
-  std::vector<TField*> Result;
-  TField* Own = Target.FindField(Name);
-  for (const auto& [FileField, TableField] : FieldMapping) {
-    TField* const Field = Target.FindField(TableField);
-    const bool IsOfName = SameText(FileField, Name);
-    if (IsOfName && Field) Result.push_back(Field);
-    if (IsOfName || Field == Own) Own = nullptr;
+/// Where the fields of a file go, by their names. A file may have as many as it likes, and so may a mapping.
+class TEIRecordData::TFieldTargets {
+ public:
+  TFieldTargets(TRecord& Record, const TStringPairs& Mapping) {
+    // Exact names come before those that differ in case only, as everywhere.
+    for (int Index = Record.FieldCount() - 1; Index >= 0; --Index) {
+      TField& Field = Record.Fields(Index);
+      FExact[Field.Name()] = &Field;
+      FSimilar[LowerCase(Field.Name())] = &Field;
+    }
+    for (const auto& [FileField, TableField] : Mapping) {
+      TMapped& Mapped = FMapped[LowerCase(FileField)];
+      TField* const Field = Find(TableField);
+      if (Field) Mapped.Fields.push_back(Field);
+      FTaken.insert(Field);
+      Mapped.GoesNowhere = Mapped.GoesNowhere || TableField.empty();
+    }
   }
-  if (Own) Result.push_back(Own);
-  return Result;
-}
 
-/// By a pair without a field of the table.
-bool TEIRecordData::GoesNowhere(const std::string& Name) const {
-  return std::any_of(FieldMapping.begin(), FieldMapping.end(),
-                     [&](const auto& Pair) { return SameText(Pair.first, Name) && Pair.second.empty(); });
-}
+  /// Of a pair, else that of its own name unless a pair names it.
+  std::vector<TField*> Of(const std::string& Name) const {
+    if (const auto Mapped = FMapped.find(LowerCase(Name)); Mapped != FMapped.end()) return Mapped->second.Fields;
+    TField* const Own = Find(Name);
+    return Own && !FTaken.contains(Own) ? std::vector{Own} : std::vector<TField*>();
+  }
+  /// By a pair without a field of the table.
+  bool GoesNowhere(const std::string& Name) const {
+    const auto Mapped = FMapped.find(LowerCase(Name));
+    return Mapped != FMapped.end() && Mapped->second.GoesNowhere;
+  }
+
+ private:
+  struct TMapped {
+    std::vector<TField*> Fields;
+    bool GoesNowhere = false;
+  };
+
+  TField* Find(const std::string& Name) const {
+    if (const auto Exact = FExact.find(Name); Exact != FExact.end()) return Exact->second;
+    const auto Similar = FSimilar.find(LowerCase(Name));
+    return Similar == FSimilar.end() ? nullptr : Similar->second;
+  }
+
+  std::unordered_map<std::string, TField*> FExact, FSimilar;
+  std::unordered_map<std::string, TMapped> FMapped;  // by field of the file, in lower case
+  std::unordered_set<const TField*> FTaken;          // by pairs
+};
 
 // A slip in a name would leave a field of the table without its values.
 void TEIRecordData::CheckMapping(const std::vector<std::string>& Names) const {
-  for (const auto& [FileField, TableField] : FieldMapping) {
-    const auto IsIt = [&Field = FileField](const std::string& Name) { return SameText(Name, Field); };
-    if (std::none_of(Names.begin(), Names.end(), IsIt))
+  const TStringList Known(Names);
+  for (const auto& [FileField, TableField] : FieldMapping)
+    if (Known.IndexOf(FileField) < 0)
       ImportError(Format("The mapping names the field '%s', which the section lacks", FileField),
                   {.Code = TErrorCode::FieldMissing, .Column = FileField});
-  }
 }
 
 std::vector<TEIRecordData::TImportField> TEIRecordData::ResolveFields(TTable& Target,
                                                                       const std::vector<std::string>& Names) {
   CheckMapping(Names);
   std::vector<TImportField> Columns;
-  std::map<const TField*, std::string> Taken;
+  const TFieldTargets Targets(Target.Record(), FieldMapping);
+  std::unordered_map<const TField*, std::string> Taken;
   for (const std::string& Name : Names) {
     TImportField& Column = Columns.emplace_back(TImportField{Name, nullptr, {}});
     if (!Selected(Name)) continue;
-    for (TField* const Field : TargetsOf(Target, Name)) {
+    for (TField* const Field : Targets.Of(Name)) {
       const auto [Before, IsNew] = Taken.emplace(Field, Name);
       // The last of the values would stand for all, and the field whose name is damaged would have none.
       if (!IsNew && SameText(Before->second, Name)) ImportError(Format("The field '%s' stands twice", Name));
@@ -133,7 +163,7 @@ std::vector<TEIRecordData::TImportField> TEIRecordData::ResolveFields(TTable& Ta
         Column.Target = Field;
     }
     if (Column.Target) continue;
-    if (!MayLack(Name) && !GoesNowhere(Name))
+    if (!MayLack(Name) && !Targets.GoesNowhere(Name))
       ImportError(Format("Import field '%s' is missing", Name), {.Code = TErrorCode::FieldMissing, .Column = Name});
     Report->SkippedFields.push_back(Name);
   }

@@ -1,5 +1,7 @@
 #include "velkrund/dsp/DSPStructure.h"
 
+#include <algorithm>
+
 #include "velkrund/dsp/DSPUtilErrors.h"
 #include "velkrund/dsp/NodeNames.h"
 #include "velkrund/eif/Section.h"
@@ -69,7 +71,7 @@ void TEIDSPStructureCommon::FillParameters(TEISectionParameters& Parameters) {
 }
 
 void TEIDSPStructureCommon::Initialize(const TEISection& Section) {
-  const std::string& Type = Section.ParamValue("ObjectType");
+  const std::string Type = Section.ParamValue("ObjectType");
   const auto ObjectType = StrToInt32(Type);
   if (!ObjectType) throw EConvertError(Format("'%s' is not a valid integer value", Type));
   Item.ObjectType = *ObjectType;
@@ -110,6 +112,9 @@ std::string TEIDSPStructureCommon::Identity() const {
 
 void TEIDSPStructureCommon::CheckRootNode(const char* Action) const {
   if (RootNode.empty()) return;
+  if (std::count(RootNode.begin(), RootNode.end(), DSPNameSeparator) >= DSPDeepestTree)
+    throw EDSPUtilError(Format("Can not %s DSP structure. The root node lies below more than %d levels (%s).", Action,
+                               DSPDeepestTree, Identity()));
   for (std::string_view Rest = RootNode;;) {
     const std::size_t End = Rest.find(DSPNameSeparator);
     if (!IsWritableName(Rest.substr(0, End))) RootNodeNotFound(Action);

@@ -53,6 +53,7 @@ class TEIDSPStructureCommon : public TEIObject {
   std::string RootNode;                   // full name of the part; empty: the whole tree
   bool ChangeStructureProperties = true;  // import: store the item's table name, parent object and remarks too
   bool ClearRoot = true;                  // import: empty the part before the tree is merged into it
+  bool KeepNamesakes = false;             // import: as TDSPMergeOptions has it
   TDSPImportOverwriteOptions OverwriteOptions = TDSPImportOverwriteOptions::ioReplace;
 
   static const TEIObjectDescriptor Descriptor;

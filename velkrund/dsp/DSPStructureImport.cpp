@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "velkrund/dialogs/DSPConfirmForm.h"
 #include "velkrund/dsp/DSPStructure.h"
 #include "velkrund/dsp/DSPUtilErrors.h"
@@ -116,7 +118,7 @@ void TEIDSPStructureCommon::ImportData(TEIStream& Stream) {
     FStopped = true;
     return;
   }
-  MergeTree(*Manager, Tree, {OverwriteOptions, RootNode, ClearRoot});
+  MergeTree(*Manager, std::move(Tree), {OverwriteOptions, RootNode, ClearRoot, KeepNamesakes});
   // The properties wait until the tree could be read, so that no store is left with half of the import.
   if (ChangeStructureProperties) DSPContainer().Table(DatabaseName).ChangeStructureProperties(Item);
   Save(*Manager);

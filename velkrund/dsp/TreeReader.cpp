@@ -19,6 +19,7 @@ void TDSPTreeReader::LineError(std::string_view What, TErrorCode Code) {
 
 bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, std::function<bool()> OnLine) {
   FPath.clear();
+  FLevelsAbove = static_cast<std::size_t>(std::count(RootNode.begin(), RootNode.end(), DSPNameSeparator));
   FOnLine = std::move(OnLine);
   const std::string_view RootName = RootNode.substr(RootNode.rfind(DSPNameSeparator) + 1);
   for (std::string_view Line; !AtEnd();) {
@@ -36,6 +37,7 @@ bool TDSPTreeReader::Read(TDSPNode& Tree, std::string_view RootNode, std::functi
 bool TDSPTreeReader::NextLine(std::string_view& Line) {
   if (FOnLine && !FOnLine()) return false;
   Line = FStream.Readln();
+  FLine = FStream.SourceLine();
   if (!Line.ends_with(ContinuationMark)) return true;
   if (!JoinPieces(Line)) return false;
   Line = FJoined;
@@ -71,6 +73,8 @@ TDSPNode& TDSPTreeReader::PlaceOf(std::string_view Indented, TDSPNode& Tree, std
   const bool OneTop = !RootName.empty();
   if (Blanks % Indentation.size() != 0 || Depth > FPath.size() || (OneTop && Depth == 0 && !FPath.empty()))
     LineError("Invalid level structure");
+  if (FLevelsAbove + Depth >= static_cast<std::size_t>(DSPDeepestTree))
+    LineError(Format("The tree has more than %d levels", DSPDeepestTree));
   ReadNodeName(Indented.substr(Blanks), FName);
   if (FName.empty()) LineError("Empty name of node");
   FPath.resize(Depth);
@@ -80,8 +84,23 @@ TDSPNode& TDSPTreeReader::PlaceOf(std::string_view Indented, TDSPNode& Tree, std
     FPath.push_back(&Tree);
   } else {
     FPath.push_back(&(Depth == 0 ? Tree : *FPath.back()).AddNode(FName));
+    if (Depth == 0 && FStrictLines) CheckTop(Tree);
   }
   return *FPath.back();
+}
+
+/// The one that was added last.
+void TDSPTreeReader::CheckTop(const TDSPNode& Tree) {
+  const int Place = Tree.GetCount() - 1;
+  FTopLines.push_back(FLine);
+  const int First = FTops.Add(Place, [&Tree](int At) -> std::string_view { return Tree.GetNodes(At).Name(); });
+  if (First == Place) return;
+  ++FStream.Losses().Altered;
+  if (FStream.StrictText())
+    LineError(Format(
+        "Two top nodes have the name '%s', in the lines %d and %d: they would be merged into one. Allow losses to "
+        "load it all the same",
+        FName, FTopLines[static_cast<std::size_t>(First)], FLine));
 }
 
 void TDSPTreeReader::ReadTypeAndValue(std::string_view Text, TDSPNode& Node) {

@@ -34,6 +34,9 @@ void TDSPTreeWriter::Write(TDSPNode& Start, bool WithStart, const std::function<
     if (OnNode) OnNode();
     WriteNode(Node, Depth);
   };
+  FLevelsAbove = 0;
+  for (const TDSPNode* At = &Start; At->Parent(); At = At->Parent()) ++FLevelsAbove;
+  if (WithStart && FLevelsAbove > 0) --FLevelsAbove;
   std::vector<TLevel> Levels{{&Start, 0}};
   Start.Sort();
   if (WithStart)
@@ -71,7 +74,13 @@ void TDSPTreeWriter::WriteNode(const TDSPNode& Node, std::size_t Depth) {
   }
 }
 
+void TDSPTreeWriter::CheckDepth(const TDSPNode& Node, std::size_t Depth) const {
+  if (FLevelsAbove + Depth >= static_cast<std::size_t>(DSPDeepestTree))
+    throw EDSPError(Format("The tree has more than %d levels, too many for a file: '%s'", DSPDeepestTree, Node.Name()));
+}
+
 void TDSPTreeWriter::WriteNamed(const TDSPNode& Node, std::size_t Depth) {
+  CheckDepth(Node, Depth);
   const TDSPValueType Type = Node.ValueType();
   TTextLosses Lost;
   FLine.assign(Indentation.size() * (Depth + 1), ' ');

@@ -63,4 +63,24 @@ bool TBodySkipper::NextBracketLine() {
   return false;
 }
 
+bool TBodySkipper::PassLine(std::string_view Text) {
+  FPlace = TPlace::LineStart;
+  ++FLines;
+  bool IsText = true;
+  for (std::string_view Block = FStream.Peek(); !Block.empty(); Block = FStream.Peek()) {
+    const std::size_t End = Block.find(Return);
+    const std::string_view Part = Block.substr(0, End);
+    const std::size_t Compared = std::min(Text.size(), Part.size());
+    IsText = IsText && Part.substr(0, Compared) == Text.substr(0, Compared) &&
+             Part.find_first_not_of(' ', Compared) == std::string_view::npos;
+    Text.remove_prefix(Compared);
+    const bool AtEnd = End != std::string_view::npos;
+    FStream.Seek(static_cast<std::int64_t>(Part.size() + (AtEnd ? 1 : 0)), TSeekOrigin::Current);
+    if (!AtEnd) continue;
+    if (FStream.Peek().starts_with(LineFeed)) FStream.Seek(1, TSeekOrigin::Current);
+    break;
+  }
+  return IsText && Text.empty();
+}
+
 }  // namespace velkrund

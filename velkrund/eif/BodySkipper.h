@@ -17,6 +17,8 @@ class TBodySkipper {
 
   /// Moves the stream to the begin of the next line that begins with a "["; false: to its end.
   bool NextBracketLine();
+  /// Passes over the line at the position, of which nothing is held; whether it is Text, blanks behind it left aside.
+  bool PassLine(std::string_view Text);
   /// How many lines were passed over since the object was made, a last one without an end included.
   std::int64_t Lines() const { return FLines; }
 

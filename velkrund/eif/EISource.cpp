@@ -5,6 +5,7 @@
 #include "velkrund/eif/EIStream.h"
 #include "velkrund/eif/TextChecks.h"
 #include "velkrund/eif/TypeList.h"
+#include "velkrund/eif/UnfinishedTail.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -41,14 +42,13 @@ TEISource::~TEISource() = default;
 
 std::string_view TEISource::RightTrim(std::string_view Text) { return TrimRightBlanks(Text); }
 
-std::string_view TEISource::ReadRaw() {
-  const std::string_view Line = ReadRawLine(Stream(), FSpill);
+std::string_view TEISource::ReadlnString(TKvEncoding Encoding) {
+  const std::string_view Raw = ReadRawLine(Stream(), FSpill);
   if (FReadLnCnt >= 0) ++FReadLnCnt;
-  return Line;
+  return Decoded(Raw, Encoding);
 }
 
-std::string_view TEISource::ReadlnString(TKvEncoding Encoding) {
-  const std::string_view Raw = ReadRaw();
+std::string_view TEISource::Decoded(std::string_view Raw, TKvEncoding Encoding) {
   const std::int64_t Before = FLosses.Malformed;
   const std::string_view Line = FCodec.Decode(Raw, Encoding, FLosses);
   if (FStrictText && FLosses.Malformed != Before) RefuseTextRead(Stream().Position());
@@ -67,12 +67,14 @@ void TEISource::Open() {
   try {
     InternalOpen();
     FReadLnCnt = 0;
-    for (std::int64_t Start = 0; FindMarkerLine("[SECTION]", Start);) {
+    std::int64_t Behind = 0;  // the last section
+    for (std::int64_t Start = 0; FindMarkerLine("[SECTION]", Start); Behind = Stream().Position()) {
       FUnreadPosition = Start;
       ReadSection();
       FUnreadPosition = -1;
       FUnreadName.clear();
     }
+    FUnfinishedPosition = FindUnfinishedTail(Stream(), Behind);
   } catch (const std::exception& Error) {
     Decorate(Error, FReadLnCnt, {.Line = FReadLnCnt, .Section = FUnreadName});
   }
@@ -91,6 +93,7 @@ void TEISource::Decorate(const std::exception& Error, std::int64_t Line, TErrorI
 }
 
 void TEISource::ExportObject(TEIObject& Object, const std::string& Name) {
+  CutUnfinished();
   TStream& Target = Stream();
   const std::int64_t RollbackPoint = Target.Seek(0, TSeekOrigin::End);
   const int SectionsBefore = FSections.Count();
@@ -101,22 +104,54 @@ void TEISource::ExportObject(TEIObject& Object, const std::string& Name) {
     } else if (!EndsWithLineEnd(Target, RollbackPoint)) {
       Target.Write(LineEnd);
     }
-    WritelnString("[SECTION]", TKvEncoding::Utf8);
+    const std::int64_t Start = Target.Position();
+    WritelnString(UnfinishedMarker, TKvEncoding::Utf8);
     WriteSection(Object, Name, FSections.AddSection());
     WritelnString("[END]", FDefaultEncoding);
     Target.Flush();
+    if (FHoldsBack)
+      FHeld.push_back(Start);
+    else
+      FinishSection(Start);
   } catch (...) {
     if (FSections.Count() > SectionsBefore) FSections.DeleteSection(SectionsBefore);
     try {
       Target.SetSize(RollbackPoint);
       Target.SetPosition(RollbackPoint);
     } catch (const std::exception& Error) {
+      FUnfinishedPosition = RollbackPoint;
       // The first error is the one to tell; that the file could not be cut back is for the trace.
       BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error,
                            Format("Cannot cut an unfinished section off at %d: %s", RollbackPoint, Error.what()));
     }
     throw;
   }
+}
+
+void TEISource::CutUnfinished() {
+  if (FUnfinishedPosition < 0) return;
+  Stream().SetSize(FUnfinishedPosition);
+  FUnfinishedPosition = -1;
+}
+
+/// All else of the section is in the store.
+void TEISource::FinishSection(std::int64_t Start) {
+  Stream().SetPosition(Start);
+  Stream().Write("[");
+  Stream().Flush();
+  Stream().Seek(0, TSeekOrigin::End);
+}
+
+void TEISource::FinishHeld() {
+  for (const std::int64_t Start : FHeld) FinishSection(Start);
+  FHeld.clear();
+}
+
+void TEISource::DropHeld() {
+  if (FHeld.empty()) return;
+  Stream().SetSize(FHeld.front());
+  for (std::size_t Count = FHeld.size(); Count > 0; --Count) FSections.DeleteSection(FSections.Count() - 1);
+  FHeld.clear();
 }
 
 void TEISource::WriteSection(TEIObject& Object, const std::string& Name, TEISection& Section) {
@@ -151,6 +186,11 @@ void TEISource::WriteHeaderLine(std::string_view Name, std::string_view Value, T
   std::string Line(Name);
   Line += " = ";
   Line += Value;
+  // Lost characters are told when it is written.
+  TTextLosses Lost;
+  if (Line.size() > MaxHeaderLine && FCodec.Encode(Line, Encoding, Lost).size() > MaxHeaderLine)
+    throw EEIError(
+        Format("A section header cannot hold the %s: it would make a line of more than %d bytes", Name, MaxHeaderLine));
   WritelnString(Line, Encoding);
 }
 
@@ -159,6 +199,7 @@ void TEISource::ImportObject(TEIObject& Object) {
   Stream().SetPosition(Section.DataPosition);
   TEIStream Body(Stream(), Section.DataSize, &FLosses);
   Body.SetReadLnCnt(0);
+  Body.SetLinesBefore(Section.DataLinePosition);
   Body.SetEncoding(Section.FEncoding);
   Body.SetStrictText(FStrictText);
   try {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "velkrund/eif/EIErrors.h"
 #include "velkrund/eif/EIObject.h"
@@ -32,10 +35,17 @@ namespace velkrund {
 /// A UTF-8 source begins with a byte-order mark on a line of its own. Sections of both encodings may stand in one
 /// source.
 ///
+/// Until a section is whole its first line reads ";SECTION]", so that it is text outside of sections to every reader:
+/// its "[" is written last. What a writer has left so at the end is known as unfinished, and the next one cuts it off.
+///
 /// Open once, then export, import and delete. Errors are EEIError; those of Open and ImportObject name file and line.
 /// Used by one thread at a time.
 class TEISource {
  public:
+  /// Bytes of a header line, its end not counted. The longest values are the texts of queries, which people write;
+  /// a line without an end would be read into memory to the end of the file.
+  static constexpr std::size_t MaxHeaderLine = 1024 * 1024;
+
   TEISource();
   TEISource(const TEISource&) = delete;
   TEISource& operator=(const TEISource&) = delete;
@@ -46,10 +56,20 @@ class TEISource {
   void Open();
   /// Makes a new, empty store.
   virtual void CreateFile() = 0;
-  /// Appends one section, on a line of its own. A failure, EAbort included, leaves stream and Sections as they were.
+  /// Appends one section, on a line of its own, where something unfinished begins or at the end. A failure, EAbort
+  /// included, leaves stream and Sections as they were, unfinished things apart.
   virtual void ExportObject(TEIObject& Object, const std::string& Name);
   /// Gives the object the body of the section that its SectionNumber names.
   virtual void ImportObject(TEIObject& Object);
+  /// Whether sections that are added from now on stay unfinished, though Sections has them, until FinishHeld.
+  void SetHoldsBack(bool HoldsBack) { FHoldsBack = HoldsBack; }
+  bool HoldsBack() const { return FHoldsBack; }
+  /// Where the first lines of those sections begin.
+  const std::vector<std::int64_t>& Held() const { return FHeld; }
+  /// Makes them sections for every reader.
+  void FinishHeld();
+  /// Cuts them off again.
+  void DropHeld();
   /// A new object of the section's class, initialised from its header. Index: 0 .. Sections().Count() - 1.
   std::unique_ptr<TEIObject> CreateEIObject(int Index);
 
@@ -60,8 +80,13 @@ class TEISource {
   /// before anything is changed.
   void DeleteSections(TStringList List);
 
+  /// The position behind the "[END]" line of a section, or behind the store's end where that is missing.
+  std::int64_t EndOfSection(const TEISection& Section);
+
   virtual TStream& Stream() = 0;
   const TEISectionList& Sections() const { return FSections; }
+  /// Hands the headers over; the source has none any more.
+  TEISectionList TakeSections() { return std::exchange(FSections, {}); }
   TKvEncoding DefaultEncoding() const { return FDefaultEncoding; }
   /// The encoding of sections to be written.
   void SetDefaultEncoding(TKvEncoding Encoding) { FDefaultEncoding = Encoding; }
@@ -71,6 +96,9 @@ class TEISource {
   void SetStrictText(bool Strict) { FStrictText = Strict; }
   /// Where the "[SECTION]" line of the section begins that Open could not read through, a byte offset; -1: none.
   std::int64_t UnreadPosition() const { return FUnreadPosition; }
+  /// Where unfinished sections at the end begin, those of other writers, as Open has found them; a byte offset; -1:
+  /// there are none, or they were cut off.
+  std::int64_t UnfinishedPosition() const { return FUnfinishedPosition; }
   /// Lines read by ReadlnString since Open began; -1 while lines are not counted.
   std::int64_t ReadLnCnt() const { return FReadLnCnt; }
   /// Characters lost to encodings so far.
@@ -91,21 +119,26 @@ class TEISource {
  private:
   void ReadSection();
   void ReadHeader(TEISection& Section, std::string& TypeName);
-  void ReadHeaderLine(TEISection& Section, std::string& TypeName, std::string_view Line);
+  void TakeHeaderLine(TEISection& Section, std::string& TypeName, std::string_view Line);
   void CheckHeader(TEISection& Section, const std::string& TypeName);
   bool FindMarkerLine(std::string_view Marker, std::int64_t& LineStart);
-  std::string_view ReadRaw();
+  std::string_view ReadHeaderLine(TKvEncoding Encoding);
+  std::string_view Decoded(std::string_view Raw, TKvEncoding Encoding);
   [[noreturn]] void StructureError(std::string_view What, std::string_view Detail = {});
   [[noreturn]] void Decorate(const std::exception& Error, std::int64_t Line, TErrorInfo Place) const;
+  void CutUnfinished();
+  void FinishSection(std::int64_t Start);
   void WriteSection(TEIObject& Object, const std::string& Name, TEISection& Section);
   void WriteHeaderLine(std::string_view Name, std::string_view Value, TKvEncoding Encoding);
   void DeleteMarked(const std::vector<bool>& Marks);
   bool WouldJoinLineEnd(std::int64_t LastKept, std::int64_t NextKept);
-  std::int64_t EndOfSection(const TEISection& Section);
   void MoveDown(std::int64_t& WriteAt, std::int64_t From, std::int64_t To);
 
   std::int64_t FReadLnCnt = -1;
   std::int64_t FUnreadPosition = -1;
+  std::int64_t FUnfinishedPosition = -1;
+  bool FHoldsBack = false;
+  std::vector<std::int64_t> FHeld;
   std::string FUnreadName;  // of the section that Open is reading
   TKvEncoding FDefaultEncoding = TKvEncoding::Ansi;
   bool FStrictText;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "velkrund/eif/BodySkipper.h"
 #include "velkrund/eif/EISource.h"
 #include "velkrund/eif/TypeList.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -41,7 +42,7 @@ void TEISource::DeleteSections(TStringList List) {
 std::int64_t TEISource::EndOfSection(const TEISection& Section) {
   Stream().SetPosition(Section.DataPosition + Section.DataSize);
   while (!Stream().Peek().empty())
-    if (RightTrim(ReadRaw()) == "[END]") break;
+    if (TBodySkipper(Stream()).PassLine("[END]")) break;
   return Stream().Position();
 }
 
@@ -68,7 +69,7 @@ void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
     if (!Marks[static_cast<std::size_t>(Index)]) continue;
     Stream().SetPosition(Index == 0 ? 0 : EndOfSection(FSections[Index - 1]));
     std::int64_t Start = Stream().Position();
-    while (RightTrim(ReadRaw()) != "[SECTION]") {
+    while (!TBodySkipper(Stream()).PassLine("[SECTION]")) {
       Start = Stream().Position();
       if (Stream().Peek().empty())
         throw EReadError(
@@ -89,6 +90,10 @@ void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
   Stream().SetSize(WriteAt);
   Stream().SetPosition(WriteAt);
   Stream().Flush();
+  if (Marks.back())
+    FUnfinishedPosition = -1;  // gone with the last section
+  else if (FUnfinishedPosition >= 0)
+    FUnfinishedPosition -= Shift;
   for (int Index = 0; Index < FSections.Count(); ++Index) {
     FSections[Index].Position -= Shifts[static_cast<std::size_t>(Index)];
     FSections[Index].DataPosition -= Shifts[static_cast<std::size_t>(Index)];

@@ -16,7 +16,7 @@ constexpr std::string_view InvalidStructure = "Invalid Export/Import source stru
 // What the parameters of a header may take in memory. Where the "[DATA]" line is damaged, the lines of the body are
 // parameters too, however many there are; no header that anybody writes comes near.
 constexpr std::size_t MaxHeaderSize = 16 * 1024 * 1024;
-constexpr std::size_t ParameterCost = 160;  // besides its text: in the list and among the names
+constexpr std::size_t ParameterCost = 32;  // besides its text: in the list and among the names
 
 }  // namespace
 
@@ -31,14 +31,12 @@ void TEISource::StructureError(std::string_view What, std::string_view Detail) {
 bool TEISource::FindMarkerLine(std::string_view Marker, std::int64_t& LineStart) {
   TBodySkipper Skipper(Stream());
   const std::int64_t LinesBefore = FReadLnCnt;
-  std::int64_t Examined = 0;
   bool Found = false;
-  const auto CountLines = [&] { FReadLnCnt = LinesBefore + Examined + Skipper.Lines(); };
+  const auto CountLines = [&] { FReadLnCnt = LinesBefore + Skipper.Lines(); };
   try {
     while (!Found && Skipper.NextBracketLine()) {
       LineStart = Stream().Position();
-      Found = RightTrim(ReadRaw()) == Marker;
-      ++Examined;
+      Found = Skipper.PassLine(Marker);
     }
   } catch (...) {
     CountLines();
@@ -70,17 +68,24 @@ void TEISource::ReadSection() {
 void TEISource::ReadHeader(TEISection& Section, std::string& TypeName) {
   std::size_t Size = 0;
   while (Size <= MaxHeaderSize && !Stream().Peek().empty()) {
-    const std::string_view Line = ReadlnString(Section.FEncoding);
-    if (RightTrim(Line) == "[DATA]") return;
+    const std::string_view Line = ReadHeaderLine(Section.FEncoding);
+    if (RightTrim(Line) == "[DATA]") return Section.FParameters.Pack();
     const std::string_view Text = Trim(Line);
     if (Text.empty() || Text.front() == ';') continue;
-    ReadHeaderLine(Section, TypeName, Text);
+    TakeHeaderLine(Section, TypeName, Text);
     Size += Text.size() + ParameterCost;
   }
   StructureError("Data begin not found");
 }
 
-void TEISource::ReadHeaderLine(TEISection& Section, std::string& TypeName, std::string_view Line) {
+std::string_view TEISource::ReadHeaderLine(TKvEncoding Encoding) {
+  const std::string_view Raw = ReadRawLine(Stream(), FSpill, MaxHeaderLine);
+  ++FReadLnCnt;
+  if (Raw.size() > MaxHeaderLine) StructureError(Format("A header line is longer than %d bytes", MaxHeaderLine));
+  return Decoded(Raw, Encoding);
+}
+
+void TEISource::TakeHeaderLine(TEISection& Section, std::string& TypeName, std::string_view Line) {
   const std::size_t Equals = Line.find('=');
   const std::string_view Name = Trim(Line.substr(0, Equals));
   const std::string_view Value = Equals == std::string_view::npos ? std::string_view() : Trim(Line.substr(Equals + 1));

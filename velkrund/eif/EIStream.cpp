@@ -2,10 +2,18 @@
 
 #include <algorithm>
 
+#include "velkrund/eif/EIErrors.h"
 #include "velkrund/eif/TextChecks.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
+
+namespace {
+
+constexpr std::size_t MaxShortLine = 1024 * 1024;
+
+}  // namespace
 
 TEIStream::TEIStream(TStream& Stream, std::int64_t Size, TTextLosses* Losses)
     : FStream(Stream),
@@ -20,6 +28,18 @@ std::int64_t TEIStream::Rest() { return std::max<std::int64_t>(0, FOrigin + FDat
 std::string_view TEIStream::Readln() {
   const std::string_view Raw = ReadRawLine(*this, FSpill);
   if (FReadLnCnt >= 0) ++FReadLnCnt;
+  return Decoded(Raw);
+}
+
+std::string_view TEIStream::ReadShortLine() {
+  const std::string_view Raw = ReadRawLine(*this, FSpill, MaxShortLine);
+  if (FReadLnCnt >= 0) ++FReadLnCnt;
+  if (Raw.size() > MaxShortLine)
+    throw EEIError(Format("A line is longer than %d bytes (Position:%d)", MaxShortLine, Position()));
+  return Decoded(Raw);
+}
+
+std::string_view TEIStream::Decoded(std::string_view Raw) {
   const TTextLosses Before = *FLosses;
   const std::string_view Line = FCodec.Decode(Raw, FEncoding, *FLosses);
   if (FStrictText && FLosses->Malformed != Before.Malformed) RefuseTextRead(Position());

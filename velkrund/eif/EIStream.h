@@ -23,6 +23,8 @@ class TEIStream final : public TStream {
   /// for an empty line: the end is told by position and size. Where the view is strict about text, a malformed line
   /// raises EEIError.
   std::string_view Readln();
+  /// The same for lines that cannot sensibly be long: one of more than 1 MiB raises EEIError before it is read whole.
+  std::string_view ReadShortLine();
   /// Writes a UTF-8 text as one line, ended by carriage return and line feed. Where the view is strict about text, a
   /// character that the encoding lacks raises EEIError.
   void Writeln(std::string_view Text);
@@ -51,6 +53,9 @@ class TEIStream final : public TStream {
   /// Lines read by Readln; -1 when they are not counted.
   std::int64_t ReadLnCnt() const { return FReadLnCnt; }
   void SetReadLnCnt(std::int64_t Count) { FReadLnCnt = Count; }
+  /// The number of the line last read, in the source; of the view alone where nobody has said how many lie before it.
+  std::int64_t SourceLine() const { return FLinesBefore + FReadLnCnt; }
+  void SetLinesBefore(std::int64_t Count) { FLinesBefore = Count; }
   /// The line of the view that an error is about, from 1, where it is not the one last read; -1: none can be told.
   void SetErrorLine(std::int64_t Line) { FErrorLine = Line; }
   std::int64_t ErrorLine() const { return FErrorLine.value_or(FReadLnCnt); }
@@ -60,11 +65,13 @@ class TEIStream final : public TStream {
 
  private:
   std::int64_t Rest();
+  std::string_view Decoded(std::string_view Raw);
 
   TStream& FStream;  // borrowed
   std::int64_t FOrigin;
   std::int64_t FDataSize;
   std::int64_t FReadLnCnt = -1;
+  std::int64_t FLinesBefore = 0;
   std::optional<std::int64_t> FErrorLine;
   TKvEncoding FEncoding = TKvEncoding::Ansi;
   bool FStrictText;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,11 +21,11 @@ class TEISection {
   int Version() const { return FVersion; }
   TKvEncoding Encoding() const { return FEncoding; }
   int ParamCount() const { return FParameters.Count(); }
-  const std::string& ParamName(int Index) const { return FParameters.ParamNames(Index); }
+  std::string ParamName(int Index) const { return FParameters.ParamNames(Index); }
   /// Raises EEIError when absent.
-  const std::string& ParamValue(std::string_view Name) const { return FParameters.Values(Name); }
-  /// Null when absent.
-  const std::string* FindParam(std::string_view Name) const { return FParameters.Find(Name); }
+  std::string ParamValue(std::string_view Name) const { return FParameters.Values(Name); }
+  /// Nothing when absent.
+  std::optional<std::string> FindParam(std::string_view Name) const { return FParameters.Find(Name); }
   std::string_view TypeName() const { return ObjectClass.TypeName(); }
 
   std::string FName;

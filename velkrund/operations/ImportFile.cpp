@@ -30,7 +30,7 @@ bool EndsEverything(const std::exception& Error) {
 bool IsTableData(const TEISection& Section) { return Section.ObjectClass.Role() == TSectionRole::TableData; }
 
 int ObjectTypeOf(const TEISection& Section) {
-  const std::string& Text = Section.ParamValue("ObjectType");
+  const std::string Text = Section.ParamValue("ObjectType");
   if (const auto Number = StrToInt32(Text)) return *Number;
   throw EConvertError(Format("'%s' is not a valid integer value (section '%s', ObjectType)", Text, Section.Name()));
 }
@@ -53,7 +53,7 @@ class TSettingsOfHost {
 
 /// The table that rows are for, or that a structure describes; empty: none.
 std::string TableOf(const TEISection& Section) {
-  const std::string* const TableName = Section.FindParam("TableName");
+  const auto TableName = Section.FindParam("TableName");
   if (IsTableData(Section)) return TableName ? *TableName : Section.Name();
   const bool IsTable =
       Section.ObjectClass.Role() == TSectionRole::Structure && ObjectTypeOf(Section) == TableObjectType;
@@ -249,9 +249,9 @@ void TUOImportFile::MakeMissingTables(const std::vector<TSource>& Sources) {
   std::erase(Names, std::string());
   FMissing->Make(Names);
   // The error of a table that has rows is that of their section.
+  const TStringList HaveRows(std::move(WithRows));
   for (const std::string& Name : Described) {
-    const auto IsIt = [&](const std::string& Other) { return SameText(Other, Name); };
-    if (Name.empty() || std::any_of(WithRows.begin(), WithRows.end(), IsIt)) continue;
+    if (Name.empty() || HaveRows.IndexOf(Name) >= 0) continue;
     try {
       FMissing->Check(Name);
     } catch (const std::exception& Error) {

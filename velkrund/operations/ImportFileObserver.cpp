@@ -7,7 +7,7 @@ namespace velkrund {
 
 std::optional<TLoadTarget> TImportFileObserver::TargetOf(const TEIFile&, const TEISection& Section) {
   const bool IsTableData = Section.ObjectClass.Role() == TSectionRole::TableData;
-  const std::string* const TableName = IsTableData ? Section.FindParam("TableName") : nullptr;
+  const auto TableName = IsTableData ? Section.FindParam("TableName") : std::nullopt;
   if (!TableName) return std::nullopt;
   try {
     const auto Table = BaseMng().GetUserTable(*TableName, FDatabaseName, true);

@@ -18,7 +18,7 @@ namespace {
 
 /// 0 when the section names none.
 std::int64_t StartValueOf(const TEISection& Section) {
-  const std::string* const Value = Section.FindParam("StartValue");
+  const auto Value = Section.FindParam("StartValue");
   return Value ? StrToInt64(*Value).value_or(0) : 0;
 }
 

@@ -60,6 +60,8 @@ class TEICommonLResource::TReader {
       if (IsTaken) Into.AddLanguage(Name);
       FLanguages.push_back({Name, IsTaken ? Into.GetResources(Name) : nullptr});
     }
+    FPlaces.AddAll(Listed.Count(),
+                   [this](int At) -> std::string_view { return FLanguages[static_cast<std::size_t>(At)].Name; });
     while (FIsPending || !AtEnd()) {
       if (FSection.IsCanceled()) return false;
       ReadName();
@@ -174,19 +176,21 @@ class TEICommonLResource::TReader {
 
   /// Null: the section does not list it. Texts mostly stand in the order of the list.
   const TLanguage* FindLanguage(std::string_view Name) {
-    const std::size_t Count = FLanguages.size();
-    for (std::size_t Step = 0; Step < Count; ++Step) {
-      const TLanguage& Language = FLanguages[FNextLanguage < Count ? FNextLanguage : FNextLanguage = 0];
-      ++FNextLanguage;
-      if (Language.Name == Name || SameText(Language.Name, Name)) return &Language;
-    }
-    return nullptr;
+    if (FNextLanguage >= FLanguages.size()) FNextLanguage = 0;
+    if (FNextLanguage < FLanguages.size() && FLanguages[FNextLanguage].Name == Name)
+      return &FLanguages[FNextLanguage++];
+    const int Place = FPlaces.Find(
+        Name, [this](int At) -> std::string_view { return FLanguages[static_cast<std::size_t>(At)].Name; });
+    if (Place < 0) return nullptr;
+    FNextLanguage = static_cast<std::size_t>(Place) + 1;
+    return &FLanguages[static_cast<std::size_t>(Place)];
   }
 
   TEICommonLResource& FSection;
   TEIStream& FStream;
   const TChosenNames FChosen;
   std::vector<TLanguage> FLanguages;  // all that the section lists
+  TNameIndex FPlaces;                 // in them
   std::size_t FNextLanguage = 0;      // the one that is expected next
   std::string FName, FText, FJoined;
   bool FIsChosen = false;

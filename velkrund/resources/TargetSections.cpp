@@ -26,7 +26,7 @@ int FindTargetSection(const TEISource& Target, TEIObjectClass Class, std::string
   for (int Index = 0; Index < Target.Sections().Count(); ++Index) {
     const TEISection& Section = Target.Sections()[Index];
     if (!Section.ObjectClass.InheritsFrom(Class)) continue;
-    const std::string* const Known = Section.FindParam(Parameter);
+    const auto Known = Section.FindParam(Parameter);
     if (Known && IsSame(*Known, Value)) return Index;
   }
   return -1;

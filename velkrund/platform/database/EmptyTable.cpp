@@ -7,10 +7,11 @@
 
 namespace velkrund {
 
-std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName) {
+std::int64_t EmptyTable(TODBCTable& Table, const std::string& DatabaseName, const std::string& Remark) {
   // Not even that, of a table without rows: an engine can refuse the statement by itself, and triggers of it fire.
   if (!Table.HasRecords()) return 0;
-  BaseMng().Notice(LText("M_Velkrund_ComUtils_Emptying", Table.TableName()).Local());
+  BaseMng().Notice(LText("M_Velkrund_ComUtils_Emptying", Table.TableName()).Local() +
+                   (Remark.empty() ? Remark : ": " + Remark));
   std::int64_t Deleted = 0;
   try {
     Deleted = BaseMng().ExecuteSQL("DELETE FROM " + Table.SQLName(), DatabaseName);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string>
 
 #include "velkrund/platform/lctrls/Form.h"
 
@@ -16,6 +18,9 @@ class TWindowSystem {
   virtual int ShowModal(TForm& Form) = 0;
   /// Whether there is somebody who can answer, so that it is worth asking. What ShowModal raises is still to be minded.
   virtual bool CanAsk() const { return true; }
+  /// Asks for a line that nobody else may see, such as a password. Called on the main thread. Nothing: nobody can be
+  /// asked. Raises EAbort when the person does not want to go on.
+  virtual std::optional<std::string> AskSecret(const std::string& /*Text*/) { return std::nullopt; }
   /// Runs Action on the main thread and returns when it is done; its errors come back. Systems with a loop of their own
   /// hand it over to that loop; this one runs it in place, one at a time.
   virtual void Synchronize(const std::function<void()>& Action);

@@ -96,13 +96,14 @@ std::optional<std::string_view> TStringHash::Find(std::string_view Name) const {
 }
 
 void TLSection::AddLanguage(const std::string& Language) {
-  if (!GetResources(Language)) FLanguages.push_back({Language, {}});
+  if (GetResources(Language)) return;
+  FLanguages.push_back({Language, {}});
+  FNames.Add(GetCount() - 1, [this](int Index) -> std::string_view { return GetLanguages(Index); });
 }
 
 TStringHash* TLSection::GetResources(std::string_view Language) {
-  const auto Found = std::find_if(FLanguages.begin(), FLanguages.end(),
-                                  [&](const TLanguage& Known) { return SameText(Known.Name, Language); });
-  return Found == FLanguages.end() ? nullptr : &Found->Resources;
+  const int Index = FNames.Find(Language, [this](int Known) -> std::string_view { return GetLanguages(Known); });
+  return Index < 0 ? nullptr : &FLanguages[static_cast<std::size_t>(Index)].Resources;
 }
 
 const TStringHash* TLSection::GetResources(std::string_view Language) const {

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "velkrund/platform/ormtools/NameIndex.h"
+
 namespace velkrund {
 
 /// The texts of one language by name, found ignoring case, in the order in which the names came first. Names and texts
@@ -74,6 +76,7 @@ class TLSection {
   const TLanguage& At(int Index) const;
 
   std::deque<TLanguage> FLanguages;  // references stay when others are added
+  TNameIndex FNames;
 };
 
 }  // namespace velkrund

@@ -27,6 +27,7 @@ constexpr std::string_view CodeWords[] = {
     "file-kind",
     "file-structure",
     "line-feeds",
+    "unfinished",
     "section-missing",
     "record",
     "value",

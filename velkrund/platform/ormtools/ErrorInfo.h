@@ -25,6 +25,7 @@ enum class TErrorCode {
   FileKind,         // it is no export/import file
   FileStructure,    // headers and marker lines
   LineFeeds,        // lines of the file end with a line feed alone, and are none
+  Unfinished,       // sections at the end of the file are not whole
   SectionMissing,   // named, and not in the file
   Record,           // the layout of a section's body
   Value,            // one value that its kind, or the table, does not take

@@ -16,9 +16,9 @@ std::size_t FindLineEnd(std::string_view Block) {
 void Skip(TStream& Stream, std::size_t Count) { Stream.Seek(static_cast<std::int64_t>(Count), TSeekOrigin::Current); }
 
 /// The rest of a line whose end, or what may belong to it, lies beyond Block, the bytes at the position.
-std::string_view ReadSpanningLine(TStream& Stream, std::string_view Block, std::string& Spill) {
+std::string_view ReadSpanningLine(TStream& Stream, std::string_view Block, std::string& Spill, std::size_t Limit) {
   Spill.clear();
-  while (!Block.empty()) {
+  while (!Block.empty() && Spill.size() <= Limit) {
     const std::size_t End = FindLineEnd(Block);
     Spill += Block.substr(0, End);
     if (End != std::string_view::npos) {
@@ -34,10 +34,10 @@ std::string_view ReadSpanningLine(TStream& Stream, std::string_view Block, std::
 
 }  // namespace
 
-std::string_view ReadRawLine(TStream& Stream, std::string& Spill) {
+std::string_view ReadRawLine(TStream& Stream, std::string& Spill, std::size_t Limit) {
   const std::string_view Block = Stream.Peek();
   const std::size_t End = FindLineEnd(Block);
-  if (End == std::string_view::npos || End + 1 == Block.size()) return ReadSpanningLine(Stream, Block, Spill);
+  if (End == std::string_view::npos || End + 1 == Block.size()) return ReadSpanningLine(Stream, Block, Spill, Limit);
   Skip(Stream, End + (Block[End + 1] == '\n' ? 2 : 1));
   return Block.substr(0, End);
 }

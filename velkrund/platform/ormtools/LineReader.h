@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,8 +13,9 @@ namespace velkrund {
 /// The next line of Stream, without its end, and the position moved behind it. A line ends at a carriage return, which
 /// may be followed by a line feed that belongs to the end; a lone line feed is data. The end of the stream ends the
 /// last line. The bytes lie in the stream's own buffer or, when the line spans blocks, in Spill (reused): valid until
-/// the next operation on either.
-std::string_view ReadRawLine(TStream& Stream, std::string& Spill);
+/// the next operation on either. A line of more than Limit bytes is given up, with the position somewhere in it: what
+/// is returned is longer than Limit then, and no more of it was held than a block.
+std::string_view ReadRawLine(TStream& Stream, std::string& Spill, std::size_t Limit = std::string_view::npos);
 
 /// What became of characters that an encoding could not carry.
 struct TTextLosses {

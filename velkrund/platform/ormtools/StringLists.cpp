@@ -16,9 +16,16 @@ const std::string& TStringList::operator[](int Index) const {
 }
 
 int TStringList::IndexOf(std::string_view Text) const {
-  const auto Found =
-      std::find_if(FItems.begin(), FItems.end(), [&](const std::string& Item) { return SameText(Item, Text); });
-  return Found == FItems.end() ? -1 : static_cast<int>(Found - FItems.begin());
+  // So many are searched one by one.
+  constexpr int Few = 16;
+  if (Count() <= Few) {
+    const auto Found =
+        std::find_if(FItems.begin(), FItems.end(), [&](const std::string& Item) { return SameText(Item, Text); });
+    return Found == FItems.end() ? -1 : static_cast<int>(Found - FItems.begin());
+  }
+  const auto NameAt = [this](int Place) -> std::string_view { return FItems[static_cast<std::size_t>(Place)]; };
+  while (FIndexed < Count()) FIndex.Add(FIndexed++, NameAt);
+  return FIndex.Find(Text, NameAt);
 }
 
 void TStringList::CustomSort(const TComparer& Comparer) {
@@ -30,9 +37,16 @@ void TStringList::CustomSort(const TComparer& Comparer) {
   Sorted.reserve(FItems.size());
   for (const int Index : Order) Sorted.push_back(std::move(FItems[static_cast<std::size_t>(Index)]));
   FItems = std::move(Sorted);
+  ForgetIndex();
+}
+
+void TStringList::ForgetIndex() {
+  FIndex.Clear();
+  FIndexed = 0;
 }
 
 void TStringList::Sort() {
+  ForgetIndex();
   std::stable_sort(FItems.begin(), FItems.end(), [](const std::string& A, const std::string& B) {
     const int Result = CompareText(A, B);
     // The order of UTF-8 bytes is that of code points.

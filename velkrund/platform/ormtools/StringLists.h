@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "velkrund/platform/ormtools/NameIndex.h"
+
 namespace velkrund {
 
 /// A list of texts that can be sorted by a comparer of two of its positions.
@@ -24,8 +26,9 @@ class TStringList {
   /// Raises EListError outside the list.
   const std::string& operator[](int Index) const;
   void Add(std::string Text) { FItems.push_back(std::move(Text)); }
-  void Clear() { FItems.clear(); }
-  /// Position of the first text equal to Text without regard to case; -1 when absent.
+  void Clear() { FItems.clear(), ForgetIndex(); }
+  /// Position of the first text equal to Text without regard to case; -1 when absent. At once however long the list is:
+  /// where it is long, an index is made that grows with it.
   int IndexOf(std::string_view Text) const;
 
   /// Stable. An error of the comparer passes through and leaves the order as it was.
@@ -37,7 +40,11 @@ class TStringList {
   auto end() const { return FItems.end(); }
 
  private:
+  void ForgetIndex();
+
   std::vector<std::string> FItems;
+  mutable TNameIndex FIndex;  // of the first FIndexed texts
+  mutable int FIndexed = 0;
 };
 
 /// Pairs of texts in a given order, e.g. source and target names.

@@ -62,10 +62,16 @@ TDSPNode* TDSPNode::FindNode(std::string_view Name) const {
   return nullptr;
 }
 
-TDSPNode& TDSPNode::AddNode(std::string_view Name) {
-  TDSPNode& Node = *FNodes.emplace_back(std::make_unique<TDSPNode>(Name));
-  Node.FParent = this;
-  return Node;
+TDSPNode& TDSPNode::AddNode(std::string_view Name) { return AddNode(std::make_unique<TDSPNode>(Name)); }
+
+TDSPNode& TDSPNode::AddNode(std::unique_ptr<TDSPNode> Node) {
+  Node->FParent = this;
+  return *FNodes.emplace_back(std::move(Node));
+}
+
+std::vector<std::unique_ptr<TDSPNode>> TDSPNode::ReleaseNodes() {
+  for (const auto& Node : FNodes) Node->FParent = nullptr;
+  return std::exchange(FNodes, {});
 }
 
 void TDSPNode::DeleteNode(int Index) { FNodes.erase(FNodes.begin() + static_cast<std::ptrdiff_t>(Checked(Index))); }
@@ -96,6 +102,12 @@ void TDSPNode::Assign(const TDSPNode& Source) {
     for (const auto& Node : From->FNodes) Pending.emplace_back(Node.get(), &To->AddNode(Node->FName));
   }
   *this = std::move(Copy);
+}
+
+void TDSPNode::TakeContent(TDSPNode& Source) {
+  FType = std::exchange(Source.FType, TDSPValueType::None);
+  FValue = std::move(Source.FValue);
+  TakeNodes(std::exchange(Source.FNodes, {}));
 }
 
 void TDSPNode::Sort() {

@@ -15,6 +15,9 @@ namespace velkrund {
 
 /// Between the names in the full name of a node.
 inline constexpr char DSPNameSeparator = '\\';
+/// Levels of a tree in files and documents. An indented text of a tree grows with the square of its depth, and many
+/// programs go down a document by calling themselves; no structure that anybody writes comes near.
+inline constexpr int DSPDeepestTree = 1000;
 
 /// A node of a structure's tree: a name, a typed value, and children in an order, which it owns. Names may repeat; they
 /// are looked up ignoring case, and the first one is found. No operation recurses, so that a tree may be as deep as
@@ -66,6 +69,9 @@ class TDSPNode {
   TDSPNode* FindNode(std::string_view Name) const;
   /// Adds a child behind the others; it stays where it is in memory.
   TDSPNode& AddNode(std::string_view Name);
+  TDSPNode& AddNode(std::unique_ptr<TDSPNode> Node);
+  /// Hands the children over, which have no parent then.
+  std::vector<std::unique_ptr<TDSPNode>> ReleaseNodes();
   /// Index as for GetNodes.
   void DeleteNode(int Index);
   /// Removes the children at whose place Gone is true; those beyond its end stay.
@@ -75,6 +81,8 @@ class TDSPNode {
 
   /// Makes value and children those of Source, copied. The name stays. Source may be a part of this tree.
   void Assign(const TDSPNode& Source);
+  /// The same, but takes them: Source keeps its name alone. It is no part of this tree, and this one none of Source's.
+  void TakeContent(TDSPNode& Source);
   /// Orders the children by name ignoring case, then by code; names that are equal keep their order.
   void Sort();
   /// Removes every descendant that is marked Deleted, with all that is below it.

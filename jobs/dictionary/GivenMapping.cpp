@@ -38,10 +38,11 @@ bool HasName(const std::vector<std::string>& Names, const std::string& Name) {
 }
 
 std::optional<std::string> DoubledTarget(const TStringPairs& Mapping) {
-  for (std::size_t Index = 0; Index < Mapping.size(); ++Index)
-    for (std::size_t Other = 0; Other < Index; ++Other)
-      if (!Mapping[Index].second.empty() && SameText(Mapping[Other].second, Mapping[Index].second))
-        return Mapping[Index].second;
+  TStringList Seen;
+  for (const auto& [From, To] : Mapping) {
+    if (!To.empty() && Seen.IndexOf(To) >= 0) return To;
+    Seen.Add(To);
+  }
   return std::nullopt;
 }
 

@@ -27,6 +27,7 @@ void AddNamed(std::vector<TDefinedObject>& Chosen, const std::vector<TDefinedObj
     return Chosen.size() > Before;
   };
   if (Add([&](const TDefinedObject& Object) { return FullName(Object.Table) == Name; })) return;
+  if (Add([&](const TDefinedObject& Object) { return HasExactName(Object.Table, Name); })) return;
   Add([&](const TDefinedObject& Object) { return SameText(FullName(Object.Table), Name); });
 }
 
@@ -35,7 +36,8 @@ void AddNamed(std::vector<TDefinedObject>& Chosen, const std::vector<TDefinedObj
 void RefuseNames(const std::vector<TDefinedObject>& Objects) {
   if (std::vector<std::string> Meeting = MeetingNames(Objects); !Meeting.empty())
     throw EDatabaseError(
-        Format("Structures do not tell names apart that differ in case only: %s. Name one of them, or rename it",
+        Format("Structures do not tell names apart that differ in case only, or in where a dot belongs: %s. Name one "
+               "of them, or rename it",
                JoinedInShort(std::move(Meeting))));
   std::vector<std::string> Unfit;
   for (const TDefinedObject& Object : Objects)

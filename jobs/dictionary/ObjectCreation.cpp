@@ -47,7 +47,7 @@ std::vector<TScriptStatement> StatementsOf(const TConnection& Connection, const 
 
 void TObjectCreation::AddStructure(TInputFile& Input, int Index) {
   const TEISection& Section = Input.File().Sections()[Index];
-  const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
+  const auto Type = Section.FindParam("ObjectType"), Name = Section.FindParam("ObjectName");
   const std::optional<std::int32_t> Number = Type ? StrToInt32(*Type) : std::nullopt;
   if (!Number || !Name || !TUORecreateContainer::OurObjectType(*Number) || Find(*Number, *Name)) return;
   TEntry Entry{{*Number, *Name}, ObjectExists(DicDBContainer().Database(FDatabaseName), *Number, *Name), {}};

@@ -106,18 +106,20 @@ TTableCreation::TTableCreation(TStandaloneManager& Manager, const TPolicies& Pol
 void TTableCreation::AddStructure(TInputFile& Input, int Index) {
   const TEISection& Section = Input.File().Sections()[Index];
   FObjects.AddStructure(Input, Index);
-  const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
+  const auto Type = Section.FindParam("ObjectType"), Name = Section.FindParam("ObjectName");
   if (!Type || !Name || *Type != std::to_string(TableObjectType)) return;
   const bool StaysStored = FPolicies.ExistingStructures == TExisting::Skip;
   if (StaysStored && DSPContainer().Table(FDatabaseName).DSPStructureExist(*Name, TableObjectType)) return;
   const std::optional<TDSPNode> Tree = TreeOfSection(FManager, Input, Index);
   if (!Tree) return;
+  // Before what may be passed over: that the database cannot be read is no fault of the section.
+  const bool IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(*Name).has_value();
   try {
     TEntry Entry;
     Entry.Description = ReadTable(*Tree);
     NameAfter(Entry.Description, *Name);
     Entry.Description = Named(std::move(Entry.Description), Entry.Gaps);
-    Entry.IsThere = FManager.Databases().Connection(FDatabaseName).Schema().FindTable(*Name).has_value();
+    Entry.IsThere = IsThere;
     FEntries[LowerCase(*Name)] = std::move(Entry);
   } catch (const EAbort&) {
     throw;

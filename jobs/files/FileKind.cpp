@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jobs/files/StrayMarkers.h"
+#include "velkrund/eif/UnfinishedTail.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -93,11 +94,14 @@ std::optional<TForeignKind> ForeignKind(TEIFile& File) {
   std::string Start(BytesLookedAt, '\0');
   File.Stream().SetPosition(0);
   Start.resize(File.Stream().Read(Start.data(), Start.size()));
+  if (File.UnfinishedPosition() >= 0)
+    Start.resize(std::min(Start.size(), static_cast<std::size_t>(File.UnfinishedPosition())));
   return KindOfStart(Start);
 }
 
 std::optional<TForeignKind> ForeignStart(std::string_view Start) {
-  return Trim(WithoutMark(Start)).starts_with(SectionMark) ? std::nullopt : KindOfStart(Start);
+  const std::string_view Text = Trim(WithoutMark(Start));
+  return Text.starts_with(SectionMark) || Text.starts_with(UnfinishedMarker) ? std::nullopt : KindOfStart(Start);
 }
 
 void RefuseForeignFile(TEIFile& File, const std::string& Name) {
@@ -113,8 +117,18 @@ void RefuseForeignFile(TEIFile& File, const std::string& Name) {
 void RefuseFileWithoutSections(TEIFile& File, const std::string& Name) {
   RefuseForeignFile(File, Name);
   if (File.Sections().Count() > 0) return;
-  const char* const Text = File.Stream().Size() == 0 ? "'%s' is empty: it holds no section" : "'%s' holds no section";
+  const char* const Text = File.Stream().Size() == 0       ? "'%s' is empty: it holds no section"
+                           : File.UnfinishedPosition() < 0 ? "'%s' holds no section"
+                                                           : "'%s' holds no section but an unfinished one: an export "
+                                                             "was killed, or is still at work";
   throw EEIError(Format(Text, Name), {.Code = TErrorCode::FileKind, .File = Name});
+}
+
+void RefuseUnfinished(const TEIFile& File, const std::string& Name) {
+  if (File.UnfinishedPosition() < 0) return;
+  throw EEIError(Format("'%s' ends with an unfinished section (Position:%d): an export was killed, or is still at work",
+                        Name, File.UnfinishedPosition()),
+                 {.Code = TErrorCode::Unfinished, .File = Name});
 }
 
 void RequireSections(TEIFile& File, const std::string& Name) {

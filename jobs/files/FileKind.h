@@ -25,7 +25,9 @@ std::optional<TForeignKind> ForeignStart(std::string_view Start);
 void RefuseForeignFile(TEIFile& File, const std::string& Name);
 /// The same, and for a file without any section.
 void RefuseFileWithoutSections(TEIFile& File, const std::string& Name);
-/// The same, and for one with a section that no reader sees.
+/// Raises EEIError, of the code Unfinished, for a file that ends with unfinished sections.
+void RefuseUnfinished(const TEIFile& File, const std::string& Name);
+/// What RefuseFileWithoutSections refuses, and a file with a section that no reader sees.
 void RequireSections(TEIFile& File, const std::string& Name);
 
 }  // namespace velkrund

@@ -32,34 +32,39 @@ void FillFromPath(TSpool& Spool, const std::string& Path, const TSpool::TCancele
   close(Descriptor);
 }
 
-TFileState StateOf(const std::string& Path) {
-  struct stat State = {};
-  if (stat(Path.c_str(), &State) != 0) return {};
-  return {State.st_dev, State.st_ino, State.st_size, State.st_mtim.tv_sec, State.st_mtim.tv_nsec};
+/// What shows that a file was written to; always the same of what is none.
+struct TMoment {
+  std::int64_t Size = 0, Seconds = 0, Nanoseconds = 0;
+  bool operator==(const TMoment&) const = default;
+};
+
+TMoment MomentOf(int Descriptor) {
+  struct stat Status;
+  if (fstat(Descriptor, &Status) != 0 || !S_ISREG(Status.st_mode)) return {};
+  return {Status.st_size, Status.st_mtim.tv_sec, Status.st_mtim.tv_nsec};
 }
 
 }  // namespace
 
-TInputBytes::TInputBytes(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled)
+TInputBytes::TInputBytes(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled, TWatch Watch)
     : FName(Name),
       FShownName(Name == "-" ? "standard input" : Name),
       FCanceled(std::move(Canceled)),
       FSpool(IsPipe(Name) ? std::make_unique<TSpool>(Files) : nullptr),
-      FFiles(FSpool ? *FSpool : Files) {}
+      FWatched(!FSpool && Watch == TWatch::Yes ? std::make_unique<TWatchedFiles>(Files) : nullptr),
+      FFiles(FSpool     ? FSpool->Files()
+             : FWatched ? *FWatched
+                        : Files) {}
 
 void TInputBytes::Fill() {
-  if (FSpool && FName == "-") FSpool->FillFrom(STDIN_FILENO, "standard input", FCanceled);
+  if (FSpool && FName == "-") {
+    const TMoment Before = MomentOf(STDIN_FILENO);
+    FSpool->FillFrom(STDIN_FILENO, "standard input", FCanceled);
+    if (MomentOf(STDIN_FILENO) != Before)
+      throw EReadError("The file that is standard input was written to while it was read",
+                       {.Code = TErrorCode::FileInUse});
+  }
   if (FSpool && FName != "-") FillFromPath(*FSpool, FName, FCanceled);
-  if (!FSpool) FOpened = StateOf(FName);
-}
-
-void TInputBytes::RefuseChanged() const {
-  if (FSpool || FOpened.Size < 0) return;
-  const TFileState Now = StateOf(FName);
-  // Another file of that name, or none, leaves the one that is open as it was.
-  if (Now.Device != FOpened.Device || Now.Number != FOpened.Number || Now == FOpened) return;
-  throw EReadError(Format("File '%s' was written to while it was read", FName),
-                   {.Code = TErrorCode::FileInUse, .File = FName});
 }
 
 }  // namespace velkrund

@@ -4,8 +4,8 @@
 
 namespace velkrund {
 
-TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled)
-    : FBytes(Files, Name, std::move(Canceled)), FFile(std::make_unique<TEIFile>(FBytes.Files())) {
+TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled, TWatch Watch)
+    : FBytes(Files, Name, std::move(Canceled), Watch), FFile(std::make_unique<TEIFile>(FBytes.Files())) {
   FFile->SetFileName(FBytes.ShownName());
   FFile->SetReadonly(true);
 }
@@ -13,6 +13,9 @@ TInputFile::TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCan
 void TInputFile::Open() {
   FBytes.Fill();
   OpenForSections(*FFile);
+  // Whoever adds sections goes on with what is unfinished, and behind the end.
+  const std::int64_t Unfinished = FFile->UnfinishedPosition();
+  FBytes.WatchUntil(Unfinished < 0 ? FFile->Stream().Size() : Unfinished);
 }
 
 }  // namespace velkrund

@@ -12,10 +12,10 @@ namespace velkrund {
 class TInputFile {
  public:
   /// As TInputBytes.
-  TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled);
+  TInputFile(TFileSystem& Files, const std::string& Name, TSpool::TCanceled Canceled, TWatch Watch = TWatch::No);
   /// Reads the headers. Of a faulty file those before the fault are there when the error comes.
   void Open();
-  /// As TInputBytes does, of what has happened since the file was opened.
+  /// As TInputBytes does.
   void RefuseChanged() const { FBytes.RefuseChanged(); }
   TEIFile& File() { return *FFile; }
   /// Where the file can be opened again under Name().

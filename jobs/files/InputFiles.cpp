@@ -4,7 +4,8 @@ namespace velkrund {
 
 TInputFiles::TInputFiles(TFileSystem& Files, const std::vector<std::string>& Names, const TSpool::TCanceled& Canceled)
     : FFiles(Files) {
-  for (const std::string& Name : Names) FInputs.push_back(std::make_unique<TInputFile>(Files, Name, Canceled));
+  for (const std::string& Name : Names)
+    FInputs.push_back(std::make_unique<TInputFile>(Files, Name, Canceled, TWatch::Yes));
 }
 
 std::vector<std::string> TInputFiles::FileNames() const {

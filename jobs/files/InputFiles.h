@@ -23,7 +23,6 @@ class TInputFiles final : public TFileSystem {
   // TFileSystem
   std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override;
   bool Exists(const std::string& Path) override { return Behind(Path).Exists(Path); }
-  void Replace(const std::string& From, const std::string& To) override { Behind(To).Replace(From, To); }
   void Remove(const std::string& Path) override { Behind(Path).Remove(Path); }
 
  private:

@@ -1,11 +1,9 @@
 #include "jobs/files/LineFeeds.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
-#include "jobs/files/FileBeside.h"
 #include "jobs/files/StrayMarkers.h"
 #include "velkrund/eif/EIStream.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -139,11 +137,7 @@ std::vector<TFileRange> LineFeedParts(TEIFile& File) {
 
 std::int64_t MendLineFeeds(TFileSystem& Files, TEIFile& File, const std::vector<TFileRange>& Parts,
                            const std::function<bool()>& Canceled) {
-  // A link stays one: it is the file behind it that is replaced.
-  const std::string Path = std::filesystem::canonical(File.FileName()).string();
-  RemoveLeftBeside(Files, File.FileName());
-  TFileBeside Beside(Files, Path);
-  const std::unique_ptr<TFile> To = Files.Open(Beside.Path(), TFileMode::ReadWrite);
+  const std::unique_ptr<TFileInMaking> Made = Files.MakeInPlaceOf(File.FileName());
   std::int64_t Written = 0, Count = 0;
   std::string Out;
   const auto Copy = [&](const TFileRange& Part, bool Mends) {
@@ -155,7 +149,7 @@ std::int64_t MendLineFeeds(TFileSystem& Files, TEIFile& File, const std::vector<
         Mender.Take(Block, Out);
       else
         Out = Block;
-      To->WriteAt(Written, Out);
+      Made->File().WriteAt(Written, Out);
       Written += static_cast<std::int64_t>(Out.size());
       return true;
     });
@@ -168,8 +162,7 @@ std::int64_t MendLineFeeds(TFileSystem& Files, TEIFile& File, const std::vector<
     At = Part.To;
   }
   Copy({At, File.Stream().Size()}, false);
-  To->Sync();
-  Beside.PutAt(Path);
+  Made->Put();
   return Count;
 }
 

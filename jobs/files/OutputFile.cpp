@@ -1,11 +1,9 @@
 #include "jobs/files/OutputFile.h"
 
-#include <filesystem>
-
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/SectionRemoval.h"
 #include "jobs/files/StrayMarkers.h"
-#include "velkrund/platform/database/LText.h"
+#include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -23,74 +21,43 @@ std::string StartOf(TFile& File) {
 
 }  // namespace
 
-TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TComplain Complain,
-                         TOutputUse Use)
-    : FFiles(Files),
-      FComplain(std::move(Complain)),
-      FName(Name),
-      FShownName(Name == "-" ? "standard output" : Name),
-      FUse(Use) {
-  if (IsPipe(Name)) FSpool = std::make_unique<TSpool>(FFiles);
-  FFile = std::make_unique<TEIFile>(FSpool ? *FSpool : FFiles);
-  FFile->SetStrictText(StrictText);
-  FFile->SetFileName(FShownName);
-  if (FSpool)
-    FFile->Open();
+TOutputFile::TOutputFile(TFileSystem& Files, const std::string& Name, bool StrictText, TOutputUse Use)
+    : FFiles(Files), FName(Name), FShownName(Name == "-" ? "standard output" : Name), FUse(Use) {
+  if (IsPipe(Name))
+    FSpool = std::make_unique<TSpool>(FFiles);
   else
     OpenFile();
+  FFile = std::make_unique<TEIFile>(FSpool ? FSpool->Files() : FLent ? *FLent : FFiles);
+  FFile->SetStrictText(StrictText);
+  FFile->SetFileName(FShownName);
+  if (FSpool || FLent)
+    FFile->Open();
+  else
+    OpenToAdd();
 }
 
+/// Where sections are not added to one that is there.
 void TOutputFile::OpenFile() {
-  // Made under the condition that it does not exist: another program may be making it at the same time.
-  std::unique_ptr<TFile> Made;
-  if (!FFiles.Exists(FName)) Made = FFiles.Open(FName, TFileMode::CreateNew);
-  FCreated = Made != nullptr;
-  try {
-    if (Made) Made->Sync();
-    if (FUse == TOutputUse::MakeAfresh)
-      OpenBeside(std::move(Made));
-    else
-      OpenToAdd(std::move(Made));
-  } catch (...) {
-    Made.reset();
-    FFile.reset();
-    FBeside.reset();
-    FOld.reset();
-    if (FCreated) RemoveUnlessUsed();
-    throw;
+  const bool Exists = FFiles.Exists(FName);
+  if (Exists && FUse == TOutputUse::AddTo) return;
+  if (Exists) {
+    FOld = FFiles.Open(FName, TFileMode::ReadWrite);
+    // What is there may be damaged; that it is one of ours is enough.
+    Refuse(ForeignStart(StartOf(*FOld)));
   }
+  FMade = Exists ? FFiles.MakeInPlaceOf(FName) : FFiles.MakeNew(FName, {});
+  FIsNamed = false;
+  FLent = std::make_unique<TLentFile>(FMade->File(), true);
 }
 
-void TOutputFile::OpenToAdd(std::unique_ptr<TFile> Made) {
-  Made.reset();
+void TOutputFile::OpenToAdd() {
   OpenForSections(*FFile);
   const std::optional<TForeignKind> Kind = ForeignKind(*FFile);
   // What is hidden could have the name of what is added.
   if (!Kind || Kind->Advice.empty()) RefuseHiddenSections(*FFile, FName);
   Refuse(Kind);
-  RemoveLeftBeside(FFiles, FName);
-}
-
-/// What is there may be damaged; that it is one of ours is enough.
-void TOutputFile::OpenBeside(std::unique_ptr<TFile> Made) {
-  FOld = Made ? std::move(Made) : FFiles.Open(FName, TFileMode::ReadWrite);
-  Refuse(ForeignStart(StartOf(*FOld)));
-  RemoveLeftBeside(FFiles, FName);
-  // A link stays one: it is the file behind it that is replaced.
-  FPath = std::filesystem::canonical(FName).string();
-  FBeside = std::make_unique<TFileBeside>(FFiles, FPath);
-  FFile->SetFileName(FBeside->Path());
-  FFile->Open();
-}
-
-/// Another program may have found the file meanwhile, and be writing into it, or be done already.
-void TOutputFile::RemoveUnlessUsed() {
-  try {
-    const std::unique_ptr<TFile> Locked = FFiles.Open(FName, TFileMode::ReadWrite);
-    if (Locked->Size() == 0) FFiles.Remove(FName);
-  } catch (const std::exception& Error) {
-    FComplain(LText("M_Velkrund_Jobs_EmptyFileMayBe", Error.what()).Local());
-  }
+  if (FFile->UnfinishedPosition() >= 0) FUnfinishedBytes = FFile->Stream().Size() - FFile->UnfinishedPosition();
+  FFiles.RemoveLeft(FName);
 }
 
 void TOutputFile::Refuse(const std::optional<TForeignKind>& Kind) const {
@@ -100,25 +67,48 @@ void TOutputFile::Refuse(const std::optional<TForeignKind>& Kind) const {
                     {.Code = TErrorCode::FileKind, .File = FName});
 }
 
-TOutputFile::~TOutputFile() {
-  if (!FCreated || (!FBeside && FFile->Sections().Count() > 0)) return;
+TOutputFile::~TOutputFile() { DropHeld(); }
+
+void TOutputFile::PrepareReplacing() {
+  if (!FSpool && !FMade) FMade = FFiles.MakeInPlaceOf(FName);
+}
+
+void TOutputFile::Keep() {
+  if (FIsNamed || FUse == TOutputUse::MakeAfresh || FFile->Sections().Count() == 0) return;
+  if (FNotNamed) std::rethrow_exception(FNotNamed);
   try {
-    FFiles.Remove(FName);  // still locked
+    FMade->Put();
+    FIsNamed = true;
+  } catch (const std::exception&) {
+    FNotNamed = std::current_exception();
+    throw;
+  }
+}
+
+/// Where this fails they are unfinished, and cut off by the next one that adds to the file.
+void TOutputFile::DropHeld() {
+  if (!FFile || FSpool) return;
+  try {
+    FFile->DropHeld();
   } catch (const std::exception& Error) {
-    FComplain(LText("M_Velkrund_Jobs_EmptyFileIs", Error.what()).Local());
+    BaseMng().WriteTrace(TraceSubsystem, TTraceLevel::Error, Error.what());
   }
 }
 
 void TOutputFile::Finish(const std::vector<int>& Replaced, const TSpool::TCanceled& Canceled) {
-  FFile->Sync();
-  if (!Replaced.empty()) RemoveSections(FFiles, *FFile, Replaced, Canceled);
-  if (FBeside) {
-    if (Canceled && Canceled()) throw EAbort("cancelled before the new file took its place");
-    FBeside->PutAt(FPath);
-    FCreated = false;
+  if (!Replaced.empty()) return WriteWithout(*FMade, *FFile, Replaced, Canceled);
+  FFile->FinishHeld();
+  FFile->Stream().Flush();
+  if (FSpool) {
+    if (FFile->Sections().Count() > 0) FSpool->DrainToName(FName, Canceled);
+    return;
   }
-  if (!FSpool || FFile->Sections().Count() == 0) return;
-  FSpool->DrainToName(FName, Canceled);
+  if (FUse == TOutputUse::MakeAfresh) {
+    if (Canceled && Canceled()) throw EAbort("cancelled before the new file took its place");
+    return FMade->Put();
+  }
+  if (!FNotNamed) Keep();
+  if (FIsNamed) FFile->Sync();
 }
 
 }  // namespace velkrund

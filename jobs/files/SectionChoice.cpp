@@ -1,12 +1,12 @@
 #include "jobs/files/SectionChoice.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "velkrund/dictionary/QueryData.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Numbers.h"
-#include "velkrund/platform/ormtools/Text.h"
 #include "velkrund/platform/ormtools/Wording.h"
 
 namespace velkrund {
@@ -55,14 +55,27 @@ TLText LSectionText(const TEISectionList& Sections, int Index) {
   return LText("M_Velkrund_Jobs_SectionText", Index, Section.Name(), Section.TypeName());
 }
 
-std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string& Name) {
+TSectionNames::TSectionNames(const TEISectionList& Sections)
+    : FSections(Sections), FNext(static_cast<std::size_t>(Sections.Count()), -1) {
+  const auto Name = [this](int Index) { return NameAt(Index); };
+  std::vector<int> Last(FNext.size());
+  for (int Index = 0; Index < Sections.Count(); ++Index) {
+    const auto First = static_cast<std::size_t>(FFirst.Add(Index, Name));
+    if (First != static_cast<std::size_t>(Index)) FNext[static_cast<std::size_t>(Last[First])] = Index;
+    Last[First] = Index;
+  }
+}
+
+std::vector<int> TSectionNames::Named(const std::string& Name) const {
   std::vector<int> Result;
-  for (int Index = 0; Index < Sections.Count(); ++Index)
-    if (SameText(Sections[Index].Name(), Name)) Result.push_back(Index);
+  for (int Index = FFirst.Find(Name, [this](int Place) { return NameAt(Place); }); Index >= 0;
+       Index = FNext[static_cast<std::size_t>(Index)])
+    Result.push_back(Index);
   return Result;
 }
 
-int TheSection(const TEISectionList& Sections, const std::string& Text, const std::string& FileName) {
+int TheSection(const TSectionNames& Names, const std::string& Text, const std::string& FileName) {
+  const TEISectionList& Sections = Names.Sections();
   const bool IsNumber = std::all_of(Text.begin(), Text.end(), [](char C) { return C >= '0' && C <= '9'; });
   if (IsNumber) {
     const std::optional<std::int32_t> Index = StrToInt32(Text);
@@ -70,13 +83,13 @@ int TheSection(const TEISectionList& Sections, const std::string& Text, const st
     throw EEIError(Format("'%s' has no section with the index %s: %s", FileName, Text, ContentText(Sections)),
                    {.Code = TErrorCode::SectionMissing, .File = FileName, .Section = Text});
   }
-  const std::vector<int> Found = SectionsNamed(Sections, Text);
+  const std::vector<int> Found = Names.Named(Text);
   if (Found.size() == 1) return Found.front();
   if (Found.empty()) {
-    std::vector<std::string> Names;
-    for (int Index = 0; Index < Sections.Count(); ++Index) Names.push_back(Sections[Index].Name());
+    std::vector<std::string> Known;
+    for (int Index = 0; Index < Sections.Count(); ++Index) Known.push_back(Sections[Index].Name());
     throw EEIError(
-        Format("'%s' has no section '%s': %s%s", FileName, Text, ContentText(Sections), NearestHint(Text, Names)),
+        Format("'%s' has no section '%s': %s%s", FileName, Text, ContentText(Sections), NearestHint(Text, Known)),
         {.Code = TErrorCode::SectionMissing, .File = FileName, .Section = Text});
   }
   std::vector<std::string> Texts;
@@ -88,11 +101,13 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
                                 std::vector<TLText>& Notes) {
   const auto Fits = [&](int Index) { return Sections[Index].ObjectClass.Role() == Choice.Role; };
   std::vector<int> Result;
+  std::unordered_set<int> Seen;
+  const TSectionNames Names(Sections);
   for (const std::string& Text : Choice.Texts) {
-    const int Index = TheSection(Sections, Text, Choice.FileName);
+    const int Index = TheSection(Names, Text, Choice.FileName);
     if (!Fits(Index))
       throw EEIError(Format("In '%s' %s holds no %s", Choice.FileName, SectionText(Sections, Index), Choice.Content));
-    if (std::find(Result.begin(), Result.end(), Index) == Result.end()) Result.push_back(Index);
+    if (Seen.insert(Index).second) Result.push_back(Index);
   }
   std::vector<TLText> Others;
   for (int Index = 0; Choice.Texts.empty() && Index < Sections.Count(); ++Index) {
@@ -113,7 +128,7 @@ std::vector<int> ChosenSections(const TEISectionList& Sections, const TSectionCh
 }
 
 std::string TableOf(const TEISection& Section) {
-  const std::string* const Name = Section.FindParam("TableName");
+  const auto Name = Section.FindParam("TableName");
   return Name ? *Name : std::string();
 }
 

@@ -2,10 +2,12 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkrund/eif/EISource.h"
 #include "velkrund/platform/database/LText.h"
+#include "velkrund/platform/ormtools/NameIndex.h"
 
 namespace velkrund {
 
@@ -14,11 +16,26 @@ bool IsTableData(const TEISection& Section);
 std::string SectionText(const TEISectionList& Sections, int Index);
 TLText LSectionText(const TEISectionList& Sections, int Index);
 
-/// The sections of that name, ignoring case.
-std::vector<int> SectionsNamed(const TEISectionList& Sections, const std::string& Name);
+/// Finds sections by name, ignoring case, at once: there may be as many names as sections.
+class TSectionNames {
+ public:
+  /// Borrowed, and not changed meanwhile.
+  explicit TSectionNames(const TEISectionList& Sections);
+  const TEISectionList& Sections() const { return FSections; }
+  /// In the order of the file.
+  std::vector<int> Named(const std::string& Name) const;
+
+ private:
+  std::string_view NameAt(int Index) const { return FSections[Index].Name(); }
+
+  const TEISectionList& FSections;
+  TNameIndex FFirst;
+  std::vector<int> FNext;  // of the same name, by index; -1: none
+};
+
 /// The one section that Text means: a decimal number is an index, everything else a name. Raises EEIError, which says
 /// what the file holds, when there is none, or more than one of that name.
-int TheSection(const TEISectionList& Sections, const std::string& Text, const std::string& FileName);
+int TheSection(const TSectionNames& Names, const std::string& Text, const std::string& FileName);
 
 /// Sections of one role, to be chosen from a file.
 struct TSectionChoice {

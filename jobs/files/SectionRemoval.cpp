@@ -1,8 +1,9 @@
 #include "jobs/files/SectionRemoval.h"
 
-#include <filesystem>
+#include <algorithm>
+#include <memory>
 
-#include "jobs/files/FileBeside.h"
+#include "jobs/files/LentFile.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
@@ -11,12 +12,14 @@ namespace {
 
 constexpr std::size_t BlockSize = 1024 * 1024;
 
-void CopyBytes(TFile& From, TFile& To, const std::function<bool()>& Canceled) {
-  std::string Block(BlockSize, '\0');
-  std::int64_t Position = 0;
-  while (const std::size_t Got = From.ReadAt(Position, Block.data(), Block.size())) {
+/// From a position of the stream on, to the end of the file.
+void AddBytes(TStream& From, std::int64_t Start, TFile& To, const std::function<bool()>& Canceled) {
+  const auto Block = std::make_unique<char[]>(BlockSize);
+  std::int64_t Position = To.Size();
+  From.SetPosition(Start);
+  while (const std::size_t Got = From.Read(Block.get(), BlockSize)) {
     if (Canceled && Canceled()) throw EAbort("Cancelled while sections were removed");
-    To.WriteAt(Position, std::string_view(Block.data(), Got));
+    To.WriteAt(Position, {Block.get(), Got});
     Position += static_cast<std::int64_t>(Got);
   }
 }
@@ -31,24 +34,27 @@ TStringList IndexTexts(const std::vector<int>& Indexes) {
 
 void RemoveSections(TFileSystem& Files, TEIFile& File, const std::vector<int>& Indexes,
                     const std::function<bool()>& Canceled) {
-  // A link stays one: it is the file behind it that is replaced.
-  const std::string Path = std::filesystem::canonical(File.FileName()).string();
-  RemoveLeftBeside(Files, File.FileName());
-  TFileBeside Beside(Files, Path);
+  WriteWithout(*Files.MakeInPlaceOf(File.FileName()), File, Indexes, Canceled);
+}
+
+void WriteWithout(TFileInMaking& Copy, TEIFile& File, const std::vector<int>& Indexes,
+                  const std::function<bool()>& Canceled) {
+  AddBytes(File.Stream(), 0, Copy.File(), Canceled);
+  for (const std::int64_t Start : File.Held()) Copy.File().WriteAt(Start, "[");
   {
-    const std::unique_ptr<TFile> From = Files.Open(Path, TFileMode::Read);
-    CopyBytes(*From, *Files.Open(Beside.Path(), TFileMode::ReadWrite), Canceled);
+    TLentFile Lent(Copy.File(), true);
+    TEIFile Shortened(Lent);
+    Shortened.SetStrictText(false);  // texts are not touched
+    Shortened.SetFileName(File.FileName());
+    Shortened.Open();
+    Shortened.DeleteSections(IndexTexts(Indexes));
   }
-  {
-    TEIFile Copy(Files);
-    Copy.SetStrictText(false);  // texts are not touched
-    Copy.SetFileName(Beside.Path());
-    Copy.Open();
-    Copy.DeleteSections(IndexTexts(Indexes));
-    Copy.Sync();
-  }
+  // With the last section all that follows it was cut off.
+  const int Last = File.Sections().Count() - 1;
+  if (std::find(Indexes.begin(), Indexes.end(), Last) != Indexes.end())
+    AddBytes(File.Stream(), File.EndOfSection(File.Sections()[Last]), Copy.File(), Canceled);
   if (Canceled && Canceled()) throw EAbort("Cancelled while sections were removed");
-  Beside.PutAt(Path);
+  Copy.Put();
 }
 
 }  // namespace velkrund

@@ -4,7 +4,6 @@
 #include <array>
 #include <memory>
 
-#include "jobs/files/FileBeside.h"
 #include "jobs/files/FileKind.h"
 #include "jobs/files/FileOpening.h"
 #include "jobs/files/LineFeeds.h"
@@ -133,7 +132,8 @@ std::unique_ptr<TEIFile> OpenedAsFarAsItGoes(TFileSystem& Files, const std::stri
 
 /// Where the file has to be cut; -1: nowhere.
 std::int64_t FindCut(TEIFile& File, const std::function<bool()>& Canceled, const TSectionRepair& Repair) {
-  if (!Repair.Fault) return UnfinishedMarker(File.Stream());
+  if (!Repair.Fault)
+    return File.UnfinishedPosition() >= 0 ? File.UnfinishedPosition() : UnfinishedMarker(File.Stream());
   if (!WasNeverFinished(File, Canceled))
     throw EEIError(
         Format("This is not an unfinished section at the end of the file, so that cutting cannot mend it; "
@@ -173,28 +173,38 @@ void RemoveQuietly(TFileSystem& Files, const std::string& Name) {
   }
 }
 
+/// A name beside the file, cut short itself where no file system would take it.
+std::string NameOfCut(const std::string& File, const std::string& Ending) {
+  constexpr std::size_t LongestName = 255;  // bytes
+  const std::size_t Start = File.rfind('/') + 1;
+  std::string_view Name = std::string_view(File).substr(Start);
+  if (Name.size() + Ending.size() > LongestName) {
+    std::size_t Length = LongestName - Ending.size();
+    while (Length > 0 && (static_cast<unsigned char>(Name[Length]) & 0xC0) == 0x80) --Length;  // within a character
+    Name = Name.substr(0, Length);
+  }
+  return File.substr(0, Start).append(Name).append(Ending);
+}
+
 /// FILE.cut, FILE.cut-2 ...: the first that is free, or that holds the bytes from Position on already: a repair that
 /// was killed before it shortened the file has left them there.
 std::string CutName(TFileSystem& Files, TEIFile& File, std::int64_t Position, const std::function<bool()>& Canceled) {
-  const std::string First = File.FileName() + ".cut";
-  std::string Name = First;
+  std::string Name = NameOfCut(File.FileName(), ".cut");
   for (int Number = 2; Files.Exists(Name) && !HoldsTail(Files, Name, File, Position, Canceled); ++Number)
-    Name = Format("%s-%d", First, Number);
+    Name = NameOfCut(File.FileName(), Format(".cut-%d", Number));
   return Name;
 }
 
 /// Puts the bytes from Position on into a file of that name, safely on the disk.
 void SaveTail(TFileSystem& Files, const std::string& Name, TEIFile& File, std::int64_t Position,
               const std::function<bool()>& Canceled) {
-  TFileBeside Beside(Files, File.FileName());
-  const std::unique_ptr<TFile> Tail = Files.Open(Beside.Path(), TFileMode::ReadWrite);
+  const std::unique_ptr<TFileInMaking> Tail = Files.MakeNew(Name, File.FileName());
   std::int64_t Written = 0;
   ForEachBlock(File.Stream(), Position, Canceled, [&](std::string_view Block) {
-    Tail->WriteAt(Written, Block);
+    Tail->File().WriteAt(Written, Block);
     Written += static_cast<std::int64_t>(Block.size());
   });
-  Tail->Sync();
-  Beside.PutAt(Name);
+  Tail->Put();
 }
 
 }  // namespace
@@ -210,7 +220,7 @@ TSectionRepair RepairFile(TFileSystem& Files, const std::string& Path, const std
   TEIFile& File = *Opened;
   Result.Position = FindCut(File, Canceled, Result);
   Result.SectionsLeft = File.Sections().Count();
-  RemoveLeftBeside(Files, Path);
+  Files.RemoveLeft(Path);
   if (Result.Position < 0) {
     RefuseForeignFile(File, Path);
     RefuseHiddenSections(File, Path);

@@ -21,11 +21,11 @@ struct TSectionRepair {
 };
 
 /// Makes lines whole that end with a line feed alone (MendLineFeeds), then cuts off what a writer that was stopped has
-/// left at the end of a file: a section without its "[END]" line, or the beginning of one that is too short to be known
-/// as such (a piece of the "[SECTION]" line, or of the byte-order mark in an otherwise empty file), which no reader
-/// minds but which later sections would stand behind. What is cut off goes into a new file beside it, FILE.cut or
-/// FILE.cut-2 and so on, with the same rights; it is on the disk before the file is shortened. One that holds the very
-/// same already, from a repair that was killed in between, is used again.
+/// left at the end of a file: unfinished sections, a section without its "[END]" line, or the beginning of one that is
+/// too short to be known as such (a piece of the "[SECTION]" line, or of the byte-order mark in an otherwise empty
+/// file), which no reader minds but which later sections would stand behind. What is cut off goes into a new file
+/// beside it, FILE.cut or FILE.cut-2 and so on, with the same rights; it is on the disk before the file is shortened.
+/// One that holds the very same already, from a repair that was killed in between, is used again.
 ///
 /// The file is locked against other writers meanwhile. A fault of any other kind, one with a "[SECTION]" or "[END]"
 /// line behind it above all, is an EEIError with its text, and so is a hidden section. Canceled: true raises EAbort.

@@ -33,22 +33,6 @@ void WaitFor(int Descriptor, short Events, const TSpool::TCanceled& Canceled) {
   }
 }
 
-/// The one file of a spool, lent.
-class TLentFile final : public TFile {
- public:
-  explicit TLentFile(TFile& File) : FFile(File) {}
-  std::size_t ReadAt(std::int64_t Position, char* Buffer, std::size_t Count) override {
-    return FFile.ReadAt(Position, Buffer, Count);
-  }
-  void WriteAt(std::int64_t Position, std::string_view Data) override { FFile.WriteAt(Position, Data); }
-  std::int64_t Size() override { return FFile.Size(); }
-  void SetSize(std::int64_t Size) override { FFile.SetSize(Size); }
-  void Sync() override {}  // nobody can find it after a crash
-
- private:
-  TFile& FFile;
-};
-
 /// A new, empty file under a name of its own.
 std::string MakeTemporaryFile() {
   const char* Folder = getenv("TMPDIR");
@@ -76,6 +60,7 @@ TSpool::TSpool(TFileSystem& Files) {
     throw;
   }
   Files.Remove(Path);
+  FFiles = std::make_unique<TLentFile>(*FFile, false);
 }
 
 TSpool::~TSpool() = default;
@@ -110,6 +95,7 @@ void TSpool::DrainToName(const std::string& Name, const TCanceled& Canceled) {
   const int Descriptor = open(Name.c_str(), O_WRONLY | O_CLOEXEC);
   if (Descriptor < 0) {
     const int Error = errno;
+    if (Canceled && Canceled()) throw EAbort("Cancelled while waiting for a pipe");
     throw EFOpenError(Format("Cannot open file '%s': %s", Name, Reason(Error)),
                       {.Code = FileErrorCode(Error), .File = Name});
   }
@@ -121,16 +107,6 @@ void TSpool::DrainToName(const std::string& Name, const TCanceled& Canceled) {
   }
   close(Descriptor);
 }
-
-std::unique_ptr<TFile> TSpool::Open(const std::string&, TFileMode) { return std::make_unique<TLentFile>(*FFile); }
-
-bool TSpool::Exists(const std::string&) { return true; }
-
-void TSpool::Replace(const std::string&, const std::string& To) {
-  throw EWriteError(Format("Cannot replace '%s': it is a pipe", To));
-}
-
-void TSpool::Remove(const std::string& Path) { throw EWriteError(Format("Cannot remove '%s': it is a pipe", Path)); }
 
 namespace {
 

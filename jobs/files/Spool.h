@@ -3,21 +3,23 @@
 #include <functional>
 #include <memory>
 
-#include "velkrund/platform/ormtools/FileSystem.h"
+#include "jobs/files/LentFile.h"
 
 namespace velkrund {
 
 /// A temporary file without a name (in $TMPDIR, else /tmp) that stands in for a pipe, where positions have to be
-/// sought. Offers itself as a file system in which every name leads to that one file, so that messages can carry a name
-/// that means something to people. It is gone with the object, and with the process however that ends.
-class TSpool final : public TFileSystem {
+/// sought. It is gone with the object, and with the process however that ends.
+class TSpool final {
  public:
   /// Asked while waiting for the other end of a pipe; true raises EAbort.
   using TCanceled = std::function<bool()>;
 
   /// Files: borrowed; holds the temporary file.
   explicit TSpool(TFileSystem& Files);
-  ~TSpool() override;
+  ~TSpool();
+
+  /// The file, under every name.
+  TFileSystem& Files() { return *FFiles; }
 
   /// Appends everything that a descriptor yields. Name: of its other end, for messages. Raises EReadError, EWriteError.
   void FillFrom(int Descriptor, const std::string& Name, const TCanceled& Canceled);
@@ -27,14 +29,9 @@ class TSpool final : public TFileSystem {
   /// The same into what a name means: "-" is standard output, anything else a pipe or device. EFOpenError.
   void DrainToName(const std::string& Name, const TCanceled& Canceled);
 
-  // TFileSystem
-  std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override;
-  bool Exists(const std::string& Path) override;
-  void Replace(const std::string& From, const std::string& To) override;
-  void Remove(const std::string& Path) override;
-
  private:
   std::unique_ptr<TFile> FFile;
+  std::unique_ptr<TLentFile> FFiles;
 };
 
 /// Writes all of Data into a descriptor, a pipe with a slow reader included. Raises EWriteError, EAbort.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "velkrund/eif/UnfinishedTail.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -44,12 +45,19 @@ bool HasSectionMarker(std::string_view Line) {
   return false;
 }
 
+constexpr const char* MissingMarker = "Its \"[SECTION]\" line is damaged or missing: write it anew";
+/// To be told instead where the line of an unfinished section comes before: finishing it would make up what it lacks.
+constexpr const char* NeverFinished =
+    "It is a section that was never finished, with something behind it. Remove its lines, from \";SECTION]\" to the "
+    "next "
+    "\"[SECTION]\"";
+
 /// Why no reader sees the section that the line belongs to, and what to do; empty: it belongs to none.
 std::string ReasonToHide(std::string_view Line) {
   if (HasSectionMarker(Line))
     return Line.find('\n') == std::string_view::npos ? "\"[SECTION]\" has to be alone on its line" : EndWithLineFeeds;
   const std::string_view Marker = TEISource::RightTrim(Line);
-  return Marker == "[DATA]" || Marker == "[END]" ? "Its \"[SECTION]\" line is damaged or missing: write it anew" : "";
+  return Marker == "[DATA]" || Marker == "[END]" ? MissingMarker : "";
 }
 
 std::string Excerpt(std::string_view Text) {
@@ -62,6 +70,7 @@ std::string Excerpt(std::string_view Text) {
 /// next one.
 void LookAtGap(TStream& Stream, const TFileRange& Gap, TStrayMarkers& Found) {
   std::string First, Reason;
+  bool IsUnfinished = false;
   Stream.SetPosition(Gap.From);
   while (Reason.empty() && Stream.Position() < Gap.To) {
     const std::int64_t Position = Stream.Position();
@@ -70,7 +79,9 @@ void LookAtGap(TStream& Stream, const TFileRange& Gap, TStrayMarkers& Found) {
     std::string_view Text = Trim(Line);
     const bool HasMark = Text.starts_with(ByteOrderMark);
     if (HasMark) Text = Trim(Text.substr(ByteOrderMark.size()));
+    IsUnfinished = IsUnfinished || TEISource::RightTrim(Line) == UnfinishedMarker;
     Reason = ReasonToHide(HasMark ? Text : Line);
+    if (IsUnfinished && Reason == MissingMarker) Reason = NeverFinished;
     if (First.empty() && (Text.starts_with('[') || !Reason.empty()))
       First = Format("(Position:%d): %s%s", Position, HasMark ? "a byte-order mark, " : "",
                      Excerpt(Text.substr(0, Text.find('\n'))));
@@ -103,7 +114,9 @@ TStrayMarkers FindStrayMarkers(TEIFile& File) {
     ReadLineHead(Stream);  // the "[END]"
     From = Stream.Position();
   }
-  LookAtGap(Stream, {From, File.UnreadPosition() >= 0 ? File.UnreadPosition() : Stream.Size()}, Found);
+  // What is unfinished is known as that.
+  const std::int64_t Behind = File.UnreadPosition() >= 0 ? File.UnreadPosition() : File.UnfinishedPosition();
+  LookAtGap(Stream, {From, Behind >= 0 ? Behind : Stream.Size()}, Found);
   return Found;
 }
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "jobs/files/FileBeside.h"
+#include "jobs/files/LentFile.h"
 #include "jobs/files/Spool.h"
 #include "velkrund/platform/ormtools/BufferedStream.h"
 
@@ -14,11 +14,11 @@ namespace velkrund {
 /// everything at the end.
 class TWholeFile {
  public:
-  /// Name: a path, or "-" for standard output. A file that is there is locked against other writers. Files: borrowed.
+  /// Name: a path, or "-" for standard output. A file that is there is locked against other writers. Files:
+  /// borrowed.
   TWholeFile(TFileSystem& Files, const std::string& Name);
   TWholeFile(const TWholeFile&) = delete;
   TWholeFile& operator=(const TWholeFile&) = delete;
-  ~TWholeFile();
 
   TStream& Stream() { return *FStream; }
   /// For messages.
@@ -27,15 +27,14 @@ class TWholeFile {
   void Finish(const TSpool::TCanceled& Canceled);
 
  private:
-  void OpenBeside();
+  void Make();
 
   TFileSystem& FFiles;
   const std::string FName, FShownName;
-  bool FCreated = false;                 // here, and of no use yet
-  std::unique_ptr<TSpool> FSpool;        // null: a file of its own
-  std::unique_ptr<TFile> FOld;           // whose place is to be taken; keeps other writers away
-  std::string FPath;                     // of it, behind links
-  std::unique_ptr<TFileBeside> FBeside;  // that is to take it
+  std::unique_ptr<TSpool> FSpool;  // null: a file of its own
+  std::unique_ptr<TFile> FOld;     // whose place is to be taken; keeps other writers away. Null: there is none
+  std::unique_ptr<TFileInMaking> FMade;
+  std::unique_ptr<TLentFile> FLent;  // of what is made
   std::unique_ptr<TBufferedStream> FStream;
 };
 

@@ -11,6 +11,7 @@ using TThis = TJobImportGenerators;
 
 constexpr TProperty Properties[] = {
     TPolicyRows::OnError,
+    TPolicyRows::Unfinished,
     TPolicyRows::Commit,
     TPolicyRows::DryRun,
     PropertyOf<&TThis::FileName>("FileName", "the file to read; - is standard input"),

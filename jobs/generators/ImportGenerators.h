@@ -26,6 +26,7 @@ class TJobImportGenerators final : public TImportJob {
   std::vector<std::string> Names() const override { return {FileName}; }
   TParts MakeParts() override;
   std::vector<int> Choose(TInputFile& Input) override;
+  bool NamesSections() const override { return !Sections.empty(); }
 };
 
 using TJobImportGeneratorsInterface = TJobInterface<TJobImportGenerators>;

@@ -24,6 +24,8 @@ enum class TMissingFields : int { Skip = 0, Refuse = 1 };
 /// Several sections for one table that is to be replaced: the rows of one could be meant to take the place of
 /// another's.
 enum class TRepeatedTables : int { Refuse = 0, Join = 1 };
+/// Unfinished sections at the end of a file, all of which is to be loaded.
+enum class TUnfinishedPolicy : int { Refuse = 0, Skip = 1 };
 /// How much of an import stays together.
 enum class TCommit : int {
   Run = 0,   // everything or nothing
@@ -74,6 +76,7 @@ struct TPolicies {
   TOnError OnError = TOnError::Ask;
   TMissingFields MissingFields = TMissingFields::Refuse;  // skipped ones are named in the report
   TRepeatedTables RepeatedTables = TRepeatedTables::Refuse;
+  TUnfinishedPolicy Unfinished = TUnfinishedPolicy::Refuse;  // skipped ones are named in the report
   TCommit Commit = TCommit::Run;
   TTriggers Triggers = TTriggers::Fire;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed

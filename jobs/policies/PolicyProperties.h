@@ -21,6 +21,7 @@ struct TPolicyProperties {
   static constexpr std::string_view LongNameChoices[] = {"ask", "keep", "cancel"};
   static constexpr std::string_view SourceChoices[] = {"ask", "skip", "stop"};
   static constexpr std::string_view RepeatChoices[] = {"refuse", "join"};
+  static constexpr std::string_view UnfinishedChoices[] = {"refuse", "skip"};
   static constexpr std::string_view ColumnChoices[] = {"declared", "scanned"};
   static constexpr std::string_view NameChoices[] = {"keep", "lower"};
   static constexpr std::string_view CreateChoices[] = {"ask", "yes", "no"};
@@ -49,6 +50,9 @@ struct TPolicyProperties {
   static constexpr TProperty RepeatedTables = ChoiceOf<Record, &TPolicies::RepeatedTables>(
       "RepeatedTables", "several sections for one table that is replaced: refuse them, load the rows of all",
       RepeatChoices);
+  static constexpr TProperty Unfinished = ChoiceOf<Record, &TPolicies::Unfinished>(
+      "Unfinished", "unfinished sections at the end of a file, when none are named: refuse the file, pass over them",
+      UnfinishedChoices);
   static constexpr TProperty Commit = ChoiceOf<Record, &TPolicies::Commit>(
       "Commit", "what stays together: the whole run, or tables that hang together by themselves", CommitChoices);
   static constexpr TProperty Triggers = ChoiceOf<Record, &TPolicies::Triggers>(

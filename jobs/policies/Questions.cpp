@@ -53,6 +53,12 @@ TAnswer Ask(const TQuestion& Question) {
   return Form.Answer();
 }
 
+std::optional<std::string> AskSecret(const std::string& Text) {
+  std::optional<std::string> Result;
+  Synchronize([&] { Result = Windows().AskSecret(Text); });
+  return Result;
+}
+
 TAnswer TRepeatedQuestion::Ask(const TQuestion& Question) {
   if (FAnswered) return FForAll;
   const TAnswer Answer = velkrund::Ask(Question);

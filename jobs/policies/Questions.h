@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,6 +45,9 @@ class TQuestionForm final : public TForm {
 bool CanAsk();
 /// One of the question's answers. Raises EPolicyUnanswered when nobody can answer, and EAbort on Cancel.
 TAnswer Ask(const TQuestion& Question);
+
+/// A line from the person who answers questions that nobody else may see, such as a password. Nothing: there is none.
+std::optional<std::string> AskSecret(const std::string& Text);
 
 /// A question that comes up for one thing after another; an answer for all is kept.
 class TRepeatedQuestion {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +13,14 @@
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
+
+class TDocument;
+
+/// The elements of a list that may be long, made one by one when the document is written.
+struct TElements {
+  std::size_t Count = 0;
+  std::function<TDocument(std::size_t)> At = {};  // the element at a place, from 0; what it refers to has to live on
+};
 
 /// The result of a job for programs: a JSON document, or a part of one. Members stand in the order in which they were
 /// set. This is the only place that knows the library behind it.
@@ -36,6 +46,10 @@ class TDocument {
   TDocument& Set(std::string_view Name, double Value);
   TDocument& Set(std::string_view Name, const std::vector<std::string>& Values);
   TDocument& Set(std::string_view Name, TDocument Value);
+  /// A document that has such a list is written while what the list refers to lives.
+  TDocument& Set(std::string_view Name, TElements Elements);
+  /// The same as Set for a name that is not there yet, at once however many there are.
+  TDocument& Append(std::string_view Name, std::string_view Value);
   TDocument& SetNull(std::string_view Name);
   template <std::integral TInteger>
   TDocument& Set(std::string_view Name, TInteger Value) {
@@ -54,13 +68,18 @@ class TDocument {
   /// To a list.
   void Add(TDocument Value);
 
-  /// As it is printed, with a line end; bytes that are no UTF-8 are replaced.
+  using TSink = std::function<void(std::string_view)>;
+  /// Writes it part by part as it is printed, with a line end; bytes that are no UTF-8 are replaced.
+  void Write(const TSink& Sink) const;
+  /// What is written.
   std::string Text() const;
   /// The same on one line.
   std::string Line() const;
 
  private:
   struct TValue;
+
+  class TWriter;
 
   TDocument& SetBoolean(std::string_view Name, bool Value);
   TDocument& SetSigned(std::string_view Name, std::int64_t Value);

@@ -142,11 +142,9 @@ TTotals TOutcome::Totals() const {
 
 void TOutcome::Describe(TDocument& Document) const {
   const TTotals All = Totals();
-  TDocument Sections = TDocument::List();
-  for (const TItem& Item : Items) Sections.Add(ItemDocument(Item));
   Document.Set("database", Database)
       .Set("files", Files)
-      .Set("sections", std::move(Sections))
+      .Set("sections", TElements{Items.size(), [this](std::size_t Index) { return ItemDocument(Items[Index]); }})
       .Set("notes", EnglishOf(Notes));
   Document.Set("rows", All.Rows.value_or(0)).Set("size", All.Bytes).Set("seconds", All.Seconds);
   Document.Set("nullsMade", All.NullsMade).Set("valuesChanged", All.ValuesChanged);

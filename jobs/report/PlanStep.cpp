@@ -5,15 +5,14 @@
 
 namespace velkrund {
 
-TDocument PlanDocument(const std::vector<TPlanStep>& Steps) {
-  TDocument Result = TDocument::List();
-  for (const TPlanStep& Step : Steps) {
-    TDocument Entry;
-    Entry.Set("what", Step.What).Set("rows", Step.Rows);
-    if (!Step.Statement.empty()) Entry.Set("statement", Step.Statement);
-    Result.Add(std::move(Entry));
-  }
-  return Result;
+TElements PlanElements(const std::vector<TPlanStep>& Steps) {
+  return {Steps.size(), [&Steps](std::size_t Index) {
+            const TPlanStep& Step = Steps[Index];
+            TDocument Entry;
+            Entry.Set("what", Step.What).Set("rows", Step.Rows);
+            if (!Step.Statement.empty()) Entry.Set("statement", Step.Statement);
+            return Entry;
+          }};
 }
 
 std::string PlanText(const std::vector<TPlanStep>& Steps) {

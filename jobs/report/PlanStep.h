@@ -17,7 +17,8 @@ struct TPlanStep {
 };
 
 /// For programs.
-TDocument PlanDocument(const std::vector<TPlanStep>& Steps);
+/// Steps: referred to.
+TElements PlanElements(const std::vector<TPlanStep>& Steps);
 /// For people, a line each, statements with a semicolon behind them.
 std::string PlanText(const std::vector<TPlanStep>& Steps);
 

@@ -84,7 +84,7 @@ void TThis::Forget() {
 }
 
 void TThis::Run() {
-  FBytes.emplace(Files(), FileName, Canceled());
+  FBytes.emplace(Files(), FileName, Canceled(), TWatch::Yes);
   struct TCloser {
     std::optional<TInputBytes>& Bytes;
     ~TCloser() { Bytes.reset(); }

@@ -15,6 +15,7 @@ using TLanguages = TJobImportLanguages;
 constexpr TProperty ResourceProperties[] = {
     TPolicyRows::ExistingTexts,
     TPolicyRows::OnError,
+    TPolicyRows::Unfinished,
     TPolicyRows::Commit,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,
@@ -31,6 +32,7 @@ constexpr TProperty ResourceProperties[] = {
 constexpr TProperty LanguageProperties[] = {
     TPolicyRows::ExistingTexts,
     TPolicyRows::OnError,
+    TPolicyRows::Unfinished,
     TPolicyRows::Commit,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,

@@ -28,6 +28,7 @@ class TJobImportResources final : public TImportJob {
   std::vector<std::string> Names() const override { return {FileName}; }
   TParts MakeParts() override;
   std::vector<int> Choose(TInputFile& Input) override;
+  bool NamesSections() const override { return !Sections.empty(); }
   // What others have written before a lock was given has to be seen behind it.
   TIsolationLevel Isolation() const override { return TIsolationLevel::ReadCommitted; }
 };
@@ -49,6 +50,7 @@ class TJobImportLanguages final : public TImportJob {
   std::vector<std::string> Names() const override { return {FileName}; }
   TParts MakeParts() override;
   std::vector<int> Choose(TInputFile& Input) override;
+  bool NamesSections() const override { return !Sections.empty(); }
   TIsolationLevel Isolation() const override { return TIsolationLevel::ReadCommitted; }
 };
 

@@ -25,7 +25,7 @@ std::optional<TOneLanguage> TLanguageImport::RecordOf(TInputFile& Input, int Ind
 }
 
 void TLanguageImport::Announce(TInputFile& Input, int Index) {
-  const std::string* const Name = Input.File().Sections()[Index].FindParam(LanguageParameter);
+  const auto Name = Input.File().Sections()[Index].FindParam(LanguageParameter);
   if (Name && RecordOf(Input, Index)) FComing->insert(UpperCase(*Name));
 }
 

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
+#include "velkrund/platform/localization/StringIDs.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/ormtools/Text.h"
+#include "velkrund/resources/LResource.h"
+#include "velkrund/resources/Language.h"
 
 namespace velkrund {
 
@@ -48,6 +51,20 @@ void RequireKept(const std::string& Language, const TOneLanguage& Record) {
   RequireKept(TResourceName::Language, Language);
   for (const std::string* const Text : {&Record.RussianName, &Record.EnglishName, &Record.NativeName})
     RequireKept(TResourceName::LanguageText, *Text);
+}
+
+void RequireKeptNames(TEIFile& File, int Index) {
+  const std::unique_ptr<TEIObject> Object = File.CreateEIObject(Index);
+  if (dynamic_cast<const TEILanguage*>(Object.get()))
+    return RequireKept(TResourceName::Language, File.Sections()[Index].ParamValue(LanguageParameter));
+  auto* const Texts = dynamic_cast<TEICommonLResource*>(Object.get());
+  if (!Texts) return;
+  RequireKept(TResourceName::Section, std::string(SectionWithoutSeparator(Texts->SectionID())));
+  TStringList Languages;
+  Texts->ReadLanguagesOnly = true;
+  Texts->Languages = &Languages;
+  File.ImportObject(*Texts);
+  for (const std::string& Language : Languages) RequireKept(TResourceName::Language, Language);
 }
 
 bool HasLanguage(const TStringList& Languages, const std::string& Name) { return Languages.IndexOf(Name) >= 0; }

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "velkrund/eif/EIFile.h"
 #include "velkrund/platform/localization/LContainer.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 
@@ -16,6 +17,10 @@ enum class TResourceName { Section, String, Language, LanguageText };
 void RequireKept(TResourceName What, const std::string& Name);
 /// The same of all that is said of a language.
 void RequireKept(const std::string& Language, const TOneLanguage& Record);
+
+/// The same of all names in a section's header and in its list of languages; nothing where it is of another kind. The
+/// section can be read.
+void RequireKeptNames(TEIFile& File, int Index);
 
 VELKRUND_EXCEPTION(EResourceName, Exception);
 VELKRUND_EXCEPTION(ELanguageMissing, EDatabaseError);

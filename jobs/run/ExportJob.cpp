@@ -59,9 +59,8 @@ void TExportJob::Run() {
     throw Exception(Format("There is nothing to export; the file '%s' is left as it is", FileName));
   FReplaced.clear();
   FSteps.assign(FOutcome.Items.size(), {});
-  FOutput = std::make_unique<TOutputFile>(
-      Files(), FileName, !Policies.AllowLoss, [this](const std::string& Text) { Complain(Text); },
-      NewFile ? TOutputUse::MakeAfresh : TOutputUse::AddTo);
+  FOutput = std::make_unique<TOutputFile>(Files(), FileName, !Policies.AllowLoss,
+                                          NewFile ? TOutputUse::MakeAfresh : TOutputUse::AddTo);
   FOutcome.Files = {FOutput->Name()};
   for (TItem& Item : FOutcome.Items) Item.File = FOutput->Name();
   struct TCloser {
@@ -69,8 +68,12 @@ void TExportJob::Run() {
     ~TCloser() { Output.reset(); }
   } const Closer{FOutput};
   Settle();
+  if (std::any_of(FSteps.begin(), FSteps.end(), [](const TStep& Step) { return Step.Replace; }))
+    FOutput->PrepareReplacing();
   if (Policies.DryRun) return MakePlan();
   Write();
+  if (const std::int64_t Cut = FOutput->UnfinishedBytes(); Cut > 0 && FOutput->File().UnfinishedPosition() < 0)
+    FOutcome.Notes.push_back(LCounted("M_Velkrund_Jobs_UnfinishedCut", Cut, FOutput->Name(), Cut));
   Finish();
   AddNotes();
 }
@@ -98,7 +101,7 @@ void TExportJob::LeaveOut(TItem& Item, const std::exception_ptr& Error) {
   }
 }
 
-/// What Write and Finish would do. A file that was made to be looked into is removed with the output.
+/// What Write and Finish would do.
 void TExportJob::MakePlan() {
   if (NewFile) AddToPlan({Format("make '%s' afresh", FOutput->Name())});
   for (std::size_t I = 0; I < FSteps.size(); ++I) {
@@ -168,16 +171,21 @@ void TExportJob::Write() {
   }
 }
 
-void TExportJob::WriteOne(TItem& Item, const TStep& Step) {
+void TExportJob::WriteOne(TItem& Item, TStep& Step) {
   TExportUtilOperation& Export = OperationFor(Item);
   SetUp(Export);
   Export.FSectionName = Item.Section;
+  if (Step.Replace) FOutput->HoldBack();
+  Step.Held = FOutput->HoldsBack();
   const TItemAccount Account(FOutput->File());
   BeginPart(Item.Subject(), Item.Structure ? "bytes" : "rows");
   try {
     // Nothing of a section is left out by an answer that was meant for something else: what fails, fails as a whole.
     const TNobodyGoesOn Nobody;
     Item.State = Export.Execute() != 0 ? TItemState::Done : TItemState::Cancelled;
+    FOutput->Keep();
+  } catch (const EAbort&) {
+    Item.State = TItemState::Cancelled;  // before the section was begun
   } catch (const std::exception&) {
     FOutcome.Fail(Item, std::current_exception());
   }
@@ -230,20 +238,26 @@ void TExportJob::Finish() {
     FOutput->Finish(FReplaced, [=, this] { return !Stopped && IsCanceled(); });
   } catch (const EAbort& Abort) {
     FOutcome.Cancelled = CancelText(Abort.what());
-    if (!FReplaced.empty()) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_BesideNew"));
-    if (FOutput->ArrivesAtEnd())
-      for (TItem& Item : FOutcome.Items)
-        if (Item.State == TItemState::Done) Item.State = TItemState::Cancelled;
+    for (std::size_t I = 0; I < FSteps.size(); ++I)
+      if (TItem& Item = FOutcome.Items[I]; Item.State == TItemState::Done && !HasArrived(I))
+        Item.State = TItemState::Cancelled;
   } catch (const std::exception&) {
     FailFile(std::current_exception());
   }
 }
 
-/// What was written to a pipe, or beside a file, has not arrived; in a file it stands.
+/// Whether what was written stands in the file, whatever becomes of the end of the run.
+bool TExportJob::HasArrived(std::size_t Index) const { return !FOutput->ArrivesAtEnd() && !FSteps[Index].Held; }
+
 void TExportJob::FailFile(const std::exception_ptr& Reason) {
-  if (!FOutput->ArrivesAtEnd() || !FOutcome.Any(TItemState::Done)) return FOutcome.Fail(Reason);
-  for (TItem& Item : FOutcome.Items)
-    if (Item.State == TItemState::Done) FOutcome.Fail(Item, Reason);
+  bool IsOfItem = false;
+  for (std::size_t I = 0; I < FSteps.size(); ++I) {
+    TItem& Item = FOutcome.Items[I];
+    if (Item.State != TItemState::Done || HasArrived(I)) continue;
+    FOutcome.Fail(Item, Reason);
+    IsOfItem = true;
+  }
+  if (!IsOfItem) return FOutcome.Fail(Reason);
   Fault(FactsOf(Reason));
 }
 

@@ -16,7 +16,8 @@ namespace velkrund {
 extern const TPropertyTable ExportJobProperties;  // those of a job on sections, and what follows
 
 /// Adds sections to a file. All are read at one moment of the database. What is there already under their names is
-/// settled before anything is written; what is replaced is taken out at the end, in one step. Or makes the file afresh.
+/// settled before anything is written; what is replaced is taken out at the end, in one step: from
+/// the first such section on nobody has anything of the run before. Or makes the file afresh.
 class TExportJob : public TSectionsJob {
  public:
   std::string FileName;     // "-": standard output
@@ -51,6 +52,7 @@ class TExportJob : public TSectionsJob {
   struct TStep {
     std::vector<int> Existing = {};
     bool Replace = false;
+    bool Held = false;  // what was written waits for the end
   };
 
   void FindExisting();
@@ -59,11 +61,12 @@ class TExportJob : public TSectionsJob {
   bool MayReplace(TItem& Item, TRepeatedQuestion& Question) const;
   void SetUp(TExportUtilOperation& Export);
   void Write();
-  void WriteOne(TItem& Item, const TStep& Step);
+  void WriteOne(TItem& Item, TStep& Step);
   bool IsLast(std::size_t Index) const;
   bool GoOn(const TItem& Failed);
   void TakeBack();
   void Finish();
+  bool HasArrived(std::size_t Index) const;
   void FailFile(const std::exception_ptr& Reason);
 
   const char* const FKind;

@@ -75,6 +75,7 @@ std::vector<int> TImportJob::LookAt(TInputFile& Input) {
     Input.Open();
     RequireSections(Input.File(), Input.Name());
     NoteLines(Input);
+    TakeUnfinished(Input);
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception&) {
@@ -103,6 +104,14 @@ void TImportJob::AddSections(TInputFile& Input, const std::vector<int>& Indexes)
 void TImportJob::NoteLines(TInputFile& Input) {
   for (const std::string& Text : FindStrayMarkers(Input.File()).Doubtful)
     FOutcome.Notes.emplace_back(Input.Name() + ": " + Text);
+}
+
+void TImportJob::TakeUnfinished(TInputFile& Input) {
+  if (Input.File().UnfinishedPosition() < 0) return;
+  if (!NamesSections() && Policies.Unfinished == TUnfinishedPolicy::Refuse)
+    RefuseUnfinished(Input.File(), Input.Name());
+  const std::int64_t Bytes = Input.File().Stream().Size() - Input.File().UnfinishedPosition();
+  FOutcome.Notes.push_back(LCounted("M_Velkrund_Jobs_UnfinishedSkipped", Bytes, Input.Name(), Bytes));
 }
 
 void TImportJob::Add(TInputFile& Input, int Index) {

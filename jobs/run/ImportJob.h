@@ -39,6 +39,8 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   virtual TParts MakeParts() = 0;
   /// The sections of a file to import, by index.
   virtual std::vector<int> Choose(TInputFile& Input) = 0;
+  /// Whether only some sections are asked for, by name; otherwise it is all that the files hold.
+  virtual bool NamesSections() const { return false; }
   /// Whether a file that cannot be read is a failed item among others; otherwise it ends the run at once.
   virtual bool GoesOnWithoutFile() const { return false; }
   /// Whether the objects that structures describe are made too.
@@ -65,6 +67,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
   std::vector<int> LookAt(TInputFile& Input);
   void AddSections(TInputFile& Input, const std::vector<int>& Indexes);
   void NoteLines(TInputFile& Input);
+  void TakeUnfinished(TInputFile& Input);
   void Add(TInputFile& Input, int Index);
   void PlanLoading();
   void MakePlan();

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "jobs/policies/Questions.h"
 #include "jobs/report/ErrorReport.h"
 #include "jobs/run/LetGo.h"
+#include "standalone/drivers/AddressSecrets.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -19,24 +21,33 @@ constexpr std::int32_t Millionths = 1'000'000;
 class TWhileWaiting {
  public:
   TWhileWaiting(TDatabases& Databases, TDatabases::TCanceled Canceled, TDatabases::TNotice Notice,
-                TDatabases::TNotice Warning)
+                TDatabases::TNotice Warning, TDatabases::TAskPassword AskPassword)
       : FDatabases(Databases),
         FCanceledBefore(Databases.SetCanceled(std::move(Canceled))),
         FNoticeBefore(Databases.SetNotice(std::move(Notice))),
-        FWarningBefore(Databases.SetWarning(std::move(Warning))) {}
+        FWarningBefore(Databases.SetWarning(std::move(Warning))),
+        FAskPasswordBefore(Databases.SetAskPassword(std::move(AskPassword))) {}
   TWhileWaiting(const TWhileWaiting&) = delete;
   TWhileWaiting& operator=(const TWhileWaiting&) = delete;
   ~TWhileWaiting() {
     FDatabases.SetCanceled(std::move(FCanceledBefore));
     FDatabases.SetNotice(std::move(FNoticeBefore));
     FDatabases.SetWarning(std::move(FWarningBefore));
+    FDatabases.SetAskPassword(std::move(FAskPasswordBefore));
   }
 
  private:
   TDatabases& FDatabases;
   TDatabases::TCanceled FCanceledBefore;
   TDatabases::TNotice FNoticeBefore, FWarningBefore;
+  TDatabases::TAskPassword FAskPasswordBefore;
 };
+
+/// Asks the person whom questions go to.
+std::optional<std::string> AskPassword(const std::string& Database, const std::string& Error) {
+  const std::string Text = LText("M_Velkrund_Jobs_Password", Database).Local();
+  return AskSecret(Error.empty() ? Text : Error + "\n" + Text);
+}
 
 /// The error with the one that is being handled as its cause, which is what documents and hosts tell.
 std::exception_ptr WrappedIn(EJobFailed Error) {
@@ -87,7 +98,7 @@ void TJob::RunOnDatabase() {
       [this](const std::string& Text) {
         if (Listener) Listener->Doing(Text);
       },
-      [this](const std::string& Text) { Warn(Text); });
+      [this](const std::string& Text) { Warn(Text); }, &AskPassword);
   if (!NeedsDatabase()) return Run();
   FDatabaseText = CheckedDatabase(DatabaseName, "DatabaseName");
   const TLetGo LetGo(Databases, DatabaseName);
@@ -95,6 +106,10 @@ void TJob::RunOnDatabase() {
 }
 
 std::string TJob::Report() const { return FHasRun ? Result().Text() : std::string(); }
+
+void TJob::WriteReport(const TDocument::TSink& Sink) const {
+  if (FHasRun) Result().Write(Sink);
+}
 
 TDocument TJob::Result() const {
   if (FRaised) return ErrorDocument(FactsOf(FRaised), CommandName(), FEnd);
@@ -106,7 +121,7 @@ TDocument TJob::Result() const {
 }
 
 void TPolicyJob::DescribeMore(TDocument& Document) const {
-  if (Policies.DryRun) Document.Set("plan", PlanDocument(FPlan));
+  if (Policies.DryRun) Document.Set("plan", PlanElements(FPlan));
 }
 
 TStandaloneManager& TJob::Manager() const {

@@ -33,7 +33,9 @@ class TJob : public TDatabaseUtilOperation {
   /// The document about the last run; empty before the first; docs/json.md describes it. Raises an error where the
   /// result is none that a document can hold.
   std::string Report() const;
-  /// The same to be put into another document.
+  /// The same part by part, of which none is long.
+  void WriteReport(const TDocument::TSink& Sink) const;
+  /// The same to be put into another document, while the job lives and before its next run.
   TDocument Result() const;
   /// The line of the command that does the same, without options: "export table".
   virtual std::string CommandName() const = 0;

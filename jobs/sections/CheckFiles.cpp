@@ -46,11 +46,11 @@ TDocument DocumentOf(const TCheckedSection& Section, std::size_t Index) {
 }
 
 TDocument DocumentOf(const TCheckedFile& File) {
-  TDocument Sections = TDocument::List();
-  for (std::size_t Index = 0; Index < File.Sections.size(); ++Index)
-    Sections.Add(DocumentOf(File.Sections[Index], Index));
   TDocument Result;
-  Result.Set("name", File.Text).Set("sections", std::move(Sections)).Set("hidden", File.Hidden);
+  Result.Set("name", File.Text);
+  Result.Set("sections", TElements{File.Sections.size(),
+                                   [&File](std::size_t Index) { return DocumentOf(File.Sections[Index], Index); }});
+  Result.Set("hidden", File.Hidden);
   Result.Set("notes", EnglishOf(File.Notes));
   if (File.Error) Result.Set("error", ErrorDocument(*File.Error));
   return Result;
@@ -106,6 +106,11 @@ void TJobCheckFiles::CheckFile(TCheckedFile& Result) {
   if (Policies.AllowLoss && Input.File().Losses().Any())
     Result.Notes.push_back(LText("M_Velkrund_Jobs_MalformedInHeaders"));
   CheckSections(Input, Result);
+  try {
+    if (!Result.Error) RefuseUnfinished(Input.File(), Input.Name());
+  } catch (const EEIError& Unfinished) {
+    Result.Error = FactsOf(Unfinished);
+  }
   for (std::string& Note : RepeatedNames(Input.File().Sections())) Result.Notes.emplace_back(std::move(Note));
   try {
     if (Result.IsOpen && !Result.IsForeign()) CheckGaps(Input, Result);
@@ -200,9 +205,7 @@ std::exception_ptr TJobCheckFiles::Failure() const {
 }
 
 void TJobCheckFiles::Describe(TDocument& Document) const {
-  TDocument Files = TDocument::List();
-  for (const TCheckedFile& File : FChecked) Files.Add(DocumentOf(File));
-  Document.Set("files", std::move(Files));
+  Document.Set("files", TElements{FChecked.size(), [this](std::size_t Index) { return DocumentOf(FChecked[Index]); }});
   Document.Set("faults", FTotals.Faults).Set("rows", FTotals.Rows).Set("size", FTotals.Bytes);
   Document.Set("seconds", FTotals.Seconds);
 }

@@ -24,6 +24,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::ExistingObjects,
     TPolicyRows::ExistingTexts,
     TPolicyRows::OnError,
+    TPolicyRows::Unfinished,
     TPolicyRows::MissingFields,
     TPolicyRows::RepeatedTables,
     TPolicyRows::Commit,

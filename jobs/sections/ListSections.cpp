@@ -12,28 +12,18 @@ using TThis = TJobListSections;
 
 constexpr TProperty Properties[] = {
     PropertyOf<&TThis::FileName>("FileName", "the file; - is standard input"),
-    ReadOnlyOf<[](const TThis& Job) { return static_cast<std::int64_t>(Job.Found().size()); }>(
-        "Sections", "sections that the last run found"),
+    ReadOnlyOf<[](const TThis& Job) { return Job.Found().Count(); }>("Sections", "sections that the last run found"),
 };
 
-TListedSection Listed(const TEISection& Section) {
-  TListedSection Result{Section.Name(), std::string(Section.TypeName()), Section.Version(), Section.Encoding()};
-  Result.Parameters.reserve(static_cast<std::size_t>(Section.ParamCount()));
-  for (int I = 0; I < Section.ParamCount(); ++I)
-    Result.Parameters.emplace_back(Section.ParamName(I), Section.FParameters.ParamValues(I));
-  Result.Position = Section.Position;
-  Result.DataPosition = Section.DataPosition;
-  Result.Size = Section.DataSize;
-  return Result;
-}
-
-TDocument DocumentOf(const TListedSection& Section, std::size_t Index) {
+TDocument DocumentOf(const TEISection& Section, std::size_t Index) {
   TDocument Parameters;
-  for (const auto& [Name, Value] : Section.Parameters) Parameters.Set(Name, Value);
+  for (int I = 0; I < Section.ParamCount(); ++I)
+    Parameters.Append(Section.ParamName(I), Section.FParameters.ParamValues(I));
   TDocument Result;
-  Result.Set("index", Index).Set("name", Section.Name).Set("type", Section.Type).Set("version", Section.Version);
-  Result.Set("encoding", EncodingText(Section.Encoding)).Set("parameters", std::move(Parameters));
-  Result.Set("position", Section.Position).Set("dataPosition", Section.DataPosition).Set("size", Section.Size);
+  Result.Set("index", Index).Set("name", Section.Name()).Set("type", Section.TypeName());
+  Result.Set("version", Section.Version()).Set("encoding", EncodingText(Section.Encoding()));
+  Result.Set("parameters", std::move(Parameters)).Set("position", Section.Position);
+  Result.Set("dataPosition", Section.DataPosition).Set("size", Section.DataSize);
   return Result;
 }
 
@@ -46,8 +36,9 @@ constinit const TInterfaceDescriptor TThis::Interface =
 const char* EncodingText(TKvEncoding Encoding) { return Encoding == TKvEncoding::Utf8 ? "utf8" : "ansi"; }
 
 void TJobListSections::Forget() {
-  FFound.clear();
+  FFound.Clear();
   FSize = 0;
+  FUnfinished = -1;
   FHasMalformed = false;
   FFault = nullptr;
 }
@@ -68,17 +59,22 @@ void TJobListSections::Run() {
   } catch (const EEIError&) {
     if (!FFault) FFault = std::current_exception();
   }
-  const TEISectionList& Sections = Input.File().Sections();
-  FFound.reserve(static_cast<std::size_t>(Sections.Count()));
-  for (int Index = 0; Index < Sections.Count(); ++Index) FFound.push_back(Listed(Sections[Index]));
+  FFound = Input.File().TakeSections();
   FSize = Input.File().Stream().Size();
+  FUnfinished = Input.File().UnfinishedPosition();
   FHasMalformed = Input.File().Losses().Any();
 }
 
 void TJobListSections::Describe(TDocument& Document) const {
-  TDocument Sections = TDocument::List();
-  for (std::size_t Index = 0; Index < FFound.size(); ++Index) Sections.Add(DocumentOf(FFound[Index], Index));
-  Document.Set("file", FFile).Set("size", FSize).Set("sections", std::move(Sections));
+  Document.Set("file", FFile).Set("size", FSize);
+  Document.Set("sections", TElements{static_cast<std::size_t>(FFound.Count()), [this](std::size_t Index) {
+                                       return DocumentOf(FFound[static_cast<int>(Index)], Index);
+                                     }});
+  if (FUnfinished >= 0) {
+    TDocument Unfinished;
+    Unfinished.Set("position", FUnfinished).Set("size", UnfinishedBytes());
+    Document.Set("unfinished", std::move(Unfinished));
+  }
   std::vector<std::string> Notes;
   if (FHasMalformed) Notes.push_back(LText("M_Velkrund_Jobs_MalformedShown").English());
   Document.Set("notes", Notes);

@@ -2,22 +2,11 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "jobs/run/JobInterface.h"
-#include "velkrund/platform/ormtools/LineReader.h"
+#include "velkrund/eif/Section.h"
 
 namespace velkrund {
-
-/// What the header of a section says, and where the section stands; bytes.
-struct TListedSection {
-  std::string Name, Type;
-  int Version = 0;
-  TKvEncoding Encoding = TKvEncoding::Utf8;
-  std::vector<std::pair<std::string, std::string>> Parameters = {};
-  std::int64_t Position = 0, DataPosition = 0, Size = 0;
-};
 
 /// "utf8" or "ansi".
 const char* EncodingText(TKvEncoding Encoding);
@@ -28,9 +17,12 @@ class TJobListSections final : public TJob {
  public:
   std::string FileName;  // "-": standard input
 
-  const std::vector<TListedSection>& Found() const { return FFound; }
+  const TEISectionList& Found() const { return FFound; }
   /// What the headers could not be read for, or what they hide; null: nothing.
   const std::exception_ptr& HeaderFault() const { return FFault; }
+  /// Of unfinished sections at the end of the file; -1: there are none.
+  std::int64_t UnfinishedPosition() const { return FUnfinished; }
+  std::int64_t UnfinishedBytes() const { return FUnfinished < 0 ? 0 : FSize - FUnfinished; }
   /// Headers hold malformed characters, shown as U+FFFD.
   bool HasMalformed() const { return FHasMalformed; }
 
@@ -51,8 +43,8 @@ class TJobListSections final : public TJob {
 
  private:
   std::string FFile;  // of the last run
-  std::vector<TListedSection> FFound;
-  std::int64_t FSize = 0;
+  TEISectionList FFound;
+  std::int64_t FSize = 0, FUnfinished = -1;
   bool FHasMalformed = false;
   std::exception_ptr FFault;
 };

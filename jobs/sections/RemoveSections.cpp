@@ -47,9 +47,10 @@ void TJobRemoveSections::CheckSettings() const {
 
 std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
   std::set<int> Result;
-  for (const std::string& Index : Indexes) Result.insert(TheSection(Sections, Index, FileName));
+  const TSectionNames Known(Sections);
+  for (const std::string& Index : Indexes) Result.insert(TheSection(Known, Index, FileName));
   for (const std::string& Name : Names) {
-    const std::vector<int> Found = SectionsNamed(Sections, Name);
+    const std::vector<int> Found = Known.Named(Name);
     if (Found.size() > 1 && !Policies.Yes && !Policies.DryRun) {
       std::vector<TLText> Texts;
       for (const int Index : Found) Texts.push_back(LSectionText(Sections, Index));
@@ -57,7 +58,7 @@ std::set<int> TJobRemoveSections::Chosen(const TEISectionList& Sections) const {
            {TAnswer::Yes, TAnswer::Cancel},
            TPolicy::Yes});
     }
-    if (Found.empty()) TheSection(Sections, Name, FileName);  // says what there is
+    if (Found.empty()) TheSection(Known, Name, FileName);  // says what there is
     Result.insert(Found.begin(), Found.end());
   }
   return Result;
@@ -87,13 +88,15 @@ void TJobRemoveSections::Run() {
 }
 
 void TJobRemoveSections::Describe(TDocument& Document) const {
-  TDocument Removed = TDocument::List();
-  for (const TRemoved& Section : FRemoved) {
-    TDocument Entry;
-    Entry.Set("index", Section.Index).Set("name", Section.Name).Set("type", Section.Type);
-    Removed.Add(std::move(Entry));
-  }
-  Document.Set("file", FFile).Set("removed", std::move(Removed)).Set("sectionsLeft", FLeft);
+  Document.Set("file", FFile);
+  Document.Set("removed", TElements{FRemoved.size(), [this](std::size_t Index) {
+                                      const TRemoved& Section = FRemoved[Index];
+                                      TDocument Entry;
+                                      Entry.Set("index", Section.Index);
+                                      Entry.Set("name", Section.Name).Set("type", Section.Type);
+                                      return Entry;
+                                    }});
+  Document.Set("sectionsLeft", FLeft);
 }
 
 }  // namespace velkrund

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "jobs/files/SectionChoice.h"
+#include "jobs/resources/ResourceNames.h"
 #include "jobs/run/ItemAccount.h"
 #include "velkrund/dictionary/RecordData.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -61,6 +62,7 @@ void TSectionChecker::Read(TEIFile& File, int Index, TChecked& Result) {
     Data->Table = Anywhere.get();
   }
   File.ImportObject(*Object);
+  if (!Object->Stopped() && !Object->LeftAlone()) RequireKeptNames(File, Index);
   Result.Item.State = Object->Stopped() ? TItemState::Cancelled : TItemState::Done;
 }
 

@@ -16,6 +16,7 @@ constexpr std::string_view MergeChoices[] = {"no", "skip", "replace", "differenc
 constexpr TProperty Properties[] = {
     TPolicyRows::ExistingStructures,
     TPolicyRows::OnError,
+    TPolicyRows::Unfinished,
     TPolicyRows::Commit,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,

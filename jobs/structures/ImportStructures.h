@@ -34,6 +34,7 @@ class TJobImportStructures final : public TImportJob {
   std::vector<std::string> Names() const override { return {FileName}; }
   TParts MakeParts() override;
   std::vector<int> Choose(TInputFile& Input) override;
+  bool NamesSections() const override { return !Sections.empty(); }
   bool MakesObjects() const override { return false; }
 
  private:

@@ -13,7 +13,7 @@ namespace {
 
 /// The structure that a section names; nothing where its header is faulty.
 std::optional<TStructureId> StructureOf(const TEISection& Section) {
-  const std::string *const Type = Section.FindParam("ObjectType"), *const Name = Section.FindParam("ObjectName");
+  const auto Type = Section.FindParam("ObjectType"), Name = Section.FindParam("ObjectName");
   if (!Type || !Name) return std::nullopt;
   const std::optional<std::int32_t> Number = StrToInt32(*Type);
   if (!Number) return std::nullopt;
@@ -85,6 +85,7 @@ void TStructureImport::Begin(std::size_t, TEIObject& Object) {
   Section->ClearRoot = FSettings.ClearRoot;
   Section->OverwriteOptions = FSettings.OverwriteOptions;
   Section->StrictLines = true;
+  Section->KeepNamesakes = true;
   FAsk.FLeftAlone = false;
   Section->SetOverwriteAsk(FAsk);
 }

@@ -14,8 +14,6 @@ namespace velkrund {
 namespace {
 
 constexpr std::size_t BytesAtOnce = 64 * 1024;
-// Two levels of the document each, which writers and many readers go down by calling themselves.
-constexpr int DeepestDocument = 1000;
 
 std::string_view TypeWord(TDSPValueType Type) { return TCurrentNodeTexts().TypeWord(Type); }
 
@@ -62,9 +60,9 @@ void AppendNode(std::string& Out, const TDSPNode& Node, std::size_t Level) {
 
 TDocument NodesDocument(TDSPNode& Parent, int Level) {
   TDocument Result = TDocument::List();
-  if (Parent.GetCount() > 0 && Level == DeepestDocument)
+  if (Parent.GetCount() > 0 && Level == DSPDeepestTree)
     throw EDSPError(
-        Format("The tree has more than %d levels, too many for a document; as text it can be shown", DeepestDocument));
+        Format("The tree has more than %d levels, too many for a document; as text it can be shown", DSPDeepestTree));
   Parent.Sort();
   for (int Index = 0; Index < Parent.GetCount(); ++Index) {
     TDSPNode& Node = Parent.GetNodes(Index);

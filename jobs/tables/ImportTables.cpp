@@ -13,6 +13,7 @@ using TThis = TImportRowsJob;
 constexpr TProperty Properties[] = {
     TPolicyRows::ExistingRows,
     TPolicyRows::OnError,
+    TPolicyRows::Unfinished,
     TPolicyRows::MissingFields,
     TPolicyRows::RepeatedTables,
     TPolicyRows::Commit,

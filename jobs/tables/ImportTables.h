@@ -30,6 +30,7 @@ class TImportRowsJob : public TImportJob {
   std::vector<std::string> Names() const final { return {FileName}; }
   TParts MakeParts() final;
   std::vector<int> Choose(TInputFile& Input) final;
+  bool NamesSections() const final { return !Sections.empty() || !TableName.empty(); }
 
  private:
   const TSectionRole FRole;

@@ -21,14 +21,19 @@ namespace {
 /// The field of a query's section that counts its rows, which no table has.
 constexpr const char* RowNumberField = "#";
 
-/// Whether a field of the file goes into one of the table: of a pair, else of its own name unless a pair fills that.
-bool FillsOne(const std::string& Field, const std::vector<std::string>& TableFields, const TStringPairs& Mapping) {
-  bool IsFilled = false;
-  for (const auto& [From, To] : Mapping) {
-    if (SameText(From, Field)) return true;
-    IsFilled = IsFilled || SameText(To, Field);
+/// Both sides of the pairs.
+struct TMappedNames {
+  explicit TMappedNames(const TStringPairs& Mapping) {
+    for (const auto& [Source, Target] : Mapping) From.Add(Source), To.Add(Target);
   }
-  return !IsFilled && HasName(TableFields, Field);
+  TStringList From, To;
+};
+
+bool HasName(const TStringList& Names, const std::string& Name) { return Names.IndexOf(Name) >= 0; }
+
+/// Whether a field of the file goes into one of the table: of a pair, else of its own name unless a pair fills that.
+bool FillsOne(const std::string& Field, const TStringList& TableFields, const TMappedNames& Mapping) {
+  return HasName(Mapping.From, Field) || (!HasName(Mapping.To, Field) && HasName(TableFields, Field));
 }
 
 }  // namespace
@@ -40,13 +45,10 @@ TTableImport::TTableImport(TStandaloneManager& Manager, const TPolicies& Policie
       FSearch(Manager, FSettings.DatabaseName, FSettings.DatabaseText),
       FFields(FSettings.Fields) {}
 
-bool TTableImport::TKnownTable::Has(const std::string& Field) const { return HasName(Fields, Field); }
-
 /// Table: null where the run makes it.
 TTableImport::TTarget& TTableImport::TargetFor(const std::string& Name, TTable* Table) {
-  const auto IsIt = [&](const TTarget& Target) { return Target.Table == Name; };
-  const auto Known = std::find_if(FTargets.begin(), FTargets.end(), IsIt);
-  if (Known != FTargets.end()) return *Known;
+  const auto [Known, IsNew] = FByTable.try_emplace(Name, FTargets.size());
+  if (!IsNew) return FTargets[Known->second];
   TTarget Target{Name};
   Target.IsMade = !Table;
   if (Table && TExistingRows(FPolicies, {}).Counts()) Target.Rows = Table->RecordCount();
@@ -60,12 +62,12 @@ TTableImport::TKnownTable TTableImport::Known(const std::string& Name, std::uniq
       FSettings.Creation && !Name.empty() ? FSettings.Creation->Find(Name) : nullptr;
   if (Described) {
     Result.Name = Described->FullName();
-    for (const TDicField& Field : Described->Fields) Result.Fields.push_back(Field.Name);
+    for (const TDicField& Field : Described->Fields) Result.Fields.Add(Field.Name);
   } else if ((Table = FSearch.Find(Name, true))) {
     if (const auto Info = FManager.Databases().Connection(FSettings.DatabaseName).Schema().FindTable(Name))
       FSearch.RefuseIndex(*Info);
     Result.Name = Table->TableName();
-    for (int I = 0; I < Table->Record().FieldCount(); ++I) Result.Fields.push_back(Table->Record().Fields(I).Name());
+    for (int I = 0; I < Table->Record().FieldCount(); ++I) Result.Fields.Add(Table->Record().Fields(I).Name());
   }
   return Result;
 }
@@ -155,8 +157,10 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, const TKnownTable& 
   if (const auto Doubled = DoubledTarget(Mapping))
     throw ESettingsError(
         Format("%s fills the field '%s' of table '%s' twice", Setting("Mapping"), *Doubled, Table.Name));
+  const TStringList InFile(*Names);
+  const TMappedNames Mapped(Mapping);
   const auto RequireInFile = [&](const std::string& Field) {
-    if (HasName(*Names, Field)) return;
+    if (HasName(InFile, Field)) return;
     TErrorInfo Info = Place;
     Info.Column = Field;
     throw EEIError(Format("There is no field '%s' in %s%s", Field, SectionText(Sections, Index),
@@ -166,25 +170,25 @@ void TTableImport::CheckFields(TInputFile& Input, int Index, const TKnownTable& 
   for (const std::string& Field : FSettings.Fields) RequireInFile(Field);
   for (const auto& [Field, Target] : Mapping) {
     RequireInFile(Field);
-    if (!FSettings.Fields.empty() && !HasName(FSettings.Fields, Field))
+    if (!FSettings.Fields.empty() && !HasName(FFields, Field))
       throw ESettingsError(Format("%s gives the field '%s' a place, but it is not among %s", Setting("Mapping"), Field,
                                   Setting("Fields")));
     if (Target.empty() || Table.Has(Target)) continue;
     TErrorInfo Info = Place;
     Info.Table = Table.Name;
     throw EEIError(Format("The table '%s' has no field '%s' for '%s' of %s%s", Table.Name, Target, Field,
-                          SectionText(Sections, Index), ContentHint(Target, Table.Fields, "; it has ")),
+                          SectionText(Sections, Index), ContentHint(Target, Table.Fields.Items(), "; it has ")),
                    Info);
   }
   const std::vector<std::string>& Wanted = FSettings.Fields.empty() ? *Names : FSettings.Fields;
   // There are tables without a field, whose rows are merely counted.
-  if (Wanted.empty() && Table.Fields.empty()) return;
+  if (Wanted.empty() && Table.Fields.Count() == 0) return;
   const bool IsQuery = Sections[Index].ObjectClass.Role() == TSectionRole::QueryData;
   std::vector<std::string> Missing;
   for (const std::string& Field : Wanted)
-    if (!FillsOne(Field, Table.Fields, Mapping) && !(IsQuery && Field == RowNumberField)) Missing.push_back(Field);
-  const bool CountsRows = IsQuery && HasName(Wanted, RowNumberField);
-  const std::size_t Numbers = CountsRows && !FillsOne(RowNumberField, Table.Fields, Mapping) ? 1 : 0;
+    if (!FillsOne(Field, Table.Fields, Mapped) && !(IsQuery && Field == RowNumberField)) Missing.push_back(Field);
+  const bool CountsRows = IsQuery && HasName(FSettings.Fields.empty() ? InFile : FFields, RowNumberField);
+  const std::size_t Numbers = CountsRows && !FillsOne(RowNumberField, Table.Fields, Mapped) ? 1 : 0;
   if (Missing.size() + Numbers >= Wanted.size()) {
     TErrorInfo Info = Place;
     Info.Table = Table.Name;
@@ -204,7 +208,7 @@ void TTableImport::RefuseMissing(TInputFile& Input, int Index, const TKnownTable
   const TEISectionList& Sections = Input.File().Sections();
   const char* const Noun = Missing.size() == 1 ? "field" : "fields";
   throw EEIError(Format("The table '%s' lacks the %s %s of %s%s", Table.Name, Noun, JoinedInShort(std::move(Quoted)),
-                        SectionText(Sections, Index), NearestHint(Missing.front(), Table.Fields)),
+                        SectionText(Sections, Index), NearestHint(Missing.front(), Table.Fields.Items())),
                  {.Code = TErrorCode::FieldMissing,
                   .File = Input.Name(),
                   .Section = Sections[Index].Name(),

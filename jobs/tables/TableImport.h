@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "jobs/dictionary/TableCreation.h"
@@ -59,8 +60,8 @@ class TTableImport final : public TImportPart {
   /// A table that is there, or will be, and its fields.
   struct TKnownTable {
     std::string Name;
-    std::vector<std::string> Fields;
-    bool Has(const std::string& Field) const;
+    TStringList Fields;
+    bool Has(const std::string& Field) const { return Fields.IndexOf(Field) >= 0; }
   };
 
   TTarget& TargetFor(const std::string& Name, TTable* Table);
@@ -81,11 +82,12 @@ class TTableImport final : public TImportPart {
   const TSettings FSettings;
   const TTableSearch FSearch;
   const TStringList FFields;
-  std::vector<TTarget> FTargets;                     // by table, in the order in which they were met
-  std::map<std::size_t, std::size_t> FPlaces;        // of a section's target, by the number of its item
-  std::map<std::size_t, TStringPairs> FMappings;     // that were chosen, by the same number
-  std::set<std::size_t> FPassedOver;                 // sections for which no table was chosen
-  std::map<std::size_t, std::exception_ptr> FUnfit;  // why a section fails when its turn comes, by the same number
+  std::vector<TTarget> FTargets;                          // by table, in the order in which they were met
+  std::unordered_map<std::string, std::size_t> FByTable;  // places in it
+  std::map<std::size_t, std::size_t> FPlaces;             // of a section's target, by the number of its item
+  std::map<std::size_t, TStringPairs> FMappings;          // that were chosen, by the same number
+  std::set<std::size_t> FPassedOver;                      // sections for which no table was chosen
+  std::map<std::size_t, std::exception_ptr> FUnfit;       // why a section fails when its turn comes, by the same number
 };
 
 }  // namespace velkrund

@@ -10,7 +10,9 @@ class TPosixFileSystem final : public TFileSystem {
  public:
   std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override;
   bool Exists(const std::string& Path) override;
-  void Replace(const std::string& From, const std::string& To) override;
+  std::unique_ptr<TFileInMaking> MakeInPlaceOf(const std::string& Path) override;
+  std::unique_ptr<TFileInMaking> MakeNew(const std::string& Path, const std::string& Like) override;
+  void RemoveLeft(const std::string& Path) override;
   void Remove(const std::string& Path) override;
 };
 

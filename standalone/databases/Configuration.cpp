@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "standalone/drivers/AddressSecrets.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "velkrund/platform/ormtools/CodePage.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -1,5 +1,6 @@
 #include "standalone/databases/Databases.h"
 
+#include "standalone/drivers/AddressSecrets.h"
 #include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
@@ -51,6 +52,10 @@ TDatabases::TAddress TDatabases::Resolve(const std::string& Name) const {
   Options.Canceled = [this] { return FCanceled && FCanceled(); };
   Options.Trace = FTrace;
   Options.Warn = [this](const std::string& Text) { Warn(Text); };
+  Options.AskPassword = [this](const std::string& Database, const std::string& Error) {
+    return FAskPassword ? FAskPassword(Database, Error) : std::nullopt;
+  };
+  Options.Tell = [this](const std::string& Text) { Tell(Text); };
   std::string Address = Meant;
   if (const auto Entry = FConfiguration.Databases.find(Meant); Entry != FConfiguration.Databases.end()) {
     if (!Entry->second.Problem.empty())

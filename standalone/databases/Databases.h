@@ -59,6 +59,9 @@ class TDatabases {
   /// Asked while an engine lets its caller wait, on every connection: true ends what is waited for, with EAbort.
   /// Returns who was asked before.
   TCanceled SetCanceled(TCanceled Canceled) { return std::exchange(FCanceled, std::move(Canceled)); }
+  using TAskPassword = std::function<std::optional<std::string>(const std::string& Database, const std::string& Error)>;
+  /// Asked for passwords that are missing, as TConnectOptions says. Returns who was asked before.
+  TAskPassword SetAskPassword(TAskPassword Ask) { return std::exchange(FAskPassword, std::move(Ask)); }
   using TNotice = std::function<void(const std::string& Text)>;
   /// Told what takes its time and has nothing to count. Returns who was told before.
   TNotice SetNotice(TNotice Notice) { return std::exchange(FNotice, std::move(Notice)); }
@@ -109,6 +112,7 @@ class TDatabases {
   std::chrono::milliseconds FBusyTime;
   TCanceled FCanceled;                                    // may be empty
   TNotice FNotice, FWarning;                              // the same
+  TAskPassword FAskPassword;                              // the same
   std::map<std::string, TDatabase> FOpen;                 // by session
   std::map<std::string, TDatabase*, std::less<>> FNames;  // by the name asked for; "" is the default
 };

@@ -59,7 +59,7 @@ TTrace::~TTrace() = default;
 void TTrace::Write(std::string_view Subsystem, TTraceLevel Level, std::string_view Text) noexcept {
   if (!FLogger || !IsOn(Level)) return;
   try {
-    FLogger->Logger.log(LevelOf(Level), Format("%s: %s", Subsystem, Printable(Text)));
+    FLogger->Logger.log(LevelOf(Level), Format("%s: %s", Subsystem, OnOneLine(Text)));
   } catch (...) {
     // The trace never raises.
   }

@@ -83,8 +83,9 @@ void StoreDescribed(TDescribedObject Described, const std::string& DatabaseName)
 std::vector<std::string> MeetingNames(const std::vector<TDefinedObject>& Objects) {
   std::map<std::pair<int, std::string>, std::vector<std::string>> Names;
   for (const TDefinedObject& Object : Objects) {
-    const std::string Name = FullName(Object.Table);
-    Names[{ObjectTypeOf(Object.Kind), LowerCase(Name)}].push_back(Format("'%s'", Name));
+    // A structure's name has no quotes that would tell where a dot belongs.
+    Names[{ObjectTypeOf(Object.Kind), LowerCase(DottedName(Object.Table))}].push_back(
+        Format("'%s'", FullName(Object.Table)));
   }
   std::vector<std::string> Result;
   for (const auto& [Key, Alike] : Names)

@@ -18,15 +18,7 @@ struct TDatabaseUrl {
 /// first.
 std::optional<TDatabaseUrl> ParseDatabaseUrl(std::string_view Text);
 
-/// What stands between "user:" and the last "@" behind "://"; no data where there is no such place. It may hold any
-/// character, since people forget to encode some: rather more than the password than less.
-std::string_view PasswordOf(std::string_view Text);
-
 /// Text as a part of an address: all but ASCII letters, digits and "-._~" as "%XX".
 std::string PercentEncoded(std::string_view Text);
-
-/// Text with every password in it replaced by "***", for messages: PasswordOf, and the values of "password" and "pwd",
-/// held together by braces or apostrophes or not.
-std::string WithoutSecrets(std::string_view Text);
 
 }  // namespace velkrund

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,11 @@ struct TConnectOptions {
   std::function<void(TTraceLevel Level, const std::string& Line)> Trace = {};
   /// Takes what people should know of a transaction that is about to be committed.
   std::function<void(const std::string& Text)> Warn = {};
+  /// Takes what is waited for, in words for people.
+  std::function<void(const std::string& Text)> Tell = {};
+  /// Asks a person for the password of Database, without showing what is typed; Error: what was wrong with the one
+  /// before, else empty. Nothing: nobody can be asked. Raises EAbort when the person does not want to go on.
+  std::function<std::optional<std::string>(const std::string& Database, const std::string& Error)> AskPassword = {};
 };
 
 /// The way to one kind of engine. Stateless; safe to call from several threads.

@@ -22,6 +22,15 @@ TConnectOptions TReadingThread::WithCallersCalls(TConnectOptions Options) {
     Options.Warn = [Warn = std::move(Options.Warn)](const std::string& Text) {
       Current ? Tell([=] { Warn(Text); }) : Warn(Text);
     };
+  if (Options.Tell)
+    Options.Tell = [Told = std::move(Options.Tell)](const std::string& Text) {
+      Current ? Tell([=] { Told(Text); }) : Told(Text);
+    };
+  if (Options.AskPassword)
+    Options.AskPassword = [Ask = std::move(Options.AskPassword)](const std::string& Database,
+                                                                 const std::string& Error) {
+      return Current ? std::nullopt : Ask(Database, Error);
+    };
   return Options;
 }
 

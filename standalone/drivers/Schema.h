@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,15 +25,24 @@ struct TTableInfo {
   std::string Name;    // in the case in which the database has it
   std::string Schema;  // empty where the engine has no schemas, and for its usual one
   TTableKind Kind = TTableKind::Table;
-  bool HasHeirs = false;  // other tables inherit from it; their rows are none of its own
+  bool HasHeirs = false;    // other tables inherit from it; their rows are none of its own
+  bool SharesName = false;  // with another table, when schema and name are joined by a dot
 
   bool operator==(const TTableInfo&) const = default;
 };
 
-/// The name by which people and files know a table.
-inline std::string FullName(const TTableInfo& Table) {
+/// Schema and name joined by a dot.
+inline std::string DottedName(const TTableInfo& Table) {
   return Table.Schema.empty() ? Table.Name : Table.Schema + "." + Table.Name;
 }
+/// The name by which people and files know a table: the dotted one, or the exact one where another table has that too.
+std::string FullName(const TTableInfo& Table);
+
+/// The parts of an exact name, each of which stands between quotes that are doubled inside: "a.b", "a"."b"; nothing
+/// where a name is written in any other way.
+std::optional<std::vector<std::string>> ExactNameParts(std::string_view Name);
+/// Whether that is the exact name of the table; one part stands for its usual schema.
+bool HasExactName(const TTableInfo& Table, std::string_view Name);
 
 struct TColumnInfo {
   std::string Name;
@@ -56,8 +66,15 @@ struct TForeignKey {
   bool ActsOnDelete = false;      // deleting a row of To deletes or changes the rows of From that refer to it
   std::string Id = {};            // by which the engine tells keys apart; empty where it does not
   bool IsEnforced = true;         // not switched off by somebody, where the engine enforces keys
+  /// The columns of From, where the engine enforces keys and no index begins with them: whoever deletes a row of To has
+  /// the engine look through all rows of From. Empty: there is one.
+  std::string Unindexed = {};
 
-  bool operator==(const TForeignKey&) const = default;
+  /// Indexes come and go.
+  bool operator==(const TForeignKey& Other) const {
+    return From == Other.From && To == Other.To && FromWhole == Other.FromWhole && ToWhole == Other.ToWhole &&
+           ActsOnDelete == Other.ActsOnDelete && Id == Other.Id && IsEnforced == Other.IsEnforced;
+  }
 };
 
 /// What the database itself does when rows are inserted or deleted.

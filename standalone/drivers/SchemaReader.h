@@ -26,8 +26,8 @@ class TSchemaReader {
 
   /// The user's tables and views by name; neither the engine's own nor the platform's.
   virtual std::vector<TTableInfo> Tables() = 0;
-  /// The table of that name (FullName), the exact one first, else the one that differs in case only. Several of either
-  /// are an error that names them.
+  /// The table of that name: the dotted one, an exact one (ExactNameParts), else a dotted one that differs in case
+  /// only. Several of either are an error that gives their exact names.
   virtual std::optional<TTableInfo> FindTable(std::string_view Name) = 0;
   virtual TTableDescription Describe(const TTableInfo& Table) = 0;
   /// The columns of every unique key that is not the primary one and holds for all rows, as indexes into the

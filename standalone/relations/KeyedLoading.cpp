@@ -197,6 +197,19 @@ void TKeyedLoading::CountBroken() {
     if (!Enforces || !Key->IsEnforced) FReferences->Count(Key->From, FOrder->Has(FullName(Key->From)));
 }
 
+/// Why the rows of a table take long to delete, for people; empty: they do not. The rows that refer to them cost as
+/// much when they have just been deleted themselves.
+std::string TKeyedLoading::SlowDeletion(const std::string& Table) const {
+  if (!FConnection.Capabilities().EnforcesForeignKeys || FOptions.BrokenReferences) return {};
+  for (const TForeignKey* Key : FGroups[FGroup].Keys) {
+    const auto [Child, Parent] = TieOf(*Key);
+    if (Parent != Table || Key->Unindexed.empty() || !Key->IsEnforced) continue;
+    if (FMoved.contains(Child) || FConnection.Schema().HasRows(Key->From))
+      return LText("M_Velkrund_ComUtils_IndexIsMissing", Child, Key->Unindexed).Local();
+  }
+  return {};
+}
+
 /// Children first: the engine deletes no row that another one refers to.
 void TKeyedLoading::EmptyTables() {
   const std::vector<std::string>& Tables = FOrder->Tables(FGroup);
@@ -205,7 +218,8 @@ void TKeyedLoading::EmptyTables() {
     Target.Deleted = 0;
     if (!Target.Replaced) continue;
     const auto Opened = FManager.GetUserTable(*Table, FDatabaseName, true);
-    if (auto* SQLTable = dynamic_cast<TODBCTable*>(Opened.get())) Target.Deleted = EmptyTable(*SQLTable, FDatabaseName);
+    if (auto* SQLTable = dynamic_cast<TODBCTable*>(Opened.get()))
+      Target.Deleted = EmptyTable(*SQLTable, FDatabaseName, SlowDeletion(*Table));
     if (Target.Deleted > 0) FMoved.insert(*Table);
   }
 }

@@ -58,6 +58,7 @@ class TKeyedLoading final : public TTableLoading {
   std::unique_ptr<TTransaction> Locked(TSafeguards& Safeguards) const;
   void Prepare();
   void CountBroken();
+  std::string SlowDeletion(const std::string& Table) const;
   void EmptyTables();
   void RebuildTextIndexes(std::vector<TLText>& Remarks);
   void TellTriggers();

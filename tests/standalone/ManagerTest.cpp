@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "standalone/databases/StandaloneManager.h"
+#include "standalone/drivers/AddressSecrets.h"
 #include "standalone/drivers/DatabaseUrl.h"
 #include "standalone/tables/MemoryTable.h"
 #include "tests/standalone/Support.h"
@@ -188,6 +189,55 @@ TEST(DatabaseUrlTest, AddressesAreCutAndSecretsMasked) {
     EXPECT_EQ(Url ? Url->Scheme + " " + Url->Rest : "", Case.Cut);
     EXPECT_EQ(WithoutSecrets(Case.Text), Case.Shown);
   }
+}
+
+// Each holds the word "geheim", or a piece of it.
+TEST(DatabaseUrlTest, NoSpellingOfAPasswordIsShown) {
+  const struct {
+    std::string Text;
+    std::string Shown;
+  } Cases[] = {
+      // Lines of keywords: blanks and tabs, apostrophes and backslashes, other words for it, and unknown ones.
+      {"postgresql:host=h password = 'geheim x' user=u", "postgresql:host=h password = *** user=u"},
+      {"postgresql:password\t=\t'ge\\'h eim'\tuser=u", "postgresql:password\t=\t***\tuser=u"},
+      {"postgresql:password=ge\\ heim dbname=d", "postgresql:password=*** dbname=d"},
+      {"host=h PASSWORD=geheim", "host=h PASSWORD=***"},
+      {"postgresql:sslpassword=geheim passfile=/p", "postgresql:sslpassword=*** passfile=/p"},
+      {"postgresql:pasword=geheim host=h", "postgresql:pasword=*** host=h"},
+      {"postgresql:dbname=postgresql://u:geheim@h/d", "postgresql:dbname=***"},
+      {"postgresql:host=h password=ge heim", "postgresql:***"},
+      {"postgresql:password='geheim", "postgresql:***"},
+      {"postgresql:password=ge\\", "postgresql:password=***"},
+      // URLs.
+      {"postgresql://h/d?p%61ssword=geheim&user=u", "postgresql://h/d?p%61ssword=***&user=u"},
+      {"postgresql://h/d?ssl%70assword=geheim", "postgresql://h/d?ssl%70assword=***"},
+      {"postgresql://h/d?user=u&pasword=geheim", "postgresql://h/d?user=u&pasword=***"},
+      {"postgresql://h/d?user=u?password=geheim", "postgresql://h/d?user=***"},
+      {"postgresql://u:geheim@h/d?sslmode=require", "postgresql://u:***@h/d?sslmode=require"},
+      {"postgresql://u%3Ageheim@h/d", "postgresql:***"},
+      {"postgresql://u:geheim/x", "postgresql://u:***/x"},
+      {"postgresql://u@h:geheim", "postgresql://u@h:***"},
+      {"postgresql://h:1,[::1]:2,i:3/d", "postgresql://h:1,[::1]:2,i:3/d"},
+      {"postgresql://h:1/x?user=a:geheim", "postgresql://h:1/x?user=***"},
+      {"postgresql:host='u:geheim@h' port=1", "postgresql:host=*** port=1"},
+      {"postgresql://h/d password=geheim", "postgresql:***"},
+      {"postgresql://h/d%3Fpassword%3Dgeheim", "postgresql:***"},
+      // What is no address.
+      {"postgresql:/u:geheim@h/d", "postgresql:***"},
+      {"postgresql:u:geheim@h", "postgresql:***"},
+      {"postgres//u:geheim@h/d", "***"},
+      {"u/geheim@h", "***"},
+      {"postgres ql://u:geheim@h", "postgres ql://u:***@h"},
+      // Lists with semicolons.
+      {"odbc:DSN=d; PWD = {ge;h}}eim} ;UID=u", "odbc:DSN=d; PWD = ***;UID=u"},
+      {"odbc:DRIVER={x};pwd=geheim", "odbc:DRIVER={x};pwd=***"},
+      {"odbc:DSN=d;PWD={geheim", "odbc:***"},
+      {"odbc:DSN=d;PWD={a}geheim;UID=u", "odbc:***"},
+      {"DSN=d;Password=geheim", "DSN=d;Password=***"},
+  };
+  for (const auto& [Text, Shown] : Cases) EXPECT_EQ(WithoutSecrets(Text), Shown) << Text;
+  EXPECT_EQ(WithSecretsMasked("no port \"ge heim\", not typ3d", "postgresql://u:ge%20heim/x", "typ3d"),
+            "no port \"***\", not ***");
 }
 
 TEST(MemoryTableTest, WhatIsAppendedIsWalkedAndNothingBeforeTheEnd) {

@@ -46,13 +46,25 @@ TEST_F(PostgreSQLConnectionTest, TablesOfAllSchemasAreKnownByTheirNames) {
       "CREATE TABLE \"My Own\".u (a integer); CREATE MATERIALIZED VIEW m AS SELECT 1 AS x; CREATE TEMP TABLE w (a "
       "integer);"
       "CREATE SCHEMA a; CREATE SCHEMA \"a.b\"; CREATE TABLE a.\"b.c\" (x integer); CREATE TABLE \"a.b\".c (y integer)");
-  EXPECT_THAT(Names(), testing::UnorderedElementsAre("t", "m", "My Own.t", "My Own.u", "a.b.c", "a.b.c"));
+  EXPECT_THAT(Names(), testing::UnorderedElementsAre("t", "m", "My Own.t", "My Own.u", R"("a"."b.c")", R"("a.b"."c")"));
   EXPECT_EQ(Open("My Own.t").Record().Fields(0).Name(), "a");
   EXPECT_EQ(Open("MY OWN.T").TableName(), "My Own.t");
   EXPECT_EQ(Open("t").Record().Fields(0).Name(), "b");
   EXPECT_FALSE(Connection->Schema().FindTable("w"));
   EXPECT_THAT(ErrorOf([&] { Connection->Schema().FindTable("a.b.c"); }),
               AllOf(HasSubstr(R"("a"."b.c")"), HasSubstr(R"("a.b"."c")")));
+  const struct {
+    const char *Name, *Field;  // null: none of that name
+  } Exact[] = {{R"("a"."b.c")", "x"},    {R"("a.b"."c")", "y"}, {R"("t")", "b"},
+               {R"("public"."t")", "b"}, {R"("b.c")", nullptr}, {R"("T")", nullptr},
+               {R"("a.b.c")", nullptr},  {R"("t"")", nullptr},  {R"("a".b.c)", nullptr}};
+  for (const auto& Case : Exact) {
+    const auto Found = Connection->Schema().FindTable(Case.Name);
+    ASSERT_EQ(Found.has_value(), Case.Field != nullptr) << Case.Name;
+    EXPECT_EQ(Found ? Open(Case.Name).Record().Fields(0).Name() : "none", Case.Field ? Case.Field : "none");
+  }
+  EXPECT_EQ(Open(R"("a"."b.c")").TableName(), R"("a"."b.c")") << "the name finds it again";
+  EXPECT_EQ(Open(R"("My Own"."u")").TableName(), "My Own.u");
   EXPECT_THAT(ErrorOf([&] { Open("m").BeginAppend(); }), HasSubstr("view"));
   Set("search_path = \"My Own\", public");
   Connection = Connect(Raw.Url());
@@ -112,6 +124,36 @@ TEST_F(PostgreSQLConnectionTest, ALostConnectionIsAnErrorAndTheTransactionGone) 
               }),
               HasSubstr("EDatabaseError"));
   EXPECT_EQ(Raw.Rows("SELECT count(*) FROM t"), "100001\n");
+}
+
+TEST_F(PostgreSQLConnectionTest, SettingsOfADatabaseEndNoLoadAndTheServerNoticesThatWeAreGone) {
+  Raw.Run("CREATE TABLE t (a integer)");
+  for (const char* Setting : {"statement_timeout = 1000", "idle_in_transaction_session_timeout = 1000",
+                              "idle_session_timeout = 1000", "client_connection_check_interval = 0"})
+    Set(Setting);
+  Connection = Connect(Raw.Url());
+  const auto Shown = [&](const std::string& Name) {
+    const auto Answer = Connection->Query("SELECT current_setting('" + Name + "')");
+    TKvVariant Value;
+    EXPECT_TRUE(Answer->Next());
+    Answer->Read(0, Value);
+    return std::string(Value.AsText());
+  };
+  const auto ExpectNone = [&] {
+    for (const char* Limit : {"statement_timeout", "idle_in_transaction_session_timeout", "idle_session_timeout"})
+      EXPECT_EQ(Shown(Limit), "0") << Limit;
+    EXPECT_EQ(Shown("tcp_keepalives_idle"), "60");
+  };
+  ExpectNone();
+  EXPECT_EQ(Shown("client_connection_check_interval"), "10s");
+  // Nor does what a function sets in the middle of a load.
+  Connection->Begin(TIsolationLevel::RepeatableRead);
+  EXPECT_EQ(Shown("tcp_user_timeout"), "300000");
+  Connection->Execute("SELECT set_config('statement_timeout', '7000', false)");
+  EXPECT_EQ(Append("t", {Integer(1)}), "no error");
+  ExpectNone();
+  Connection->Commit();
+  EXPECT_NE(Shown("tcp_user_timeout"), "300000") << "a reader may pause";
 }
 
 TEST_F(PostgreSQLConnectionTest, ErrorsSayWhatToDo) {

@@ -34,6 +34,26 @@ TEST_F(SQLiteConnectionTest, OpeningSaysWhatIsWrong) {
   EXPECT_TRUE(std::filesystem::exists(Folder / "100%41 file:x?mode=ro.db"));
 }
 
+// Each time that pages have to make room for others the engine asks for the file anew.
+TEST_F(SQLiteConnectionTest, AReaderThatStaysIsWaitedForOnceBeforeTheCommit) {
+  const std::string Path = Folder / "read.db";
+  Connection = Connect(Path, {.CreateMissing = true, .BusyTime = std::chrono::milliseconds(200)});
+  Run("CREATE TABLE T (C)");
+  Run("INSERT INTO T VALUES (0)");
+  Run("PRAGMA cache_size = 5");
+  const auto Reader = Connect(Path);
+  Reader->BeginReading();
+  EXPECT_THAT(Rows(*Reader, "T"), ElementsAre("18 0"));
+  const auto Start = std::chrono::steady_clock::now();
+  Connection->Begin(TIsolationLevel::RepeatableRead);
+  for (int I = 0; I < 50; ++I) Run("INSERT INTO T SELECT zeroblob(20000) FROM T LIMIT 3");
+  EXPECT_THAT(ErrorOf([&] { Connection->Commit(); }), HasSubstr("busy_seconds"));
+  EXPECT_LT(std::chrono::steady_clock::now() - Start, std::chrono::seconds(3));
+  Reader->Rollback();
+  Connection->Commit();
+  EXPECT_EQ(Rows(*Reader, "T").size(), 148U);
+}
+
 TEST_F(SQLiteConnectionTest, AFileWithoutWriteRightsIsReadAndNotWritten) {
   const std::string Path = Folder / "fixed.db";
   {

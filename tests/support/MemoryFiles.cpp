@@ -120,15 +120,6 @@ bool TMemoryFiles::Exists(const std::string& Path) {
   return FFiles.contains(Path);
 }
 
-void TMemoryFiles::Replace(const std::string& From, const std::string& To) {
-  const std::lock_guard Lock(FLock);
-  if (IsDue(Faults.FailReplace)) throw EWriteError(To + ": cannot replace: Input/output error");
-  const auto Found = FFiles.find(From);
-  if (Found == FFiles.end()) throw EWriteError(From + ": cannot rename: No such file or directory");
-  FFiles[To] = Found->second;
-  FFiles.erase(From);
-}
-
 void TMemoryFiles::Remove(const std::string& Path) {
   const std::lock_guard Lock(FLock);
   FFiles.erase(Path);

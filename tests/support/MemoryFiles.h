@@ -20,7 +20,6 @@ class TMemoryFiles final : public TFileSystem {
     int FailWrite = 0;  // a failed write has stored the first half of its bytes
     int FailSetSize = 0;
     int FailSync = 0;
-    int FailReplace = 0;
     std::int64_t Capacity = -1;  // bytes of all files together; a write beyond stores what fits and fails. -1: no limit
   };
   /// Operations that reached a file, failed ones included.
@@ -37,7 +36,6 @@ class TMemoryFiles final : public TFileSystem {
   // TFileSystem
   std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override;
   bool Exists(const std::string& Path) override;
-  void Replace(const std::string& From, const std::string& To) override;
   void Remove(const std::string& Path) override;
 
   /// Makes a file, or replaces its content.

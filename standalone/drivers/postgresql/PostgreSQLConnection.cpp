@@ -53,9 +53,8 @@ std::int64_t LockNumber(std::string_view Name) {
 
 }  // namespace
 
-TPostgreSQLConnection::TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
-                                             const TConnectOptions& Options)
-    : FSession(ConnectionInfo, ShownName, TReadingThread::WithCallersCalls(Options)),
+TPostgreSQLConnection::TPostgreSQLConnection(TPostgreSQLAddress Address, const TConnectOptions& Options)
+    : FSession(std::move(Address), TReadingThread::WithCallersCalls(Options)),
       FCapabilities(CapabilitiesOf(FSession)),
       FSequences(FSession, [Warn = Options.Warn](const std::string& Text) {
         if (Warn) Warn(Text);

@@ -15,8 +15,7 @@ namespace velkrund {
 class TPostgreSQLConnection final : public TConnection {
  public:
   /// As TPostgreSQLSession's.
-  TPostgreSQLConnection(const std::string& ConnectionInfo, const std::string& ShownName,
-                        const TConnectOptions& Options);
+  TPostgreSQLConnection(TPostgreSQLAddress Address, const TConnectOptions& Options);
 
   const TCapabilities& Capabilities() const override { return FCapabilities; }
   std::string EngineName() const override { return "PostgreSQL"; }

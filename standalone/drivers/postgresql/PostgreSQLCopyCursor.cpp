@@ -106,11 +106,8 @@ void TPostgreSQLCopyCursor::Abandon() noexcept {
   if (!FOpen) return;
   FOpen = false;
   FSource.Session.Vacate(*this);
-  pg_conn* Connection = FSource.Session.Handle();
   // What is left may be much: better to stop the server than to read it all.
-  StopPostgreSQLStatement(Connection);
-  for (char* Row = nullptr; PQgetCopyData(Connection, &Row, 0) > 0;) PQfreemem(Row);
-  FSource.Session.Drain();
+  FSource.Session.DropRows();
 }
 
 }  // namespace velkrund

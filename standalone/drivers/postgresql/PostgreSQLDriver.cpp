@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 
+#include "standalone/drivers/AddressSecrets.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -39,7 +40,7 @@ TParameters Given(const PQconninfoOption* Options) {
 /// Why tells the place, in words that quote what cannot be read: that may be a piece of the password.
 [[noreturn]] void RaiseUnreadable(const TDatabaseUrl& Url, std::string_view Why) {
   const std::string Shown = ShownName(Url);
-  if (Shown == Url.Text())
+  if (TellsNoSecret(Why, Url.Text()))
     throw EDatabaseError(Format("The database address '%s' cannot be read: %s", Shown, Trim(Why)));
   throw EDatabaseError(
       Format("The database address '%s' cannot be read: special characters in a URL have to be "
@@ -50,8 +51,11 @@ TParameters Given(const PQconninfoOption* Options) {
 /// The parameters that the address itself names.
 TParameters ParametersOf(const TDatabaseUrl& Url) {
   const std::string Info = ConnectionInfo(Url);
-  if (!Info.starts_with("postgresql://") && Info.find('=') == std::string::npos)
+  if (!Info.starts_with("postgresql://") && Info.find('=') == std::string::npos) {
+    // It would be the name of a database, which errors quote.
+    if (ShownName(Url) != Url.Text()) RaiseUnreadable(Url, {});
     return Info.empty() ? TParameters() : TParameters{{"dbname", Info}};
+  }
   char* Message = nullptr;
   const TOptions Options(PQconninfoParse(Info.c_str(), &Message));
   const std::unique_ptr<char, void (*)(void*)> FreeMessage(Message, PQfreemem);
@@ -117,9 +121,9 @@ std::string TPostgreSQLDriver::SessionIdentity(const TDatabaseUrl& Url, const TC
 std::unique_ptr<TConnection> TPostgreSQLDriver::Connect(const TDatabaseUrl& Url, const TConnectOptions& Options) const {
   ParametersOf(Url);
   try {
-    return std::make_unique<TPostgreSQLConnection>(ConnectionInfo(Url), ShownName(Url), Options);
+    return std::make_unique<TPostgreSQLConnection>(TPostgreSQLAddress{ConnectionInfo(Url), ShownName(Url)}, Options);
   } catch (const EDatabaseError& Error) {
-    if (HasUnclearPassword(Url)) RaiseUnreadable(Url, Error.what());
+    if (HasUnclearPassword(Url)) RaiseUnreadable(Url, {});
     if (!Options.CreateMissing) throw;
     throw EDatabaseError(Format("%s; databases of a server are not made here, but by CREATE DATABASE", Error.what()));
   }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
+#include <unordered_map>
+#include <utility>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
@@ -33,7 +36,12 @@ constexpr const char* KeysStatement =
     "SELECT f.relname, fn.nspname, f.relhassubclass AND f.relkind = 'r', "
     "t.relname, tn.nspname, t.relhassubclass AND t.relkind = 'r', k.confdeltype = ANY ('{c,n,d}'), k.oid, "
     "NOT EXISTS (SELECT FROM pg_catalog.pg_trigger g WHERE g.tgconstraint = k.oid "
-    "AND NOT (g.tgenabled = ANY ('{O,A}'))), fw.relname, fwn.nspname, tw.relname, twn.nspname "
+    "AND NOT (g.tgenabled = ANY ('{O,A}'))), fw.relname, fwn.nspname, tw.relname, twn.nspname, "
+    "CASE WHEN NOT EXISTS (SELECT FROM pg_catalog.pg_index i WHERE i.indrelid = k.conrelid AND i.indisvalid "
+    "AND i.indpred IS NULL AND pg_catalog.arraycontains((i.indkey::pg_catalog.int2[])"
+    "[0:pg_catalog.int4mi(pg_catalog.cardinality(k.conkey), 1)], k.conkey)) "
+    "THEN (SELECT pg_catalog.string_agg(a.attname, ', ' ORDER BY c.n) FROM ROWS FROM (pg_catalog.unnest(k.conkey)) "
+    "WITH ORDINALITY AS c (f, n) JOIN pg_catalog.pg_attribute a ON a.attrelid = k.conrelid AND a.attnum = c.f) END "
     "FROM pg_catalog.pg_constraint k "
     "JOIN pg_catalog.pg_class f ON f.oid = k.conrelid JOIN pg_catalog.pg_namespace fn ON fn.oid = f.relnamespace "
     "JOIN pg_catalog.pg_class t ON t.oid = k.confrelid JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
@@ -117,7 +125,23 @@ std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::Candid
     Found.PathPlace = Rows.Integer(Row, 5);
     if (!IsCatalogueTable(Found.Info.Name)) Result.push_back(std::move(Found));
   }
+  std::unordered_map<std::string, int> Counts;
+  for (const TCandidate& Found : Result) {
+    ++Counts[Found.Qualified];
+    if (std::string Dotted = DottedName(Found.Info); Dotted != Found.Qualified) ++Counts[std::move(Dotted)];
+  }
+  for (TCandidate& Found : Result) Found.Info.SharesName = Counts[DottedName(Found.Info)] > 1;
   return Result;
+}
+
+/// Marks the tables whose names others share, as the list of tables does. Without a dot in a name there are none.
+void TPostgreSQLSchemaReader::MarkShared(std::vector<TTableInfo*> Tables) {
+  std::erase_if(Tables, [](const TTableInfo* Table) { return DottedName(*Table).find('.') == std::string::npos; });
+  if (Tables.empty()) return;
+  std::set<std::pair<std::string, std::string>> Shared;
+  for (const TCandidate& Found : Candidates("Cannot list the tables", {}))
+    if (Found.Info.SharesName) Shared.emplace(Found.Info.Schema, Found.Info.Name);
+  for (TTableInfo* const Table : Tables) Table->SharesName = Shared.contains({Table->Schema, Table->Name});
 }
 
 std::vector<TTableInfo> TPostgreSQLSchemaReader::Tables() {
@@ -130,11 +154,11 @@ std::vector<TTableInfo> TPostgreSQLSchemaReader::Tables() {
 std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Name) {
   if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
   const std::string What = Format("Cannot look for table '%s'", Name);
-  constexpr int OnPath = 2;
-  constexpr int NoMatch = 3;
+  constexpr int OnPath = 1;
+  constexpr int NoMatch = 2;
   const auto Rank = [&](const TCandidate& Candidate, auto Same) {
-    if (Same(FullName(Candidate.Info), Name)) return 0;
-    if (Same(Candidate.Qualified, Name)) return 1;
+    // Either may be meant by a dot.
+    if (Same(DottedName(Candidate.Info), Name) || Same(Candidate.Qualified, Name)) return 0;
     return Candidate.PathPlace > 0 && Same(Candidate.Info.Name, Name) ? OnPath : NoMatch;
   };
   const auto Only = [&](const std::vector<TCandidate>& All, auto Same,
@@ -158,9 +182,21 @@ std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Na
 
   // The exact name alone first: databases have many tables.
   const auto Exactly = [](std::string_view A, std::string_view B) { return A == B; };
-  if (auto Found = Only(Candidates(What, std::string(Name)), Exactly, {})) return Found;
+  if (auto Found = Only(Candidates(What, std::string(Name)), Exactly, "; name one as it stands here")) return Found;
+  if (const auto Parts = ExactNameParts(Name)) return FindExactly(What, *Parts);
   const auto IgnoringCase = [](std::string_view A, std::string_view B) { return SameText(A, B); };
   return Only(Candidates(What, {}), IgnoringCase, "; name one in its own case");
+}
+
+/// Parts: of an exact name.
+std::optional<TTableInfo> TPostgreSQLSchemaReader::FindExactly(const std::string& What,
+                                                               const std::vector<std::string>& Parts) {
+  if (Parts.size() > 2) return std::nullopt;
+  const std::string Schema = Parts.size() == 2 ? ShownSchema(Parts.front()) : std::string();
+  // With all that share its name.
+  for (TCandidate& Found : Candidates(What, DottedName({Parts.back(), Schema})))
+    if (Found.Info.Name == Parts.back() && Found.Info.Schema == Schema) return std::move(Found.Info);
+  return std::nullopt;
 }
 
 TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
@@ -234,7 +270,11 @@ std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
                       .ToWhole = TableAt(Row, 11, Rows.Boolean(Row, 5)),
                       .ActsOnDelete = Rows.Boolean(Row, 6),
                       .Id = Rows.Copy(Row, 7),
-                      .IsEnforced = Rows.Boolean(Row, 8)});
+                      .IsEnforced = Rows.Boolean(Row, 8),
+                      .Unindexed = Rows.Copy(Row, 13)});
+  std::vector<TTableInfo*> Tables;
+  for (TForeignKey& Key : Result) Tables.insert(Tables.end(), {&Key.From, &Key.To, &Key.FromWhole, &Key.ToWhole});
+  MarkShared(std::move(Tables));
   return Result;
 }
 
@@ -248,6 +288,9 @@ std::vector<TTrigger> TPostgreSQLSchemaReader::Triggers() {
                       Rows.Boolean(Row, 5),
                       Rows.Boolean(Row, 6),
                       Rows.Boolean(Row, 7)});
+  std::vector<TTableInfo*> Tables;
+  for (TTrigger& Trigger : Result) Tables.push_back(&Trigger.Table);
+  MarkShared(std::move(Tables));
   return Result;
 }
 

@@ -13,7 +13,8 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   explicit TPostgreSQLSchemaReader(TPostgreSQLSession& Session) : FSession(Session) {}
 
   std::vector<TTableInfo> Tables() override;
-  /// A name is a table's full name, else its name behind its schema, else the name of a table on the search path.
+  /// A name is a table's dotted or exact name, or its name behind its schema, else the name of a table on the search
+  /// path.
   std::optional<TTableInfo> FindTable(std::string_view Name) override;
   TTableDescription Describe(const TTableInfo& Table) override;
   std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) override;
@@ -33,6 +34,8 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   struct TCandidate;
 
   std::vector<TCandidate> Candidates(const std::string& What, const std::string& Name);
+  void MarkShared(std::vector<TTableInfo*> Tables);
+  std::optional<TTableInfo> FindExactly(const std::string& What, const std::vector<std::string>& Parts);
   std::string ShownSchema(std::string_view Schema) const;
 
   TPostgreSQLSession& FSession;

@@ -6,6 +6,9 @@
 #include <utility>
 
 #include "standalone/drivers/postgresql/PostgreSQLParameters.h"
+#include "standalone/drivers/postgresql/PostgreSQLPipeline.h"
+#include "standalone/drivers/postgresql/PostgreSQLSettings.h"
+#include "velkrund/platform/database/LText.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -15,36 +18,13 @@ namespace {
 /// The first version whose catalogue tells generated columns.
 constexpr int OldestServer = 120'000;
 
-/// Texts that depend on settings get one form; rows come in the table's own order, not in that of a scan that another
-/// session has begun or that several processes share. Rows that a policy hides are an error, not less rows.
-constexpr const char* SetUpStatement =
-    "SELECT pg_catalog.set_config('DateStyle', 'ISO, YMD', false), "
-    "pg_catalog.set_config('IntervalStyle', 'postgres', false), pg_catalog.set_config('TimeZone', 'UTC', false), "
-    "pg_catalog.set_config('extra_float_digits', '3', false), pg_catalog.set_config('bytea_output', 'hex', false), "
-    "pg_catalog.set_config('standard_conforming_strings', 'on', false), "
-    "pg_catalog.set_config('xmloption', 'content', false), pg_catalog.set_config('array_nulls', 'on', false), "
-    "pg_catalog.set_config('synchronize_seqscans', 'off', false), "
-    "pg_catalog.set_config('max_parallel_workers_per_gather', '0', false), "
-    "pg_catalog.set_config('row_security', 'off', false), pg_catalog.set_config('lock_timeout', $1, false), "
-    "pg_catalog.current_schema(), pg_catalog.current_setting('server_version'), "
-    "pg_catalog.current_setting('transaction_read_only')::pg_catalog.bool OR pg_catalog.pg_is_in_recovery(), "
-    "pg_catalog.current_setting('session_replication_role')";
-constexpr int CurrentSchemaColumn = 12;
-constexpr int ServerVersionColumn = 13;
-constexpr int ReadOnlyColumn = 14;
-constexpr int RoleColumn = 15;
-
 /// What the server says of a statement that was told to stop.
 constexpr std::string_view StoppedCode = "57014";
 
-pg_conn* Connect(const std::string& ConnectionInfo) {
-  const char* const Keywords[] = {"dbname", "client_encoding", "fallback_application_name", nullptr};
-  const char* const Values[] = {ConnectionInfo.c_str(), "UTF8", "velkrund", nullptr};
-  return PQconnectdbParams(Keywords, Values, 1);
-}
-
 /// What begins a message about a statement that is not the driver's own.
 constexpr std::string_view ExecutionFailed = "Cannot execute a statement";
+/// The same behind About.
+constexpr std::string_view StartFailed = "start a transaction in";
 
 /// Whether a statement with this tag tells how many rows it has changed.
 bool CountsChanges(std::string_view Tag) {
@@ -55,29 +35,27 @@ bool CountsChanges(std::string_view Tag) {
 
 }  // namespace
 
-void TPostgreSQLSession::TFinish::operator()(pg_conn* Connection) const { PQfinish(Connection); }
-
-TPostgreSQLSession::TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName,
-                                       const TConnectOptions& Options)
-    : FShownName(std::move(ShownName)),
+TPostgreSQLSession::TPostgreSQLSession(TPostgreSQLAddress Address, const TConnectOptions& Options)
+    : FAddress(std::move(Address)),
+      FOptions(Options),
       // For the server 0 means to wait for ever.
       FLockTimeout(
           std::to_string(std::clamp<std::chrono::milliseconds::rep>(Options.BusyTime.count(), 1, 1'000'000'000))),
-      FTrace(Options.Trace),
-      FCodePage(Options.CodePage),
-      FWait(Options.Canceled),
-      FConnection(Connect(ConnectionInfo)) {
-  if (!FConnection) throw EDatabaseError(About("open") + ": out of memory");
-  if (IsLost())
-    throw EDatabaseError(
-        PostgreSQLErrorText(About("open"), Handle(), TPostgreSQLResult()),
-        {.Code = PQconnectionNeedsPassword(Handle()) != 0 ? TErrorCode::DatabaseAccess : TErrorCode::Connection});
+      FWait(Options.Canceled, [this] {
+        if (FOptions.Tell) FOptions.Tell(LText("M_Velkrund_ComUtils_WaitingForCommit").Local());
+      }) {
+  Open();
+}
+
+void TPostgreSQLSession::Open() {
+  FConnection = ConnectToPostgreSQL(FAddress, FOptions);
+  FWait.Renew();
   PQsetNoticeReceiver(Handle(), TakeNotice, this);
   SetUp();
 }
 
 void TPostgreSQLSession::TakeNotice(void* Session, const pg_result* Notice) noexcept {
-  const auto& Trace = static_cast<TPostgreSQLSession*>(Session)->FTrace;
+  const auto& Trace = static_cast<TPostgreSQLSession*>(Session)->FOptions.Trace;
   if (!Trace) return;
   try {
     const char* Severity = PQresultErrorField(Notice, PG_DIAG_SEVERITY_NONLOCALIZED);
@@ -91,36 +69,47 @@ void TPostgreSQLSession::TakeNotice(void* Session, const pg_result* Notice) noex
 void TPostgreSQLSession::SetUp() {
   if (PQserverVersion(Handle()) < OldestServer)
     throw EDatabaseError(About("open") + ": the server is older than version 12");
-  const TPostgreSQLResult Result = Run(SetUpStatement, {FLockTimeout.c_str()}, TFormat::Text);
-  if (Result.IsError()) Raise(About("open"), Result);
+  // A server that takes a connection and then says nothing has not been connected to.
+  const TPostgreSQLResult Result = Run(PostgreSQLSettingsStatement(), {FLockTimeout.c_str()}, TFormat::Text,
+                                       TAtWish::Stop, PostgreSQLConnectTimeout(Handle()));
+  if (!Result.Handle() || Result.IsError()) Raise(About("open"), Result);
   FDialect = TPostgreSQLDialect(Result.Copy(0, CurrentSchemaColumn));
   const std::string_view Version = Result.Text(0, ServerVersionColumn);
   FServerVersion = Version.substr(0, Version.find(' '));
   FReadOnly = Result.Boolean(0, ReadOnlyColumn);
   FChecksReferences = Result.Text(0, RoleColumn) != "replica";
   FSettingsInDoubt = false;
+  // Outside of a transaction an error changes nothing.
+  if (!Run(PostgreSQLCheckClientStatement, {}, TFormat::Text).Handle()) Raise(About("open"), TPostgreSQLResult());
 }
 
 void TPostgreSQLSession::RestoreSettings() {
   if (!std::exchange(FSettingsInDoubt, false)) return;
-  Query(About("go on in"), SetUpStatement, {FLockTimeout.c_str()});
+  Query(About("go on in"), PostgreSQLSettingsStatement(), {FLockTimeout.c_str()});
 }
 
 std::string TPostgreSQLSession::About(std::string_view Failed) const {
-  return Format("Cannot %s the database '%s'", Failed, FShownName);
+  return Format("Cannot %s the database '%s'", Failed, FAddress.ShownName);
 }
 
 bool TPostgreSQLSession::IsLost() const { return PQstatus(Handle()) != CONNECTION_OK; }
 
 void TPostgreSQLSession::Raise(std::string_view What, const TPostgreSQLResult& Result, std::string_view Statement,
                                const TErrorInfo& Place) {
+  if (FWait.LetGo() && !FWait.TookTooLong())
+    throw EAbort(
+        Format("%s: cancelled; the server did not answer in time, and the connection was closed: the server "
+               "undoes what was begun when it notices",
+               What));
+  if (FWait.Stopped() && Result.Diagnostic(PG_DIAG_SQLSTATE) == StoppedCode)
+    throw EAbort(Format("%s: cancelled while the server was at it", What));
+  if (FWait.TookTooLong())
+    throw EDatabaseError(Format("%s: the server does not answer", What), {.Code = TErrorCode::Connection});
   std::string Message = PostgreSQLErrorText(What, Handle(), Result, Statement);
   if (IsLost()) {
     Message += "; the connection is lost";
     if (FTransactionOpen) Message += ", and the server has undone the transaction";
   }
-  if (FWait.Stopped() && Result.Diagnostic(PG_DIAG_SQLSTATE) == StoppedCode)
-    throw EAbort(Format("%s: cancelled while the server was at it", What));
   TErrorInfo Info = Place;
   Info.Fill(PostgreSQLErrorInfo(Result, Statement));
   throw EDatabaseError(Message, std::move(Info));
@@ -142,17 +131,17 @@ void TPostgreSQLSession::CheckAlive(std::string_view What) {
     if (PQconsumeInput(Handle()) == 1 && PQisBusy(Handle()) == 0) PQconsumeInput(Handle());
   }
   if (!IsLost()) return;
+  if (FTransactionOpen && FWait.LetGo()) Raise(What, TPostgreSQLResult());
   if (FTransactionOpen)
     throw EDatabaseError(Format("%s: the connection to the database '%s' is lost, and the server has undone the "
                                 "transaction",
-                                What, FShownName),
+                                What, FAddress.ShownName),
                          {.Code = TErrorCode::Connection});
-  PQreset(Handle());
-  if (IsLost())
-    throw EDatabaseError(
-        PostgreSQLErrorText(Format("%s: %s again", What, About("open")), Handle(), TPostgreSQLResult()),
-        {.Code = TErrorCode::Connection});
-  SetUp();
+  try {
+    Open();
+  } catch (EDatabaseError& Error) {
+    throw EDatabaseError(Format("%s, to which the connection was lost: %s", What, Error.what()), Error.Info());
+  }
 }
 
 void TPostgreSQLSession::Prepare(std::string_view What) {
@@ -166,18 +155,22 @@ void TPostgreSQLSession::Prepare(std::string_view What) {
 }
 
 void TPostgreSQLSession::Begin(std::string_view Level) {
-  const std::string What = About("start a transaction in");
+  Start(Level, false);
+  Query(About(StartFailed), PostgreSQLWritingStatement);
+}
+
+void TPostgreSQLSession::Start(std::string_view Level, bool OnlyReads) {
+  const std::string What = About(StartFailed);
   if (FStream) FStream->GiveWay(What);
   if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
   Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
-  FOnlyReads = false;
+  FOnlyReads = OnlyReads;
 }
 
 void TPostgreSQLSession::BeginReading() {
   // Not READ ONLY: a view may call a function that writes, a log of who has read it for example.
-  Begin("REPEATABLE READ");
-  FOnlyReads = true;
-  Query(About("start a transaction in"), "SAVEPOINT velkrund_reading");
+  Start("REPEATABLE READ", true);
+  Query(About(StartFailed), "SAVEPOINT velkrund_reading");
 }
 
 void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
@@ -188,11 +181,11 @@ void TPostgreSQLSession::Commit() {
   const std::string What = About("commit the transaction in");
   if (!FTransactionOpen) throw EDatabaseError(What + ": no transaction is open");
   Prepare(What);
-  const TPostgreSQLResult Result = Run("COMMIT", {}, TFormat::Text);
+  const TPostgreSQLResult Result = Run("COMMIT", {}, TFormat::Text, TAtWish::Commit);
   if (IsLost()) {
     FTransactionOpen = false;
     throw EDatabaseError(
-        PostgreSQLErrorText(What, Handle(), Result) +
+        (FWait.LetGo() ? What + ": the server does not answer" : PostgreSQLErrorText(What, Handle(), Result)) +
             "; the connection was lost before the server answered: whether the transaction is committed "
             "is not known",
         {.Code = TErrorCode::Connection});
@@ -204,7 +197,7 @@ void TPostgreSQLSession::Commit() {
 void TPostgreSQLSession::Rollback() {
   if (!FTransactionOpen) return;
   if (FStream) FStream->Abandon();
-  const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text, false);
+  const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text, TAtWish::Finish);
   if (IsLost()) {
     // The server has rolled back by itself.
     FTransactionOpen = false;
@@ -235,7 +228,7 @@ void TPostgreSQLSession::RollbackToSavepoint(int Number) {
 void TPostgreSQLSession::TakePartBack(const std::string& Mark) {
   if (FStream) FStream->Abandon();
   for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
-    const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, false);
+    const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, TAtWish::Finish);
     // A connection that is lost here has taken the whole transaction with it; the next statement says so.
     if (IsLost()) return;
     if (!Result.Handle() || Result.IsError()) Raise(About("take a part of the transaction back in"), Result);
@@ -269,21 +262,17 @@ void TPostgreSQLSession::CloseLater(std::int64_t Number) {
 }
 
 TPostgreSQLResult TPostgreSQLSession::Run(const std::string& Statement, std::initializer_list<const char*> Parameters,
-                                          TFormat Format, bool MayStop) {
-  FWait.Begin(MayStop);
+                                          TFormat Format, TAtWish AtWish, std::chrono::milliseconds Limit) {
+  FWait.Begin(Handle(), AtWish, Limit);
   if (PQsendQueryParams(Handle(), Statement.c_str(), static_cast<int>(Parameters.size()), nullptr,
                         std::data(Parameters), nullptr, nullptr, Format == TFormat::Binary ? 1 : 0) == 0)
     return TPostgreSQLResult();
   return Answer();
 }
 
-pg_result* TPostgreSQLSession::NextResult() {
-  FWait.ForAnswer(Handle());
-  return PQgetResult(Handle());
-}
-
 /// The first error, else the last answer; with a COPY, whose data are still to come, that.
 TPostgreSQLResult TPostgreSQLSession::Answer() {
+  FWait.ForRoom(Handle());
   TPostgreSQLResult Last;
   while (PGresult* Next = NextResult()) {
     TPostgreSQLResult Result(Next);
@@ -313,7 +302,7 @@ TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::st
 
 TPostgreSQLResult TPostgreSQLSession::Describe(std::string_view What, const std::string& Statement) {
   Prepare(What);
-  FWait.Begin(true);
+  FWait.Begin(Handle(), TAtWish::Stop);
   TPostgreSQLResult Result;
   if (PQsendPrepare(Handle(), "", Statement.c_str(), 0, nullptr) != 0) Result = Answer();
   if (!Result.Handle() || Result.IsError()) Raise(What, Result);
@@ -326,9 +315,9 @@ void TPostgreSQLSession::Send(std::string_view What, const std::string& Statemen
                               std::span<const TKvVariant> Parameters, TFormat Format) {
   if (Statement.find('\0') != std::string::npos)
     throw EDatabaseError(velkrund::Format("%s: it holds a character U+0000", What));
-  const TPostgreSQLParameters Texts(Parameters, *FCodePage);
+  const TPostgreSQLParameters Texts(Parameters, *FOptions.CodePage);
   Prepare(What);
-  FWait.Begin(true);
+  FWait.Begin(Handle(), TAtWish::Stop);
   if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),
                         Texts.Formats(), Format == TFormat::Binary ? 1 : 0) == 0)
     Raise(What, TPostgreSQLResult(), Statement);
@@ -337,7 +326,8 @@ void TPostgreSQLSession::Send(std::string_view What, const std::string& Statemen
 std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span<const TKvVariant> Parameters) {
   Send(ExecutionFailed, Statement, Parameters, TFormat::Text);
   PQsetSingleRowMode(Handle());
-  const TPostgreSQLResult Result = DropRows(ExecutionFailed, Statement);
+  FWait.ForRoom(Handle());
+  const TPostgreSQLResult Result = LastAnswer(ExecutionFailed, Statement);
   FSettingsInDoubt = true;
   return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
 }
@@ -349,15 +339,14 @@ TPostgreSQLResult TPostgreSQLSession::Ask(const std::string& Statement, std::spa
   return Result;
 }
 
-TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std::string& Statement) {
+TPostgreSQLResult TPostgreSQLSession::LastAnswer(std::string_view What, const std::string& Statement) {
   TPostgreSQLResult Last;
   bool IsCopy = false;
   while (PGresult* Next = NextResult()) {
     TPostgreSQLResult Result(Next);
     const ExecStatusType Status = PQresultStatus(Next);
     if (Status == PGRES_COPY_IN) PQputCopyEnd(Handle(), "not a statement to execute");
-    if (Status == PGRES_COPY_OUT)
-      for (char* Row = nullptr; PQgetCopyData(Handle(), &Row, 0) > 0;) PQfreemem(Row);
+    if (Status == PGRES_COPY_OUT) DropData();
     IsCopy = IsCopy || Status == PGRES_COPY_IN || Status == PGRES_COPY_OUT;
     if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
   }
@@ -376,40 +365,9 @@ TPostgreSQLResult TPostgreSQLSession::DropRows(std::string_view What, const std:
 TPostgreSQLResult TPostgreSQLSession::ExecuteForEach(const std::string& Statement, const std::vector<unsigned>& Types,
                                                      const std::vector<const char*>& Values,
                                                      const std::function<void(const TPostgreSQLResult& Answer)>& Took) {
-  FWait.Begin(true);
-  PQenterPipelineMode(Handle());
-  // So that nothing waits inside the client library.
-  PQsetnonblocking(Handle(), 1);
-  const int Count = static_cast<int>(Types.size());
-  bool Sent = PQsendPrepare(Handle(), "", Statement.c_str(), Count, Types.data()) == 1;
-  for (std::size_t At = 0; At < Values.size() && Sent; At += Types.size()) {
-    Sent = PQsendQueryPrepared(Handle(), "", Count, Values.data() + At, nullptr, nullptr, 0) == 1;
-    FWait.ForRoom(Handle());
-  }
-  PQpipelineSync(Handle());
-  FWait.ForRoom(Handle());
-  TPostgreSQLResult Failed = PipelineAnswers(Took);
-  PQsetnonblocking(Handle(), 0);
-  PQexitPipelineMode(Handle());
+  FWait.Begin(Handle(), TAtWish::Stop);
+  TPostgreSQLResult Failed = RunPostgreSQLPipeline(Handle(), FWait, Statement, Types, Values, Took);
   NoteTransaction();
-  return Failed;
-}
-
-/// Until the end of a pipeline; the first error in it.
-TPostgreSQLResult TPostgreSQLSession::PipelineAnswers(
-    const std::function<void(const TPostgreSQLResult& Answer)>& Took) {
-  TPostgreSQLResult Failed;
-  while (!IsLost()) {
-    TPostgreSQLResult Result(NextResult());
-    // Between the answers to two statements there is none.
-    if (!Result.Handle()) continue;
-    const ExecStatusType Status = PQresultStatus(Result.Handle());
-    if (Status == PGRES_PIPELINE_SYNC) break;
-    if (Status == PGRES_TUPLES_OK)
-      Took(Result);
-    else if (Result.IsError() && !Failed.Handle())
-      Failed = std::move(Result);
-  }
   return Failed;
 }
 
@@ -417,23 +375,27 @@ void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Sta
   const TPostgreSQLResult Result = Run(Statement, {}, TFormat::Text);
   const ExecStatusType Status = PQresultStatus(Result.Handle());
   if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, {}, {.Statement = Statement});
-  // So that nothing waits inside the client library.
-  if (Status == PGRES_COPY_IN) PQsetnonblocking(Handle(), 1);
 }
 
 bool TPostgreSQLSession::SendRows(std::string_view Rows) {
-  if (PQputCopyData(Handle(), Rows.data(), static_cast<int>(Rows.size())) != 1) {
-    PQsetnonblocking(Handle(), 0);
-    return false;
-  }
+  if (PQputCopyData(Handle(), Rows.data(), static_cast<int>(Rows.size())) != 1) return false;
   FWait.ForRoom(Handle());
-  return true;
+  return !IsLost();
 }
 
 void TPostgreSQLSession::EndRows(const char* Reason) {
   PQputCopyEnd(Handle(), Reason);
   FWait.ForRoom(Handle());
-  PQsetnonblocking(Handle(), 0);
+}
+
+void TPostgreSQLSession::DropData() noexcept {
+  for (char* Row = nullptr; FWait.ForRow(Handle(), Row) > 0;) PQfreemem(Row);
+}
+
+void TPostgreSQLSession::DropRows() noexcept {
+  FWait.Stop(Handle());
+  DropData();
+  Drain();
 }
 
 TPostgreSQLResult TPostgreSQLSession::Drain() {
@@ -442,8 +404,7 @@ TPostgreSQLResult TPostgreSQLSession::Drain() {
     TPostgreSQLResult Result(Next);
     // Copying that nobody goes on with would be offered again for ever.
     if (PQresultStatus(Next) == PGRES_COPY_IN) PQputCopyEnd(Handle(), "dropped");
-    if (PQresultStatus(Next) == PGRES_COPY_OUT)
-      for (char* Row = nullptr; PQgetCopyData(Handle(), &Row, 0) > 0;) PQfreemem(Row);
+    if (PQresultStatus(Next) == PGRES_COPY_OUT) DropData();
     if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
   }
   NoteTransaction();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "standalone/drivers/Driver.h"
+#include "standalone/drivers/postgresql/PostgreSQLConnecting.h"
 #include "standalone/drivers/postgresql/PostgreSQLDialect.h"
 #include "standalone/drivers/postgresql/PostgreSQLResult.h"
 #include "standalone/drivers/postgresql/PostgreSQLWait.h"
@@ -36,9 +37,8 @@ class TPostgreSQLStream {
 /// statement connects anew. Raises EDatabaseError; EAbort when what runs was told to stop.
 class TPostgreSQLSession {
  public:
-  /// ConnectionInfo: an address or a "key=value" text, as the client library takes it; empty: all from the environment.
-  /// ShownName: the database in messages, without secrets. Options.BusyTime: how long a statement waits for a lock.
-  TPostgreSQLSession(const std::string& ConnectionInfo, std::string ShownName, const TConnectOptions& Options);
+  /// Options.BusyTime: how long a statement waits for a lock.
+  TPostgreSQLSession(TPostgreSQLAddress Address, const TConnectOptions& Options);
   TPostgreSQLSession(const TPostgreSQLSession&) = delete;
   TPostgreSQLSession& operator=(const TPostgreSQLSession&) = delete;
 
@@ -54,7 +54,7 @@ class TPostgreSQLSession {
   /// Its current schema is the one in which names without one were looked for first when the connection was made.
   const TPostgreSQLDialect& Dialect() const { return FDialect; }
   /// Of 8-bit texts.
-  const TCodePage& CodePage() const { return *FCodePage; }
+  const TCodePage& CodePage() const { return *FOptions.CodePage; }
 
   /// Level: in the engine's words.
   void Begin(std::string_view Level);
@@ -112,6 +112,8 @@ class TPostgreSQLSession {
   void EndRows(const char* Reason);
   /// Receives the next message of its data, as the client library's PQgetCopyData.
   int ReceiveRow(char*& Row) { return FWait.ForRow(Handle(), Row); }
+  /// Stops the server, which may have much to send still.
+  void DropRows() noexcept;
   /// Reads what the server has still to say about the last statement; its first error, else its last answer.
   TPostgreSQLResult Drain();
 
@@ -130,32 +132,29 @@ class TPostgreSQLSession {
   std::string About(std::string_view Failed) const;
 
  private:
-  struct TFinish {
-    void operator()(pg_conn* Connection) const;
-  };
-
+  void Open();
   void SetUp();
+  void Start(std::string_view Level, bool OnlyReads);
   bool IsLost() const;
   void Prepare(std::string_view What);
   void CheckAlive(std::string_view What);
   TPostgreSQLResult Run(const std::string& Statement, std::initializer_list<const char*> Parameters, TFormat Format,
-                        bool MayStop = true);
-  pg_result* NextResult();
+                        TAtWish AtWish = TAtWish::Stop, std::chrono::milliseconds Limit = {});
+  pg_result* NextResult() { return FWait.NextResult(Handle()); }
   TPostgreSQLResult Answer();
-  TPostgreSQLResult PipelineAnswers(const std::function<void(const TPostgreSQLResult& Answer)>& Took);
   static void TakeNotice(void* Session, const pg_result* Notice) noexcept;
   void Send(std::string_view What, const std::string& Statement, std::span<const TKvVariant> Parameters,
             TFormat Format);
-  TPostgreSQLResult DropRows(std::string_view What, const std::string& Statement);
+  TPostgreSQLResult LastAnswer(std::string_view What, const std::string& Statement);
+  void DropData() noexcept;
   void NoteTransaction();
   void ForgetCursors(std::int64_t Last);
 
-  std::string FShownName;
-  std::string FLockTimeout;  // milliseconds
-  std::function<void(TTraceLevel, const std::string&)> FTrace;
-  const TCodePage* FCodePage;
+  TPostgreSQLAddress FAddress;
+  const TConnectOptions FOptions;
+  const std::string FLockTimeout;  // milliseconds
   TPostgreSQLWait FWait;
-  std::unique_ptr<pg_conn, TFinish> FConnection;
+  TPostgreSQLHandle FConnection;
   std::string FServerVersion;
   TPostgreSQLDialect FDialect;
   bool FReadOnly = false;

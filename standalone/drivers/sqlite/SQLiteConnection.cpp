@@ -72,6 +72,7 @@ void TSQLiteConnection::Begin(TIsolationLevel /*Level*/) {
 void TSQLiteConnection::Commit() {
   constexpr std::string_view What = "commit the transaction in";
   RequireTransaction(What);
+  FDatabase.WaitAnew();
   Run("COMMIT", What);
   DetachSource();
 }

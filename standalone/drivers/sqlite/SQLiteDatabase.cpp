@@ -32,11 +32,17 @@ TSQLiteDatabase::TSQLiteDatabase(const std::string& Path, const TConnectOptions&
   const int Code = sqlite3_open_v2(Path.c_str(), &Opened, Flags, nullptr);
   FHandle.reset(Opened);
   if (!Opened) throw EDatabaseError(Format("%s: out of memory", About("open")));
-  if (Code != SQLITE_OK) RaiseSQLiteError(Opened, About("open"));
-  FWait.Attach(Opened);
   try {
+    if (Code != SQLITE_OK) RaiseSQLiteError(Opened, About("open"));
+    FWait.Attach(Opened);
     CheckReadable();
   } catch (...) {
+    // A handle that could not be opened may have made the file all the same, and does nothing more.
+    if (FIsNew && Code != SQLITE_OK) {
+      const int Again = sqlite3_open_v2(Path.c_str(), &Opened, Flags & ~SQLITE_OPEN_CREATE, nullptr);
+      decltype(FHandle) Other(Opened);
+      if (Again == SQLITE_OK) FHandle = std::move(Other);
+    }
     RemoveUnused();
     throw;
   }
@@ -52,6 +58,8 @@ void TSQLiteDatabase::RemoveUnused() noexcept {
   sqlite3_busy_timeout(Database, 0);
   const auto Execute = [&](const char* Text) { return sqlite3_exec(Database, Text, nullptr, nullptr, nullptr); };
   if (InTransaction() && Execute("ROLLBACK") != SQLITE_OK) return;
+  // The journal, which even this transaction begins with, may be what there is no room for.
+  Execute("PRAGMA journal_mode = MEMORY");
   if (Execute("BEGIN EXCLUSIVE") != SQLITE_OK) return;
   std::error_code Error;
   // The file itself: a link that was there before stays.

@@ -24,6 +24,8 @@ class TSQLiteDatabase {
   sqlite3* Handle() const { return FHandle.get(); }
   const TSQLiteTexts& Texts() const { return FTexts; }
   bool InTransaction() const;
+  /// The statement that comes now waits for others, whatever was waited for in vain before.
+  void WaitAnew() { FWait.Renew(); }
   /// An error when the file has lost its name: what is written into it would be lost with it.
   void CheckNotMoved() const;
   /// How a message about the whole database begins.

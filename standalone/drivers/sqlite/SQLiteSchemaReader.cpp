@@ -78,6 +78,10 @@ std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
 
 std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) {
   const TSQLiteListedTable* Found = FMemory.Find(Name);
+  if (const auto Parts = Found ? std::nullopt : ExactNameParts(Name)) {
+    const bool IsOfMain = Parts->size() == 1 || (Parts->size() == 2 && Parts->front() == "main");
+    if (!IsOfMain || !(Found = FMemory.Find(Parts->back()))) return std::nullopt;
+  }
   if (!Found) {
     std::vector<const TSQLiteListedTable*> Alike;
     for (const TSQLiteListedTable& Table : FMemory.Now().Tables)

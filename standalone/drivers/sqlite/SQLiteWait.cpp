@@ -10,8 +10,10 @@ namespace velkrund {
 namespace {
 
 constexpr std::chrono::milliseconds LongestSleep(50);
-/// Steps of the engine's machine between two looks: some milliseconds.
-constexpr int StepsBetweenLooks = 200'000;
+/// Steps of the engine's machine between two looks at the clock: few, since one can take as long as a disk does.
+constexpr int StepsBetweenLooks = 4'000;
+/// Between two questions whether to go on, which hosts may take their time for.
+constexpr std::chrono::milliseconds BetweenQuestions(20);
 
 /// The engine's answer to a wait that was stopped is that of one that has taken too long.
 thread_local sqlite3* StoppedDatabase = nullptr;
@@ -32,18 +34,27 @@ bool TSQLiteWait::TakeStopped(sqlite3* Database) {
 
 int TSQLiteWait::OnBusy(void* Self, int Count) { return static_cast<TSQLiteWait*>(Self)->GoesOn(Count) ? 1 : 0; }
 
-int TSQLiteWait::OnProgress(void* Self) { return static_cast<TSQLiteWait*>(Self)->FCanceled() ? 1 : 0; }
+int TSQLiteWait::OnProgress(void* Self) {
+  auto& Wait = *static_cast<TSQLiteWait*>(Self);
+  const auto Now = std::chrono::steady_clock::now();
+  if (Now < Wait.FNextLook) return 0;
+  Wait.FNextLook = Now + BetweenQuestions;
+  return Wait.FCanceled() ? 1 : 0;
+}
 
 /// Count: how often the engine has asked about the same wait before.
 bool TSQLiteWait::GoesOn(int Count) {
   const auto Now = std::chrono::steady_clock::now();
   if (Count == 0) FStart = Now;
+  const bool IsWriting = sqlite3_txn_state(FDatabase, "main") == SQLITE_TXN_WRITE;
+  if (!IsWriting) FInVain = false;
   if (FCanceled && FCanceled()) {
     StoppedDatabase = FDatabase;
     return false;
   }
   const auto Left = std::chrono::ceil<std::chrono::milliseconds>(FStart + FBusyTime - Now);
-  if (Left.count() <= 0) return false;
+  if (Left.count() <= 0) FInVain = IsWriting;
+  if (Left.count() <= 0 || FInVain) return false;
   std::this_thread::sleep_for(std::min({std::chrono::milliseconds(1 + 2 * Count), LongestSleep, Left}));
   return true;
 }

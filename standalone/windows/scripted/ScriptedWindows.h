@@ -34,6 +34,9 @@ class TScriptedWindows final : public TWindowSystem {
   int ShowModal(TForm& Form) override;
   /// Whether an answer is prepared for a form of any class, or the next one can be asked.
   bool CanAsk() const override { return !FOnce.empty() || (FNext && FNext->CanAsk()); }
+  std::optional<std::string> AskSecret(const std::string& Text) override {
+    return FNext ? FNext->AskSecret(Text) : std::nullopt;
+  }
   void Synchronize(const std::function<void()>& Action) override;
 
   /// The texts of the forms that were answered here, in order.

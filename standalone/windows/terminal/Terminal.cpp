@@ -1,8 +1,11 @@
 #include "standalone/windows/terminal/Terminal.h"
 
+#include <limits.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 
@@ -24,10 +27,24 @@ bool CanTakeLinesBack(int Output) {
 
 TTerminal::TTerminal(int Output) : FOutput(Output), FTerminal(CanTakeLinesBack(Output)) {}
 
+bool TTerminal::IsStuck(int Descriptor) const {
+  constexpr int Patience = 1000;  // milliseconds, for a reader that is only slow
+  if (!FCanceled || !FCanceled()) return false;
+  struct pollfd Poll = {Descriptor, POLLOUT, 0};
+  return poll(&Poll, 1, Patience) == 0;
+}
+
 void TTerminal::Write(std::string_view Text) noexcept {
+  constexpr int LookMilliseconds = 100;
   while (!Text.empty()) {
-    const ssize_t Put = write(FOutput, Text.data(), Text.size());
-    if (Put < 0 && errno != EINTR) return;
+    struct pollfd Poll = {FOutput, POLLOUT, 0};
+    if (poll(&Poll, 1, LookMilliseconds) == 0) {
+      if (IsStuck(FOutput)) return;
+      continue;
+    }
+    // A pipe that is ready takes that much at least without letting its writer wait.
+    const ssize_t Put = write(FOutput, Text.data(), std::min<std::size_t>(Text.size(), PIPE_BUF));
+    if (Put < 0 && errno != EINTR && errno != EAGAIN) return;
     if (Put > 0) Text.remove_prefix(static_cast<std::size_t>(Put));
   }
 }
@@ -46,7 +63,7 @@ void TTerminal::Message(std::string_view Text) noexcept {
 
 void TTerminal::Status(std::string_view Line) noexcept {
   try {
-    FStatus = Line;
+    FStatus = OnOneLine(Line);
   } catch (...) {
     FStatus.clear();
   }
@@ -73,7 +90,11 @@ void TTerminal::ClearStatus() noexcept {
 
 void TTerminal::Prompt(std::string_view Text) noexcept {
   HideStatus();
-  Write(Text);
+  try {
+    Write(Printable(Text));
+  } catch (...) {
+    Write("velkrund: out of memory\n");
+  }
 }
 
 int TTerminal::Width() const {

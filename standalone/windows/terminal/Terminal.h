@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace velkrund {
 
@@ -12,6 +14,9 @@ class TTerminal {
  public:
   /// Output: a descriptor, borrowed.
   explicit TTerminal(int Output);
+
+  /// Asked while nobody takes what is said: true leaves it unsaid.
+  void SetCanceled(std::function<bool()> Canceled) { FCanceled = std::move(Canceled); }
 
   /// Whole lines; a line end is added when it is missing. Of very long ones the middle is left out.
   void Message(std::string_view Text) noexcept;
@@ -29,11 +34,16 @@ class TTerminal {
   /// In lines.
   int Height() const;
 
+ protected:
+  /// Whether the descriptor takes nothing, and nobody wants to wait for it any more.
+  bool IsStuck(int Descriptor) const;
+
  private:
   void Write(std::string_view Text) noexcept;
   void HideStatus() noexcept;
 
   int FOutput;
+  std::function<bool()> FCanceled;
   bool FTerminal;
   bool FStatusShown = false;
   std::string FStatus;  // empty: none

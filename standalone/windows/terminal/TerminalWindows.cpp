@@ -14,7 +14,6 @@
 #include "standalone/windows/terminal/ComboLines.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
-#include "velkrund/platform/ormtools/Printable.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
@@ -31,13 +30,21 @@ int OpenAgain(int Input) {
   return Own >= 0 ? Own : fcntl(Input, F_DUPFD_CLOEXEC, 0);
 }
 
-/// Tells the terminal that characters have several bytes, so that its erase key takes away whole ones.
+enum class TTyped { Shown, Hidden };
+
+/// Tells the terminal that characters have several bytes, so that its erase key takes away whole ones, and whether to
+/// show them.
 class TWholeCharacters {
  public:
-  explicit TWholeCharacters(int Input) : FInput(Input), FKnown(tcgetattr(Input, &FBefore) == 0) {
+  explicit TWholeCharacters(int Input, TTyped Typed = TTyped::Shown)
+      : FInput(Input), FKnown(tcgetattr(Input, &FBefore) == 0) {
     if (!FKnown) return;
     struct termios Changed = FBefore;
     Changed.c_iflag |= IUTF8;
+    if (Typed == TTyped::Hidden) {
+      Changed.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+      Changed.c_lflag |= ECHONL;
+    }
     tcsetattr(FInput, TCSANOW, &Changed);
   }
   TWholeCharacters(const TWholeCharacters&) = delete;
@@ -121,10 +128,22 @@ int TTerminalWindows::ShowModal(TForm& Form) {
   return Form.ModalResult();
 }
 
+std::optional<std::string> TTerminalWindows::AskSecret(const std::string& Text) {
+  const TWholeCharacters Hidden(FInput, TTyped::Hidden);
+  FTerminal.Prompt(Text + ": ");
+  std::string Line;
+  if (!ReadAnswerLine(FInput, Line, FCanceled, [this] { FQueue.Pump(); })) {
+    FTerminal.Prompt("\n");
+    GiveUp();
+  }
+  FTerminal.ResumeStatus();
+  return Line;
+}
+
 void TTerminalWindows::Ask(TForm& Form) {
   const TWholeCharacters WholeCharacters(FInput);
   std::string Heading = Form.Caption == BaseMng().LString("ST_CONFIRMATION") ? std::string() : Form.Caption;
-  if (!Heading.empty()) Heading = Printable(Heading) + "\n";
+  if (!Heading.empty()) Heading += "\n";
   TFormText Text;
   FTerminal.Prompt(Heading + Text.Whole(Form));
   while (Form.ModalResult() == mrNone) {
@@ -146,7 +165,7 @@ void TTerminalWindows::Ask(TForm& Form) {
       Shown += Text.Whole(Form);
     else if (Shown.empty() && Form.ModalResult() == mrNone)
       Shown = Text.Again(Form, FTerminal.Height());
-    FTerminal.Prompt(Printable(Shown));
+    FTerminal.Prompt(Shown);
   }
 }
 

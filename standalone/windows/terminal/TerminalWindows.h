@@ -35,6 +35,8 @@ class TTerminalWindows final : public TWindowSystem {
 
   /// Cancel where the form has no button for it, the end of input and Canceled raise EAbort.
   int ShowModal(TForm& Form) override;
+  /// What is typed is not shown.
+  std::optional<std::string> AskSecret(const std::string& Text) override;
   void Synchronize(const std::function<void()>& Action) override { FQueue.Run(Action); }
 
  private:

@@ -32,8 +32,8 @@ std::string TextOf(const std::string& Name, const TDatabaseInfo& Info) {
     if (Error) Problems += Printable(LText("M_Velkrund_Jobs_Warning", LErrorLine(*Error)).Local()) + "\n";
   }
   const std::string Catalogue = Info.CatalogueVersion ? Format("version %d", *Info.CatalogueVersion) : "none";
-  return Format("database   %s\nengine     %s %s\naccess     %s\ncatalogue  %s\n\n", Name, Info.Engine,
-                Info.EngineVersion, Info.ReadOnly ? "read only" : "read and write", Catalogue) +
+  return Format("database   %s\nengine     %s %s\naccess     %s\ncatalogue  %s\n\n", OnOneLine(Name), Info.Engine,
+                OnOneLine(Info.EngineVersion), Info.ReadOnly ? "read only" : "read and write", Catalogue) +
          (Info.Tables.empty() ? "no tables\n" : ColumnsText(Rows, {false, false, true, true})) + Problems;
 }
 

@@ -24,6 +24,7 @@ constexpr TPropertyRemedy PropertyRemedies[] = {
     {TErrorCode::FuzzyEntry, "FuzzyEntries", "M_Velkrund_Cli_FuzzySkip"},
     {TErrorCode::FieldMissing, "MissingFields", "M_Velkrund_Cli_SkipsFields", 0},
     {TErrorCode::RepeatedTable, "RepeatedTables", "M_Velkrund_Cli_JoinsRows"},
+    {TErrorCode::Unfinished, "Unfinished", "M_Velkrund_Cli_SkipsUnfinished"},
     {TErrorCode::DatabaseMissing, "CreateDatabase", "M_Velkrund_Cli_MakesDatabase"},
     {TErrorCode::DatabaseLocks, "Commit", "M_Velkrund_Cli_EachTakesFewer"},
     {TErrorCode::References, "BrokenReferences", "M_Velkrund_Cli_AllowsRows"},

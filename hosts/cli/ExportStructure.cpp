@@ -20,8 +20,8 @@ const TCommandTexts ExportStructureTexts = {
     "there "
     "already is asked about, unless --overwrite or --add says what to do. With --new the file is made afresh; unless "
     "all of the run is done, it is left as it was.\n\n"
-    "A file that is made here and gets no section, because the export fails or is cancelled, is removed again. What "
-    "is finished stays.",
+    "A new file gets its name with its first finished section. What is finished stays, whatever happens; sections that "
+    "replace others, and what follows them, are there at the end, in one step.",
     {{"export structure -d sqlite:shop.db --type 12 --name CLIENTS -o clients.eif", "one form"},
      {"export structure -d sqlite:shop.db --all -o shop.eif --overwrite yes",
       "all structures; sections of an earlier export are replaced"},

@@ -20,8 +20,8 @@ const TCommandTexts ExportTableTexts = {
     "Rows stand in the order of the table's primary key, or else of a unique key whose columns are never NULL: the "
     "same rows give the same text, whatever engine holds them. Texts in keys are compared byte by byte. Tables without "
     "such a key are named at the end.\n\n"
-    "A file that is made here and gets no section, because the export fails or is cancelled, is removed again. What "
-    "is finished stays.",
+    "A new file gets its name with its first finished section. What is finished stays, whatever happens; sections that "
+    "replace others, and what follows them, are there at the end, in one step.",
     {{"export table -d sqlite:shop.db -t ORDERS -o orders.eif", "one table"},
      {"export table -d sqlite:shop.db --all -o shop.eif --overwrite yes",
       "all tables; sections of an earlier export are replaced"},

@@ -21,7 +21,8 @@ const TCommandTexts FileCheckTexts = {
     "that it is for: every value is one that some column could take, whatever the configuration says about values that "
     "cannot be read. After a faulty section the next one is checked; after a faulty header there is no next one.\n\n"
     "What looks like a section and is read by nobody is a fault: its lines end with a line feed alone, or its "
-    "\"[SECTION]\" line is damaged or holds something else too; file repair mends the former. Sections of the same "
+    "\"[SECTION]\" line is damaged or holds something else too; file repair mends the former. An end that an export "
+    "has not finished is one too, since an import of the whole file would lack it. Sections of the same "
     "type and name, and other lines "
     "outside of sections that begin as markers do, are named but are no faults.",
     {{"file check orders.eif", "a line for each section, errors to standard error"},

@@ -13,9 +13,11 @@ const TCommandTexts FileRemoveTexts = {
     "takes sections out of an export/import file",
     "FILE (INDEX... | --name NAME...)",
     "Everything else in the file stays as it is, byte for byte. The work is done on a copy in the same folder, which "
-    "then takes the file's place: whatever happens, the old file is there or the new one. A run that is killed can "
-    "leave "
-    "the copy, FILE.velkrund-new; the next one that writes the file removes it. Indexes are those of file list.",
+    "then takes the file's place with its owner, rights and attributes: whatever happens, the old file is there or the "
+    "new one. Where the file system has no files without a name, a run that is killed leaves the copy, "
+    ".velkrund-HASH-N; the next one that writes the file removes it. A file with several names (hard links) is "
+    "refused. "
+    "Indexes are those of file list.",
     {{"file remove orders.eif 0 3", "the first section and the fourth"},
      {"file remove orders.eif --name ORDERS", "by name; several of that name need --yes"}}};
 

@@ -13,7 +13,8 @@ const TCommandTexts FileRepairTexts = {
     "repair",
     "mends line ends of an export/import file, and cuts an unfinished last section off",
     "FILE",
-    "For what an export leaves that was killed or met a full disk. What is cut off is kept beside the file as "
+    "For what an export leaves that was killed, or met a power failure or a full disk; a killed one leaves a file that "
+    "can be read and added to without it. What is cut off is kept beside the file as "
     "FILE.cut, "
     "or FILE.cut-2 and so on where that is taken. A piece of a section's first line at the end of the file is cut off "
     "too, since more could not be added behind it.\n\n"

@@ -76,6 +76,7 @@ std::vector<TOptionGroup> TImportFile::Options() {
   Own.push_back(TSharedOptions::DryRunOption(FJob.Policies));
   Own.push_back(TSharedOptions::AllowLossOption(FJob.Policies));
   Own.push_back(TSharedOptions::OnErrorOption(FJob.Policies));
+  Own.push_back(TSharedOptions::UnfinishedOption(FJob.Policies));
   return {{"Options", Own}, Shared.General()};
 }
 

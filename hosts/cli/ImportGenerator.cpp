@@ -29,7 +29,8 @@ class TImportGenerator final : public TCommand {
               List("--section", "NAME|INDEX", "the section; a number is an index as file list shows it", FJob.Sections),
               TSharedOptions::SetGeneratorsOption(FJob.SetGenerators), TSharedOptions::CommitOption(Policies),
               Switch("--create", "make the database when it does not exist", FJob.CreateDatabase),
-              TSharedOptions::DryRunOption(Policies), TSharedOptions::OnErrorOption(Policies)}},
+              TSharedOptions::DryRunOption(Policies), TSharedOptions::OnErrorOption(Policies),
+              TSharedOptions::UnfinishedOption(Policies)}},
             Shared.General()};
   }
   bool ReadsStandardInput() const override { return FJob.FileName == "-"; }

@@ -28,7 +28,7 @@ class TImportLanguage final : public TCommand {
               TSharedOptions::OverwriteTextsOption(Policies), TSharedOptions::CommitOption(Policies),
               Switch("--create", "make the database when it does not exist", FJob.CreateDatabase),
               TSharedOptions::DryRunOption(Policies), TSharedOptions::AllowLossOption(Policies),
-              TSharedOptions::OnErrorOption(Policies)}},
+              TSharedOptions::OnErrorOption(Policies), TSharedOptions::UnfinishedOption(Policies)}},
             Shared.General()};
   }
   bool ReadsStandardInput() const override { return FJob.FileName == "-"; }

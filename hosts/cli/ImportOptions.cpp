@@ -16,6 +16,7 @@ std::vector<TOptionGroup> ImportRowsOptions(TSharedOptions& Shared, TImportRowsJ
   Result.push_back(TSharedOptions::DryRunOption(Job.Policies));
   Result.push_back(TSharedOptions::AllowLossOption(Job.Policies));
   Result.push_back(TSharedOptions::OnErrorOption(Job.Policies));
+  Result.push_back(TSharedOptions::UnfinishedOption(Job.Policies));
   return {{"Options", Result}, Shared.General()};
 }
 

@@ -38,7 +38,7 @@ class TImportResource final : public TCommand {
           TSharedOptions::CommitOption(Policies),
           Switch("--create", "make the database when it does not exist", FJob.CreateDatabase),
           TSharedOptions::DryRunOption(Policies), TSharedOptions::AllowLossOption(Policies),
-          TSharedOptions::OnErrorOption(Policies)}},
+          TSharedOptions::OnErrorOption(Policies), TSharedOptions::UnfinishedOption(Policies)}},
         Shared.General()};
   }
   void CheckOptions() override { FJob.CheckSettings(); }

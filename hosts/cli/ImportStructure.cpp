@@ -69,7 +69,8 @@ std::vector<TOptionGroup> TImportStructure::Options() {
                   FJob.ChangeProperties, false),
         Switch("--create", "make the database when it does not exist", FJob.CreateDatabase),
         TSharedOptions::DryRunOption(FJob.Policies), TSharedOptions::AllowLossOption(FJob.Policies),
-        TSharedOptions::OnErrorOption(FJob.Policies), TSharedOptions::CommitOption(FJob.Policies)}},
+        TSharedOptions::OnErrorOption(FJob.Policies), TSharedOptions::UnfinishedOption(FJob.Policies),
+        TSharedOptions::CommitOption(FJob.Policies)}},
       Shared.General()};
 }
 

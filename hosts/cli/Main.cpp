@@ -112,6 +112,7 @@ int RunProgram(int Count, const char* const* Arguments) {
   TConsole Console;
   try {
     const TInterrupt Interrupt;
+    Console.SetCanceled(&TInterrupt::Requested);
     const TCommands Commands = AllCommands();
     const TParsedLine Line = ParseCommandLine(Commands, Count, Arguments);
     if (Line.Command) return RunReported(*Line.Command, Console);

@@ -57,7 +57,8 @@ void Execute(TSession& Session, TUtilOperationInterface& Interface) {
 }
 
 void PrintDocument(const TSession& Session, const TJob& Job) {
-  if (Session.Json() && !Session.Command.WritesStandardOutput()) Session.Console.Result(Job.Report());
+  if (Session.Json() && !Session.Command.WritesStandardOutput())
+    Job.WriteReport([&Session](std::string_view Part) { Session.Console.Result(Part); });
 }
 
 }  // namespace

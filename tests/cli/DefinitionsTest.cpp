@@ -23,6 +23,34 @@ class TPostgreSQLDefinitionsTest : public TCommandTest {
   }
 };
 
+// Two tables whose schemas and names make one: each is moved by its exact name, and neither by the other's.
+TEST_F(TPostgreSQLDefinitionsTest, TablesThatShareADottedName) {
+  TPostgreSQLDatabase Server, Target;
+  const std::string Tables =
+      "CREATE SCHEMA a; CREATE TABLE a.b (n integer PRIMARY KEY); CREATE TABLE \"a.b\" (n integer);";
+  Server.Run(Tables + "INSERT INTO a.b VALUES (1); INSERT INTO \"a.b\" VALUES (2), (3)");
+  Target.Run(Tables + "INSERT INTO a.b VALUES (7)");
+  const TOutcome Both = Run({"export", "table", "-d", Server.Url(), "-t", "a.b", "-o", "f.eif"});
+  EXPECT_EQ(Both.ExitCode, 1);
+  EXPECT_NE(Both.Errors.find("\"a\".\"b\""), std::string::npos) << Both.Errors;
+  EXPECT_NE(Both.Errors.find("\"a.b\""), std::string::npos) << Both.Errors;
+  EXPECT_FALSE(Exists("f.eif"));
+  const auto Counts = [&](TPostgreSQLDatabase& Database) {
+    return Database.Rows("SELECT (SELECT sum(n) FROM a.b), (SELECT sum(n) FROM \"a.b\")");
+  };
+  ASSERT_EQ(Run({"export", "table", "-d", Server.Url(), "-t", "\"a.b\"", "-o", "f.eif"}).ExitCode, 0);
+  ASSERT_EQ(Run({"import", "table", "-d", Target.Url(), "-i", "f.eif", "--append"}).ExitCode, 0);
+  EXPECT_EQ(Counts(Target), "7\t5\n");
+  ASSERT_EQ(Run({"export", "table", "-d", Server.Url(), "--all", "-o", "all.eif"}).ExitCode, 0);
+  const TOutcome All = Run({"import", "file", "-d", Target.Url(), "-i", "all.eif", "--replace"});
+  EXPECT_EQ(All.ExitCode, 0) << All.Errors;
+  EXPECT_EQ(Counts(Target), "1\t5\n");
+  const TOutcome Copied = Run({"copy", "table", "--from", Server.Url(), "--to", Target.Url(), "-t", "\"a\".\"b\"",
+                               "--replace", "--to-table", "\"a.b\""});
+  EXPECT_EQ(Copied.ExitCode, 0) << Copied.Errors;
+  EXPECT_EQ(Counts(Target), "1\t1\n");
+}
+
 TEST_F(TPostgreSQLDefinitionsTest, AScriptRunInAnEmptyDatabaseMakesTheSame) {
   TPostgreSQLDatabase Source, Target;
   Source.Run(TraitsOf("postgresql"));

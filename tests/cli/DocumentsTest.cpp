@@ -154,6 +154,7 @@ class TDocumentsTest : public TShopTest {
     Write("M", Section("B", {"ID", "MORE"}, {"1|1"}));
     Write("U", Section("B", {"ID"}, {"1"}) + "[SECTION]\r\nName = U\r\n");
     Write("HALF", Ids + "[SECT");
+    Write("LEFT", Ids + ";SECTION]\r\nName = T\r\n");
     Write("BAD", Ids + Section("T", {"I"}, {"1"}).substr(0, 40));
     Write("HIDDEN", Section("B", {"ID"}, {"1", "'\xC6'"}) + Ids + Ids + " " + Ids);
     Write("NAMES", std::string(Structure)
@@ -250,6 +251,8 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"dictionary drop" + Empty + "--name S --yes", 0, "drop"},
       {"file list F", 0, "sections"},
       {"file list BAD", 1, "sections"},
+      {"file list LEFT", 0, "sections"},
+      {"file check LEFT", 1, "check"},
       {"file list none", 1, "error"},
       {"file check F S", 0, "check"},
       {"file check BAD HIDDEN none X", 1, "check"},
@@ -279,8 +282,9 @@ TEST_F(TDocumentsTest, EveryDocumentIsAsDescribedWithPostgreSQLToo) {
       {"database info" + Empty, 0, "database"},
   });
 
+  Write("N", "; empty\r\n");
   const pid_t Process = Start({"export", "table", "-d", "sqlite:slow.db", "-t", "S", "-t", "A", "-o", "N", "--json"});
-  ASSERT_TRUE(WaitUntil([&] { return Read("N").size() > 0; }));
+  ASSERT_TRUE(WaitUntil([&] { return Read("N").size() > 9; }));
   kill(Process, SIGINT);
   Check("a cancelled export", 3, "transfer", Finish(Process));
 

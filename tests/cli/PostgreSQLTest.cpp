@@ -74,6 +74,10 @@ TEST_F(TPostgreSQLTest, PasswordsComeFromTheirFileOrAVariableAndAreNotShown) {
       {Info + "'postgresql://" + Role + ":a:b/c@d?e#f@" + Place + "'", 1},
       {Info + "'postgresql:host=127.0.0.1 password=a:b/c@d?e#f port=1'", 1},
       {Info + "'host=127.0.0.1 password=a:b/c@d?e#f'", 1},
+      {Info + "'postgresql:" + Role + ":a:b/c@d?e#f@127.0.0.1'", 1},
+      {Info + "'postgresql:/" + Role + ":a:b/c@d?e#f@127.0.0.1'", 1},
+      {Info + "'postgresql://127.0.0.1:1/d?p%61ssword=a:b/c@d?e#f'", 1},
+      {"$V database info 'postgresql://u:a:b/c@d?e#f@h'", 2},
   };
   for (const auto& [Line, ExitCode] : Cases) {
     const TOutcome Outcome = Shell("chmod 600 passwords; export PW=; " + Line);
@@ -84,6 +88,56 @@ TEST_F(TPostgreSQLTest, PasswordsComeFromTheirFileOrAVariableAndAreNotShown) {
     }
     for (const char* Piece : {"b/c", "b%2Fc", "c@d", "e#"})
       EXPECT_EQ((Outcome.Output + Outcome.Errors).find(Piece), std::string::npos) << Outcome.Output << Outcome.Errors;
+  }
+  // A person is asked, and sees nothing of what is typed.
+  Write("velkrund.toml", "");
+  const TArguments Asking = {"database", "info", "-d", Url};
+  const std::string Wrong = "password authentication failed for user";
+  const struct {
+    std::string Keys;
+    int ExitCode;
+    std::string Says;
+  } Typed[] = {
+      {"a:b/c@d?e#f\n", 0, "PostgreSQL"},
+      {"geheim\na:b/c@d?e#f\n", 0, Wrong},
+      {"geheim\ngeheim\ngeheim\n", 1, Wrong},
+      {"\n", 1, "PGPASSWORD"},
+      {"\x03", 3, "ancelled"},
+  };
+  for (const auto& [Keys, ExitCode, Says] : Typed) {
+    SCOPED_TRACE(Keys);
+    const TOutcome Outcome = RunOnTerminal(Asking, "Password for '", Keys);
+    EXPECT_EQ(Outcome.ExitCode, ExitCode) << Outcome.Output;
+    EXPECT_NE(Outcome.Output.find(Says), std::string::npos) << Outcome.Output;
+    for (const char* Piece : {"geheim", "b/c"})
+      EXPECT_EQ(Outcome.Output.find(Piece), std::string::npos) << Outcome.Output;
+  }
+  const TOutcome Nobody = Run(Asking);
+  EXPECT_EQ(Nobody.ExitCode, 1);
+  EXPECT_NE(Nobody.Errors.find("PGPASSWORD"), std::string::npos) << Nobody.Errors;
+}
+
+TEST_F(TPostgreSQLTest, TheMissingIndexOfASlowDeletionIsNamed) {
+  Database.Run(
+      "CREATE TABLE a (i integer, k integer, PRIMARY KEY (i, k)); INSERT INTO a VALUES (1, 1);"
+      "CREATE TABLE b (x integer, y integer, FOREIGN KEY (y, x) REFERENCES a); INSERT INTO b VALUES (1, 1)");
+  RunJson({"export", "table", "-d", Database.Url(), "--all", "-o", "F"});
+  const struct {
+    std::string Index;
+    bool IsNamed;
+  } Cases[] = {
+      {"", true},
+      {"CREATE INDEX p ON b (x, y) WHERE x > 0", true},
+      {"CREATE INDEX m ON b (x)", true},
+      {"CREATE INDEX i ON b (x, y)", false},  // in whatever order
+  };
+  for (const auto& [Index, IsNamed] : Cases) {
+    Database.Run(Index);
+    const TOutcome Outcome =
+        Run({"import", "table", "-d", Database.Url(), "-i", "F", "--replace", "--progress", "plain"});
+    EXPECT_EQ(Outcome.ExitCode, 0) << Outcome.Errors;
+    EXPECT_EQ(Outcome.Errors.find("'b', where an index on (y, x) is missing") != std::string::npos, IsNamed)
+        << Index << Outcome.Errors;
   }
 }
 

@@ -304,16 +304,37 @@ TEST_F(TStructureTest, ListsAndShowsWhatIsStored) {
   EXPECT_FALSE(RunJson({"database", "info", "-d", "sqlite:shop.db"}).contains("catalogueVersion"));
 }
 
+// The merge would keep the last one.
+TEST_F(TStructureTest, TopNodesOfOneName) {
+  const std::string File = Structure("S", 12, {"a:integer = 1", "b", "A:integer = 2"});
+  Write("f.eif", File);
+  const auto LinesBefore =
+      std::count(File.begin(), File.begin() + static_cast<std::ptrdiff_t>(File.find("  a:")), '\r');
+  const std::string Lines =
+      "in the lines " + std::to_string(LinesBefore + 1) + " and " + std::to_string(LinesBefore + 3);
+  const TArguments Import = On("import", "structure", {"-i", "f.eif", "--create"});
+  for (const TArguments& Line : {TArguments{"file", "check", "f.eif"}, Import,
+                                 TArguments{"import", "file", "-d", "sqlite:d.db", "-i", "f.eif", "--create"}}) {
+    const TOutcome Outcome = Run(Line);
+    EXPECT_EQ(Outcome.ExitCode, 1);
+    EXPECT_THAT(Outcome.Output + Outcome.Errors, HasSubstr(Lines));
+  }
+  TArguments Lossy = Import;
+  Lossy.push_back("--allow-loss");
+  EXPECT_EQ(RunJson(Lossy)["textsAltered"], 1);
+  EXPECT_THAT(Show("S"), HasSubstr("a: integer = 2\nb\n"));
+}
+
 TEST_F(TStructureTest, TreesThatCanNotBeShown) {
   TArguments Deep;
   for (std::size_t Level = 0; Level <= 1000; ++Level) Deep.push_back(std::string(2 * Level, ' ') + "n");
-  Store(Structure("DEEP", 12, Deep) + Structure("BAD", 12, {"a"}));
-  EXPECT_THAT(Show("DEEP"), HasSubstr("\n" + std::string(2000, ' ') + "n\n"));
-  const TOutcome Outcome = Run(On("dictionary", "show", {"--name", "DEEP", "--json"}));
+  Write("deep.eif", Structure("DEEP", 12, Deep));
+  const TOutcome Outcome = Run(On("import", "structure", {"-i", "deep.eif", "--create"}));
   EXPECT_EQ(Outcome.ExitCode, 1);
-  EXPECT_THAT(Outcome.Output, HasSubstr("more than 1000 levels"));
+  EXPECT_THAT(Outcome.Errors, HasSubstr("more than 1000 levels"));
   Deep.pop_back();
   Store(Structure("DEEP", 12, Deep) + Structure("BAD", 12, {"a"}));
+  EXPECT_THAT(Show("DEEP"), HasSubstr("\n" + std::string(1998, ' ') + "n\n"));
   EXPECT_EQ(RunJson(On("dictionary", "show", {"--name", "DEEP"}))["nodes"].size(), 1U);
 
   Query("d.db", "UPDATE velkrund_structures SET tree = x'00' WHERE object_name = 'BAD'");

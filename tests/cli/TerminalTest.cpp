@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include "tests/cli/ShopTest.h"
+#include "tests/cli/UnseenFile.h"
 
 namespace velkrund::tests {
 namespace {
@@ -90,7 +91,7 @@ TEST_F(TInterruptTest, CtrlCUndoesAnExport) {
         "(SELECT sum(S.ID) FROM BIG S WHERE S.ID < 2000 AND S.ID <> BIG.ID) AS Y FROM BIG");
   for (const int Signal : {SIGINT, SIGTERM}) {
     const pid_t Process = Start({"export", "table", "-d", "sqlite:shop.db", "-t", "B", "-o", "F"});
-    ASSERT_TRUE(WaitUntil([&] { return Read("F").size() > 0; }));
+    ASSERT_TRUE(WaitUntil([&] { return WritesUnseen(Process, Path(".")); }));
     kill(Process, Signal);
     const TOutcome Outcome = Finish(Process);
     EXPECT_EQ(Outcome.ExitCode, 3) << Outcome.Errors;

@@ -72,6 +72,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"TableName", "--table"},
     {"TargetSectionID", "--to-section-id"},
     {"TargetTableName", "--to-table"},
+    {"Unfinished", "--unfinished"},
     {"Update", "--update"},
 };
 

@@ -6,6 +6,7 @@
 #include "hosts/cli/line/Help.h"
 #include "hosts/cli/line/ManualPage.h"
 #include "hosts/cli/line/OptionParser.h"
+#include "standalone/drivers/AddressSecrets.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -115,8 +116,8 @@ class TLine {
     const TArguments Known = KnowsVerb ? Objects(Word(0)) : Verbs();
     const std::string& Wrong = Word(KnowsVerb ? 1 : 0);
     if (Wrong.empty()) throw EUsage("say what to do: " + Joined(Known));
-    throw EUsage(Format("'%s' is not %s: there are %s%s", Wrong, KnowsVerb ? "an object of " + Word(0) : "a verb",
-                        Joined(Known), WordsHint(Wrong, Known)));
+    throw EUsage(Format("'%s' is not %s: there are %s%s", WithoutSecrets(Wrong),
+                        KnowsVerb ? "an object of " + Word(0) : "a verb", Joined(Known), WordsHint(Wrong, Known)));
   }
 
   std::string WordsHint(const std::string& Wrong, const TArguments& Known) const {

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "standalone/drivers/AddressSecrets.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Nearest.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -80,7 +81,8 @@ class TParser {
     const bool TakesArguments =
         std::any_of(Known.begin(), Known.end(), [](const auto& One) { return One.IsArgument(); });
     const std::string Hint = TakesArguments ? "" : ": every value stands behind the name of its option";
-    throw EUsage(Format("'%s' is not understood here%s", Unknown, HasOption ? OptionHint(Unknown, Known) : Hint));
+    throw EUsage(Format("'%s' is not understood here%s", WithoutSecrets(Unknown),
+                        HasOption ? OptionHint(Unknown, Known) : Hint));
   }
 
   bool IsGiven(const std::string& Name) const {

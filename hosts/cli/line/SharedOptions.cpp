@@ -26,6 +26,15 @@ TOption TSharedOptions::OnErrorOption(TPolicies& Policies) {
                           Policies.OnError);
 }
 
+TOption TSharedOptions::UnfinishedOption(TPolicies& Policies) {
+  return Choice<TUnfinishedPolicy>("--unfinished",
+                                   "a section at the end of the file that is not whole, when all of the file is "
+                                   "loaded: refuse the file, or load the "
+                                   "sections before it, which the report says (default: error)",
+                                   {{"skip", TUnfinishedPolicy::Skip}, {"error", TUnfinishedPolicy::Refuse}},
+                                   Policies.Unfinished);
+}
+
 std::vector<TOption> TSharedOptions::FillingOptions(TPolicies& Policies, std::string_view What) {
   TExisting& Rows = Policies.ExistingRows;
   return {

@@ -23,6 +23,8 @@ struct TSharedOptions {
   static TOption AllowLossOption(TPolicies& Policies);
   /// --on-error, for commands that do several things.
   static TOption OnErrorOption(TPolicies& Policies);
+  /// --unfinished, for commands that load all of a file.
+  static TOption UnfinishedOption(TPolicies& Policies);
   /// What commands that load tables let one say about rows, fields and values, and about the database.
   static TOption CommitOption(TPolicies& Policies);
   /// What: that has the fields, "the file".

@@ -27,7 +27,7 @@ TConsole::TConsole() : TTerminal(STDERR_FILENO) {
 void TConsole::Result(std::string_view Text) {
   ClearStatus();
   FTakesResults = false;
-  WriteToDescriptor(STDOUT_FILENO, Text, "standard output", {});
+  WriteToDescriptor(STDOUT_FILENO, Text, "standard output", [this] { return IsStuck(STDOUT_FILENO); });
   FTakesResults = true;
 }
 
@@ -39,7 +39,7 @@ TDocument TConsole::NewEvent(std::string_view Kind) {
 
 void TConsole::Event(const TDocument& Told) noexcept {
   try {
-    WriteToDescriptor(STDERR_FILENO, Told.Line(), "standard error", {});
+    WriteToDescriptor(STDERR_FILENO, Told.Line(), "standard error", [this] { return IsStuck(STDERR_FILENO); });
   } catch (...) {
     // Nobody listens any more; the work itself goes on.
   }

@@ -13,7 +13,8 @@ class TConsole final : public TTerminal {
  public:
   /// Holds the places of standard streams that are closed, so that no file gets in there.
   TConsole();
-  /// Raises EWriteError: a reader that is gone, a full disk.
+  /// Raises EWriteError: a reader that is gone, a full disk; EAbort where the reader takes nothing and the run is to
+  /// stop.
   void Result(std::string_view Text);
   /// False once that has failed.
   bool TakesResults() const { return FTakesResults; }

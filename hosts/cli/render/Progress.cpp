@@ -48,7 +48,7 @@ void TProgress::Begin(const std::string& Name, std::string Unit, std::int64_t To
   FConsole.Event(Told);
 }
 
-void TProgress::SetName(const std::string& Name) { FName = Printable(Name); }
+void TProgress::SetName(const std::string& Name) { FName = Name; }
 
 void TProgress::Show(std::int32_t Current, std::int32_t Total) {
   if (FStyle == TProgressStyle::None || Total <= 0) return;
@@ -100,7 +100,7 @@ std::string TProgress::Line(double Fraction, double Seconds) const {
 
 std::string TProgress::Bar(double Fraction, const std::string& Rest) const {
   const int Width = FConsole.Width() - 1;
-  std::string Result = std::string(CutToWidth(FName, std::max(Width / 3, 1))) + "  ";
+  std::string Result = std::string(CutToWidth(OnOneLine(FName), std::max(Width / 3, 1))) + "  ";
   const int Room = std::min(Width - DisplayWidth(Result) - DisplayWidth(Rest) - 4, LongestBar);
   if (Room >= ShortestBar) {
     const int Done = static_cast<int>(Fraction * Room);

@@ -90,21 +90,36 @@ std::string Wrapped(std::string_view Text, int Indent, int Width) {
   return Result;
 }
 
-std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned) {
+void WriteColumns(std::size_t RowCount, const TRowOfColumns& RowAt, const std::vector<bool>& RightAligned,
+                  const std::function<void(std::string_view)>& Write) {
+  constexpr std::size_t PieceSize = 65'536;
   std::vector<int> Widths(RightAligned.size());
-  for (const auto& Row : Rows)
+  for (std::size_t Number = 0; Number < RowCount; ++Number) {
+    const std::vector<std::string> Row = RowAt(Number);
     for (std::size_t I = 0; I < Row.size(); ++I) Widths[I] = std::max(Widths[I], DisplayWidth(Row[I]));
-  std::string Result;
-  for (const auto& Row : Rows) {
-    std::string Line;
+  }
+  std::string Piece;
+  for (std::size_t Number = 0; Number < RowCount; ++Number) {
+    const std::vector<std::string> Row = RowAt(Number);
     for (std::size_t I = 0; I < Row.size(); ++I) {
       const std::string Padding(static_cast<std::size_t>(Widths[I] - DisplayWidth(Row[I])), ' ');
-      if (I > 0) Line += "  ";
-      Line += RightAligned[I] ? Padding + Row[I] : Row[I] + Padding;
+      if (I > 0) Piece += "  ";
+      Piece += RightAligned[I] ? Padding + Row[I] : Row[I] + Padding;
     }
-    Line.erase(Line.find_last_not_of(' ') + 1);
-    Result += Line + "\n";
+    Piece.erase(Piece.find_last_not_of(' ') + 1);
+    Piece += '\n';
+    if (Piece.size() < PieceSize) continue;
+    Write(Piece);
+    Piece.clear();
   }
+  if (!Piece.empty()) Write(Piece);
+}
+
+std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned) {
+  std::string Result;
+  WriteColumns(
+      Rows.size(), [&Rows](std::size_t Number) { return Rows[Number]; }, RightAligned,
+      [&Result](std::string_view Piece) { Result += Piece; });
   return Result;
 }
 

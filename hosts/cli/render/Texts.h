@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,5 +35,9 @@ std::string Wrapped(std::string_view Text, int Indent, int Width);
 
 /// Columns of texts, padded so that they stand under each other. RightAligned: per column.
 std::string ColumnsText(const std::vector<std::vector<std::string>>& Rows, const std::vector<bool>& RightAligned);
+/// The same, piece by piece, of rows that are made when they are needed, twice each.
+using TRowOfColumns = std::function<std::vector<std::string>(std::size_t Number)>;
+void WriteColumns(std::size_t RowCount, const TRowOfColumns& RowAt, const std::vector<bool>& RightAligned,
+                  const std::function<void(std::string_view)>& Write);
 
 }  // namespace velkrund

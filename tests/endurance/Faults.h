@@ -15,7 +15,8 @@ enum class TOperation {
   FileSetSize,
   FileSize,
   FileSync,
-  FileReplace,
+  FileMake,
+  FilePut,
   FileRemove,
   AnyOfFiles,
   EngineOpen,
@@ -49,7 +50,9 @@ class TFaultyFiles final : public TFileSystem {
   explicit TFaultyFiles(TFileSystem& Real) : FReal(Real) {}
   std::unique_ptr<TFile> Open(const std::string& Path, TFileMode Mode) override;
   bool Exists(const std::string& Path) override { return FReal.Exists(Path); }
-  void Replace(const std::string& From, const std::string& To) override;
+  std::unique_ptr<TFileInMaking> MakeInPlaceOf(const std::string& Path) override;
+  std::unique_ptr<TFileInMaking> MakeNew(const std::string& Path, const std::string& Like) override;
+  void RemoveLeft(const std::string& Path) override { FReal.RemoveLeft(Path); }
   void Remove(const std::string& Path) override;
 
  private:

@@ -72,8 +72,11 @@ std::string ErrorOf(const std::function<void()>& Work) {
 std::string ExportA(TFileSystem& Files, const TScene& Scene, const std::vector<int>& Replaced,
                     TOutputUse Use = TOutputUse::AddTo) {
   std::string Error = ErrorOf([&] {
-    TOutputFile Output(
-        Files, Scene.F(), false, [](const std::string&) {}, Use);
+    TOutputFile Output(Files, Scene.F(), false, Use);
+    if (!Replaced.empty()) {
+      Output.PrepareReplacing();
+      Output.HoldBack();
+    }
     TUOExportTableDataInterface Operation;
     Operation.SetTarget(&Output.File());
     Operation.SetDatabaseName(Scene.Database("a.db"));
@@ -179,7 +182,7 @@ class TFaultsTest : public testing::Test {
             "CREATE TABLE A(ID INTEGER PRIMARY KEY, V); CREATE TABLE B(V UNIQUE);"
             "INSERT INTO A VALUES(7, hex(zeroblob(20000))), (8, NULL); INSERT INTO B VALUES('old')");
     TRealPlatform Platform;
-    TOutputFile Output(Platform.Manager.Files(), FTemplate.F(), false, {});
+    TOutputFile Output(Platform.Manager.Files(), FTemplate.F(), false);
     for (const char* Table : {"A", "B"}) {
       TUOExportTableDataInterface Operation;
       Operation.SetTarget(&Output.File());
@@ -306,13 +309,17 @@ TEST_F(TFaultsTest, AFileMadeAfreshIsOldOrNew) {
   Check({"export afresh, none before", [](const TScene& Scene) { fs::remove(Scene.F()); }, Export});
 }
 
-TEST_F(TFaultsTest, ReplacingExportLeavesOldOrNewOrBoth) {
-  Check({"replace",
-         {},
-         [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {0}); },
+TEST_F(TFaultsTest, ReplacingExportLeavesOldOrNew) {
+  Check({"replace", {}, [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {0}); }});
+}
+
+TEST_F(TFaultsTest, WhatWasLeftUnfinishedIsCutOrThere) {
+  Check({"export behind an unfinished section",
+         [&](const TScene& Scene) { Scene.Folder.Write("F", FContent + ";SECTION]\r\nName = x\r\n"); },
+         [](TFileSystem& Files, const TScene& Scene) { return ExportA(Files, Scene, {}); },
          [&](const TScene& Scene) {
-           return Scene.Folder.Read("F").starts_with(FContent + "[SECTION]") &&
-                  Scene.Folder.Read("F").ends_with("[END]\r\n");
+           const std::string Now = Scene.Folder.Read("F");
+           return Now == FContent || (Now.starts_with(FContent + "[SECTION]") && Now.ends_with("[END]\r\n"));
          }});
 }
 

@@ -13,7 +13,9 @@ void MayFail(TOperation Operation, const char* What, const std::string& Path) {
 
 class TFaultyFile final : public TFile {
  public:
-  TFaultyFile(std::unique_ptr<TFile> Real, std::string Path) : FReal(std::move(Real)), FPath(std::move(Path)) {}
+  TFaultyFile(std::unique_ptr<TFile> Real, std::string Path)
+      : FOwned(std::move(Real)), FReal(FOwned.get()), FPath(std::move(Path)) {}
+  TFaultyFile(TFile& Real, std::string Path) : FReal(&Real), FPath(std::move(Path)) {}
 
   std::size_t ReadAt(std::int64_t Position, char* Buffer, std::size_t Count) override {
     MayFail<EReadError>(TOperation::FileRead, "read", FPath);
@@ -39,7 +41,25 @@ class TFaultyFile final : public TFile {
   void Sync() override { MayFail<EWriteError>(TOperation::FileSync, "sync", FPath); }
 
  private:
-  std::unique_ptr<TFile> FReal;
+  std::unique_ptr<TFile> FOwned;
+  TFile* FReal;
+  std::string FPath;
+};
+
+class TFaultyFileInMaking final : public TFileInMaking {
+ public:
+  TFaultyFileInMaking(std::unique_ptr<TFileInMaking> Real, const std::string& Path)
+      : FReal(std::move(Real)), FFile(FReal->File(), Path), FPath(Path) {}
+  TFile& File() override { return FFile; }
+  void Put() override {
+    MayFail<EWriteError>(TOperation::FileSync, "sync", FPath);
+    MayFail<EWriteError>(TOperation::FilePut, "put", FPath);
+    FReal->Put();
+  }
+
+ private:
+  std::unique_ptr<TFileInMaking> FReal;
+  TFaultyFile FFile;
   std::string FPath;
 };
 
@@ -67,9 +87,14 @@ std::unique_ptr<TFile> TFaultyFiles::Open(const std::string& Path, TFileMode Mod
   return std::make_unique<TFaultyFile>(FReal.Open(Path, Mode), Path);
 }
 
-void TFaultyFiles::Replace(const std::string& From, const std::string& To) {
-  MayFail<EWriteError>(TOperation::FileReplace, "replace", To);
-  FReal.Replace(From, To);
+std::unique_ptr<TFileInMaking> TFaultyFiles::MakeInPlaceOf(const std::string& Path) {
+  MayFail<EWriteError>(TOperation::FileMake, "replace", Path);
+  return std::make_unique<TFaultyFileInMaking>(FReal.MakeInPlaceOf(Path), Path);
+}
+
+std::unique_ptr<TFileInMaking> TFaultyFiles::MakeNew(const std::string& Path, const std::string& Like) {
+  MayFail<EFCreateError>(TOperation::FileMake, "create", Path);
+  return std::make_unique<TFaultyFileInMaking>(FReal.MakeNew(Path, Like), Path);
 }
 
 void TFaultyFiles::Remove(const std::string& Path) {

@@ -24,7 +24,7 @@ constexpr mode_t AllRights = 07777;
 }
 
 /// Where the file system knows no such thing, there is none.
-bool IsAbsent(int Error) { return Error == ENODATA || Error == ENOTSUP || Error == EOPNOTSUPP; }
+bool IsAbsent(int Error) { return Error == ENODATA || Error == ENOTSUP; }
 
 /// Nothing: the file has no such attribute.
 std::optional<std::string> AttributeOf(const std::string& File, const char* Name) {

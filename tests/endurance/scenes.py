@@ -13,7 +13,7 @@ from engines import Fault, expect
 
 BEFORE_ROWS = 40
 SECONDS = 120  # more is a hang
-LIBRARY = ""  # that is loaded before the others; it spares the disk
+PRELOAD = ""  # that is loaded before the others; it spares the disk
 AFTERWARDS = ("-journal", "-wal", "-shm")  # what SQLite keeps beside a database until the next one opens it
 ENGINES = ("sqlite", "postgresql")
 IMPORTS = ["--overwrite", "yes", "--replace"]
@@ -264,7 +264,7 @@ def related(count, base, parents):
 
 
 def start(command, line, folder, temporary, **environment):
-    own = dict(os.environ, TMPDIR=temporary, HOME=temporary, LC_ALL="C", LD_PRELOAD=LIBRARY, **environment)
+    own = dict(os.environ, TMPDIR=temporary, HOME=temporary, LC_ALL="C", LD_PRELOAD=PRELOAD, **environment)
     return subprocess.Popen([command, *line], cwd=folder, env=own, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                             stderr=subprocess.PIPE)
 
@@ -396,7 +396,7 @@ def places(command, root, url, rows, parallel):
 
 def add_options(parser):
     parser.add_argument("command", help="the velkrund command")
-    parser.add_argument("library", help="the library that is loaded before the others")
+    parser.add_argument("preload", help="the library that is loaded before the others")
     parser.add_argument("--server", default=os.environ.get("VELKRUND_TEST_SERVER"),
                         help="the folder of a PostgreSQL server; without it SQLite alone (default: $VELKRUND_TEST_SERVER)")
     parser.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1_000_000), help="repeats an earlier run")

@@ -1,11 +1,11 @@
 #include "standalone/files/FileMaking.h"
 
 #include <stdio.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 
 #include <optional>
 
+#include "standalone/files/FilePlace.h"
 #include "standalone/files/FileRights.h"
 #include "standalone/files/PosixFile.h"
 
@@ -13,77 +13,12 @@ namespace velkrund {
 
 namespace {
 
-constexpr int MostNames = 8;         // of files in the making for one, left ones included
 constexpr mode_t OwnerAlone = 0600;  // until it has its rights
-
-/// Where a file is to be.
-struct TPlace {
-  std::string Path;  // behind links
-  TDescriptor Folder;
-  std::string Name;  // in it
-
-  struct stat Status(const std::string& Entry) const {
-    struct stat Result = {};
-    if (fstatat(Folder.Number(), Entry.c_str(), &Result, AT_SYMLINK_NOFOLLOW) != 0) Result.st_nlink = 0;
-    return Result;
-  }
-  /// Of a file in the making for this one (FNV-1a, 64 bits).
-  std::string NameInMaking(int Number) const {
-    std::uint64_t Hash = 0xcbf29ce484222325;
-    for (const char Byte : Name) Hash = (Hash ^ static_cast<unsigned char>(Byte)) * 0x100000001b3;
-    char Text[sizeof ".velkrund-0123456789abcdef-0"];
-    snprintf(Text, sizeof Text, ".velkrund-%016llx-%d", static_cast<unsigned long long>(Hash), Number);
-    return Text;
-  }
-};
-
-/// The path behind links; the same where there is none, or where it leads to nothing.
-std::string Resolved(const std::string& Path) {
-  struct stat Status;
-  if (lstat(Path.c_str(), &Status) != 0 || !S_ISLNK(Status.st_mode)) return Path;
-  char* const Real = realpath(Path.c_str(), nullptr);
-  if (!Real) return Path;
-  std::string Result(Real);
-  free(Real);
-  return Result;
-}
-
-/// The folder's number is negative where it cannot be entered; errno says why.
-TPlace PlaceOf(const std::string& Path) {
-  std::string Behind = Resolved(Path);
-  const std::string Folder = FolderOf(Behind);
-  std::string Name = Behind.substr(Behind.rfind('/') + 1);
-  TDescriptor Opened(Uninterrupted([&] { return open(Folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
-  return {std::move(Behind), std::move(Opened), std::move(Name)};
-}
-
-/// Removes what has that name if it is one of ours that was left.
-void RemoveIfLeft(const TPlace& Place, const std::string& Name) {
-  // One that has its own name already has this one still where the run ended between the two.
-  const auto IsOurs = [&Place](const struct stat& Status) {
-    const struct stat Own = Place.Status(Place.Name);
-    const bool IsOwn = Own.st_nlink == 2 && Own.st_dev == Status.st_dev && Own.st_ino == Status.st_ino;
-    return S_ISREG(Status.st_mode) && (Status.st_nlink == 1 || (Status.st_nlink == 2 && IsOwn));
-  };
-  if (!IsOurs(Place.Status(Name))) return;
-  const TDescriptor Found(Uninterrupted(
-      [&] { return openat(Place.Folder.Number(), Name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
-  struct stat Opened;
-  if (Found.Number() < 0 || !LockForWriting(Found.Number()) || fstat(Found.Number(), &Opened) != 0) return;
-  // It may have got another name, or have been removed and made anew, before it was locked.
-  const struct stat Now = Place.Status(Name);
-  if (!IsOurs(Now) || Now.st_dev != Opened.st_dev || Now.st_ino != Opened.st_ino) return;
-  unlinkat(Place.Folder.Number(), Name.c_str(), 0);
-}
-
-void RemoveLeftAt(const TPlace& Place) {
-  for (int Number = 0; Number < MostNames; ++Number) RemoveIfLeft(Place, Place.NameInMaking(Number));
-}
 
 std::string PathOfDescriptor(int Number) { return Format("/proc/self/fd/%d", Number); }
 
 /// Without a name; a negative number where there can be none of the kind here, or none at all.
-TDescriptor OpenUnnamed(const TPlace& Place, mode_t Mode) {
+TDescriptor OpenUnnamed(const TFilePlace& Place, mode_t Mode) {
   TDescriptor Result(
       Uninterrupted([&] { return openat(Place.Folder.Number(), ".", O_RDWR | O_TMPFILE | O_CLOEXEC, Mode); }));
   // It is to get its name that way.
@@ -92,23 +27,12 @@ TDescriptor OpenUnnamed(const TPlace& Place, mode_t Mode) {
   return Result;
 }
 
-/// Hands each name that a file in the making can have to Take until one is taken; empty: none was, and errno says why.
-template <typename TTake>
-std::string TakeName(const TPlace& Place, TTake Take) {
-  for (int Number = 0; Number < MostNames; ++Number) {
-    std::string Name = Place.NameInMaking(Number);
-    if (Take(Name)) return Name;
-    if (errno != EEXIST) break;
-  }
-  return {};
-}
-
 /// The file that is to be replaced, and is open elsewhere: another one that was put in its place meanwhile is spared.
 struct TOldFile {
   dev_t Device = 0;
   ino_t Number = 0;
 
-  bool IsAt(const TPlace& Place) const {
+  bool IsAt(const TFilePlace& Place) const {
     const struct stat Now = Place.Status(Place.Name);
     return Now.st_nlink > 0 && Now.st_dev == Device && Now.st_ino == Number;
   }
@@ -121,7 +45,7 @@ struct TOldFile {
 }
 
 /// Whether nobody has the file there open for writing. The caller has, unless it is another one by now.
-bool IsUnlocked(const TPlace& Place) {
+bool IsUnlocked(const TFilePlace& Place) {
   const TDescriptor Found(Uninterrupted(
       [&] { return openat(Place.Folder.Number(), Place.Name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
   return Found.Number() >= 0 && LockForWriting(Found.Number());
@@ -130,9 +54,9 @@ bool IsUnlocked(const TPlace& Place) {
 class TPosixFileInMaking final : public TFileInMaking {
  public:
   /// Path: for messages. Old: what is at the place; nothing: nothing is.
-  TPosixFileInMaking(const std::string& Path, TPlace Place, std::optional<TOldFile> Old, mode_t Mode)
+  TPosixFileInMaking(const std::string& Path, TFilePlace Place, std::optional<TOldFile> Old, mode_t Mode)
       : FPath(Path), FPlace(std::move(Place)), FReplaces(Old), FOld(Old.value_or(TOldFile())) {
-    RemoveLeftAt(FPlace);
+    FPlace.RemoveLeft();
     FFile.emplace(Make(Mode), FPath, false);
   }
   ~TPosixFileInMaking() override { RemoveName(); }
@@ -145,7 +69,7 @@ class TPosixFileInMaking final : public TFileInMaking {
     if (FName.empty() && !FReplaces) {
       if (!Link(FPlace.Name)) RaiseNotMade();
     } else {
-      if (FName.empty()) FName = TakeName(FPlace, [this](const std::string& Name) { return Link(Name); });
+      if (FName.empty()) FName = FPlace.TakeName([this](const std::string& Name) { return Link(Name); });
       if (FName.empty() || !Rename()) RaiseNotMade();
       FName.clear();
     }
@@ -185,7 +109,7 @@ class TPosixFileInMaking final : public TFileInMaking {
     }
     for (;;) {
       int Number = -1;
-      FName = TakeName(FPlace, [&](const std::string& Name) {
+      FName = FPlace.TakeName([&](const std::string& Name) {
         Number = Uninterrupted(
             [&] { return openat(FPlace.Folder.Number(), Name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, Mode); });
         return Number >= 0;
@@ -235,7 +159,7 @@ class TPosixFileInMaking final : public TFileInMaking {
   }
 
   const std::string FPath;
-  const TPlace FPlace;
+  const TFilePlace FPlace;
   const bool FReplaces;
   const TOldFile FOld;
   std::string FName;  // the one that it has for the time being; empty: none, or its own
@@ -247,7 +171,7 @@ class TPosixFileInMaking final : public TFileInMaking {
 }
 
 /// Whether something is mounted on the file itself: nothing can be put there.
-bool IsMountPoint(const TPlace& Place) {
+bool IsMountPoint(const TFilePlace& Place) {
 #ifdef STATX_ATTR_MOUNT_ROOT
   struct statx Status;
   return statx(Place.Folder.Number(), Place.Name.c_str(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &Status) == 0 &&
@@ -258,7 +182,7 @@ bool IsMountPoint(const TPlace& Place) {
 }
 
 /// In a folder such as /tmp everybody may make files, but not take those of others away.
-bool SparesFilesOfOthers(const TPlace& Place, const struct stat& File) {
+bool SparesFilesOfOthers(const TFilePlace& Place, const struct stat& File) {
   struct stat Folder;
   const uid_t User = geteuid();
   return fstat(Place.Folder.Number(), &Folder) == 0 && (Folder.st_mode & S_ISVTX) != 0 && User != 0 &&
@@ -296,7 +220,7 @@ void RefuseTaken(const std::string& Path) {
 }  // namespace
 
 std::unique_ptr<TFileInMaking> MakeFileInPlaceOf(const std::string& Path) {
-  TPlace Place = PlaceOf(Path);
+  TFilePlace Place = PlaceOfFile(Path);
   if (Place.Folder.Number() < 0) RaiseSystemError<EWriteError>("replace", Path);
   const struct stat Old = Place.Status(Place.Name);
   if (Old.st_nlink == 0 || IsUnlocked(Place)) RaiseTaken(Path);
@@ -317,7 +241,7 @@ std::unique_ptr<TFileInMaking> MakeNewFile(const std::string& Path, const std::s
   if (Path.find('\0') != std::string::npos)
     RaiseFileError<EFCreateError>("create", Path, "the name holds a character U+0000", TErrorCode::FileMissing);
   RefuseTaken(Path);
-  TPlace Place = PlaceOf(Path);
+  TFilePlace Place = PlaceOfFile(Path);
   if (Place.Folder.Number() < 0) RaiseNoFolder(Path);
   auto Result = std::make_unique<TPosixFileInMaking>(Path, std::move(Place), std::nullopt,
                                                      Like.empty() ? NewFileRights : OwnerAlone);
@@ -326,8 +250,8 @@ std::unique_ptr<TFileInMaking> MakeNewFile(const std::string& Path, const std::s
 }
 
 void RemoveLeftInMaking(const std::string& Path) {
-  const TPlace Place = PlaceOf(Path);
-  if (Place.Folder.Number() >= 0) RemoveLeftAt(Place);
+  const TFilePlace Place = PlaceOfFile(Path);
+  if (Place.Folder.Number() >= 0) Place.RemoveLeft();
 }
 
 }  // namespace velkrund

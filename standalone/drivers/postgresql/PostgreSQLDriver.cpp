@@ -3,9 +3,9 @@
 #include <libpq-fe.h>
 
 #include <algorithm>
-#include <map>
 
 #include "standalone/drivers/AddressSecrets.h"
+#include "standalone/drivers/postgresql/PostgreSQLConnecting.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -13,8 +13,6 @@
 
 namespace velkrund {
 namespace {
-
-using TParameters = std::map<std::string, std::string, std::less<>>;
 
 struct TFreeOptions {
   void operator()(PQconninfoOption* Options) const { PQconninfoFree(Options); }
@@ -30,8 +28,8 @@ std::string ConnectionInfo(const TDatabaseUrl& Url) {
 }
 
 /// Those that have a value.
-TParameters Given(const PQconninfoOption* Options) {
-  TParameters Result;
+TConnectionParameters Given(const PQconninfoOption* Options) {
+  TConnectionParameters Result;
   for (; Options && Options->keyword; ++Options)
     if (Options->val && *Options->val) Result[Options->keyword] = Options->val;
   return Result;
@@ -49,18 +47,18 @@ TParameters Given(const PQconninfoOption* Options) {
 }
 
 /// The parameters that the address itself names.
-TParameters ParametersOf(const TDatabaseUrl& Url) {
+TConnectionParameters ParametersOf(const TDatabaseUrl& Url) {
   const std::string Info = ConnectionInfo(Url);
   if (!Info.starts_with("postgresql://") && Info.find('=') == std::string::npos) {
     // It would be the name of a database, which errors quote.
     if (ShownName(Url) != Url.Text()) RaiseUnreadable(Url, {});
-    return Info.empty() ? TParameters() : TParameters{{"dbname", Info}};
+    return Info.empty() ? TConnectionParameters() : TConnectionParameters{{"dbname", Info}};
   }
   char* Message = nullptr;
   const TOptions Options(PQconninfoParse(Info.c_str(), &Message));
   const std::unique_ptr<char, void (*)(void*)> FreeMessage(Message, PQfreemem);
   if (!Options) RaiseUnreadable(Url, Message ? Message : "out of memory");
-  TParameters Result = Given(Options.get());
+  TConnectionParameters Result = Given(Options.get());
   // Where a password ends at its own "@", the rest of it would go on as the host's name. Sockets may begin with one.
   for (const char* const Keyword : {"host", "hostaddr"})
     if (const auto Host = Result.find(Keyword); Host != Result.end() && Host->second.find('@', 1) != std::string::npos)
@@ -75,18 +73,13 @@ bool HasUnclearPassword(const TDatabaseUrl& Url) {
 
 }  // namespace
 
-/// What the client library makes of the address and the environment.
+/// What the client library makes of the address, the service file and the environment.
 class TPostgreSQLDriver::TMeant {
  public:
   explicit TMeant(const TDatabaseUrl& Url) : FParameters(ParametersOf(Url)) {
-    const TOptions Defaults(PQconndefaults());
-    // A service's values come before those of the environment, so that those say nothing.
-    const TParameters Environment = Given(Defaults.get());
-    FHasService = FParameters.contains("service") || Environment.contains("service");
-    if (!FHasService)
-      for (const auto& [Keyword, Value] : Environment) FParameters.try_emplace(Keyword, Value);
-    else if (const auto Service = Environment.find("service"); Service != Environment.end())
-      FParameters.try_emplace("service", Service->second);
+    // Nothing where a service is missing, which the connection will tell.
+    if (TConnectionParameters All = MeantPostgreSQLParameters(ConnectionInfo(Url)); !All.empty())
+      FParameters = std::move(All);
   }
 
   std::string Value(std::string_view Keyword) const {
@@ -99,13 +92,12 @@ class TPostgreSQLDriver::TMeant {
     // One machine by its usual names.
     if (Host == "localhost" || Host == "::1") Host = "127.0.0.1";
     std::string Name = Value("dbname");
-    if (Name.empty() && !FHasService) Name = Value("user");
-    return Format("%s:%s/%s/%s", Host, Value("port"), Name, Value("service"));
+    if (Name.empty()) Name = Value("user");
+    return Format("%s:%s/%s", Host, Value("port"), Name);
   }
 
  private:
-  TParameters FParameters;
-  bool FHasService = false;
+  TConnectionParameters FParameters;
 };
 
 std::string TPostgreSQLDriver::Identity(const TDatabaseUrl& Url, const TConnectOptions& /*Options*/) const {

@@ -39,7 +39,9 @@ class TFileInMaking {
   /// To be written; after Put it is the file of that name, still open.
   virtual TFile& File() = 0;
   /// Returns when what was written has reached the disk, the file has its name, got in one step, and the folder knows
-  /// it for good: after a crash the old file is there whole, or the new one. To be called once.
+  /// it for good: after a crash the old file is there whole, or the new one. To be called once. Raises EWriteError, or
+  /// EFCreateError for a file that was to be new, also where somebody has put another file there meanwhile, which
+  /// stays.
   virtual void Put() = 0;
 };
 
@@ -55,10 +57,11 @@ class TFileSystem {
   /// A file that is to take the place of the one at Path, or behind it where Path is a link. The caller has that one
   /// open for writing, which keeps others away. It gets that one's rights: mode, owner, access list, attributes of
   /// users. What would stand in the way is raised here, before anything is written: a folder that takes no new file,
-  /// rights that cannot be kept, further names of the old file, which would not lead to the new one. EWriteError.
+  /// rights that cannot be kept, further names of the old file, which would not lead to the new one, another file at
+  /// Path than the open one. EWriteError.
   virtual std::unique_ptr<TFileInMaking> MakeInPlaceOf(const std::string& Path);
-  /// A file that is to be at Path, where none is; one that somebody else has put there meanwhile stays, and Put raises
-  /// EFCreateError. Like: the file whose rights it gets; empty: those of any new file.
+  /// A file that is to be at Path, where none is; one that is there, or a folder that takes none, is EFCreateError.
+  /// Like: the file whose rights it gets; empty: those of any new file.
   virtual std::unique_ptr<TFileInMaking> MakeNew(const std::string& Path, const std::string& Like);
   /// Removes what was left of a file in the making for Path by a process that was killed. Both of the above do so too.
   virtual void RemoveLeft(const std::string& Path);

@@ -1,6 +1,7 @@
 // Any bytes as a text of each encoding: code pages carry every byte there and back, and the helpers that repair, count,
 // cut, convert and compare UTF-8 texts agree with each other.
 
+#include <algorithm>
 #include <cstring>
 
 #include "fuzz/FuzzPlatform.h"
@@ -30,9 +31,16 @@ void CheckCodePage(const TCodePage& Page, std::string_view Bytes) {
 std::string CheckRepair(std::string_view Bytes) {
   std::string Repaired(Bytes), Expected;
   const std::int64_t Count = RepairUtf8(Repaired);
-  for (std::size_t At = 0; At < Bytes.size();) AppendUtf8(Expected, NextCodePoint(Bytes, At));
+  std::size_t FirstMalformed = std::string_view::npos;
+  for (std::size_t At = 0; At < Bytes.size();) {
+    const std::size_t Start = At;
+    const char32_t Code = NextCodePoint(Bytes, At);
+    if (Code == 0xFFFD && Bytes.substr(Start, At - Start) != ReplacementUtf8)
+      FirstMalformed = std::min(FirstMalformed, Start);
+    AppendUtf8(Expected, Code);
+  }
   Require(Repaired == Expected && (Count == 0) == (Repaired == Bytes));
-  Require((FindMalformedUtf8(Bytes) == std::string_view::npos) == (Count == 0));
+  Require(FindMalformedUtf8(Bytes) == FirstMalformed && (FirstMalformed == std::string_view::npos) == (Count == 0));
   Require(FindMalformedUtf8(Repaired) == std::string_view::npos);
   return Repaired;
 }

@@ -9,6 +9,7 @@
 #include <locale>
 
 #include "velkrund/platform/ormtools/Currency.h"
+#include "velkrund/platform/ormtools/HexDigits.h"
 
 namespace velkrund::tests {
 namespace {
@@ -119,6 +120,25 @@ TEST(Numbers, ReadsAndWritesHexadecimal) {
   EXPECT_EQ(HexToUnsigned("0000000000000010"), 16u);
   for (const char* Bad : {"", "00000000000000010", "g", "-1", "+1", "0x1", " 1", "1 "})
     EXPECT_FALSE(HexToUnsigned(Bad)) << Bad;
+}
+
+TEST(Numbers, DecodesHexadecimalWhereItStands) {
+  for (std::size_t Bytes = 0; Bytes < 100; ++Bytes) {
+    std::string Expected, Upper, Lower;
+    for (std::size_t At = 0; At < Bytes; ++At) Expected += static_cast<char>(At * 89 + Bytes);
+    AppendHex(Upper, Expected);
+    for (const char Digit : Upper) Lower += static_cast<char>(Digit >= 'A' ? Digit + 0x20 : Digit);
+    for (std::string Text : {Upper, Lower}) {
+      ASSERT_EQ(DecodeHex(Text, Text.data()), 2 * Bytes);
+      ASSERT_EQ(Text.substr(0, Bytes), Expected);
+    }
+    for (std::size_t At = 0; At < Upper.size(); ++At) {
+      std::string Text = Upper;
+      Text[At] = "/:@G`g\xE1\0"[At % 8];
+      ASSERT_EQ(DecodeHex(Text, Text.data()), At / 2 * 2) << "damaged at " << At << " of " << Text.size();
+      ASSERT_EQ(Text.substr(0, At / 2), Expected.substr(0, At / 2));
+    }
+  }
 }
 
 TEST(Currency, ReadsAmounts) {

@@ -4,6 +4,8 @@
 
 #include <clocale>
 #include <cwctype>
+#include <iterator>
+#include <random>
 
 namespace velkrund::tests {
 namespace {
@@ -53,6 +55,24 @@ TEST(Text, FindsMalformedBytesAtEveryOffsetOfTheWordScan) {
     Text[Offset] = '\x80';
     EXPECT_EQ(FindMalformedUtf8(Text), Offset);
     EXPECT_EQ(AsciiPrefix(Text), Offset);
+  }
+}
+
+TEST(Text, FindsWhatACharacterByCharacterWalkFinds) {
+  constexpr std::string_view Pieces[] = {"a",    "12345678", "ж",    "\xC2\x80", "日",       "😀",
+                                         "\xD0", "\x80",     "\xC1", "\xE2\x80", "\xF0\x9F", "\xED\xA0\x80"};
+  std::mt19937_64 Random(20261126);
+  for (int Round = 0; Round < 100'000; ++Round) {
+    std::string Text;
+    // Mostly sound, so that what is broken stands anywhere.
+    for (std::size_t Left = Random() % 24; Left > 0; --Left)
+      Text += Pieces[Random() % (Random() % 16 == 0 ? std::size(Pieces) : 6)];
+    std::size_t Expected = std::string::npos;
+    for (std::size_t At = 0; At < Text.size() && Expected == std::string::npos;) {
+      const std::size_t Start = At;
+      if (NextCodePoint(Text, At) == 0xFFFD) Expected = Start;
+    }
+    ASSERT_EQ(FindMalformedUtf8(Text), Expected) << "round " << Round;
   }
 }
 

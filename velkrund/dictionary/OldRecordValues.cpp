@@ -7,7 +7,9 @@
 #include "velkrund/dictionary/RecordData.h"
 #include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/database/ApplicationManager.h"
+#include "velkrund/platform/ormtools/ByteWords.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/HexDigits.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -129,11 +131,14 @@ class TOldTextReader {
 
  private:
   void Put(unsigned char Byte) { FText[FLength++] = static_cast<char>(Byte); }
-  std::string ReadEscape();
-  std::string ReadCharacter();
+  void ReadPlain();
+  bool ReadEscape();
+  bool ReadCharacter();
+  bool Fail(std::string Error) { return FError = std::move(Error), false; }
 
   std::span<char> FText;
   const TCodePage& FPage;
+  std::string FError;
   std::size_t FAt = 1;        // byte to read next
   std::size_t FPosition = 2;  // the same in characters, from 1
   std::size_t FLength = 0;
@@ -143,40 +148,57 @@ class TOldTextReader {
 std::string TOldTextReader::Read() {
   if (FText.size() < 2 || FText.back() != '\'') return "String closing quote not founded";
   while (FAt < FText.size() - 1) {
-    std::string Error = FText[FAt] == '#' ? ReadEscape() : ReadCharacter();
-    if (!Error.empty()) return Error;
+    const char First = FText[FAt];
+    if (First == '#' ? !ReadEscape() : !ReadCharacter()) break;
+    ReadPlain();
   }
-  return {};
+  return std::move(FError);
 }
 
-std::string TOldTextReader::ReadEscape() {
+/// ASCII characters that stand for themselves, eight at a time.
+void TOldTextReader::ReadPlain() {
+  for (std::size_t Count = WordSize; Count == WordSize;) {
+    const std::size_t Left = FText.size() - 1 - FAt;
+    const TByteWord Word = LoadUpTo(&FText[FAt], Left);
+    const TByteWord NoControl = (Word & ~FlagBits) + EachByte(0x60);
+    const TByteWord Other = ~NoControl | Word | EqualFlags(Word, '#') | EqualFlags(Word, '|');
+    // Zeros stand for bytes behind the end.
+    Count = FirstFlag(Other & FlagBits);
+    StoreBytes(&FText[FLength], Word, Count);
+    FLength += Count;
+    FAt += Count;
+    FPosition += Count;
+  }
+}
+
+bool TOldTextReader::ReadEscape() {
   const std::string_view Behind(FText.data() + FAt + 1, FText.size() - FAt - 1);
   const std::size_t DigitBytes = Utf16Prefix(Behind, 2);
-  if (DigitBytes == Behind.size()) return Format("Uncorrect symbol code on position:%d", FPosition);
-  const auto Byte = HexToUnsigned(Behind.substr(0, DigitBytes));
-  if (!Byte || DigitBytes != 2) return Format("Uncorrect symbol code on position:%d", FPosition + 2);
-  Put(static_cast<unsigned char>(*Byte));
+  if (DigitBytes == Behind.size()) return Fail(Format("Uncorrect symbol code on position:%d", FPosition));
+  const unsigned High = HexValue(Behind[0]), Low = HexValue(Behind[1]);
+  if ((High | Low) > 15) return Fail(Format("Uncorrect symbol code on position:%d", FPosition + 2));
+  Put(static_cast<unsigned char>(High << 4U | Low));
   FAt += 3;
   FPosition += 3;
-  return {};
+  return true;
 }
 
-std::string TOldTextReader::ReadCharacter() {
+bool TOldTextReader::ReadCharacter() {
   const auto First = static_cast<unsigned char>(FText[FAt]);
   if (First < 0x20 || First == '|')
-    return Format("Uncorrect string symbol №%d symbol code:%d", FPosition, static_cast<int>(First));
+    return Fail(Format("Uncorrect string symbol №%d symbol code:%d", FPosition, static_cast<int>(First)));
   if (First < 0x80) {
     Put(First);
     ++FAt;
     ++FPosition;
-    return {};
+    return true;
   }
   const char32_t Code = NextCodePoint({FText.data(), FText.size()}, FAt);
   const auto Byte = FPage.FromUnicode(Code);
   if (!Byte) ++FLost;
   Put(Byte.value_or('?'));
   FPosition += Code > 0xFFFF ? 2 : 1;
-  return {};
+  return true;
 }
 
 }  // namespace

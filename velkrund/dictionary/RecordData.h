@@ -136,6 +136,7 @@ class TEIRecordData : public TEIObject {
 
   TTableDataReport FOwnReport;
   std::string FRecord;
+  std::string FEncoded;                   // a text in the code page, to see what it loses there
   const TImportField* FColumn = nullptr;  // whose value is being read
   std::int64_t FRecordStart = 0;          // of the record at hand, within the body
   std::int64_t FRecordsStart = 0;         // of the first one

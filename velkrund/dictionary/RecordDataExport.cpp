@@ -38,10 +38,12 @@ void TEIRecordData::AppendValue(TField& Column) {
 void TEIRecordData::ExportRecords(TRows& Source, const std::vector<TField*>& Columns, std::int64_t Total,
                                   bool IsNumbered, TEIStream& Stream) {
   Stream.Writeln(" [RECORDS]");
+  FRecord = Indentation;
   for (bool Found = Source.First(); Found; Found = Source.Next()) {
     ShowProgress(Report->RowCount, Total, Subject());
     if (IsCanceled()) throw EAbort(Format("Export of %s is cancelled", Content()));
-    FRecord = Indentation;
+    // Every line begins alike.
+    FRecord.resize(Indentation.size());
     char Separator = '<';
     if (IsNumbered) {
       FRecord += Separator;

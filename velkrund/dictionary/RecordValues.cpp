@@ -1,10 +1,13 @@
 // Value texts of version 200.
 
+#include <algorithm>
+
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/dictionary/RecordData.h"
 #include "velkrund/eif/TextEscapes.h"
 #include "velkrund/platform/database/ApplicationManager.h"
 #include "velkrund/platform/ormtools/Format.h"
+#include "velkrund/platform/ormtools/HexDigits.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -12,27 +15,39 @@ namespace velkrund {
 
 namespace {
 
-std::size_t HexDigit(char Digit) {
-  if (Digit >= '0' && Digit <= '9') return static_cast<std::size_t>(Digit - '0');
-  if (Digit >= 'A' && Digit <= 'F') return static_cast<std::size_t>(Digit - 'A' + 10);
-  if (Digit >= 'a' && Digit <= 'f') return static_cast<std::size_t>(Digit - 'a' + 10);
-  return 16;
-}
-
 void ReadCurrency(std::string_view Text, TKvVariant& Value) {
   const auto Amount = StrToCurrency(Text);
   if (!Amount) throw EConvertError(Format("'%s' is not a valid currency value", Text));
   Value.SetCurrency(*Amount);
 }
 
-// Numbers and dates; false when the text is neither.
-bool ReadPlain(std::string_view Text, TKvVariant& Value) {
-  if (const auto Integer = StrToInt64(Text)) return Value.SetInteger(*Integer), true;
-  if (const auto Unsigned = StrToUInt64(Text)) return Value.SetUnsigned(*Unsigned), true;
-  if (const auto Real = StrToReal(Text)) return Value.SetReal(*Real), true;
+// What every date and time has is in no number.
+bool LooksLikeDate(std::string_view Text) {
+  return Text.size() >= 8 && (Text[2] == ':' || (Text.size() >= 10 && Text[4] == '-' && Text[7] == '-'));
+}
+
+bool ReadDate(std::string_view Text, TKvVariant& Value) {
   if (const auto Date = StrToSysDate(Text)) return Value.SetSysDate(*Date), true;
   if (const auto Time = StrToSysTime(Text)) return Value.SetSysTime(*Time), true;
   if (const auto Moment = SysStrToDateTime(Text)) return Value.SetDateTime(*Moment), true;
+  return false;
+}
+
+bool IsDigit(char Character) { return Character >= '0' && Character <= '9'; }
+
+bool IsWholeNumber(std::string_view Text) {
+  const std::size_t Sign = Text[0] == '-' || Text[0] == '+' ? 1 : 0;
+  return Text.size() > Sign && std::all_of(Text.begin() + static_cast<std::ptrdiff_t>(Sign), Text.end(), &IsDigit);
+}
+
+// Numbers and dates; false when the text is neither.
+bool ReadPlain(std::string_view Text, TKvVariant& Value) {
+  if (LooksLikeDate(Text)) return ReadDate(Text, Value);
+  if (IsWholeNumber(Text)) {
+    if (const auto Integer = StrToInt64(Text)) return Value.SetInteger(*Integer), true;
+    if (const auto Unsigned = StrToUInt64(Text)) return Value.SetUnsigned(*Unsigned), true;
+  }
+  if (const auto Real = StrToReal(Text)) return Value.SetReal(*Real), true;
   return false;
 }
 
@@ -61,13 +76,9 @@ void TEIRecordData::BadCharacter(std::string_view Digits) const {
 void TEIRecordData::ReadBytes(std::span<char> Digits, TKvVariant& Value) const {
   if (Digits.size() % 2 != 0)
     throw EDicUtilError(Format("Error importing %s. Incorrect binary value", Content()), {.Code = TErrorCode::Value});
-  char* Out = Digits.data();
-  for (std::size_t At = 0; At < Digits.size(); At += 2) {
-    const std::size_t High = HexDigit(Digits[At]), Low = HexDigit(Digits[At + 1]);
-    if ((High | Low) > 15)
-      throw EConvertError(Format("'$%s' is not a valid integer value", std::string_view(&Digits[At], 2)));
-    *Out++ = static_cast<char>(High << 4 | Low);
-  }
+  const std::size_t Good = DecodeHex({Digits.data(), Digits.size()}, Digits.data());
+  if (Good < Digits.size())
+    throw EConvertError(Format("'$%s' is not a valid integer value", std::string_view(&Digits[Good], 2)));
   Value.BorrowText({Digits.data(), Digits.size() / 2}, TKvKind::Bytes);
 }
 
@@ -131,8 +142,8 @@ void TEIRecordData::TextToString(const TField& Field, const TKvVariant& Value, s
 // The stream would replace what the code page lacks; here field and record can still be named.
 void TEIRecordData::CheckRepresentable(const TField& Field, std::string_view Text) {
   if (!FStrictText) return;
-  std::string Bytes;
-  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, Bytes)) TextLost(Lost, PlaceOf(Field));
+  FEncoded.clear();
+  if (const std::int64_t Lost = WorkSettings().AnsiCodePage->Encode(Text, FEncoded)) TextLost(Lost, PlaceOf(Field));
 }
 
 void TEIRecordData::StringToValue(std::span<char> Text, TField& Field) {
@@ -145,7 +156,7 @@ void TEIRecordData::StringToValue(std::span<char> Text, TField& Field) {
     return ReadBytes(Text.subspan(2), Value);
   } else if (First == '$') {
     return ReadCurrency(View.substr(1), Value);
-  } else if (ReadWord(View, Value) || ReadPlain(View, Value)) {
+  } else if ((!IsDigit(First) && ReadWord(View, Value)) || ReadPlain(View, Value)) {
     return;
   }
   Unparseable(Field, Format("Can not import %s. Invalid record data structure. Field value is incorrect "

@@ -16,11 +16,13 @@ inline constexpr std::string_view Indentation = "  ";
 inline constexpr char ContinuationMark = '@';
 
 /// Writes Text in pieces: each on a line of its own, behind Prefix, all but the first preceded and all but the last
-/// followed by the mark. PieceSize: bytes of the next piece, more than 0, given what is left.
+/// followed by the mark. PieceSize: bytes of the next piece, more than 0, given what is left. WellFormed: Text is known
+/// to be well-formed UTF-8.
 void WritePieces(TEIStream& Stream, std::string_view Prefix, std::string_view Text,
-                 const std::function<std::size_t(std::string_view Rest)>& PieceSize);
+                 const std::function<std::size_t(std::string_view Rest)>& PieceSize, bool WellFormed = false);
 
-/// Writes Line, which is Indentation and a record text, as one line or as several pieces.
-void WriteRecordLines(TEIStream& Stream, std::string_view Line);
+/// Writes Line, which is Indentation and a record text in well-formed UTF-8, as one line or as several pieces. Its end
+/// is added to Line for that.
+void WriteRecordLines(TEIStream& Stream, std::string& Line);
 
 }  // namespace velkrund

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <optional>
 
+#include "velkrund/platform/ormtools/ByteWords.h"
+#include "velkrund/platform/ormtools/HexDigits.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -14,53 +16,86 @@ namespace {
 
 constexpr std::size_t LongValue = 64 * 1024;
 constexpr std::size_t EscapeDigits = 4;
-constexpr char HexDigits[] = "0123456789ABCDEF";
+constexpr std::size_t EscapeSize = 1 + EscapeDigits;
+constexpr std::size_t OldEscapeSize = 3;
 
-enum class TByteClass : std::uint8_t { Plain, Escaped, High };
+/// What stands for itself in which place, of the ASCII characters.
+struct TPlainCharacters {
+  bool BarToo;     // "|" does
+  bool DeleteToo;  // the control character 127 does
 
-using TByteClasses = std::array<TByteClass, 256>;
+  constexpr bool Holds(unsigned char Byte) const {
+    return Byte >= 0x20 && Byte < 0x80 && Byte != '#' && (BarToo || Byte != '|') && (DeleteToo || Byte != 0x7F);
+  }
 
-constexpr TByteClasses MakeClasses(TEscapePlace Place, bool EscapeDelete) {
-  TByteClasses Classes{};
-  for (std::size_t Byte = 0; Byte < Classes.size(); ++Byte)
-    Classes[Byte] =
-        Byte < 0x20 || Byte == '#' || (Byte == '|' && Place == TEscapePlace::Record) || (Byte == 0x7F && EscapeDelete)
-            ? TByteClass::Escaped
-        : Byte >= 0x80 ? TByteClass::High
-                       : TByteClass::Plain;
-  return Classes;
+  /// The same of eight bytes at once.
+  constexpr TByteWord Flags(TByteWord Word) const {
+    const TByteWord Low = Word & ~FlagBits;
+    TByteWord Plain = (Low + EachByte(0x60)) & ((Low ^ EachByte('#')) + EachByte(0x7F)) & ~Word;
+    if (!BarToo) Plain &= (Low ^ EachByte('|')) + EachByte(0x7F);
+    if (!DeleteToo) Plain &= ~(Low + EachByte(1));
+    return Plain & FlagBits;
+  }
+};
+
+constexpr TPlainCharacters Plain(TEscapePlace Place) { return {Place == TEscapePlace::Alone, false}; }
+constexpr TPlainCharacters OldPlain(TEscapePlace Place) { return {Place == TEscapePlace::Alone, true}; }
+
+/// What an ASCII character is written as: eight bytes, quicker to copy than one or five, the last of them the length.
+using TWritten = std::array<char, WordSize>;
+
+template <TPlainCharacters Plain>
+constexpr auto WrittenAscii = [] {
+  std::array<TWritten, 128> Written{};
+  for (std::size_t Code = 0; Code < Written.size(); ++Code) {
+    if (Plain.Holds(static_cast<unsigned char>(Code)))
+      Written[Code] = {static_cast<char>(Code)};
+    else
+      Written[Code] = {'#', '0', '0', HexDigits[Code / 16], HexDigits[Code % 16]};
+    Written[Code].back() = Plain.Holds(static_cast<unsigned char>(Code)) ? 1 : EscapeSize;
+  }
+  return Written;
+}();
+
+/// Writes ASCII characters without asking what each of them is, which a processor cannot foresee.
+template <TPlainCharacters Plain>
+char* PutAscii(char* To, std::string_view Text) {
+  for (const char Character : Text) {
+    const TWritten& Written = WrittenAscii<Plain>[static_cast<unsigned char>(Character)];
+    std::memcpy(To, Written.data(), WordSize);
+    To += Written.back();
+  }
+  return To;
 }
 
-constexpr TByteClasses Classes[] = {MakeClasses(TEscapePlace::Record, true), MakeClasses(TEscapePlace::Alone, true)};
-constexpr TByteClasses OldClasses[] = {MakeClasses(TEscapePlace::Record, false),
-                                       MakeClasses(TEscapePlace::Alone, false)};
-
-void AppendEscape(std::string& Out, unsigned Code) {
-  const char Escape[] = {'#', HexDigits[Code >> 12 & 15], HexDigits[Code >> 8 & 15], HexDigits[Code >> 4 & 15],
-                         HexDigits[Code & 15]};
-  Out.append(Escape, sizeof Escape);
+char* PutEscape(char* To, unsigned Code) {
+  *To++ = '#';
+  for (unsigned Shift = 4 * EscapeDigits; Shift > 0;) *To++ = HexDigits[Code >> (Shift -= 4) & 15U];
+  return To;
 }
 
-// Position of the first byte from At on that is not of class Plain.
-std::size_t PlainEnd(const TByteClasses& Table, std::string_view Text, std::size_t At) {
-  while (At < Text.size() && Table[static_cast<unsigned char>(Text[At])] == TByteClass::Plain) ++At;
-  return At;
+char* PutByteEscape(char* To, unsigned char Byte) {
+  *To++ = '#';
+  *To++ = HexDigits[Byte / 16];
+  *To++ = HexDigits[Byte % 16];
+  return To;
 }
 
-// Length of the well-formed character of two bytes at At that is no control character; 0 when there is none.
-std::size_t PlainPair(std::string_view Text, std::size_t At) {
-  const auto Lead = static_cast<unsigned char>(Text[At]);
-  if (Lead < 0xC2 || Lead > 0xDF || At + 1 >= Text.size()) return 0;
-  const auto Next = static_cast<unsigned char>(Text[At + 1]);
-  return (Next & 0xC0) == 0x80 && (Lead > 0xC2 || Next >= 0xA0) ? 2 : 0;
+unsigned char ByteAt(std::string_view Text, std::size_t At) { return static_cast<unsigned char>(Text[At]); }
+
+/// For the room that a long text takes.
+std::size_t EscapedCount(TPlainCharacters Plain, std::string_view Text) {
+  return static_cast<std::size_t>(std::count_if(Text.begin(), Text.end(), [Plain](char Character) {
+    const auto Byte = static_cast<unsigned char>(Character);
+    return Byte < 0x80 && !Plain.Holds(Byte);
+  }));
 }
 
-std::size_t EscapedSize(const TByteClasses& Table, std::string_view Text) {
-  std::size_t Size = Text.size();
-  for (const char Byte : Text)
-    if (Table[static_cast<unsigned char>(Byte)] == TByteClass::Escaped) Size += EscapeDigits;
-  return Size;
-}
+/// Text on its way out in pieces, which are put together on the stack: to append to a string character by character
+/// takes several times as long.
+constexpr std::size_t PieceSize = 256;
+/// Whatever begins in a piece is written whole.
+constexpr std::size_t PieceRoom = EscapeSize * (PieceSize + WordSize) + WordSize;
 
 constexpr unsigned ByteUnits = 0xDC00;  // plus the byte that is not UTF-8
 
@@ -97,37 +132,88 @@ void ReserveFor(std::string& Out, std::size_t Bytes) {
 }
 
 void AppendByteEscape(std::string& Out, unsigned char Byte) {
-  const char Escape[] = {'#', HexDigits[Byte >> 4], HexDigits[Byte & 15]};
-  Out.append(Escape, sizeof Escape);
+  char Escape[OldEscapeSize];
+  Out.append(Escape, PutByteEscape(Escape, Byte));
 }
 
-void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place, TLoneUnit Lone) {
-  const TByteClasses& Table = Classes[static_cast<int>(Place)];
-  if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Table, Text));
-  std::size_t RunStart = 0, At = 0;
-  const auto FlushRun = [&] { Out.append(Text.data() + RunStart, At - RunStart); };
-  while ((At = PlainEnd(Table, Text, At)) < Text.size()) {
-    if (const std::size_t Pair = PlainPair(Text, At)) {
-      At += Pair;
-      continue;
-    }
-    std::size_t Next = At;
-    const char32_t Code = NextCodePoint(Text, Next);
-    const bool Broken = IsSurrogate(Code) || (Code == 0xFFFD && Text.substr(At, 3) != ReplacementUtf8);
-    if (Broken ? Lone == TLoneUnit::Character : Code >= 0xA0) {
-      At = Next;
-      continue;
-    }
-    FlushRun();
-    if (Broken)
-      for (const char Byte : Text.substr(At, Next - At))
-        AppendEscape(Out, ByteUnits + static_cast<unsigned char>(Byte));
+namespace {
+
+/// Writes the character of several bytes at At, or what is broken there, and moves At behind it.
+char* PutHighCharacter(char* To, std::string_view Text, std::size_t& At, TLoneUnit Lone) {
+  const std::size_t Start = At;
+  const char32_t Code = NextCodePoint(Text, At);
+  const bool Broken = IsSurrogate(Code) || (Code == 0xFFFD && Text.substr(Start, 3) != ReplacementUtf8);
+  if (!Broken && Code < 0xA0) return PutEscape(To, Code);
+  for (std::size_t From = Start; From < At; ++From) {
+    if (Broken && Lone == TLoneUnit::Byte)
+      To = PutEscape(To, ByteUnits + ByteAt(Text, From));
     else
-      AppendEscape(Out, Code);
-    RunStart = At = Next;
+      *To++ = Text[From];
   }
-  FlushRun();
+  return To;
 }
+
+/// Writes the piece of Text that begins at At and moves At behind it.
+template <TPlainCharacters Plain>
+char* PutPiece(char* To, std::string_view Text, std::size_t& At, TLoneUnit Lone) {
+  // Below it are the control characters 128 .. 159.
+  constexpr unsigned LeastLead = 0xC3;
+  const std::size_t End = std::min(Text.size(), At + PieceSize);
+  while (At < End) {
+    const std::size_t Left = std::min(Text.size() - At, WordSize);
+    const TByteWord Word = LoadUpTo(Text.data() + At, Left);
+    const TByteWord Singles = Plain.Flags(Word);
+    if (Singles != FlagBits && (Word & FlagBits) == 0) {
+      To = PutAscii<Plain>(To, Text.substr(At, Left));
+      At += Left;
+      continue;
+    }
+    StoreWord(To, Word);
+    const std::size_t Count = Singles == FlagBits ? WordSize : WholeCharacters<LeastLead>(Word, Singles);
+    At += Count;
+    To += Count;
+    if (Count == WordSize || At >= Text.size()) continue;
+    if (ByteAt(Text, At) < 0x80)
+      To = PutAscii<Plain>(To, Text.substr(At++, 1));
+    else if (Count == 0)
+      To = PutHighCharacter(To, Text, At, Lone);
+  }
+  return To;
+}
+
+}  // namespace
+
+void AppendEscaped(std::string& Out, std::string_view Text, TEscapePlace Place, TLoneUnit Lone) {
+  if (Text.size() > LongValue) ReserveFor(Out, Text.size() + EscapeDigits * EscapedCount(Plain(Place), Text));
+  const auto Put =
+      Place == TEscapePlace::Record ? &PutPiece<Plain(TEscapePlace::Record)> : &PutPiece<Plain(TEscapePlace::Alone)>;
+  for (std::size_t At = 0; At < Text.size();) {
+    char Piece[PieceRoom];
+    Out.append(Piece, Put(Piece, Text, At, Lone));
+  }
+}
+
+namespace {
+
+/// The UTF-16 unit of the four digits at From; above 0xFFFF when one of them is none.
+unsigned UnitOf(const char* From) {
+  const unsigned First = HexValue(From[0]), Second = HexValue(From[1]), Third = HexValue(From[2]),
+                 Fourth = HexValue(From[3]);
+  if ((First | Second | Third | Fourth) > 15) return 0x10000;
+  return First << 12U | Second << 8U | Third << 4U | Fourth;
+}
+
+/// Moves the bytes from In on up to the next "#" to Out, which lies before In; both are moved behind them.
+void MoveRun(char*& Out, char*& In, const char* End) {
+  for (std::size_t Count = WordSize; Count == WordSize && In < End; Out += Count, In += Count) {
+    const auto Left = static_cast<std::size_t>(End - In);
+    const TByteWord Word = LoadUpTo(In, Left);
+    Count = std::min(FirstFlag(EqualFlags(Word, '#')), Left);
+    StoreBytes(Out, Word, Count);
+  }
+}
+
+}  // namespace
 
 std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits, TLoneUnit Lone) {
   char* const Begin = Text.data();
@@ -137,57 +223,76 @@ std::size_t UnescapeInPlace(std::span<char> Text, std::string& BadDigits, TLoneU
   char* Out = In;
   bool BehindHigh = false;
   while (In < End) {
-    const std::string_view Rest(In + 1, static_cast<std::size_t>(End - In - 1));
-    const std::string_view Digits = Rest.substr(0, Utf16Prefix(Rest, EscapeDigits));
-    if (Digits.size() == Rest.size() && Utf16Length(Digits) < EscapeDigits) break;
-    const auto Unit = HexToUnsigned(Digits);
-    if (!Unit || Digits.size() != EscapeDigits) {
+    const auto Left = static_cast<std::size_t>(End - In);
+    const unsigned Unit = Left < EscapeSize ? 0x10000 : UnitOf(In + 1);
+    if (Unit > 0xFFFF) {
+      // Four characters may be more than four bytes, and fewer than four end the text.
+      const std::string_view Rest(In + 1, Left - 1);
+      const std::string_view Digits = Rest.substr(0, Utf16Prefix(Rest, EscapeDigits));
+      if (Digits.size() == Rest.size() && Utf16Length(Digits) < EscapeDigits) break;
       BadDigits = Digits;
       return 0;
     }
-    In += 1 + EscapeDigits;
-    Out = PutUnit(Out, static_cast<unsigned>(*Unit), BehindHigh, Lone);
-    const auto Left = static_cast<std::size_t>(End - In);
-    char* Hash = Left ? static_cast<char*>(std::memchr(In, '#', Left)) : End;
-    if (!Hash) Hash = End;
-    BehindHigh = Hash == In && IsHigh(static_cast<unsigned>(*Unit));
-    std::memmove(Out, In, static_cast<std::size_t>(Hash - In));
-    Out += Hash - In;
-    In = Hash;
+    In += EscapeSize;
+    if (Unit < 0x80)
+      *Out++ = static_cast<char>(Unit);
+    else
+      Out = PutUnit(Out, Unit, BehindHigh, Lone);
+    char* const Run = In;
+    MoveRun(Out, In, End);
+    BehindHigh = In == Run && IsHigh(Unit);
   }
   return static_cast<std::size_t>(Out - Begin);
 }
 
+namespace {
+
+/// As PutPiece.
+template <TPlainCharacters Plain>
+char* PutOldPiece(char* To, std::string_view Text, std::size_t& At, const TCodePage& Page, std::int64_t& Lost) {
+  const std::size_t End = std::min(Text.size(), At + PieceSize);
+  while (At < End) {
+    const TByteWord Word = LoadUpTo(Text.data() + At, Text.size() - At);
+    StoreWord(To, Word);
+    const std::size_t Count = FirstFlag(~Plain.Flags(Word) & FlagBits);
+    At += Count;
+    To += Count;
+    if (Count == WordSize) continue;
+    for (; At < End && ByteAt(Text, At) < 0x80 && !Plain.Holds(ByteAt(Text, At)); ++At)
+      To = PutByteEscape(To, ByteAt(Text, At));
+    while (At < End && ByteAt(Text, At) >= 0x80) {
+      const std::size_t Start = At;
+      // A character of the page stands for itself: its byte would be turned back into it.
+      if (Page.FromUnicode(NextHighCharacter(Text, At)))
+        for (std::size_t From = Start; From < At; ++From) *To++ = Text[From];
+      else
+        *To++ = '?', ++Lost;
+    }
+  }
+  return To;
+}
+
+}  // namespace
+
 std::int64_t AppendOldEscaped(std::string& Out, std::string_view Text, const TCodePage& Page, TEscapePlace Place) {
-  const TByteClasses& Table = OldClasses[static_cast<int>(Place)];
-  if (Text.size() > LongValue) ReserveFor(Out, EscapedSize(Table, Text));
+  if (Text.size() > LongValue) ReserveFor(Out, Text.size() + (OldEscapeSize - 1) * EscapedCount(OldPlain(Place), Text));
+  const auto Put = Place == TEscapePlace::Record ? &PutOldPiece<OldPlain(TEscapePlace::Record)>
+                                                 : &PutOldPiece<OldPlain(TEscapePlace::Alone)>;
   std::int64_t Lost = 0;
   for (std::size_t At = 0; At < Text.size();) {
-    const std::size_t RunStart = At;
-    At = PlainEnd(Table, Text, At);
-    Out.append(Text, RunStart, At - RunStart);
-    if (At == Text.size()) break;
-    if (Table[static_cast<unsigned char>(Text[At])] == TByteClass::Escaped) {
-      AppendByteEscape(Out, static_cast<unsigned char>(Text[At++]));
-      continue;
-    }
-    const std::size_t Start = At;
-    // A character of the page stands for itself: its byte would be turned back into it.
-    if (Page.FromUnicode(NextCodePoint(Text, At)))
-      Out.append(Text, Start, At - Start);
-    else
-      Out += '?', ++Lost;
+    char Piece[PieceRoom];
+    Out.append(Piece, Put(Piece, Text, At, Page, Lost));
   }
   return Lost;
 }
 
 void AppendOldEscapedBytes(std::string& Out, std::string_view Bytes, const TCodePage& Page, TEscapePlace Place) {
-  const TByteClasses& Table = OldClasses[static_cast<int>(Place)];
+  const TPlainCharacters Plain = OldPlain(Place);
   for (std::size_t At = 0; At < Bytes.size();) {
     std::size_t Stop = At;
-    while (Stop < Bytes.size() && Table[static_cast<unsigned char>(Bytes[Stop])] != TByteClass::Escaped) ++Stop;
+    while (Stop < Bytes.size() && (ByteAt(Bytes, Stop) >= 0x80 || Plain.Holds(ByteAt(Bytes, Stop)))) ++Stop;
     Page.Decode(Bytes.substr(At, Stop - At), Out);
-    if (Stop < Bytes.size()) AppendByteEscape(Out, static_cast<unsigned char>(Bytes[Stop++]));
+    if (Stop < Bytes.size()) AppendByteEscape(Out, ByteAt(Bytes, Stop++));
     At = Stop;
   }
 }

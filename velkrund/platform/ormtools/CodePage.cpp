@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "velkrund/platform/ormtools/ByteWords.h"
 #include "velkrund/platform/ormtools/CodePageTables.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -69,10 +70,10 @@ std::optional<unsigned char> TCodePage::FromUnicode(char32_t Code) const {
 }
 
 void TCodePage::Decode(std::string_view Bytes, std::string& Out) const {
-  const std::size_t Ascii = AsciiPrefix(Bytes);
-  Out += Bytes.substr(0, Ascii);
-  Bytes.remove_prefix(Ascii);
   while (!Bytes.empty()) {
+    const std::size_t Ascii = AsciiPrefix(Bytes);
+    Out += Bytes.substr(0, Ascii);
+    Bytes.remove_prefix(Ascii);
     char Piece[3 * PieceSize];
     char* To = Piece;
     const std::string_view From = Bytes.substr(0, PieceSize);
@@ -89,9 +90,10 @@ void TCodePage::Decode(std::string_view Bytes, std::string& Out) const {
 
 std::int64_t TCodePage::Encode(std::string_view Text, std::string& Out) const {
   std::int64_t Replaced = 0;
-  std::size_t At = AsciiPrefix(Text);
-  Out += Text.substr(0, At);
-  while (At < Text.size()) {
+  for (std::size_t At = 0; At < Text.size();) {
+    const std::size_t Ascii = AsciiPrefix(Text.substr(At));
+    Out += Text.substr(At, Ascii);
+    At += Ascii;
     char Piece[PieceSize];
     std::size_t Filled = 0;
     for (; At < Text.size() && Filled < PieceSize; ++Filled) {
@@ -100,7 +102,7 @@ std::int64_t TCodePage::Encode(std::string_view Text, std::string& Out) const {
         ++At;
         continue;
       }
-      const unsigned char Byte = ByteOf(NextCodePoint(Text, At));
+      const unsigned char Byte = ByteOf(NextHighCharacter(Text, At));
       Piece[Filled] = Byte != 0 ? static_cast<char>(Byte) : '?';
       Replaced += Byte == 0;
     }

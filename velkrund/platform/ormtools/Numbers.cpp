@@ -1,8 +1,10 @@
 #include "velkrund/platform/ormtools/Numbers.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -11,10 +13,27 @@ namespace {
 
 bool IsDigit(char Character) { return Character >= '0' && Character <= '9'; }
 
-template <typename TNumber>
-void AppendWhole(std::string& Out, TNumber Value) {
+/// The numbers from 00 to 99, one behind the other.
+constexpr auto DigitPairs = [] {
+  std::array<char, 200> Pairs{};
+  for (std::size_t Number = 0; Number < 100; ++Number) {
+    Pairs[2 * Number] = static_cast<char>('0' + Number / 10);
+    Pairs[2 * Number + 1] = static_cast<char>('0' + Number % 10);
+  }
+  return Pairs;
+}();
+
+void AppendWhole(std::string& Out, std::uint64_t Value, bool Negative) {
   char Buffer[24];
-  Out.append(Buffer, std::to_chars(Buffer, Buffer + sizeof Buffer, Value).ptr);
+  char* const End = Buffer + sizeof Buffer;
+  char* First = End;
+  for (; Value >= 100; Value /= 100) std::memcpy(First -= 2, &DigitPairs[2 * (Value % 100)], 2);
+  if (Value >= 10)
+    std::memcpy(First -= 2, &DigitPairs[2 * Value], 2);
+  else
+    *--First = static_cast<char>('0' + Value);
+  if (Negative) *--First = '-';
+  Out.append(First, End);
 }
 
 template <typename TNumber>
@@ -128,8 +147,11 @@ std::optional<double> ParseUnusualReal(std::string_view Text, std::size_t& Error
 
 }  // namespace
 
-void AppendInteger(std::string& Out, std::int64_t Value) { AppendWhole(Out, Value); }
-void AppendUnsigned(std::string& Out, std::uint64_t Value) { AppendWhole(Out, Value); }
+void AppendInteger(std::string& Out, std::int64_t Value) {
+  const auto Bits = static_cast<std::uint64_t>(Value);
+  AppendWhole(Out, Value < 0 ? 0 - Bits : Bits, Value < 0);
+}
+void AppendUnsigned(std::string& Out, std::uint64_t Value) { AppendWhole(Out, Value, false); }
 
 void AppendReal(std::string& Out, double Value) {
   if (!std::isfinite(Value)) {

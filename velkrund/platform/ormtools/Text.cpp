@@ -1,6 +1,8 @@
 #include "velkrund/platform/ormtools/Text.h"
 
-#include <cstring>
+#include <algorithm>
+
+#include "velkrund/platform/ormtools/ByteWords.h"
 
 namespace velkrund {
 namespace {
@@ -9,14 +11,9 @@ constexpr char32_t Replacement = 0xFFFD;
 
 unsigned char ByteAt(std::string_view Text, std::size_t Position) { return static_cast<unsigned char>(Text[Position]); }
 
-constexpr std::size_t WordSize = 8;
-
 /// Whether eight bytes of ASCII start at Position.
 bool IsAsciiWord(std::string_view Text, std::size_t Position) {
-  if (Text.size() - Position < WordSize) return false;
-  std::uint64_t Word = 0;
-  std::memcpy(&Word, Text.data() + Position, WordSize);
-  return (Word & 0x8080808080808080) == 0;
+  return Text.size() - Position >= WordSize && (LoadWord(Text.data() + Position) & FlagBits) == 0;
 }
 
 /// A character's bytes, or of a malformed sequence those that one U+FFFD stands for.
@@ -53,8 +50,8 @@ char32_t Decode(std::string_view Text, std::size_t Position, std::size_t Length)
 std::size_t AsciiPrefix(std::string_view Text) {
   std::size_t At = 0;
   while (IsAsciiWord(Text, At)) At += WordSize;
-  while (At < Text.size() && ByteAt(Text, At) < 0x80) ++At;
-  return At;
+  const std::size_t Left = std::min(Text.size() - At, WordSize);
+  return At + std::min(Left, FirstFlag(LoadUpTo(Text.data() + At, Left) & FlagBits));
 }
 
 std::size_t Utf16Length(std::string_view Text) {
@@ -134,14 +131,17 @@ void AppendUtf16Unit(std::string& Out, char16_t Unit) {
 }
 
 std::size_t FindMalformedUtf8(std::string_view Text) {
+  // Below it characters take two bytes where one is enough.
+  constexpr unsigned LeastLead = 0xC2;
   std::size_t At = 0;
   while (At < Text.size()) {
-    if (IsAsciiWord(Text, At)) {
-      At += WordSize;
-      continue;
-    }
-    // Some of the next eight bytes are not ASCII: on behind the first run of those, where looking ahead pays again.
-    while (At < Text.size() && ByteAt(Text, At) < 0x80) ++At;
+    while (IsAsciiWord(Text, At) && IsAsciiWord(Text, At + WordSize)) At += 2 * WordSize;
+    const std::size_t Left = Text.size() - At;
+    const TByteWord Word = LoadUpTo(Text.data() + At, Left);
+    // Zeros stand for bytes behind the end.
+    const std::size_t Known = (Word & FlagBits) == 0 ? WordSize : WholeCharacters<LeastLead>(Word, AsciiFlags(Word));
+    At += std::min(Known, Left);
+    if (Known != 0) continue;
     while (At < Text.size() && ByteAt(Text, At) >= 0x80) {
       const TSequence Sequence = SequenceAt(Text, At);
       if (!Sequence.WellFormed) return At;

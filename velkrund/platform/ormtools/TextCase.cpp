@@ -13,12 +13,18 @@ char32_t Changed(char32_t Code, std::span<const TCaseRange> Ranges) {
   return static_cast<char32_t>(static_cast<std::int32_t>(Code) + Range->Distance);
 }
 
+bool IsAscii(char Byte) { return static_cast<unsigned char>(Byte) < 0x80; }
+
 template <typename TChange>
 std::string ChangeCase(std::string_view Text, TChange Change) {
   std::string Out;
   Out.reserve(Text.size());
   std::size_t At = 0;
   while (At < Text.size()) {
+    if (IsAscii(Text[At])) {
+      Out += static_cast<char>(Change(static_cast<char32_t>(Text[At++])));
+      continue;
+    }
     const std::size_t Start = At;
     const char32_t Code = NextCodePoint(Text, At);
     const char32_t Result = Change(Code);
@@ -51,12 +57,18 @@ std::string UpperCase(std::string_view Text) {
   return ChangeCase(Text, [](char32_t Code) { return UpperCase(Code); });
 }
 
-bool SameText(std::string_view A, std::string_view B) { return CompareText(A, B) == 0; }
+bool SameText(std::string_view A, std::string_view B) { return A == B || CompareText(A, B) == 0; }
 
 int CompareText(std::string_view A, std::string_view B) {
   std::size_t AtA = 0;
   std::size_t AtB = 0;
   while (AtA < A.size() && AtB < B.size()) {
+    if (IsAscii(A[AtA]) && IsAscii(B[AtB])) {
+      const char32_t LowerA = LowerCase(static_cast<char32_t>(A[AtA++]));
+      const char32_t LowerB = LowerCase(static_cast<char32_t>(B[AtB++]));
+      if (LowerA != LowerB) return LowerA < LowerB ? -1 : 1;
+      continue;
+    }
     const std::size_t StartA = AtA;
     const std::size_t StartB = AtB;
     const char32_t CodeA = NextCodePoint(A, AtA);

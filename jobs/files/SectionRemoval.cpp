@@ -2,31 +2,48 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
-#include "jobs/files/LentFile.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
+#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
 
 namespace {
 
-constexpr std::size_t BlockSize = 1024 * 1024;
+constexpr std::int64_t BlockSize = 1024 * 1024;
 
-/// From a position of the stream on, to the end of the file.
-void AddBytes(TStream& From, std::int64_t Start, TFile& To, const std::function<bool()>& Canceled) {
-  const auto Block = std::make_unique<char[]>(BlockSize);
-  std::int64_t Position = To.Size();
-  From.SetPosition(Start);
-  while (const std::size_t Got = From.Read(Block.get(), BlockSize)) {
-    if (Canceled && Canceled()) throw EAbort("Cancelled while sections were removed");
-    To.WriteAt(Position, {Block.get(), Got});
-    Position += static_cast<std::int64_t>(Got);
+/// A copy of a stream, each byte of it read and written once.
+class TCopy {
+ public:
+  TCopy(TStream& From, TFile& To, const std::function<bool()>& Canceled) : FFrom(From), FTo(To), FCanceled(Canceled) {}
+
+  void Add(std::int64_t Start, std::int64_t End) {
+    FFrom.SetPosition(Start);
+    while (Start < End) {
+      if (FCanceled && FCanceled()) throw EAbort("Cancelled while sections were removed");
+      const auto Wanted = static_cast<std::size_t>(std::min<std::int64_t>(End - Start, BlockSize));
+      const std::size_t Got = FFrom.Read(FBlock.get(), Wanted);
+      if (Got == 0) throw EReadError(Format("The file ends at %d and was longer: it was changed meanwhile", Start));
+      FTo.WriteAt(FWritten, {FBlock.get(), Got});
+      Start += static_cast<std::int64_t>(Got);
+      FWritten += static_cast<std::int64_t>(Got);
+    }
   }
-}
 
-TStringList IndexTexts(const std::vector<int>& Indexes) {
-  TStringList Result;
-  for (const int Index : Indexes) Result.Add(std::to_string(Index));
+ private:
+  TStream& FFrom;
+  TFile& FTo;
+  const std::function<bool()>& FCanceled;
+  const std::unique_ptr<char[]> FBlock = std::make_unique_for_overwrite<char[]>(BlockSize);
+  std::int64_t FWritten = 0;
+};
+
+/// Where in the copy stands what stands at Position in the file.
+std::int64_t PlaceInCopy(std::int64_t Position, const std::vector<TEISource::TCut>& Cuts) {
+  std::int64_t Result = Position;
+  for (const TEISource::TCut& Cut : Cuts)
+    if (Cut.End <= Position) Result -= Cut.End - Cut.Start;
   return Result;
 }
 
@@ -39,20 +56,12 @@ void RemoveSections(TFileSystem& Files, TEIFile& File, const std::vector<int>& I
 
 void WriteWithout(TFileInMaking& Copy, TEIFile& File, const std::vector<int>& Indexes,
                   const std::function<bool()>& Canceled) {
-  AddBytes(File.Stream(), 0, Copy.File(), Canceled);
-  for (const std::int64_t Start : File.Held()) Copy.File().WriteAt(Start, "[");
-  {
-    TLentFile Lent(Copy.File(), true);
-    TEIFile Shortened(Lent);
-    Shortened.SetStrictText(false);  // texts are not touched
-    Shortened.SetFileName(File.FileName());
-    Shortened.Open();
-    Shortened.DeleteSections(IndexTexts(Indexes));
-  }
-  // With the last section all that follows it was cut off.
-  const int Last = File.Sections().Count() - 1;
-  if (std::find(Indexes.begin(), Indexes.end(), Last) != Indexes.end())
-    AddBytes(File.Stream(), File.EndOfSection(File.Sections()[Last]), Copy.File(), Canceled);
+  const std::vector<TEISource::TCut> Cuts = File.CutsOf(Indexes);
+  TCopy Bytes(File.Stream(), Copy.File(), Canceled);
+  std::int64_t Kept = 0;
+  for (const TEISource::TCut& Cut : Cuts) Bytes.Add(std::exchange(Kept, Cut.End), Cut.Start);
+  Bytes.Add(Kept, File.Stream().Size());
+  for (const std::int64_t Start : File.Held()) Copy.File().WriteAt(PlaceInCopy(Start, Cuts), "[");
   if (Canceled && Canceled()) throw EAbort("Cancelled while sections were removed");
   Copy.Put();
 }

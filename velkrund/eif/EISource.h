@@ -80,6 +80,14 @@ class TEISource {
   /// before anything is changed.
   void DeleteSections(TStringList List);
 
+  /// Bytes of the stream from Start up to End.
+  struct TCut {
+    std::int64_t Start, End;
+  };
+  /// What to leave out of a copy of the stream so that it is the same without these sections: in their order, none
+  /// touching another. What stands behind the last section stays. Raises as DeleteSections does; nothing is changed.
+  std::vector<TCut> CutsOf(const std::vector<int>& Indexes);
+
   /// The position behind the "[END]" line of a section, or behind the store's end where that is missing.
   std::int64_t EndOfSection(const TEISection& Section);
 
@@ -130,6 +138,7 @@ class TEISource {
   void FinishSection(std::int64_t Start);
   void WriteSection(TEIObject& Object, const std::string& Name, TEISection& Section);
   void WriteHeaderLine(std::string_view Name, std::string_view Value, TKvEncoding Encoding);
+  TCut CutOf(int Index, bool ToTheEnd);
   void DeleteMarked(const std::vector<bool>& Marks);
   bool WouldJoinLineEnd(std::int64_t LastKept, std::int64_t NextKept);
   void MoveDown(std::int64_t& WriteAt, std::int64_t From, std::int64_t To);

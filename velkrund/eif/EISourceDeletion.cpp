@@ -1,6 +1,7 @@
 // How TEISource cuts sections out of its stream: every cut is found first, then what lies between the cuts moves down.
 
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "velkrund/eif/BodySkipper.h"
@@ -56,10 +57,41 @@ bool TEISource::WouldJoinLineEnd(std::int64_t LastKept, std::int64_t NextKept) {
   return LastKept >= 0 && Byte(LastKept) == '\r' && Byte(NextKept) == '\n';
 }
 
+/// ToTheEnd: with the last section goes all that follows it.
+TEISource::TCut TEISource::CutOf(int Index, bool ToTheEnd) {
+  Stream().SetPosition(Index == 0 ? 0 : EndOfSection(FSections[Index - 1]));
+  std::int64_t Start = Stream().Position();
+  while (!TBodySkipper(Stream()).PassLine("[SECTION]")) {
+    Start = Stream().Position();
+    if (Stream().Peek().empty())
+      throw EReadError(
+          Format("Cannot remove section %d: its beginning is no longer there (Position:%d). The file was "
+                 "changed meanwhile; open it again",
+                 Index, Start));
+  }
+  const bool IsLast = Index == FSections.Count() - 1;
+  return {Start, IsLast && ToTheEnd ? Stream().Size() : EndOfSection(FSections[Index])};
+}
+
+std::vector<TEISource::TCut> TEISource::CutsOf(const std::vector<int>& Indexes) {
+  FReadLnCnt = -1;
+  std::vector<TCut> Result;
+  std::int64_t LastKept = -1;
+  for (const int Index : std::set<int>(Indexes.begin(), Indexes.end())) {
+    FSections.Sections(Index);  // refuses an index outside the list
+    TCut Cut = CutOf(Index, false);
+    const bool Touches = !Result.empty() && Result.back().End >= Cut.Start;
+    if (!Touches) LastKept = Cut.Start - 1;
+    if (WouldJoinLineEnd(LastKept, Cut.End)) --Cut.End;  // the section's own LF stays
+    if (Touches)
+      Result.back().End = Cut.End;
+    else
+      Result.push_back(Cut);
+  }
+  return Result;
+}
+
 void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
-  struct TCut {
-    std::int64_t Start, End;
-  };
   std::vector<TCut> Cuts;
   std::vector<std::int64_t> Shifts(Marks.size());
   std::int64_t Shift = 0, LastKept = -1;
@@ -67,22 +99,11 @@ void TEISource::DeleteMarked(const std::vector<bool>& Marks) {
   for (int Index = 0; Index < FSections.Count(); ++Index) {
     Shifts[static_cast<std::size_t>(Index)] = Shift;
     if (!Marks[static_cast<std::size_t>(Index)]) continue;
-    Stream().SetPosition(Index == 0 ? 0 : EndOfSection(FSections[Index - 1]));
-    std::int64_t Start = Stream().Position();
-    while (!TBodySkipper(Stream()).PassLine("[SECTION]")) {
-      Start = Stream().Position();
-      if (Stream().Peek().empty())
-        throw EReadError(
-            Format("Cannot remove section %d: its beginning is no longer there (Position:%d). The file was "
-                   "changed meanwhile; open it again",
-                   Index, Start));
-    }
-    const bool Last = Index == FSections.Count() - 1;
-    std::int64_t End = Last ? OldSize : EndOfSection(FSections[Index]);
-    if (Cuts.empty() || Cuts.back().End < Start) LastKept = Start - 1;
-    if (WouldJoinLineEnd(LastKept, End)) --End;  // the section's own LF stays
-    Cuts.push_back({Start, End});
-    Shift += End - Start;
+    TCut Cut = CutOf(Index, true);
+    if (Cuts.empty() || Cuts.back().End < Cut.Start) LastKept = Cut.Start - 1;
+    if (WouldJoinLineEnd(LastKept, Cut.End)) --Cut.End;  // the section's own LF stays
+    Cuts.push_back(Cut);
+    Shift += Cut.End - Cut.Start;
   }
   std::int64_t WriteAt = Cuts.front().Start;
   for (std::size_t Index = 0; Index < Cuts.size(); ++Index)

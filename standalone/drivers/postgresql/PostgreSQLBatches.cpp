@@ -1,10 +1,9 @@
 #include "standalone/drivers/postgresql/PostgreSQLBatches.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 #include <optional>
 
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLReadOnly.h"
 #include "velkrund/platform/ormtools/Format.h"
 

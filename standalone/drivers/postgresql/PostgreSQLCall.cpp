@@ -1,8 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLCall.h"
 
-#include <libpq-fe.h>
-
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLBatches.h"
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"

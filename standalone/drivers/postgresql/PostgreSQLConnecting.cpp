@@ -1,7 +1,5 @@
 #include "standalone/drivers/postgresql/PostgreSQLConnecting.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "standalone/drivers/AddressSecrets.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLResult.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -83,7 +82,8 @@ class TAttempt {
 /// What the client library goes by, where it has a value.
 TConnectionParameters ParametersOf(pg_conn* Connection) {
   TConnectionParameters Result;
-  const std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption*)> Options(PQconninfo(Connection), PQconninfoFree);
+  const std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption*)> Options(PQconninfo(Connection),
+                                                                               PQconninfoFree.Found());
   for (const PQconninfoOption* Option = Options.get(); Option && Option->keyword; ++Option)
     if (Option->val && *Option->val) Result[Option->keyword] = Option->val;
   return Result;

@@ -1,11 +1,10 @@
 #include "standalone/drivers/postgresql/PostgreSQLDependents.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 #include <set>
 #include <utility>
 
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"

@@ -1,10 +1,9 @@
 #include "standalone/drivers/postgresql/PostgreSQLDriver.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 
 #include "standalone/drivers/AddressSecrets.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnecting.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -56,7 +55,7 @@ TConnectionParameters ParametersOf(const TDatabaseUrl& Url) {
   }
   char* Message = nullptr;
   const TOptions Options(PQconninfoParse(Info.c_str(), &Message));
-  const std::unique_ptr<char, void (*)(void*)> FreeMessage(Message, PQfreemem);
+  const std::unique_ptr<char, void (*)(void*)> FreeMessage(Message, PQfreemem.Found());
   if (!Options) RaiseUnreadable(Url, Message ? Message : "out of memory");
   TConnectionParameters Result = Given(Options.get());
   // Where a password ends at its own "@", the rest of it would go on as the host's name. Sockets may begin with one.

@@ -1,5 +1,4 @@
-#include <libpq-fe.h>
-
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 
 namespace velkrund {

@@ -1,6 +1,5 @@
 #include "standalone/drivers/postgresql/PostgreSQLPipeline.h"
-
-#include <libpq-fe.h>
+#include "standalone/drivers/postgresql/Libpq.h"
 
 namespace velkrund {
 namespace {

@@ -5,10 +5,9 @@
 
 #include "standalone/drivers/postgresql/PostgreSQLQuery.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"

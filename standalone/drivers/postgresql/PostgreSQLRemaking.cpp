@@ -1,10 +1,9 @@
 #include "standalone/drivers/postgresql/PostgreSQLRemaking.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLDependents.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 

@@ -1,7 +1,6 @@
 #include "standalone/drivers/postgresql/PostgreSQLResult.h"
 
-#include <libpq-fe.h>
-
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Text.h"

@@ -1,5 +1,4 @@
-#include <libpq-fe.h>
-
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLDependents.h"
 #include "standalone/drivers/postgresql/PostgreSQLRemaking.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"

@@ -1,6 +1,6 @@
 #include "standalone/drivers/postgresql/PostgreSQLWait.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 
-#include <libpq-fe.h>
 #include <poll.h>
 #include <sys/socket.h>
 

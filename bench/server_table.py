@@ -1,12 +1,17 @@
 """Export and import of a table of a PostgreSQL server, against \\copy of its own shell. For table-data.
 
-Half of the work is done by the server, which is another process: quoted are wall times. The server is a private one
-that does not wait for the disk, so that the machine is measured and not its storage.
+Half of the work is done by the server, which is another process: quoted are wall times, and beside them the processor
+times of both. The server is a private one that does not wait for the disk, so that the machine is measured and not its
+storage.
 """
 
+import os
+import statistics
 import subprocess
 import sys
 import tempfile
+import time
+from collections import defaultdict
 from pathlib import Path
 
 from measuring import ROOT, in_turn, run
@@ -24,27 +29,56 @@ FROM generate_series(1, {rows}) AS i;
 VACUUM (FREEZE, ANALYZE) t;"""
 
 
+class Backends:
+    """The processor time of the server's processes that have ended: those of connections, since nothing else ends."""
+
+    def __init__(self, background_process):
+        self.server = self.stat(background_process)[1]
+        self.others = self.children()
+
+    @staticmethod
+    def stat(process):
+        return Path(f"/proc/{process}/stat").read_text(encoding="utf-8").rpartition(") ")[2].split()
+
+    def children(self):
+        return set(Path(f"/proc/{self.server}/task/{self.server}/children").read_text(encoding="utf-8").split())
+
+    def seconds(self):
+        while self.children() - self.others:
+            time.sleep(0.01)
+        user, system = self.stat(self.server)[13:15]
+        return (int(user) + int(system)) / os.sysconf("SC_CLK_TCK")
+
+
 class ServerTable:
     def __init__(self, url, rows, command, folder):
         self.url, self.rows, self.command, self.folder = url, rows, command, Path(folder)
         self.sql(TABLE.format(rows=rows))
+        self.backends = Backends(self.sql("SELECT pid FROM pg_stat_activity WHERE backend_type = 'checkpointer'").strip())
+        self.server_seconds = defaultdict(list)
 
     def sql(self, statements):
         return subprocess.run(["psql", "-XqAt", "-v", "ON_ERROR_STOP=1", self.url], input=statements, text=True,
                               capture_output=True, check=True).stdout
 
-    def ours(self, *words):
-        return run([self.command, *words, "-d", self.url, "--progress", "none"], self.folder)
+    def run(self, name, command):
+        before = self.backends.seconds()
+        usage = run(command, self.folder)
+        self.server_seconds[name].append(self.backends.seconds() - before)
+        return usage
 
-    def theirs(self, words):
-        return run(["psql", "-Xq", self.url, "-c", "\\copy " + words], self.folder)
+    def ours(self, *words):
+        return self.run("our " + words[0], [self.command, *words, "-d", self.url, "--progress", "none"])
+
+    def theirs(self, name, words):
+        return self.run("their " + name, ["psql", "-Xq", self.url, "-c", "\\copy " + words])
 
     def export_ours(self):
         (self.folder / "rows.eif").unlink(missing_ok=True)
         return self.ours("export", "table", "-t", "t", "-o", "rows.eif")
 
     def export_theirs(self):
-        return self.theirs("t to rows.copy")
+        return self.theirs("export", "t to rows.copy")
 
     def empty(self, table):
         self.sql(f"DROP TABLE IF EXISTS {table}; CREATE TABLE {table} (LIKE t INCLUDING ALL); CHECKPOINT;")
@@ -55,7 +89,7 @@ class ServerTable:
 
     def import_theirs(self):
         self.empty("theirs")
-        return self.theirs("theirs from rows.copy")
+        return self.theirs("import", "theirs from rows.copy")
 
     def check(self):
         found = self.sql("SELECT count(*) FROM ours; SELECT count(*) FROM theirs; SELECT count(*) FROM "
@@ -64,9 +98,15 @@ class ServerTable:
             sys.exit(f"the imported rows differ from the exported ones: {found}")
 
 
-def row(name, ours, theirs, ratio):
-    print(f"  {name}  velkrund {ours.wall:6.2f} s wall {ours.cpu:6.2f} s cpu {ours.peak:5.1f} MiB   "
-          f"psql {theirs.wall:6.2f} s wall {theirs.cpu:6.2f} s cpu {theirs.peak:5.1f} MiB   ratio {ratio:.2f}", flush=True)
+def row(name, table, ours, theirs, ratio):
+    def words(usage, server):
+        # The first run of each does not count.
+        return (f"{usage.wall:6.2f} s wall {usage.cpu:6.2f} s cpu {statistics.median(server[1:]):6.2f} s cpu of the server "
+                f"{usage.peak:5.1f} MiB")
+
+    server = table.server_seconds
+    print(f"  {name}  velkrund {words(ours, server['our ' + name])}   psql {words(theirs, server['their ' + name])}   "
+          f"ratio {ratio:.2f}", flush=True)
 
 
 def measure(rows, options, limits):
@@ -81,8 +121,8 @@ def measure(rows, options, limits):
             table.check()
         finally:
             subprocess.run([SERVER, "stop", server], check=False)
-    row("export", *out)
-    row("import", *back)
+    row("export", table, *out)
+    row("import", table, *back)
     limits.check("export", out[2], options.max_export)
     limits.check("import", back[2], options.max_import)
     limits.check("peak memory", max(out[0].peak, back[0].peak), options.max_memory)

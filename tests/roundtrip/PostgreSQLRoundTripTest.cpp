@@ -43,6 +43,26 @@ TEST_F(PostgreSQLRoundTrip, ATableOfEveryType) {
   Check(std::string(TypeDefinitions) + "CREATE TABLE t (" + Columns + ")", Rows);
 }
 
+// Beside columns of any type all goes as texts.
+TEST_F(PostgreSQLRoundTrip, EveryTypeInATableOfItsOwn) {
+  std::string Schema = TypeDefinitions, Rows;
+  std::vector<std::string> Tables;
+  for (const TTypeCase& Case : TypeCases()) {
+    const std::string& Table = Tables.emplace_back("t" + std::to_string(Tables.size()));
+    Schema += "CREATE TABLE " + Table + " (v " + Case.Type + ");";
+    for (const auto& [Literal, Shown] : Case.Values) Rows += "INSERT INTO " + Table + " VALUES (" + Literal + ");";
+  }
+  const TTestDatabase Source = PostgreSQLDatabase(), Copy = PostgreSQLDatabase();
+  Source.Run(Schema + Rows);
+  Copy.Run(Schema);
+  for (const std::string& Table : Tables) {
+    ASSERT_EQ(Platform.Export(Source, Table, Folder / "1.eif"), "");
+    ASSERT_EQ(Platform.Import(Copy, Folder / "1.eif"), "") << Folder.Read("1.eif");
+    EXPECT_NE(Copy.Cells("SELECT * FROM " + Table), "");
+    EXPECT_EQ(Copy.Cells("SELECT * FROM " + Table), Source.Cells("SELECT * FROM " + Table));
+  }
+}
+
 TEST_F(PostgreSQLRoundTrip, OldVersionForWhatItCanHold) {
   Check(
       "CREATE TABLE t (i integer, r double precision, s text, b bytea, f boolean, d date, h time, m timestamp, n "

@@ -41,9 +41,10 @@ TEST_F(PostgreSQLValuesTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
   const auto Date = [](const char* D) { return [D](TKvVariant& V) { V.SetSysDate(*StrToSysDate(D)); }; };
   const auto Time = [](const char* T) { return [T](TKvVariant& V) { V.SetSysTime(*StrToSysTime(T)); }; };
   const auto Moment = [](const char* M) { return [M](TKvVariant& V) { V.SetDateTime(*SysStrToDateTime(M)); }; };
+  using TSet = std::function<void(TKvVariant&)>;
   struct TCase {
     std::string Type;
-    std::function<void(TKvVariant&)> Set;
+    TSet Set;
     const char* Stored;  // null: refused
   };
   const TCase Cases[] = {
@@ -139,12 +140,20 @@ TEST_F(PostgreSQLValuesTest, WhatWouldChangeIsRefusedWhatFitsIsStoredExactly) {
   };
   Raw.Run(TypeDefinitions);
   Raw.Run("SET timezone = 'UTC'");
-  for (const TCase& Case : Cases) {
+  const auto AppendBehindNull = [&](const TSet& Set, bool InTransaction) {
+    if (InTransaction) Connection->Begin(TIsolationLevel::RepeatableRead);
+    std::string Error = Append("s", {[](TKvVariant& V) { V.SetNull(); }, Set});
+    if (InTransaction) Error == "no error" ? Connection->Commit() : Connection->Rollback();
+    return Error;
+  };
+  for (std::size_t I = 0; I < 2 * std::size(Cases); ++I) {
+    const TCase& Case = Cases[I / 2];
     TKvVariant Value;
     Case.Set(Value);
     SCOPED_TRACE(Case.Type + " <- " + Shown(Value));
     Raw.Run("DROP TABLE IF EXISTS s; CREATE TABLE s (v " + Case.Type + ")");
-    const std::string Error = Append("s", {[](TKvVariant& V) { V.SetNull(); }, Case.Set});
+    // Inside a transaction in binary.
+    const std::string Error = AppendBehindNull(Case.Set, I % 2 != 0);
     if (Case.Stored) {
       EXPECT_EQ(Error, "no error");
       EXPECT_EQ(Raw.Rows("SELECT v FROM s WHERE v IS NOT NULL"), std::string(Case.Stored) + "\n");

@@ -14,4 +14,11 @@ T ReadBigEndian(const char* Bytes) {
   return Result;
 }
 
+/// Writes them from Bytes on.
+template <std::unsigned_integral T>
+void WriteBigEndian(char* Bytes, T Value) {
+  for (std::size_t I = 0; I < sizeof(T); ++I)
+    Bytes[I] = static_cast<char>(static_cast<unsigned char>(Value >> (8 * (sizeof(T) - 1 - I))));
+}
+
 }  // namespace velkrund

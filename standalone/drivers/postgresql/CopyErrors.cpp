@@ -1,14 +1,15 @@
 // The context of an error has one line per level of what the server was doing, e.g.
 //   PL/pgSQL function check_it() line 3 at RAISE
 //   COPY orders, line 17, column price: "12,5"
+// Of binary data it does not show the value:
+//   COPY orders, line 17, column price
 
 #include "standalone/drivers/postgresql/CopyErrors.h"
-
-#include <libpq-fe.h>
 
 #include <algorithm>
 #include <optional>
 
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 
 namespace velkrund {
@@ -27,13 +28,20 @@ std::string_view BehindTable(std::string_view Context, std::string_view TableNam
   return Told.empty() ? BehindLineStart(Context, TableName) : Told;
 }
 
+/// Where the column is named, before a colon or at the end of the line; npos: nowhere.
+std::size_t PlaceOf(std::string_view Text, const std::string& Column) {
+  // French has a blank before the colon.
+  const std::size_t At = std::min(Text.find(' ' + Column + ':'), Text.find(' ' + Column + " :"));
+  const std::string_view Line = Text.substr(0, Text.find('\n'));
+  return Line.ends_with(' ' + Column) ? std::min(At, Line.size() - Column.size() - 1) : At;
+}
+
 /// The column that is named first; of names that begin at the same place the longest.
 std::string ColumnIn(std::string_view Text, const std::vector<std::string>& Columns) {
   std::size_t First = std::string_view::npos;
   std::string Result;
   for (const std::string& Column : Columns) {
-    // French has a blank before the colon.
-    const std::size_t At = std::min(Text.find(' ' + Column + ':'), Text.find(' ' + Column + " :"));
+    const std::size_t At = PlaceOf(Text, Column);
     if (At == std::string_view::npos || At > First || (At == First && Column.size() < Result.size())) continue;
     First = At;
     Result = Column;

@@ -1,10 +1,10 @@
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/CopyErrors.h"
+#include "standalone/drivers/postgresql/Libpq.h"
+#include "standalone/drivers/postgresql/PostgreSQLWrittenColumns.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -30,27 +30,7 @@ std::string InBrackets(const std::vector<std::string>& Triggers) {
   return Triggers.empty() ? std::string() : Format(" (%s)", JoinedInShort(Triggers));
 }
 
-void CheckTakesRows(const TTableInfo& Table, const TPostgreSQLTable& Known, bool ReadOnly, const std::string& What) {
-  if (Known.IsMaterializedView()) throw EDatabaseError(What + ": it is a materialized view");
-  if (Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
-  if (ReadOnly)
-    throw EDatabaseError(What + ": the database is opened for reading only", {.Code = TErrorCode::DatabaseReadOnly});
-}
-
 }  // namespace
-
-std::vector<TPostgreSQLColumn> PostgreSQLWrittenColumns(const TPostgreSQLSession& Session,
-                                                        const TTableDescription& Table, const TPostgreSQLTable& Known,
-                                                        std::span<const int> Columns, const std::string& What) {
-  CheckTakesRows(Table.Table, Known, Session.ReadOnly(), What);
-  std::vector<TPostgreSQLColumn> Result;
-  for (const int Index : Columns) {
-    Result.push_back(ColumnOf(Known, Table.Columns[static_cast<std::size_t>(Index)].Name, What));
-    if (Result.back().Info.Generated)
-      throw EDatabaseError(Format("%s: the engine computes its column '%s'", What, Result.back().Info.Name));
-  }
-  return Result;
-}
 
 TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQLSequences& Sequences,
                                          const TTableDescription& Table, std::span<const int> Columns,
@@ -71,8 +51,13 @@ TPostgreSQLAppender::TPostgreSQLAppender(TPostgreSQLSession& Session, TPostgreSQ
   if (Known.HasTriggers) FTriggers = ReadPostgreSQLTriggers(Session, FTableOid, FWhat, {.OnInsert = true});
   for (const TPostgreSQLColumn& Column : Written) FNames.push_back(Column.Info.Name);
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Written);
+  // Where a value lacks the binary form a COPY has to end: one whole has no place for that, and outside of a
+  // transaction an error later on would no longer take back what that COPY has stored.
+  const bool IsBinary =
+      !FOneWhole && Session.InTransaction() && std::all_of(Written.begin(), Written.end(), HasPostgreSQLBinaryForm);
+  FForm = IsBinary ? &PostgreSQLBinaryForm() : &PostgreSQLTextForm();
   for (const TPostgreSQLColumn& Column : Written)
-    FEncoders.emplace_back(Column, Money, Session.CodePage(), Options.AllowLoss);
+    FEncoders.emplace_back(Column, Money, Session.CodePage(), Options.AllowLoss, *FForm);
   FStatement = InsertText(Session.Dialect().QualifiedName(Table.Table), FNames);
 }
 
@@ -101,19 +86,40 @@ void TPostgreSQLAppender::Fail(const std::string& Message, std::int64_t Record) 
 void TPostgreSQLAppender::Append(std::span<const TKvVariant* const> Row) {
   CheckUsable();
   if (FEncoders.empty()) return InsertDefaults();
-  const std::size_t Start = FRows.size();
-  for (std::size_t I = 0; I < FEncoders.size(); ++I) {
-    if (I > 0) FRows += '\t';
-    if (const TPostgreSQLEncoder::TRefusal Refusal = FEncoders[I].Append(*Row[I], FRows)) {
-      FRows.resize(Start);
-      RaiseRefused(I, *Row[I], Refusal);
-    }
+  if (!PutRow(Row)) {
+    TakeForm(PostgreSQLTextForm());
+    PutRow(Row);
   }
-  FRows += '\n';
   if (!FInPiece) BeginPiece();
   ++FRecord;
   if (FRows.size() >= ChunkSize) Send();
   if (FPieceSize >= MaxPieceSize && !FOneWhole) EndPiece();
+}
+
+/// False: one of its values lacks the form. Raises the error of any other refusal.
+bool TPostgreSQLAppender::PutRow(std::span<const TKvVariant* const> Row) {
+  if (!FInPiece && FRows.empty()) FRows = FForm->Header();
+  const std::size_t Start = FRows.size();
+  FForm->StartRow(FEncoders.size(), FRows);
+  for (std::size_t I = 0; I < FEncoders.size(); ++I) {
+    if (I > 0) FForm->NextCell(FRows);
+    const TPostgreSQLEncoder::TRefusal Refusal = FEncoders[I].Append(*Row[I], FRows);
+    if (!Refusal) continue;
+    FRows.resize(Start);
+    for (std::size_t Put = 0; Put <= I; ++Put) FEncoders[Put].TakeBack();
+    if (FEncoders[I].LacksForm() && FForm != &PostgreSQLTextForm()) return false;
+    RaiseRefused(I, *Row[I], Refusal);
+  }
+  FForm->EndRow(FRows);
+  return true;
+}
+
+/// For this row and those that follow: a COPY has one form.
+void TPostgreSQLAppender::TakeForm(const TPostgreSQLForm& Form) {
+  if (FInPiece) EndPiece();
+  FRows.clear();
+  FForm = &Form;
+  for (TPostgreSQLEncoder& Encoder : FEncoders) Encoder.SetForm(Form);
 }
 
 void TPostgreSQLAppender::RaiseRefused(std::size_t Column, const TKvVariant& Value, std::string_view Reason) const {
@@ -147,7 +153,7 @@ void TPostgreSQLAppender::InsertDefaults() {
 void TPostgreSQLAppender::Send() {
   if (!FCopying) {
     try {
-      FSession.StartCopy(FWhat, FStatement);
+      FSession.StartCopy(FWhat, FStatement + std::string(FForm->Options()));
     } catch (const std::exception& Error) {
       GiveUp(Error.what());
       throw;
@@ -183,6 +189,7 @@ void TPostgreSQLAppender::MarkPiece() {
 void TPostgreSQLAppender::EndPiece() {
   Send();
   FCopying = false;
+  if (!FForm->Trailer().empty() && !FSession.SendRows(FForm->Trailer())) RaisePiece(FSession.Drain());
   FSession.EndRows(nullptr);
   const TPostgreSQLResult Result = FSession.Drain();
   if (!FTriggers.empty()) FSession.DoubtSettings();
@@ -213,10 +220,12 @@ std::int64_t TPostgreSQLAppender::FindRefused() {
   try {
     FSession.Query(FWhat, "ROLLBACK TO SAVEPOINT velkrund_piece");
     std::int64_t Record = FPieceFirst;
-    for (std::string_view Left = FSent; !Left.empty(); ++Record) {
-      const std::size_t Size = Left.find('\n') + 1;
-      FSession.StartCopy(FWhat, FStatement);
-      if (!FSession.SendRows(Left.substr(0, Size))) return 0;
+    std::string_view Left = FSent;
+    for (Left.remove_prefix(FForm->Header().size()); !Left.empty(); ++Record) {
+      const std::size_t Size = FForm->FirstRowSize(Left);
+      FSession.StartCopy(FWhat, FStatement + std::string(FForm->Options()));
+      for (const std::string_view Part : {FForm->Header(), Left.substr(0, Size), FForm->Trailer()})
+        if (!Part.empty() && !FSession.SendRows(Part)) return 0;
       FSession.EndRows(nullptr);
       if (FSession.Drain().TagCount() != 1) return Record;
       Left.remove_prefix(Size);

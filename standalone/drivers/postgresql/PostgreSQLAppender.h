@@ -13,11 +13,6 @@
 
 namespace velkrund {
 
-/// The columns that are to be written. Raises EDatabaseError when the table takes no rows, or the engine computes one.
-std::vector<TPostgreSQLColumn> PostgreSQLWrittenColumns(const TPostgreSQLSession& Session,
-                                                        const TTableDescription& Table, const TPostgreSQLTable& Known,
-                                                        std::span<const int> Columns, const std::string& What);
-
 /// Rows through COPY, in pieces: one ends when it is large, and before every other statement of the connection. The
 /// server tells of most errors at the end of a piece, and then looks whether the rows that others refer to are there: a
 /// table that refers to itself makes one piece.
@@ -37,6 +32,8 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   void Abandon() noexcept override;
   void CheckUsable() const;
   void InsertDefaults();
+  bool PutRow(std::span<const TKvVariant* const> Row);
+  void TakeForm(const TPostgreSQLForm& Form);
   void BeginPiece();
   void Send();
   void EndPiece();
@@ -58,13 +55,14 @@ class TPostgreSQLAppender final : public TBulkAppender, private TPostgreSQLStrea
   std::string FTableBareName;  // without the schema
   std::string FWhat;
   std::string FTableOid;
-  std::string FStatement;
+  std::string FStatement;        // without the words about the form
+  const TPostgreSQLForm* FForm;  // of the piece's rows
   std::vector<std::string> FNames;
   std::vector<TPostgreSQLEncoder> FEncoders;  // one per column
   std::vector<std::string> FTriggers;         // that fire for its rows
   bool FMovesSequences;
   bool FOneWhole = false;      // no end of a piece by size
-  std::string FRows;           // made and not yet handed to the client library
+  std::string FRows;           // with what stands before them; made and not yet handed to the client library
   std::size_t FPieceSize = 0;  // bytes handed over
   const std::int64_t FFirst;   // number of the first record
   std::int64_t FPieceFirst;    // number of the piece's first record

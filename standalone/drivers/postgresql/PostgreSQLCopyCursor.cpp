@@ -2,11 +2,10 @@
 // row the number of cells in 16 bits and per cell its size in 32 bits, -1 for NULL, and its bytes; at the end -1 in
 // place of a number of cells. The server sends one row per message, the header before the first.
 
-#include <libpq-fe.h>
-
 #include <string_view>
 
 #include "standalone/drivers/postgresql/BigEndian.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"

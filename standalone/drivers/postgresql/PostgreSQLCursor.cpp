@@ -1,8 +1,8 @@
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 
-#include <libpq-fe.h>
-
 #include "standalone/drivers/Selection.h"
+#include "standalone/drivers/postgresql/Libpq.h"
+#include "standalone/drivers/postgresql/PostgreSQLForm.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {
@@ -12,11 +12,19 @@ using TColumns = std::vector<TPostgreSQLColumn>;
 
 std::string NameOf(const TPostgreSQLColumn& Column) { return "T." + QuoteStandardName(Column.Info.Name); }
 
+std::string TextOf(const TPostgreSQLColumn& Column) {
+  // A cast would not do: that of inet adds a mask.
+  if (Column.OutputFunction.empty()) return NameOf(Column);
+  // Functions of enumerations, ranges and composites do not take their domains.
+  const std::string Base = Column.DomainOver.empty() ? "" : "::" + Column.DomainOver;
+  return "pg_catalog.textin(" + Column.OutputFunction + "(" + NameOf(Column) + Base + "))";
+}
+
 /// What is sorted by: texts by their bytes, whatever the type makes of case, what travels as a text of the engine's
 /// too, and all else as its type has it.
 std::string PlaceOf(const TPostgreSQLColumn& Column) {
   if (Column.Type == TPostgreSQLType::Text || Column.Type == TPostgreSQLType::Other)
-    return PostgreSQLValueOf(Column) + " COLLATE pg_catalog.\"C\"";
+    return TextOf(Column) + " COLLATE pg_catalog.\"C\"";
   return NameOf(Column) + (Column.HasCollation ? " COLLATE pg_catalog.\"C\"" : "");
 }
 
@@ -40,7 +48,7 @@ std::string CopyText(const TTableDescription& Table, const TPostgreSQLTable& Kno
   bool Plain = Known.Kind == 'r' && !Columns.empty() && Order.empty() && Condition.empty();
   std::string Names;
   for (const TPostgreSQLColumn& Column : Columns) {
-    Plain = Plain && Column.OutputFunction.empty() && !Column.Info.Generated;
+    Plain = Plain && HasPostgreSQLBinaryForm(Column) && !Column.Info.Generated;
     Names += (Names.empty() ? "" : ", ") + QuoteStandardName(Column.Info.Name);
   }
   if (!Plain) return "COPY (" + SelectText(Table, Columns, Order, Condition, Dialect) + ") TO STDOUT (FORMAT binary)";
@@ -50,11 +58,7 @@ std::string CopyText(const TTableDescription& Table, const TPostgreSQLTable& Kno
 }  // namespace
 
 std::string PostgreSQLValueOf(const TPostgreSQLColumn& Column) {
-  // A cast would not do: that of inet adds a mask.
-  if (Column.OutputFunction.empty()) return NameOf(Column);
-  // Functions of enumerations, ranges and composites do not take their domains.
-  const std::string Base = Column.DomainOver.empty() ? "" : "::" + Column.DomainOver;
-  return "pg_catalog.textin(" + Column.OutputFunction + "(" + NameOf(Column) + Base + "))";
+  return HasPostgreSQLBinaryForm(Column) ? NameOf(Column) : TextOf(Column);
 }
 
 void TPostgreSQLCursor::Read(int Column, TKvVariant& Value) {

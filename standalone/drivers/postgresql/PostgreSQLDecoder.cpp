@@ -41,7 +41,10 @@ std::size_t SizeOf(TPostgreSQLType Type) {
 }  // namespace
 
 TPostgreSQLDecoder::TPostgreSQLDecoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money)
-    : FType(Column.Type), FCurrency(Column.Info.Kind == TKvKind::Currency), FMinorUnits(Money.MinorUnits) {}
+    : FType(Column.Type),
+      FSending(SendingOf(Column)),
+      FCurrency(Column.Info.Kind == TKvKind::Currency),
+      FMinorUnits(Money.MinorUnits) {}
 
 void TPostgreSQLDecoder::RaiseMalformed() const {
   throw EDatabaseError("Cannot read a value: the server sent it in a form that is not known here");
@@ -83,8 +86,32 @@ void TPostgreSQLDecoder::Decode(std::string_view Bytes, TKvVariant& Value) const
     case TPostgreSQLType::Text:
     case TPostgreSQLType::TimeTz:
     case TPostgreSQLType::Other:
+      return DecodeText(Bytes, Value);
+  }
+}
+
+void TPostgreSQLDecoder::DecodeText(std::string_view Bytes, TKvVariant& Value) const {
+  constexpr char JsonbFormat = 1;
+  constexpr std::size_t UuidSize = 16;
+  switch (FSending) {
+    case TPostgreSQLSending::Jsonb:
+      if (!Bytes.starts_with(JsonbFormat)) RaiseMalformed();
+      return Value.BorrowText(Bytes.substr(1));
+    case TPostgreSQLSending::Uuid:
+      break;
+    default:
       return Value.BorrowText(Bytes);
   }
+  if (Bytes.size() != UuidSize) RaiseMalformed();
+  std::string& Text = Value.StartText();
+  for (std::size_t I = 0; I < UuidSize; ++I) {
+    constexpr std::string_view Digits = "0123456789abcdef";
+    const auto Byte = static_cast<unsigned char>(Bytes[I]);
+    if (I == 4 || I == 6 || I == 8 || I == 10) Text += '-';
+    Text += Digits[Byte >> 4U];
+    Text += Digits[Byte & 0xFU];
+  }
+  Value.FinishText();
 }
 
 void TPostgreSQLDecoder::DecodeMoney(std::int64_t MinorUnits, TKvVariant& Value) const {

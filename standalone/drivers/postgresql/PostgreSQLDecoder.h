@@ -18,9 +18,11 @@ class TPostgreSQLDecoder {
 
  private:
   void DecodeMoney(std::int64_t MinorUnits, TKvVariant& Value) const;
+  void DecodeText(std::string_view Bytes, TKvVariant& Value) const;
   [[noreturn]] void RaiseMalformed() const;
 
   TPostgreSQLType FType;
+  TPostgreSQLSending FSending;
   bool FCurrency;  // of numeric: a column of amounts
   std::int64_t FMinorUnits;
 };

@@ -1,10 +1,9 @@
 #include "standalone/drivers/postgresql/PostgreSQLEncoder.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "standalone/drivers/postgresql/PostgreSQLChecks.h"
 #include "velkrund/platform/ormtools/Numbers.h"
@@ -23,34 +22,13 @@ std::optional<std::int64_t> ExactInteger(double Value) {
   return static_cast<std::int64_t>(Value);
 }
 
-/// Per byte the letter that stands for it behind a backslash; 0: it stands for itself.
-constexpr auto Escapes = [] {
-  std::array<char, 256> Result{};
-  Result['\\'] = '\\';
-  Result['\n'] = 'n';
-  Result['\r'] = 'r';
-  Result['\t'] = 't';
-  return Result;
-}();
-
-void AppendEscaped(std::string& Out, std::string_view Text) {
-  std::size_t Done = 0;
-  for (std::size_t At = 0; At < Text.size(); ++At) {
-    const char Letter = Escapes[static_cast<unsigned char>(Text[At])];
-    if (Letter == 0) continue;
-    Out.append(Text, Done, At - Done);
-    Out += '\\';
-    Out += Letter;
-    Done = At + 1;
-  }
-  Out.append(Text, Done);
-}
-
 }  // namespace
 
 TPostgreSQLEncoder::TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TPostgreSQLMoney& Money,
-                                       const TCodePage& CodePage, bool AllowLoss)
-    : FType(Column.Type),
+                                       const TCodePage& CodePage, bool AllowLoss, const TPostgreSQLForm& Form)
+    : FForm(&Form),
+      FSending(SendingOf(Column)),
+      FType(Column.Type),
       FMaxCharacters(Column.MaxCharacters),
       FMaxBytes(Column.MaxBytes),
       FScale(Column.Scale),
@@ -62,10 +40,10 @@ TPostgreSQLEncoder::TPostgreSQLEncoder(const TPostgreSQLColumn& Column, const TP
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Append(const TKvVariant& Value, std::string& Out) {
-  FRefusedLoss = false;
+  FRefusedLoss = FLacksForm = FLost = false;
   switch (Value.Kind()) {
     case TKvKind::Null:
-      Out += "\\N";
+      FForm->Null(Out);
       return nullptr;
     case TKvKind::Byte:
     case TKvKind::SmallInt:
@@ -104,7 +82,17 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Lose(TRefusal Refusal) {
   FRefusedLoss = !FAllowLoss;
   if (FRefusedLoss) return Refusal;
   ++FChangedValues;
+  FLost = true;
   return nullptr;
+}
+
+void TPostgreSQLEncoder::TakeBack() {
+  if (std::exchange(FLost, false)) --FChangedValues;
+}
+
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::Written(bool IsWritten) {
+  FLacksForm = !IsWritten;
+  return IsWritten ? nullptr : "it has no form in which the engine would take it";
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutWhole(std::int64_t Value, std::int64_t Min, std::int64_t Max,
@@ -113,7 +101,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutWhole(std::int64_t Value, st
   FHighest = FHasIntegers ? std::max(FHighest, Value) : Value;
   FLowest = FHasIntegers ? std::min(FLowest, Value) : Value;
   FHasIntegers = true;
-  AppendInteger(Out, Value);
+  FForm->Integer(Value, FType, Out);
   return nullptr;
 }
 
@@ -181,21 +169,22 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutReal(double Value, std::stri
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutFloat(double Value, std::string& Out) const {
-  if (FType == TPostgreSQLType::Float8 || !std::isfinite(Value)) {
-    AppendReal(Out, Value);
+  if (FType == TPostgreSQLType::Float8) {
+    FForm->Real(Value, Out);
     return nullptr;
   }
-  if (std::abs(Value) > static_cast<double>(std::numeric_limits<float>::max()))
+  if (std::isfinite(Value) && std::abs(Value) > static_cast<double>(std::numeric_limits<float>::max()))
     return "it is beyond the column's range";
   const auto Single = static_cast<float>(Value);
-  if (static_cast<double>(Single) != Value) return WouldBeRounded;
-  char Digits[32];
-  Out.append(Digits, std::to_chars(std::begin(Digits), std::end(Digits), Single).ptr);
+  if (static_cast<double>(Single) != Value && !std::isnan(Value)) return WouldBeRounded;
+  FForm->Single(Single, Out);
   return nullptr;
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCurrency(TCurrency Value, std::string& Out) {
-  constexpr std::int64_t Units = 10'000;
+  constexpr int CurrencyScale = 4;
+  constexpr std::int64_t Powers[] = {1, 10, 100, 1'000, 10'000};
+  constexpr std::int64_t Units = Powers[CurrencyScale];
   switch (FType) {
     case TPostgreSQLType::Float4:
     case TPostgreSQLType::Float8: {
@@ -207,6 +196,13 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCurrency(TCurrency Value, st
     case TPostgreSQLType::Int8:
     case TPostgreSQLType::Oid:
       return Value.TenThousandths % Units == 0 ? PutInteger(Value.TenThousandths / Units, Out) : WouldBeRounded;
+    case TPostgreSQLType::Numeric:
+      if (const int Scale = std::min(FScale.value_or(CurrencyScale), CurrencyScale); Scale >= 0) {
+        if (Value.TenThousandths % Powers[CurrencyScale - Scale] != 0) return WouldBeRounded;
+        FForm->Amount(Value, Out);
+        return nullptr;
+      }
+      [[fallthrough]];
     default:
       FScratch.clear();
       AppendCurrency(FScratch, Value);
@@ -219,8 +215,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutDecimal(std::string_view Dec
   switch (FType) {
     case TPostgreSQLType::Numeric:
       if (FScale && LastPlace(Decimal) > *FScale) return WouldBeRounded;
-      Out += Decimal;
-      return nullptr;
+      return Written(FForm->Decimal(Decimal, Out));
     case TPostgreSQLType::Money:
       return PutMoney(Decimal, Out);
     case TPostgreSQLType::Text:
@@ -231,26 +226,15 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutDecimal(std::string_view Dec
 }
 
 /// Decimal: digits, with a point where there are decimals.
-TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoney(std::string_view Decimal, std::string& Out) const {
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoney(std::string_view Decimal, std::string& Out) {
   if (LastPlace(Decimal) > FMoneyScale) return WouldBeRounded;
-  const bool Negative = Decimal.starts_with('-');
-  if (Negative) Decimal.remove_prefix(1);
-  const std::size_t Point = std::min(Decimal.find('.'), Decimal.size());
-  // What stands for a minus differs from one setting to the next; brackets are always understood.
-  if (Negative) Out += '(';
-  Out += Decimal.substr(0, Point);
-  if (Point < Decimal.size() && FMoneyScale > 0) {
-    Out += FMoney.DecimalPoint;
-    Out += Decimal.substr(Point + 1, static_cast<std::size_t>(FMoneyScale));
-  }
-  if (Negative) Out += ')';
-  return nullptr;
+  return Written(FForm->Money(Decimal, FMoneyScale, FMoney, Out));
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBoolean(bool Value, std::string& Out) {
   if (FType == TPostgreSQLType::Text) return PutCharacters(Value ? "TRUE" : "FALSE", Out);
   if (FType != TPostgreSQLType::Boolean) return "the column holds no booleans";
-  Out += Value ? 't' : 'f';
+  FForm->Boolean(Value, Out);
   return nullptr;
 }
 
@@ -272,30 +256,28 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMoment(const TKvVariant& Val
     case TPostgreSQLType::Date:
       if (IsTime) return "a time is not a date";
       if (Value.AsDateTime().Microseconds % MicrosecondsPerDay != 0) return "the column would drop its time";
-      AppendSysDate(Out, Value.AsDateTime());
+      FForm->Date(Value.AsDateTime(), Out);
       return nullptr;
     case TPostgreSQLType::Time:
     case TPostgreSQLType::TimeTz:
       if (!IsTime) return "a date is not a time";
       if (WouldRound(Value.AsTimeOfDay())) return FractionLost;
-      AppendSysTime(Out, Value.AsTimeOfDay());
+      FForm->Time(Value.AsTimeOfDay(), Out);
       return nullptr;
     case TPostgreSQLType::Timestamp:
     case TPostgreSQLType::TimestampTz:
       if (IsTime) return "a time is not a date";
       if (WouldRound(Value.AsDateTime().Microseconds)) return FractionLost;
-      AppendSysDateTime(Out, Value.AsDateTime());
+      FForm->Timestamp(Value.AsDateTime(), Out);
       return nullptr;
     default:
       return "the column holds no dates and times";
   }
 }
 
-TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBytes(std::string_view Bytes, std::string& Out) const {
+TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutBytes(std::string_view Bytes, std::string& Out) {
   if (FType != TPostgreSQLType::Bytes) return "the column holds no bytes";
-  Out += "\\\\x";
-  AppendHex(Out, Bytes);
-  return nullptr;
+  return Written(FForm->Bytes(Bytes, Out));
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutAnsi(std::string_view Bytes, std::string& Out) {
@@ -340,10 +322,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutNumberText(std::string_view 
   constexpr const char* Refusal = "the text is not the plain form of a number that the column holds";
   switch (FType) {
     case TPostgreSQLType::Numeric:
-      if (Text == "NaN" || Text == "Infinity" || Text == "-Infinity") {
-        Out += Text;
-        return nullptr;
-      }
+      if (Text == "NaN" || Text == "Infinity" || Text == "-Infinity") return Written(FForm->Decimal(Text, Out));
       [[fallthrough]];
     case TPostgreSQLType::Money:
       return IsPlainDecimal(Text) ? PutDecimal(Text, Out) : Refusal;
@@ -363,8 +342,8 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutNumberText(std::string_view 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMomentText(std::string_view Text, std::string& Out) {
   const bool HasDayAndTime = FType == TPostgreSQLType::Timestamp || FType == TPostgreSQLType::TimestampTz;
   if (HasDayAndTime && IsPostgreSQLDay(Text)) {
-    Out += Text;
-    return Lose("the text is a day without a time; allow losses to store its midnight");
+    const TRefusal Refusal = Lose("the text is a day without a time; allow losses to store its midnight");
+    return Refusal ? Refusal : Written(FForm->MomentText(Text, FType, Out));
   }
   const auto Fits = [&] {
     switch (FType) {
@@ -380,8 +359,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutMomentText(std::string_view 
   };
   if (!Fits()) return "the text is not the plain form of a date or time that the column holds";
   if (FFraction && LongestFraction(Text) > *FFraction) return "its fraction of a second would be rounded";
-  Out += Text;
-  return nullptr;
+  return Written(FForm->MomentText(Text, FType, Out));
 }
 
 TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCharacters(std::string_view Text, std::string& Out) {
@@ -400,8 +378,7 @@ TPostgreSQLEncoder::TRefusal TPostgreSQLEncoder::PutCharacters(std::string_view 
   if (FMaxCharacters && Text.size() > static_cast<std::size_t>(*FMaxCharacters) &&
       CharacterCount(Text) > static_cast<std::size_t>(*FMaxCharacters))
     return "the text is longer than the column takes";
-  AppendEscaped(Out, Text);
-  return nullptr;
+  return Written(FForm->Characters(Text, FSending, Out));
 }
 
 }  // namespace velkrund

@@ -3,6 +3,7 @@
 
 #include "standalone/drivers/postgresql/PostgreSQLNumeric.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -74,7 +75,79 @@ void AppendNumber(std::string& Out, const TNumber& Number) {
   Out.resize(End);
 }
 
+/// Digits: of which the first has the weight Weight; zeros at both ends are none.
+void AppendDigits(std::string& Out, const std::uint16_t* First, const std::uint16_t* Last, int Weight, bool IsNegative,
+                  int Scale) {
+  for (; First != Last && *First == 0; ++First) --Weight;
+  while (Last != First && Last[-1] == 0) --Last;
+  const bool IsZero = First == Last;
+  const auto Append = [&](std::uint16_t Word) {
+    char Bytes[2];
+    WriteBigEndian(Bytes, Word);
+    Out.append(Bytes, sizeof Bytes);
+  };
+  Append(static_cast<std::uint16_t>(Last - First));
+  Append(static_cast<std::uint16_t>(IsZero ? 0 : Weight));
+  Append(IsNegative && !IsZero ? Negative : 0);
+  Append(static_cast<std::uint16_t>(Scale));
+  for (; First != Last; ++First) Append(*First);
+}
+
+/// Up to four digits from At on, as if zeros followed.
+std::optional<std::uint16_t> DigitAt(std::string_view Places, std::size_t At, std::size_t Count) {
+  unsigned Result = 0;
+  for (std::size_t I = 0; I < Count; ++I) {
+    const char Place = At + I < Places.size() ? Places[At + I] : '0';
+    if (Place < '0' || Place > '9') return std::nullopt;
+    Result = Result * 10 + static_cast<unsigned>(Place - '0');
+  }
+  return static_cast<std::uint16_t>(Result);
+}
+
 }  // namespace
+
+bool AppendPostgreSQLDecimal(std::string& Out, std::string_view Decimal) {
+  constexpr std::size_t MaxPlaces = 1000;
+  if (Decimal == "NaN") {
+    Out.append("\0\0\0\0\xC0\0\0\0", HeaderSize);
+    return true;
+  }
+  const bool IsNegative = Decimal.starts_with('-');
+  if (IsNegative) Decimal.remove_prefix(1);
+  if (Decimal.size() > MaxPlaces) return false;
+  const std::size_t Point = std::min(Decimal.find('.'), Decimal.size());
+  const std::string_view Whole = Decimal.substr(0, Point);
+  const std::string_view Decimals = Decimal.substr(std::min(Point + 1, Decimal.size()));
+  if (Whole.empty()) return false;
+  std::array<std::uint16_t, MaxPlaces / DigitPlaces + 2> Digits;
+  std::size_t Count = 0;
+  const auto Take = [&](std::string_view Places, std::size_t At, std::size_t Size) {
+    const std::optional<std::uint16_t> Digit = DigitAt(Places, At, Size);
+    Digits[Count++] = Digit.value_or(0);
+    return Digit.has_value();
+  };
+  const std::size_t Head = Whole.size() % DigitPlaces;
+  if (Head != 0 && !Take(Whole, 0, Head)) return false;
+  for (std::size_t At = Head; At < Whole.size(); At += DigitPlaces)
+    if (!Take(Whole, At, DigitPlaces)) return false;
+  const int Weight = static_cast<int>(Count) - 1;
+  for (std::size_t At = 0; At < Decimals.size(); At += DigitPlaces)
+    if (!Take(Decimals, At, DigitPlaces)) return false;
+  AppendDigits(Out, Digits.data(), Digits.data() + Count, Weight, IsNegative, static_cast<int>(Decimals.size()));
+  return true;
+}
+
+void AppendPostgreSQLAmount(std::string& Out, TCurrency Amount) {
+  constexpr int MaxDigits = 5;
+  const auto Bits = static_cast<std::uint64_t>(Amount.TenThousandths);
+  std::uint64_t Left = Amount.TenThousandths < 0 ? 0 - Bits : Bits;
+  std::array<std::uint16_t, MaxDigits> Digits;
+  // Four places behind the point are one digit, the last.
+  for (std::size_t I = MaxDigits; I-- > 0; Left /= Base) Digits[I] = static_cast<std::uint16_t>(Left % Base);
+  int Scale = 0;
+  for (unsigned Rest = Digits.back(), Place = Base / 10; Rest != 0; Rest %= Place, Place /= 10) ++Scale;
+  AppendDigits(Out, Digits.data(), Digits.data() + MaxDigits, MaxDigits - 2, Amount.TenThousandths < 0, Scale);
+}
 
 bool DecodePostgreSQLNumeric(std::string_view Bytes, bool AsCurrency, TKvVariant& Value) {
   if (Bytes.size() < HeaderSize) return false;

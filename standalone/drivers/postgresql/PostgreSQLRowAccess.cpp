@@ -1,12 +1,11 @@
 #include "standalone/drivers/postgresql/PostgreSQLRowAccess.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 
 #include "standalone/drivers/RowCopy.h"
 #include "standalone/drivers/Selection.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLRowCopy.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/PostgreSQLMoment.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -134,17 +135,10 @@ std::string TableStatement() {
       "AND c.relkind = ANY ('{r,p,f,v,m}') ORDER BY a.attnum");
 }
 
-}  // namespace
-
-TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid) {
-  TPostgreSQLColumn Result;
-  SetType(Result, Oid, -1, 0, {});
-  return Result;
-}
-
-TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What) {
-  const std::string& Schema = Session.Dialect().SchemaOf(Table);
-  const TPostgreSQLResult Rows = Session.Query(What, TableStatement(), {Schema.c_str(), Table.Name.c_str()});
+TPostgreSQLTable ReadFromCatalogue(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& Schema,
+                                   const std::string& What) {
+  static const std::string Statement = TableStatement();
+  const TPostgreSQLResult Rows = Session.Query(What, Statement, {Schema.c_str(), Table.Name.c_str()});
   if (Rows.RowCount() == 0)
     throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)),
                          {.Code = TErrorCode::TableMissing});
@@ -164,6 +158,25 @@ TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableIn
     Result.Columns.push_back(std::move(Column));
   }
   return Result;
+}
+
+}  // namespace
+
+TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid) {
+  TPostgreSQLColumn Result;
+  SetType(Result, Oid, -1, 0, {});
+  return Result;
+}
+
+TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What) {
+  const std::string& Schema = Session.Dialect().SchemaOf(Table);
+  TPostgreSQLMoment* const Moment = Session.Moment();
+  if (!Moment) return ReadFromCatalogue(Session, Table, Schema, What);
+  const std::pair Key(Schema, Table.Name);
+  auto Known = Moment->Described.find(Key);
+  if (Known == Moment->Described.end())
+    Known = Moment->Described.emplace(Key, ReadFromCatalogue(Session, Table, Schema, What)).first;
+  return Known->second;
 }
 
 std::vector<TPostgreSQLColumn> ReadPostgreSQLColumns(TPostgreSQLSession& Session,
@@ -197,6 +210,14 @@ std::vector<TPostgreSQLColumn> ReadPostgreSQLColumns(TPostgreSQLSession& Session
     SetType(Result[I], Columns[I].Type, Columns[I].Modifier, Rows.Integer(Row, 1), Rows.Text(Row, 2));
   }
   return Result;
+}
+
+TPostgreSQLSending SendingOf(const TPostgreSQLColumn& Column) {
+  const std::string_view Output = Column.OutputFunction;
+  if (Column.Type == TPostgreSQLType::Text && Output.empty()) return TPostgreSQLSending::Characters;
+  if (Output == "pg_catalog.enum_out" || Output == "pg_catalog.json_out") return TPostgreSQLSending::Characters;
+  if (Output == "pg_catalog.jsonb_out") return TPostgreSQLSending::Jsonb;
+  return Output == "pg_catalog.uuid_out" ? TPostgreSQLSending::Uuid : TPostgreSQLSending::OnlyText;
 }
 
 const TPostgreSQLColumn& ColumnOf(const TPostgreSQLTable& Table, std::string_view Name, const std::string& What) {

@@ -33,6 +33,14 @@ enum class TPostgreSQLType : std::uint8_t {
   Other,  // by the text that the engine writes and reads
 };
 
+/// What a value that is held as a text travels as where the engine does not read its text.
+enum class TPostgreSQLSending : std::uint8_t {
+  Characters,  // its bytes
+  Jsonb,       // the same behind a number
+  Uuid,        // 16 bytes
+  OnlyText,    // what is not known here
+};
+
 /// A column as the engine knows it. What is said of a domain is that of the type below it.
 struct TPostgreSQLColumn {
   TColumnInfo Info;
@@ -45,6 +53,9 @@ struct TPostgreSQLColumn {
   std::string DomainOver;            // quoted name of the type below; empty: it is of no domain
   std::string OutputFunction;        // quoted name of what makes the text; empty: the value is read as it is
 };
+
+/// Of a column of type Text, TimeTz or Other.
+TPostgreSQLSending SendingOf(const TPostgreSQLColumn& Column);
 
 /// A table with what its description leaves out.
 struct TPostgreSQLTable {

@@ -1,11 +1,12 @@
 #include "standalone/drivers/postgresql/PostgreSQLUpdater.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLAppender.h"
+#include "standalone/drivers/postgresql/PostgreSQLInsertTriggers.h"
+#include "standalone/drivers/postgresql/PostgreSQLWrittenColumns.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Numbers.h"
 #include "velkrund/platform/ormtools/Wording.h"
@@ -51,7 +52,7 @@ TPostgreSQLUpdater::TPostgreSQLUpdater(TPostgreSQLSession& Session, TPostgreSQLS
   const TPostgreSQLMoney Money = ReadPostgreSQLMoney(Session, Written);
   for (const TPostgreSQLColumn& Column : Written) {
     FNames.push_back(Column.Info.Name);
-    FEncoders.emplace_back(Column, Money, Session.CodePage(), Options.AllowLoss);
+    FEncoders.emplace_back(Column, Money, Session.CodePage(), Options.AllowLoss, PostgreSQLTextForm());
   }
   MakeStatement(Table, Key);
 }

@@ -33,6 +33,12 @@ enum class TCommit : int {
 };
 /// Those on the tables that are loaded.
 enum class TTriggers : int { Fire = 0, Off = 1 };
+/// Indexes of the tables that are loaded which are there for queries alone, neither unique nor a key.
+enum class TIndexPolicy : int {
+  Auto = 0,     // made again behind the rows where many come into an empty table
+  Keep = 1,     // every row goes into them as it comes
+  Rebuild = 2,  // made again behind the rows wherever that can be done
+};
 /// Rows of tables that are loaded which refer to rows that are nowhere.
 enum class TBrokenReferencePolicy : int { Refuse = 0, Allow = 1 };
 /// Names that some databases do not take, of tables and views that are to be made.
@@ -79,6 +85,7 @@ struct TPolicies {
   TUnfinishedPolicy Unfinished = TUnfinishedPolicy::Refuse;  // skipped ones are named in the report
   TCommit Commit = TCommit::Run;
   TTriggers Triggers = TTriggers::Fire;
+  TIndexPolicy TableIndexes = TIndexPolicy::Auto;
   TBrokenReferencePolicy BrokenReferences = TBrokenReferencePolicy::Refuse;  // counted where they are allowed
   TCreateTables CreateTables = TCreateTables::Ask;
   TMadeNames Names = TMadeNames::Keep;

@@ -17,6 +17,7 @@ struct TPolicyProperties {
   static constexpr std::string_view FieldChoices[] = {"skip", "refuse"};
   static constexpr std::string_view CommitChoices[] = {"run", "each"};
   static constexpr std::string_view TriggerChoices[] = {"fire", "off"};
+  static constexpr std::string_view IndexChoices[] = {"auto", "keep", "rebuild"};
   static constexpr std::string_view ReferenceChoices[] = {"refuse", "allow"};
   static constexpr std::string_view LongNameChoices[] = {"ask", "keep", "cancel"};
   static constexpr std::string_view SourceChoices[] = {"ask", "skip", "stop"};
@@ -57,6 +58,11 @@ struct TPolicyProperties {
       "Commit", "what stays together: the whole run, or tables that hang together by themselves", CommitChoices);
   static constexpr TProperty Triggers = ChoiceOf<Record, &TPolicies::Triggers>(
       "Triggers", "of the tables that are loaded: they fire, or are switched off meanwhile", TriggerChoices);
+  static constexpr TProperty TableIndexes =
+      ChoiceOf<Record, &TPolicies::TableIndexes>("TableIndexes",
+                                                 "that are there for queries alone: made again behind many rows for an "
+                                                 "empty table, kept up row by row, made again",
+                                                 IndexChoices);
   static constexpr TProperty BrokenReferences = ChoiceOf<Record, &TPolicies::BrokenReferences>(
       "BrokenReferences", "rows that refer to rows which are nowhere: refuse them, let them in; counted",
       ReferenceChoices);

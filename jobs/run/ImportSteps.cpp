@@ -5,6 +5,7 @@
 
 #include "jobs/policies/Policies.h"
 #include "velkrund/eif/EIFile.h"
+#include "velkrund/operations/TablePlan.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 
@@ -28,8 +29,10 @@ void TImportSteps::Add(TInputFile& Input, int Index, TImportPart* Part) {
   Item.File = Input.Name();
   if (Part) Part->Add(Input, Index, Item, Step.Number);
   FOutcome.Items.push_back(std::move(Item));
-  if (!FSteps.emplace(TPosition(Input.Name(), Section.Position), Step).second)
+  const auto [Place, IsNew] = FSteps.emplace(TPosition(Input.Name(), Section.Position), Step);
+  if (!IsNew)
     throw ESettingsError(Format("two inputs go by the name '%s': give one of the files another name", Input.Name()));
+  if (Step.IsTable) FOfTables.emplace(LowerCase(FOutcome.Items.back().Table), &Place->second);
 }
 
 const TImportStep& TImportSteps::StepOf(const TEIFile& File, const TEISection& Section) const {
@@ -56,17 +59,20 @@ std::vector<TLoadTarget> TImportSteps::Targets() const {
   std::vector<TLoadTarget> Result;
   for (const auto& [Place, Step] : FSteps) {
     if (!IsTaken(Step) || !Step.Part || Step.Part->IsMade(Step.Number)) continue;
-    if (std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number)) Result.push_back(std::move(*Target));
+    std::optional<TLoadTarget> Target = Step.Part->TargetOf(Step.Number);
+    if (!Target) continue;
+    Target->Many = HoldsManyRows(Step.Bytes);
+    Result.push_back(std::move(*Target));
   }
   return Result;
 }
 
 bool TImportSteps::HaveLostRows(const std::string& Table) const {
   bool Result = false;
-  for (const auto& [Place, Step] : FSteps) {
-    const TItem& Item = ItemOf(Step);
-    if (!Step.IsTable || !SameText(Item.Table, Table) || !IsTaken(Step)) continue;
-    if (Item.State == TItemState::Done) return false;
+  const auto [First, Last] = FOfTables.equal_range(LowerCase(Table));
+  for (auto Each = First; Each != Last; ++Each) {
+    if (!IsTaken(*Each->second)) continue;
+    if (ItemOf(*Each->second).State == TItemState::Done) return false;
     Result = true;
   }
   return Result;

@@ -29,7 +29,7 @@ class TImportSteps {
   /// Outcome: borrowed.
   explicit TImportSteps(TOutcome& Outcome) : FOutcome(Outcome) {}
 
-  void Clear() { FSteps.clear(); }
+  void Clear() { FSteps.clear(), FOfTables.clear(); }
   /// Adds the section and its item. Raises ESettingsError where two inputs go by one name, and what the part does.
   void Add(TInputFile& Input, int Index, TImportPart* Part);
 
@@ -56,6 +56,7 @@ class TImportSteps {
 
   TOutcome& FOutcome;
   std::map<TPosition, TImportStep> FSteps;
+  std::multimap<std::string, const TImportStep*> FOfTables;  // those with rows, by the table in lower case
 };
 
 }  // namespace velkrund

@@ -10,6 +10,9 @@ TLoadOptions LoadOptionsOf(const TPolicies& Policies) {
   Result.InGroups = Policies.Commit == TCommit::Each || Policies.OnError == TOnError::Continue ||
                     (Policies.OnError == TOnError::Ask && CanAsk());
   Result.Triggers = Policies.Triggers == TTriggers::Fire;
+  Result.Indexes = Policies.TableIndexes == TIndexPolicy::Keep      ? TIndexUpkeep::Keep
+                   : Policies.TableIndexes == TIndexPolicy::Rebuild ? TIndexUpkeep::Rebuild
+                                                                    : TIndexUpkeep::Auto;
   Result.BrokenReferences = Policies.BrokenReferences == TBrokenReferencePolicy::Allow;
   return Result;
 }

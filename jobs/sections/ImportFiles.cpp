@@ -29,6 +29,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::RepeatedTables,
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
+    TPolicyRows::TableIndexes,
     TPolicyRows::BrokenReferences,
     TPolicyRows::CreateTables,
     TPolicyRows::LongNames,

@@ -28,6 +28,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::MissingFields,
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
+    TPolicyRows::TableIndexes,
     TPolicyRows::BrokenReferences,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,
@@ -87,7 +88,10 @@ void TJobCopyTables::Run() {
   Plan();
   Settle();
   std::vector<TLoadTarget> Targets;
-  for (const std::size_t Number : Taken()) Targets.push_back({FCopies[Number].Into(), !FCopies[Number].Keep});
+  for (const std::size_t Number : Taken()) {
+    const TPlannedCopy& Copy = FCopies[Number];
+    Targets.push_back({Copy.Into(), !Copy.Keep, HasManyRows(Copy.Source.Table)});
+  }
   if (Targets.empty()) return;
   FLoading = Relations()->Load(DatabaseName, Targets, LoadOptionsOf(Policies));
   if (Policies.DryRun) return MakePlan();
@@ -254,6 +258,14 @@ bool TJobCopyTables::CopyGroup(const std::vector<std::size_t>& Numbers, std::siz
   }
 }
 
+/// So many that it pays to prepare a table for them.
+bool TJobCopyTables::HasManyRows(const TTableInfo& Source) const {
+  constexpr std::int64_t Many = 10'000;
+  // A view is not to be run for that.
+  return Policies.TableIndexes == TIndexPolicy::Auto && Source.Kind == TTableKind::Table &&
+         Manager().Databases().Connection(SourceDatabaseName).Schema().HasAtLeast(Source, Many);
+}
+
 /// Of tables whose rows may go when those of their targets go: what a view shows, what hangs on them by a trigger.
 std::vector<std::int64_t> TJobCopyTables::SourceRows(const std::vector<std::size_t>& Numbers) const {
   std::vector<std::int64_t> Result;
@@ -295,9 +307,7 @@ void TJobCopyTables::CopyOne(std::size_t Number) {
   Operation.Update = Update;
   Operation.StrictText = !Policies.AllowLoss;
   Operation.Loading = FLoading.get();
-  Operation.FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
-    ShowPart(Current, Total, Name);
-  };
+  Operation.FOnShowProgress = PartProgress();
   const auto Start = std::chrono::steady_clock::now();
   BeginPart(Item.Source, "rows");
   const int Result = Operation.Execute();

@@ -51,6 +51,7 @@ class TJobCopyTables final : public TSectionsJob {
   void MakePlan();
   void CopyAll();
   bool CopyGroup(const std::vector<std::size_t>& Numbers, std::size_t Group);
+  bool HasManyRows(const TTableInfo& Source) const;
   std::vector<std::int64_t> SourceRows(const std::vector<std::size_t>& Numbers) const;
   void RefuseEmptied(const std::vector<std::size_t>& Numbers, const std::vector<std::int64_t>& Before) const;
   void CopyOne(std::size_t Number);

@@ -18,6 +18,7 @@ constexpr TProperty Properties[] = {
     TPolicyRows::RepeatedTables,
     TPolicyRows::Commit,
     TPolicyRows::Triggers,
+    TPolicyRows::TableIndexes,
     TPolicyRows::BrokenReferences,
     TPolicyRows::DryRun,
     TPolicyRows::AllowLoss,

@@ -40,6 +40,7 @@ void TKeyedLoading::TakeTargets(const std::vector<TLoadTarget>& Targets) {
   for (const TLoadTarget& Target : Targets) {
     const auto [Place, IsNew] = FTargets.try_emplace(Target.Table);
     Place->second.Replaced = Place->second.Replaced || Target.Empty;
+    Place->second.Many = Place->second.Many || Target.Many;
     if (!IsNew) continue;
     // The list leaves parts of other tables out.
     const auto Found = Known.find(Target.Table);
@@ -123,6 +124,7 @@ void TKeyedLoading::CheckEmptying() const {
 void TKeyedLoading::AddNeeds(std::size_t Group, TLoadNeeds& Needs) const {
   Needs.TriggersOff = !FOptions.Triggers;
   Needs.BrokenReferences = FOptions.BrokenReferences;
+  Needs.RebuildsIndexes = FOptions.Indexes == TIndexUpkeep::Rebuild && !TriggersFire();
   for (const std::string& Table : FOrder->Tables(Group)) {
     const TTarget& Target = FTargets.at(Table);
     Needs.Targets.push_back({Target.Info, Target.Replaced, Target.HasDeleteTriggers});
@@ -186,7 +188,52 @@ void TKeyedLoading::Prepare() {
   CountBroken();
   EmptyTables();
   FSafeguards->EndEmptying();
+  DropIndexes();
   FSafeguards->BeginRows();
+}
+
+/// Any of the run's, which may ask any of its tables.
+bool TKeyedLoading::TriggersFire() const {
+  return std::any_of(FTriggers.begin(), FTriggers.end(),
+                     [this](const TTrigger& One) { return FOptions.Triggers || One.IsRule; });
+}
+
+/// Where rows come and go, the engine may find less to do in the indexes than in all of the table.
+bool TKeyedLoading::DropsIndexes(const TTarget& Target) const {
+  if (Target.Info.Kind != TTableKind::Table || FOptions.Indexes == TIndexUpkeep::Keep) return false;
+  if (FOptions.Indexes == TIndexUpkeep::Rebuild) return true;
+  return Target.Many && Target.Deleted == 0 && !TriggersFire() && !FConnection.Schema().HasRows(Target.Info);
+}
+
+void TKeyedLoading::DropIndexes() {
+  FIndexRemarks.clear();
+  constexpr const char* Reasons[] = {"",
+                                     "M_Velkrund_ComUtils_IndexesStayForCursor",
+                                     "M_Velkrund_ComUtils_IndexesStayForOthers",
+                                     "M_Velkrund_ComUtils_IndexesStayForRight",
+                                     "M_Velkrund_ComUtils_IndexesStayForWatcher",
+                                     "M_Velkrund_ComUtils_IndexesStayForName",
+                                     "M_Velkrund_ComUtils_IndexesStayForMarks"};
+  for (const std::string& Table : FOrder->Tables(FGroup)) {
+    TTarget& Target = FTargets.at(Table);
+    if (!DropsIndexes(Target)) continue;
+    TLText Remark;
+    if (TriggersFire())
+      Remark = LText("M_Velkrund_ComUtils_IndexesStayForTriggers", Table);
+    else if (const TIndexObstacle Obstacle = FSafeguards->DropIndexes(Target.Info); Obstacle != TIndexObstacle::None)
+      Remark = LText(Reasons[static_cast<std::size_t>(Obstacle)], Table);
+    if (!Remark.Empty() && FOptions.Indexes == TIndexUpkeep::Rebuild) FIndexRemarks.push_back(std::move(Remark));
+  }
+}
+
+void TKeyedLoading::MakeIndexes(TSafeguards& Safeguards) {
+  for (const std::string& Table : FOrder->Tables(FGroup)) {
+    const TTableInfo& Info = FTargets.at(Table).Info;
+    const auto Count = static_cast<std::int64_t>(Safeguards.DroppedIndexes(Info));
+    if (Count == 0) continue;
+    FManager.Notice(LCounted("M_Velkrund_ComUtils_MakingIndexes", Count, Count, Table).Local());
+    Safeguards.MakeIndexes(Info);
+  }
 }
 
 /// Of the group's tables, and of all others that refer to them.
@@ -234,10 +281,11 @@ void TKeyedLoading::End(bool Whole) {
   const std::unique_ptr<TSafeguards> Safeguards = std::move(FSafeguards);
   const std::unique_ptr<TReferenceCheck> References = std::move(FReferences);
   if (!Transaction || !Whole) return;
-  std::vector<TLText> Remarks;
+  std::vector<TLText> Remarks = std::exchange(FIndexRemarks, {});
   Safeguards->EndRows();
   References->Compare(Remarks);
   NoteMoved();
+  MakeIndexes(*Safeguards);
   RebuildTextIndexes(Remarks);
   Safeguards->PutBack();
   Transaction->Commit();

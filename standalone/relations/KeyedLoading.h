@@ -36,6 +36,7 @@ class TKeyedLoading final : public TTableLoading {
   struct TTarget {
     TTableInfo Info;
     bool Replaced = false;
+    bool Many = false;               // rows come
     bool HasDeleteTriggers = false;  // which fire when it is emptied
     std::int64_t Deleted = 0;
   };
@@ -60,6 +61,10 @@ class TKeyedLoading final : public TTableLoading {
   void CountBroken();
   std::string SlowDeletion(const std::string& Table) const;
   void EmptyTables();
+  bool DropsIndexes(const TTarget& Target) const;
+  void DropIndexes();
+  void MakeIndexes(TSafeguards& Safeguards);
+  bool TriggersFire() const;
   void RebuildTextIndexes(std::vector<TLText>& Remarks);
   void TellTriggers();
   void TellNames(const char* Key, const std::function<bool(const TTrigger&)>& IsMeant);
@@ -82,6 +87,7 @@ class TKeyedLoading final : public TTableLoading {
   std::unique_ptr<TTransaction> FTransaction;
   std::unique_ptr<TSafeguards> FSafeguards;
   std::unique_ptr<TReferenceCheck> FReferences;
+  std::vector<TLText> FIndexRemarks;  // of indexes that were to be made again, and stay
   std::vector<TLText> FRemarks;
 };
 

@@ -290,6 +290,7 @@ std::optional<TLoadTarget> TUOImportFile::TargetOf(TEIFile& File, const TEISecti
   std::optional<TLoadTarget> Target = Host().TargetOf(File, Section);
   // Query data name no table themselves.
   if (Target && !IsTableData(Section) && HasFailed(Target->Table)) return std::nullopt;
+  if (Target) Target->Many = HoldsManyRows(Section.DataSize);
   return Target;
 }
 

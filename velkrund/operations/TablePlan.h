@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,9 @@
 #include "velkrund/platform/database/Relations.h"
 
 namespace velkrund {
+
+/// Whether a section with a body of that size holds so many rows that it pays to prepare a table for them.
+constexpr bool HoldsManyRows(std::int64_t Bytes) { return Bytes >= std::int64_t{1} << 20U; }
 
 /// The table data sections of a run, of one file or several, and the loading that they have in common.
 class TTablePlan {

@@ -43,6 +43,7 @@ const std::map<std::string_view, std::string_view> OptionNames = {
     {"MissingSources", "--missing"},
     {"Commit", "--commit"},
     {"Triggers", "--triggers"},
+    {"TableIndexes", "--indexes"},
     {"BrokenReferences", "--broken-references"},
     {"MadeNames", "--names"},
     {"Names", "--name"},

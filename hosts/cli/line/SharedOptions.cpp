@@ -50,6 +50,11 @@ std::vector<TOption> TSharedOptions::FillingOptions(TPolicies& Policies, std::st
                         "triggers of the tables that are loaded: let them fire, as with every other insert, or switch "
                         "them off for the load; the report names them (default: fire)",
                         {{"fire", TTriggers::Fire}, {"off", TTriggers::Off}}, Policies.Triggers),
+      Choice<TIndexPolicy>("--indexes",
+                           "indexes of the tables that are loaded, but for unique ones: kept up row by row, or dropped "
+                           "and made again behind the rows (default: the latter where many rows come into an empty "
+                           "table)",
+                           {{"keep", TIndexPolicy::Keep}, {"rebuild", TIndexPolicy::Rebuild}}, Policies.TableIndexes),
       Choice<TBrokenReferencePolicy>(
           "--broken-references",
           "rows that refer to rows which are nowhere: refuse them, or let them in; the "

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -44,62 +45,58 @@ std::string Literal(std::string_view Text) {
 }  // namespace
 
 std::string PostgreSQLNamesOf(const TLoadNeeds& Needs, const TPostgreSQLDialect& Dialect) {
-  std::string Result = "{";
-  for (const TLoadNeeds::TTarget& Target : Needs.Targets) {
-    Result += Result.size() > 1 ? ",\"" : "\"";
-    for (const char C : Dialect.QualifiedName(Target.Table)) {
-      if (C == '"' || C == '\\') Result += '\\';
-      Result += C;
-    }
-    Result += '"';
-  }
-  return Result += '}';
-}
-
-bool TPostgreSQLLocks::NeedsOwner(const TTableInfo& Table) const {
-  return std::any_of(FNeeds.Circular.begin(), FNeeds.Circular.end(),
-                     [&](const TForeignKey& Key) { return FullName(Key.From) == FullName(Table); });
+  std::vector<std::string> Names;
+  for (const TLoadNeeds::TTarget& Target : Needs.Targets) Names.push_back(Dialect.QualifiedName(Target.Table));
+  return PostgreSQLArray(Names);
 }
 
 /// A replaced table is kept from writers, whose changes could otherwise not be told from what is deleted; readers go
 /// on.
 const char* TPostgreSQLLocks::ModeFor(const TLoadNeeds::TTarget& Target) const {
-  if (NeedsOwner(Target.Table)) return "ACCESS EXCLUSIVE";
+  if (FAltered.contains(FullName(Target.Table))) return "ACCESS EXCLUSIVE";
   return Target.Replaced || FNeeds.TriggersOff || FNeeds.BrokenReferences ? "SHARE ROW EXCLUSIVE" : Weakest;
 }
 
 void TPostgreSQLLocks::Take() {
-  std::vector<const TLoadNeeds::TTarget*> Tables;
+  for (const TForeignKey& Key : FNeeds.Circular) FAltered.insert(FullName(Key.From));
+  std::vector<TWanted> Tables;
   for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
-    if (Target.Table.Kind == TTableKind::Table) Tables.push_back(&Target);
+    if (Target.Table.Kind == TTableKind::Table) Tables.push_back({&Target, ModeFor(Target), FullName(Target.Table)});
   // Everybody in the same order, so that nobody waits for somebody who waits; those that hardly anybody waits for last.
-  const auto Place = [this](const TLoadNeeds::TTarget* Target) {
-    return std::pair(ModeFor(*Target) == Weakest, FullName(Target->Table));
-  };
-  std::sort(Tables.begin(), Tables.end(), [&](const auto* A, const auto* B) { return Place(A) < Place(B); });
-  for (const TLoadNeeds::TTarget* Target : Tables)
-    if (ModeFor(*Target) != Weakest || MayLock(*Target)) LockOne(*Target);
+  std::sort(Tables.begin(), Tables.end(), [](const TWanted& A, const TWanted& B) {
+    return std::pair(A.Mode == Weakest, std::string_view(A.Name)) <
+           std::pair(B.Mode == Weakest, std::string_view(B.Name));
+  });
+  const auto FirstWeak =
+      std::find_if(Tables.begin(), Tables.end(), [](const TWanted& Table) { return Table.Mode == Weakest; });
+  // A question begins what the transaction sees: no sooner than it has to.
+  std::for_each(Tables.begin(), FirstWeak, [this](const TWanted& Table) { LockOne(Table); });
+  LockWeakly({FirstWeak, Tables.end()});
   CheckRoom();
 }
 
 /// Who may write some columns alone gets the lock with the rows, but not by asking for it.
-bool TPostgreSQLLocks::MayLock(const TLoadNeeds::TTarget& Target) {
-  const std::string Name = FSession.Dialect().QualifiedName(Target.Table);
-  return FSession
-      .Query(LockFailed,
-             "SELECT pg_catalog.has_table_privilege($1::pg_catalog.text, 'INSERT, UPDATE, DELETE, TRUNCATE')",
-             {Name.c_str()})
-      .Boolean(0, 0);
+void TPostgreSQLLocks::LockWeakly(std::span<const TWanted> Tables) {
+  if (Tables.empty()) return;
+  std::vector<std::string> Names;
+  for (const TWanted& Table : Tables) Names.push_back(FSession.Dialect().QualifiedName(Table.Target->Table));
+  const std::string All = PostgreSQLArray(Names);
+  const TPostgreSQLResult Rights =
+      FSession.Query(LockFailed,
+                     "SELECT pg_catalog.has_table_privilege(a.name, 'INSERT, UPDATE, DELETE, TRUNCATE') FROM ROWS FROM "
+                     "(pg_catalog.unnest($1::pg_catalog.text[])) WITH ORDINALITY AS a (name, place) ORDER BY a.place",
+                     {All.c_str()});
+  for (std::size_t I = 0; I < Tables.size(); ++I)
+    if (Rights.Boolean(static_cast<int>(I), 0)) LockOne(Tables[I]);
 }
 
-void TPostgreSQLLocks::LockOne(const TLoadNeeds::TTarget& Target) {
-  const std::string Name = FullName(Target.Table);
+void TPostgreSQLLocks::LockOne(const TWanted& Table) {
   try {
-    FSession.Query(Format("Cannot lock the table '%s' for the load", Name),
-                   Format("LOCK TABLE %s IN %s MODE", FSession.Dialect().SQLName(Target.Table), ModeFor(Target)));
+    FSession.Query(Format("Cannot lock the table '%s' for the load", Table.Name),
+                   Format("LOCK TABLE %s IN %s MODE", FSession.Dialect().SQLName(Table.Target->Table), Table.Mode));
   } catch (EDatabaseError& Error) {
     if (Error.Info().Code == TErrorCode::DatabaseLocks) RaiseNoRoom(Error.Info().EngineCode);
-    Error.Add({.Table = Name});
+    Error.Add({.Table = Table.Name});
     throw;
   }
 }

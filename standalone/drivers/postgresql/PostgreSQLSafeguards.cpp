@@ -50,7 +50,16 @@ std::string KeyStatement() {
 
 }  // namespace
 
-void TPostgreSQLSafeguards::Lock() { TPostgreSQLLocks(FSession, FNeeds).Take(); }
+/// A question within the transaction would begin what it sees, before the locks are held.
+TPostgreSQLSafeguards::TPostgreSQLSafeguards(TPostgreSQLSession& Session, TLoadNeeds Needs)
+    : FSession(Session), FNeeds(std::move(Needs)), FIndexes(Session) {
+  if (!FNeeds.RebuildsIndexes) return;
+  for (const TLoadNeeds::TTarget& Target : FNeeds.Targets)
+    if (Target.Table.Kind == TTableKind::Table && TPostgreSQLIndexesAside::MayChange(Session, Target.Table))
+      FAltered.insert(FullName(Target.Table));
+}
+
+void TPostgreSQLSafeguards::Lock() { TPostgreSQLLocks(FSession, FNeeds, FAltered).Take(); }
 
 void TPostgreSQLSafeguards::SetAside() {
   FRole = Role();

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
 #include "standalone/drivers/Safeguards.h"
+#include "standalone/drivers/postgresql/PostgreSQLIndexesAside.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
 namespace velkrund {
@@ -13,13 +15,16 @@ namespace velkrund {
 class TPostgreSQLSafeguards final : public TSafeguards {
  public:
   /// Session: borrowed.
-  TPostgreSQLSafeguards(TPostgreSQLSession& Session, TLoadNeeds Needs) : FSession(Session), FNeeds(std::move(Needs)) {}
+  TPostgreSQLSafeguards(TPostgreSQLSession& Session, TLoadNeeds Needs);
 
   void Lock() override;
   void SetAside() override;
   void EndEmptying() override;
+  TIndexObstacle DropIndexes(const TTableInfo& Table) override { return FIndexes.Drop(Table, FNeeds.RebuildsIndexes); }
   void BeginRows() override;
   void EndRows() override;
+  std::size_t DroppedIndexes(const TTableInfo& Table) const override { return FIndexes.Dropped(Table); }
+  void MakeIndexes(const TTableInfo& Table) override { FIndexes.Make(Table); }
   void PutBack() override;
 
  private:
@@ -45,6 +50,8 @@ class TPostgreSQLSafeguards final : public TSafeguards {
   std::vector<TTriggerState> FTriggers;  // that were disabled
   std::vector<TKey> FKeys;               // that were made deferrable
   std::string FRole;                     // of replication, as it was
+  std::set<std::string> FAltered;        // full names of tables whose indexes may be dropped, where that is asked for
+  TPostgreSQLIndexesAside FIndexes;
 };
 
 }  // namespace velkrund

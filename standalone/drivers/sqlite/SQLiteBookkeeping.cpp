@@ -21,9 +21,7 @@ TKvVariant TextOf(std::string_view Text) {
 
 /// Returns how many rows were changed.
 int Run(const TSQLiteDatabase& Database, const std::string& Statement, const std::vector<TKvVariant>& Parameters) {
-  TSQLiteExecution Execution(Database, Statement, Parameters);
-  while (Execution.Step()) {
-  }
+  RunSQLite(Database, Statement, Parameters);
   return sqlite3_changes(Database.Handle());
 }
 
@@ -44,15 +42,7 @@ TSQLiteBookkeeping::TSQLiteBookkeeping(const TSQLiteDatabase& Database, std::str
     if (Counter.Step() && sqlite3_column_type(Counter.Handle(), 0) == SQLITE_INTEGER)
       FCounter = sqlite3_column_int64(Counter.Handle(), 0);
   }
-  for (const char* Kept : {"sqlite_stat1", "sqlite_stat4"}) {
-    if (!HasTable(Kept)) continue;
-    TKnown& Known = FKnown.emplace_back(TKnown{Kept, {}});
-    TSQLiteQueryCursor Rows(FDatabase, Format("SELECT * FROM main.%s WHERE tbl = ?1", Kept), Name);
-    for (TKvVariant Value; Rows.Next();) {
-      std::vector<TKvVariant>& Row = Known.Rows.emplace_back();
-      for (int Column = 0; Column < Rows.ColumnCount(); ++Column) Rows.Read(Column, Value), Row.push_back(Value);
-    }
-  }
+  FKnown = SQLitePlannerRows(FDatabase, FTable);
   FIndexes = Indexes({});
 }
 
@@ -108,18 +98,14 @@ void TSQLiteBookkeeping::PutBack(const TRenamedFields& RenamedFields) {
   TRenamedFields Backwards;
   for (const auto& [Before, Then] : RenamedFields) Backwards.emplace_back(Then, Before);
   const std::map<std::string, std::string> Now = Indexes(Backwards);
-  for (TKnown& Known : FKnown) {
-    Run(FDatabase, Format("DELETE FROM main.%s WHERE tbl = ?1", Known.Table), {TextOf(FTable)});
-    for (std::vector<TKvVariant>& Row : Known.Rows) {
-      Row[0].SetText(FTable);
-      const auto Before = FIndexes.find(std::string(Row[1].AsText()));
-      const auto Again = Now.find(std::string(Row[1].AsText()));
-      const bool Holds =
-          Row[1].IsNull() || (Before != FIndexes.end() && Again != Now.end() && Before->second == Again->second);
-      std::string Places = "?";
-      for (std::size_t I = 1; I < Row.size(); ++I) Places += ", ?";
-      if (Holds) Run(FDatabase, Format("INSERT INTO main.%s VALUES (%s)", Known.Table, Places), Row);
-    }
+  DeleteSQLitePlannerRows(FDatabase, FTable);
+  for (TSQLitePlannerRow& Row : FKnown) {
+    Row.Cells[0].SetText(FTable);
+    const TKvVariant& Index = Row.Cells[1];
+    const auto Before = FIndexes.find(std::string(Index.AsText()));
+    const auto Again = Now.find(std::string(Index.AsText()));
+    if (Index.IsNull() || (Before != FIndexes.end() && Again != Now.end() && Before->second == Again->second))
+      InsertSQLitePlannerRow(FDatabase, Row);
   }
 }
 

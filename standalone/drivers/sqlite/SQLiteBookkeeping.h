@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "standalone/drivers/Surroundings.h"
-#include "velkrund/platform/ormtools/Variant.h"
+#include "standalone/drivers/sqlite/SQLitePlannerRows.h"
 
 namespace velkrund {
 
@@ -25,11 +25,6 @@ class TSQLiteBookkeeping {
   void PutBack(const TRenamedFields& Renamed);
 
  private:
-  struct TKnown {
-    std::string Table;                          // of the engine
-    std::vector<std::vector<TKvVariant>> Rows;  // whose first cells are the names of table and index
-  };
-
   bool HasTable(const char* Name) const;
   std::string NameNow() const;
   std::map<std::string, std::string> Indexes(const TRenamedFields& Renamed) const;
@@ -39,7 +34,7 @@ class TSQLiteBookkeeping {
   const TSQLiteDatabase& FDatabase;
   std::string FTable;
   std::optional<std::int64_t> FCounter;
-  std::vector<TKnown> FKnown;
+  std::vector<TSQLitePlannerRow> FKnown;
   std::map<std::string, std::string> FIndexes;  // by name: their fields
 };
 

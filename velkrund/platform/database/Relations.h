@@ -14,6 +14,14 @@ namespace velkrund {
 struct TLoadTarget {
   std::string Table;  // the physical name
   bool Empty = true;  // its rows are deleted first
+  bool Many = false;  // so many rows come that it pays to prepare the table for them
+};
+
+/// What becomes of indexes that are there for queries alone, neither unique nor a key, while rows are loaded.
+enum class TIndexUpkeep {
+  Auto,    // dropped, and made again behind the rows, where many come into a table that has none
+  Keep,    // every row goes into them as it comes
+  Rebuild  // dropped and made again wherever that can be done; a remark where not
 };
 
 struct TLoadOptions {
@@ -22,6 +30,7 @@ struct TLoadOptions {
   bool InGroups = true;
   bool Triggers = true;           // they fire; false: none of those on the tables of the load
   bool BrokenReferences = false;  // rows that refer to nothing are let in
+  TIndexUpkeep Indexes = TIndexUpkeep::Auto;
 };
 
 /// Tables that are loaded in one go, with what stands around them: foreign keys, triggers, locks. They fall into

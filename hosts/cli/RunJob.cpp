@@ -14,6 +14,7 @@ class TShown final : public TJobListener {
  public:
   explicit TShown(const TSession& Session) : FSession(Session) {}
 
+  bool ShowsProgress() const override { return FSession.Progress.IsShown(); }
   void Begin(const std::string& Subject, const std::string& Unit, std::int64_t Total) override {
     FSession.Progress.Begin(Subject, Unit, Total);
   }

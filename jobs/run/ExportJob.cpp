@@ -149,9 +149,7 @@ void TExportJob::SetUp(TExportUtilOperation& Export) {
   Export.FReleaseVersion = ReleaseVersion;
   Export.FEncoding =
       Encoding.value_or(ReleaseVersion == TExportReleaseVersion::rv20 ? TKvEncoding::Utf8 : TKvEncoding::Ansi);
-  Export.FOnShowProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
-    ShowPart(Current, Total, Name);
-  };
+  Export.FOnShowProgress = PartProgress();
 }
 
 void TExportJob::Write() {

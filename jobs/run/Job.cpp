@@ -169,6 +169,11 @@ void TJob::ShowPart(std::int32_t Current, std::int32_t Total, std::string_view N
   ShowProgress(static_cast<std::int32_t>((FFrom + Share * (FTo - FFrom)) * Millionths), Millionths, Name);
 }
 
+TProgressCallback TJob::PartProgress() const {
+  if (Listener ? !Listener->ShowsProgress() : !FOnShowProgress) return {};
+  return [this](std::int32_t Current, std::int32_t Total, std::string_view Name) { ShowPart(Current, Total, Name); };
+}
+
 void TJob::EndPart() {
   if (Listener)
     Listener->End();

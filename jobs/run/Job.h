@@ -79,6 +79,8 @@ class TJob : public TDatabaseUtilOperation {
   void SetShare(double From, double To);
   void BeginPart(const std::string& Subject, const std::string& Unit, std::int64_t Total = -1);
   void SetSubject(const std::string& Subject);
+  /// For an operation that is a part; none where nobody would see it.
+  TProgressCallback PartProgress() const;
   void ShowPart(std::int32_t Current, std::int32_t Total, std::string_view Name) const;
   void EndPart();
   void TellItem(const std::string& File, std::string_view Kind, const std::function<TDocument()>& Describe) const;

@@ -17,6 +17,8 @@ class TJobListener {
  public:
   virtual ~TJobListener() = default;
 
+  /// Whether anybody sees Begin and Progress; otherwise nothing is counted for them.
+  virtual bool ShowsProgress() const { return true; }
   /// Something begins that takes its time. Subject: what is worked on. Unit: what is counted, in the plural ("rows",
   /// "bytes"). Total: how many there are; -1: Progress says so.
   virtual void Begin(const std::string& /*Subject*/, const std::string& /*Unit*/, std::int64_t /*Total*/) {}

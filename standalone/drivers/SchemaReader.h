@@ -34,8 +34,11 @@ class TSchemaReader {
   /// description's columns; also of those whose columns may be NULL.
   virtual std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) = 0;
   virtual std::int64_t RowCount(const TTableInfo& Table) = 0;
-  /// Without counting them.
-  virtual bool HasRows(const TTableInfo& Table) = 0;
+  /// About as many, without reading them; nothing where that cannot be told.
+  virtual std::optional<std::int64_t> EstimatedRows(const TTableDescription& Table) = 0;
+  /// Whether there are as many (1 or more); without counting more than these.
+  virtual bool HasAtLeast(const TTableInfo& Table, std::int64_t Rows) = 0;
+  bool HasRows(const TTableInfo& Table) { return HasAtLeast(Table, 1); }
   /// Bytes on disk of a table and its indexes; nothing when the engine cannot tell.
   virtual std::optional<std::int64_t> TableBytes(const TTableInfo& Table) = 0;
 

@@ -7,23 +7,28 @@ namespace velkrund {
 
 class TCursorRecord::TCursorField final : public TField {
  public:
-  TCursorField(TCursorRecord& Record, const TColumnInfo& Column, int Index)
-      : TField(Column.Name, Column.Kind), FRecord(Record), FIndex(Index) {}
+  TCursorField(TCursorRecord& Record, const TColumnInfo& Column, int Place)
+      : TField(Column.Name, Column.Kind), FRecord(Record), FColumn(Place) {}
 
   const TKvVariant& Value() override {
-    if (FRecord.FDecoded) return FRecord.FDecoded[FIndex];
+    if (FColumn < 0) RaiseNoValue("the walk does not read it");
+    if (FRecord.FDecoded) return FRecord.FDecoded[FColumn];
     if (FRow != FRecord.FRow) {
-      if (!FRecord.FCursor)
-        throw EDatabaseError(Format("Field '%s' of %s has no value: it stands on no row", Name(), FRecord.FWhat));
-      FRecord.FCursor->Read(FIndex, FValue);
+      if (!FRecord.FCursor) RaiseNoValue("it stands on no row");
+      FRecord.FCursor->Read(FColumn, FValue);
       FRow = FRecord.FRow;
     }
     return FValue;
   }
+  void SetColumn(int Column) { FColumn = Column; }
 
  private:
+  [[noreturn]] void RaiseNoValue(const char* Reason) const {
+    throw EDatabaseError(Format("Field '%s' of %s has no value: %s", Name(), FRecord.FWhat, Reason));
+  }
+
   TCursorRecord& FRecord;
-  int FIndex;
+  int FColumn;             // of the cursor; -1: none
   std::int64_t FRow = -1;  // the row of FValue
   TKvVariant FValue;
 };
@@ -35,5 +40,11 @@ TCursorRecord::TCursorRecord(std::string What, std::span<const TColumnInfo> Colu
 }
 
 TCursorRecord::~TCursorRecord() = default;
+
+void TCursorRecord::SetColumns(std::span<const int> Places) {
+  for (const auto& Field : FFields) static_cast<TCursorField&>(*Field).SetColumn(-1);
+  for (std::size_t Column = 0; Column < Places.size(); ++Column)
+    static_cast<TCursorField&>(Fields(Places[Column])).SetColumn(static_cast<int>(Column));
+}
 
 }  // namespace velkrund

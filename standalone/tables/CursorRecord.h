@@ -22,6 +22,9 @@ class TCursorRecord final : public TRecord {
   TField& Fields(int Index) override { return *FFields.at(static_cast<std::size_t>(Index)); }
   const std::vector<std::unique_ptr<TField>>& All() const { return FFields; }
 
+  /// Of which fields cursors that come have the values, in their order; in the beginning all.
+  void SetColumns(std::span<const int> Places);
+
   /// The cursor stands on another row. Decoded: as it says. Both borrowed until the next call; null: on no row, and
   /// reading a field is an EDatabaseError.
   void Move(TCursor* Cursor, const TKvVariant* Decoded = nullptr) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "standalone/drivers/ReadAhead.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -58,6 +59,8 @@ void TDriverQuery::Run() {
   TQueryRows Rows = FConnection.OpenQuery(FText, Given());
   Take(Rows.Columns);
   FCursor = std::move(Rows.Cursor);
+  if (TConnectionTurn* const Turn = FConnection.Turn())
+    FCursor = std::make_unique<TReadAheadCursor>(std::move(FCursor), Rows.Columns.size(), Turn);
   FHasMoved = false;
 }
 
@@ -82,7 +85,10 @@ bool TDriverQuery::Next() {
   if (!FCursor) return false;
   FHasMoved = true;
   FRecord->Move(FCursor.get());
-  if (FCursor->Next()) return true;
+  if (FCursor->Next()) {
+    FRecord->Move(FCursor.get(), FCursor->Decoded());
+    return true;
+  }
   // Closed at once, so that the engine lets go of what was read.
   FRecord->Move(nullptr);
   FCursor.reset();

@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "standalone/drivers/AppendAhead.h"
 #include "standalone/drivers/OrderingKey.h"
 #include "standalone/drivers/ReadAhead.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -14,7 +15,10 @@ TDriverTable::TDriverTable(TConnection& Connection, const TTableInfo& Table, boo
       FDescription(Connection.Schema().Describe(Table)),
       FName(FullName(Table)),
       FReadWrite(ReadWrite),
-      FRecord(Format("table '%s'", FName), FDescription.Columns) {}
+      FRecord(Format("table '%s'", FName), FDescription.Columns),
+      FWalked(FDescription.Columns.size()) {
+  std::iota(FWalked.begin(), FWalked.end(), 0);
+}
 
 TDriverTable::~TDriverTable() = default;
 
@@ -28,18 +32,24 @@ std::int64_t TDriverTable::RecordCount() {
                             : FConnection.Rows().CountRows(FDescription, FSelection);
 }
 
+std::int64_t TDriverTable::EstimatedCount() {
+  std::optional<std::int64_t> Rows;
+  if (FSelection.empty()) Rows = FConnection.Schema().EstimatedRows(FDescription);
+  return Rows && *Rows > 0 ? *Rows : RecordCount();
+}
+
 bool TDriverTable::HasRecords() {
   return FSelection.empty() ? FConnection.Schema().HasRows(FDescription.Table) : RecordCount() > 0;
 }
 
 bool TDriverTable::First() {
   CloseCursor();
-  std::vector<int> Columns(FDescription.Columns.size());
-  std::iota(Columns.begin(), Columns.end(), 0);
-  FCursor = FConnection.Rows().OpenCursor(FDescription, Columns,
+  FRecord.SetColumns(FWalked);
+  FCursor = FConnection.Rows().OpenCursor(FDescription, FWalked,
                                           {.Order = FOrder, .Condition = FSelection, .Unmoved = FUnmoved});
-  if (FReadAhead && FConnection.Capabilities().Threads)
-    FCursor = std::make_unique<TReadAheadCursor>(std::move(FCursor), Columns.size());
+  TConnectionTurn* const Turn = FConnection.Turn();
+  if (Turn || (FReadAhead && FConnection.Capabilities().Threads))
+    FCursor = std::make_unique<TReadAheadCursor>(std::move(FCursor), FWalked.size(), Turn);
   return Next();
 }
 
@@ -100,6 +110,8 @@ void TDriverTable::OpenAppender(TColumns Which) {
     FValues.push_back(&Field->BufferedValue());
   }
   FAppender = FConnection.Rows().OpenAppender(FDescription, Columns, FAppendOptions);
+  if (TConnectionTurn* const Turn = FConnection.Turn())
+    FAppender = std::make_unique<TAppendAhead>(std::move(FAppender), Columns.size(), *Turn);
 }
 
 bool TDriverTable::AssignedAsBefore() const {

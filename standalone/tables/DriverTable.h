@@ -24,8 +24,10 @@ class TDriverTable final : public TODBCTable {
   TRecord& Record() override { return FRecord; }
 
   std::int64_t RecordCount() override;
+  std::int64_t EstimatedCount() override;
   bool HasRecords() override;
   bool OrderByKey() override;
+  void SetWalkedFields(const std::vector<int>& Places) override { FWalked = Places; }
   void SetSelection(const std::string& Condition) override { FSelection = Condition; }
   void SetUnmoved(bool Value) override { FUnmoved = Value; }
   void SetReadAhead(bool Value) override { FReadAhead = Value; }
@@ -56,7 +58,8 @@ class TDriverTable final : public TODBCTable {
   bool FReadWrite;
   TCursorRecord FRecord;
 
-  std::vector<int> FOrder;  // columns that walks go by; empty: the table's own order
+  std::vector<int> FWalked;  // columns that walks read
+  std::vector<int> FOrder;   // columns that walks go by; empty: the table's own order
   std::string FSelection;
   bool FReadAhead = false, FUnmoved = false;
   std::unique_ptr<TCursor> FCursor;  // open between First and the end of the walk

@@ -23,11 +23,13 @@ TEST_F(TImportTableTest, OptionsDecideWhatArrives) {
   Write("lost.eif", Section("NONE", {"ID"}, {"1"}));
   Write("bad.eif", Section("A", {"ID"}, {"1"}) + Section("B", {"ID"}, {"1", "1"}) + Section("A", {"ID"}, {"2"}));
   Write("broken.eif", Section("A", {"ID"}, {"1"}) + Section("B", {"ID", "X"}, {"1|0.5", "2"}));
+  Write("first.eif", Section("B", {"ID", "X"}, {"1|0.5", "1|0.5", "3"}));
   const std::string OneRowEach = "INSERT INTO A(ID) VALUES (100); INSERT INTO B(ID) VALUES (100);";
   CheckImports(
       "table",
       {
           {"", {"-i", "F"}, 0, "3|2", "in all 2 sections: 5 rows"},
+          {"", {"-i", "first.eif"}, 1, "0|0", "append record 2 to table 'B'"},
           {OneRowEach, {"-i", "F", "--replace"}, 0, "3|2", "imported table B"},
           {OneRowEach, {"-i", "F", "--append"}, 0, "4|3", "imported table B"},
           {OneRowEach, {"-i", "F"}, 1, "1|1", "Table 'A' has 1 row, table 'B' has 1 row. Give --replace"},

@@ -75,7 +75,7 @@ int TUOCustomCopyTable::CopyTableToTable(TTable& Source, TTable& Target) {
   CarryBLOBTables(Copy, Target.Record(), Target.TableName(), TargetDatabaseName, BLOBFieldMappingList,
                   ExcludedBLOBTableFields);
   if (!Update && Selection.empty() && CopyByStatement(Copy)) return 1;
-  const std::int64_t Total = Source.RecordCount();
+  const std::int64_t Total = FOnShowProgress ? Source.EstimatedCount() : 0;
   Source.SetReadAhead(!IsOneDatabase);
   Source.SetUnmoved(IsOneDatabase);
   Target.SetAllowLoss(!StrictText.value_or(WorkSettings().StrictText));

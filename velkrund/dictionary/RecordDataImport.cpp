@@ -6,6 +6,7 @@
 #include "velkrund/dictionary/DicErrors.h"
 #include "velkrund/dictionary/RecordData.h"
 #include "velkrund/eif/RecordPieces.h"
+#include "velkrund/operations/TablePlan.h"
 #include "velkrund/platform/database/EmptyTable.h"
 #include "velkrund/platform/database/Relations.h"
 #include "velkrund/platform/database/Transaction.h"
@@ -21,6 +22,8 @@ namespace {
 constexpr std::size_t MaxFieldLines = 16 * 1024 * 1024;
 
 std::span<char> TrimInPlace(std::span<char> Text) {
+  // As writers leave it, which is not worth a call.
+  if (!Text.empty() && Text.front() > ' ' && Text.back() > ' ') return Text;
   const std::string_view All(Text.data(), Text.size());
   const std::string_view Kept = Trim(All);
   return Text.subspan(static_cast<std::size_t>(Kept.data() - All.data()), Kept.size());
@@ -219,7 +222,8 @@ void TEIRecordData::ImportInto(TTable& Target, const std::vector<std::string>& N
   auto* const SQLTable = dynamic_cast<TODBCTable*>(&Target);
   if (!SQLTable || (!Loading && !Relations())) return ImportAlone(SQLTable, Target, Columns, Stream);
   std::unique_ptr<TTableLoading> Own;
-  if (!Loading) Own = Relations()->Load(DatabaseName, {{Target.TableName(), !Append}}, {});
+  if (!Loading)
+    Own = Relations()->Load(DatabaseName, {{Target.TableName(), !Append, HoldsManyRows(Stream.Size())}}, {});
   if (Own) Own->Begin(0);
   Report->DeletedRows = (Own ? *Own : *Loading).TakeDeletedRows(Target.TableName());
   ImportRows(Target, Columns, Stream);
@@ -249,16 +253,22 @@ void TEIRecordData::ImportRows(TTable& Target, std::span<TImportField> Columns, 
 
 void TEIRecordData::ImportRecords(TTable& Target, std::span<TImportField> Columns, TEIStream& Stream) {
   FColumn = nullptr;
+  bool IsReading = true;
   try {
     while (!FStopped && (FRecordStart = Stream.Position()) < Stream.Size()) {
       Target.ClearData();
       ReadRecord(Stream);
       RecordToFields(Columns, Stream);
+      IsReading = false;
       Target.AppendRecord();
+      IsReading = true;
       ++Report->RowCount;
       FStopped = IsCanceled();
     }
   } catch (Exception& Error) {
+    // Records before it may not have reached the engine yet: one that it refuses is the first to tell. The transaction
+    // takes the others back, which no other table has.
+    if (IsReading && dynamic_cast<TODBCTable*>(&Target)) Target.EndAppend();
     if (!FColumn) throw;
     const auto Index = static_cast<std::size_t>(FColumn - Columns.data());
     Error.Add({.Column = FColumn->Name, .Record = Report->RowCount + 1, .Value = ValueInFile(Index, Stream)});

@@ -1,5 +1,7 @@
 #include "velkrund/dictionary/TableData.h"
 
+#include <unordered_set>
+
 #include "velkrund/eif/RecordPieces.h"
 #include "velkrund/eif/Section.h"
 
@@ -45,6 +47,15 @@ TStringList TEICommonTableData::ExportedNames(TTable& Source) const {
   return Names;
 }
 
+/// The engine need not look for what nobody asks for.
+void TEICommonTableData::ReadAlone(TTable& Source, const std::vector<TField*>& Columns) {
+  const std::unordered_set<const TField*> Wanted(Columns.begin(), Columns.end());
+  std::vector<int> Places;
+  for (int Place = 0; Place < Source.Record().FieldCount(); ++Place)
+    if (Wanted.contains(&Source.Record().Fields(Place))) Places.push_back(Place);
+  Source.SetWalkedFields(Places);
+}
+
 void TEICommonTableData::ExportData(TEIStream& Stream) {
   BeginRun(Stream);
   Stream.Writeln(" [FIELDS]");
@@ -57,7 +68,9 @@ void TEICommonTableData::ExportData(TEIStream& Stream) {
       Columns.push_back(&Source.FieldByName(Name));
     }
     Report->InKeyOrder = KeyOrder && Source.OrderByKey();
-    ExportRecords(Source, Columns, Source.RecordCount(), false, Stream);
+    // A table that is lent goes on being walked by others.
+    if (Owned) ReadAlone(Source, Columns);
+    ExportRecords(Source, Columns, OnProgress ? Source.EstimatedCount() : 0, false, Stream);
   } catch (Exception& Error) {
     Error.Add({.Table = TableName});
     throw;

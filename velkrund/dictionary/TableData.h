@@ -25,6 +25,7 @@ class TEICommonTableData : public TEIRecordData {
 
  private:
   TStringList ExportedNames(TTable& Source) const;
+  static void ReadAlone(TTable& Source, const std::vector<TField*>& Columns);
 };
 
 /// Version 200: 16-bit escapes, bytes as hexadecimal pairs, dates as system texts, exact amounts, 64-bit integers.

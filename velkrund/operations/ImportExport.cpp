@@ -22,9 +22,8 @@ int TImportUtilOperation::Execute() {
 
 int TExportUtilOperation::Execute() {
   const std::unique_ptr<TEIObject> Object = CreateEIObject();
-  Object->OnProgress = [this](std::int32_t Current, std::int32_t Total, std::string_view Name) {
-    ShowProgress(Current, Total, Name);
-  };
+  // What nobody sees is not counted.
+  Object->OnProgress = FOnShowProgress;
   Object->OnCancel = [this] { return IsCanceled(); };
   if (!FTarget) throw Exception("Propetry Target must be assigned for export util operation");
   FTarget->SetDefaultEncoding(FReleaseVersion == TExportReleaseVersion::rv20 ? FEncoding : TKvEncoding::Ansi);

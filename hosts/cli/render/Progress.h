@@ -18,6 +18,7 @@ class TProgress {
   /// Console: borrowed. Auto: a bar on a terminal, nothing elsewhere.
   TProgress(TConsole& Console, TProgressStyle Style);
 
+  bool IsShown() const { return FStyle != TProgressStyle::None; }
   /// What is counted, in the plural: "rows". Total: of these; -1: what Show says. Name: of what is worked on.
   void Begin(const std::string& Name, std::string Unit, std::int64_t Total);
   /// The work has come to something else.

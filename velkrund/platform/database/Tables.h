@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "velkrund/platform/database/Rows.h"
 
@@ -16,11 +17,15 @@ class TTable : public TRows {
 
   /// Of the rows that a walk goes through.
   virtual std::int64_t RecordCount() = 0;
+  /// About how many, for progress: told without reading the rows where that can be, otherwise RecordCount.
+  virtual std::int64_t EstimatedCount() { return RecordCount(); }
   /// Whether there is a row; without counting them, where that is quicker.
   virtual bool HasRecords() { return RecordCount() > 0; }
   /// Walks that begin later go through the rows by the table's key, so that the same rows come in the same order
   /// whatever holds them. False: it has no such key, and walks keep the table's own order.
   virtual bool OrderByKey() { return false; }
+  /// Walks that begin later read these fields of Record alone, by their places from 0; the others have no value then.
+  virtual void SetWalkedFields(const std::vector<int>& /*Places*/) {}
   /// Walks that begin later go through the rows alone that a condition holds for, which the engine understands; empty:
   /// through all. An error that shows when a walk begins where the engine does not understand it, and at once where the
   /// table is none of an SQL engine.
@@ -28,8 +33,8 @@ class TTable : public TRows {
   /// Walks that begin later give the rows as they are when it begins, whatever is done to the database meanwhile, by
   /// triggers too; otherwise rows that are changed on the way may come, or come twice, where the engine reads so.
   virtual void SetUnmoved(bool) {}
-  /// Walks that begin later may read ahead on a thread of their own: from First to the end of the walk the caller does
-  /// nothing else with the table's database.
+  /// Walks that begin later may read ahead on a thread of their own also where the engine cannot be held up meanwhile:
+  /// from First to the end of the walk the caller does nothing else with the table's database.
   virtual void SetReadAhead(bool) {}
 
   /// Whether an append of given keys moves the table's automatic numbering behind the highest one, where the engine

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "standalone/drivers/ConnectionTurn.h"
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/Definitions.h"
 #include "standalone/drivers/Dialect.h"
@@ -39,9 +40,9 @@ struct TCapabilities {
   bool EnforcesForeignKeys = false;  // no statement, or no commit, leaves a row that refers to nothing
 };
 
-/// One connection to one database. Used by one thread at a time; cursors and appenders are freed before it. Raises
-/// EDatabaseError with what failed, the engine's own words and code, and the statement where it helps; EAbort where the
-/// connection's options told it to stop.
+/// One connection to one database. Used by the thread of its caller, who may leave its turn to another; cursors and
+/// appenders are freed before it. Raises EDatabaseError with what failed, the engine's own words and code, and the
+/// statement where it helps; EAbort where the connection's options told it to stop.
 class TConnection {
  public:
   TConnection() = default;
@@ -59,6 +60,8 @@ class TConnection {
   virtual TDefinitionReader& Definitions() = 0;
   virtual const TScriptWriter& Scripts() const = 0;
   virtual TRowAccess& Rows() = 0;
+  /// For who works ahead with what Rows has opened; the connection's own. Null: nobody does.
+  virtual TConnectionTurn* Turn() { return nullptr; }
   /// For rows of Source, which may be this connection, into tables of this one: within a transaction of this one, whose
   /// end it does not outlive. Null: the engine does not reach that database.
   virtual TRowCopier* CopierFrom(TConnection& Source) { return &Source == this ? &Rows() : nullptr; }

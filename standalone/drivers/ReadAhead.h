@@ -1,27 +1,32 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <exception>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string_view>
 #include <vector>
 
+#include "standalone/drivers/ConnectionTurn.h"
 #include "standalone/drivers/Cursor.h"
 #include "standalone/drivers/ReadingThread.h"
+#include "standalone/drivers/RowBatch.h"
 
 namespace velkrund {
 
 /// The rows of another cursor, read and decoded by a thread of its own into a few batches of bounded memory. What that
-/// one raises comes out at the row where it would have. From the beginning to the end of this one nobody else uses the
-/// connection. Few rows are read without a thread.
-class TReadAheadCursor final : public TCursor {
+/// one raises comes out at the row where it would have. Few rows are read without a thread, and large ones where they
+/// stand. A row that is changed after it was read ahead comes as it was.
+class TReadAheadCursor final : public TCursor, private TConnectionTurn::TWorker {
  public:
-  /// Columns: how many Cursor was opened with.
-  TReadAheadCursor(std::unique_ptr<TCursor> Cursor, std::size_t Columns);
+  /// Columns: how many Cursor was opened with. Turn: of the connection; borrowed. It has the thread stand still for
+  /// good before anybody else uses the connection; and no thread begins where rows are written between the first ones,
+  /// or not all columns are asked for. Null: from the beginning to the end of this one nobody else uses the connection.
+  TReadAheadCursor(std::unique_ptr<TCursor> Cursor, std::size_t Columns, TConnectionTurn* Turn);
   ~TReadAheadCursor() override;
 
   bool Next() override;
@@ -29,54 +34,52 @@ class TReadAheadCursor final : public TCursor {
   const TKvVariant* Decoded() const override { return FRow; }
 
  private:
-  /// Bytes of a batch, in blocks that are used again.
-  class TBytes {
-   public:
-    std::string_view Keep(std::string_view Bytes);
-    void Clear();
-    std::size_t Size() const { return FSize; }
-
-   private:
-    struct TBlock {
-      std::unique_ptr<char[]> Bytes;
-      std::size_t Size;
-    };
-    std::vector<TBlock> FBlocks;
-    std::size_t FBlock = 0;  // that is filled
-    std::size_t FUsed = 0;   // of it
-    std::size_t FSize = 0;
-  };
+  /// What comes behind the rows of a batch.
+  enum class TEnd { Batch, Error, Nothing, LargeRow };
   struct TBatch {
-    std::vector<TKvVariant> Values;  // row by row
-    TBytes Bytes;                    // that the values borrow
-    std::size_t Rows = 0;
-    bool IsLast = false;
-    std::exception_ptr Error = nullptr;  // behind the rows
+    explicit TBatch(std::size_t Columns) : Rows(Columns) {}
+    TRowBatch Rows;
+    TEnd End = TEnd::Batch;
+    std::exception_ptr Error = nullptr;
   };
   using TBatches = std::deque<std::unique_ptr<TBatch>>;
 
-  void Fill(TBatch& Batch, std::size_t MostRows) noexcept;
+  // The thread.
+  void ReadAll() noexcept;
+  void Fill(TBatch& Batch) noexcept;
   void ReadRow(TBatch& Batch);
-  void ReadAll();
   std::unique_ptr<TBatch> TakeEmpty();
+
+  std::exception_ptr StandStill(bool Undone) noexcept override;
+  bool BeginAhead();
+  bool NextHere();
+  bool NextAhead();
+  bool EndBatch();
   std::unique_ptr<TBatch> TakeFilled();
-  bool NextBatch();
+  void EndThread() noexcept;
+  bool AllAskedFor() const;
 
   const std::unique_ptr<TCursor> FCursor;
   const std::size_t FColumns;
-  const std::size_t FMostRows;  // of a batch
+  TConnectionTurn* const FTurn;
 
   // Of the caller.
+  std::int64_t FWrites = 0;      // at the beginning
+  std::vector<char> FAsked;      // per column, before a thread begins
+  std::size_t FRowsHere = 0;     // without a thread, since the last one
+  bool FStaysHere = false;       // no thread begins any more
+  bool FIsOver = false;          // after the last row, or an error
+  std::exception_ptr FHostsOwn;  // raised by the host while the thread was waited for
   std::unique_ptr<TBatch> FBatch;
-  std::size_t FNextRow = 0;  // of the batch
-  const TKvVariant* FRow = nullptr;
+  std::size_t FNextRow = 0;          // of the batch
+  const TKvVariant* FRow = nullptr;  // null: the cursor stands on it
 
   std::mutex FMutex;  // of what follows
   std::condition_variable FChanged;
   TBatches FEmpty, FFilled;
-  std::size_t FFilledBytes = 0;
-  bool FServes = false;  // the caller has something to serve
-  bool FEnding = false;
+  bool FServes = false;             // the caller has something to serve
+  bool FDone = false;               // the thread uses the cursor no more
+  std::atomic<bool> FEnds = false;  // it is to do so
 
   std::optional<TReadingThread> FThread;
 };

@@ -116,11 +116,11 @@ TEST_P(ReadAheadTest, TheHostIsCalledByTheCallersThreadAlone) {
   const auto Here = [&] { Threads.insert(std::this_thread::get_id()); };
   TConnected Other = GetParam().Connect(Folder, {.Canceled = [&] { return Here(), Wish.load(); },
                                                  .Trace = [&](TTraceLevel, const std::string&) { Here(), ++Lines; }});
-  FillNumbers(*Other.Connection, 3000);
+  FillNumbers(*Other.Connection, 10'000);
   if (!IsSQLite())
     Other.Connection->Execute(
         "CREATE FUNCTION TELL(bigint) RETURNS bigint LANGUAGE plpgsql AS "
-        "$$BEGIN IF $1 = 2999 THEN RAISE WARNING 'nearly'; END IF; RETURN $1; END$$");
+        "$$BEGIN IF $1 = 9999 THEN RAISE WARNING 'nearly'; END IF; RETURN $1; END$$");
   // The last row takes for ever.
   Other.Connection->Execute(std::string("CREATE VIEW \"V\" AS SELECT ") + (IsSQLite() ? "N" : "TELL(N) AS N") +
                             " FROM A UNION ALL SELECT count(*) FROM A X, A Y, A Z WHERE X.N + Y.N + Z.N < 0");
@@ -145,7 +145,7 @@ TEST_P(ReadAheadTest, TheHostIsCalledByTheCallersThreadAlone) {
   // Left instead of cancelled.
   Wish = false;
   ASSERT_TRUE(Table.First());
-  for (int I = 1; I < 32; ++I) ASSERT_TRUE(Table.Next());
+  for (int I = 1; I < 40; ++I) ASSERT_TRUE(Table.Next());
   const TClock::time_point Left = TClock::now();
   ASSERT_TRUE(Table.First());
   EXPECT_LT(TClock::now() - Left, std::chrono::seconds(2));

@@ -56,8 +56,8 @@ std::string InsertText(const TTableDescription& Table, std::span<const int> Colu
 
 }  // namespace
 
-TSQLiteAppender::TSQLiteAppender(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
-                                 const TAppendOptions& Options, const TTraits& Traits)
+TSQLiteAppender::TSQLiteAppender(const TSQLiteHandle& Database, const TTableDescription& Table,
+                                 std::span<const int> Columns, const TAppendOptions& Options, const TTraits& Traits)
     : FDatabase(Database),
       FTableName(Table.Table.Name),
       FTriggers(Traits.Triggers.empty() ? "" : Format(" (%s)", JoinedInShort(Traits.Triggers))),
@@ -76,12 +76,13 @@ TSQLiteAppender::~TSQLiteAppender() {
   if (FCacheSizeBefore) SetCacheSize(*FCacheSizeBefore);
 }
 
-TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
-                                  const TTraits& Traits, std::size_t Rows)
+TSQLiteAppender::TInsert::TInsert(const TSQLiteHandle& Database, const TTableDescription& Table,
+                                  std::span<const int> Columns, const TTraits& Traits, std::size_t Rows)
     : TInsert(Database, Table, Columns, Traits, Rows, InsertText(Table, Columns, Rows)) {}
 
-TSQLiteAppender::TInsert::TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
-                                  const TTraits& Traits, std::size_t Rows, const std::string& Text)
+TSQLiteAppender::TInsert::TInsert(const TSQLiteHandle& Database, const TTableDescription& Table,
+                                  std::span<const int> Columns, const TTraits& Traits, std::size_t Rows,
+                                  const std::string& Text)
     : Statement(Database, Text, What(Table.Table.Name), TSQLiteStatement::TUse::Often) {
   Binders.reserve(Columns.size() * Rows);
   int Place = 0;
@@ -170,6 +171,7 @@ void TSQLiteAppender::InsertHeld() {
 
 /// False: a value cannot be stored.
 bool TSQLiteAppender::BindHeld() {
+  FDatabase.Turn().TakeForStatement();
   for (std::size_t I = 0; I < FHeldCount; ++I)
     if (FMany->Binders[I].Bind(FHeld[I])) return false;
   return true;
@@ -181,6 +183,7 @@ void TSQLiteAppender::InsertHeldOneByOne() {
 }
 
 void TSQLiteAppender::Bind(TInsert& Insert, TRow Row) const {
+  FDatabase.Turn().TakeForStatement();
   for (std::size_t I = 0; I < Row.size(); ++I)
     if (const TSQLiteBinder::TRefusal Refusal = Insert.Binders[I].Bind(*Row[I]))
       RaiseRefused(Insert.Binders[I], I, *Row[I], Refusal);

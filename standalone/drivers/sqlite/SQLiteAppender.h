@@ -27,7 +27,7 @@ class TSQLiteAppender final : public TBulkAppender {
     std::string Update = {};  // that takes a record's place, with its values at their places; empty: none
   };
 
-  TSQLiteAppender(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+  TSQLiteAppender(const TSQLiteHandle& Database, const TTableDescription& Table, std::span<const int> Columns,
                   const TAppendOptions& Options, const TTraits& Traits);
   ~TSQLiteAppender() override;
 
@@ -40,11 +40,11 @@ class TSQLiteAppender final : public TBulkAppender {
   using TRow = std::span<const TKvVariant* const>;
   /// One statement that inserts a fixed number of rows.
   struct TInsert {
-    TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits,
-            std::size_t Rows);
+    TInsert(const TSQLiteHandle& Database, const TTableDescription& Table, std::span<const int> Columns,
+            const TTraits& Traits, std::size_t Rows);
     /// Text: of one row.
-    TInsert(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns, const TTraits& Traits,
-            std::size_t Rows, const std::string& Text);
+    TInsert(const TSQLiteHandle& Database, const TTableDescription& Table, std::span<const int> Columns,
+            const TTraits& Traits, std::size_t Rows, const std::string& Text);
     TSQLiteStatement Statement;
     std::vector<TSQLiteBinder> Binders;  // one per place, row by row
   };
@@ -69,7 +69,7 @@ class TSQLiteAppender final : public TBulkAppender {
   void GrowCache();
   void SetCacheSize(std::int64_t Size);
 
-  sqlite3* FDatabase;
+  TSQLiteHandle FDatabase;
   std::string FTableName;
   std::string FTriggers;  // for messages: that can have refused a row
   std::optional<std::int64_t> FCacheSizeBefore;

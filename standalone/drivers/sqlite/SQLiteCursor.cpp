@@ -22,7 +22,7 @@ int CompareUtf8(void* /*Unused*/, int SizeA, const void* A, int SizeB, const voi
   return Order == 0 ? SizeA - SizeB : Order;
 }
 
-sqlite3* WithUtf8Order(sqlite3* Database, bool Wanted) {
+const TSQLiteHandle& WithUtf8Order(const TSQLiteHandle& Database, bool Wanted) {
   if (Wanted &&
       sqlite3_create_collation_v2(Database, Utf8Order, SQLITE_UTF8, nullptr, &CompareUtf8, nullptr) != SQLITE_OK)
     RaiseSQLiteError(Database, "Cannot sort");
@@ -170,7 +170,7 @@ std::string SQLiteRowsOf(const TTableDescription& Table) {
   return Result;
 }
 
-void CheckSQLiteSelection(sqlite3* Database, const TTableDescription& Table, std::string_view Condition,
+void CheckSQLiteSelection(const TSQLiteHandle& Database, const TTableDescription& Table, std::string_view Condition,
                           const std::string& What) {
   if (Condition.empty()) return;
   const TNamesAlone NamesAlone(Database);
@@ -179,8 +179,8 @@ void CheckSQLiteSelection(sqlite3* Database, const TTableDescription& Table, std
     throw EDatabaseError(What + ": it has a parameter, whose value nobody knows", {.Table = Table.Table.Name});
 }
 
-TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
-                             const TWalkOptions& Options, bool Wide)
+TSQLiteCursor::TSQLiteCursor(const TSQLiteHandle& Database, const TTableDescription& Table,
+                             std::span<const int> Columns, const TWalkOptions& Options, bool Wide)
     : FStatement(WithUtf8Order(Database, Wide && !Options.Order.empty()), SelectText(Table, Columns, Options, Wide),
                  SelectionFailed(Format("Cannot read table '%s'", Table.Table.Name), Options.Condition),
                  TSQLiteStatement::TUse::Often),
@@ -191,7 +191,7 @@ TSQLiteCursor::TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, 
 
 void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
   // The connection has no mutex, so that the cell itself may be asked: one look-up instead of one per question.
-  ReadSQLiteCell(sqlite3_column_value(FStatement.Handle(), Column), FWide, FKinds[static_cast<std::size_t>(Column)],
+  ReadSQLiteCell(sqlite3_column_value(FStatement.Row(), Column), FWide, FKinds[static_cast<std::size_t>(Column)],
                  FScratch, Value);
 }
 

@@ -19,7 +19,7 @@ void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvVariant& Value);
 void ReadSQLiteCell(sqlite3_value* Cell, bool Wide, TKvKind Leading, std::string& Scratch, TKvVariant& Value);
 
 /// Raises EDatabaseError, with What at the beginning, unless Condition is one expression about rows of Table.
-void CheckSQLiteSelection(sqlite3* Database, const TTableDescription& Table, std::string_view Condition,
+void CheckSQLiteSelection(const TSQLiteHandle& Database, const TTableDescription& Table, std::string_view Condition,
                           const std::string& What);
 
 /// What stands behind FROM; its alias is T.
@@ -29,7 +29,7 @@ std::string SQLiteRowsOf(const TTableDescription& Table);
 class TSQLiteCursor final : public TCursor {
  public:
   /// Wide: as for ReadSQLiteCell.
-  TSQLiteCursor(sqlite3* Database, const TTableDescription& Table, std::span<const int> Columns,
+  TSQLiteCursor(const TSQLiteHandle& Database, const TTableDescription& Table, std::span<const int> Columns,
                 const TWalkOptions& Options, bool Wide);
 
   bool Next() override { return FStatement.Step(); }

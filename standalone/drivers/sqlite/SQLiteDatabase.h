@@ -1,13 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "standalone/drivers/Driver.h"
 #include "standalone/drivers/sqlite/SQLiteBinder.h"
+#include "standalone/drivers/sqlite/SQLiteHandle.h"
 #include "standalone/drivers/sqlite/SQLiteWait.h"
-
-struct sqlite3;
 
 namespace velkrund {
 
@@ -21,11 +21,11 @@ class TSQLiteDatabase {
   TSQLiteDatabase& operator=(const TSQLiteDatabase&) = delete;
   ~TSQLiteDatabase();
 
-  sqlite3* Handle() const { return FHandle.get(); }
+  const TSQLiteHandle& Handle() const { return *FHandle; }
   const TSQLiteTexts& Texts() const { return FTexts; }
   bool InTransaction() const;
   /// The statement that comes now waits for others, whatever was waited for in vain before.
-  void WaitAnew() { FWait.Renew(); }
+  void WaitAnew();
   /// An error when the file has lost its name: what is written into it would be lost with it.
   void CheckNotMoved() const;
   /// How a message about the whole database begins.
@@ -42,7 +42,8 @@ class TSQLiteDatabase {
   std::string FPath;
   TSQLiteWait FWait;
   bool FIsNew = false;  // the file was not there before
-  std::unique_ptr<sqlite3, TClose> FHandle;
+  std::unique_ptr<sqlite3, TClose> FOpened;
+  std::optional<TSQLiteHandle> FHandle;  // to it
   TSQLiteTexts FTexts;
 };
 

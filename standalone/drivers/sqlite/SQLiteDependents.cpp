@@ -45,7 +45,7 @@ std::string ReasonAgainst(sqlite3* Database, const std::string& Statement) {
 
 }  // namespace
 
-TSQLiteDependents::TSQLiteDependents(sqlite3* Database, const std::string& Name) : FDatabase(Database) {
+TSQLiteDependents::TSQLiteDependents(const TSQLiteHandle& Database, const std::string& Name) : FDatabase(Database) {
   Read();
   KeepThoseOf(FoldedSQLiteName(Name));
   for (TDependent& Dependent : FDependents) Dependent.Before = StateOf(Dependent);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-struct sqlite3;
+#include "standalone/drivers/sqlite/SQLiteHandle.h"
 
 namespace velkrund {
 
@@ -14,7 +14,7 @@ namespace velkrund {
 class TSQLiteDependents {
  public:
   /// Asks for those of the table or view as it is now. Database: borrowed.
-  TSQLiteDependents(sqlite3* Database, const std::string& Name);
+  TSQLiteDependents(const TSQLiteHandle& Database, const std::string& Name);
 
   struct TChanges {
     std::vector<std::string> Broken;     // "view 'V': no such column: A"; "trigger 'A' or trigger 'B': ..."
@@ -46,7 +46,7 @@ class TSQLiteDependents {
   std::string Statement(const TDependent& Dependent, std::string& Error) const;
   std::string Update(const TDependent& Trigger, const std::string& Table, std::string& Error) const;
 
-  sqlite3* const FDatabase;
+  const TSQLiteHandle FDatabase;
   std::vector<TDependent> FDependents;
 };
 

@@ -19,13 +19,14 @@ namespace velkrund {
 namespace {
 
 /// Those that fire, of the database and of the connection.
-std::vector<std::string> InsertTriggers(sqlite3* Database, TSQLiteSchemaReader& Schema, const std::string& Table) {
+std::vector<std::string> InsertTriggers(const TSQLiteHandle& Database, TSQLiteSchemaReader& Schema,
+                                        const std::string& Table) {
   std::vector<std::string> Result;
   int AreOn = 1;
   sqlite3_db_config(Database, SQLITE_DBCONFIG_ENABLE_TRIGGER, -1, &AreOn);
   if (AreOn == 0) return Result;
-  for (const TTrigger& Trigger : Schema.KnownTriggers())
-    if (Trigger.OnInsert && Trigger.Table.Name == Table) Result.push_back(Trigger.Name);
+  for (const TTrigger& Trigger : Schema.TriggersOf(Table))
+    if (Trigger.OnInsert) Result.push_back(Trigger.Name);
   static constexpr const char* AskTriggers =
       "SELECT name, sql FROM sqlite_temp_schema WHERE type = 'trigger' AND lower(tbl_name) = lower(?1)";
   auto Found = Schema.Memory().Ask(AskTriggers, Format("Cannot append to table '%s'", Table));
@@ -121,7 +122,7 @@ std::unique_ptr<TBulkAppender> TSQLiteRowAccess::OpenAppender(const TTableDescri
   if (Table.Table.Kind == TTableKind::View) throw EDatabaseError(What + ": it is a view");
   if (FReadOnly)
     throw EDatabaseError(What + ": the database is opened for reading only", {.Code = TErrorCode::DatabaseReadOnly});
-  sqlite3* Database = FDatabase.Handle();
+  const TSQLiteHandle& Database = FDatabase.Handle();
   TSQLiteAppender::TTraits Traits;
   Traits.Texts = FDatabase.Texts();
   Traits.Texts.AllowLoss = Options.AllowLoss;

@@ -59,7 +59,7 @@ void TakeParameters(const TSQLiteStatement& Statement, std::vector<std::string>&
 
 }  // namespace
 
-std::unique_ptr<TSQLiteStatement> NextSQLiteStatement(sqlite3* Database, std::string_view& Script,
+std::unique_ptr<TSQLiteStatement> NextSQLiteStatement(const TSQLiteHandle& Database, std::string_view& Script,
                                                       const std::string& Task, TSQLiteStatement::TUse Use) {
   const TOnlyWithinTransaction Refusals(Database);
   try {
@@ -80,7 +80,7 @@ std::unique_ptr<TSQLiteStatement> NextSQLiteStatement(sqlite3* Database, std::st
   return nullptr;
 }
 
-std::vector<std::string> CheckSQLiteScript(sqlite3* Database, std::string_view Script) {
+std::vector<std::string> CheckSQLiteScript(const TSQLiteHandle& Database, std::string_view Script) {
   std::vector<std::string> Names;
   bool IsEmpty = true;
   while (const auto Statement = NextSQLiteStatement(Database, Script, What)) {

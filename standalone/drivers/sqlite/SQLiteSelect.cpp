@@ -25,7 +25,7 @@ TSQLiteSelectCursor::TSQLiteSelectCursor(const TSQLiteDatabase& Database, const 
   Describe();
 }
 
-void TSQLiteSelectCursor::CheckReads(sqlite3* Database, std::string_view Rest) const {
+void TSQLiteSelectCursor::CheckReads(const TSQLiteHandle& Database, std::string_view Rest) const {
   if (!FStatement) throw EDatabaseError(FFailed + ": it is empty");
   if (sqlite3_stmt_readonly(FStatement->Handle()) == 0)
     throw EDatabaseError(FFailed + ": it would write, and a query only reads");
@@ -60,7 +60,7 @@ void TSQLiteSelectCursor::Describe() {
 }
 
 void TSQLiteSelectCursor::Read(int Column, TKvVariant& Value) {
-  ReadSQLiteCell(sqlite3_column_value(FStatement->Handle(), Column), FWide,
+  ReadSQLiteCell(sqlite3_column_value(FStatement->Row(), Column), FWide,
                  FColumns[static_cast<std::size_t>(Column)].Kind, FScratch, Value);
 }
 

@@ -27,7 +27,7 @@ class TSQLiteSelectCursor final : public TCursor {
   void Read(int Column, TKvVariant& Value) override;
 
  private:
-  void CheckReads(sqlite3* Database, std::string_view Rest) const;
+  void CheckReads(const TSQLiteHandle& Database, std::string_view Rest) const;
   void Bind(const TSQLiteTexts& Texts);
   void Describe();
 

@@ -1,6 +1,7 @@
 """Whole processes measured in turn, for the programs beside this file."""
 
 import os
+import platform
 import statistics
 import subprocess
 import sys
@@ -28,6 +29,22 @@ def run(arguments, folder, output=os.devnull, expected=0):
     if process.returncode != expected:
         sys.exit(f"{arguments[0]} ended with {process.returncode}: {errors.decode(errors='replace')}")
     return Usage(usage.ru_utime + usage.ru_stime, wall, usage.ru_maxrss / 1024)
+
+
+def processor():
+    """The name of the processor, as the system gives it."""
+    for line in Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines():
+        if line.startswith("model name"):
+            return line.split(":", maxsplit=1)[1].strip()
+    return platform.machine()
+
+
+def keep_to_cores(count):
+    """From here on this process, and those that it starts, have that many cores."""
+    cores = sorted(os.sched_getaffinity(0))
+    if count > len(cores):
+        sys.exit(f"{count} cores were asked for, {len(cores)} are there")
+    os.sched_setaffinity(0, cores[:count])
 
 
 def medians(usages):

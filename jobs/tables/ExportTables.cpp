@@ -75,7 +75,11 @@ std::vector<TItem> TJobExportTables::PlanItems() {
   std::vector<TItem> Result, Missing;
   std::set<std::string> Seen;
   const TTableSearch Search(Manager(), DatabaseName, FOutcome.Database);
-  for (const std::string& Name : Tables.empty() ? TablesWithRows(Manager(), DatabaseName, FOutcome.Notes) : Tables) {
+  // The database's own list needs no search.
+  if (Tables.empty())
+    for (const std::string& Name : TablesWithRows(Manager(), DatabaseName, FOutcome.Notes))
+      Result.push_back(RowsItem(Name));
+  for (const std::string& Name : Tables) {
     const std::unique_ptr<TTable> Table = Search.Find(Name, false);
     if (!Table) {
       if (Seen.insert(Name).second) Missing.push_back(WithoutTable(Search, Name));

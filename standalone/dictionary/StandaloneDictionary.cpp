@@ -64,9 +64,20 @@ TDicTable& TStandaloneDictionary::GetDicTable(const std::string& DatabaseName) {
   return *Table;
 }
 
+/// That there are none is found once for all tables of a transaction, unless it makes them.
+std::optional<TTableInfo> TStandaloneDictionary::FindLinks(const std::string& DatabaseName) {
+  TDatabases& Databases = FManager.Databases();
+  std::int64_t& Without = FWithoutLinks[DatabaseName];
+  const std::int64_t Mark = Databases.IsInTransaction(DatabaseName) ? Databases.TransactionMark(DatabaseName) : 0;
+  if (Mark != 0 && Without == Mark) return std::nullopt;
+  std::optional<TTableInfo> Result = Databases.Connection(DatabaseName).Schema().FindTable(LinkTable);
+  Without = Result ? 0 : Mark;
+  return Result;
+}
+
 std::string TStandaloneDictionary::GetPatternName(const std::string& TableName, const std::string& DatabaseName) {
   TConnection& Connection = FManager.Databases().Connection(DatabaseName);
-  if (const std::optional<TTableInfo> Links = Connection.Schema().FindTable(LinkTable)) {
+  if (const std::optional<TTableInfo> Links = FindLinks(DatabaseName)) {
     const TTableDescription Known = Connection.Schema().Describe(*Links);
     const auto Column = [&](std::string_view Name) {
       for (const TColumnInfo& Each : Known.Columns)
@@ -111,6 +122,7 @@ void TStandaloneDictionary::CreateTableByDef(const std::string& DatabaseName, co
                                              const std::string& Pattern, TTableScriptPart Part, bool Replace) {
   TConnection& Connection = FManager.Databases().Connection(DatabaseName);
   const TScript Statements = Script(DatabaseName, Description, Pattern, Part);
+  if (SameText(Description.Name, LinkTable)) FWithoutLinks.clear();
   TTransaction Transaction(DatabaseName);
   if (Replace && Part != TTableScriptPart::Rest && Connection.Schema().FindTable(Description.FullName()))
     DropTable(DatabaseName, Description);

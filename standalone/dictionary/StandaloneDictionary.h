@@ -41,12 +41,15 @@ class TStandaloneDictionary final : public TDictionary {
  private:
   class TStoredTables;
 
+  std::optional<TTableInfo> FindLinks(const std::string& DatabaseName);
   /// The structures of tables learn what the engine now says of the table.
   void StoreWords(const std::string& DatabaseName, const std::string& TableName);
 
   TStandaloneManager& FManager;
   TGapBook FGaps;
-  std::map<std::string, std::unique_ptr<TStoredTables>> FTables;  // by the name of the database that was asked for
+  // By the name of the database that was asked for.
+  std::map<std::string, std::unique_ptr<TStoredTables>> FTables;
+  std::map<std::string, std::int64_t> FWithoutLinks;  // the transaction that has found no links to patterns
 };
 
 }  // namespace velkrund

@@ -76,11 +76,13 @@ int ObjectTypeOf(TDefinedKind Kind) {
 
 std::unique_ptr<TDSPFormManager> LoadStructure(const std::string& DatabaseName, const std::string& Name,
                                                int ObjectType) {
-  if (!DSPContainer().Table(DatabaseName).DSPStructureExist(Name, ObjectType)) return nullptr;
   auto Form = FormOf(DatabaseName, Name, ObjectType);
   if (!Form->LoadPureStructure())
     throw EDSPError(Format("The structure '%s' (type %d) cannot be loaded", Name, ObjectType));
-  return Form;
+  // One that is not there loads as an empty one.
+  const bool IsThere =
+      Form->Root().GetCount() > 0 || DSPContainer().Table(DatabaseName).DSPStructureExist(Name, ObjectType);
+  return IsThere ? std::move(Form) : nullptr;
 }
 
 std::optional<TDicTableDescription> StoredTable(const std::string& DatabaseName, const std::string& Name) {

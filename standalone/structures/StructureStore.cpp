@@ -46,7 +46,10 @@ TStructureTable& TStructureStore::StructuresOf(const std::string& DatabaseName) 
   std::unique_ptr<TStructureTable>& Table = FTables[DatabaseName];
   if (!Table)
     Table = std::make_unique<TStructureTable>(
-        DatabaseName, [this, DatabaseName]() -> TConnection& { return FDatabases.Connection(DatabaseName); });
+        DatabaseName, [this, DatabaseName]() -> TConnection& { return FDatabases.Connection(DatabaseName); },
+        [this, DatabaseName] {
+          return FDatabases.IsInTransaction(DatabaseName) ? FDatabases.TransactionMark(DatabaseName) : 0;
+        });
   return *Table;
 }
 

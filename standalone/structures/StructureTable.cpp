@@ -44,9 +44,18 @@ struct TStructureTable::TSetting {
   TKvVariant Value;
 };
 
+/// Looks once a transaction, and then for each question outside of one.
+bool TStructureTable::IsThere(TConnection& Connection) {
+  const std::int64_t Mark = FMark();
+  if (Mark != 0 && Mark == FKnownAt) return true;
+  const bool Result = TCatalogue(Connection).Has(Structures());
+  FKnownAt = Result ? Mark : 0;
+  return Result;
+}
+
 std::unique_ptr<TCursor> TStructureTable::Select(const char* Columns, const std::string& ObjectName, int ObjectType) {
   TConnection& Connection = FConnect();
-  if (!TCatalogue(Connection).Has(Structures())) return nullptr;
+  if (!IsThere(Connection)) return nullptr;
   const std::string Key = LowerCase(ObjectName);
   const TKvVariant Identity[] = {NumberCell(ObjectType), TextCell(Key)};
   auto Rows = Connection.Query(
@@ -87,7 +96,7 @@ void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const
   TTransaction Transaction(FDatabaseName);
   TConnection& Connection = FConnect();
   const TDialect& Dialect = Connection.Dialect();
-  TCatalogue(Connection).Make(Structures());
+  if (!IsThere(Connection)) TCatalogue(Connection).Make(Structures());
   const std::string Key = LowerCase(ObjectName);
   std::vector<TKvVariant> Parameters = {NumberCell(ObjectType), TextCell(Key)};
   std::string Changes, Columns, Marks;
@@ -113,7 +122,7 @@ void TStructureTable::Store(const std::string& ObjectName, int ObjectType, const
 TDSPList TStructureTable::List() {
   TConnection& Connection = FConnect();
   std::vector<TDSPListItem> Items;
-  if (TCatalogue(Connection).Has(Structures())) {
+  if (IsThere(Connection)) {
     const auto Rows = Connection.Query(Format("SELECT %s FROM %s", ItemColumns, Structures().Name));
     while (Rows->Next()) Items.push_back(TakeItem(*Rows));
   }
@@ -129,7 +138,7 @@ TDSPList TStructureTable::List() {
 
 bool TStructureTable::DeleteStructure(const std::string& ObjectName, int ObjectType) {
   TConnection& Connection = FConnect();
-  if (!TCatalogue(Connection).Has(Structures())) return false;
+  if (!IsThere(Connection)) return false;
   TTransaction Transaction(FDatabaseName);
   const std::string Key = LowerCase(ObjectName);
   const TKvVariant Identity[] = {NumberCell(ObjectType), TextCell(Key)};

@@ -16,9 +16,11 @@ class TStructureTable final : public TDSPTable {
  public:
   /// The database's connection, asked for with every call, since it may be closed and made again.
   using TConnect = std::function<TConnection&()>;
+  /// The number of the running transaction, as TDatabases::TransactionMark; 0 outside of one.
+  using TMark = std::function<std::int64_t()>;
 
-  TStructureTable(std::string DatabaseName, TConnect Connect)
-      : FDatabaseName(std::move(DatabaseName)), FConnect(std::move(Connect)) {}
+  TStructureTable(std::string DatabaseName, TConnect Connect, TMark Mark)
+      : FDatabaseName(std::move(DatabaseName)), FConnect(std::move(Connect)), FMark(std::move(Mark)) {}
 
   bool DSPStructureExist(const std::string& ObjectName, int ObjectType) override;
   std::optional<TDSPListItem> GetStructureProperties(const std::string& ObjectName, int ObjectType) override;
@@ -34,11 +36,14 @@ class TStructureTable final : public TDSPTable {
  private:
   struct TSetting;
 
+  bool IsThere(TConnection& Connection);
   std::unique_ptr<TCursor> Select(const char* Columns, const std::string& ObjectName, int ObjectType);
   void Store(const std::string& ObjectName, int ObjectType, const std::vector<TSetting>& Settings);
 
   const std::string FDatabaseName;
   const TConnect FConnect;
+  const TMark FMark;
+  std::int64_t FKnownAt = 0;  // the transaction that has found its table, and in which it is locked since
 };
 
 }  // namespace velkrund

@@ -1,8 +1,7 @@
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 
-#include <libpq-fe.h>
-
 #include "standalone/drivers/ReadingThread.h"
+#include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLRoutineSurroundings.h"
 #include "standalone/drivers/postgresql/PostgreSQLSafeguards.h"

@@ -131,6 +131,19 @@ std::string NamedInPostgreSQL(std::string Statement, std::string_view Kind, std:
   return Statement.replace(Name, EndOfPostgreSQLName(Statement, Name) - Name, SQLName);
 }
 
+std::string PostgreSQLArray(const std::vector<std::string>& Texts) {
+  std::string Result = "{";
+  for (const std::string& Text : Texts) {
+    Result += Result.size() > 1 ? ",\"" : "\"";
+    for (const char C : Text) {
+      if (C == '"' || C == '\\') Result += '\\';
+      Result += C;
+    }
+    Result += '"';
+  }
+  return Result += '}';
+}
+
 std::string QuotePostgreSQLText(std::string_view Text) {
   const bool Escaped = Text.find('\\') != std::string_view::npos;
   std::string Result = Escaped ? "E'" : "'";

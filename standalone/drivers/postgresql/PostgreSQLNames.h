@@ -30,6 +30,9 @@ std::string OnPostgreSQLTable(const std::string& Statement, std::string_view SQL
 /// Such a statement with another name for what is made. Kind: "INDEX" or "TRIGGER".
 std::string NamedInPostgreSQL(std::string Statement, std::string_view Kind, std::string_view SQLName);
 
+/// Texts as the text of an array.
+std::string PostgreSQLArray(const std::vector<std::string>& Texts);
+
 /// A text between quotes.
 std::string QuotePostgreSQLText(std::string_view Text);
 

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
+#include "standalone/drivers/postgresql/PostgreSQLMoment.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -17,16 +19,36 @@ namespace velkrund {
 namespace {
 
 /// The tables of users, those of the current schema ($1) first. The engine keeps all schema names that begin with pg_
-/// for itself. $2: the only name to look for, with or without a schema; empty: all.
-std::string TablesStatement() {
+/// for itself. Which: more conditions.
+std::string TablesStatement(std::string_view Which) {
   return CatalogueStatement(
-      "SELECT c.relname, n.nspname, c.relkind, c.relhassubclass AND c.relkind = ANY ('{r,f}'), c.relispartition, "
-      "pg_catalog.array_position(pg_catalog.current_schemas(false), n.nspname) "
-      "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
-      "WHERE c.relkind = ANY ('{r,p,f,v,m}') AND NOT pg_catalog.starts_with(n.nspname, 'pg_') "
-      "AND n.nspname <> 'information_schema' AND ($2::pg_catalog.text = '' OR c.relname = $2::pg_catalog.text "
-      "OR n.nspname || '.' || c.relname = $2::pg_catalog.text) "
-      "ORDER BY n.nspname <> $1::pg_catalog.text, n.nspname, c.relname");
+      std::string(
+          "SELECT c.relname, n.nspname, c.relkind, c.relhassubclass AND c.relkind = ANY ('{r,f}'), c.relispartition, "
+          "pg_catalog.array_position(pg_catalog.current_schemas(false), n.nspname) "
+          "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+          "WHERE c.relkind = ANY ('{r,p,f,v,m}') AND NOT pg_catalog.starts_with(n.nspname, 'pg_') "
+          "AND n.nspname <> 'information_schema' ") +
+      std::string(Which) + "ORDER BY n.nspname <> $1::pg_catalog.text, n.nspname, c.relname");
+}
+
+/// The only name to look for, with or without a schema ($2). What the name of a table can be in it ($3) is what the
+/// engine has an index for.
+constexpr std::string_view OfOneName =
+    "AND c.relname = ANY ($3::pg_catalog.name[]) AND (c.relname = $2::pg_catalog.text "
+    "OR n.nspname || '.' || c.relname = $2::pg_catalog.text) ";
+
+/// What goes by a name of ASCII ($2, as above) in any case: no other letter has one of these for its other case, and
+/// what the server takes for the case of others does not count.
+constexpr std::string_view OfOneNameInAnyCase =
+    "AND pg_catalog.translate(c.relname, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ', 'abcdefghijklmnopqrstuvwxyz') = ANY "
+    "($2::pg_catalog.text[]) ";
+
+/// The whole, and what follows each dot, as an array of the engine's.
+std::string BareNamesIn(std::string_view Name) {
+  std::vector<std::string> Names{std::string(Name)};
+  for (std::size_t Dot = Name.find('.'); Dot != Name.npos; Dot = Name.find('.', Dot + 1))
+    Names.emplace_back(Name.substr(Dot + 1));
+  return PostgreSQLArray(Names);
 }
 
 /// What acts on a deletion: cascade, set null, set default. The keys that a partition has from its table are that
@@ -113,8 +135,23 @@ std::string TPostgreSQLSchemaReader::ShownSchema(std::string_view Schema) const 
 
 std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::Candidates(const std::string& What,
                                                                                      const std::string& Name) {
-  const TPostgreSQLResult Rows =
-      FSession.Query(What, TablesStatement(), {FSession.Dialect().CurrentSchema().c_str(), Name.c_str()});
+  static const std::string AskAll = TablesStatement({}), AskOne = TablesStatement(OfOneName);
+  const char* const Current = FSession.Dialect().CurrentSchema().c_str();
+  return CandidatesIn(Name.empty() ? FSession.Query(What, AskAll, {Current})
+                                   : FSession.Query(What, AskOne, {Current, Name.c_str(), BareNamesIn(Name).c_str()}));
+}
+
+/// At least those that go by the name when case does not count.
+std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::CandidatesInAnyCase(const std::string& What,
+                                                                                              std::string_view Name) {
+  if (AsciiPrefix(Name) < Name.size()) return Candidates(What, {});
+  static const std::string Ask = TablesStatement(OfOneNameInAnyCase);
+  return CandidatesIn(
+      FSession.Query(What, Ask, {FSession.Dialect().CurrentSchema().c_str(), BareNamesIn(LowerCase(Name)).c_str()}));
+}
+
+std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::CandidatesIn(
+    const TPostgreSQLResult& Rows) const {
   std::vector<TCandidate> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     TCandidate Found;
@@ -152,6 +189,15 @@ std::vector<TTableInfo> TPostgreSQLSchemaReader::Tables() {
 }
 
 std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Name) {
+  TPostgreSQLMoment* const Moment = FSession.Moment();
+  if (!Moment) return Find(Name);
+  if (const auto Known = Moment->Found.find(Name); Known != Moment->Found.end()) return Known->second;
+  std::optional<TTableInfo> Result = Find(Name);
+  if (Result) Moment->Found.emplace(Name, *Result);
+  return Result;
+}
+
+std::optional<TTableInfo> TPostgreSQLSchemaReader::Find(std::string_view Name) {
   if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
   const std::string What = Format("Cannot look for table '%s'", Name);
   constexpr int OnPath = 1;
@@ -185,7 +231,7 @@ std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Na
   if (auto Found = Only(Candidates(What, std::string(Name)), Exactly, "; name one as it stands here")) return Found;
   if (const auto Parts = ExactNameParts(Name)) return FindExactly(What, *Parts);
   const auto IgnoringCase = [](std::string_view A, std::string_view B) { return SameText(A, B); };
-  return Only(Candidates(What, {}), IgnoringCase, "; name one in its own case");
+  return Only(CandidatesInAnyCase(What, Name), IgnoringCase, "; name one in its own case");
 }
 
 /// Parts: of an exact name.
@@ -208,8 +254,9 @@ TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
 }
 
 std::vector<std::vector<int>> TPostgreSQLSchemaReader::UniqueKeys(const TTableDescription& Table) {
+  static const std::string Statement = UniqueKeysStatement();
   const TPostgreSQLResult Rows =
-      FSession.Query(Format("Cannot read the keys of table '%s'", FullName(Table.Table)), UniqueKeysStatement(),
+      FSession.Query(Format("Cannot read the keys of table '%s'", FullName(Table.Table)), Statement,
                      {FSession.Dialect().SchemaOf(Table.Table).c_str(), Table.Table.Name.c_str()});
   std::vector<std::vector<int>> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
@@ -226,10 +273,27 @@ std::int64_t TPostgreSQLSchemaReader::RowCount(const TTableInfo& Table) {
       .Integer(0, 0);
 }
 
-bool TPostgreSQLSchemaReader::HasRows(const TTableInfo& Table) {
+/// As the planner does: by the rows of a page when it was last looked at, and the pages that there are.
+std::optional<std::int64_t> TPostgreSQLSchemaReader::EstimatedRows(const TTableDescription& Table) {
+  if (Table.Table.Kind != TTableKind::Table) return std::nullopt;
+  const std::string Name = FSession.Dialect().QualifiedName(Table.Table);
+  const TPostgreSQLResult Found = FSession.Query(
+      Format("Cannot look into table '%s'", FullName(Table.Table)),
+      "SELECT (c.reltuples::pg_catalog.float8 OPERATOR(pg_catalog./) c.relpages::pg_catalog.float8 OPERATOR("
+      "pg_catalog.*) (pg_catalog.pg_relation_size(c.oid) OPERATOR(pg_catalog./) "
+      "pg_catalog.current_setting('block_size')::pg_catalog.int8)::pg_catalog.float8)::pg_catalog.int8 "
+      "FROM pg_catalog.pg_class c WHERE c.oid OPERATOR(pg_catalog.=) $1::pg_catalog.text::pg_catalog.regclass AND "
+      "c.relkind OPERATOR(pg_catalog.=) 'r' AND c.relpages OPERATOR(pg_catalog.>) 0 AND c.reltuples "
+      "OPERATOR(pg_catalog.>=) 0 AND c.reltuples OPERATOR(pg_catalog.<) 1e12",
+      {Name.c_str()});
+  if (Found.RowCount() == 0) return std::nullopt;
+  return Found.Integer(0, 0);
+}
+
+bool TPostgreSQLSchemaReader::HasAtLeast(const TTableInfo& Table, std::int64_t Rows) {
   return FSession
              .Query(Format("Cannot look into table '%s'", FullName(Table)),
-                    "SELECT FROM " + FSession.Dialect().SQLName(Table) + " LIMIT 1")
+                    Format("SELECT FROM %s LIMIT 1 OFFSET %d", FSession.Dialect().SQLName(Table), Rows - 1))
              .RowCount() > 0;
 }
 

@@ -4,6 +4,7 @@
 
 namespace velkrund {
 
+class TPostgreSQLResult;
 class TPostgreSQLSession;
 
 /// A table's schema is left out of its TTableInfo when it is the one in which names without a schema were looked for
@@ -20,7 +21,8 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) override;
   /// Without rows of tables that inherit from it; with those of partitions.
   std::int64_t RowCount(const TTableInfo& Table) override;
-  bool HasRows(const TTableInfo& Table) override;
+  std::optional<std::int64_t> EstimatedRows(const TTableDescription& Table) override;
+  bool HasAtLeast(const TTableInfo& Table, std::int64_t Rows) override;
   std::optional<std::int64_t> TableBytes(const TTableInfo& Table) override;
 
   std::vector<TForeignKey> ForeignKeys() override;
@@ -34,6 +36,9 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   struct TCandidate;
 
   std::vector<TCandidate> Candidates(const std::string& What, const std::string& Name);
+  std::vector<TCandidate> CandidatesInAnyCase(const std::string& What, std::string_view Name);
+  std::vector<TCandidate> CandidatesIn(const TPostgreSQLResult& Rows) const;
+  std::optional<TTableInfo> Find(std::string_view Name);
   void MarkShared(std::vector<TTableInfo*> Tables);
   std::optional<TTableInfo> FindExactly(const std::string& What, const std::vector<std::string>& Parts);
   std::string ShownSchema(std::string_view Schema) const;

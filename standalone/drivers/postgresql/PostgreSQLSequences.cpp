@@ -1,6 +1,5 @@
 #include "standalone/drivers/postgresql/PostgreSQLSequences.h"
 
-#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -73,14 +72,20 @@ std::string TPostgreSQLSequences::Tables() const {
   return Result += '}';
 }
 
+/// What was written, by table and column.
+TPostgreSQLSequences::TColumns TPostgreSQLSequences::ByColumn() const {
+  TColumns Result;
+  for (const TWritten& Written : FWritten)
+    Result.emplace(std::pair<std::string_view, std::string_view>(Written.TableOid, Written.Column), &Written);
+  return Result;
+}
+
 /// Where nobody can tell which sequence a default asks, somebody has to look.
 void TPostgreSQLSequences::TellHidden(const std::string& Tables) const {
   const TPostgreSQLResult Rows = FSession.Query(What, HiddenDefaults(), {Tables.c_str()});
+  const TColumns Columns = ByColumn();
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
-    const auto IsOfColumn = [&](const TWritten& Written) {
-      return Written.TableOid == Rows.Text(Row, 0) && Written.Column == Rows.Text(Row, 1);
-    };
-    if (std::any_of(FWritten.begin(), FWritten.end(), IsOfColumn))
+    if (Columns.contains({Rows.Text(Row, 0), Rows.Text(Row, 1)}))
       FWarning(Format("the default of %s.%s calls a function: where a sequence behind it stands is not known",
                       Rows.Text(Row, 2), Rows.Text(Row, 3)));
   }
@@ -89,14 +94,13 @@ void TPostgreSQLSequences::TellHidden(const std::string& Tables) const {
 /// By their names; those alone that rows were written for.
 std::map<std::string, TPostgreSQLSequences::TSequence> TPostgreSQLSequences::Find(const std::string& Tables) const {
   const TPostgreSQLResult Rows = FSession.Query(What, FeedingSequences(), {Tables.c_str()});
+  const TColumns Columns = ByColumn();
   std::map<std::string, TSequence> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
     const bool Upwards = Rows.Boolean(Row, 3);
-    const auto IsOfColumn = [&](const TWritten& Written) {
-      return Written.TableOid == Rows.Text(Row, 0) && Written.Column == Rows.Text(Row, 1);
-    };
-    for (auto Written = std::find_if(FWritten.begin(), FWritten.end(), IsOfColumn); Written != FWritten.end();
-         Written = std::find_if(Written + 1, FWritten.end(), IsOfColumn)) {
+    const auto [First, End] = Columns.equal_range({Rows.Text(Row, 0), Rows.Text(Row, 1)});
+    for (auto Each = First; Each != End; ++Each) {
+      const TWritten* const Written = Each->second;
       TSequence& Sequence =
           Result
               .try_emplace(Rows.Copy(Row, 2),

@@ -48,7 +48,10 @@ class TPostgreSQLSequences {
     std::optional<std::int64_t> Furthest;
   };
 
+  using TColumns = std::multimap<std::pair<std::string_view, std::string_view>, const TWritten*>;
+
   std::string Tables() const;
+  TColumns ByColumn() const;
   void TellHidden(const std::string& Tables) const;
   std::map<std::string, TSequence> Find(const std::string& Tables) const;
   std::optional<std::int64_t> FurthestOf(const TPostgreSQLResult& Rows, int Row, bool Upwards) const;

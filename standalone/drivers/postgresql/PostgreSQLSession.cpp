@@ -1,10 +1,10 @@
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 
-#include <libpq-fe.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "standalone/drivers/postgresql/Libpq.h"
+#include "standalone/drivers/postgresql/PostgreSQLMoment.h"
 #include "standalone/drivers/postgresql/PostgreSQLParameters.h"
 #include "standalone/drivers/postgresql/PostgreSQLPipeline.h"
 #include "standalone/drivers/postgresql/PostgreSQLSettings.h"
@@ -20,6 +20,9 @@ constexpr int OldestServer = 120'000;
 
 /// What the server says of a statement that was told to stop.
 constexpr std::string_view StoppedCode = "57014";
+
+/// What the server says where it knows no statement by the name.
+constexpr std::string_view UnknownStatementCode = "26000";
 
 /// What begins a message about a statement that is not the driver's own.
 constexpr std::string_view ExecutionFailed = "Cannot execute a statement";
@@ -47,8 +50,11 @@ TPostgreSQLSession::TPostgreSQLSession(TPostgreSQLAddress Address, const TConnec
   Open();
 }
 
+TPostgreSQLSession::~TPostgreSQLSession() = default;
+
 void TPostgreSQLSession::Open() {
   FConnection = ConnectToPostgreSQL(FAddress, FOptions);
+  FRepeated.Forget();
   FWait.Renew();
   PQsetNoticeReceiver(Handle(), TakeNotice, this);
   SetUp();
@@ -122,6 +128,7 @@ void TPostgreSQLSession::NoteTransaction() {
   const bool Open = Status != PQTRANS_IDLE;
   if (Open && !FTransactionOpen) ++FTransactionNumber;
   if (!Open) ForgetCursors(0);
+  if (!Open) FMoment.reset();
   FTransactionOpen = Open;
 }
 
@@ -152,6 +159,21 @@ void TPostgreSQLSession::Prepare(std::string_view What) {
     if (PQtransactionStatus(Handle()) == PQTRANS_INTRANS) Run("CLOSE " + CursorName(Number), {}, TFormat::Text);
     FCursors.erase(Number);
   }
+  CatchUpWithMarks(What);
+}
+
+/// Only where the server would take them: it tells at once that it has undone the transaction.
+bool TPostgreSQLSession::MarksMayWait() const {
+  return FTransactionOpen && !IsLost() && PQtransactionStatus(Handle()) == PQTRANS_INTRANS;
+}
+
+void TPostgreSQLSession::CatchUpWithMarks(std::string_view What) {
+  const std::string Statements = FMarks.Due();
+  if (Statements.empty()) return;
+  FWait.Begin(Handle(), TAtWish::Stop);
+  const TPostgreSQLResult Result = PQsendQuery(Handle(), Statements.c_str()) != 0 ? Answer() : TPostgreSQLResult();
+  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
+  FMarks.NoteDone();
 }
 
 void TPostgreSQLSession::Begin(std::string_view Level) {
@@ -163,14 +185,22 @@ void TPostgreSQLSession::Start(std::string_view Level, bool OnlyReads) {
   const std::string What = About(StartFailed);
   if (FStream) FStream->GiveWay(What);
   if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
+  FMarks.Forget();
   Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
   FOnlyReads = OnlyReads;
+  FMoment.reset();
 }
 
 void TPostgreSQLSession::BeginReading() {
   // Not READ ONLY: a view may call a function that writes, a log of who has read it for example.
   Start("REPEATABLE READ", true);
   Query(About(StartFailed), "SAVEPOINT velkrund_reading");
+}
+
+TPostgreSQLMoment* TPostgreSQLSession::Moment() {
+  if (!FTransactionOpen || !FOnlyReads) return nullptr;
+  if (!FMoment) FMoment = std::make_unique<TPostgreSQLMoment>();
+  return FMoment.get();
 }
 
 void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
@@ -180,6 +210,7 @@ void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
 void TPostgreSQLSession::Commit() {
   const std::string What = About("commit the transaction in");
   if (!FTransactionOpen) throw EDatabaseError(What + ": no transaction is open");
+  FMarks.Forget();
   Prepare(What);
   const TPostgreSQLResult Result = Run("COMMIT", {}, TFormat::Text, TAtWish::Commit);
   if (IsLost()) {
@@ -195,6 +226,7 @@ void TPostgreSQLSession::Commit() {
 }
 
 void TPostgreSQLSession::Rollback() {
+  FMarks.Forget();
   if (!FTransactionOpen) return;
   if (FStream) FStream->Abandon();
   const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text, TAtWish::Finish);
@@ -207,31 +239,42 @@ void TPostgreSQLSession::Rollback() {
 }
 
 void TPostgreSQLSession::SetSavepoint(int Number) {
-  Query(About("go on with the transaction in"), "SAVEPOINT " + SavepointName(Number));
-  FMarks.resize(static_cast<std::size_t>(Number) - 1, FCursorNumber);
-  FMarks.push_back(FCursorNumber);
+  const std::string What = About("go on with the transaction in");
+  // What is under way was begun before the mark.
+  if (FStream) Prepare(What);
+  const bool Waits = MarksMayWait();
+  if (!Waits) Query(What, "SAVEPOINT " + SavepointName(Number));
+  FMarks.Begin(Number, {FCursorNumber, Waits ? 0 : Number});
 }
 
 void TPostgreSQLSession::ReleaseSavepoint(int Number) {
-  Query(About("go on with the transaction in"), "RELEASE SAVEPOINT " + SavepointName(Number));
-  FMarks.resize(static_cast<std::size_t>(Number) - 1);
+  const std::string What = About("go on with the transaction in");
+  // What becomes of it belongs to the part.
+  if (FStream) Prepare(What);
+  if (MarksMayWait()) return FMarks.End(Number);
+  Query(What, "RELEASE SAVEPOINT " + SavepointName(FMarks.Of(Number).Name));
+  FMarks.Drop(Number);
 }
 
 void TPostgreSQLSession::RollbackToSavepoint(int Number) {
   if (!FTransactionOpen || IsLost()) return;
-  TakePartBack(SavepointName(Number));
-  if (IsLost()) return;
-  ForgetCursors(FMarks.at(static_cast<std::size_t>(Number) - 1));
-  FMarks.resize(static_cast<std::size_t>(Number) - 1);
+  // No statement has come behind a mark that the server does not know.
+  if (const auto Mark = FMarks.Of(Number); Mark.Name > 0) {
+    TakePartBack(SavepointName(Mark.Name), FMarks.IsShared(Number));
+    if (IsLost()) return;
+    ForgetCursors(Mark.Cursors);
+  }
+  FMarks.Drop(Number);
 }
 
-void TPostgreSQLSession::TakePartBack(const std::string& Mark) {
+void TPostgreSQLSession::TakePartBack(const std::string& Mark, bool MarkStays) {
   if (FStream) FStream->Abandon();
   for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
     const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, TAtWish::Finish);
     // A connection that is lost here has taken the whole transaction with it; the next statement says so.
     if (IsLost()) return;
     if (!Result.Handle() || Result.IsError()) Raise(About("take a part of the transaction back in"), Result);
+    if (MarkStays) return;
   }
 }
 
@@ -270,6 +313,26 @@ TPostgreSQLResult TPostgreSQLSession::Run(const std::string& Statement, std::ini
   return Answer();
 }
 
+TPostgreSQLResult TPostgreSQLSession::RunAgain(const std::string& Name, const std::string& Statement,
+                                               std::initializer_list<const char*> Parameters, TFormat Format) {
+  if (!FRepeated.IsReady(Name)) {
+    FWait.Begin(Handle(), TAtWish::Stop);
+    if (PQsendPrepare(Handle(), Name.c_str(), Statement.c_str(), 0, nullptr) == 0) return TPostgreSQLResult();
+    TPostgreSQLResult Result = Answer();
+    if (!Result.Handle() || Result.IsError()) return Result;
+    FRepeated.NoteReady(Name);
+  }
+  FWait.Begin(Handle(), TAtWish::Stop);
+  if (PQsendQueryPrepared(Handle(), Name.c_str(), static_cast<int>(Parameters.size()), std::data(Parameters), nullptr,
+                          nullptr, Format == TFormat::Binary ? 1 : 0) == 0)
+    return TPostgreSQLResult();
+  TPostgreSQLResult Result = Answer();
+  if (!Result.Handle() || Result.Diagnostic(PG_DIAG_SQLSTATE) != UnknownStatementCode) return Result;
+  // Somebody's function has thrown them away.
+  FRepeated.Forget();
+  return FTransactionOpen ? std::move(Result) : Run(Statement, Parameters, Format);
+}
+
 /// The first error, else the last answer; with a COPY, whose data are still to come, that.
 TPostgreSQLResult TPostgreSQLSession::Answer() {
   FWait.ForRoom(Handle());
@@ -287,7 +350,8 @@ TPostgreSQLResult TPostgreSQLSession::Answer() {
 TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::string& Statement,
                                             std::initializer_list<const char*> Parameters, TFormat Format) {
   Prepare(What);
-  TPostgreSQLResult Result = Run(Statement, Parameters, Format);
+  const std::string* const Name = Parameters.size() > 0 ? FRepeated.NameOf(Statement) : nullptr;
+  TPostgreSQLResult Result = Name ? RunAgain(*Name, Statement, Parameters, Format) : Run(Statement, Parameters, Format);
   if (!Result.Handle() || Result.IsError()) Raise(What, Result);
   return Result;
 }
@@ -329,6 +393,8 @@ std::int64_t TPostgreSQLSession::Execute(const std::string& Statement, std::span
   FWait.ForRoom(Handle());
   const TPostgreSQLResult Result = LastAnswer(ExecutionFailed, Statement);
   FSettingsInDoubt = true;
+  FMoment.reset();
+  if (Result.Tag().starts_with("DEALLOCATE") || Result.Tag().starts_with("DISCARD")) FRepeated.Forget();
   return CountsChanges(Result.Tag()) ? Result.TagCount() : 0;
 }
 

@@ -11,11 +11,15 @@
 #include "standalone/drivers/Driver.h"
 #include "standalone/drivers/postgresql/PostgreSQLConnecting.h"
 #include "standalone/drivers/postgresql/PostgreSQLDialect.h"
+#include "standalone/drivers/postgresql/PostgreSQLMarks.h"
+#include "standalone/drivers/postgresql/PostgreSQLRepeated.h"
 #include "standalone/drivers/postgresql/PostgreSQLResult.h"
 #include "standalone/drivers/postgresql/PostgreSQLWait.h"
 #include "velkrund/platform/ormtools/Variant.h"
 
 namespace velkrund {
+
+struct TPostgreSQLMoment;
 
 /// Whoever holds the connection for the data of a COPY, during which the server takes no other statement.
 class TPostgreSQLStream {
@@ -41,6 +45,7 @@ class TPostgreSQLSession {
   TPostgreSQLSession(TPostgreSQLAddress Address, const TConnectOptions& Options);
   TPostgreSQLSession(const TPostgreSQLSession&) = delete;
   TPostgreSQLSession& operator=(const TPostgreSQLSession&) = delete;
+  ~TPostgreSQLSession();
 
   pg_conn* Handle() const { return FConnection.get(); }
   const std::string& ServerVersion() const { return FServerVersion; }
@@ -64,11 +69,14 @@ class TPostgreSQLSession {
   void SetSavepoint(int Number);
   void ReleaseSavepoint(int Number);
   void RollbackToSavepoint(int Number);
-  /// Undoes what came after the mark of that name, and forgets it.
-  void TakePartBack(const std::string& Mark);
+  /// Undoes what came after the mark of that name, and forgets it unless it stays.
+  void TakePartBack(const std::string& Mark, bool MarkStays = false);
   bool InTransaction() const { return FTransactionOpen; }
   /// Whether the last transaction was begun by BeginReading.
   bool OnlyReads() const { return FOnlyReads; }
+  /// What is known of the moment that such a transaction sees, for readers of the catalogue to keep; null outside of
+  /// one.
+  TPostgreSQLMoment* Moment();
   /// Lets go of the locks on tables and indexes that a transaction which only reads has taken so far: they would be
   /// held to its end, and a server has room for a few thousand. What it sees stays of one moment. What begins a
   /// message.
@@ -83,7 +91,8 @@ class TPostgreSQLSession {
   TPostgreSQLResult Ask(const std::string& Statement, std::span<const TKvVariant> Parameters);
 
   enum class TFormat { Text, Binary };
-  /// Executes one statement of the driver's own. What begins an error message. Parameters are texts.
+  /// Executes one statement of the driver's own. What begins an error message. Parameters are texts; with them the
+  /// server keeps a statement ready that comes again.
   TPostgreSQLResult Query(std::string_view What, const std::string& Statement,
                           std::initializer_list<const char*> Parameters = {}, TFormat Format = TFormat::Text);
 
@@ -137,9 +146,13 @@ class TPostgreSQLSession {
   void Start(std::string_view Level, bool OnlyReads);
   bool IsLost() const;
   void Prepare(std::string_view What);
+  bool MarksMayWait() const;
+  void CatchUpWithMarks(std::string_view What);
   void CheckAlive(std::string_view What);
   TPostgreSQLResult Run(const std::string& Statement, std::initializer_list<const char*> Parameters, TFormat Format,
                         TAtWish AtWish = TAtWish::Stop, std::chrono::milliseconds Limit = {});
+  TPostgreSQLResult RunAgain(const std::string& Name, const std::string& Statement,
+                             std::initializer_list<const char*> Parameters, TFormat Format);
   pg_result* NextResult() { return FWait.NextResult(Handle()); }
   TPostgreSQLResult Answer();
   static void TakeNotice(void* Session, const pg_result* Notice) noexcept;
@@ -163,11 +176,13 @@ class TPostgreSQLSession {
   bool FTransactionOpen = false;  // as the server last said; stays when the connection is lost
   bool FOnlyReads = false;
   std::int64_t FTransactionNumber = 0;
+  std::unique_ptr<TPostgreSQLMoment> FMoment;  // null: nothing is known
+  TPostgreSQLRepeated FRepeated;
   std::int64_t FCursorNumber = 0;
   TPostgreSQLStream* FStream = nullptr;  // who holds the connection; borrowed
   std::set<std::int64_t> FCursors;       // those of the server in the running transaction
   std::vector<std::int64_t> FToClose;    // some of them
-  std::vector<std::int64_t> FMarks;      // the last number of a cursor when each savepoint was set
+  TPostgreSQLMarks FMarks;
 };
 
 }  // namespace velkrund

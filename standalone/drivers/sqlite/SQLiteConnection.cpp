@@ -36,7 +36,7 @@ constexpr const char* SourceName = "velkrund_source";
 
 /// Whether another connection sees in the file what this one sees.
 bool ShowsTheSameToOthers(const TSQLiteDatabase& Database) {
-  sqlite3* const Handle = Database.Handle();
+  const TSQLiteHandle& Handle = Database.Handle();
   if (sqlite3_txn_state(Handle, "main") == SQLITE_TXN_WRITE) return false;
   if (!Database.InTransaction()) return true;
   // Who reads from a log sees the moment of his beginning; a file by itself does not change while it is read.
@@ -83,6 +83,7 @@ void TSQLiteConnection::RequireTransaction(std::string_view What) const {
 }
 
 void TSQLiteConnection::Rollback() {
+  FDatabase.Handle().Turn().TakeForRollback();
   FSchema.Memory().Forget();
   if (FDatabase.InTransaction()) Run("ROLLBACK", "roll the transaction back in");
   DetachSource();
@@ -141,6 +142,7 @@ void TSQLiteConnection::ReleaseSavepoint(int Number) {
 }
 
 void TSQLiteConnection::RollbackToSavepoint(int Number) {
+  FDatabase.Handle().Turn().TakeForRollback();
   FSchema.Memory().Forget();
   if (!FDatabase.InTransaction()) return;
   constexpr std::string_view What = "take a part of the transaction back in";
@@ -149,7 +151,7 @@ void TSQLiteConnection::RollbackToSavepoint(int Number) {
 }
 
 void TSQLiteConnection::Run(std::string_view Statement, std::string_view What) {
-  TSQLiteStatement Prepared(FDatabase.Handle(), Statement, FDatabase.About(What));
+  TSQLiteStatement Prepared(FDatabase.Handle(), Statement, FDatabase.About(What), TSQLiteStatement::TUse::Again);
   while (Prepared.Step()) {
   }
 }
@@ -166,8 +168,10 @@ std::int64_t TSQLiteConnection::Execute(const std::string& Statement, std::span<
   sqlite3* Database = FDatabase.Handle();
   TSQLiteExecution Execution(FDatabase, Statement, Parameters);
   const std::int64_t Before = sqlite3_total_changes(Database);
+  const bool OnlyAdds = FSchema.Memory().OnlyAdds(Statement);
   while (Execution.Step()) {
   }
+  if (OnlyAdds) FSchema.Memory().TakeAdded();
   // The engine keeps the last count through statements that change no rows.
   return sqlite3_total_changes(Database) == Before ? 0 : sqlite3_changes64(Database);
 }

@@ -24,6 +24,7 @@ class TSQLiteConnection final : public TConnection {
   TDefinitionReader& Definitions() override { return FDefinitions; }
   const TScriptWriter& Scripts() const override { return FScripts; }
   TRowAccess& Rows() override { return FRows; }
+  TConnectionTurn* Turn() override { return &FDatabase.Handle().Turn(); }
   TRowCopier* CopierFrom(TConnection& Source) override;
 
   void Begin(TIsolationLevel Level) override;

@@ -39,18 +39,6 @@ std::vector<TDefinedObject> TSQLiteDefinitionReader::Objects() {
   return Tables;
 }
 
-/// What the engine keeps of a table or view and of what is on it, in the order in which it was made.
-std::vector<TSQLiteDefinitionReader::TKept> TSQLiteDefinitionReader::Kept(const std::string& Name) {
-  static constexpr const char* AskStatements =
-      "SELECT type, name, sql FROM main.sqlite_schema WHERE tbl_name = ?1 COLLATE NOCASE AND sql IS NOT NULL "
-      "ORDER BY rowid";
-  auto Statements = FSchema.Memory().Ask(AskStatements, Format("Cannot read the declaration of '%s'", Name));
-  Statements->BindText(1, Name);
-  std::vector<TKept> Result;
-  while (Statements->Step()) Result.push_back({Statements->Text(0), Statements->Text(1), Statements->Text(2)});
-  return Result;
-}
-
 bool TSQLiteDefinitionReader::KeyIsRowNumber(const TTableDescription& Table) {
   const auto IsKey = [](const TColumnInfo& Column) { return Column.KeyPosition > 0; };
   if (std::count_if(Table.Columns.begin(), Table.Columns.end(), IsKey) != 1) return false;
@@ -62,10 +50,8 @@ bool TSQLiteDefinitionReader::KeyIsRowNumber(const TTableDescription& Table) {
 /// The engine finds what is referred to in any case; others do not.
 void TSQLiteDefinitionReader::ResolveReferences(TDicTableDescription& Table) {
   for (TDicForeignKey& Key : Table.ForeignKeys) {
-    const std::vector<TSQLiteListedTable>& All = FSchema.Memory().Now().Tables;
-    const auto Found = std::find_if(All.begin(), All.end(),
-                                    [&](const TSQLiteListedTable& One) { return SameSQLiteName(One.Name, Key.Table); });
-    if (Found == All.end() || Found->Type == "view") continue;
+    const TSQLiteListedTable* const Found = FSchema.Memory().Now().FindAsEngine(Key.Table);
+    if (!Found || Found->Type == "view") continue;
     Key.Table = Found->Name;
     const TTableDescription Other = FSchema.Describe({Key.Table, {}});
     for (TDicForeignKey::TPair& Pair : Key.Columns)
@@ -77,7 +63,7 @@ void TSQLiteDefinitionReader::ResolveReferences(TDicTableDescription& Table) {
 TDicTableDescription TSQLiteDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions& Options) {
   const TTableDescription Known = FSchema.Describe(Table);
   TSQLiteTableDefinition Definition(Known);
-  for (const TKept& Item : Kept(Table.Name)) {
+  for (const TSQLiteKeptItem& Item : FSchema.Memory().Kept(Table.Name)) {
     if (Item.Type == "index") Definition.AddIndex(Item.Name, Item.Statement);
     if (Item.Type == "trigger") Definition.AddTrigger(Item.Name, Item.Statement);
     if (Item.Type != "table") continue;
@@ -97,7 +83,7 @@ TDicViewDescription TSQLiteDefinitionReader::View(const TTableInfo& View) {
   TDicViewDescription Result;
   Result.Name = View.Name;
   bool Found = false;
-  for (const TKept& Item : Kept(View.Name)) {
+  for (const TSQLiteKeptItem& Item : FSchema.Memory().Kept(View.Name)) {
     if (Item.Type == "trigger") Result.Triggers.push_back(SQLiteTrigger(Item.Name, Item.Statement));
     if (Item.Type != "view") continue;
     TSQLiteViewDeclaration Declared = ReadViewDeclaration(Item.Statement, View.Name);

@@ -23,10 +23,6 @@ class TSQLiteDefinitionReader final : public TDefinitionReader {
   std::vector<std::string> LeftBehind() override;
 
  private:
-  struct TKept {
-    std::string Type, Name, Statement;
-  };
-  std::vector<TKept> Kept(const std::string& Name);
   bool KeyIsRowNumber(const TTableDescription& Table);
   void ResolveReferences(TDicTableDescription& Table);
 

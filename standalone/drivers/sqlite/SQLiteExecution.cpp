@@ -31,7 +31,7 @@ TSQLiteExecution::TSQLiteExecution(const TSQLiteDatabase& Database, const std::s
   }
 }
 
-void TSQLiteExecution::CheckSingle(sqlite3* Database, const std::string& Text) const {
+void TSQLiteExecution::CheckSingle(const TSQLiteHandle& Database, const std::string& Text) const {
   if (!Handle()) throw EDatabaseError(Format("%s: it is empty", What));
   for (std::string_view Rest = FStatement.Rest(); !Rest.empty();) {
     const TSQLiteStatement Next(Database, Rest, What, TSQLiteStatement::TUse::Foreign);
@@ -39,6 +39,12 @@ void TSQLiteExecution::CheckSingle(sqlite3* Database, const std::string& Text) c
     // The engine reads no further.
     if (Next.Rest().size() == Rest.size()) throw EDatabaseError(Format("%s with a character U+0000 in it", What));
     Rest = Next.Rest();
+  }
+}
+
+void RunSQLite(const TSQLiteDatabase& Database, const std::string& Text, std::span<const TKvVariant> Parameters) {
+  TSQLiteExecution Execution(Database, Text, Parameters);
+  while (Execution.Step()) {
   }
 }
 

@@ -21,11 +21,14 @@ class TSQLiteExecution {
   sqlite3_stmt* Handle() const { return FStatement.Handle(); }
 
  private:
-  void CheckSingle(sqlite3* Database, const std::string& Text) const;
+  void CheckSingle(const TSQLiteHandle& Database, const std::string& Text) const;
 
   TSQLiteStatement FStatement;
   std::vector<TSQLiteBinder> FBinders;
 };
+
+/// Executes one statement to its end; rows that it yields are dropped.
+void RunSQLite(const TSQLiteDatabase& Database, const std::string& Text, std::span<const TKvVariant> Parameters = {});
 
 /// The rows of one statement, each found when it is asked for.
 class TSQLiteQueryCursor final : public TCursor {

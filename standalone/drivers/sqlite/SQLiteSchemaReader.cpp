@@ -71,8 +71,8 @@ std::vector<TTextIndex> TSQLiteSchemaReader::TextIndexes() {
 
 std::vector<TTableInfo> TSQLiteSchemaReader::Tables() {
   std::vector<TTableInfo> Result;
-  for (const TSQLiteListedTable& Table : FMemory.Now().Tables)
-    if (IsUserTable(Table.Name, Table.Type)) Result.push_back({Table.Name, {}, KindOfTable(Table.Name, Table.Type)});
+  for (const auto& [Name, Table] : FMemory.Now().Tables)
+    if (IsUserTable(Name, Table.Type)) Result.push_back({Name, {}, KindOfTable(Name, Table.Type)});
   return Result;
 }
 
@@ -83,9 +83,7 @@ std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) 
     if (!IsOfMain || !(Found = FMemory.Find(Parts->back()))) return std::nullopt;
   }
   if (!Found) {
-    std::vector<const TSQLiteListedTable*> Alike;
-    for (const TSQLiteListedTable& Table : FMemory.Now().Tables)
-      if (SameText(Table.Name, Name)) Alike.push_back(&Table);
+    const std::vector<const TSQLiteListedTable*> Alike = FMemory.Now().FindInAnyCase(Name);
     if (Alike.empty()) return std::nullopt;
     if (Alike.size() > 1) {
       std::string All;
@@ -160,44 +158,94 @@ std::int64_t TSQLiteSchemaReader::RowCount(const TTableInfo& Table) {
   return Count.Integer(0);
 }
 
-bool TSQLiteSchemaReader::HasRows(const TTableInfo& Table) {
-  TSQLiteStatement Any(FDatabase, "SELECT 1 FROM main." + QuoteStandardName(Table.Name) + " LIMIT 1",
+/// Numbers of rows that follow each other tell; where they are scattered they name more rows than the file has room
+/// for.
+std::optional<std::int64_t> TSQLiteSchemaReader::EstimatedRows(const TTableDescription& Table) {
+  constexpr std::int64_t LeastRowBytes = 4;
+  if (Table.Table.Kind != TTableKind::Table || IndexInAnyCase(Table, "_rowid_") >= 0) return std::nullopt;
+  const TSQLiteListedTable* const Known = FMemory.Find(Table.Table.Name);
+  if (!Known || Known->WithoutRowId) return std::nullopt;
+  const std::string Name = "main." + QuoteStandardName(Table.Table.Name);
+  TSQLiteStatement Span(FDatabase,
+                        Format("SELECT (SELECT max(_rowid_) FROM %s) - (SELECT min(_rowid_) FROM %s) + 1, p.page_count "
+                               "* s.page_size FROM pragma_page_count('main') p, pragma_page_size('main') s",
+                               Name, Name),
+                        Format("Cannot look into table '%s'", Table.Table.Name));
+  if (!Span.Step()) return std::nullopt;
+  const std::int64_t Rows = Span.Integer(0);
+  if (Rows < 0 || Rows > Span.Integer(1) / LeastRowBytes) return std::nullopt;
+  return Rows;
+}
+
+bool TSQLiteSchemaReader::HasAtLeast(const TTableInfo& Table, std::int64_t Rows) {
+  TSQLiteStatement Any(FDatabase,
+                       Format("SELECT 1 FROM main.%s LIMIT 1 OFFSET %d", QuoteStandardName(Table.Name), Rows - 1),
                        Format("Cannot look into table '%s'", Table.Name));
   return Any.Step();
 }
 
 std::optional<std::int64_t> TSQLiteSchemaReader::TableBytes(const TTableInfo& Table) {
   if (!FCapabilities.TableSizes || Table.Kind != TTableKind::Table) return std::nullopt;
-  TSQLiteStatement Bytes(FDatabase,
-                         "SELECT sum(pgsize) FROM dbstat('main', 1) WHERE name IN "
-                         "(SELECT name FROM main.sqlite_schema WHERE tbl_name = ?1 AND rootpage > 0)",
-                         Format("Cannot measure table '%s'", Table.Name));
-  Bytes.BindText(1, Table.Name).Step();
-  return Bytes.Integer(0);
+  const TMoment Now = Moment();
+  if (!FSizes || FSizesAreOf != Now) FSizes = MeasureAll();
+  FSizesAreOf = Now;
+  // What is written may be rolled back, after which the numbers say nothing.
+  if (sqlite3_txn_state(FDatabase, "main") == SQLITE_TXN_WRITE) FSizesAreOf = {};
+  const auto Found = FSizes->find(Table.Name);
+  return Found == FSizes->end() ? 0 : Found->second;
+}
+
+/// Other numbers when anybody has changed anything.
+TSQLiteSchemaReader::TMoment TSQLiteSchemaReader::Moment() {
+  static constexpr const char* AskVersion = "PRAGMA main.data_version";
+  auto Others = FMemory.Ask(AskVersion, About("tables"));
+  Others->Step();
+  return {Others->Integer(0), FMemory.Version(), sqlite3_total_changes64(FDatabase)};
+}
+
+/// By table, with its indexes. The engine walks through the whole database for one table, too, and would look through
+/// its schema for every name of it.
+std::map<std::string, std::int64_t> TSQLiteSchemaReader::MeasureAll() const {
+  constexpr const char* What = "Cannot measure the tables";
+  std::map<std::string, std::string> Owners;
+  TSQLiteStatement Items(FDatabase, "SELECT name, tbl_name FROM main.sqlite_schema WHERE rootpage > 0", What);
+  while (Items.Step()) Owners.emplace(Items.Text(0), Items.Text(1));
+  TSQLiteStatement Bytes(FDatabase, "SELECT name, pgsize FROM dbstat('main', 1)", What);
+  std::map<std::string, std::int64_t> Result;
+  while (Bytes.Step())
+    if (const auto Owner = Owners.find(Bytes.Text(0)); Owner != Owners.end()) Result[Owner->second] += Bytes.Integer(1);
+  return Result;
 }
 
 bool TSQLiteSchemaReader::HasCatalogueTable(const std::string& Name) {
-  TSQLiteStatement Found(FDatabase, "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1",
-                         Format("Cannot look for table '%s'", Name));
-  return Found.BindText(1, Name).Step();
+  const TSQLiteListedTable* const Found = FMemory.Find(Name);
+  return Found && Found->Type != "view";
 }
 
 std::vector<TForeignKey> TSQLiteSchemaReader::ForeignKeys() {
+  TSQLiteSchemaMemory::TContent& Known = FMemory.Now();
+  if (!Known.ForeignKeys) Known.ForeignKeys = ReadForeignKeys(Known);
+  return *Known.ForeignKeys;
+}
+
+std::vector<TForeignKey> TSQLiteSchemaReader::ReadForeignKeys(const TSQLiteSchemaMemory::TContent& Known) const {
   // In this order, whatever the planner thinks of it: asking every pair of tables takes minutes where there are
   // thousands.
   TSQLiteStatement Keys(FDatabase,
-                        "SELECT f.name, t.name, k.on_delete IN ('CASCADE', 'SET NULL', 'SET DEFAULT') "
+                        "SELECT f.name, k.\"table\", k.on_delete IN ('CASCADE', 'SET NULL', 'SET DEFAULT') "
                         "FROM main.sqlite_schema f CROSS JOIN pragma_foreign_key_list(f.name, 'main') k "
-                        "CROSS JOIN main.sqlite_schema t ON t.name = k.\"table\" COLLATE NOCASE AND t.type = 'table' "
                         "WHERE f.type = 'table' AND k.seq = 0 ORDER BY f.name, k.id",
                         About("foreign keys"));
   std::vector<TForeignKey> Result;
-  while (Keys.Step())
+  while (Keys.Step()) {
+    const TSQLiteListedTable* const To = Known.FindAsEngine(Keys.Text(1));
+    if (!To || To->Type == "view") continue;
     Result.push_back({.From = {Keys.Text(0), {}},
-                      .To = {Keys.Text(1), {}},
+                      .To = {To->Name, {}},
                       .FromWhole = {Keys.Text(0), {}},
-                      .ToWhole = {Keys.Text(1), {}},
+                      .ToWhole = {To->Name, {}},
                       .ActsOnDelete = FCapabilities.EnforcesForeignKeys && Keys.Integer(2) != 0});
+  }
   return Result;
 }
 
@@ -215,6 +263,15 @@ TBrokenReferences TSQLiteSchemaReader::BrokenReferences(const TTableInfo& Table)
 
 std::vector<TTrigger> TSQLiteSchemaReader::Triggers() { return KnownTriggers(); }
 
+std::span<const TTrigger> TSQLiteSchemaReader::TriggersOf(std::string_view Table) {
+  const std::vector<TTrigger>& All = KnownTriggers();
+  const auto First = std::lower_bound(All.begin(), All.end(), Table, [](const TTrigger& Each, std::string_view Name) {
+    return Each.Table.Name < Name;
+  });
+  const auto Last = std::find_if(First, All.end(), [=](const TTrigger& Each) { return Each.Table.Name != Table; });
+  return {First, Last};
+}
+
 const std::vector<TTrigger>& TSQLiteSchemaReader::KnownTriggers() {
   std::optional<std::vector<TTrigger>>& Known = FMemory.Now().Triggers;
   if (!Known) Known = ReadTriggers();
@@ -225,7 +282,7 @@ std::vector<TTrigger> TSQLiteSchemaReader::ReadTriggers() const {
   TSQLiteStatement List(FDatabase,
                         "SELECT g.name, t.name, g.sql FROM main.sqlite_schema g JOIN main.sqlite_schema t "
                         "ON t.name = g.tbl_name COLLATE NOCASE AND t.type IN ('table', 'view') "
-                        "WHERE g.type = 'trigger' ORDER BY t.name, g.name",
+                        "WHERE g.type = 'trigger' ORDER BY g.name",
                         About("triggers"));
   std::vector<TTrigger> Result;
   while (List.Step()) {
@@ -233,6 +290,8 @@ std::vector<TTrigger> TSQLiteSchemaReader::ReadTriggers() const {
     if (Event == "UPDATE") continue;
     Result.push_back({{List.Text(1), {}}, List.Text(0), Event == "INSERT", Event == "DELETE"});
   }
+  std::stable_sort(Result.begin(), Result.end(),
+                   [](const TTrigger& A, const TTrigger& B) { return A.Table.Name < B.Table.Name; });
   return Result;
 }
 

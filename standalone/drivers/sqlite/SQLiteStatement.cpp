@@ -66,8 +66,11 @@ bool IsSQLiteMisunderstanding(const TErrorInfo& Error) {
   return (StrToInt32(Error.EngineCode).value_or(0) & 0xFF) == SQLITE_ERROR;
 }
 
-TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use)
+TSQLiteStatement::TSQLiteStatement(const TSQLiteHandle& Database, std::string_view Text, std::string What, TUse Use)
     : FDatabase(Database), FWhat(std::move(What)), FUse(Use) {
+  FDatabase.Turn().TakeForStatement();
+  if (IsKeptReady()) FHandle = FDatabase.Ready().Take(Text);
+  if (FHandle) return;
   const char* Rest = nullptr;
   const unsigned Flags = Use == TUse::Often ? SQLITE_PREPARE_PERSISTENT : 0;
   if (sqlite3_prepare_v3(Database, Text.data(), static_cast<int>(Text.size()), Flags, &FHandle, &Rest) != SQLITE_OK)
@@ -75,7 +78,12 @@ TSQLiteStatement::TSQLiteStatement(sqlite3* Database, std::string_view Text, std
   FRest = Text.substr(static_cast<std::size_t>(Rest - Text.data()));
 }
 
-TSQLiteStatement::~TSQLiteStatement() { sqlite3_finalize(FHandle); }
+TSQLiteStatement::~TSQLiteStatement() {
+  if (IsKeptReady() && FRest.empty() && FHandle)
+    FDatabase.Ready().Give(Handle());
+  else
+    sqlite3_finalize(Handle());
+}
 
 TSQLiteStatement& TSQLiteStatement::Again(std::string What) {
   Reset();
@@ -83,16 +91,22 @@ TSQLiteStatement& TSQLiteStatement::Again(std::string What) {
   return *this;
 }
 
-void TSQLiteStatement::Reset() { sqlite3_reset(FHandle); }
+void TSQLiteStatement::Reset() { sqlite3_reset(Handle()); }
 
 TSQLiteStatement& TSQLiteStatement::BindText(int Place, std::string_view Text) {
-  if (sqlite3_bind_text64(FHandle, Place, Text.empty() ? "" : Text.data(), Text.size(), SQLITE_TRANSIENT,
+  if (sqlite3_bind_text64(Handle(), Place, Text.empty() ? "" : Text.data(), Text.size(), SQLITE_TRANSIENT,
                           SQLITE_UTF8) != SQLITE_OK)
     RaiseSQLiteError(FDatabase, FWhat);
   return *this;
 }
 
+TSQLiteStatement& TSQLiteStatement::BindInteger(int Place, std::int64_t Value) {
+  if (sqlite3_bind_int64(FHandle, Place, Value) != SQLITE_OK) RaiseSQLiteError(FDatabase, FWhat);
+  return *this;
+}
+
 bool TSQLiteStatement::Step() {
+  FDatabase.Turn().TakeForStatement();
   const int Code = sqlite3_step(FHandle);
   if (Code == SQLITE_ROW) return true;
   if (Code != SQLITE_DONE)

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "standalone/drivers/sqlite/SQLiteHandle.h"
 #include "velkrund/platform/ormtools/ErrorInfo.h"
 
-struct sqlite3;
 struct sqlite3_stmt;
 
 namespace velkrund {
@@ -23,16 +23,22 @@ bool IsSQLiteMisunderstanding(const TErrorInfo& Error);
 /// A prepared statement.
 class TSQLiteStatement {
  public:
-  /// Foreign: the statement is not the driver's own, so that errors show it.
-  enum class TUse { Once, Often, Foreign };
+  /// Often: by who keeps it. Again: it is made anew for each time, and kept ready in between. Foreign: the same, and it
+  /// is not the driver's own, so that errors show it.
+  enum class TUse { Once, Often, Again, Foreign };
 
   /// What: how an error message begins, e.g. "Cannot read table 'A'".
-  TSQLiteStatement(sqlite3* Database, std::string_view Text, std::string What, TUse Use = TUse::Once);
+  TSQLiteStatement(const TSQLiteHandle& Database, std::string_view Text, std::string What, TUse Use = TUse::Once);
   TSQLiteStatement(const TSQLiteStatement&) = delete;
   TSQLiteStatement& operator=(const TSQLiteStatement&) = delete;
   ~TSQLiteStatement();
 
-  sqlite3_stmt* Handle() const { return FHandle; }
+  sqlite3_stmt* Handle() const {
+    FDatabase.Turn().Take();
+    return FHandle;
+  }
+  /// While it stands on a row, when nobody but its own cursor can have begun to work ahead.
+  sqlite3_stmt* Row() const { return FHandle; }
   /// What follows the statement in its text.
   std::string_view Rest() const { return FRest; }
 
@@ -41,6 +47,7 @@ class TSQLiteStatement {
   /// Lets go of what is being read.
   void Reset();
   TSQLiteStatement& BindText(int Place, std::string_view Text);
+  TSQLiteStatement& BindInteger(int Place, std::int64_t Value);
   /// True: there is a row.
   bool Step();
 
@@ -49,7 +56,9 @@ class TSQLiteStatement {
   std::string Text(int Column) const;
 
  private:
-  sqlite3* FDatabase;
+  bool IsKeptReady() const { return FUse == TUse::Again || FUse == TUse::Foreign; }
+
+  const TSQLiteHandle FDatabase;
   sqlite3_stmt* FHandle = nullptr;
   std::string_view FRest;
   std::string FWhat;

@@ -24,7 +24,7 @@ TEST_F(PostgreSQLConnectionTest, OpeningSaysWhatIsWrongAndNoPassword) {
   Raw.Run("CREATE TABLE t (a integer)");
   Connection = Connect(Raw.Url());
   EXPECT_TRUE(Connection->Capabilities().ReadOnly);
-  EXPECT_EQ(Append("t", {Integer(1)}),
+  EXPECT_EQ(Append("t", {SetInteger(1)}),
             "EDatabaseError: Cannot append to table 't': the database is opened for reading only");
 }
 
@@ -83,11 +83,11 @@ TEST_F(PostgreSQLConnectionTest, AFailedTransactionIsNotCommitted) {
   // A constraint that is looked at last.
   Raw.Run("CREATE TABLE u (a integer UNIQUE DEFERRABLE INITIALLY DEFERRED)");
   Connection->Begin(TIsolationLevel::RepeatableRead);
-  EXPECT_EQ(Append("u", {Integer(1), Integer(1)}), "no error");
+  EXPECT_EQ(Append("u", {SetInteger(1), SetInteger(1)}), "no error");
   EXPECT_THAT(ErrorOf([&] { Connection->Commit(); }), HasSubstr("u_a_key"));
   Connection->Rollback();
   EXPECT_EQ(Raw.Rows("SELECT * FROM u"), "");
-  EXPECT_EQ(Append("u", {Integer(1)}), "no error");
+  EXPECT_EQ(Append("u", {SetInteger(1)}), "no error");
 }
 
 TEST_F(PostgreSQLConnectionTest, ALostConnectionIsAnErrorAndTheTransactionGone) {
@@ -150,7 +150,7 @@ TEST_F(PostgreSQLConnectionTest, SettingsOfADatabaseEndNoLoadAndTheServerNotices
   Connection->Begin(TIsolationLevel::RepeatableRead);
   EXPECT_EQ(Shown("tcp_user_timeout"), "300000");
   Connection->Execute("SELECT set_config('statement_timeout', '7000', false)");
-  EXPECT_EQ(Append("t", {Integer(1)}), "no error");
+  EXPECT_EQ(Append("t", {SetInteger(1)}), "no error");
   ExpectNone();
   Connection->Commit();
   EXPECT_NE(Shown("tcp_user_timeout"), "300000") << "a reader may pause";

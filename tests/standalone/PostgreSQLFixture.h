@@ -65,7 +65,7 @@ class PostgreSQLFixture : public testing::Test {
   std::unique_ptr<TConnection> Connection;
 };
 
-inline const auto Integer = [](std::int64_t N) { return [N](TKvVariant& V) { V.SetInteger(N); }; };
-inline const auto Text = [](std::string_view T) { return [T](TKvVariant& V) { V.SetText(T); }; };
+inline const auto SetInteger = [](std::int64_t N) { return [N](TKvVariant& V) { V.SetInteger(N); }; };
+inline const auto SetText = [](std::string_view T) { return [T](TKvVariant& V) { V.SetText(T); }; };
 
 }  // namespace velkrund::tests

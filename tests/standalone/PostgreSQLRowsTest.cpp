@@ -17,7 +17,7 @@ TEST_F(PostgreSQLRowsTest, APartitionedTableIsAllItsRowsAParentOnlyItsOwn) {
       "CREATE TABLE p1 PARTITION OF p FOR VALUES FROM (0) TO (10); CREATE TABLE p2 PARTITION OF p DEFAULT;"
       "CREATE TABLE parent (a integer); CREATE TABLE child (b integer) INHERITS (parent);"
       "INSERT INTO child VALUES (1, 2); INSERT INTO parent VALUES (3)");
-  EXPECT_EQ(Append("p", {Integer(5), Integer(50)}), "no error");
+  EXPECT_EQ(Append("p", {SetInteger(5), SetInteger(50)}), "no error");
   EXPECT_THAT(Names(), testing::UnorderedElementsAre("p", "parent", "child"));
   EXPECT_THAT(Rows(*Connection, "p"), ElementsAre("5 5", "5 50"));
   EXPECT_THAT(Rows(*Connection, "p2"), ElementsAre("5 50"));
@@ -52,7 +52,7 @@ TEST_F(PostgreSQLRowsTest, SequencesMoveBehindTheHighestKeyWhereThereIsRoom) {
     const std::string Sequence = "pg_get_serial_sequence('\"T\"', 'Key')";
     if (Before) Raw.Run("SELECT setval(" + Sequence + ", " + std::to_string(Before) + ")");
     std::vector<std::function<void(TKvVariant&)>> Records;
-    for (const int Key : Keys) Records.push_back(Integer(Key));
+    for (const int Key : Keys) Records.push_back(SetInteger(Key));
     EXPECT_EQ(Append("T", Records), "no error");
     EXPECT_EQ(Raw.Rows("SELECT nextval(" + Sequence + ")"), Next);
   }
@@ -81,7 +81,7 @@ TEST_F(PostgreSQLRowsTest, NoRowIsDroppedWithoutAWord) {
       "CREATE TABLE t (a integer);"
       "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END';"
       "CREATE TRIGGER g BEFORE INSERT ON t FOR EACH ROW WHEN (NEW.a = 2) EXECUTE FUNCTION f()");
-  EXPECT_THAT(Append("t", {Integer(1), Integer(2), Integer(3)}), HasSubstr("Cannot append"));
+  EXPECT_THAT(Append("t", {SetInteger(1), SetInteger(2), SetInteger(3)}), HasSubstr("Cannot append"));
 }
 
 TEST_F(PostgreSQLRowsTest, RowsMayReferToLaterOnesOfTheSameTable) {

@@ -1,5 +1,5 @@
 # VELKRUND_COMPILE_TOGETHER compiles the sources of each target several at a time, in a fraction of the time: most of it goes
-# to headers. The preset dev compiles each for itself, so that none gets a header by way of its neighbours unnoticed.
+# to headers. The presets dev and release compile each for itself, and show what one has by way of its neighbours alone.
 
 # These name something of their own like another source of their folder does; so do those with tables of properties.
 set(VELKRUND_COMPILED_ALONE

@@ -21,35 +21,6 @@ function(velkrund_compile_settings Target)
   endif()
 endfunction()
 
-# What builds under a sanitizer with Clang are for is finding faults, and compilers' time is most of what they cost: the
-# standard library's headers are compiled once, and where rows do not pass, and where threads are watched in
-# small tests, nothing is optimized.
-function(velkrund_instrumented_settings Target Folder)
-  if(NOT VELKRUND_SANITIZE OR NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    return()
-  endif()
-  set(Headers velkrund-standard-headers)
-  set(Optimization)
-  # Documents are written by a library that calls itself for every level: unoptimized that takes too much of the stack.
-  if((Folder MATCHES "^(jobs|hosts)/" AND NOT Folder STREQUAL "jobs/report") OR VELKRUND_SANITIZE MATCHES "thread")
-    set(Headers velkrund-standard-headers-plain)
-    set(Optimization -O0)
-  endif()
-  target_compile_options(${Target} PRIVATE ${Optimization})
-  if(NOT TARGET ${Headers})
-    file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/${Headers}.cpp" CONTENT "// Has what others reuse compiled.\n")
-    add_library(${Headers} OBJECT "${PROJECT_BINARY_DIR}/${Headers}.cpp")
-    velkrund_compile_settings(${Headers})
-    target_compile_options(${Headers} PRIVATE ${Optimization})
-    target_precompile_headers(${Headers} PRIVATE <algorithm> <array> <chrono> <cstdint> <exception> <filesystem> <functional>
-                              <map> <memory> <optional> <set> <span> <string> <string_view> <unordered_map>
-                              <unordered_set> <utility> <vector>)
-    # The time of the headers would keep ccache from handing it out again.
-    target_compile_options(${Headers} PRIVATE "SHELL:-Xclang -fno-pch-timestamp")
-  endif()
-  target_precompile_headers(${Target} REUSE_FROM ${Headers})
-endfunction()
-
 # For what is shipped or measured, not for tests. Fat objects: the installed archive stays usable for a linker that
 # knows nothing of this compiler's plug-in, and tests link the plain half, which takes a fraction of the time.
 function(velkrund_link_time_optimization Target)

@@ -1,27 +1,18 @@
 #include "standalone/drivers/AppendAhead.h"
 
-#include <chrono>
 #include <utility>
 
 #include "velkrund/platform/ormtools/Exceptions.h"
 
 namespace velkrund {
-namespace {
-
-constexpr std::size_t BatchCount = 3;
-
-/// How often the host is asked meanwhile whether to go on.
-constexpr std::chrono::milliseconds LongestWait(20);
-
-}  // namespace
 
 TAppendAhead::TAppendAhead(std::unique_ptr<TBulkAppender> Appender, std::size_t Columns, TConnectionTurn& Turn)
     : FAppender(std::move(Appender)), FColumns(Columns), FTurn(Turn), FRow(Columns) {}
 
 TAppendAhead::~TAppendAhead() {
-  FDrops = true;
+  FExchange.Drop();
   WaitUntilDone();
-  FThread.reset();
+  FExchange.Join();
   FTurn.Return(*this, FError);
 }
 
@@ -30,35 +21,18 @@ TAppendAhead::~TAppendAhead() {
 void TAppendAhead::AppendAll() noexcept {
   FTurn.IsHere();
   try {
-    while (std::unique_ptr<TRowBatch> Batch = TakeFilled()) {
+    while (std::unique_ptr<TRowBatch> Batch = FExchange.Take(TBatchState::Filled)) {
       AppendRows(*Batch);
       Batch->Clear();
-      {
-        const std::lock_guard Lock(FMutex);
-        FEmpty.push_back(std::move(Batch));
-      }
-      FChanged.notify_all();
+      FExchange.Give(std::move(Batch), TBatchState::Empty);
     }
   } catch (...) {
     Fail(std::current_exception());
   }
-  const std::lock_guard Lock(FMutex);
-  FDone = true;
-  FChanged.notify_all();
-}
-
-/// Null: the thread is to end.
-std::unique_ptr<TRowBatch> TAppendAhead::TakeFilled() {
-  std::unique_lock Lock(FMutex);
-  FChanged.wait(Lock, [this] { return FDrops || FEnds || !FFilled.empty(); });
-  if (FDrops || FFilled.empty()) return nullptr;
-  std::unique_ptr<TRowBatch> Batch = std::move(FFilled.front());
-  FFilled.pop_front();
-  return Batch;
 }
 
 void TAppendAhead::AppendRows(const TRowBatch& Batch) {
-  for (std::size_t Row = 0; Row < Batch.Rows() && !FDrops.load(std::memory_order_relaxed); ++Row) {
+  for (std::size_t Row = 0; Row < Batch.Rows() && !FExchange.Drops(); ++Row) {
     const TKvVariant* Value = Batch.Row(Row);
     for (const TKvVariant*& Place : FRow) Place = Value++;
     FAppender->Append(FRow);
@@ -103,78 +77,38 @@ void TAppendAhead::AppendHere(TRow Row) {
 bool TAppendAhead::BeginAhead() {
   FStaysHere = true;
   if (!FTurn.Give(*this, 0)) return false;
-  FEnds = FDone = FServes = false;
-  try {
-    FBatch = std::make_unique<TRowBatch>(FColumns);
-    while (FEmpty.size() + 1 < BatchCount) FEmpty.push_back(std::make_unique<TRowBatch>(FColumns));
-    FThread.emplace([this] { AppendAll(); },
-                    [this] {
-                      const std::lock_guard Lock(FMutex);
-                      FServes = true;
-                      FChanged.notify_all();
-                    });
-  } catch (const std::exception&) {
-    // Memory or threads are short: nothing that the rows need.
-    FBatch.reset();
-    FDone = true;
-    FTurn.Return(*this);
-    return false;
-  }
-  FStaysHere = false;
-  return true;
+  FBatch = FExchange.Begin([this] { return std::make_unique<TRowBatch>(FColumns); }, [this] { AppendAll(); });
+  if (!FBatch) FTurn.Return(*this);
+  FStaysHere = !FBatch;
+  return !FStaysHere;
 }
 
 void TAppendAhead::HandOver() {
-  {
-    const std::lock_guard Lock(FMutex);
-    FFilled.push_back(std::move(FBatch));
-  }
-  FChanged.notify_all();
-  for (;;) {
-    {
-      std::unique_lock Lock(FMutex);
-      FChanged.wait_for(Lock, LongestWait, [this] { return FServes || FDone || !FEmpty.empty(); });
-      if (!std::exchange(FServes, false)) {
-        if (FDone) break;
-        if (!FEmpty.empty()) {
-          FBatch = std::move(FEmpty.front());
-          FEmpty.pop_front();
-          return;
-        }
-      }
-    }
-    Serve();
-  }
-  EndAhead();
+  FBatch = FExchange.Swap(std::move(FBatch), TBatchState::Filled, [this] { Serve(); });
+  if (!FBatch || FExchange.Drops()) EndAhead();
 }
 
 /// What the host raises ends the append.
 void TAppendAhead::Serve() noexcept {
   try {
-    FThread->Serve();
+    FExchange.Serve();
   } catch (...) {
     Fail(std::current_exception());
-    FThread->Stop();
+    FExchange.Stop();
   }
 }
 
 void TAppendAhead::Fail(std::exception_ptr Error) noexcept {
-  const std::lock_guard Lock(FMutex);
-  if (!FError) FError = std::move(Error);
-  FDrops = true;
+  {
+    const std::lock_guard Lock(FMutex);
+    if (!FError) FError = std::move(Error);
+  }
+  FExchange.Drop();
 }
 
 void TAppendAhead::WaitUntilDone() noexcept {
-  for (;;) {
-    {
-      std::unique_lock Lock(FMutex);
-      FEnds = true;
-      FChanged.notify_all();
-      FChanged.wait_for(Lock, LongestWait, [this] { return FServes || FDone; });
-      if (!std::exchange(FServes, false) && FDone) return;
-    }
-    Serve();
-  }
+  FExchange.EndWhenTaken();
+  FExchange.WaitUntilDone([this] { Serve(); });
 }
 
 /// What is handed over by then goes in, unless it would go again; the rest with the next row, or at the end.
@@ -188,7 +122,7 @@ std::exception_ptr TAppendAhead::StandStill(bool Undone) noexcept {
 /// All is in, and there is no thread any more.
 void TAppendAhead::EndAhead() {
   WaitUntilDone();
-  FThread.reset();
+  FExchange.Join();
   FTurn.Return(*this);
   FRowsHere = 0;
   const std::unique_ptr<TRowBatch> Kept = std::move(FBatch);

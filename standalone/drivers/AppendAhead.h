@@ -1,19 +1,15 @@
 #pragma once
 
-#include <atomic>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <exception>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <vector>
 
+#include "standalone/drivers/BatchExchange.h"
 #include "standalone/drivers/BulkAppender.h"
 #include "standalone/drivers/ConnectionTurn.h"
-#include "standalone/drivers/ReadingThread.h"
 #include "standalone/drivers/RowBatch.h"
 
 namespace velkrund {
@@ -34,11 +30,9 @@ class TAppendAhead final : public TBulkAppender, private TConnectionTurn::TWorke
 
  private:
   using TRow = std::span<const TKvVariant* const>;
-  using TBatches = std::deque<std::unique_ptr<TRowBatch>>;
 
   // The thread.
   void AppendAll() noexcept;
-  std::unique_ptr<TRowBatch> TakeFilled();
   void AppendRows(const TRowBatch& Batch);
 
   std::exception_ptr StandStill(bool Undone) noexcept override;
@@ -61,16 +55,10 @@ class TAppendAhead final : public TBulkAppender, private TConnectionTurn::TWorke
   std::unique_ptr<TRowBatch> FBatch;    // null: there is no thread
   std::vector<const TKvVariant*> FRow;  // of whoever appends
 
-  std::mutex FMutex;  // of what follows
-  std::condition_variable FChanged;
-  TBatches FEmpty, FFilled;
-  bool FServes = false;              // the caller has something to serve
-  bool FEnds = false;                // the thread is to end when all is in
-  bool FDone = true;                 // it uses the appender no more
-  std::exception_ptr FError;         // after which nothing goes in
-  std::atomic<bool> FDrops = false;  // what is not in yet is not needed
+  std::mutex FMutex;          // of what follows
+  std::exception_ptr FError;  // after which nothing goes in
 
-  std::optional<TReadingThread> FThread;
+  TBatchExchange<TRowBatch> FExchange;
 };
 
 }  // namespace velkrund

@@ -1,35 +1,22 @@
 #include "standalone/drivers/ReadAhead.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace velkrund {
-namespace {
-
-constexpr int BatchCount = 3;
-
-/// How often the host is asked meanwhile whether to go on.
-constexpr std::chrono::milliseconds LongestWait(20);
-
-}  // namespace
 
 TReadAheadCursor::TReadAheadCursor(std::unique_ptr<TCursor> Cursor, std::size_t Columns, TConnectionTurn* Turn)
     : FCursor(std::move(Cursor)), FColumns(Columns), FTurn(Turn), FWrites(Turn ? Turn->Writes() : 0), FAsked(Columns) {}
 
 TReadAheadCursor::~TReadAheadCursor() {
-  {
-    const std::lock_guard Lock(FMutex);
-    FEnds = true;
-    FChanged.notify_all();
-  }
-  if (FThread && FCursor->StopsAlone()) FThread->Stop();
+  FExchange.Drop();
+  if (FCursor->StopsAlone()) FExchange.Stop();
   EndThread();
 }
 
 /// Waits for its end.
 void TReadAheadCursor::EndThread() noexcept {
-  FThread.reset();
+  FExchange.Join();
   if (FTurn) FTurn->Return(*this);
 }
 
@@ -38,36 +25,19 @@ void TReadAheadCursor::EndThread() noexcept {
 void TReadAheadCursor::ReadAll() noexcept {
   if (FTurn) FTurn->IsHere();
   for (bool IsLast = false; !IsLast;) {
-    std::unique_ptr<TBatch> Batch = TakeEmpty();
+    std::unique_ptr<TBatch> Batch = FExchange.Take(TBatchState::Empty);
     if (!Batch) break;
     Fill(*Batch);
     IsLast = Batch->End != TEnd::Batch;
-    {
-      const std::lock_guard Lock(FMutex);
-      FFilled.push_back(std::move(Batch));
-    }
-    FChanged.notify_all();
+    FExchange.Give(std::move(Batch), TBatchState::Filled);
   }
-  const std::lock_guard Lock(FMutex);
-  FDone = true;
-  FChanged.notify_all();
-}
-
-/// Null: the thread is to end.
-std::unique_ptr<TReadAheadCursor::TBatch> TReadAheadCursor::TakeEmpty() {
-  std::unique_lock Lock(FMutex);
-  FChanged.wait(Lock, [this] { return FEnds || !FEmpty.empty(); });
-  if (FEnds) return nullptr;
-  std::unique_ptr<TBatch> Batch = std::move(FEmpty.front());
-  FEmpty.pop_front();
-  return Batch;
 }
 
 void TReadAheadCursor::Fill(TBatch& Batch) noexcept {
   Batch.Rows.Clear();
   Batch.End = TEnd::Batch;
   try {
-    while (!Batch.Rows.IsFull() && Batch.End == TEnd::Batch && !FEnds.load(std::memory_order_relaxed)) ReadRow(Batch);
+    while (!Batch.Rows.IsFull() && Batch.End == TEnd::Batch && !FExchange.Drops()) ReadRow(Batch);
   } catch (...) {
     Batch.Error = std::current_exception();
     Batch.End = TEnd::Error;
@@ -100,21 +70,16 @@ void TReadAheadCursor::ReadRow(TBatch& Batch) {
 /// What was read ahead still comes; then the rows that the cursor reaches.
 std::exception_ptr TReadAheadCursor::StandStill(bool /*Undone*/) noexcept {
   FStaysHere = true;
-  FEnds = true;
-  for (;;) {
-    {
-      std::unique_lock Lock(FMutex);
-      FChanged.notify_all();
-      FChanged.wait_for(Lock, LongestWait, [this] { return FDone; });
-      if (FDone) return nullptr;
-    }
+  FExchange.Drop();
+  FExchange.WaitUntilDone([this] {
     try {
-      FThread->Serve();
+      FExchange.Serve();
     } catch (...) {
       FHostsOwn = std::current_exception();
-      FThread->Stop();
+      FExchange.Stop();
     }
-  }
+  });
+  return nullptr;
 }
 
 bool TReadAheadCursor::Next() {
@@ -142,39 +107,22 @@ bool TReadAheadCursor::AllAskedFor() const { return std::find(FAsked.begin(), FA
 bool TReadAheadCursor::BeginAhead() {
   FStaysHere = true;
   if (FTurn && (FTurn->Writes() != FWrites || !AllAskedFor() || !FTurn->Give(*this, 1))) return false;
-  FEnds = FDone = FServes = false;
-  try {
-    FBatch = std::make_unique<TBatch>(FColumns);
-    while (FEmpty.size() + 1 < BatchCount) FEmpty.push_back(std::make_unique<TBatch>(FColumns));
-    FThread.emplace([this] { ReadAll(); },
-                    [this] {
-                      const std::lock_guard Lock(FMutex);
-                      FServes = true;
-                      FChanged.notify_all();
-                    });
-  } catch (const std::exception&) {
-    // Memory or threads are short: nothing that the walk needs.
-    FBatch.reset();
-    EndThread();
-    return false;
-  }
-  FStaysHere = false;
+  FBatch = FExchange.Begin([this] { return std::make_unique<TBatch>(FColumns); }, [this] { ReadAll(); });
+  if (!FBatch) EndThread();
+  FStaysHere = !FBatch;
   FNextRow = 0;
-  return true;
+  return !FStaysHere;
 }
 
 bool TReadAheadCursor::NextAhead() {
   while (FNextRow == FBatch->Rows.Rows()) {
     if (FBatch->End != TEnd::Batch) return EndBatch();
-    std::unique_ptr<TBatch> Next = TakeFilled();
-    FNextRow = 0;
-    if (!Next) {
+    SwapBatch();
+    if (!FBatch) {
       // The thread has been made to stand still.
-      FBatch.reset();
       EndThread();
-      return this->Next();
+      return Next();
     }
-    FBatch = std::move(Next);
   }
   FRow = FBatch->Rows.Row(FNextRow++);
   return true;
@@ -191,27 +139,13 @@ bool TReadAheadCursor::EndBatch() {
   return false;
 }
 
-std::unique_ptr<TReadAheadCursor::TBatch> TReadAheadCursor::TakeFilled() {
-  {
-    const std::lock_guard Lock(FMutex);
-    FEmpty.push_back(std::exchange(FBatch, nullptr));
-  }
-  FChanged.notify_all();
-  for (;;) {
-    {
-      std::unique_lock Lock(FMutex);
-      FChanged.wait_for(Lock, LongestWait, [this] { return FServes || FDone || !FFilled.empty(); });
-      if (!std::exchange(FServes, false) && (FDone || !FFilled.empty())) {
-        if (FFilled.empty()) return nullptr;
-        std::unique_ptr<TBatch> Batch = std::move(FFilled.front());
-        FFilled.pop_front();
-        return Batch;
-      }
-    }
+void TReadAheadCursor::SwapBatch() {
+  FNextRow = 0;
+  FBatch = FExchange.Swap(std::move(FBatch), TBatchState::Empty, [this] {
     FIsOver = true;  // where the host raises something instead of an answer
-    FThread->Serve();
+    FExchange.Serve();
     FIsOver = false;
-  }
+  });
 }
 
 void TReadAheadCursor::Read(int Column, TKvVariant& Value) {

@@ -1,19 +1,14 @@
 #pragma once
 
-#include <atomic>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <exception>
 #include <memory>
-#include <mutex>
-#include <optional>
 #include <vector>
 
+#include "standalone/drivers/BatchExchange.h"
 #include "standalone/drivers/ConnectionTurn.h"
 #include "standalone/drivers/Cursor.h"
-#include "standalone/drivers/ReadingThread.h"
 #include "standalone/drivers/RowBatch.h"
 
 namespace velkrund {
@@ -42,20 +37,18 @@ class TReadAheadCursor final : public TCursor, private TConnectionTurn::TWorker 
     TEnd End = TEnd::Batch;
     std::exception_ptr Error = nullptr;
   };
-  using TBatches = std::deque<std::unique_ptr<TBatch>>;
 
   // The thread.
   void ReadAll() noexcept;
   void Fill(TBatch& Batch) noexcept;
   void ReadRow(TBatch& Batch);
-  std::unique_ptr<TBatch> TakeEmpty();
 
   std::exception_ptr StandStill(bool Undone) noexcept override;
   bool BeginAhead();
   bool NextHere();
   bool NextAhead();
   bool EndBatch();
-  std::unique_ptr<TBatch> TakeFilled();
+  void SwapBatch();
   void EndThread() noexcept;
   bool AllAskedFor() const;
 
@@ -74,14 +67,7 @@ class TReadAheadCursor final : public TCursor, private TConnectionTurn::TWorker 
   std::size_t FNextRow = 0;          // of the batch
   const TKvVariant* FRow = nullptr;  // null: the cursor stands on it
 
-  std::mutex FMutex;  // of what follows
-  std::condition_variable FChanged;
-  TBatches FEmpty, FFilled;
-  bool FServes = false;             // the caller has something to serve
-  bool FDone = false;               // the thread uses the cursor no more
-  std::atomic<bool> FEnds = false;  // it is to do so
-
-  std::optional<TReadingThread> FThread;
+  TBatchExchange<TBatch> FExchange;
 };
 
 }  // namespace velkrund

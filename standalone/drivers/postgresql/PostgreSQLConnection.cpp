@@ -1,6 +1,6 @@
 #include "standalone/drivers/postgresql/PostgreSQLConnection.h"
 
-#include "standalone/drivers/ReadingThread.h"
+#include "standalone/drivers/ConnectionThread.h"
 #include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
 #include "standalone/drivers/postgresql/PostgreSQLRoutineSurroundings.h"
@@ -53,7 +53,7 @@ std::int64_t LockNumber(std::string_view Name) {
 }  // namespace
 
 TPostgreSQLConnection::TPostgreSQLConnection(TPostgreSQLAddress Address, const TConnectOptions& Options)
-    : FSession(std::move(Address), TReadingThread::WithCallersCalls(Options)),
+    : FSession(std::move(Address), TConnectionThread::WithCallersCalls(Options)),
       FCapabilities(CapabilitiesOf(FSession)),
       FSequences(FSession, [Warn = Options.Warn](const std::string& Text) {
         if (Warn) Warn(Text);

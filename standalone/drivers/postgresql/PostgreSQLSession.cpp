@@ -26,8 +26,6 @@ constexpr std::string_view UnknownStatementCode = "26000";
 
 /// What begins a message about a statement that is not the driver's own.
 constexpr std::string_view ExecutionFailed = "Cannot execute a statement";
-/// The same behind About.
-constexpr std::string_view StartFailed = "start a transaction in";
 
 /// Whether a statement with this tag tells how many rows it has changed.
 bool CountsChanges(std::string_view Tag) {
@@ -160,137 +158,6 @@ void TPostgreSQLSession::Prepare(std::string_view What) {
     FCursors.erase(Number);
   }
   CatchUpWithMarks(What);
-}
-
-/// Only where the server would take them: it tells at once that it has undone the transaction.
-bool TPostgreSQLSession::MarksMayWait() const {
-  return FTransactionOpen && !IsLost() && PQtransactionStatus(Handle()) == PQTRANS_INTRANS;
-}
-
-void TPostgreSQLSession::CatchUpWithMarks(std::string_view What) {
-  const std::string Statements = FMarks.Due();
-  if (Statements.empty()) return;
-  FWait.Begin(Handle(), TAtWish::Stop);
-  const TPostgreSQLResult Result = PQsendQuery(Handle(), Statements.c_str()) != 0 ? Answer() : TPostgreSQLResult();
-  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
-  FMarks.NoteDone();
-}
-
-void TPostgreSQLSession::Begin(std::string_view Level) {
-  Start(Level, false);
-  Query(About(StartFailed), PostgreSQLWritingStatement);
-}
-
-void TPostgreSQLSession::Start(std::string_view Level, bool OnlyReads) {
-  const std::string What = About(StartFailed);
-  if (FStream) FStream->GiveWay(What);
-  if (FTransactionOpen && !IsLost()) throw EDatabaseError(What + ": one is open");
-  FMarks.Forget();
-  Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
-  FOnlyReads = OnlyReads;
-  FMoment.reset();
-}
-
-void TPostgreSQLSession::BeginReading() {
-  // Not READ ONLY: a view may call a function that writes, a log of who has read it for example.
-  Start("REPEATABLE READ", true);
-  Query(About(StartFailed), "SAVEPOINT velkrund_reading");
-}
-
-TPostgreSQLMoment* TPostgreSQLSession::Moment() {
-  if (!FTransactionOpen || !FOnlyReads) return nullptr;
-  if (!FMoment) FMoment = std::make_unique<TPostgreSQLMoment>();
-  return FMoment.get();
-}
-
-void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
-  if (FTransactionOpen && FOnlyReads) Query(What, "ROLLBACK TO SAVEPOINT velkrund_reading");
-}
-
-void TPostgreSQLSession::Commit() {
-  const std::string What = About("commit the transaction in");
-  if (!FTransactionOpen) throw EDatabaseError(What + ": no transaction is open");
-  FMarks.Forget();
-  Prepare(What);
-  const TPostgreSQLResult Result = Run("COMMIT", {}, TFormat::Text, TAtWish::Commit);
-  if (IsLost()) {
-    FTransactionOpen = false;
-    throw EDatabaseError(
-        (FWait.LetGo() ? What + ": the server does not answer" : PostgreSQLErrorText(What, Handle(), Result)) +
-            "; the connection was lost before the server answered: whether the transaction is committed "
-            "is not known",
-        {.Code = TErrorCode::Connection});
-  }
-  if (!Result.Handle() || Result.IsError()) Raise(What, Result);
-  if (Result.Tag() == "ROLLBACK") throw EDatabaseError(What + ": the server has rolled it back after an error");
-}
-
-void TPostgreSQLSession::Rollback() {
-  FMarks.Forget();
-  if (!FTransactionOpen) return;
-  if (FStream) FStream->Abandon();
-  const TPostgreSQLResult Result = IsLost() ? TPostgreSQLResult() : Run("ROLLBACK", {}, TFormat::Text, TAtWish::Finish);
-  if (IsLost()) {
-    // The server has rolled back by itself.
-    FTransactionOpen = false;
-    return;
-  }
-  if (!Result.Handle() || Result.IsError()) Raise(About("roll the transaction back in"), Result);
-}
-
-void TPostgreSQLSession::SetSavepoint(int Number) {
-  const std::string What = About("go on with the transaction in");
-  // What is under way was begun before the mark.
-  if (FStream) Prepare(What);
-  const bool Waits = MarksMayWait();
-  if (!Waits) Query(What, "SAVEPOINT " + SavepointName(Number));
-  FMarks.Begin(Number, {FCursorNumber, Waits ? 0 : Number});
-}
-
-void TPostgreSQLSession::ReleaseSavepoint(int Number) {
-  const std::string What = About("go on with the transaction in");
-  // What becomes of it belongs to the part.
-  if (FStream) Prepare(What);
-  if (MarksMayWait()) return FMarks.End(Number);
-  Query(What, "RELEASE SAVEPOINT " + SavepointName(FMarks.Of(Number).Name));
-  FMarks.Drop(Number);
-}
-
-void TPostgreSQLSession::RollbackToSavepoint(int Number) {
-  if (!FTransactionOpen || IsLost()) return;
-  // No statement has come behind a mark that the server does not know.
-  if (const auto Mark = FMarks.Of(Number); Mark.Name > 0) {
-    TakePartBack(SavepointName(Mark.Name), FMarks.IsShared(Number));
-    if (IsLost()) return;
-    ForgetCursors(Mark.Cursors);
-  }
-  FMarks.Drop(Number);
-}
-
-void TPostgreSQLSession::TakePartBack(const std::string& Mark, bool MarkStays) {
-  if (FStream) FStream->Abandon();
-  for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
-    const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, TAtWish::Finish);
-    // A connection that is lost here has taken the whole transaction with it; the next statement says so.
-    if (IsLost()) return;
-    if (!Result.Handle() || Result.IsError()) Raise(About("take a part of the transaction back in"), Result);
-    if (MarkStays) return;
-  }
-}
-
-/// Those with a higher number are gone.
-void TPostgreSQLSession::ForgetCursors(std::int64_t Last) {
-  FCursors.erase(FCursors.upper_bound(Last), FCursors.end());
-  std::erase_if(FToClose, [Last](std::int64_t Number) { return Number > Last; });
-}
-
-void TPostgreSQLSession::Occupy(TPostgreSQLStream& Stream, std::string_view What) {
-  Prepare(What);
-  FStream = &Stream;
-}
-
-void TPostgreSQLSession::Vacate(const TPostgreSQLStream& Stream) {
-  if (FStream == &Stream) FStream = nullptr;
 }
 
 std::int64_t TPostgreSQLSession::NextCursorNumber() {
@@ -435,46 +302,6 @@ TPostgreSQLResult TPostgreSQLSession::ExecuteForEach(const std::string& Statemen
   TPostgreSQLResult Failed = RunPostgreSQLPipeline(Handle(), FWait, Statement, Types, Values, Took);
   NoteTransaction();
   return Failed;
-}
-
-void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Statement) {
-  const TPostgreSQLResult Result = Run(Statement, {}, TFormat::Text);
-  const ExecStatusType Status = PQresultStatus(Result.Handle());
-  if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, {}, {.Statement = Statement});
-}
-
-bool TPostgreSQLSession::SendRows(std::string_view Rows) {
-  if (PQputCopyData(Handle(), Rows.data(), static_cast<int>(Rows.size())) != 1) return false;
-  FWait.ForRoom(Handle());
-  return !IsLost();
-}
-
-void TPostgreSQLSession::EndRows(const char* Reason) {
-  PQputCopyEnd(Handle(), Reason);
-  FWait.ForRoom(Handle());
-}
-
-void TPostgreSQLSession::DropData() noexcept {
-  for (char* Row = nullptr; FWait.ForRow(Handle(), Row) > 0;) PQfreemem(Row);
-}
-
-void TPostgreSQLSession::DropRows() noexcept {
-  FWait.Stop(Handle());
-  DropData();
-  Drain();
-}
-
-TPostgreSQLResult TPostgreSQLSession::Drain() {
-  TPostgreSQLResult Last;
-  while (PGresult* Next = NextResult()) {
-    TPostgreSQLResult Result(Next);
-    // Copying that nobody goes on with would be offered again for ever.
-    if (PQresultStatus(Next) == PGRES_COPY_IN) PQputCopyEnd(Handle(), "dropped");
-    if (PQresultStatus(Next) == PGRES_COPY_OUT) DropData();
-    if (!Last.Handle() || !Last.IsError()) Last = std::move(Result);
-  }
-  NoteTransaction();
-  return Last;
 }
 
 }  // namespace velkrund

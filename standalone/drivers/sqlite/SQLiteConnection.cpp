@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-#include "standalone/drivers/ReadingThread.h"
+#include "standalone/drivers/ConnectionThread.h"
 #include "standalone/drivers/sqlite/SQLiteExecution.h"
 #include "standalone/drivers/sqlite/SQLiteSafeguards.h"
 #include "standalone/drivers/sqlite/SQLiteScriptCheck.h"
@@ -50,7 +50,7 @@ std::string AddressOf(std::string_view Path) { return "file:" + PercentEncoded(P
 }  // namespace
 
 TSQLiteConnection::TSQLiteConnection(const std::string& Path, const TConnectOptions& Options)
-    : FDatabase(Path, TReadingThread::WithCallersCalls(Options)), FCapabilities(CapabilitiesOf(FDatabase)) {}
+    : FDatabase(Path, TConnectionThread::WithCallersCalls(Options)), FCapabilities(CapabilitiesOf(FDatabase)) {}
 
 std::string TSQLiteConnection::EngineVersion() const { return sqlite3_libversion(); }
 

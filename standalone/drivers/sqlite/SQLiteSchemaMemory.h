@@ -36,7 +36,8 @@ class TSQLiteSchemaMemory {
     std::map<std::string, TSQLiteListedTable, std::less<>> Tables;              // by name
     std::multimap<std::string, const TSQLiteListedTable*, std::less<>> Folded;  // by name in lower case
     std::map<std::string, TTableDescription> Descriptions;                      // of those that were asked for
-    std::optional<std::vector<TTrigger>> Triggers = {};                         // by the names of their tables
+    bool HasDescribedAll = false;
+    std::optional<std::vector<TTrigger>> Triggers = {};  // by the names of their tables
     std::optional<std::vector<TForeignKey>> ForeignKeys = {};
     std::optional<TKeptItems> Kept = {};  // by the table's name in lower case, each in the order of making
     bool HasAskedKept = false;
@@ -63,6 +64,7 @@ class TSQLiteSchemaMemory {
     TAsked& operator=(const TAsked&) = delete;
     ~TAsked() { FStatement.Reset(); }
     TSQLiteStatement* operator->() { return &FStatement; }
+    TSQLiteStatement& operator*() { return FStatement; }
 
    private:
     TSQLiteStatement& FStatement;

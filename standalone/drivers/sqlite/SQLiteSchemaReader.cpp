@@ -8,7 +8,6 @@
 #include "standalone/drivers/Dialect.h"
 #include "standalone/drivers/sqlite/SQLiteStatement.h"
 #include "standalone/drivers/sqlite/SQLiteTriggerText.h"
-#include "standalone/drivers/sqlite/SQLiteTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
@@ -16,29 +15,10 @@
 namespace velkrund {
 namespace {
 
-// Values of the column "hidden" of PRAGMA table_xinfo.
-constexpr std::int64_t HiddenOfVirtualTable = 1;
-constexpr std::int64_t GeneratedVirtual = 2;
-constexpr std::int64_t GeneratedStored = 3;
-
 bool IsUserTable(std::string_view Name, std::string_view Type) {
   const auto Begins = [&](std::string_view Prefix) { return SameText(Name.substr(0, Prefix.size()), Prefix); };
   // Shadow tables hold the inside of a virtual table.
   return Type != "shadow" && !Begins("sqlite_") && !IsCatalogueTable(Name);
-}
-
-/// The number by which rows go, as a column, under the first of its names that no other column has.
-TColumnInfo RowNumberColumn(const std::vector<TColumnInfo>& Others) {
-  TColumnInfo Result;
-  for (const char* Name : {"oid", "_rowid_", "rowid"}) {
-    const auto HasIt = [&](const TColumnInfo& Column) { return SameText(Column.Name, Name); };
-    if (std::none_of(Others.begin(), Others.end(), HasIt)) Result.Name = Name;
-  }
-  Result.DeclaredType = "INTEGER";
-  Result.Kind = KindOf(Result.DeclaredType);
-  Result.Nullable = false;
-  Result.KeyPosition = 1;
-  return Result;
 }
 
 }  // namespace
@@ -95,42 +75,6 @@ std::optional<TTableInfo> TSQLiteSchemaReader::FindTable(std::string_view Name) 
   }
   if (!IsUserTable(Found->Name, Found->Type)) return std::nullopt;
   return TTableInfo{Found->Name, {}, KindOfTable(Found->Name, Found->Type)};
-}
-
-TTableDescription TSQLiteSchemaReader::Describe(const TTableInfo& Table) {
-  auto& Known = FMemory.Now().Descriptions;
-  const auto Found = Known.find(Table.Name);
-  return Found != Known.end() ? Found->second : Known.emplace(Table.Name, ReadDescription(Table)).first->second;
-}
-
-TTableDescription TSQLiteSchemaReader::ReadDescription(const TTableInfo& Table) {
-  TTableDescription Result{Table, {}};
-  const bool IsExtension = Table.Kind == TTableKind::Extension;
-  const TSQLiteVirtualTable Kept = IsExtension ? Virtual(Table.Name) : TSQLiteVirtualTable();
-  static constexpr const char* AskColumns =
-      "SELECT name, type, \"notnull\", pk, hidden FROM pragma_table_xinfo(?1, 'main') ORDER BY cid";
-  auto Columns = FMemory.Ask(AskColumns, Format("Cannot read the columns of table '%s'", Table.Name));
-  Columns->BindText(1, Table.Name);
-  while (Columns->Step()) {
-    const std::int64_t Hidden = Columns->Integer(4);
-    if (Hidden == HiddenOfVirtualTable && !SameText(Columns->Text(0), Kept.LanguageColumn)) continue;
-    TColumnInfo Column;
-    Column.Name = Columns->Text(0);
-    Column.DeclaredType = Columns->Text(1);
-    Column.Kind = KindOf(Column.DeclaredType);
-    Column.Nullable = Columns->Integer(2) == 0;
-    Column.KeyPosition = static_cast<int>(Columns->Integer(3));
-    Column.Generated = Hidden == GeneratedVirtual || Hidden == GeneratedStored;
-    Result.Columns.push_back(std::move(Column));
-  }
-  if (Result.Columns.empty())
-    throw EDatabaseError(Format("There is no table '%s' in the database", Table.Name),
-                         {.Code = TErrorCode::TableMissing, .Table = Table.Name});
-  if (Kept.HasRowNumbers)
-    Result.Columns.insert(Result.Columns.begin(), RowNumberColumn(Result.Columns));
-  else if (IsExtension)
-    Result.Columns.front().KeyPosition = 1;
-  return Result;
 }
 
 std::vector<std::vector<int>> TSQLiteSchemaReader::UniqueKeys(const TTableDescription& Table) {

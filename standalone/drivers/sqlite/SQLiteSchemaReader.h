@@ -44,6 +44,7 @@ class TSQLiteSchemaReader final : public TSchemaReader {
 
  private:
   std::string About(std::string_view What) const;
+  void DescribeAll(TSQLiteSchemaMemory::TContent& Content) const;
   TTableDescription ReadDescription(const TTableInfo& Table);
   std::vector<TTrigger> ReadTriggers() const;
   std::vector<TForeignKey> ReadForeignKeys(const TSQLiteSchemaMemory::TContent& Known) const;

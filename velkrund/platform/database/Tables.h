@@ -24,7 +24,8 @@ class TTable : public TRows {
   /// Walks that begin later go through the rows by the table's key, so that the same rows come in the same order
   /// whatever holds them. False: it has no such key, and walks keep the table's own order.
   virtual bool OrderByKey() { return false; }
-  /// Walks that begin later read these fields of Record alone, by their places from 0; the others have no value then.
+  /// Walks that begin later read these fields of Record alone, by their places from 0. To ask for the value of
+  /// another one is an error then.
   virtual void SetWalkedFields(const std::vector<int>& /*Places*/) {}
   /// Walks that begin later go through the rows alone that a condition holds for, which the engine understands; empty:
   /// through all. An error that shows when a walk begins where the engine does not understand it, and at once where the

@@ -13,17 +13,17 @@ namespace velkrund {
 
 /// A thread that uses a connection for the thread that made it. Functions of the host are none of its: it leaves them
 /// to that one.
-class TReadingThread {
+class TConnectionThread {
  public:
-  /// Options whose functions run on callers' threads alone, also where a reading thread is what asks or tells.
+  /// Options whose functions run on callers' threads alone, also where such a thread is what asks or tells.
   static TConnectOptions WithCallersCalls(TConnectOptions Options);
 
   /// Runs Work, which raises nothing. Served: called, by that thread, when there is something to serve.
-  TReadingThread(std::function<void()> Work, std::function<void()> Served);
-  TReadingThread(const TReadingThread&) = delete;
-  TReadingThread& operator=(const TReadingThread&) = delete;
+  TConnectionThread(std::function<void()> Work, std::function<void()> Served);
+  TConnectionThread(const TConnectionThread&) = delete;
+  TConnectionThread& operator=(const TConnectionThread&) = delete;
   /// Waits for the end of Work.
-  ~TReadingThread();
+  ~TConnectionThread();
 
   /// For the thread that made it, again and again while it waits: asks the host whether to go on, and tells it what
   /// there is to tell.

@@ -1,4 +1,4 @@
-#include "standalone/drivers/ReadingThread.h"
+#include "standalone/drivers/ConnectionThread.h"
 
 #include <utility>
 
@@ -6,11 +6,11 @@ namespace velkrund {
 namespace {
 
 /// The one that runs here; null on every other thread.
-thread_local TReadingThread* Current = nullptr;
+thread_local TConnectionThread* Current = nullptr;
 
 }  // namespace
 
-TConnectOptions TReadingThread::WithCallersCalls(TConnectOptions Options) {
+TConnectOptions TConnectionThread::WithCallersCalls(TConnectOptions Options) {
   Options.Canceled = [Canceled = std::make_shared<const TCanceled>(std::move(Options.Canceled))] {
     return Ask(Canceled);
   };
@@ -34,14 +34,14 @@ TConnectOptions TReadingThread::WithCallersCalls(TConnectOptions Options) {
   return Options;
 }
 
-bool TReadingThread::Ask(const std::shared_ptr<const TCanceled>& Canceled) {
+bool TConnectionThread::Ask(const std::shared_ptr<const TCanceled>& Canceled) {
   if (!Current) return *Canceled && (*Canceled)();
   const std::lock_guard Lock(Current->FMutex);
   Current->FCanceled = Canceled;
   return Current->FStopped;
 }
 
-void TReadingThread::Tell(std::function<void()> Call) {
+void TConnectionThread::Tell(std::function<void()> Call) {
   {
     const std::lock_guard Lock(Current->FMutex);
     Current->FToTell.push_back(std::move(Call));
@@ -49,16 +49,16 @@ void TReadingThread::Tell(std::function<void()> Call) {
   Current->FServed();
 }
 
-TReadingThread::TReadingThread(std::function<void()> Work, std::function<void()> Served)
+TConnectionThread::TConnectionThread(std::function<void()> Work, std::function<void()> Served)
     : FServed(std::move(Served)), FThread([this, Work = std::move(Work)] {
         Current = this;
         Work();
         Current = nullptr;
       }) {}
 
-TReadingThread::~TReadingThread() { FThread.join(); }
+TConnectionThread::~TConnectionThread() { FThread.join(); }
 
-void TReadingThread::Serve() {
+void TConnectionThread::Serve() {
   std::vector<std::function<void()>> ToTell;
   std::shared_ptr<const TCanceled> Canceled;
   {

@@ -10,6 +10,7 @@ set(VELKRUND_COMPILED_ALONE
     jobs/files/Spool.cpp
     jobs/files/WatchedFiles.cpp
     standalone/dictionary/CatalogueProcedures.cpp
+    standalone/drivers/QueryText.cpp
     standalone/drivers/postgresql/PostgreSQLSchemaReader.cpp
     standalone/drivers/sqlite/SQLiteExecution.cpp
     standalone/drivers/sqlite/SQLiteTypes.cpp

@@ -113,6 +113,32 @@ TEST_F(SQLiteSchemaMemoryTest, WhatOthersChangeIsSeen) {
   EXPECT_EQ(Known(*Connection), Known(*Other));
 }
 
+// Who describes many tables has all read at once, which must make no difference to any of them.
+TEST_F(SQLiteSchemaMemoryTest, ManyTablesAreDescribedLikeEachForItself) {
+  for (int Table = 0; Table < 20; ++Table)
+    Run(Format("CREATE TABLE T%d (X%d INTEGER PRIMARY KEY, Y TEXT)", Table, Table));
+  for (const char* Statement : {"CREATE TABLE Z1 (A TEXT NOT NULL, B DATE, C, PRIMARY KEY (C, A)) WITHOUT ROWID",
+                                "CREATE TABLE Z2 (A INT, B AS (A + 1), C INT AS (A * 2) STORED)",
+                                "CREATE TABLE \"z 'ä\"\"\" (\"x y\" \"my type\")",
+                                "CREATE VIEW Z3 AS SELECT X1 AS N, Y FROM T1", "CREATE VIEW Z4 AS SELECT Gone FROM T2",
+                                "CREATE VIRTUAL TABLE Z5 USING fts5(A, B)", "CREATE TEMP TABLE T3 (Hides INTEGER)"})
+    Run(Statement);
+  const auto Described = [](TConnection& Of, const TTableInfo& Table) {
+    std::string Result = Table.Name + ":";
+    const std::string Error = ErrorOf([&] {
+      for (const TColumnInfo& Column : Of.Schema().Describe(Table).Columns)
+        Result += Format(" %s %s %d %d %d %d", Column.Name, Column.DeclaredType, static_cast<int>(Column.Kind),
+                         Column.Nullable, Column.Generated, Column.KeyPosition);
+    });
+    return Result + " " + Error;
+  };
+  const std::vector<TTableInfo> Tables = Connection->Schema().Tables();
+  ASSERT_EQ(Tables.size(), 27U);
+  for (const TTableInfo& Table : Tables) EXPECT_EQ(Described(*Connection, Table), Described(*Connect(Path), Table));
+  Run("ALTER TABLE T5 ADD COLUMN Z DATE");
+  EXPECT_THAT(Described(*Connection, *Connection->Schema().FindTable("T5")), HasSubstr("Z DATE"));
+}
+
 TEST_F(SQLiteSchemaMemoryTest, SizesAreThoseOfTheMoment) {
   const TTableInfo A = *Connection->Schema().FindTable("A");
   const auto Size = [&] { return Connection->Schema().TableBytes(A).value(); };

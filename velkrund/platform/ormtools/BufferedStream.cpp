@@ -9,6 +9,8 @@ namespace velkrund {
 namespace {
 
 constexpr std::size_t LargestBuffer = 256 * 1024;
+/// What is asked for at once from here on goes past the buffer.
+constexpr std::size_t LargeRead = 64 * 1024;
 
 }  // namespace
 
@@ -69,7 +71,7 @@ std::size_t TBufferedStream::Read(char* Buffer, std::size_t Count) {
   EndWriting();
   std::size_t Done = 0;
   while (Done < Count) {
-    if (FAt == FUsed && Count - Done >= FNextRead) {
+    if (FAt == FUsed && Count - Done >= std::min(FNextRead, LargeRead)) {
       FBufferStart += static_cast<std::int64_t>(FUsed);
       FUsed = FAt = 0;
       const std::size_t Got = ReadSequentially(Buffer + Done, Count - Done);

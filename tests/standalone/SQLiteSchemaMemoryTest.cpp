@@ -133,7 +133,7 @@ TEST_F(SQLiteSchemaMemoryTest, ManyTablesAreDescribedLikeEachForItself) {
     return Result + " " + Error;
   };
   const std::vector<TTableInfo> Tables = Connection->Schema().Tables();
-  ASSERT_EQ(Tables.size(), 27U);
+  ASSERT_EQ(Tables.size(), 28U);
   for (const TTableInfo& Table : Tables) EXPECT_EQ(Described(*Connection, Table), Described(*Connect(Path), Table));
   Run("ALTER TABLE T5 ADD COLUMN Z DATE");
   EXPECT_THAT(Described(*Connection, *Connection->Schema().FindTable("T5")), HasSubstr("Z DATE"));

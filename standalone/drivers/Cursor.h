@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "standalone/drivers/Schema.h"
@@ -23,6 +25,10 @@ class TCursor {
   /// Decodes one cell of the current row into Value. Column counts from 0 in the columns that the cursor was opened
   /// with. Texts and bytes are borrowed from the engine, until the next row.
   virtual void Read(int Column, TKvVariant& Value) = 0;
+  /// The same with all cells. Row: as many as the cursor was opened with columns.
+  virtual void ReadRow(std::span<TKvVariant> Row) {
+    for (std::size_t Column = 0; Column < Row.size(); ++Column) Read(static_cast<int>(Column), Row[Column]);
+  }
   /// The cells of the current row, where all of them are decoded already, until the next row; null: they are not.
   virtual const TKvVariant* Decoded() const { return nullptr; }
   /// Whether nothing but this cursor is lost when the engine is stopped on the way to a row.

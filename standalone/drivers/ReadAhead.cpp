@@ -37,7 +37,7 @@ void TReadAheadCursor::Fill(TBatch& Batch) noexcept {
   Batch.Rows.Clear();
   Batch.End = TEnd::Batch;
   try {
-    while (!Batch.Rows.IsFull() && Batch.End == TEnd::Batch && !FExchange.Drops()) ReadRow(Batch);
+    while (!Batch.Rows.IsFull() && Batch.End == TEnd::Batch && !FExchange.Drops()) AddRow(Batch);
   } catch (...) {
     Batch.Error = std::current_exception();
     Batch.End = TEnd::Error;
@@ -45,23 +45,20 @@ void TReadAheadCursor::Fill(TBatch& Batch) noexcept {
 }
 
 /// A large row stays where it stands: copied, it would take its size once more.
-void TReadAheadCursor::ReadRow(TBatch& Batch) {
+void TReadAheadCursor::AddRow(TBatch& Batch) {
   if (!FCursor->Next()) {
     Batch.End = TEnd::Nothing;
     return;
   }
-  TKvVariant* const Row = Batch.Rows.NewRow();
+  const std::span Row(Batch.Rows.NewRow(), FColumns);
+  FCursor->ReadRow(Row);
   std::size_t Bytes = 0;
-  for (std::size_t Column = 0; Column < FColumns; ++Column) {
-    TKvVariant& Value = Row[Column];
-    FCursor->Read(static_cast<int>(Column), Value);
-    Bytes += Value.AsText().size();
-    if (Bytes > TRowBatch::MostBytes) {
-      Batch.End = TEnd::LargeRow;
-      return;
-    }
-    Batch.Rows.Keep(Value);
+  for (const TKvVariant& Value : Row) Bytes += Value.AsText().size();
+  if (Bytes > TRowBatch::MostBytes) {
+    Batch.End = TEnd::LargeRow;
+    return;
   }
+  for (TKvVariant& Value : Row) Batch.Rows.Keep(Value);
   Batch.Rows.AddRow();
 }
 
@@ -96,9 +93,14 @@ bool TReadAheadCursor::Next() {
 
 bool TReadAheadCursor::NextHere() {
   ++FRowsHere;
-  FIsOver = true;
-  FIsOver = !FCursor->Next();
-  return !FIsOver;
+  FIsOver = true;  // unless the row is read
+  if (!FCursor->Next()) return false;
+  if (!FRowHere.empty()) {
+    FCursor->ReadRow(FRowHere);
+    FRow = FRowHere.data();
+  }
+  FIsOver = false;
+  return true;
 }
 
 bool TReadAheadCursor::AllAskedFor() const { return std::find(FAsked.begin(), FAsked.end(), char{0}) == FAsked.end(); }
@@ -106,6 +108,7 @@ bool TReadAheadCursor::AllAskedFor() const { return std::find(FAsked.begin(), FA
 /// False: the walk goes on without a thread.
 bool TReadAheadCursor::BeginAhead() {
   FStaysHere = true;
+  if (AllAskedFor()) FRowHere.resize(FColumns);
   if (FTurn && (FTurn->Writes() != FWrites || !AllAskedFor() || !FTurn->Give(*this, 1))) return false;
   FBatch = FExchange.Begin([this] { return std::make_unique<TBatch>(FColumns); }, [this] { ReadAll(); });
   if (!FBatch) EndThread();

@@ -41,7 +41,7 @@ class TReadAheadCursor final : public TCursor, private TConnectionTurn::TWorker 
   // The thread.
   void ReadAll() noexcept;
   void Fill(TBatch& Batch) noexcept;
-  void ReadRow(TBatch& Batch);
+  void AddRow(TBatch& Batch);
 
   std::exception_ptr StandStill(bool Undone) noexcept override;
   bool BeginAhead();
@@ -57,12 +57,13 @@ class TReadAheadCursor final : public TCursor, private TConnectionTurn::TWorker 
   TConnectionTurn* const FTurn;
 
   // Of the caller.
-  std::int64_t FWrites = 0;      // at the beginning
-  std::vector<char> FAsked;      // per column, before a thread begins
-  std::size_t FRowsHere = 0;     // without a thread, since the last one
-  bool FStaysHere = false;       // no thread begins any more
-  bool FIsOver = false;          // after the last row, or an error
-  std::exception_ptr FHostsOwn;  // raised by the host while the thread was waited for
+  std::int64_t FWrites = 0;          // at the beginning
+  std::vector<char> FAsked;          // per column, before a thread begins
+  std::size_t FRowsHere = 0;         // without a thread, since the last one
+  bool FStaysHere = false;           // no thread begins any more
+  bool FIsOver = false;              // after the last row, or an error
+  std::exception_ptr FHostsOwn;      // raised by the host while the thread was waited for
+  std::vector<TKvVariant> FRowHere;  // once all of its values are asked for; until then none
   std::unique_ptr<TBatch> FBatch;
   std::size_t FNextRow = 0;          // of the batch
   const TKvVariant* FRow = nullptr;  // null: the cursor stands on it

@@ -16,7 +16,8 @@ inline constexpr std::string_view CataloguePrefix = "velkrund_";
 /// Whether it is one of those, ignoring case, which are no user tables.
 bool IsCatalogueTable(std::string_view Name);
 
-/// What is in a database. Asks the engine every time: nothing is remembered. Raises EDatabaseError.
+/// What is in a database as it is at that moment: remembers only what cannot have changed since the engine was asked.
+/// Raises EDatabaseError.
 class TSchemaReader {
  public:
   TSchemaReader() = default;

@@ -1,12 +1,24 @@
 #include <gmock/gmock.h>
 
 #include "tests/standalone/PostgreSQLFixture.h"
+#include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund::tests {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+/// All that is told of a table: its exact place, its columns and their kinds.
+std::string Told(TSchemaReader& Schema, const std::string& Name) {
+  const std::optional<TTableInfo> Table = Schema.FindTable(Name);
+  if (!Table) return "none";
+  std::string Result = Table->Schema + "/" + FullName(*Table) + (Table->HasHeirs ? "+" : "") + ":";
+  for (const TColumnInfo& Column : Schema.Describe(*Table).Columns)
+    Result += Format(" %s %s %d%s%d", Column.Name, Column.DeclaredType, static_cast<int>(Column.Kind),
+                     Column.Nullable ? "?" : "", Column.KeyPosition);
+  return Result;
+}
 
 class PostgreSQLCatalogueTest : public PostgreSQLFixture {
  protected:
@@ -78,6 +90,39 @@ TEST_F(PostgreSQLCatalogueTest, NamesAreFoundWhateverStandsInThem) {
   for (const auto& Case : Cases) {
     const std::optional<TTableInfo> Found = Connection->Schema().FindTable(Case.Name);
     EXPECT_EQ(Found ? DottedName(*Found) : "none", Case.Found ? Case.Found : "none") << Case.Name;
+  }
+}
+
+TEST_F(PostgreSQLCatalogueTest, WhoAsksForManyTablesIsToldTheSameOfEach) {
+  std::string Statements =
+      "CREATE SCHEMA s; CREATE DOMAIN d AS varchar(7) NOT NULL; CREATE TABLE t_empty (); CREATE TABLE \"s.t5\" (b "
+      "date); CREATE TABLE \"s.t9\" (b date); "
+      "CREATE TABLE t_parent (a d); CREATE TABLE t_heir (c money[]) INHERITS (t_parent); CREATE VIEW v AS SELECT 1 AS "
+      "x; "
+      "CREATE TABLE p (k integer PRIMARY KEY) PARTITION BY RANGE (k); CREATE TABLE p1 PARTITION OF p DEFAULT; "
+      "CREATE TABLE \"{,\"\"}\\\" (\"{}\" integer);";
+  std::vector<std::string> Asked{"t_empty", "t_parent", "t_heir", "v",  "p",    "p1",    "{,\"}\\",
+                                 "s.t5",    "s.t9",     "S.T6",   "T7", "none", "s.t77", "t_heir"};
+  for (int Number = 0; Number < 150; ++Number) {
+    Statements += Format("CREATE TABLE %st%d (a%d numeric(12,%d) NOT NULL, PRIMARY KEY (a%d));",
+                         Number % 3 == 0 ? "s." : "", Number, Number, Number % 9, Number);
+    Asked.push_back(Format(Number % 3 == 0 ? "s.t%d" : "t%d", Number));
+  }
+  Raw.Run(Statements);
+  const auto Ask = [&](const std::string& Name) {
+    std::string Answer;
+    const std::string Error = ErrorOf([&] { Answer = Told(Connection->Schema(), Name); });
+    return Answer + Error;
+  };
+  std::vector<std::string> Alone;
+  for (const std::string& Name : Asked) Alone.push_back(Ask(Name));
+  for (const bool Backwards : {false, true}) {
+    Connection->BeginReading();
+    for (std::size_t Index = 0; Index < Asked.size(); ++Index) {
+      const std::size_t At = Backwards ? Asked.size() - 1 - Index : Index;
+      EXPECT_EQ(Ask(Asked[At]), Alone[At]);
+    }
+    Connection->Rollback();
   }
 }
 

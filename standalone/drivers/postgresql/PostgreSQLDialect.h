@@ -13,6 +13,10 @@ class TPostgreSQLDialect final : public TDialect {
   const std::string& SchemaOf(const TTableInfo& Table) const {
     return Table.Schema.empty() ? FCurrentSchema : Table.Schema;
   }
+  /// As a TTableInfo has it.
+  std::string ShownSchema(std::string_view Schema) const {
+    return Schema == FCurrentSchema ? std::string() : std::string(Schema);
+  }
 
   std::string QuoteName(std::string_view Name) const override { return QuoteStandardName(Name); }
   /// The quoted name with its schema, and ONLY where rows of other tables would come along.

@@ -1,14 +1,9 @@
 #include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
 
 #include <algorithm>
-#include <array>
-#include <set>
-#include <unordered_map>
 #include <utility>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
-#include "standalone/drivers/postgresql/PostgreSQLMoment.h"
-#include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -17,39 +12,6 @@
 
 namespace velkrund {
 namespace {
-
-/// The tables of users, those of the current schema ($1) first. The engine keeps all schema names that begin with pg_
-/// for itself. Which: more conditions.
-std::string TablesStatement(std::string_view Which) {
-  return CatalogueStatement(
-      std::string(
-          "SELECT c.relname, n.nspname, c.relkind, c.relhassubclass AND c.relkind = ANY ('{r,f}'), c.relispartition, "
-          "pg_catalog.array_position(pg_catalog.current_schemas(false), n.nspname) "
-          "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
-          "WHERE c.relkind = ANY ('{r,p,f,v,m}') AND NOT pg_catalog.starts_with(n.nspname, 'pg_') "
-          "AND n.nspname <> 'information_schema' ") +
-      std::string(Which) + "ORDER BY n.nspname <> $1::pg_catalog.text, n.nspname, c.relname");
-}
-
-/// The only name to look for, with or without a schema ($2). What the name of a table can be in it ($3) is what the
-/// engine has an index for.
-constexpr std::string_view OfOneName =
-    "AND c.relname = ANY ($3::pg_catalog.name[]) AND (c.relname = $2::pg_catalog.text "
-    "OR n.nspname || '.' || c.relname = $2::pg_catalog.text) ";
-
-/// What goes by a name of ASCII ($2, as above) in any case: no other letter has one of these for its other case, and
-/// what the server takes for the case of others does not count.
-constexpr std::string_view OfOneNameInAnyCase =
-    "AND pg_catalog.translate(c.relname, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ', 'abcdefghijklmnopqrstuvwxyz') = ANY "
-    "($2::pg_catalog.text[]) ";
-
-/// The whole, and what follows each dot, as an array of the engine's.
-std::string BareNamesIn(std::string_view Name) {
-  std::vector<std::string> Names{std::string(Name)};
-  for (std::size_t Dot = Name.find('.'); Dot != Name.npos; Dot = Name.find('.', Dot + 1))
-    Names.emplace_back(Name.substr(Dot + 1));
-  return PostgreSQLArray(Names);
-}
 
 /// What acts on a deletion: cascade, set null, set default. The keys that a partition has from its table are that
 /// table's; each end is shown with what it is a part of. Somebody may have switched the triggers off that enforce a
@@ -115,135 +77,7 @@ std::string UniqueKeysStatement() {
       "ORDER BY i.indexrelid, k.place");
 }
 
-TTableKind KindOfTable(char Kind) {
-  if (Kind == 'v' || Kind == 'm') return TTableKind::View;
-  return Kind == 'f' ? TTableKind::Foreign : TTableKind::Table;
-}
-
 }  // namespace
-
-struct TPostgreSQLSchemaReader::TCandidate {
-  TTableInfo Info;
-  std::string Qualified;  // name behind its schema, also where the full name has none
-  bool IsPartition;
-  std::int64_t PathPlace;  // of its schema on the search path, from 1; 0: not on it
-};
-
-std::string TPostgreSQLSchemaReader::ShownSchema(std::string_view Schema) const {
-  return Schema == FSession.Dialect().CurrentSchema() ? std::string() : std::string(Schema);
-}
-
-std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::Candidates(const std::string& What,
-                                                                                     const std::string& Name) {
-  static const std::string AskAll = TablesStatement({}), AskOne = TablesStatement(OfOneName);
-  const char* const Current = FSession.Dialect().CurrentSchema().c_str();
-  return CandidatesIn(Name.empty() ? FSession.Query(What, AskAll, {Current})
-                                   : FSession.Query(What, AskOne, {Current, Name.c_str(), BareNamesIn(Name).c_str()}));
-}
-
-/// At least those that go by the name when case does not count.
-std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::CandidatesInAnyCase(const std::string& What,
-                                                                                              std::string_view Name) {
-  if (AsciiPrefix(Name) < Name.size()) return Candidates(What, {});
-  static const std::string Ask = TablesStatement(OfOneNameInAnyCase);
-  return CandidatesIn(
-      FSession.Query(What, Ask, {FSession.Dialect().CurrentSchema().c_str(), BareNamesIn(LowerCase(Name)).c_str()}));
-}
-
-std::vector<TPostgreSQLSchemaReader::TCandidate> TPostgreSQLSchemaReader::CandidatesIn(
-    const TPostgreSQLResult& Rows) const {
-  std::vector<TCandidate> Result;
-  for (int Row = 0; Row < Rows.RowCount(); ++Row) {
-    TCandidate Found;
-    Found.Qualified = Rows.Copy(Row, 1) + "." + Rows.Copy(Row, 0);
-    Found.Info = {Rows.Copy(Row, 0), ShownSchema(Rows.Text(Row, 1)), KindOfTable(Rows.Text(Row, 2).front()),
-                  Rows.Boolean(Row, 3)};
-    Found.IsPartition = Rows.Boolean(Row, 4);
-    Found.PathPlace = Rows.Integer(Row, 5);
-    if (!IsCatalogueTable(Found.Info.Name)) Result.push_back(std::move(Found));
-  }
-  std::unordered_map<std::string, int> Counts;
-  for (const TCandidate& Found : Result) {
-    ++Counts[Found.Qualified];
-    if (std::string Dotted = DottedName(Found.Info); Dotted != Found.Qualified) ++Counts[std::move(Dotted)];
-  }
-  for (TCandidate& Found : Result) Found.Info.SharesName = Counts[DottedName(Found.Info)] > 1;
-  return Result;
-}
-
-/// Marks the tables whose names others share, as the list of tables does. Without a dot in a name there are none.
-void TPostgreSQLSchemaReader::MarkShared(std::vector<TTableInfo*> Tables) {
-  std::erase_if(Tables, [](const TTableInfo* Table) { return DottedName(*Table).find('.') == std::string::npos; });
-  if (Tables.empty()) return;
-  std::set<std::pair<std::string, std::string>> Shared;
-  for (const TCandidate& Found : Candidates("Cannot list the tables", {}))
-    if (Found.Info.SharesName) Shared.emplace(Found.Info.Schema, Found.Info.Name);
-  for (TTableInfo* const Table : Tables) Table->SharesName = Shared.contains({Table->Schema, Table->Name});
-}
-
-std::vector<TTableInfo> TPostgreSQLSchemaReader::Tables() {
-  std::vector<TTableInfo> Result;
-  for (TCandidate& Found : Candidates("Cannot list the tables", {}))
-    if (!Found.IsPartition) Result.push_back(std::move(Found.Info));
-  return Result;
-}
-
-std::optional<TTableInfo> TPostgreSQLSchemaReader::FindTable(std::string_view Name) {
-  TPostgreSQLMoment* const Moment = FSession.Moment();
-  if (!Moment) return Find(Name);
-  if (const auto Known = Moment->Found.find(Name); Known != Moment->Found.end()) return Known->second;
-  std::optional<TTableInfo> Result = Find(Name);
-  if (Result) Moment->Found.emplace(Name, *Result);
-  return Result;
-}
-
-std::optional<TTableInfo> TPostgreSQLSchemaReader::Find(std::string_view Name) {
-  if (Name.empty() || Name.find('\0') != std::string_view::npos) return std::nullopt;
-  const std::string What = Format("Cannot look for table '%s'", Name);
-  constexpr int OnPath = 1;
-  constexpr int NoMatch = 2;
-  const auto Rank = [&](const TCandidate& Candidate, auto Same) {
-    // Either may be meant by a dot.
-    if (Same(DottedName(Candidate.Info), Name) || Same(Candidate.Qualified, Name)) return 0;
-    return Candidate.PathPlace > 0 && Same(Candidate.Info.Name, Name) ? OnPath : NoMatch;
-  };
-  const auto Only = [&](const std::vector<TCandidate>& All, auto Same,
-                        std::string_view Advice) -> std::optional<TTableInfo> {
-    std::array<std::int64_t, 2> BestKey = {NoMatch, 0};
-    std::vector<const TCandidate*> Best;
-    for (const TCandidate& Candidate : All) {
-      const int Place = Rank(Candidate, Same);
-      const std::array<std::int64_t, 2> Key = {Place, Place == OnPath ? Candidate.PathPlace : 0};
-      if (Key < BestKey) Best.clear();
-      if (Key <= BestKey && Place != NoMatch) Best.push_back(&Candidate);
-      BestKey = std::min(Key, BestKey);
-    }
-    if (Best.empty()) return std::nullopt;
-    if (Best.size() == 1) return Best.front()->Info;
-    std::string Names;
-    for (const TCandidate* Candidate : Best)
-      Names += (Names.empty() ? "" : ", ") + FSession.Dialect().SQLName(Candidate->Info);
-    throw EDatabaseError(Format("%s: several go by that name: %s%s", What, Names, Advice));
-  };
-
-  // The exact name alone first: databases have many tables.
-  const auto Exactly = [](std::string_view A, std::string_view B) { return A == B; };
-  if (auto Found = Only(Candidates(What, std::string(Name)), Exactly, "; name one as it stands here")) return Found;
-  if (const auto Parts = ExactNameParts(Name)) return FindExactly(What, *Parts);
-  const auto IgnoringCase = [](std::string_view A, std::string_view B) { return SameText(A, B); };
-  return Only(CandidatesInAnyCase(What, Name), IgnoringCase, "; name one in its own case");
-}
-
-/// Parts: of an exact name.
-std::optional<TTableInfo> TPostgreSQLSchemaReader::FindExactly(const std::string& What,
-                                                               const std::vector<std::string>& Parts) {
-  if (Parts.size() > 2) return std::nullopt;
-  const std::string Schema = Parts.size() == 2 ? ShownSchema(Parts.front()) : std::string();
-  // With all that share its name.
-  for (TCandidate& Found : Candidates(What, DottedName({Parts.back(), Schema})))
-    if (Found.Info.Name == Parts.back() && Found.Info.Schema == Schema) return std::move(Found.Info);
-  return std::nullopt;
-}
 
 TTableDescription TPostgreSQLSchemaReader::Describe(const TTableInfo& Table) {
   TPostgreSQLTable Known =
@@ -324,7 +158,8 @@ bool TPostgreSQLSchemaReader::HasCatalogueTable(const std::string& Name) {
 std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
   const TPostgreSQLResult Rows = FSession.Query("Cannot list the foreign keys", CatalogueStatement(KeysStatement));
   const auto TableAt = [&](int Row, int Column, bool HasHeirs) {
-    return TTableInfo{Rows.Copy(Row, Column), ShownSchema(Rows.Text(Row, Column + 1)), TTableKind::Table, HasHeirs};
+    return TTableInfo{Rows.Copy(Row, Column), FSession.Dialect().ShownSchema(Rows.Text(Row, Column + 1)),
+                      TTableKind::Table, HasHeirs};
   };
   std::vector<TForeignKey> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row)
@@ -338,7 +173,7 @@ std::vector<TForeignKey> TPostgreSQLSchemaReader::ForeignKeys() {
                       .Unindexed = Rows.Copy(Row, 13)});
   std::vector<TTableInfo*> Tables;
   for (TForeignKey& Key : Result) Tables.insert(Tables.end(), {&Key.From, &Key.To, &Key.FromWhole, &Key.ToWhole});
-  MarkShared(std::move(Tables));
+  FSearch.MarkShared(std::move(Tables));
   return Result;
 }
 
@@ -346,7 +181,8 @@ std::vector<TTrigger> TPostgreSQLSchemaReader::Triggers() {
   const TPostgreSQLResult Rows = FSession.Query("Cannot list the triggers", CatalogueStatement(TriggersStatement));
   std::vector<TTrigger> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row)
-    Result.push_back({{Rows.Copy(Row, 0), ShownSchema(Rows.Text(Row, 1)), KindOfTable(Rows.Text(Row, 2).front())},
+    Result.push_back({{Rows.Copy(Row, 0), FSession.Dialect().ShownSchema(Rows.Text(Row, 1)),
+                       KindOfPostgreSQLTable(Rows.Text(Row, 2).front())},
                       Rows.Copy(Row, 3),
                       Rows.Boolean(Row, 4),
                       Rows.Boolean(Row, 5),
@@ -354,7 +190,7 @@ std::vector<TTrigger> TPostgreSQLSchemaReader::Triggers() {
                       Rows.Boolean(Row, 7)});
   std::vector<TTableInfo*> Tables;
   for (TTrigger& Trigger : Result) Tables.push_back(&Trigger.Table);
-  MarkShared(std::move(Tables));
+  FSearch.MarkShared(std::move(Tables));
   return Result;
 }
 

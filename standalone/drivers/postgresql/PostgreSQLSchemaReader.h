@@ -1,22 +1,22 @@
 #pragma once
 
 #include "standalone/drivers/SchemaReader.h"
+#include "standalone/drivers/postgresql/PostgreSQLTableSearch.h"
 
 namespace velkrund {
 
-class TPostgreSQLResult;
 class TPostgreSQLSession;
 
 /// A table's schema is left out of its TTableInfo when it is the one in which names without a schema were looked for
 /// first when the connection was made. Tables of all schemas are known, except the engine's own and temporary ones.
 class TPostgreSQLSchemaReader final : public TSchemaReader {
  public:
-  explicit TPostgreSQLSchemaReader(TPostgreSQLSession& Session) : FSession(Session) {}
+  explicit TPostgreSQLSchemaReader(TPostgreSQLSession& Session) : FSession(Session), FSearch(Session) {}
 
-  std::vector<TTableInfo> Tables() override;
+  std::vector<TTableInfo> Tables() override { return FSearch.Tables(); }
   /// A name is a table's dotted or exact name, or its name behind its schema, else the name of a table on the search
   /// path.
-  std::optional<TTableInfo> FindTable(std::string_view Name) override;
+  std::optional<TTableInfo> FindTable(std::string_view Name) override { return FSearch.Find(Name); }
   TTableDescription Describe(const TTableInfo& Table) override;
   std::vector<std::vector<int>> UniqueKeys(const TTableDescription& Table) override;
   /// Without rows of tables that inherit from it; with those of partitions.
@@ -33,17 +33,8 @@ class TPostgreSQLSchemaReader final : public TSchemaReader {
   bool HasCatalogueTable(const std::string& Name) override;
 
  private:
-  struct TCandidate;
-
-  std::vector<TCandidate> Candidates(const std::string& What, const std::string& Name);
-  std::vector<TCandidate> CandidatesInAnyCase(const std::string& What, std::string_view Name);
-  std::vector<TCandidate> CandidatesIn(const TPostgreSQLResult& Rows) const;
-  std::optional<TTableInfo> Find(std::string_view Name);
-  void MarkShared(std::vector<TTableInfo*> Tables);
-  std::optional<TTableInfo> FindExactly(const std::string& What, const std::vector<std::string>& Parts);
-  std::string ShownSchema(std::string_view Schema) const;
-
   TPostgreSQLSession& FSession;
+  TPostgreSQLTableSearch FSearch;
 };
 
 }  // namespace velkrund

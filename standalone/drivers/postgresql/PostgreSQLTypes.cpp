@@ -1,9 +1,12 @@
 #include "standalone/drivers/postgresql/PostgreSQLTypes.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
 #include "standalone/drivers/postgresql/PostgreSQLMoment.h"
+#include "standalone/drivers/postgresql/PostgreSQLNames.h"
 #include "standalone/drivers/postgresql/PostgreSQLSession.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -106,8 +109,8 @@ void SetType(TPostgreSQLColumn& Column, std::int64_t Oid, std::int64_t Modifier,
                                    : FractionOf(Element, Elements ? Elements->Type : TPostgreSQLType::Other, Modifier);
 }
 
-/// A row per column; one without a name for a table that has none.
-std::string TableStatement() {
+/// Of tables by schema ($1) and name ($2): a row per column; one without a name for a table that has none.
+std::string ColumnsStatement() {
   return CatalogueStatement(
       "SELECT c.oid, c.relkind, a.attname, pg_catalog.format_type(a.atttypid, a.atttypmod), "
       "NOT (a.attnotnull OR b.typnotnull), a.attgenerated <> '', "
@@ -118,8 +121,10 @@ std::string TableStatement() {
       "EXISTS (SELECT FROM pg_catalog.pg_constraint k WHERE k.conrelid = c.oid AND k.contype = 'f' "
       "AND NOT k.condeferred AND (k.confrelid = c.oid OR k.confrelid = ANY ("
       "SELECT relid::pg_catalog.oid FROM pg_catalog.pg_partition_ancestors(c.oid)))), a.attcollation <> '0', "
-      "c.relhastriggers OR c.relkind = 'p', CASE WHEN b.oid <> a.atttypid THEN b.sql_name END "
-      "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+      "c.relhastriggers OR c.relkind = 'p', CASE WHEN b.oid <> a.atttypid THEN b.sql_name END, q.place "
+      "FROM ROWS FROM (pg_catalog.unnest($1::pg_catalog.text[]), pg_catalog.unnest($2::pg_catalog.text[])) "
+      "WITH ORDINALITY AS q (schema, name, place) JOIN pg_catalog.pg_namespace n ON n.nspname = q.schema "
+      "JOIN pg_catalog.pg_class c ON c.relnamespace = n.oid AND c.relname = q.name "
       "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
       "LEFT JOIN LATERAL (WITH RECURSIVE chain AS ("
       "SELECT t.oid, t.typtype, t.typbasetype, t.typtypmod, t.typnotnull, t.typcategory, t.typelem, t.typoutput, "
@@ -131,31 +136,41 @@ std::string TableStatement() {
       "JOIN pg_catalog.pg_namespace bn ON bn.oid = bt.typnamespace WHERE chain.typtype <> 'd') b ON true "
       "LEFT JOIN pg_catalog.pg_proc p ON p.oid = b.typoutput::pg_catalog.oid "
       "LEFT JOIN pg_catalog.pg_namespace pn ON pn.oid = p.pronamespace "
-      "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text "
-      "AND c.relkind = ANY ('{r,p,f,v,m}') ORDER BY a.attnum");
+      "WHERE c.relkind = ANY ('{r,p,f,v,m}') ORDER BY q.place, a.attnum");
 }
 
-TPostgreSQLTable ReadFromCatalogue(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& Schema,
-                                   const std::string& What) {
-  static const std::string Statement = TableStatement();
-  const TPostgreSQLResult Rows = Session.Query(What, Statement, {Schema.c_str(), Table.Name.c_str()});
-  if (Rows.RowCount() == 0)
-    throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)),
-                         {.Code = TErrorCode::TableMissing});
-  TPostgreSQLTable Result{Rows.Copy(0, 0), Rows.Text(0, 1).front(), Rows.Boolean(0, 12), Rows.Boolean(0, 14), {}};
+TPostgreSQLColumn ColumnIn(const TPostgreSQLResult& Rows, int Row) {
+  TPostgreSQLColumn Result;
+  Result.Info.Name = Rows.Copy(Row, 2);
+  Result.Info.DeclaredType = Rows.Copy(Row, 3);
+  Result.Info.Nullable = Rows.Boolean(Row, 4);
+  Result.Info.Generated = Rows.Boolean(Row, 5);
+  Result.Info.KeyPosition = static_cast<int>(Rows.Integer(Row, 6));
+  Result.OutputFunction = Rows.Copy(Row, 11);
+  Result.HasCollation = Rows.Boolean(Row, 13);
+  Result.DomainOver = Rows.Copy(Row, 15);
+  SetType(Result, Rows.Integer(Row, 7), Rows.Integer(Row, 8), Rows.Integer(Row, 9), Rows.Text(Row, 10));
+  return Result;
+}
+
+/// Those of them that are there.
+std::vector<std::pair<TPostgreSQLName, TPostgreSQLTable>> ReadFromCatalogue(TPostgreSQLSession& Session,
+                                                                            const std::vector<TPostgreSQLName>& Names,
+                                                                            const std::string& What) {
+  static const std::string Statement = ColumnsStatement();
+  std::vector<std::string> Schemas, Tables;
+  for (const auto& [Schema, Name] : Names) Schemas.push_back(Schema), Tables.push_back(Name);
+  const TPostgreSQLResult Rows =
+      Session.Query(What, Statement, {PostgreSQLArray(Schemas).c_str(), PostgreSQLArray(Tables).c_str()});
+  constexpr int Place = 16;
+  std::vector<std::pair<TPostgreSQLName, TPostgreSQLTable>> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {
-    TPostgreSQLColumn Column;
-    Column.Info.Name = Rows.Copy(Row, 2);
-    if (Column.Info.Name.empty()) break;
-    Column.Info.DeclaredType = Rows.Copy(Row, 3);
-    Column.Info.Nullable = Rows.Boolean(Row, 4);
-    Column.Info.Generated = Rows.Boolean(Row, 5);
-    Column.Info.KeyPosition = static_cast<int>(Rows.Integer(Row, 6));
-    Column.OutputFunction = Rows.Copy(Row, 11);
-    Column.HasCollation = Rows.Boolean(Row, 13);
-    Column.DomainOver = Rows.Copy(Row, 15);
-    SetType(Column, Rows.Integer(Row, 7), Rows.Integer(Row, 8), Rows.Integer(Row, 9), Rows.Text(Row, 10));
-    Result.Columns.push_back(std::move(Column));
+    if (Row == 0 || Rows.Text(Row, Place) != Rows.Text(Row - 1, Place))
+      Result.emplace_back(
+          Names[static_cast<std::size_t>(Rows.Integer(Row, Place) - 1)],
+          TPostgreSQLTable{
+              Rows.Copy(Row, 0), Rows.Text(Row, 1).front(), Rows.Boolean(Row, 12), Rows.Boolean(Row, 14), {}});
+    if (!Rows.Text(Row, 2).empty()) Result.back().second.Columns.push_back(ColumnIn(Rows, Row));
   }
   return Result;
 }
@@ -168,15 +183,23 @@ TPostgreSQLColumn PlainPostgreSQLColumn(std::int64_t Oid) {
   return Result;
 }
 
+TTableKind KindOfPostgreSQLTable(char Kind) {
+  if (Kind == 'v' || Kind == 'm') return TTableKind::View;
+  return Kind == 'f' ? TTableKind::Foreign : TTableKind::Table;
+}
+
 TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What) {
-  const std::string& Schema = Session.Dialect().SchemaOf(Table);
+  const TPostgreSQLName Name(Session.Dialect().SchemaOf(Table), Table.Name);
   TPostgreSQLMoment* const Moment = Session.Moment();
-  if (!Moment) return ReadFromCatalogue(Session, Table, Schema, What);
-  const std::pair Key(Schema, Table.Name);
-  auto Known = Moment->Described.find(Key);
-  if (Known == Moment->Described.end())
-    Known = Moment->Described.emplace(Key, ReadFromCatalogue(Session, Table, Schema, What)).first;
-  return Known->second;
+  if (Moment)
+    if (const auto Known = Moment->Described.find(Name); Known != Moment->Described.end()) return Known->second;
+  auto Found = ReadFromCatalogue(Session, Moment ? Moment->Next(Name, Session.Dialect()) : std::vector{Name}, What);
+  if (Found.empty() || Found.front().first != Name)
+    throw EDatabaseError(Format("%s: there is no table '%s' in the database", What, FullName(Table)),
+                         {.Code = TErrorCode::TableMissing});
+  TPostgreSQLTable Result = Found.front().second;
+  if (Moment) std::move(Found.begin(), Found.end(), std::inserter(Moment->Described, Moment->Described.end()));
+  return Result;
 }
 
 std::vector<TPostgreSQLColumn> ReadPostgreSQLColumns(TPostgreSQLSession& Session,

@@ -69,6 +69,9 @@ struct TPostgreSQLTable {
   bool IsMaterializedView() const { return Kind == 'm'; }
 };
 
+/// Kind: pg_class.relkind.
+TTableKind KindOfPostgreSQLTable(char Kind);
+
 /// Reads a table from the catalogue. Raises EDatabaseError when it is not there. What begins messages.
 TPostgreSQLTable ReadPostgreSQLTable(TPostgreSQLSession& Session, const TTableInfo& Table, const std::string& What);
 

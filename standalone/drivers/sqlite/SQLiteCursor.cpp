@@ -195,4 +195,11 @@ void TSQLiteCursor::Read(int Column, TKvVariant& Value) {
                  FScratch, Value);
 }
 
+void TSQLiteCursor::ReadRow(std::span<TKvVariant> Row) {
+  sqlite3_stmt* const Statement = FStatement.Row();
+  for (std::size_t Column = 0; Column < Row.size(); ++Column)
+    ReadSQLiteCell(sqlite3_column_value(Statement, static_cast<int>(Column)), FWide, FKinds[Column], FScratch,
+                   Row[Column]);
+}
+
 }  // namespace velkrund

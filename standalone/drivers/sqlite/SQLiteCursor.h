@@ -34,6 +34,7 @@ class TSQLiteCursor final : public TCursor {
 
   bool Next() override { return FStatement.Step(); }
   void Read(int Column, TKvVariant& Value) override;
+  void ReadRow(std::span<TKvVariant> Row) override;
 
  private:
   TSQLiteStatement FStatement;

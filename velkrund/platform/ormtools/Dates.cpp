@@ -1,5 +1,6 @@
 #include "velkrund/platform/ormtools/Dates.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -9,14 +10,21 @@ namespace {
 constexpr std::int64_t MicrosecondsPerSecond = 1'000'000;
 constexpr std::int64_t DayNumberEpoch = -25'569;  // 1899-12-30, in days since 1970-01-01
 
+// In 32 bits, which divide in a fraction of the time: there are some hundred million days in what 64 bits can count.
+
 struct TCivil {
-  std::int64_t Year;
-  std::int64_t Month;
-  std::int64_t Day;
+  std::int32_t Year;
+  std::int32_t Month;
+  std::int32_t Day;
 };
 
-constexpr std::int64_t FloorDiv(std::int64_t A, std::int64_t B) { return A / B - (A % B < 0 ? 1 : 0); }
-constexpr std::int64_t DayOf(std::int64_t Microseconds) { return FloorDiv(Microseconds, MicrosecondsPerDay); }
+template <typename TNumber>
+constexpr TNumber FloorDiv(TNumber A, TNumber B) {
+  return A / B - (A % B < 0 ? 1 : 0);
+}
+constexpr std::int32_t DayOf(std::int64_t Microseconds) {
+  return static_cast<std::int32_t>(FloorDiv(Microseconds, MicrosecondsPerDay));
+}
 constexpr std::int64_t TimeOf(std::int64_t Microseconds) {
   const std::int64_t Rest = Microseconds % MicrosecondsPerDay;
   return Rest < 0 ? Rest + MicrosecondsPerDay : Rest;
@@ -24,36 +32,36 @@ constexpr std::int64_t TimeOf(std::int64_t Microseconds) {
 
 // Days since 1970 to the calendar and back, by years that begin in March and eras of 400 years (146097 days).
 
-constexpr TCivil CivilFromDays(std::int64_t Days) {
-  const std::int64_t Shifted = Days + 719'468;
-  const std::int64_t Era = FloorDiv(Shifted, 146'097);
-  const std::int64_t DayOfEra = Shifted - Era * 146'097;
-  const std::int64_t YearOfEra = (DayOfEra - DayOfEra / 1460 + DayOfEra / 36'524 - DayOfEra / 146'096) / 365;
-  const std::int64_t DayOfYear = DayOfEra - (365 * YearOfEra + YearOfEra / 4 - YearOfEra / 100);
-  const std::int64_t MarchMonth = (5 * DayOfYear + 2) / 153;
-  const std::int64_t Month = MarchMonth < 10 ? MarchMonth + 3 : MarchMonth - 9;
+constexpr TCivil CivilFromDays(std::int32_t Days) {
+  const std::int32_t Shifted = Days + 719'468;
+  const std::int32_t Era = FloorDiv(Shifted, 146'097);
+  const std::int32_t DayOfEra = Shifted - Era * 146'097;
+  const std::int32_t YearOfEra = (DayOfEra - DayOfEra / 1460 + DayOfEra / 36'524 - DayOfEra / 146'096) / 365;
+  const std::int32_t DayOfYear = DayOfEra - (365 * YearOfEra + YearOfEra / 4 - YearOfEra / 100);
+  const std::int32_t MarchMonth = (5 * DayOfYear + 2) / 153;
+  const std::int32_t Month = MarchMonth < 10 ? MarchMonth + 3 : MarchMonth - 9;
   return {YearOfEra + Era * 400 + (Month <= 2 ? 1 : 0), Month, DayOfYear - (153 * MarchMonth + 2) / 5 + 1};
 }
 
-constexpr std::int64_t DaysFromCivil(const TCivil& Date) {
-  const std::int64_t Year = Date.Year - (Date.Month <= 2 ? 1 : 0);
-  const std::int64_t Era = FloorDiv(Year, 400);
-  const std::int64_t YearOfEra = Year - Era * 400;
-  const std::int64_t MarchMonth = Date.Month > 2 ? Date.Month - 3 : Date.Month + 9;
-  const std::int64_t DayOfYear = (153 * MarchMonth + 2) / 5 + Date.Day - 1;
+constexpr std::int32_t DaysFromCivil(const TCivil& Date) {
+  const std::int32_t Year = Date.Year - (Date.Month <= 2 ? 1 : 0);
+  const std::int32_t Era = FloorDiv(Year, 400);
+  const std::int32_t YearOfEra = Year - Era * 400;
+  const std::int32_t MarchMonth = Date.Month > 2 ? Date.Month - 3 : Date.Month + 9;
+  const std::int32_t DayOfYear = (153 * MarchMonth + 2) / 5 + Date.Day - 1;
   return Era * 146'097 + YearOfEra * 365 + YearOfEra / 4 - YearOfEra / 100 + DayOfYear - 719'468;
 }
 
-constexpr bool IsLeap(std::int64_t Year) { return Year % 4 == 0 && (Year % 100 != 0 || Year % 400 == 0); }
+constexpr bool IsLeap(std::int32_t Year) { return Year % 4 == 0 && (Year % 100 != 0 || Year % 400 == 0); }
 
-constexpr std::int64_t DaysInMonth(std::int64_t Year, std::int64_t Month) {
+constexpr std::int32_t DaysInMonth(std::int32_t Year, std::int32_t Month) {
   if (Month == 2) return IsLeap(Year) ? 29 : 28;
   return Month == 4 || Month == 6 || Month == 9 || Month == 11 ? 30 : 31;
 }
 
 /// Writes Value with exactly Count digits at To; returns the place behind them.
 template <int Count>
-char* PutDigits(char* To, std::int64_t Value) {
+char* PutDigits(char* To, std::int32_t Value) {
   auto Rest = static_cast<std::uint32_t>(Value);
   for (int Index = Count - 1; Index >= 0; --Index, Rest /= 10) To[Index] = static_cast<char>('0' + Rest % 10);
   return To + Count;
@@ -62,7 +70,7 @@ char* PutDigits(char* To, std::int64_t Value) {
 constexpr std::size_t DateSize = 24;  // a year beyond the range included
 constexpr std::size_t TimeSize = 15;
 
-char* PutDate(char* To, std::int64_t Days) {
+char* PutDate(char* To, std::int32_t Days) {
   const TCivil Date = CivilFromDays(Days);
   // Other years lie beyond what the type covers; their text is readable all the same, and no reader takes it.
   if (Date.Year >= 0 && Date.Year <= 9999)
@@ -88,14 +96,25 @@ char* PutTime(char* To, std::int64_t TimeOfDay) {
   return Fraction % 1000 == 0 ? PutDigits<3>(To, Fraction / 1000) : PutDigits<6>(To, Fraction);
 }
 
-/// The number that Count digits at From form; -1 when one of them is none.
-std::int64_t TakeDigits(std::string_view Text, std::size_t From, std::size_t Count) {
-  std::int64_t Value = 0;
-  for (std::size_t Index = From; Index < From + Count; ++Index) {
-    if (Text[Index] < '0' || Text[Index] > '9') return -1;
-    Value = Value * 10 + (Text[Index] - '0');
+/// The number that Count digits form; negative when one of them is none.
+template <std::size_t Count>
+std::int32_t TakeDigits(const char* Digits) {
+  std::int32_t Value = 0;
+  std::uint32_t Wrong = 0;
+  for (std::size_t Index = 0; Index < Count; ++Index) {
+    const std::uint32_t Digit = static_cast<unsigned char>(Digits[Index]) - std::uint32_t{'0'};
+    Wrong |= Digit > 9 ? 1 : 0;
+    Value = Value * 10 + static_cast<std::int32_t>(Digit & 15U);
   }
-  return Value;
+  return Wrong == 0 ? Value : -1;
+}
+
+/// The microseconds of one to six digits behind the point; negative as above.
+std::int32_t TakeFraction(std::string_view Digits) {
+  constexpr std::size_t Places = 6;
+  char Padded[Places] = {'0', '0', '0', '0', '0', '0'};
+  std::copy(Digits.begin(), Digits.end(), Padded);
+  return TakeDigits<Places>(Padded);
 }
 
 }  // namespace
@@ -125,7 +144,7 @@ std::string DateTimeToSysStr(TDateTime Value) {
 
 std::optional<TDateTime> StrToSysDate(std::string_view Text) {
   if (Text.size() != 10 || Text[4] != '-' || Text[7] != '-') return std::nullopt;
-  const TCivil Date{TakeDigits(Text, 0, 4), TakeDigits(Text, 5, 2), TakeDigits(Text, 8, 2)};
+  const TCivil Date{TakeDigits<4>(Text.data()), TakeDigits<2>(Text.data() + 5), TakeDigits<2>(Text.data() + 8)};
   if (Date.Year < 1 || Date.Month < 1 || Date.Month > 12) return std::nullopt;
   if (Date.Day < 1 || Date.Day > DaysInMonth(Date.Year, Date.Month)) return std::nullopt;
   return TDateTime{DaysFromCivil(Date) * MicrosecondsPerDay};
@@ -133,17 +152,16 @@ std::optional<TDateTime> StrToSysDate(std::string_view Text) {
 
 std::optional<std::int64_t> StrToSysTime(std::string_view Text) {
   if (Text.size() < 8 || Text[2] != ':' || Text[5] != ':') return std::nullopt;
-  const std::int64_t Hour = TakeDigits(Text, 0, 2);
-  const std::int64_t Minute = TakeDigits(Text, 3, 2);
-  const std::int64_t Second = TakeDigits(Text, 6, 2);
+  const std::int32_t Hour = TakeDigits<2>(Text.data());
+  const std::int32_t Minute = TakeDigits<2>(Text.data() + 3);
+  const std::int32_t Second = TakeDigits<2>(Text.data() + 6);
   if (Hour < 0 || Hour > 23 || Minute < 0 || Minute > 59 || Second < 0 || Second > 59) return std::nullopt;
-  std::int64_t Fraction = 0;
+  std::int32_t Fraction = 0;
   if (Text.size() > 8) {
     const std::size_t Digits = Text.size() - 9;
     if (Text[8] != '.' || Digits < 1 || Digits > 6) return std::nullopt;
-    Fraction = TakeDigits(Text, 9, Digits);
+    Fraction = TakeFraction(Text.substr(9));
     if (Fraction < 0) return std::nullopt;
-    for (std::size_t Place = Digits; Place < 6; ++Place) Fraction *= 10;
   }
   return ((Hour * 60 + Minute) * 60 + Second) * MicrosecondsPerSecond + Fraction;
 }

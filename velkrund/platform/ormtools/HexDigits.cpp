@@ -5,6 +5,13 @@
 namespace velkrund {
 namespace {
 
+/// The digits of every byte.
+constexpr std::array<std::array<char, 2>, 256> HexPairs = [] {
+  std::array<std::array<char, 2>, 256> Pairs{};
+  for (std::size_t Byte = 0; Byte < Pairs.size(); ++Byte) Pairs[Byte] = {HexDigits[Byte / 16], HexDigits[Byte % 16]};
+  return Pairs;
+}();
+
 // Plain arithmetic: compilers turn a loop of it into vector instructions, which a table would forbid.
 
 struct THexPiece {
@@ -33,7 +40,28 @@ THexPiece HexPieceAt(const char* Digits) {
   return Piece;
 }
 
+/// As many bytes as a piece has.
+void EncodeHexPiece(const char* Bytes, char* Out) {
+  for (std::size_t At = 0; At < THexPiece::Bytes; ++At) {
+    const auto Byte = static_cast<std::uint8_t>(Bytes[At]);
+    const std::uint8_t High = Byte >> 4U, Low = Byte & 15U;
+    Out[2 * At] = static_cast<char>(High + '0' + (High > 9 ? 'A' - '0' - 10 : 0));
+    Out[2 * At + 1] = static_cast<char>(Low + '0' + (Low > 9 ? 'A' - '0' - 10 : 0));
+  }
+}
+
 }  // namespace
+
+void EncodeHex(std::string_view Bytes, char* Out) {
+  for (; Bytes.size() >= THexPiece::Bytes; Out += 2 * THexPiece::Bytes) {
+    EncodeHexPiece(Bytes.data(), Out);
+    Bytes.remove_prefix(THexPiece::Bytes);
+  }
+  for (const char Byte : Bytes) {
+    std::memcpy(Out, HexPairs[static_cast<unsigned char>(Byte)].data(), 2);
+    Out += 2;
+  }
+}
 
 std::size_t DecodeHex(std::string_view Digits, char* Out) {
   std::size_t At = 0;

@@ -22,6 +22,9 @@ inline constexpr std::array<std::uint8_t, 256> HexValues = [] {
 
 constexpr unsigned HexValue(char Digit) { return HexValues[static_cast<unsigned char>(Digit)]; }
 
+/// Writes two digits for every byte at Out.
+void EncodeHex(std::string_view Bytes, char* Out);
+
 /// Decodes pairs of hexadecimal digits of either case to Out, which may be where they stand. Returns how many digits it
 /// took: all, or those before the first pair that is none.
 std::size_t DecodeHex(std::string_view Digits, char* Out);

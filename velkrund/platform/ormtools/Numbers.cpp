@@ -8,6 +8,8 @@
 #include <limits>
 #include <system_error>
 
+#include "velkrund/platform/ormtools/HexDigits.h"
+
 namespace velkrund {
 namespace {
 
@@ -50,9 +52,6 @@ std::optional<TNumber> ParseSigned(std::string_view Text) {
   if (Text.size() > 1 && Text[0] == '+' && IsDigit(Text[1])) Text.remove_prefix(1);
   return ParseWhole<TNumber>(Text, 10);
 }
-
-/// Plain arithmetic: compilers turn a loop of it into vector instructions, which a table would forbid.
-constexpr char HexDigit(unsigned Value) { return static_cast<char>(Value + (Value > 9 ? 'A' - 10U : '0')); }
 
 /// A walk over the text of a real, to say where it stops being one and to size what a double cannot hold.
 class TRealScanner {
@@ -213,13 +212,7 @@ std::optional<std::uint64_t> HexToUnsigned(std::string_view Text) {
 void AppendHex(std::string& Out, std::string_view Bytes) {
   const std::size_t Start = Out.size();
   Out.resize(Start + 2 * Bytes.size());
-  char* To = Out.data() + Start;
-  for (const char Byte : Bytes) {
-    const auto Value = static_cast<unsigned char>(Byte);
-    To[0] = HexDigit(Value / 16U);
-    To[1] = HexDigit(Value % 16U);
-    To += 2;
-  }
+  EncodeHex(Bytes, Out.data() + Start);
 }
 
 }  // namespace velkrund

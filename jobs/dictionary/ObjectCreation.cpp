@@ -58,14 +58,13 @@ void TObjectCreation::AddStructure(TInputFile& Input, int Index) {
       } catch (const Exception&) {
         // The run itself says what is wrong.
       }
+  FPlaces.emplace(std::pair(*Number, LowerCase(*Name)), FEntries.size());
   FEntries.push_back(std::move(Entry));
 }
 
 const TObjectCreation::TEntry* TObjectCreation::Find(int Type, const std::string& Name) const {
-  const auto Found = std::find_if(FEntries.begin(), FEntries.end(), [&](const TEntry& Entry) {
-    return Entry.Structure.Type == Type && SameText(Entry.Structure.Name, Name);
-  });
-  return Found == FEntries.end() ? nullptr : &*Found;
+  const auto Found = FPlaces.find(std::pair(Type, LowerCase(Name)));
+  return Found == FPlaces.end() ? nullptr : &FEntries[Found->second];
 }
 
 std::vector<TLText> TObjectCreation::Missing() const {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "jobs/dictionary/AllowedGaps.h"
@@ -53,6 +56,7 @@ class TObjectCreation {
   TLongNames& FLongNames;
   TRepeatedQuestion FQuestion;
   std::vector<TEntry> FEntries;
+  std::map<std::pair<int, std::string>, std::size_t> FPlaces;  // of them, by type and name in lower case
   std::vector<TLText> FMade, FLeft, FStored;
   bool FDeclined = false;
 };

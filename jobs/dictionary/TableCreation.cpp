@@ -6,6 +6,7 @@
 
 #include "jobs/dictionary/SectionTree.h"
 #include "jobs/policies/Questions.h"
+#include "standalone/databases/ReadTransaction.h"
 #include "standalone/dictionary/Layout.h"
 #include "standalone/dictionary/LoweredNames.h"
 #include "standalone/dictionary/StoredDescriptions.h"
@@ -212,6 +213,7 @@ void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
   const auto Take = [&](const TScriptGap& Gap) {
     if (!FDictionary.Gaps().Allows(Gap)) Refused.push_back(Gap);
   };
+  const TReadTransaction Moment(FManager.Databases(), FDatabaseName);
   for (TEntry* const Table : Tables) {
     if (Table->IsCancelled) continue;
     const TDicTableDescription& Description = Table->Description;

@@ -85,10 +85,17 @@ std::vector<int> TImportJob::LookAt(TInputFile& Input) {
   }
   if (Input.File().Losses().Any()) FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_MalformedHeaders", Input.Name()));
   std::vector<int> Chosen = Choose(Input);
-  for (const int Index : Chosen)
+  Announce(Input, Chosen);
+  return Chosen;
+}
+
+void TImportJob::Announce(TInputFile& Input, const std::vector<int>& Indexes) {
+  // What many sections ask the database for is found at once then.
+  std::optional<TReadTransaction> Moment;
+  if (MakesObjects() && Indexes.size() > 1) Moment.emplace(Manager().Databases(), DatabaseName);
+  for (const int Index : Indexes)
     if (const auto Part = FParts.find(Input.File().Sections()[Index].ObjectClass.Role()); Part != FParts.end())
       Part->second->Announce(Input, Index);
-  return Chosen;
 }
 
 void TImportJob::AddSections(TInputFile& Input, const std::vector<int>& Indexes) {

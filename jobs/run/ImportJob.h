@@ -65,6 +65,7 @@ class TImportJob : public TSectionsJob, private TImportFileObserver {
 
  private:
   std::vector<int> LookAt(TInputFile& Input);
+  void Announce(TInputFile& Input, const std::vector<int>& Indexes);
   void AddSections(TInputFile& Input, const std::vector<int>& Indexes);
   void NoteLines(TInputFile& Input);
   void TakeUnfinished(TInputFile& Input);

@@ -126,5 +126,37 @@ TEST_F(PostgreSQLCatalogueTest, WhoAsksForManyTablesIsToldTheSameOfEach) {
   }
 }
 
+TEST_F(PostgreSQLCatalogueTest, WhatATransactionDoesIsSeenByItAtOnceAmongManyTables) {
+  std::string Statements =
+      "CREATE FUNCTION make() RETURNS integer LANGUAGE plpgsql AS "
+      "$$ BEGIN CREATE TABLE made (a integer); RETURN 1; END $$;";
+  for (int Number = 0; Number < 40; ++Number) Statements += Format("CREATE TABLE t%d (a integer);", Number);
+  Raw.Run(Statements);
+  const auto AskForAll = [&] {
+    for (int Number = 0; Number < 40; ++Number) Told(Connection->Schema(), Format("T%d", Number));
+  };
+  for (const TIsolationLevel Level :
+       {TIsolationLevel::ReadCommitted, TIsolationLevel::RepeatableRead, TIsolationLevel::Serializable}) {
+    Connection->Begin(Level);
+    AskForAll();
+    EXPECT_EQ(Told(Connection->Schema(), "made"), "none");
+    Connection->SetSavepoint(1);
+    Connection->Execute("ALTER TABLE t7 RENAME TO u7");
+    Connection->Execute("ALTER TABLE t8 RENAME COLUMN a TO b");
+    EXPECT_EQ(Told(Connection->Schema(), "t7"), "none");
+    EXPECT_THAT(Told(Connection->Schema(), "U7"), HasSubstr(" a integer"));
+    EXPECT_THAT(Told(Connection->Schema(), "t8"), HasSubstr(" b integer"));
+    AskForAll();
+    Connection->RollbackToSavepoint(1);
+    EXPECT_THAT(Told(Connection->Schema(), "t7"), HasSubstr(" a integer"));
+    EXPECT_THAT(Told(Connection->Schema(), "t8"), HasSubstr(" a integer"));
+    AskForAll();
+    Connection->Query("SELECT make()")->Next();
+    EXPECT_THAT(Told(Connection->Schema(), "made"), HasSubstr(" a integer"));
+    Connection->Rollback();
+    EXPECT_EQ(Told(Connection->Schema(), "made"), "none");
+  }
+}
+
 }  // namespace
 }  // namespace velkrund::tests

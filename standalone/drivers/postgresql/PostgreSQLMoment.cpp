@@ -3,12 +3,14 @@
 #include <algorithm>
 
 #include "standalone/drivers/postgresql/PostgreSQLDialect.h"
+#include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {
 
 void TPostgreSQLMoment::List(std::vector<TPostgreSQLListed> All) {
   Tables = std::move(All);
-  for (std::size_t Place = 0; Place < Tables.size(); ++Place) Places.emplace(Tables[Place].Info.Name, Place);
+  IsListed = true;
+  for (std::size_t Place = 0; Place < Tables.size(); ++Place) Places.emplace(LowerCase(Tables[Place].Info.Name), Place);
 }
 
 std::vector<TPostgreSQLName> TPostgreSQLMoment::Next(const TPostgreSQLName& Table,
@@ -19,7 +21,7 @@ std::vector<TPostgreSQLName> TPostgreSQLMoment::Next(const TPostgreSQLName& Tabl
     return TPostgreSQLName(Dialect.SchemaOf(Info), Info.Name);
   };
   std::vector<TPostgreSQLName> Result{Table};
-  const auto [First, Last] = Places.equal_range(Table.second);
+  const auto [First, Last] = Places.equal_range(LowerCase(Table.second));
   const auto At = std::find_if(First, Last, [&](const auto& Place) { return NameAt(Place.second) == Table; });
   if (At == Last) return Result;
   const std::size_t Wanted = std::min(Most, Described.size());

@@ -25,13 +25,15 @@ struct TPostgreSQLListed {
   std::int64_t PathPlace = 0;  // of its schema on the search path, from 1; 0: not on it
 };
 
-/// What was read of the catalogue in a transaction that only reads: questions about it see one moment, so that asking
-/// again would give the same answers.
+/// What was read of the catalogue in a transaction that sees one moment, so that asking again would give the same
+/// answers.
 struct TPostgreSQLMoment {
   std::map<std::string, TTableInfo, std::less<>> Found;      // by the name that was looked for
-  std::vector<TPostgreSQLListed> Tables;                     // all, in their order; empty: not listed so far
-  std::unordered_multimap<std::string, std::size_t> Places;  // in Tables, by name without a schema
+  std::vector<TPostgreSQLListed> Tables;                     // all, in their order, once they are listed
+  std::unordered_multimap<std::string, std::size_t> Places;  // in Tables, by name without a schema in lower case
   std::map<TPostgreSQLName, TPostgreSQLTable> Described;
+  bool IsListed = false;
+  int Searches = 0;  // by name, before that
 
   void List(std::vector<TPostgreSQLListed> All);
   /// A table that is to be described, and behind it others, where the list is known, that are not described: tables

@@ -39,8 +39,10 @@ constexpr std::string_view OfOneName =
     "OR n.nspname || '.' || c.relname = $2::pg_catalog.text) ";
 
 /// What goes by a name of ASCII ($2, as above) in any case: no other letter has one of these for its other case, and
-/// what the server takes for the case of others does not count.
+/// what the server takes for the case of others does not count. Few of all names are as long ($3), which costs less to
+/// see.
 constexpr std::string_view OfOneNameInAnyCase =
+    "AND pg_catalog.octet_length(c.relname::pg_catalog.text) = ANY ($3::pg_catalog.int4[]) "
     "AND pg_catalog.translate(c.relname, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ', 'abcdefghijklmnopqrstuvwxyz') = ANY "
     "($2::pg_catalog.text[]) ";
 
@@ -52,14 +54,14 @@ std::vector<std::string> BareNamesIn(std::string_view Name) {
   return Names;
 }
 
-/// What is true of one in the list.
-std::vector<TPostgreSQLListed> NamedIn(const TPostgreSQLMoment& Moment, const std::string& Name) {
+/// Of a list, those that go by the name when case does not count, in its order.
+std::vector<TPostgreSQLListed> NamedIn(const TPostgreSQLMoment& Moment, std::string_view Name) {
+  std::vector<std::size_t> Places;
+  for (const std::string& Bare : BareNamesIn(LowerCase(Name)))
+    for (auto [At, End] = Moment.Places.equal_range(Bare); At != End; ++At) Places.push_back(At->second);
+  std::sort(Places.begin(), Places.end());
   std::vector<TPostgreSQLListed> Result;
-  for (const std::string& Bare : BareNamesIn(Name))
-    for (auto [At, End] = Moment.Places.equal_range(Bare); At != End; ++At) {
-      const TPostgreSQLListed& Table = Moment.Tables[At->second];
-      if (Table.Info.Name == Name || Table.Qualified == Name) Result.push_back(Table);
-    }
+  for (const std::size_t Place : Places) Result.push_back(Moment.Tables[Place]);
   return Result;
 }
 
@@ -67,28 +69,37 @@ std::vector<TPostgreSQLListed> NamedIn(const TPostgreSQLMoment& Moment, const st
 
 TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::All(const std::string& What) {
   static const std::string Ask = TablesStatement({});
-  return ListedIn(FSession.Query(What, Ask, {FSession.Dialect().CurrentSchema().c_str()}));
+  return ListedIn(FSession.AskCatalogue(What, Ask, {FSession.Dialect().CurrentSchema().c_str()}));
 }
 
 /// Who has looked for many looks for more: of one moment all are read then.
+const TPostgreSQLMoment* TPostgreSQLTableSearch::Listed(const std::string& What) {
+  constexpr int Many = 16;
+  TPostgreSQLMoment* const Moment = FSession.Moment();
+  if (Moment && !Moment->IsListed && ++Moment->Searches > Many) Moment->List(All(What));
+  return Moment && Moment->IsListed ? Moment : nullptr;
+}
+
+/// At least those of exactly that name.
 TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::Named(const std::string& What, const std::string& Name) {
-  constexpr std::size_t Many = 16;
-  if (TPostgreSQLMoment* const Moment = FSession.Moment()) {
-    if (Moment->Tables.empty() && Moment->Found.size() >= Many) Moment->List(All(What));
-    if (!Moment->Tables.empty()) return NamedIn(*Moment, Name);
-  }
+  if (const TPostgreSQLMoment* const Moment = Listed(What)) return NamedIn(*Moment, Name);
   static const std::string Ask = TablesStatement(OfOneName);
-  return ListedIn(FSession.Query(
+  return ListedIn(FSession.AskCatalogue(
       What, Ask,
       {FSession.Dialect().CurrentSchema().c_str(), Name.c_str(), PostgreSQLArray(BareNamesIn(Name)).c_str()}));
 }
 
 /// At least those that go by the name when case does not count.
 TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::NamedInAnyCase(const std::string& What, std::string_view Name) {
+  if (const TPostgreSQLMoment* const Moment = Listed(What)) return NamedIn(*Moment, Name);
   if (AsciiPrefix(Name) < Name.size()) return All(What);
   static const std::string Ask = TablesStatement(OfOneNameInAnyCase);
-  return ListedIn(FSession.Query(
-      What, Ask, {FSession.Dialect().CurrentSchema().c_str(), PostgreSQLArray(BareNamesIn(LowerCase(Name))).c_str()}));
+  const std::vector<std::string> Names = BareNamesIn(LowerCase(Name));
+  std::vector<std::string> Lengths;
+  for (const std::string& One : Names) Lengths.push_back(std::to_string(One.size()));
+  return ListedIn(FSession.AskCatalogue(
+      What, Ask,
+      {FSession.Dialect().CurrentSchema().c_str(), PostgreSQLArray(Names).c_str(), PostgreSQLArray(Lengths).c_str()}));
 }
 
 TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::ListedIn(const TPostgreSQLResult& Rows) const {

@@ -12,6 +12,7 @@ namespace velkrund {
 class TPostgreSQLResult;
 class TPostgreSQLSession;
 struct TPostgreSQLListed;
+struct TPostgreSQLMoment;
 
 /// The tables of users in all schemas, and which of them a name means. Raises EDatabaseError.
 class TPostgreSQLTableSearch {
@@ -30,6 +31,7 @@ class TPostgreSQLTableSearch {
   using TListed = std::vector<TPostgreSQLListed>;
 
   TListed All(const std::string& What);
+  const TPostgreSQLMoment* Listed(const std::string& What);
   TListed Named(const std::string& What, const std::string& Name);
   TListed NamedInAnyCase(const std::string& What, std::string_view Name);
   TListed ListedIn(const TPostgreSQLResult& Rows) const;

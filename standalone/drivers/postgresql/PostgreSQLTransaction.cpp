@@ -27,6 +27,7 @@ void TPostgreSQLSession::Start(std::string_view Level, bool OnlyReads) {
   FMarks.Forget();
   Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
   FOnlyReads = OnlyReads;
+  FSeesOneMoment = Level == "REPEATABLE READ" || Level == "SERIALIZABLE";
   FMoment.reset();
 }
 
@@ -37,9 +38,14 @@ void TPostgreSQLSession::BeginReading() {
 }
 
 TPostgreSQLMoment* TPostgreSQLSession::Moment() {
-  if (!FTransactionOpen || !FOnlyReads) return nullptr;
+  if (!FTransactionOpen || !FSeesOneMoment) return nullptr;
   if (!FMoment) FMoment = std::make_unique<TPostgreSQLMoment>();
   return FMoment.get();
+}
+
+/// What is about to be done may change the catalogue.
+void TPostgreSQLSession::NoteChange() {
+  if (!FOnlyReads) FMoment.reset();
 }
 
 void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
@@ -107,6 +113,7 @@ void TPostgreSQLSession::RollbackToSavepoint(int Number) {
 }
 
 void TPostgreSQLSession::TakePartBack(const std::string& Mark, bool MarkStays) {
+  NoteChange();
   if (FStream) FStream->Abandon();
   for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
     const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, TAtWish::Finish);

@@ -23,32 +23,25 @@ void TTableMaker::Make(const std::vector<std::string>& Names) {
   for (const TDicTableDescription& Table : Tables) Decline(Table);
 }
 
-void TTableMaker::DoOrFail(const std::string& Name, const std::function<void()>& Action) {
-  try {
-    Action();
-  } catch (const EAbort&) {
-    throw;
-  } catch (const std::exception&) {
-    FFailed.emplace(LowerCase(Name), std::current_exception());
-  }
-}
-
-/// Those that are described and not there, each once. All are looked for one after the other: engines answer many such
-/// questions at once as long as nothing else comes between them.
+/// Those that are described and not there, each once.
 std::vector<TDicTableDescription> TTableMaker::Missing(const std::vector<std::string>& Names) {
-  std::vector<const std::string*> There, NotThere;
+  std::vector<TDicTableDescription> Result;
   std::set<std::string> Seen;
   for (const std::string& Name : Names) {
     if (!Seen.insert(LowerCase(Name)).second) continue;
-    DoOrFail(Name, [&] { (BaseMng().GetUserTable(Name, FDatabaseName, false) ? There : NotThere).push_back(&Name); });
-  }
-  for (const std::string* const Name : There) DoOrFail(*Name, [&] { TakeUnfinished(*Name); });
-  std::vector<TDicTableDescription> Result;
-  for (const std::string* const Name : NotThere)
-    DoOrFail(*Name, [&] {
+    try {
       TDicTableDescription Table;
-      if (Dictionary().GetDicTable(FDatabaseName).GetTableInfo(*Name, Table)) Result.push_back(std::move(Table));
-    });
+      if (BaseMng().GetUserTable(Name, FDatabaseName, false)) {
+        TakeUnfinished(Name);
+        continue;
+      }
+      if (Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Name, Table)) Result.push_back(std::move(Table));
+    } catch (const EAbort&) {
+      throw;
+    } catch (const std::exception&) {
+      FFailed.emplace(LowerCase(Name), std::current_exception());
+    }
+  }
   return Result;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <exception>
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -58,8 +57,6 @@ class TTableMaker : public TMissingTables {
 
  private:
   std::vector<TDicTableDescription> Missing(const std::vector<std::string>& Names);
-  /// An error is kept as the table's.
-  void DoOrFail(const std::string& Name, const std::function<void()>& Action);
   void MakeAll(std::vector<TDicTableDescription> Tables);
   void TakeUnfinished(const std::string& Name);
   std::string PatternOf(const TDicTableDescription& Table) const;

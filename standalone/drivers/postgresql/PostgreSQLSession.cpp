@@ -216,12 +216,6 @@ TPostgreSQLResult TPostgreSQLSession::Answer() {
 
 TPostgreSQLResult TPostgreSQLSession::Query(std::string_view What, const std::string& Statement,
                                             std::initializer_list<const char*> Parameters, TFormat Format) {
-  NoteChange();
-  return AskCatalogue(What, Statement, Parameters, Format);
-}
-
-TPostgreSQLResult TPostgreSQLSession::AskCatalogue(std::string_view What, const std::string& Statement,
-                                                   std::initializer_list<const char*> Parameters, TFormat Format) {
   Prepare(What);
   const std::string* const Name = Parameters.size() > 0 ? FRepeated.NameOf(Statement) : nullptr;
   TPostgreSQLResult Result = Name ? RunAgain(*Name, Statement, Parameters, Format) : Run(Statement, Parameters, Format);
@@ -253,7 +247,6 @@ void TPostgreSQLSession::Send(std::string_view What, const std::string& Statemen
   if (Statement.find('\0') != std::string::npos)
     throw EDatabaseError(velkrund::Format("%s: it holds a character U+0000", What));
   const TPostgreSQLParameters Texts(Parameters, *FOptions.CodePage);
-  NoteChange();
   Prepare(What);
   FWait.Begin(Handle(), TAtWish::Stop);
   if (PQsendQueryParams(Handle(), Statement.c_str(), Texts.Count(), Texts.Types(), Texts.Values(), Texts.Lengths(),
@@ -305,7 +298,6 @@ TPostgreSQLResult TPostgreSQLSession::LastAnswer(std::string_view What, const st
 TPostgreSQLResult TPostgreSQLSession::ExecuteForEach(const std::string& Statement, const std::vector<unsigned>& Types,
                                                      const std::vector<const char*>& Values,
                                                      const std::function<void(const TPostgreSQLResult& Answer)>& Took) {
-  NoteChange();
   FWait.Begin(Handle(), TAtWish::Stop);
   TPostgreSQLResult Failed = RunPostgreSQLPipeline(Handle(), FWait, Statement, Types, Values, Took);
   NoteTransaction();

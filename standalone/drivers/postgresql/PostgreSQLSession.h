@@ -74,8 +74,8 @@ class TPostgreSQLSession {
   bool InTransaction() const { return FTransactionOpen; }
   /// Whether the last transaction was begun by BeginReading.
   bool OnlyReads() const { return FOnlyReads; }
-  /// What is known of the moment that the transaction sees, for readers of the catalogue to keep; null outside of one,
-  /// and where it sees what others do meanwhile. A transaction that writes forgets it with every other statement.
+  /// What is known of the moment that such a transaction sees, for readers of the catalogue to keep; null outside of
+  /// one.
   TPostgreSQLMoment* Moment();
   /// Lets go of the locks on tables and indexes that a transaction which only reads has taken so far: they would be
   /// held to its end, and a server has room for a few thousand. What it sees stays of one moment. What begins a
@@ -95,10 +95,6 @@ class TPostgreSQLSession {
   /// server keeps a statement ready that comes again.
   TPostgreSQLResult Query(std::string_view What, const std::string& Statement,
                           std::initializer_list<const char*> Parameters = {}, TFormat Format = TFormat::Text);
-
-  /// The same for a question about the catalogue, which changes nothing there.
-  TPostgreSQLResult AskCatalogue(std::string_view What, const std::string& Statement,
-                                 std::initializer_list<const char*> Parameters, TFormat Format = TFormat::Text);
 
   /// The same with parameters of any kind.
   TPostgreSQLResult Query(std::string_view What, const std::string& Statement, std::span<const TKvVariant> Parameters,
@@ -165,7 +161,6 @@ class TPostgreSQLSession {
   TPostgreSQLResult LastAnswer(std::string_view What, const std::string& Statement);
   void DropData() noexcept;
   void NoteTransaction();
-  void NoteChange();
   void ForgetCursors(std::int64_t Last);
 
   TPostgreSQLAddress FAddress;
@@ -180,7 +175,6 @@ class TPostgreSQLSession {
   bool FSettingsInDoubt = false;
   bool FTransactionOpen = false;  // as the server last said; stays when the connection is lost
   bool FOnlyReads = false;
-  bool FSeesOneMoment = false;  // the transaction does
   std::int64_t FTransactionNumber = 0;
   std::unique_ptr<TPostgreSQLMoment> FMoment;  // null: nothing is known
   TPostgreSQLRepeated FRepeated;

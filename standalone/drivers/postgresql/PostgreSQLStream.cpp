@@ -15,7 +15,6 @@ void TPostgreSQLSession::Vacate(const TPostgreSQLStream& Stream) {
 }
 
 void TPostgreSQLSession::StartCopy(std::string_view What, const std::string& Statement) {
-  NoteChange();
   const TPostgreSQLResult Result = Run(Statement, {}, TFormat::Text);
   const ExecStatusType Status = PQresultStatus(Result.Handle());
   if (Status != PGRES_COPY_IN && Status != PGRES_COPY_OUT) Raise(What, Result, {}, {.Statement = Statement});

@@ -69,7 +69,7 @@ std::vector<TPostgreSQLListed> NamedIn(const TPostgreSQLMoment& Moment, std::str
 
 TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::All(const std::string& What) {
   static const std::string Ask = TablesStatement({});
-  return ListedIn(FSession.AskCatalogue(What, Ask, {FSession.Dialect().CurrentSchema().c_str()}));
+  return ListedIn(FSession.Query(What, Ask, {FSession.Dialect().CurrentSchema().c_str()}));
 }
 
 /// Who has looked for many looks for more: of one moment all are read then.
@@ -84,7 +84,7 @@ const TPostgreSQLMoment* TPostgreSQLTableSearch::Listed(const std::string& What)
 TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::Named(const std::string& What, const std::string& Name) {
   if (const TPostgreSQLMoment* const Moment = Listed(What)) return NamedIn(*Moment, Name);
   static const std::string Ask = TablesStatement(OfOneName);
-  return ListedIn(FSession.AskCatalogue(
+  return ListedIn(FSession.Query(
       What, Ask,
       {FSession.Dialect().CurrentSchema().c_str(), Name.c_str(), PostgreSQLArray(BareNamesIn(Name)).c_str()}));
 }
@@ -97,7 +97,7 @@ TPostgreSQLTableSearch::TListed TPostgreSQLTableSearch::NamedInAnyCase(const std
   const std::vector<std::string> Names = BareNamesIn(LowerCase(Name));
   std::vector<std::string> Lengths;
   for (const std::string& One : Names) Lengths.push_back(std::to_string(One.size()));
-  return ListedIn(FSession.AskCatalogue(
+  return ListedIn(FSession.Query(
       What, Ask,
       {FSession.Dialect().CurrentSchema().c_str(), PostgreSQLArray(Names).c_str(), PostgreSQLArray(Lengths).c_str()}));
 }

@@ -27,7 +27,6 @@ void TPostgreSQLSession::Start(std::string_view Level, bool OnlyReads) {
   FMarks.Forget();
   Query(What, Format("BEGIN ISOLATION LEVEL %s", Level));
   FOnlyReads = OnlyReads;
-  FSeesOneMoment = Level == "REPEATABLE READ" || Level == "SERIALIZABLE";
   FMoment.reset();
 }
 
@@ -38,14 +37,9 @@ void TPostgreSQLSession::BeginReading() {
 }
 
 TPostgreSQLMoment* TPostgreSQLSession::Moment() {
-  if (!FTransactionOpen || !FSeesOneMoment) return nullptr;
+  if (!FTransactionOpen || !FOnlyReads) return nullptr;
   if (!FMoment) FMoment = std::make_unique<TPostgreSQLMoment>();
   return FMoment.get();
-}
-
-/// What is about to be done may change the catalogue.
-void TPostgreSQLSession::NoteChange() {
-  if (!FOnlyReads) FMoment.reset();
 }
 
 void TPostgreSQLSession::LetGoOfLocks(std::string_view What) {
@@ -113,7 +107,6 @@ void TPostgreSQLSession::RollbackToSavepoint(int Number) {
 }
 
 void TPostgreSQLSession::TakePartBack(const std::string& Mark, bool MarkStays) {
-  NoteChange();
   if (FStream) FStream->Abandon();
   for (const char* Words : {"ROLLBACK TO SAVEPOINT ", "RELEASE SAVEPOINT "}) {
     const TPostgreSQLResult Result = Run(Words + Mark, {}, TFormat::Text, TAtWish::Finish);

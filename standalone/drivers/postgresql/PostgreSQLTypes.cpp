@@ -161,7 +161,7 @@ std::vector<std::pair<TPostgreSQLName, TPostgreSQLTable>> ReadFromCatalogue(TPos
   std::vector<std::string> Schemas, Tables;
   for (const auto& [Schema, Name] : Names) Schemas.push_back(Schema), Tables.push_back(Name);
   const TPostgreSQLResult Rows =
-      Session.AskCatalogue(What, Statement, {PostgreSQLArray(Schemas).c_str(), PostgreSQLArray(Tables).c_str()});
+      Session.Query(What, Statement, {PostgreSQLArray(Schemas).c_str(), PostgreSQLArray(Tables).c_str()});
   constexpr int Place = 16;
   std::vector<std::pair<TPostgreSQLName, TPostgreSQLTable>> Result;
   for (int Row = 0; Row < Rows.RowCount(); ++Row) {

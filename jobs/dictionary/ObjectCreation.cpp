@@ -1,7 +1,5 @@
 #include "jobs/dictionary/ObjectCreation.h"
 
-#include <algorithm>
-
 #include "jobs/dictionary/SectionTree.h"
 #include "standalone/dictionary/Layout.h"
 #include "standalone/dictionary/StoredDescriptions.h"

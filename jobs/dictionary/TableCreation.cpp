@@ -213,7 +213,8 @@ void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
   const auto Take = [&](const TScriptGap& Gap) {
     if (!FDictionary.Gaps().Allows(Gap)) Refused.push_back(Gap);
   };
-  const TReadTransaction Moment(FManager.Databases(), FDatabaseName);
+  // What many tables ask the database for is found at once then.
+  TReadTransaction Moment(FManager.Databases(), FDatabaseName);
   for (TEntry* const Table : Tables) {
     if (Table->IsCancelled) continue;
     const TDicTableDescription& Description = Table->Description;
@@ -234,6 +235,7 @@ void TTableCreation::CheckScripts(const std::vector<TEntry*>& Tables) {
       if (Table->IsNone) OfNone.insert(OfNone.end(), Script.Gaps.begin(), Script.Gaps.end());
     } catch (const EDatabaseError& Error) {
       Problems.emplace_back(Error.what());
+      Moment.Renew();
     }
   }
   if (!Problems.empty())

@@ -25,8 +25,7 @@ struct TPostgreSQLListed {
   std::int64_t PathPlace = 0;  // of its schema on the search path, from 1; 0: not on it
 };
 
-/// What was read of the catalogue in a transaction that only reads: asking again would give the same
-/// answers.
+/// What was read of the catalogue in a transaction that only reads: asking again would give the same answers.
 struct TPostgreSQLMoment {
   std::map<std::string, TTableInfo, std::less<>> Found;      // by the name that was looked for
   std::vector<TPostgreSQLListed> Tables;                     // all, in their order, once they are listed

@@ -1,6 +1,5 @@
 #include "standalone/drivers/postgresql/PostgreSQLSchemaReader.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "standalone/drivers/postgresql/CatalogueStatement.h"

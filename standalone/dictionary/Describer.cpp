@@ -46,12 +46,22 @@ std::vector<TDescribedObject> TDescriber::Describe(const std::vector<TDefinedObj
 
 std::vector<TDicTableDescription> TDescriber::ReadTables(const std::vector<TDefinedObject>& Objects,
                                                          const TNext& Next) {
+  // A table whose cells are looked at can take long.
+  const std::size_t AtOnce = FOptions.ScanColumns ? 1 : TDefinitionReader::AtOnce;
+  std::vector<TTableInfo> Wanted;
   std::vector<TDicTableDescription> Result;
+  const auto Take = [&] {
+    for (TDicTableDescription& Table : FConnection.Definitions().Tables(Wanted, FOptions))
+      Result.push_back(std::move(Table));
+    Wanted.clear();
+  };
   for (const TDefinedObject& Object : Objects) {
     if (Object.Kind != TDefinedKind::Table) continue;
     Next(Object);
-    Result.push_back(FConnection.Definitions().Table(Object.Table, FOptions));
+    Wanted.push_back(Object.Table);
+    if (Wanted.size() == AtOnce) Take();
   }
+  Take();
   if (!FOptions.ScanColumns) return Result;
   std::vector<TDicTableDescription*> Tables;
   for (TDicTableDescription& Table : Result) Tables.push_back(&Table);

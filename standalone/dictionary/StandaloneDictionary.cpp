@@ -127,7 +127,27 @@ void TStandaloneDictionary::CreateTableByDef(const std::string& DatabaseName, co
   if (Replace && Part != TTableScriptPart::Rest && Connection.Schema().FindTable(Description.FullName()))
     DropTable(DatabaseName, Description);
   RunScriptWithGaps(DatabaseName, Connection, Statements, FGaps);
-  if (Part != TTableScriptPart::Table) StoreWords(DatabaseName, Description.FullName());
+  if (Part == TTableScriptPart::All) StoreWords(DatabaseName, {Description.FullName()});
+  Transaction.Commit();
+}
+
+void TStandaloneDictionary::StoreWords(const std::string& DatabaseName, const std::vector<std::string>& TableNames) {
+  TTransaction Transaction(DatabaseName);
+  TConnection& Connection = FManager.Databases().Connection(DatabaseName);
+  std::vector<TDicTableDescription> Stored;
+  std::vector<TTableInfo> Made;
+  for (const std::string& Name : TableNames) {
+    std::optional<TDicTableDescription> Known = StoredTable(DatabaseName, Name);
+    const std::optional<TTableInfo> Found = Known ? Connection.Schema().FindTable(Name) : std::nullopt;
+    if (!Found) continue;
+    Stored.push_back(std::move(*Known));
+    Made.push_back(*Found);
+  }
+  const std::vector<TDicTableDescription> Now = Connection.Definitions().Tables(Made, {});
+  for (std::size_t Table = 0; Table < Now.size(); ++Table) {
+    const TDicTableDescription New = WithWords(Stored[Table], Now[Table], Connection.Scripts().Engine());
+    if (New != Stored[Table]) StoreDescription(DatabaseName, New);
+  }
   Transaction.Commit();
 }
 
@@ -156,17 +176,6 @@ void TStandaloneDictionary::DropTable(const std::string& DatabaseName, const TDi
   TConnection& Connection = FManager.Databases().Connection(DatabaseName);
   Connection.Execute(Connection.Scripts().DropTable(Description));
   TUnfinishedTables(Connection).SetStage(Description.FullName(), TTableStage::Complete);
-}
-
-void TStandaloneDictionary::StoreWords(const std::string& DatabaseName, const std::string& TableName) {
-  std::optional<TDicTableDescription> Stored = StoredTable(DatabaseName, TableName);
-  if (!Stored) return;
-  TConnection& Connection = FManager.Databases().Connection(DatabaseName);
-  const std::optional<TTableInfo> Made = Connection.Schema().FindTable(TableName);
-  if (!Made) return;
-  TDicTableDescription Now =
-      WithWords(*Stored, Connection.Definitions().Table(*Made, {}), Connection.Scripts().Engine());
-  if (Now != *Stored) StoreDescription(DatabaseName, Now);
 }
 
 }  // namespace velkrund

@@ -24,6 +24,7 @@ class TStandaloneDictionary final : public TDictionary {
   std::string GetCreateTablePatternString(const std::string& PatternName, const std::string& DatabaseName) override;
   void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                         const std::string& Pattern, TTableScriptPart Part, bool Replace) override;
+  void StoreWords(const std::string& DatabaseName, const std::vector<std::string>& TableNames) override;
   void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) override;
   TTableStage StageOf(const std::string& DatabaseName, const std::string& TableName) override;
   void SetStage(const std::string& DatabaseName, const std::string& TableName, TTableStage Stage) override;
@@ -42,8 +43,6 @@ class TStandaloneDictionary final : public TDictionary {
   class TStoredTables;
 
   std::optional<TTableInfo> FindLinks(const std::string& DatabaseName);
-  /// The structures of tables learn what the engine now says of the table.
-  void StoreWords(const std::string& DatabaseName, const std::string& TableName);
 
   TStandaloneManager& FManager;
   TGapBook FGaps;

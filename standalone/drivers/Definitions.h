@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +42,14 @@ class TDefinitionReader {
 
   // Of an object that is there; EDatabaseError when it is not.
   virtual TDicTableDescription Table(const TTableInfo& Table, const TDescribeOptions& Options) = 0;
+  /// Several, in their order: what an engine answers for many at once it is asked once. AtOnce keeps answers small.
+  static constexpr std::size_t AtOnce = 64;
+  virtual std::vector<TDicTableDescription> Tables(const std::vector<TTableInfo>& Tables,
+                                                   const TDescribeOptions& Options) {
+    std::vector<TDicTableDescription> Result;
+    for (const TTableInfo& Each : Tables) Result.push_back(Table(Each, Options));
+    return Result;
+  }
   virtual TDicViewDescription View(const TTableInfo& View) = 0;
   virtual TDicGeneratorDescription Generator(const TTableInfo& Generator) = 0;
   virtual TDicProcedureDescription Procedure(const TTableInfo& Procedure) = 0;

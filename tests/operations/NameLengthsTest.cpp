@@ -44,6 +44,7 @@ class NameLengths : public testing::Test, public TDSPContainer, public TDSPTable
   std::string GetCreateTablePatternString(const std::string&, const std::string&) override { return {}; }
   void CreateTableByDef(const std::string&, const TDicTableDescription&, const std::string&, TTableScriptPart,
                         bool) override {}
+  void StoreWords(const std::string&, const std::vector<std::string>&) override {}
   void CreateIndexesByDef(const std::string&, const TDicTableDescription&) override {}
   void DropTable(const std::string&, const TDicTableDescription&) override {}
   TTableStage StageOf(const std::string&, const std::string&) override { return TTableStage::Complete; }

@@ -41,6 +41,9 @@ class TFailingDictionary final : public TDictionary, private TDicTable {
     if (Before) Before(Table, Part);
     FReal.CreateTableByDef(Database, Table, Pattern, Part, Replace);
   }
+  void StoreWords(const std::string& Database, const std::vector<std::string>& Tables) override {
+    FReal.StoreWords(Database, Tables);
+  }
   void CreateIndexesByDef(const std::string& Database, const TDicTableDescription& Table) override {
     FReal.CreateIndexesByDef(Database, Table);
   }

@@ -243,6 +243,7 @@ void TUORecreateTable::CreateStructure(const std::string& Name, TDicTableDescrip
   if (!CreateIndex) Description.Indexes.clear();
   WriteLog(TTraceLevel::Info, "CreateTable with Pattern =\"" + Pattern + "\"; ");
   Dictionary().CreateTableByDef(DatabaseName, Description, Pattern, Part, FReplaces && !IsTemporary(Name));
+  if (Part == TTableScriptPart::Rest) Dictionary().StoreWords(DatabaseName, {Description.FullName()});
   WriteLog(TTraceLevel::Info, CreationLine("end(ok)", Name, CreateIndex));
 }
 

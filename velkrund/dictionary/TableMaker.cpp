@@ -125,7 +125,8 @@ void TTableMaker::Complete(const TFailed& Failed, const TTakenBack& TakenBack) {
   for (TMade& Made : FMade)
     if (!CommitsSteps() && IsUseless(Made.Description)) Drop(Made);
   CompleteEach(Failed, TakenBack, TTableStage::Made, &TTableMaker::MakeIndexes);
-  CompleteEach(Failed, TakenBack, TTableStage::Indexed, &TTableMaker::MakeRest);
+  CompleteEach(Failed, TakenBack, TTableStage::Indexed, &TTableMaker::FinishOne);
+  if (!CommitsSteps()) StoreWords(Failed, TakenBack);
 }
 
 /// Those that have come to that stage.
@@ -147,6 +148,42 @@ void TTableMaker::CompleteEach(const TFailed& Failed, const TTakenBack& TakenBac
     }
     if (!CommitsSteps()) DropWithThoseThatRefer(Made, TakenBack);
   }
+}
+
+/// Of many at once, which an engine tells faster; where that fails, of each, to find the one.
+void TTableMaker::StoreWords(const TFailed& Failed, const TTakenBack& TakenBack) {
+  constexpr std::size_t AtOnce = 64;
+  std::vector<TMade*> Complete;
+  for (TMade& Made : FMade)
+    if (!Made.IsGone && Made.Stage == TTableStage::Complete) Complete.push_back(&Made);
+  for (std::size_t At = 0; At < Complete.size(); At += AtOnce) {
+    if (FOperation.IsCanceled()) throw EAbort("cancelled");
+    const std::span Some(Complete.begin() + static_cast<std::ptrdiff_t>(At), std::min(AtOnce, Complete.size() - At));
+    if (StoreWordsOf(Some)) continue;
+    for (TMade*& Made : Some)
+      if (!Made->IsGone && !StoreWordsOf({&Made, 1}, Failed)) DropWithThoseThatRefer(*Made, TakenBack);
+  }
+}
+
+bool TTableMaker::StoreWordsOf(std::span<TMade* const> Tables, const TFailed& Failed) {
+  std::vector<std::string> Names;
+  for (const TMade* const Made : Tables) Names.push_back(Made->Description.FullName());
+  try {
+    TTransaction Transaction(FDatabaseName);
+    Dictionary().StoreWords(FDatabaseName, Names);
+    Transaction.Commit();
+    return true;
+  } catch (const EAbort&) {
+    throw;
+  } catch (const std::exception& Error) {
+    if (Failed) Failed(Names.front(), Error);
+    return false;
+  }
+}
+
+void TTableMaker::FinishOne(const TMade& Made) {
+  MakeRest(Made);
+  if (CommitsSteps()) Dictionary().StoreWords(FDatabaseName, {Made.Description.FullName()});
 }
 
 void TTableMaker::MakeIndexes(const TMade& Made) { Dictionary().CreateIndexesByDef(FDatabaseName, Made.Description); }

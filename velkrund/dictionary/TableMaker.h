@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,10 @@ class TTableMaker : public TMissingTables {
   std::string PatternOf(const TDicTableDescription& Table) const;
   void CompleteEach(const TFailed& Failed, const TTakenBack& TakenBack, TTableStage Stage,
                     void (TTableMaker::*Step)(const TMade&));
+  void FinishOne(const TMade& Made);
+  void StoreWords(const TFailed& Failed, const TTakenBack& TakenBack);
+  /// False: an error, which Failed is told of, if there is one, for a table alone.
+  bool StoreWordsOf(std::span<TMade* const> Tables, const TFailed& Failed = {});
   void DropWithThoseThatRefer(TMade& Made, const TTakenBack& TakenBack);
   void MakeIndexes(const TMade& Made);
   void Drop(TMade& Made);

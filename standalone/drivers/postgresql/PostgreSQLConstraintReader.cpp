@@ -6,7 +6,7 @@
 namespace velkrund {
 namespace {
 
-/// A row per constraint of the table $1 and column of it. What a partition has from its table comes with that; checks
+/// A row per constraint of the tables $1 and column of it, the table last in it. What a partition has from its table comes with that; checks
 /// have to be there before.
 constexpr const char* ConstraintsStatement =
     "SELECT k.oid, k.conname, k.contype, k.condeferrable, k.condeferred, k.convalidated, "
@@ -14,7 +14,7 @@ constexpr const char* ConstraintsStatement =
     "CASE WHEN tn.nspname <> $2::pg_catalog.text THEN tn.nspname END, k.confdeltype, k.confupdtype, "
     "k.confmatchtype, a.attname, pg_catalog.quote_ident(a.attname), b.attname, pg_catalog.quote_ident(b.attname), "
     "k.confrelid::pg_catalog.regclass, EXISTS (SELECT FROM pg_catalog.pg_constraint o WHERE o.conname = k.conname "
-    "AND o.connamespace = k.connamespace AND o.oid <> k.oid AND o.coninhcount = '0' AND o.conparentid = '0') "
+    "AND o.connamespace = k.connamespace AND o.oid <> k.oid AND o.coninhcount = '0' AND o.conparentid = '0'), k.conrelid "
     "FROM pg_catalog.pg_constraint k "
     "LEFT JOIN pg_catalog.pg_class t ON t.oid = k.confrelid "
     "LEFT JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "
@@ -22,8 +22,8 @@ constexpr const char* ConstraintsStatement =
     "AS c (own, other, place) ON true "
     "LEFT JOIN pg_catalog.pg_attribute a ON a.attrelid = k.conrelid AND a.attnum = c.own "
     "LEFT JOIN pg_catalog.pg_attribute b ON b.attrelid = k.confrelid AND b.attnum = c.other "
-    "WHERE k.conrelid = $1::pg_catalog.oid AND k.contype = ANY ('{p,u,f,c,x}') "
-    "AND (k.contype = 'c' OR k.conparentid = '0') ORDER BY k.contype <> 'p', k.conname, k.oid, c.place";
+    "WHERE k.conrelid = ANY ($1::pg_catalog.oid[]) AND k.contype = ANY ('{p,u,f,c,x}') "
+    "AND (k.contype = 'c' OR k.conparentid = '0') ORDER BY k.conrelid, k.contype <> 'p', k.conname, k.oid, c.place";
 
 struct TConstraint {
   std::string Name, Definition, Expression, Table, TableSchema, TableSQLName;
@@ -37,8 +37,8 @@ struct TConstraint {
 void AddTo(std::string& List, std::string_view Name) { (List += List.empty() ? "" : ", ") += Name; }
 
 std::vector<TConstraint> ConstraintsOf(const TDescribed& Table) {
-  const TPostgreSQLResult Rows = Table.Describing.Ask("constraints", ConstraintsStatement,
-                                                      {Table.Oid, Table.Describing.Dialect().CurrentSchema()});
+  const TDescribedRows Rows = Table.Describing.RowsOf(Table.Oid, "constraints", ConstraintsStatement,
+                                                      {Table.Describing.Dialect().CurrentSchema()});
   std::vector<TConstraint> Result;
   for (int Row = 0; Row < Rows.RowCount();) {
     const auto Letter = [&](int Column) {

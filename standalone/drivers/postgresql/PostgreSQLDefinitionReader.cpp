@@ -1,6 +1,8 @@
 #include "standalone/drivers/postgresql/PostgreSQLDefinitionReader.h"
 
 #include <limits>
+#include <map>
+#include <span>
 
 #include "standalone/drivers/TextLines.h"
 #include "standalone/drivers/postgresql/CatalogueStatement.h"
@@ -13,8 +15,8 @@
 namespace velkrund {
 namespace {
 
-/// What is said of a relation ($2, in the schema $1) as a whole.
-constexpr const char* RelationStatement =
+/// What is said of relations ($2, each in the schema $1 of the same place) as a whole, and the place of each.
+constexpr const char* RelationsStatement =
     "SELECT c.oid, c.oid::pg_catalog.regclass, pg_catalog.obj_description(c.oid, 'pg_class'), c.relkind, "
     "c.relpersistence = 'u', m.amname, "
     "(SELECT pg_catalog.array_to_string(pg_catalog.array_agg(pg_catalog.concat(o.name, '=', "
@@ -31,10 +33,11 @@ constexpr const char* RelationStatement =
     "(SELECT s.option_value FROM pg_catalog.pg_options_to_table(c.reloptions) s "
     "WHERE s.option_name = 'check_option'), "
     "CASE WHEN c.relkind = ANY ('{v,m}') THEN pg_catalog.pg_get_viewdef(c.oid) END, "
-    "c.relhasindex, c.relhastriggers "
-    "FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
-    "LEFT JOIN pg_catalog.pg_am m ON m.oid = c.relam AND m.amname <> 'heap' "
-    "WHERE n.nspname = $1::pg_catalog.text AND c.relname = $2::pg_catalog.text";
+    "c.relhasindex, c.relhastriggers, x.place "
+    "FROM ROWS FROM (pg_catalog.unnest($1::pg_catalog.text[]), pg_catalog.unnest($2::pg_catalog.text[])) "
+    "WITH ORDINALITY AS x (schema, relation, place) JOIN pg_catalog.pg_namespace n ON n.nspname = x.schema "
+    "JOIN pg_catalog.pg_class c ON c.relnamespace = n.oid AND c.relname = x.relation "
+    "LEFT JOIN pg_catalog.pg_am m ON m.oid = c.relam AND m.amname <> 'heap'";
 
 constexpr const char* SequenceStatement =
     "SELECT s.seqstart, s.seqincrement, s.seqmin, s.seqmax, s.seqcycle, s.seqcache, "
@@ -48,8 +51,19 @@ EDatabaseError Missing(const std::string& What, std::string_view Kind, const TTa
                         {.Code = TErrorCode::TableMissing});
 }
 
-TPostgreSQLResult AskAbout(TDescribing& Describing, const TTableInfo& Relation) {
-  return Describing.Ask("relation", RelationStatement, {Describing.Dialect().SchemaOf(Relation), Relation.Name});
+/// A row for each that is there, with its place, from 1, at the end.
+TPostgreSQLResult AskAbout(TDescribing& Describing, std::span<const TTableInfo> Relations) {
+  std::vector<std::string> Schemas, Names;
+  for (const TTableInfo& Relation : Relations) {
+    Schemas.push_back(Describing.Dialect().SchemaOf(Relation));
+    Names.push_back(Relation.Name);
+  }
+  TPostgreSQLResult Result =
+      Describing.Ask("relations", RelationsStatement, {PostgreSQLArray(Schemas), PostgreSQLArray(Names)});
+  std::vector<std::string> Oids;
+  for (int Row = 0; Row < Result.RowCount(); ++Row) Oids.push_back(Result.Copy(Row, 0));
+  Describing.Begin(std::move(Oids));
+  return Result;
 }
 
 TPostgreSQLResult AskCounts(TPostgreSQLSession& Session, const std::string& What, const TTableInfo& Sequence) {
@@ -57,50 +71,75 @@ TPostgreSQLResult AskCounts(TPostgreSQLSession& Session, const std::string& What
                        {Session.Dialect().SchemaOf(Sequence).c_str(), Sequence.Name.c_str()});
 }
 
+std::string WhatOf(std::span<const TTableInfo> Tables) {
+  return Tables.size() == 1 ? Format("Cannot describe table '%s'", FullName(Tables.front()))
+                            : Format("Cannot describe the tables from '%s' to '%s'", FullName(Tables.front()),
+                                     FullName(Tables.back()));
+}
+
 void AddWord(std::string& Words, const std::string& Word) { Words += (Words.empty() ? "" : " ") + Word; }
 
-TDicEngineWords TableWords(const TPostgreSQLResult& Row) {
+TDicEngineWords TableWords(const TPostgreSQLResult& Rows, int Row) {
   TDicWords Words;
   std::string Text;
-  if (Row.Boolean(0, 4)) AddWord(Text, "UNLOGGED");
-  if (!Row.Text(0, 5).empty()) AddWord(Text, "USING " + QuoteStandardName(Row.Text(0, 5)));
-  if (!Row.Text(0, 6).empty()) AddWord(Text, "WITH (" + Row.Copy(0, 6) + ")");
+  if (Rows.Boolean(Row, 4)) AddWord(Text, "UNLOGGED");
+  if (!Rows.Text(Row, 5).empty()) AddWord(Text, "USING " + QuoteStandardName(Rows.Text(Row, 5)));
+  if (!Rows.Text(Row, 6).empty()) AddWord(Text, "WITH (" + Rows.Copy(Row, 6) + ")");
   if (!Text.empty()) Words.Text = Text;
-  if (!Row.Text(0, 7).empty()) Words.Parts["Partition"] = "BY " + Row.Copy(0, 7);
-  if (!Row.Text(0, 8).empty())
-    Words.Parts["PartitionOf"] = Row.Copy(0, 9) + " " + Row.Copy(0, 8);
-  else if (!Row.Text(0, 9).empty())
-    Words.Parts["Inherits"] = Row.Copy(0, 9);
+  if (!Rows.Text(Row, 7).empty()) Words.Parts["Partition"] = "BY " + Rows.Copy(Row, 7);
+  if (!Rows.Text(Row, 8).empty())
+    Words.Parts["PartitionOf"] = Rows.Copy(Row, 9) + " " + Rows.Copy(Row, 8);
+  else if (!Rows.Text(Row, 9).empty())
+    Words.Parts["Inherits"] = Rows.Copy(Row, 9);
   if (Words == TDicWords()) return {};
   return {{"postgresql", std::move(Words)}};
 }
 
-}  // namespace
-
-TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions&) {
-  const std::string What = Format("Cannot describe table '%s'", FullName(Table));
-  TDescribing Describing(FSession, What);
-  const TPostgreSQLResult Row = AskAbout(Describing, Table);
-  if (Row.RowCount() == 0 || (Row.Text(0, 3) != "r" && Row.Text(0, 3) != "p")) throw Missing(What, "table", Table);
+TDicTableDescription DescribeTable(TDescribing& Describing, const TTableInfo& Table, const TPostgreSQLResult& Rows,
+                                   int Row) {
   TDicTableDescription Result;
   Result.Name = Table.Name;
   Result.Schema = Table.Schema;
-  Result.Comment = Row.Copy(0, 2);
-  Result.Words = TableWords(Row);
-  const TDescribed Described{Describing, Row.Copy(0, 0), Table.Name, Row.Copy(0, 1)};
+  Result.Comment = Rows.Copy(Row, 2);
+  Result.Words = TableWords(Rows, Row);
+  const TDescribed Described{Describing, Rows.Copy(Row, 0), Table.Name, Rows.Copy(Row, 1)};
   std::vector<TExpressionColumn> Columns;
   Result.Fields = ReadFields(Described, Columns);
   const TPostgreSQLExpressions Expressions(std::move(Columns));
   ReadConstraints(Described, Expressions, Result);
-  if (Row.Boolean(0, 12)) Result.Indexes = ReadIndexes(Described, Expressions);
-  if (Row.Boolean(0, 13)) Result.Triggers = ReadTriggers(Described);
+  if (Rows.Boolean(Row, 12)) Result.Indexes = ReadIndexes(Described, Expressions);
+  if (Rows.Boolean(Row, 13)) Result.Triggers = ReadTriggers(Described);
+  return Result;
+}
+
+}  // namespace
+
+TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions& Options) {
+  return std::move(Tables({Table}, Options).front());
+}
+
+std::vector<TDicTableDescription> TPostgreSQLDefinitionReader::Tables(const std::vector<TTableInfo>& Tables,
+                                                                      const TDescribeOptions&) {
+  std::vector<TDicTableDescription> Result;
+  if (Tables.empty()) return Result;
+  TDescribing Describing(FSession, WhatOf(Tables));
+  const TPostgreSQLResult Rows = AskAbout(Describing, Tables);
+  std::map<std::size_t, int> RowOf;  // by the table's place
+  for (int Row = 0; Row < Rows.RowCount(); ++Row)
+    if (Rows.Text(Row, 3) == "r" || Rows.Text(Row, 3) == "p")
+      RowOf.emplace(static_cast<std::size_t>(Rows.Integer(Row, 14)) - 1, Row);
+  for (std::size_t Place = 0; Place < Tables.size(); ++Place) {
+    const auto Row = RowOf.find(Place);
+    if (Row == RowOf.end()) throw Missing(WhatOf({&Tables[Place], 1}), "table", Tables[Place]);
+    Result.push_back(DescribeTable(Describing, Tables[Place], Rows, Row->second));
+  }
   return Result;
 }
 
 TDicViewDescription TPostgreSQLDefinitionReader::View(const TTableInfo& View) {
   const std::string What = Format("Cannot describe view '%s'", FullName(View));
   TDescribing Describing(FSession, What);
-  const TPostgreSQLResult Row = AskAbout(Describing, View);
+  const TPostgreSQLResult Row = AskAbout(Describing, {&View, 1});
   if (Row.RowCount() == 0 || Row.Text(0, 11).empty()) throw Missing(What, "view", View);
   TDicViewDescription Result;
   Result.Name = View.Name;

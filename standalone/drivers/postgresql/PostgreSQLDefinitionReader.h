@@ -14,6 +14,8 @@ class TPostgreSQLDefinitionReader final : public TDefinitionReader {
 
   std::vector<TDefinedObject> Objects() override;
   TDicTableDescription Table(const TTableInfo& Table, const TDescribeOptions& Options) override;
+  std::vector<TDicTableDescription> Tables(const std::vector<TTableInfo>& Tables,
+                                           const TDescribeOptions& Options) override;
   TDicViewDescription View(const TTableInfo& View) override;
   TDicGeneratorDescription Generator(const TTableInfo& Generator) override;
   TDicProcedureDescription Procedure(const TTableInfo& Procedure) override;

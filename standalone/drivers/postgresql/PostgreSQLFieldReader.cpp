@@ -8,7 +8,7 @@
 namespace velkrund {
 namespace {
 
-/// A row per column of the table $1. The type below domains; what it is ordered by where that is not its type's own;
+/// A row per column of the tables $1, the table last in it. The type below domains; what it is ordered by where that is not its type's own;
 /// the sequence that belongs to it.
 constexpr const char* FieldsStatement =
     "SELECT a.attname, pg_catalog.quote_ident(a.attname), pg_catalog.format_type(a.atttypid, a.atttypmod), "
@@ -20,7 +20,7 @@ constexpr const char* FieldsStatement =
     "pg_catalog.quote_ident(l.collname), pg_catalog.col_description(a.attrelid, a.attnum), "
     "q.relname, q.seqstart, q.seqincrement, q.seqmin, q.seqmax, q.seqcycle, q.shown, "
     "t.typtype = 'd' OR tn.nspname <> 'pg_catalog', v.adbin IS NOT NULL, b.standard IS NOT NULL, "
-    "q.seqcache, pg_catalog.format_type(q.seqtypid, NULL) "
+    "q.seqcache, pg_catalog.format_type(q.seqtypid, NULL), a.attrelid "
     "FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_type t ON t.oid = a.atttypid "
     "JOIN pg_catalog.pg_namespace tn ON tn.oid = t.typnamespace "
     "LEFT JOIN pg_catalog.pg_attrdef v ON v.adrelid = a.attrelid AND v.adnum = a.attnum "
@@ -40,10 +40,11 @@ constexpr const char* FieldsStatement =
     "WHERE p.classid = 'pg_catalog.pg_class'::pg_catalog.regclass::pg_catalog.oid AND p.refclassid = p.classid "
     "AND p.refobjid = a.attrelid AND p.refobjsubid = a.attnum AND p.deptype = ANY ('{a,i}') "
     "ORDER BY p.deptype DESC, c.relname LIMIT 1) q ON true "
-    "WHERE a.attrelid = $1::pg_catalog.oid AND a.attnum > 0 AND NOT a.attisdropped ORDER BY a.attnum";
+    "WHERE a.attrelid = ANY ($1::pg_catalog.oid[]) AND a.attnum > 0 AND NOT a.attisdropped "
+    "ORDER BY a.attrelid, a.attnum";
 
-/// What the types of the table's ($1) columns are made of, unless they are the engine's own or an extension's: a row
-/// per column, and per value of an enumeration.
+/// What the types of the tables' ($1) columns are made of, unless they are the engine's own or an extension's: a row
+/// per column, and per value of an enumeration, the table last in it.
 constexpr const char* TypesStatement =
     "SELECT a.attname, t.typtype, pg_catalog.concat(pg_catalog.format_type(t.typbasetype, t.typtypmod), "
     "(SELECT pg_catalog.concat(' COLLATE ', "
@@ -64,15 +65,15 @@ constexpr const char* TypesStatement =
     "JOIN pg_catalog.pg_attribute m ON m.attrelid = c.oid AND m.attnum > 0 AND NOT m.attisdropped "
     "WHERE c.oid = t.typrelid AND c.relkind = 'c'), "
     "(SELECT pg_catalog.concat('RANGE (subtype=', pg_catalog.format_type(r.rngsubtype, NULL), ')') "
-    "FROM pg_catalog.pg_range r WHERE r.rngtypid = t.oid), e.enumlabel IS NOT NULL, e.enumlabel "
+    "FROM pg_catalog.pg_range r WHERE r.rngtypid = t.oid), e.enumlabel IS NOT NULL, e.enumlabel, a.attrelid "
     "FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_type o ON o.oid = a.atttypid "
     "JOIN pg_catalog.pg_type t ON t.oid = CASE WHEN o.typcategory = 'A' AND o.typelem <> '0' AND o.typtype = 'b' "
     "THEN o.typelem ELSE o.oid END JOIN pg_catalog.pg_namespace n ON n.oid = t.typnamespace "
     "LEFT JOIN pg_catalog.pg_enum e ON e.enumtypid = CASE WHEN t.typtype = 'd' THEN t.typbasetype ELSE t.oid END "
-    "WHERE a.attrelid = $1::pg_catalog.oid AND a.attnum > 0 AND NOT a.attisdropped AND n.nspname <> 'pg_catalog' "
+    "WHERE a.attrelid = ANY ($1::pg_catalog.oid[]) AND a.attnum > 0 AND NOT a.attisdropped AND n.nspname <> 'pg_catalog' "
     "AND NOT EXISTS (SELECT FROM pg_catalog.pg_depend p WHERE p.objid = t.oid AND p.deptype = 'e' "
     "AND p.classid = 'pg_catalog.pg_type'::pg_catalog.regclass::pg_catalog.oid) "
-    "ORDER BY a.attnum, e.enumsortorder";
+    "ORDER BY a.attrelid, a.attnum, e.enumsortorder";
 
 std::int64_t HighestOf(std::string_view SequenceType) {
   if (SequenceType == "smallint") return std::numeric_limits<std::int16_t>::max();
@@ -85,8 +86,8 @@ class TFieldReader {
   explicit TFieldReader(const TDescribed& Table) : FTable(Table) {}
 
   std::vector<TDicField> Read(std::vector<TExpressionColumn>& Columns) {
-    const TPostgreSQLResult Rows =
-        FTable.Describing.Ask("fields", FieldsStatement, {FTable.Oid, FTable.Describing.Dialect().CurrentSchema()});
+    const TDescribedRows Rows = FTable.Describing.RowsOf(FTable.Oid, "fields", FieldsStatement,
+                                                         {FTable.Describing.Dialect().CurrentSchema()});
     for (int Row = 0; Row < Rows.RowCount(); ++Row) {
       const bool IsText = Rows.Boolean(Row, 6) || Rows.Text(Row, 5) == "text";
       Columns.push_back({Rows.Copy(Row, 0), Rows.Copy(Row, 1), Rows.Copy(Row, 5), IsText});
@@ -104,7 +105,7 @@ class TFieldReader {
   }
 
  private:
-  TDicField Field(const TPostgreSQLResult& Rows, int Row, const TPostgreSQLExpressions& Expressions) const {
+  TDicField Field(const TDescribedRows& Rows, int Row, const TPostgreSQLExpressions& Expressions) const {
     TDicField Result;
     TDicWords& Words = Result.Words["postgresql"];
     Result.Name = Rows.Copy(Row, 0);
@@ -136,7 +137,7 @@ class TFieldReader {
   }
 
   /// The number of an identity, or of a column declared as serial; of other defaults the sequence alone.
-  void AddSequence(const TPostgreSQLResult& Rows, int Row, TDicField& Field) const {
+  void AddSequence(const TDescribedRows& Rows, int Row, TDicField& Field) const {
     const std::string Sequence = Rows.Copy(Row, 14);
     if (Sequence.empty()) return;
     const bool IsIdentity = !Rows.Text(Row, 8).empty();
@@ -158,7 +159,7 @@ class TFieldReader {
   }
 
   /// What of a sequence is otherwise than in one that is made for the field.
-  static void AddSequenceWords(const TPostgreSQLResult& Rows, int Row, bool IsIdentity, TDicField& Field) {
+  static void AddSequenceWords(const TDescribedRows& Rows, int Row, bool IsIdentity, TDicField& Field) {
     std::string Words;
     const std::string Type = Rows.Copy(Row, 25);
     if (!IsIdentity && Type != SequenceTypeFor(Field.Type)) Words = "AS " + Type;
@@ -169,7 +170,7 @@ class TFieldReader {
   void AddTypes(std::vector<TDicField>& Fields) const {
     std::map<std::string, TDicWords*> ByName;
     for (TDicField& Field : Fields) ByName[Field.Name] = &Field.Words["postgresql"];
-    const TPostgreSQLResult Rows = FTable.Describing.Ask("types", TypesStatement, {FTable.Oid});
+    const TDescribedRows Rows = FTable.Describing.RowsOf(FTable.Oid, "types", TypesStatement);
     for (int Row = 0; Row < Rows.RowCount(); ++Row) {
       TDicWords& Words = *ByName.at(Rows.Copy(Row, 0));
       if (Rows.Boolean(Row, 8)) Words.Lines.push_back(Rows.Copy(Row, 9));

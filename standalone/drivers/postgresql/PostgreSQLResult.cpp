@@ -68,6 +68,7 @@ void AppendRemark(std::string& Message, std::string_view Remark) {
 void TPostgreSQLResult::TClear::operator()(pg_result* Result) const { PQclear(Result); }
 
 int TPostgreSQLResult::RowCount() const { return PQntuples(FResult.get()); }
+int TPostgreSQLResult::ColumnCount() const { return PQnfields(FResult.get()); }
 
 std::string_view TPostgreSQLResult::Text(int Row, int Column) const {
   return {PQgetvalue(FResult.get(), Row, Column), static_cast<std::size_t>(PQgetlength(FResult.get(), Row, Column))};

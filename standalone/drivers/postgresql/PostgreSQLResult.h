@@ -21,6 +21,7 @@ class TPostgreSQLResult {
 
   pg_result* Handle() const { return FResult.get(); }
   int RowCount() const;
+  int ColumnCount() const;
   /// Empty for NULL.
   std::string_view Text(int Row, int Column) const;
   std::string Copy(int Row, int Column) const { return std::string(Text(Row, Column)); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "velkrund/platform/dictionary/TableDescription.h"
 
@@ -43,11 +44,13 @@ class TDictionary {
   virtual std::string GetPatternName(const std::string& TableName, const std::string& DatabaseName) = 0;
   /// Its text.
   virtual std::string GetCreateTablePatternString(const std::string& PatternName, const std::string& DatabaseName) = 0;
-  /// Makes the part under the description's name. What the engine has no words for is an error, unless the host allows
+  /// Makes the part under the description's name; behind all of it comes StoreWords. What the engine has no words for is an error, unless the host allows
   /// it. Replace: a table of that name is dropped first, and stays when the new one cannot be made; without it, an
   /// error where the part is the table itself.
   virtual void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                                 const std::string& Pattern, TTableScriptPart Part, bool Replace) = 0;
+  /// The structures of tables that are made learn how the engine itself says what they had no words of its own for.
+  virtual void StoreWords(const std::string& DatabaseName, const std::vector<std::string>& TableNames) = 0;
   /// Makes the indexes of a table that was made without them.
   virtual void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
   /// How far a table has come whose parts are committed one by one, as the database remembers it, so that a later run

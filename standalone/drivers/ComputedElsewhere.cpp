@@ -4,8 +4,8 @@
 #include <limits>
 #include <optional>
 
-#include "standalone/drivers/ExpressionParser.h"
-#include "standalone/drivers/ExpressionTree.h"
+#include "standalone/drivers/expressions/ExpressionParser.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
 #include "velkrund/platform/ormtools/Format.h"
 
 namespace velkrund {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "standalone/drivers/ReadAhead.h"
+#include "standalone/drivers/ahead/ReadAhead.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"

@@ -2,9 +2,9 @@
 
 #include <numeric>
 
-#include "standalone/drivers/AppendAhead.h"
 #include "standalone/drivers/OrderingKey.h"
-#include "standalone/drivers/ReadAhead.h"
+#include "standalone/drivers/ahead/AppendAhead.h"
+#include "standalone/drivers/ahead/ReadAhead.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 

@@ -6,7 +6,7 @@
 #include <set>
 #include <thread>
 
-#include "standalone/drivers/AppendAhead.h"
+#include "standalone/drivers/ahead/AppendAhead.h"
 #include "tests/ahead/AheadFixture.h"
 
 namespace velkrund::tests {

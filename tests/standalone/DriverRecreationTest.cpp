@@ -7,6 +7,7 @@
 #include "standalone/structures/StructureStore.h"
 #include "tests/standalone/DriverFixture.h"
 #include "velkrund/dictionary/Dicutils.h"
+#include "velkrund/dictionary/TableMaker.h"
 #include "velkrund/dictionary/TemporaryTable.h"
 #include "velkrund/operations/MessageBoxHook.h"
 #include "velkrund/platform/ormtools/Format.h"
@@ -42,6 +43,7 @@ class TFailingDictionary final : public TDictionary, private TDicTable {
     FReal.CreateTableByDef(Database, Table, Pattern, Part, Replace);
   }
   void StoreWords(const std::string& Database, const std::vector<std::string>& Tables) override {
+    if (BeforeWords) BeforeWords(Tables);
     FReal.StoreWords(Database, Tables);
   }
   void CreateIndexesByDef(const std::string& Database, const TDicTableDescription& Table) override {
@@ -59,6 +61,7 @@ class TFailingDictionary final : public TDictionary, private TDicTable {
 
   bool Reads = true;
   std::function<void(const TDicTableDescription& Table, TTableScriptPart Part)> Before;
+  std::function<void(const std::vector<std::string>& Tables)> BeforeWords;
 
  private:
   bool GetTableInfo(const std::string& Name, TDicTableDescription& Description) override {
@@ -323,6 +326,47 @@ TEST_P(DriverRecreationTest, ACancelledCopyLeavesTheTable) {
   EXPECT_EQ(Single.End(), TEnd::LeftAlone);
   EXPECT_EQ(RowsNow(), Before);
   EXPECT_FALSE(HasTemporary());
+}
+
+TEST_P(DriverRecreationTest, TheOneWhoseWordsCannotBeStoredGoesAlone) {
+  class TMaker final : public TTableMaker {
+   public:
+    using TTableMaker::TTableMaker;
+
+   private:
+    bool MayMake(const std::vector<TDicTableDescription>&) override { return true; }
+    bool MayGoByName(const TDicTableDescription&) override { return true; }
+    bool CommitsSteps() const override { return false; }
+  };
+  std::vector<std::string> Names;
+  for (int Number = 0; Number < 70; ++Number) {
+    Table.Name = "N" + std::to_string(Number);
+    Table.Indexes.clear();
+    Store();
+    Names.push_back(Table.Name);
+  }
+  std::size_t Questions = 0;
+  Dictionary.BeforeWords = [&](const std::vector<std::string>& Tables) {
+    ++Questions;
+    // As a server does, which refuses all that follows as well.
+    if (std::find(Tables.begin(), Tables.end(), "N66") != Tables.end()) Run("SELECT * FROM nowhere");
+  };
+  std::vector<std::string> Failed;
+  Manager.StartTransaction(Url, TIsolationLevel::ReadCommitted);
+  TMaker Maker(Single, Url);
+  Maker.Make(Names);
+  Maker.Complete([&](const std::string& Name, const std::exception&) { Failed.push_back(Name); },
+                 [&](const std::string& Name) { Failed.push_back("also " + Name); });
+  Manager.CommitTransaction(Url);
+  EXPECT_THAT(Failed, ElementsAre("N66"));
+  EXPECT_EQ(Questions, 8U) << "64, then the last 6, then each of these";
+  EXPECT_FALSE(Connection().Schema().FindTable("N66"));
+  const std::string Engine(Connection().Scripts().Engine());
+  for (const char* Name : {"N0", "N65", "N67", "N69"}) {
+    EXPECT_TRUE(Connection().Schema().FindTable(Name)) << Name;
+    EXPECT_TRUE(StoredTable(Url, Name)->Fields[0].Words.contains(Engine)) << Name;
+  }
+  EXPECT_FALSE(StoredTable(Url, "N66")->Fields[0].Words.contains(Engine));
 }
 
 TEST_P(DriverRecreationTest, TablesInsideBLOBFieldsAreCarriedOver) {

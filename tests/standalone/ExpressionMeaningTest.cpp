@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 #include "tests/standalone/SQLiteFixture.h"
 #include "tests/support/postgresql/PostgreSQLDatabase.h"
 #include "velkrund/platform/ormtools/Format.h"

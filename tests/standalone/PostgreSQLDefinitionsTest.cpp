@@ -259,6 +259,42 @@ TEST(PostgreSQLDefinitionsTest, CopiesUnderAnotherNameLeaveTheOriginalAlone) {
   EXPECT_TRUE(Connection->Definitions().View({"v", ""}) == View);
 }
 
+TEST(PostgreSQLDefinitionsTest, SeveralAtOnceAreDescribedAsEachAlone) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE SCHEMA s; CREATE TYPE colour AS ENUM ('red', 'green'); CREATE DOMAIN small AS integer CHECK (VALUE < 9);
+      CREATE TABLE "{a,b}" (id serial PRIMARY KEY, "q""\ ," text UNIQUE, c colour, n small DEFAULT 3);
+      CREATE INDEX ON "{a,b}" (lower("q""\ ,")); COMMENT ON COLUMN "{a,b}".c IS 'a colour';
+      CREATE TABLE s.t (a integer, b integer, PRIMARY KEY (b, a), CHECK (a > b));
+      CREATE TABLE t (a integer REFERENCES "{a,b}", g integer GENERATED ALWAYS AS (a * 2) STORED);
+      CREATE TABLE empty (); CREATE TABLE "NULL" (x colour[]) PARTITION BY RANGE (x);
+      CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END';
+      CREATE TRIGGER g BEFORE INSERT ON s.t FOR EACH ROW EXECUTE FUNCTION f())");
+  const auto Connection = Connect(Raw.Url());
+  TDefinitionReader& Definitions = Connection->Definitions();
+  const std::vector<TTableInfo> Tables = {{"t", ""}, {"NULL", ""}, {"t", "s"}, {"empty", ""}, {"{a,b}", ""}, {"t", ""}};
+  const auto ExpectSame = [&] {
+    const std::vector<TDicTableDescription> All = Definitions.Tables(Tables, {});
+    ASSERT_EQ(All.size(), Tables.size());
+    for (std::size_t I = 0; I < Tables.size(); ++I)
+      EXPECT_TRUE(All[I] == Definitions.Table(Tables[I], {})) << FullName(Tables[I]);
+  };
+  ExpectSame();
+  const TDicTableDescription Before = Definitions.Table({"t", ""}, {});
+  // What hides a name, or shows another schema without its name, changes nothing of what is said.
+  for (const char* Statement : {"CREATE TEMPORARY TABLE \"{a,b}\" (other text)", "SET search_path = s, public"}) {
+    SCOPED_TRACE(Statement);
+    Connection->Execute(Statement);
+    ExpectSame();
+    EXPECT_TRUE(Definitions.Table({"t", ""}, {}) == Before);
+    EXPECT_EQ(Definitions.Table({"t", "s"}, {}).Fields.size(), 2u);
+  }
+  EXPECT_THAT(ErrorOf([&] {
+                Definitions.Tables({{"t", ""}, {"gone", ""}, {"empty", ""}}, {});
+              }),
+              HasSubstr("Cannot describe table 'gone': there is no table 'gone' in the database"));
+}
+
 TEST(PostgreSQLDefinitionsTest, WhatIsLeftBehindIsNamed) {
   TPostgreSQLDatabase Raw;
   Raw.Run(R"(

@@ -6,15 +6,16 @@
 namespace velkrund {
 namespace {
 
-/// A row per constraint of the tables $1 and column of it, the table last in it. What a partition has from its table comes with that; checks
-/// have to be there before.
+/// A row per constraint of the tables $1 and column of it, the table last in it. What a partition has from its table
+/// comes with that; checks have to be there before.
 constexpr const char* ConstraintsStatement =
     "SELECT k.oid, k.conname, k.contype, k.condeferrable, k.condeferred, k.convalidated, "
     "pg_catalog.pg_get_constraintdef(k.oid), pg_catalog.pg_get_expr(k.conbin, k.conrelid), t.relname, "
     "CASE WHEN tn.nspname <> $2::pg_catalog.text THEN tn.nspname END, k.confdeltype, k.confupdtype, "
     "k.confmatchtype, a.attname, pg_catalog.quote_ident(a.attname), b.attname, pg_catalog.quote_ident(b.attname), "
     "k.confrelid::pg_catalog.regclass, EXISTS (SELECT FROM pg_catalog.pg_constraint o WHERE o.conname = k.conname "
-    "AND o.connamespace = k.connamespace AND o.oid <> k.oid AND o.coninhcount = '0' AND o.conparentid = '0'), k.conrelid "
+    "AND o.connamespace = k.connamespace AND o.oid <> k.oid AND o.coninhcount = '0' AND o.conparentid = '0'), "
+    "k.conrelid "
     "FROM pg_catalog.pg_constraint k "
     "LEFT JOIN pg_catalog.pg_class t ON t.oid = k.confrelid "
     "LEFT JOIN pg_catalog.pg_namespace tn ON tn.oid = t.relnamespace "

@@ -27,10 +27,10 @@ TDescribing::TDescribing(TPostgreSQLSession& Session, std::string What) : FSessi
 
 TDescribing::~TDescribing() {
   if (FPathBefore) try {
-    SetPath(*FPathBefore);
-  } catch (const Exception&) {
-    // A transaction that has failed takes the path back when it ends; a connection that is lost begins anew.
-  }
+      SetPath(*FPathBefore);
+    } catch (const Exception&) {
+      // A transaction that has failed takes the path back when it ends; a connection that is lost begins anew.
+    }
 }
 
 /// Within a transaction for that alone.

@@ -31,8 +31,8 @@ class TDescribedRows {
   int FFirst = 0, FCount = 0;
 };
 
-/// A description in the making, or several. While it lives the engine prints names of the current schema alone without a schema:
-/// what is described then does not depend on the search path that somebody has set.
+/// A description in the making, or several. While it lives the engine prints names of the current schema alone without
+/// a schema: what is described then does not depend on the search path that somebody has set.
 class TDescribing {
  public:
   /// Session: borrowed. What begins messages.
@@ -63,7 +63,7 @@ class TDescribing {
   TPostgreSQLSession& FSession;
   const std::string FWhat;
   std::optional<std::string> FPathBefore;  // none: it shows what this one needs
-  std::string FKept;  // names of statements, each between commas
+  std::string FKept;                       // names of statements, each between commas
   std::vector<std::string> FOids;
   std::map<std::string, TByTable> FAnswers;  // about those, by the statement's name
 };

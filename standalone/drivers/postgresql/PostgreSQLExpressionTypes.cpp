@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "standalone/drivers/ExpressionParser.h"
+#include "standalone/drivers/expressions/ExpressionParser.h"
 #include "standalone/drivers/postgresql/PostgreSQLNeutralWords.h"
 
 namespace velkrund {

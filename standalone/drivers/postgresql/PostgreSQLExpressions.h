@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 
 namespace velkrund {
 

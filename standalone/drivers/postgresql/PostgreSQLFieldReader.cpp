@@ -8,8 +8,8 @@
 namespace velkrund {
 namespace {
 
-/// A row per column of the tables $1, the table last in it. The type below domains; what it is ordered by where that is not its type's own;
-/// the sequence that belongs to it.
+/// A row per column of the tables $1, the table last in it. The type below domains; what it is ordered by where that is
+/// not its type's own; the sequence that belongs to it.
 constexpr const char* FieldsStatement =
     "SELECT a.attname, pg_catalog.quote_ident(a.attname), pg_catalog.format_type(a.atttypid, a.atttypmod), "
     "b.oid, b.modifier, pg_catalog.format_type(b.oid, NULL), b.typtype = 'e' OR b.typcategory = 'S', "
@@ -70,7 +70,8 @@ constexpr const char* TypesStatement =
     "JOIN pg_catalog.pg_type t ON t.oid = CASE WHEN o.typcategory = 'A' AND o.typelem <> '0' AND o.typtype = 'b' "
     "THEN o.typelem ELSE o.oid END JOIN pg_catalog.pg_namespace n ON n.oid = t.typnamespace "
     "LEFT JOIN pg_catalog.pg_enum e ON e.enumtypid = CASE WHEN t.typtype = 'd' THEN t.typbasetype ELSE t.oid END "
-    "WHERE a.attrelid = ANY ($1::pg_catalog.oid[]) AND a.attnum > 0 AND NOT a.attisdropped AND n.nspname <> 'pg_catalog' "
+    "WHERE a.attrelid = ANY ($1::pg_catalog.oid[]) AND a.attnum > 0 AND NOT a.attisdropped AND n.nspname <> "
+    "'pg_catalog' "
     "AND NOT EXISTS (SELECT FROM pg_catalog.pg_depend p WHERE p.objid = t.oid AND p.deptype = 'e' "
     "AND p.classid = 'pg_catalog.pg_type'::pg_catalog.regclass::pg_catalog.oid) "
     "ORDER BY a.attrelid, a.attnum, e.enumsortorder";
@@ -86,8 +87,8 @@ class TFieldReader {
   explicit TFieldReader(const TDescribed& Table) : FTable(Table) {}
 
   std::vector<TDicField> Read(std::vector<TExpressionColumn>& Columns) {
-    const TDescribedRows Rows = FTable.Describing.RowsOf(FTable.Oid, "fields", FieldsStatement,
-                                                         {FTable.Describing.Dialect().CurrentSchema()});
+    const TDescribedRows Rows =
+        FTable.Describing.RowsOf(FTable.Oid, "fields", FieldsStatement, {FTable.Describing.Dialect().CurrentSchema()});
     for (int Row = 0; Row < Rows.RowCount(); ++Row) {
       const bool IsText = Rows.Boolean(Row, 6) || Rows.Text(Row, 5) == "text";
       Columns.push_back({Rows.Copy(Row, 0), Rows.Copy(Row, 1), Rows.Copy(Row, 5), IsText});

@@ -5,8 +5,8 @@
 namespace velkrund {
 namespace {
 
-/// A row per index of the tables $1 and column of it, the table last in it; neither those of keys nor those that a partition has from its
-/// table. The low bit of indoption: descending.
+/// A row per index of the tables $1 and column of it, the table last in it; neither those of keys nor those that a
+/// partition has from its table. The low bit of indoption: descending.
 constexpr const char* IndexesStatement =
     "SELECT i.indexrelid, c.relname, pg_catalog.quote_ident(c.relname), i.indisunique, "
     "pg_catalog.pg_get_indexdef(i.indexrelid), a.attname, "
@@ -24,7 +24,8 @@ constexpr const char* IndexesStatement =
 /// Those of the tables $1, the table last in each, but not what a partition has from its table.
 constexpr const char* TriggersStatement =
     "SELECT g.tgname, g.tgenabled, pg_catalog.pg_get_triggerdef(g.oid), g.tgrelid FROM pg_catalog.pg_trigger g "
-    "WHERE g.tgrelid = ANY ($1::pg_catalog.oid[]) AND NOT g.tgisinternal AND NOT EXISTS (SELECT FROM pg_catalog.pg_depend p "
+    "WHERE g.tgrelid = ANY ($1::pg_catalog.oid[]) AND NOT g.tgisinternal AND NOT EXISTS (SELECT FROM "
+    "pg_catalog.pg_depend p "
     "WHERE p.classid = 'pg_catalog.pg_trigger'::pg_catalog.regclass::pg_catalog.oid AND p.objid = g.oid "
     "AND p.deptype = 'P') ORDER BY g.tgrelid, g.tgname";
 

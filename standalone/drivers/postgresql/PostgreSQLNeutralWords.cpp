@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "standalone/drivers/Dialect.h"
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 #include "standalone/drivers/postgresql/PostgreSQLChecks.h"
 #include "standalone/drivers/postgresql/PostgreSQLExpressionTypes.h"
 #include "velkrund/platform/ormtools/Numbers.h"

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "standalone/drivers/Dialect.h"
-#include "standalone/drivers/NeutralExpression.h"
 #include "standalone/drivers/TextLines.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 #include "standalone/drivers/sqlite/SQLiteDeclarations.h"
 #include "standalone/drivers/sqlite/SQLiteFieldTypes.h"
 #include "standalone/drivers/sqlite/SQLiteTokenReader.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 #include "velkrund/platform/dictionary/EngineWords.h"
 
 namespace velkrund {

@@ -44,9 +44,9 @@ class TDictionary {
   virtual std::string GetPatternName(const std::string& TableName, const std::string& DatabaseName) = 0;
   /// Its text.
   virtual std::string GetCreateTablePatternString(const std::string& PatternName, const std::string& DatabaseName) = 0;
-  /// Makes the part under the description's name; behind all of it comes StoreWords. What the engine has no words for is an error, unless the host allows
-  /// it. Replace: a table of that name is dropped first, and stays when the new one cannot be made; without it, an
-  /// error where the part is the table itself.
+  /// Makes the part under the description's name; behind all of it comes StoreWords. What the engine has no words for
+  /// is an error, unless the host allows it. Replace: a table of that name is dropped first, and stays when the new one
+  /// cannot be made; without it, an error where the part is the table itself.
   virtual void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                                 const std::string& Pattern, TTableScriptPart Part, bool Replace) = 0;
   /// The structures of tables that are made learn how the engine itself says what they had no words of its own for.

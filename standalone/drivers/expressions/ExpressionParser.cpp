@@ -1,4 +1,4 @@
-#include "standalone/drivers/ExpressionParser.h"
+#include "standalone/drivers/expressions/ExpressionParser.h"
 
 #include <array>
 #include <cstddef>
@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "standalone/drivers/ExpressionCasts.h"
-#include "standalone/drivers/ExpressionLexer.h"
-#include "standalone/drivers/ExpressionMaker.h"
+#include "standalone/drivers/expressions/ExpressionCasts.h"
+#include "standalone/drivers/expressions/ExpressionLexer.h"
+#include "standalone/drivers/expressions/ExpressionMaker.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {

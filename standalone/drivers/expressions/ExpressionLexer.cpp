@@ -1,11 +1,11 @@
-#include "standalone/drivers/ExpressionLexer.h"
+#include "standalone/drivers/expressions/ExpressionLexer.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <utility>
 
-#include "standalone/drivers/ExpressionTree.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
 #include "velkrund/platform/ormtools/Text.h"
 
 namespace velkrund {

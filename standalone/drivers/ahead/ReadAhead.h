@@ -6,10 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "standalone/drivers/BatchExchange.h"
 #include "standalone/drivers/ConnectionTurn.h"
 #include "standalone/drivers/Cursor.h"
-#include "standalone/drivers/RowBatch.h"
+#include "standalone/drivers/ahead/BatchExchange.h"
+#include "standalone/drivers/ahead/RowBatch.h"
 
 namespace velkrund {
 

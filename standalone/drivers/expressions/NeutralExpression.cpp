@@ -1,4 +1,4 @@
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 
 #include <algorithm>
 #include <array>
@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "standalone/drivers/ExpressionCasts.h"
-#include "standalone/drivers/ExpressionLexer.h"
-#include "standalone/drivers/ExpressionParser.h"
-#include "standalone/drivers/ExpressionTree.h"
+#include "standalone/drivers/expressions/ExpressionCasts.h"
+#include "standalone/drivers/expressions/ExpressionLexer.h"
+#include "standalone/drivers/expressions/ExpressionParser.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
 #include "velkrund/platform/ormtools/Format.h"
 #include "velkrund/platform/ormtools/Text.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "standalone/drivers/ExpressionLexer.h"
-#include "standalone/drivers/ExpressionTree.h"
+#include "standalone/drivers/expressions/ExpressionLexer.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
 
 namespace velkrund {
 

@@ -1,4 +1,4 @@
-#include "standalone/drivers/AppendAhead.h"
+#include "standalone/drivers/ahead/AppendAhead.h"
 
 #include <utility>
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "standalone/drivers/ExpressionTree.h"
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 
 namespace velkrund {
 

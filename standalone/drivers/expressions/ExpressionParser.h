@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "standalone/drivers/ExpressionTree.h"
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 
 namespace velkrund {
 

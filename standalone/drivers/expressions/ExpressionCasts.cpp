@@ -1,4 +1,4 @@
-#include "standalone/drivers/ExpressionCasts.h"
+#include "standalone/drivers/expressions/ExpressionCasts.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "standalone/drivers/ReadAhead.h"
+#include "standalone/drivers/ahead/ReadAhead.h"
 
 #include <algorithm>
 #include <utility>

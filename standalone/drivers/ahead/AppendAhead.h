@@ -7,10 +7,10 @@
 #include <mutex>
 #include <vector>
 
-#include "standalone/drivers/BatchExchange.h"
 #include "standalone/drivers/BulkAppender.h"
 #include "standalone/drivers/ConnectionTurn.h"
-#include "standalone/drivers/RowBatch.h"
+#include "standalone/drivers/ahead/BatchExchange.h"
+#include "standalone/drivers/ahead/RowBatch.h"
 
 namespace velkrund {
 

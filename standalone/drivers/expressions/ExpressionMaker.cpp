@@ -1,4 +1,4 @@
-#include "standalone/drivers/ExpressionMaker.h"
+#include "standalone/drivers/expressions/ExpressionMaker.h"
 
 #include <algorithm>
 #include <iterator>

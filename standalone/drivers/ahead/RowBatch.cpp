@@ -1,4 +1,4 @@
-#include "standalone/drivers/RowBatch.h"
+#include "standalone/drivers/ahead/RowBatch.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,10 +1,10 @@
-#include "standalone/drivers/ExpressionTree.h"
+#include "standalone/drivers/expressions/ExpressionTree.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
-#include "standalone/drivers/NeutralExpression.h"
+#include "standalone/drivers/expressions/NeutralExpression.h"
 
 namespace velkrund {
 namespace {

@@ -286,13 +286,17 @@ void TTableCreation::AddNotes(TOutcome& Outcome, bool Stays) {
   Add("M_Velkrund_Jobs_TablesMade", FMade);
   FObjects.AddNotes(Outcome);
   FLongNames.AddNote(Outcome.Notes);
-  std::vector<std::string> Waiting;
+  std::vector<std::string> Waiting, Completed = FCompleted;
+  const auto Waits = [this](const std::string& Table) {
+    return FDictionary.StageOf(FDatabaseName, Table) != TTableStage::Complete;
+  };
   if (FPolicies.Commit == TCommit::Each)
-    std::copy_if(FMade.begin(), FMade.end(), std::back_inserter(Waiting), [this](const std::string& Table) {
-      return FDictionary.StageOf(FDatabaseName, Table) != TTableStage::Complete;
-    });
+    for (const std::vector<std::string>& Tables : {FMade, FCompleted})
+      std::copy_if(Tables.begin(), Tables.end(), std::back_inserter(Waiting), Waits);
+  std::erase_if(Completed,
+                [&](const std::string& Table) { return std::ranges::find(Waiting, Table) != Waiting.end(); });
   Add("M_Velkrund_Jobs_TablesWait", Waiting);
-  Add("M_Velkrund_Jobs_TablesCompleted", FCompleted);
+  Add("M_Velkrund_Jobs_TablesCompleted", Completed);
   for (const std::string& Table : FUnchecked) Outcome.Notes.push_back(LText("M_Velkrund_Jobs_Unchecked", Table));
   for (TLText& Note : FGaps.TakeNotes()) Outcome.Notes.push_back(std::move(Note));
 }

@@ -52,6 +52,10 @@ void TExportJob::Run() {
   FOutcome = {LText("M_Velkrund_Jobs_Exported"), DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
   FMissing.emplace(Policies.MissingSources);
+  const struct TEnd {
+    std::optional<TReadTransaction>& Moment;
+    ~TEnd() { Moment.reset(); }
+  } End{FMoment};
   FOutcome.Items = PlanItems();
   const bool HasWork = std::any_of(FOutcome.Items.begin(), FOutcome.Items.end(),
                                    [](const TItem& Item) { return Item.State != TItemState::LeftOut; });
@@ -152,10 +156,15 @@ void TExportJob::SetUp(TExportUtilOperation& Export) {
   Export.FOnShowProgress = PartProgress();
 }
 
+TReadTransaction& TExportJob::Moment() {
+  if (!FMoment) FMoment.emplace(Manager().Databases(), DatabaseName);
+  return *FMoment;
+}
+
 void TExportJob::Write() {
   const auto Count = static_cast<double>(FOutcome.Items.size());
   // Rows of one section refer to rows of another.
-  TReadTransaction Moment(Manager().Databases(), DatabaseName);
+  Moment();
   for (std::size_t I = 0; I < FOutcome.Items.size(); ++I) {
     TItem& Item = FOutcome.Items[I];
     if (Item.State == TItemState::LeftOut) continue;
@@ -164,7 +173,7 @@ void TExportJob::Write() {
     if (Item.State == TItemState::Failed ? IsLast(I) || !GoOn(Item) : Item.State != TItemState::Done || IsCanceled())
       break;
     if (Item.State != TItemState::Failed) continue;
-    Moment.Renew();
+    Moment().Renew();
     FOutcome.Notes.push_back(LText("M_Velkrund_Jobs_LaterMoment", Item.Section));
   }
 }

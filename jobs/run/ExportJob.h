@@ -9,6 +9,7 @@
 #include "jobs/policies/ErrorPolicy.h"
 #include "jobs/policies/MissingSources.h"
 #include "jobs/run/JobInterface.h"
+#include "standalone/databases/ReadTransaction.h"
 #include "velkrund/operations/ImportExport.h"
 
 namespace velkrund {
@@ -42,6 +43,9 @@ class TExportJob : public TSectionsJob {
   void LeaveOut(TItem& Item, const std::exception_ptr& Error);
   /// The operation that writes an item, set up for it, its section's name and what all have in common apart.
   virtual TExportUtilOperation& OperationFor(const TItem& Item) = 0;
+  /// The moment at which the database is read, until the run ends: begun when it is first asked for, by Write at the
+  /// latest.
+  TReadTransaction& Moment();
   /// Takes over what the operation counted.
   virtual void AfterRun(TItem& /*Item*/) {}
   /// Says what a person should know about all that was written.
@@ -73,8 +77,9 @@ class TExportJob : public TSectionsJob {
   std::optional<TErrorPolicy> FErrors;
   std::optional<TMissingSources> FMissing;
   std::unique_ptr<TOutputFile> FOutput;  // during a run
-  std::vector<TStep> FSteps;             // one for every item
-  std::vector<int> FReplaced;            // sections that new ones took the place of
+  std::optional<TReadTransaction> FMoment;
+  std::vector<TStep> FSteps;   // one for every item
+  std::vector<int> FReplaced;  // sections that new ones took the place of
 };
 
 }  // namespace velkrund

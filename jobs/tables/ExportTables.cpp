@@ -7,7 +7,6 @@
 
 #include "jobs/dictionary/ObjectChoice.h"
 #include "jobs/tables/TableSearch.h"
-#include "standalone/databases/ReadTransaction.h"
 #include "standalone/dictionary/Describer.h"
 #include "standalone/dictionary/StoredDescriptions.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
@@ -104,7 +103,8 @@ TItem TJobExportTables::RowsItem(const std::string& Table) const {
 /// Before the rows of each table the structure that describes it; behind all those of tables without rows of their own:
 /// parts of tables, indexes of words.
 std::vector<TItem> TJobExportTables::WithStructures(std::vector<TItem> Rows) {
-  const TReadTransaction Moment(Manager().Databases(), DatabaseName);
+  // That of the rows, which have to fit.
+  Moment();
   TConnection& Connection = Manager().Databases().Connection(DatabaseName);
   std::vector<TDefinedObject> Objects;
   std::set<std::string> Seen;

@@ -159,6 +159,16 @@ TEST_F(TDictionaryTest, WhatCannotBeMadeTakesTheRunBackOrItsTable) {
     EXPECT_NE(Outcome.Errors.find("UNIQUE constraint failed: T.B"), std::string::npos) << Outcome.Errors;
     EXPECT_NE(Outcome.Errors.find(Says), std::string::npos) << Joined(More) << Outcome.Errors;
   }
+  // Until then nothing drops it, or takes what somebody has put into it.
+  Query("new.db", "INSERT INTO T VALUES (50, 50)");
+  for (const char* const Commit : {"run", "each"}) {
+    const TOutcome Again = Import(
+        "sqlite:new.db", {"--append", "--overwrite", "yes", "--on-error", "continue", "--commit", Commit}, "index.eif");
+    EXPECT_EQ(Again.ExitCode, 1) << Again.Errors;
+    EXPECT_EQ(Again.Errors.find("completed"), std::string::npos) << Again.Errors;
+    EXPECT_EQ(TablesOf("new.db"), "T,U") << Again.Errors;
+    EXPECT_EQ(Query("new.db", "SELECT group_concat(B) FROM (SELECT B FROM T ORDER BY A)"), "5,5,50") << Again.Errors;
+  }
   // What was committed is completed by the next run, once its rows let it.
   Write("index.eif", Good);
   const TOutcome Later = Import("sqlite:new.db", {"--replace", "--overwrite", "yes"}, "index.eif");

@@ -74,6 +74,43 @@ TEST_F(PostgreSQLCatalogueTest, WhatIsKnownHoldsAsLongAsAReadingTransaction) {
   EXPECT_THAT(Fields(), ElementsAre("b"));
 }
 
+/// The server itself shows such a table as empty, or another one's rows.
+TEST_F(PostgreSQLCatalogueTest, RowsThatOthersTakeAwayFromTheMomentAreAnError) {
+  const struct {
+    const char *Meanwhile, *Error;
+  } Cases[] = {
+      {"INSERT INTO t VALUES (3); DELETE FROM p; ALTER TABLE t ADD COLUMN b integer", "no error"},
+      {"TRUNCATE t", "somebody else has emptied or rewritten the table 't' since this run began"},
+      {"ALTER TABLE t ALTER a TYPE bigint", "emptied or rewritten the table 't'"},
+      {"ALTER TABLE t RENAME TO x; ALTER TABLE u RENAME TO t", "renamed or replaced the table '\"public\".\"t\"'"},
+      {"TRUNCATE p1", "emptied or rewritten the table 'p1'"},
+      {"TRUNCATE v1", "emptied or rewritten the table 'v1'"},
+  };
+  for (const auto& [Meanwhile, Error] : Cases) {
+    SCOPED_TRACE(Meanwhile);
+    Raw.Run(R"(
+        DROP TABLE IF EXISTS t, u, x, p, v1 CASCADE; CREATE TABLE t (a integer PRIMARY KEY); INSERT INTO t VALUES (1), (2);
+        CREATE TABLE u (a integer PRIMARY KEY); CREATE TABLE p (a integer) PARTITION BY LIST (a);
+        CREATE TABLE p1 PARTITION OF p FOR VALUES IN (1); INSERT INTO p VALUES (1); CREATE TABLE v1 (a integer);
+        INSERT INTO v1 VALUES (7); CREATE VIEW v AS SELECT a FROM v1)");
+    Connection->BeginReading();
+    EXPECT_THAT(Fields(), ElementsAre("a"));
+    Raw.Run(Meanwhile);
+    int Rows = 0;
+    const std::string Met = ErrorOf([&] {
+      for (const char* const Name : {"t", "p", "v"}) {
+        const TTableDescription Table = Connection->Schema().Describe(*Connection->Schema().FindTable(Name));
+        const int First[] = {0};
+        const auto Cursor = Connection->Rows().OpenCursor(Table, First, {});
+        while (Cursor->Next()) ++Rows;
+      }
+    });
+    EXPECT_THAT(Met, HasSubstr(Error));
+    EXPECT_EQ(Rows == 4, Met == "no error");
+    Connection->Rollback();
+  }
+}
+
 TEST_F(PostgreSQLCatalogueTest, NamesAreFoundWhateverStandsInThem) {
   Raw.Run(
       "CREATE SCHEMA s; CREATE SCHEMA \"x.y\"; CREATE TABLE s.t (a integer); CREATE TABLE \"s.u\" (a integer); "

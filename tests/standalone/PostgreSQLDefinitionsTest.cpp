@@ -259,6 +259,21 @@ TEST(PostgreSQLDefinitionsTest, CopiesUnderAnotherNameLeaveTheOriginalAlone) {
   EXPECT_TRUE(Connection->Definitions().View({"v", ""}) == View);
 }
 
+TEST(PostgreSQLDefinitionsTest, ATypeOfTheCurrentSchemaIsNoOtherOfItsName) {
+  TPostgreSQLDatabase Raw;
+  Raw.Run(R"(
+      CREATE SCHEMA s; CREATE TYPE en AS ENUM ('a', 'b'); CREATE TYPE s.en AS ENUM ('b', 'a');
+      CREATE TABLE s.t (e s.en, o en))");
+  Raw.Run("ALTER DATABASE " + Raw.Rows("SELECT quote_ident(current_database())") + " SET search_path = s, public");
+  const TDicTableDescription Table = Connect(Raw.Url())->Definitions().Table({"t", ""}, {});
+  Raw.Run("DROP TABLE s.t; DROP TYPE s.en");
+  const auto Target = Connect(Raw.Url());
+  RunAll(*Target, Target->Scripts().Table(Table, {}, Target->Scripts().TablePattern()));
+  EXPECT_EQ(Raw.Rows("SELECT format('%s %s', attname, atttypid::regtype) FROM pg_attribute WHERE attnum > 0 AND "
+                     "attrelid = 's.t'::regclass ORDER BY 1"),
+            "e s.en\no en\n");
+}
+
 TEST(PostgreSQLDefinitionsTest, SeveralAtOnceAreDescribedAsEachAlone) {
   TPostgreSQLDatabase Raw;
   Raw.Run(R"(

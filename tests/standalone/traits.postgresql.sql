@@ -6,7 +6,8 @@ CREATE DOMAIN price AS numeric(12,2) CHECK (VALUE >= 0) CONSTRAINT small CHECK (
 CREATE DOMAIN wanted AS character varying(5) COLLATE "C" DEFAULT 'x' NOT NULL;
 CREATE DOMAIN feeling AS mood CHECK (VALUE <> '');
 CREATE TYPE pair AS (a integer, "b c" text COLLATE "C");
-CREATE TYPE span AS RANGE (subtype = double precision);
+CREATE TYPE span AS RANGE (subtype = double precision, subtype_diff = float8mi);
+CREATE TYPE letters AS RANGE (subtype = text, subtype_opclass = text_pattern_ops, collation = "C");
 
 CREATE TABLE kinds (
   i2 smallint, i4 integer, i8 bigint, o oid, r4 real, r8 double precision, n numeric, np numeric(10), ns numeric(12,3),
@@ -14,7 +15,7 @@ CREATE TABLE kinds (
   by bytea, d date, ti time, ti3 time(3), ts timestamp, ts0 timestamp(0), tz timestamptz, tz3 timestamptz(3), tt timetz,
   tt2 timetz(2), iv interval, ivd interval day to second(3), ivy interval year, u uuid, j json, jb jsonb, x xml,
   ia integer[], va varchar(3)[], ip inet, ci cidr, mac macaddr, r int4range, mr int8multirange, bi bit(3), bv bit varying(5),
-  p point, tv tsvector, jp jsonpath, mo mood, moa mood[], pr price, w wanted, f feeling, pa pair, sp span,
+  p point, tv tsvector, jp jsonpath, mo mood, moa mood[], pr price, w wanted, f feeling, pa pair, sp span, le letters,
   ot "Sales Dept"."Odd Type", wd wanted DEFAULT 'y', coll text COLLATE "C", coll2 text COLLATE pg_catalog."POSIX"
 );
 ALTER TABLE kinds DROP COLUMN i4;

@@ -47,6 +47,7 @@ std::vector<TDicTableDescription> TTableMaker::Missing(const std::vector<std::st
 
 void TTableMaker::TakeUnfinished(const std::string& Name) {
   TMade Left;
+  Left.WasThere = true;
   Left.Stage = Dictionary().StageOf(FDatabaseName, Name);
   if (Left.Stage == TTableStage::Complete) return;
   if (!Dictionary().GetDicTable(FDatabaseName).GetTableInfo(Name, Left.Description)) return;
@@ -123,7 +124,7 @@ void TTableMaker::Check(const std::string& Name) {
 
 void TTableMaker::Complete(const TFailed& Failed, const TTakenBack& TakenBack) {
   for (TMade& Made : FMade)
-    if (!CommitsSteps() && IsUseless(Made.Description)) Drop(Made);
+    if (!CommitsSteps() && !Made.WasThere && IsUseless(Made.Description)) Drop(Made);
   CompleteEach(Failed, TakenBack, TTableStage::Made, &TTableMaker::MakeIndexes);
   CompleteEach(Failed, TakenBack, TTableStage::Indexed, &TTableMaker::FinishOne);
   if (!CommitsSteps()) StoreWords(Failed, TakenBack);
@@ -144,10 +145,16 @@ void TTableMaker::CompleteEach(const TFailed& Failed, const TTakenBack& TakenBac
       Made.Stage = Next;
       continue;
     } catch (const std::exception& Error) {
-      Failed(Made.Description.FullName(), Error);
+      GiveUp(Made, Failed, Error);
     }
     if (!CommitsSteps()) DropWithThoseThatRefer(Made, TakenBack);
   }
+}
+
+void TTableMaker::GiveUp(TMade& Made, const TFailed& Failed, const std::exception& Error) {
+  // Its rows cannot be told from those that this run has brought: all of them go back together.
+  if (Made.WasThere && !CommitsSteps()) throw;
+  Failed(Made.Description.FullName(), Error);
 }
 
 /// Of many at once, which an engine tells faster; where that fails, of each, to find the one.
@@ -176,7 +183,7 @@ bool TTableMaker::StoreWordsOf(std::span<TMade* const> Tables, const TFailed& Fa
   } catch (const EAbort&) {
     throw;
   } catch (const std::exception& Error) {
-    if (Failed) Failed(Names.front(), Error);
+    if (Failed) GiveUp(*Tables.front(), Failed, Error);
     return false;
   }
 }
@@ -201,6 +208,11 @@ void TTableMaker::DropWithThoseThatRefer(TMade& Made, const TTakenBack& TakenBac
       return SameText(Key.FullTable(), Made.Description.FullName());
     });
     if (!Refers || Other.IsGone) continue;
+    if (Other.WasThere)
+      throw EDatabaseError(
+          Format("The table '%s', which was there before this run, refers to the table '%s', which "
+                 "cannot be made",
+                 Other.Description.FullName(), Made.Description.FullName()));
     DropWithThoseThatRefer(Other, TakenBack);
     TakenBack(Other.Description.FullName());
   }

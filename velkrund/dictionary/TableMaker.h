@@ -15,7 +15,8 @@ namespace velkrund {
 /// behind them the indexes of all, then foreign keys, triggers and comments. A table that needs another one, whose part
 /// it is, waits for that. Each step of a table is a transaction of its own, or a part of one. A table that cannot be
 /// completed, where the others are gone on with, is dropped again, and so are those made here that refer to it; where
-/// the steps are committed one by one it stays, and waits for a later run to complete it.
+/// the steps are committed one by one it stays, and waits for a later run to complete it. What such a run was left is
+/// never dropped: where it cannot be completed, the run ends.
 class TTableMaker : public TMissingTables {
  public:
   /// Operation: borrowed, whose cancel is obeyed.
@@ -32,6 +33,7 @@ class TTableMaker : public TMissingTables {
     std::string Pattern;
     TTableStage Stage = TTableStage::Made;
     bool IsGone = false;
+    bool WasThere = false;  // an earlier run has left it, with rows
   };
 
   /// Whether each step is committed by itself, rather than with the whole run.
@@ -67,6 +69,8 @@ class TTableMaker : public TMissingTables {
   void StoreWords(const TFailed& Failed, const TTakenBack& TakenBack);
   /// False: an error, which Failed is told of, if there is one, for a table alone.
   bool StoreWordsOf(std::span<TMade* const> Tables, const TFailed& Failed = {});
+  /// That Made could not be completed, while the error of it is handled.
+  void GiveUp(TMade& Made, const TFailed& Failed, const std::exception& Error);
   void DropWithThoseThatRefer(TMade& Made, const TTakenBack& TakenBack);
   void MakeIndexes(const TMade& Made);
   void Drop(TMade& Made);

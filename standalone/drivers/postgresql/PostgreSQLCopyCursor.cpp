@@ -7,6 +7,7 @@
 #include "standalone/drivers/postgresql/BigEndian.h"
 #include "standalone/drivers/postgresql/Libpq.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
+#include "standalone/drivers/postgresql/PostgreSQLRewritten.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -52,7 +53,16 @@ bool TPostgreSQLCopyCursor::Receive() {
   const TPostgreSQLResult Result = FSource.Session.Drain();
   FSource.Session.Vacate(*this);
   if (Size < -1 || !Result.Handle() || Result.IsError()) FSource.Session.Raise(FSource.What, Result);
+  RefuseChanges();
   return false;
+}
+
+/// A COPY alone sees what is there when it begins.
+void TPostgreSQLCopyCursor::RefuseChanges() {
+  TPostgreSQLSession& Session = FSource.Session;
+  if (!Session.InTransaction() || !Session.OnlyReads()) return;
+  RefuseRewrittenTables(Session, FSource.What);
+  if (!FSource.Table.empty()) RefuseRenamedTable(Session, FSource.Table, FSource.Oid, FSource.What);
 }
 
 void TPostgreSQLCopyCursor::RaiseMalformed() {

@@ -110,6 +110,8 @@ std::unique_ptr<TCursor> OpenPostgreSQLCursor(TPostgreSQLSession& Session, const
     Source.Statement = SelectText(Table, Asked, Places, Options.Condition, Session.Dialect());
     return std::make_unique<TPostgreSQLFetchCursor>(std::move(Source));
   }
+  Source.Table = Session.Dialect().QualifiedName(Table.Table);
+  Source.Oid = Known.Oid;
   Source.Statement = CopyText(Table, Known, Asked, Places, Options.Condition, Session.Dialect());
   return std::make_unique<TPostgreSQLCopyCursor>(std::move(Source));
 }

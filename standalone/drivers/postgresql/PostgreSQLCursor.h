@@ -23,6 +23,7 @@ struct TPostgreSQLSource {
   std::vector<TPostgreSQLDecoder> Decoders;
   bool OnlyReads = false;                             // the server refuses whatever would write, batch by batch
   std::unique_ptr<TPostgreSQLReadOnly> Reading = {};  // or as long as the cursor lives
+  std::string Table = {}, Oid = {};                   // quoted, and its number; empty: a query
 };
 
 /// The value of the column of T as it is sent.
@@ -57,6 +58,7 @@ class TPostgreSQLCopyCursor final : public TPostgreSQLCursor, private TPostgreSQ
   void GiveWay(std::string_view What) override;
   void Abandon() noexcept override;
   bool Receive();
+  void RefuseChanges();
   void SkipHeader();
   void FreeRow();
   [[noreturn]] void RaiseMalformed();

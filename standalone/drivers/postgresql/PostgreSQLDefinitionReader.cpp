@@ -114,14 +114,32 @@ TDicTableDescription DescribeTable(TDescribing& Describing, const TTableInfo& Ta
 
 }  // namespace
 
-TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions& Options) {
-  return std::move(Tables({Table}, Options).front());
+TDicTableDescription TPostgreSQLDefinitionReader::Table(const TTableInfo& Table, const TDescribeOptions&) {
+  return std::move(DescribeAll({Table}).front());
 }
 
 std::vector<TDicTableDescription> TPostgreSQLDefinitionReader::Tables(const std::vector<TTableInfo>& Tables,
-                                                                      const TDescribeOptions&) {
+                                                                      const TDescribeOptions& Options) {
+  if (Tables.empty()) return {};
+  const std::string Mark = "velkrund_tables", What = WhatOf(Tables);
+  const bool Marks = FSession.InTransaction() && Tables.size() > 1;
+  if (Marks) FSession.Query(What, "SAVEPOINT " + Mark);
+  try {
+    std::vector<TDicTableDescription> Result = DescribeAll(Tables);
+    if (Marks) FSession.Query(What, "RELEASE SAVEPOINT " + Mark);
+    return Result;
+  } catch (const EDatabaseError&) {
+    if (Tables.size() == 1) throw;
+  }
+  // The server does not tell which of them it is.
+  if (Marks) FSession.TakePartBack(Mark);
   std::vector<TDicTableDescription> Result;
-  if (Tables.empty()) return Result;
+  for (const TTableInfo& Each : Tables) Result.push_back(Table(Each, Options));
+  return Result;
+}
+
+std::vector<TDicTableDescription> TPostgreSQLDefinitionReader::DescribeAll(const std::vector<TTableInfo>& Tables) {
+  std::vector<TDicTableDescription> Result;
   TDescribing Describing(FSession, WhatOf(Tables));
   const TPostgreSQLResult Rows = AskAbout(Describing, Tables);
   std::map<std::size_t, int> RowOf;  // by the table's place

@@ -24,6 +24,8 @@ class TPostgreSQLDefinitionReader final : public TDefinitionReader {
   std::vector<std::string> LeftBehind() override;
 
  private:
+  std::vector<TDicTableDescription> DescribeAll(const std::vector<TTableInfo>& Tables);
+
   TPostgreSQLSession& FSession;
 };
 

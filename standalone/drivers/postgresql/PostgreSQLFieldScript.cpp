@@ -19,9 +19,15 @@ std::string ElementType(std::string Type) {
   return Type;
 }
 
+/// One without a schema is of the current one: another of its name, further down the search path, is another type.
 void AddType(const std::string& Name, const std::string& Statement, TPostgreSQLScript& Script) {
   Script.AddSchemaOf(Name);
-  const std::string Unless = "SELECT 1 WHERE pg_catalog.to_regtype(" + QuotePostgreSQLText(Name) + ") IS NOT NULL";
+  const std::string Text = QuotePostgreSQLText(Name);
+  const std::string Whole =
+      EndOfPostgreSQLSchema(Name) > 0
+          ? Text
+          : "pg_catalog.concat(pg_catalog.quote_ident(pg_catalog.current_schema()), '.', " + Text + ")";
+  const std::string Unless = "SELECT 1 WHERE pg_catalog.to_regtype(" + Whole + ") IS NOT NULL";
   const auto IsThere = [&](const TScriptStatement& Known) { return Known.Unless == Unless; };
   if (std::none_of(Script.Statements.begin(), Script.Statements.end(), IsThere))
     Script.Add(Statement, "type " + Name, Unless);

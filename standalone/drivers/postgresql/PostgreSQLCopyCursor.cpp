@@ -6,8 +6,8 @@
 
 #include "standalone/drivers/postgresql/BigEndian.h"
 #include "standalone/drivers/postgresql/Libpq.h"
+#include "standalone/drivers/postgresql/PostgreSQLChangedTables.h"
 #include "standalone/drivers/postgresql/PostgreSQLCursor.h"
-#include "standalone/drivers/postgresql/PostgreSQLRewritten.h"
 #include "velkrund/platform/ormtools/Exceptions.h"
 #include "velkrund/platform/ormtools/Format.h"
 
@@ -61,8 +61,7 @@ bool TPostgreSQLCopyCursor::Receive() {
 void TPostgreSQLCopyCursor::RefuseChanges() {
   TPostgreSQLSession& Session = FSource.Session;
   if (!Session.InTransaction() || !Session.OnlyReads()) return;
-  RefuseRewrittenTables(Session, FSource.What);
-  if (!FSource.Table.empty()) RefuseRenamedTable(Session, FSource.Table, FSource.Oid, FSource.What);
+  RefuseChangedTables(Session, FSource.Table, FSource.Oid, FSource.What);
 }
 
 void TPostgreSQLCopyCursor::RaiseMalformed() {

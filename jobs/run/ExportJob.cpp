@@ -52,9 +52,9 @@ void TExportJob::Run() {
   FOutcome = {LText("M_Velkrund_Jobs_Exported"), DatabaseText(), {}};
   FErrors.emplace(Policies.OnError);
   FMissing.emplace(Policies.MissingSources);
-  const struct TEnd {
+  const struct TMomentEnd {
     std::optional<TReadTransaction>& Moment;
-    ~TEnd() { Moment.reset(); }
+    ~TMomentEnd() { Moment.reset(); }
   } End{FMoment};
   FOutcome.Items = PlanItems();
   const bool HasWork = std::any_of(FOutcome.Items.begin(), FOutcome.Items.end(),

@@ -42,8 +42,9 @@ class TDefinitionReader {
 
   // Of an object that is there; EDatabaseError when it is not.
   virtual TDicTableDescription Table(const TTableInfo& Table, const TDescribeOptions& Options) = 0;
-  /// Several, in their order: what an engine answers for many at once it is asked once. AtOnce keeps answers small.
+  /// How many tables to ask Tables for, so that the answers stay small.
   static constexpr std::size_t AtOnce = 64;
+  /// Several, in their order: what an engine answers for many at once it is asked once. An error names the one table.
   virtual std::vector<TDicTableDescription> Tables(const std::vector<TTableInfo>& Tables,
                                                    const TDescribeOptions& Options) {
     std::vector<TDicTableDescription> Result;

@@ -49,7 +49,9 @@ class TDictionary {
   /// cannot be made; without it, an error where the part is the table itself.
   virtual void CreateTableByDef(const std::string& DatabaseName, const TDicTableDescription& Description,
                                 const std::string& Pattern, TTableScriptPart Part, bool Replace) = 0;
-  /// The structures of tables that are made learn how the engine itself says what they had no words of its own for.
+  /// The structures of tables that are made learn how the engine itself says what they had no words of its own for: of
+  /// all these in one transaction, or of none. Names in any case; one without a structure, or without a table, is
+  /// passed over. Raises EDatabaseError, and EDSPError for a structure that is none of a table.
   virtual void StoreWords(const std::string& DatabaseName, const std::vector<std::string>& TableNames) = 0;
   /// Makes the indexes of a table that was made without them.
   virtual void CreateIndexesByDef(const std::string& DatabaseName, const TDicTableDescription& Description) = 0;
